@@ -1,0 +1,52 @@
+# What every target of the project shares: language level, warnings, sanitizers, hidden symbols.
+# Nothing here is global: a target that wants it calls orvane_target_defaults.
+
+function(orvane_target_defaults target)
+    set_target_properties(${target} PROPERTIES
+        CXX_STANDARD 20
+        CXX_STANDARD_REQUIRED ON
+        CXX_EXTENSIONS OFF
+        CXX_VISIBILITY_PRESET hidden
+        VISIBILITY_INLINES_HIDDEN ON
+        AUTOMOC ON
+        POSITION_INDEPENDENT_CODE ON
+        RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin"
+        LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib"
+        INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
+    target_compile_definitions(${target} PRIVATE QT_NO_CAST_FROM_ASCII QT_NO_KEYWORDS)
+    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor
+        -Woverloaded-virtual -Wconversion -Wno-sign-conversion)
+    if(ORVANE_WARNINGS_AS_ERRORS)
+        target_compile_options(${target} PRIVATE -Werror)
+    endif()
+    if(ORVANE_SANITIZE)
+        target_compile_options(${target} PRIVATE -fsanitize=${ORVANE_SANITIZE} -fno-sanitize-recover=all
+            -fno-omit-frame-pointer)
+        target_link_options(${target} PRIVATE -fsanitize=${ORVANE_SANITIZE})
+    endif()
+endfunction()
+
+# orvane_library(NAME EXPORT_HEADER path/below/generated MACRO prefix)
+function(orvane_library target)
+    cmake_parse_arguments(ARG "" "EXPORT_HEADER;MACRO" "" ${ARGN})
+    add_library(${target} SHARED)
+    add_library(Orvane::${target} ALIAS ${target})
+    orvane_target_defaults(${target})
+    set_target_properties(${target} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+    generate_export_header(${target} BASE_NAME ${ARG_MACRO}
+        EXPORT_FILE_NAME "${PROJECT_BINARY_DIR}/generated/${ARG_EXPORT_HEADER}")
+endfunction()
+
+# orvane_test(NAME sources... LIBRARIES targets...): one GoogleTest program, one ctest entry.
+function(orvane_test name)
+    cmake_parse_arguments(ARG "" "" "LIBRARIES;LABELS" ${ARGN})
+    add_executable(${name} ${ARG_UNPARSED_ARGUMENTS})
+    orvane_target_defaults(${name})
+    target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} GTest::gmock GTest::gtest)
+    target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
+    target_compile_definitions(${name} PRIVATE ORVANE_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data"
+        ORVANE_EXAMPLE_DATA="${PROJECT_SOURCE_DIR}/examples/data")
+    add_test(NAME ${name} COMMAND ${name})
+    set_tests_properties(${name} PROPERTIES LABELS "${ARG_LABELS}" TIMEOUT 300
+        ENVIRONMENT "QT_PLUGIN_PATH=${PROJECT_BINARY_DIR}/plugins")
+endfunction()

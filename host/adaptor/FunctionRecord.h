@@ -1,0 +1,45 @@
+#pragma once
+
+#include <sqlite3.h>
+
+#include <span>
+
+namespace orvane::adaptor {
+
+/// Numbers of arguments that a function takes. -1 for any number: the function checks it itself.
+struct Arity {
+    int minimum = 0;
+    int maximum = 0;
+    static constexpr Arity any() { return {-1, -1}; }
+    static constexpr Arity exactly(int count) { return {count, count}; }
+    static constexpr Arity between(int minimum, int maximum) { return {minimum, maximum}; }
+};
+
+/// One SQL function: what registers it, documents it and tests it. A scalar function sets `scalar`, an aggregate
+/// `step` and `final`. Several records may carry one SQL name (second names, other entry points for other arities).
+struct FunctionRecord {
+    using Scalar = void (*)(sqlite3_context*, int, sqlite3_value**);
+    using Final = void (*)(sqlite3_context*);
+
+    const char* name;  ///< SQL name, upper camel case
+    const char* group; ///< heading in the reference, e.g. "Text"
+    Arity arity;
+    bool deterministic; ///< depends on nothing but its arguments
+    int encoding;       ///< SQLITE_UTF8 or SQLITE_UTF16: the form in which texts are read
+    Scalar scalar;
+    Scalar step;
+    Final final;
+    const char* signature; ///< as the reference shows it, e.g. "Mid(text, start, count)"
+    const char* summary;   ///< one sentence
+    const char* example;   ///< an expression of the dialect that runs by itself, e.g. "Mid('abcdef', 2, 3)"
+    const char* result;    ///< its value as text, "NULL" for none; null when it depends on the clock or the locale
+};
+
+/// The families, each a table in its own file below functions/.
+std::span<const FunctionRecord> arithmeticRecords();
+std::span<const FunctionRecord> textRecords();
+std::span<const FunctionRecord> dateTimeRecords();
+std::span<const FunctionRecord> formatRecords();
+std::span<const FunctionRecord> geometryRecords();
+
+} // namespace orvane::adaptor

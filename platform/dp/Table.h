@@ -1,0 +1,60 @@
+#pragma once
+
+#include "platform/dp/Cursor.h"
+#include "platform/dp/DataObject.h"
+#include "platform/dp/Feature.h"
+#include "platform/dp/ScanRequest.h"
+#include "platform/dp/TableSchema.h"
+
+#include <cstdint>
+#include <optional>
+#include <stdexcept>
+
+namespace orvane::dp {
+
+/// Raised by edits that a table does not allow or cannot carry out; the text is UTF-8 for the user.
+class ORVANE_PLATFORM_EXPORT EditError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// A table of features. Used from one thread at a time, except where a cursor says otherwise.
+class ORVANE_PLATFORM_EXPORT Table : public DataObject {
+    Q_OBJECT
+public:
+    using DataObject::DataObject;
+
+    virtual std::shared_ptr<const TableSchema> schema() const = 0;
+
+    /// Starts a scan. Throws std::runtime_error when the source cannot be read.
+    virtual std::unique_ptr<Cursor> openCursor(const ScanRequest& request) = 0;
+
+    /// Number of features where the provider knows it without a scan.
+    virtual std::optional<std::int64_t> featureCount() const { return std::nullopt; }
+
+    /// A number that changes with every change of the rows, whoever made it, as far as the provider can see.
+    virtual std::uint64_t revision() const { return 0; }
+
+    /// Whether openCursor makes use of a term of this kind, so that offering it saves rows.
+    virtual bool usesTerm(int attribute, Comparison comparison, TextCollation collation) const;
+    /// Whether openCursor makes use of a window: the table has a spatial index.
+    virtual bool usesWindow() const { return false; }
+
+    /// The feature with that identifier, null when there is none. The base reads it through a cursor.
+    virtual FeaturePtr feature(const FeatureId& id);
+
+    /// The coordinate system of the geometry attribute; null when there is neither.
+    std::shared_ptr<cs::CoordSystem> coordSystem() const;
+
+    virtual bool isReadOnly() const { return true; }
+    /// A transaction of the provider around a group of edits. Throws EditError.
+    virtual void beginEdits();
+    virtual void commitEdits();
+    virtual void rollbackEdits();
+    /// Adds a feature and returns the identifier it got. Throws EditError, as the two below.
+    virtual FeatureId insertFeature(const Feature& feature);
+    virtual void updateFeature(const Feature& feature);
+    virtual void deleteFeature(const FeatureId& id);
+};
+
+} // namespace orvane::dp

@@ -1,0 +1,49 @@
+#include "platform/log/Logger.h"
+
+#include <QMutex>
+#include <QMutexLocker>
+
+#include <cstdio>
+#include <utility>
+
+namespace orvane {
+
+namespace {
+
+struct SinkHolder {
+    QMutex mutex;
+    CuteMessageLogger::Sink sink = [](const LogEntry& entry) {
+        if (entry.level == LogLevel::Warning) {
+            std::fprintf(stderr, "%s: %s\n", qUtf8Printable(entry.sourceFile), qUtf8Printable(entry.text));
+        }
+    };
+};
+
+SinkHolder& sinkHolder() {
+    static SinkHolder holder;
+    return holder;
+}
+
+} // namespace
+
+void CuteMessageLogger::write(LogLevel level, const QString& sourceFile, int line, const QString& function,
+                              const QString& text) {
+    SinkHolder& holder = sinkHolder();
+    const QMutexLocker lock(&holder.mutex);
+    if (holder.sink) {
+        holder.sink({level, sourceFile, line, function, text});
+    }
+}
+
+CuteMessageLogger::Sink CuteMessageLogger::exchangeSink(Sink sink) {
+    SinkHolder& holder = sinkHolder();
+    const QMutexLocker lock(&holder.mutex);
+    return std::exchange(holder.sink, std::move(sink));
+}
+
+CuteMessageLogger* loggerInstance() {
+    static CuteMessageLogger logger;
+    return &logger;
+}
+
+} // namespace orvane
