@@ -15,8 +15,9 @@ struct Arity {
     static constexpr Arity between(int minimum, int maximum) { return {minimum, maximum}; }
 };
 
-/// One SQL function: what registers it, documents it and tests it. A scalar function sets `scalar`, an aggregate
-/// `step` and `final`. Several records may carry one SQL name (second names, other entry points for other arities).
+/// One SQL function: what registers it, documents it and tests it. A scalar function sets `scalar`, an
+/// aggregate `step` and `final`. Several records may carry one SQL name (second names, other entry points for
+/// other arities).
 struct FunctionRecord {
     using Scalar = void (*)(sqlite3_context*, int, sqlite3_value**);
     using Final = void (*)(sqlite3_context*);
@@ -32,7 +33,8 @@ struct FunctionRecord {
     const char* signature; ///< as the reference shows it, e.g. "Mid(text, start, count)"
     const char* summary;   ///< one sentence
     const char* example;   ///< an expression of the dialect that runs by itself, e.g. "Mid('abcdef', 2, 3)"
-    const char* result;    ///< its value as text, "NULL" for none; null when it depends on the clock or the locale
+    const char*
+        result; ///< its value as text, "NULL" for none; null when it depends on the clock or the locale
 };
 
 /// The families, each a table in its own file below functions/.

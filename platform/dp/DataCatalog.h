@@ -22,11 +22,14 @@ public:
     /// The object of that name, letter case ignored; null when there is none.
     virtual std::shared_ptr<DataObject> dataObject(const QString& name) const;
 
-    /// Adds an object and emits dataObjectAdded. False, and nothing happens, when it is null or its name is taken.
+    /// Adds an object and emits dataObjectAdded. False, and nothing happens, when it is null or its name is
+    /// taken.
     bool add(const std::shared_ptr<DataObject>& object);
-    /// Asks the users of the object to let go (DataObject::requestClose), removes it and emits dataObjectRemoved.
+    /// Asks the users of the object to let go (DataObject::requestClose), removes it and emits
+    /// dataObjectRemoved.
     bool close(const QString& name);
-    /// Gives an object a new name and emits dataObjectRenamed. False when there is no such object or the new name is taken.
+    /// Gives an object a new name and emits dataObjectRenamed. False when there is no such object or the new
+    /// name is taken.
     bool rename(const QString& oldName, const QString& newName);
 
     /// `wanted`, or with the smallest number from 2 appended after "_" that makes it free.

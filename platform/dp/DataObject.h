@@ -9,7 +9,8 @@
 
 namespace orvane::dp {
 
-/// Something that the catalogue holds under a name. Owned by shared pointers. Lives on the thread that made it.
+/// Something that the catalogue holds under a name. Owned by shared pointers. Lives on the thread that made
+/// it.
 class ORVANE_PLATFORM_EXPORT DataObject : public QObject, public std::enable_shared_from_this<DataObject> {
     Q_OBJECT
 public:

@@ -54,7 +54,8 @@ struct ScanRequest {
     std::vector<ScanTerm> terms; ///< all have to hold
     std::optional<ScanWindow> window;
     std::optional<std::vector<FeatureId>> ids;
-    std::int64_t limit = -1; ///< rows after which the reader stops, -1 for none; only without terms and window
+    std::int64_t limit =
+        -1; ///< rows after which the reader stops, -1 for none; only without terms and window
 };
 
 } // namespace orvane::dp

@@ -16,9 +16,9 @@
 
 namespace orvane::engine {
 
-/// The shared memory of the SQL functions: decoded geometries, coordinate systems, row numbers of features, and the
-/// resemblance extensions. One per engine; the user data of every SQL function. All operations may be called from any
-/// thread, but the memo mode and the extensions are set while no statement runs.
+/// The shared memory of the SQL functions: decoded geometries, coordinate systems, row numbers of features,
+/// and the resemblance extensions. One per engine; the user data of every SQL function. All operations may be
+/// called from any thread, but the memo mode and the extensions are set while no statement runs.
 class ORVANE_ENGINE_EXPORT EngineCache {
 public:
     enum GaiaCache : int {
@@ -39,7 +39,8 @@ public:
     std::shared_ptr<cs::CoordSystem> get(int code);
     /// Records a coordinate system unless the code already has an entry, even a null one.
     void save(int code, const std::shared_ptr<cs::CoordSystem>& coordSystem);
-    /// The coordinate system of a serialised payload, decoded on first request; null (remembered) when it cannot be.
+    /// The coordinate system of a serialised payload, decoded on first request; null (remembered) when it
+    /// cannot be.
     std::shared_ptr<cs::CoordSystem> get(const QByteArray& payload);
     void save(const QByteArray& payload, const std::shared_ptr<cs::CoordSystem>& coordSystem);
 

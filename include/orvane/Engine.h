@@ -1,0 +1,90 @@
+#pragma once
+
+#include <orvane/engine/Export.h>
+
+#include <QObject>
+#include <QSqlDatabase>
+#include <QString>
+
+#include <memory>
+#include <string>
+
+struct sqlite3;
+
+namespace orvane {
+
+class Core;
+
+namespace geometry {
+class ResemblanceExtension;
+}
+namespace engine {
+class EngineCache;
+class SqliteStringBuilder;
+class TableManagement;
+} // namespace engine
+
+/// The SQL engine service: one private in-memory database with SpatiaLite and the collation "Locale", in
+/// which the tables of the data catalogue appear as virtual tables. Belongs to the thread that loaded it;
+/// only cancelQuery may be called from another.
+class ORVANE_ENGINE_EXPORT Engine : public QObject {
+    Q_OBJECT
+public:
+    /// Installs a virtual-table module and SQL functions in the engine database. Returns 0, or a code and, if
+    /// it likes, a text allocated by SQLite.
+    using TableAdapterInit = int (*)(sqlite3* database, char** errorMessage, Core* core,
+                                     engine::EngineCache* cache);
+
+    enum CheckParseResults {
+        ParseAsIs = 0,     ///< any statement is translated
+        ExpressionOnly = 1 ///< only a value expression is
+    };
+
+    /// The engine service of the core, made and registered on first use. Throws std::runtime_error or
+    /// err::SqliteException when the database cannot be set up; the next call tries again.
+    static Engine* load(Core* core);
+
+    explicit Engine(QObject* parent);
+    ~Engine() override;
+
+    /// A handle of the engine connection "ORVANEENGINE".
+    QSqlDatabase engineDatabase() const;
+    /// Lives as long as the engine.
+    engine::EngineCache* cache() const;
+    void registerExtension(geometry::ResemblanceExtension* extension);
+    /// Forgets decoded geometries.
+    void clearCache();
+
+    /// Loads an SQLite extension library. Throws err::SqliteException naming the path, std::logic_error
+    /// without database.
+    void loadDatabaseModule(const char* path);
+    /// Lets the table adaptor install itself. Throws err::SqliteException with the adaptor's text.
+    void loadTableAdapterModule(Core* core, TableAdapterInit init);
+
+    /// Translates dialect text into the builder; true when the builder then holds a query. Errors stay in the
+    /// builder, nothing is thrown.
+    bool tryToTranslate(const std::string& text, engine::SqliteStringBuilder& builder,
+                        CheckParseResults check) const;
+    /// The SQLite text for dialect text (UTF-8), or the text itself when it cannot be translated; the reasons
+    /// are logged.
+    QString translate(const std::string& text) const;
+    QString translate(const QString& text) const;
+
+    /// Takes over a management under its table's name, in place of an earlier one; one without a name is
+    /// discarded.
+    void registerManagement(std::unique_ptr<engine::TableManagement> management);
+    void unRegisterManagement(const QString& name);
+    /// The management registered under exactly this name, null when there is none.
+    engine::TableManagement* findManagement(const QString& name);
+    /// Tells the management of exactly this name to let go of its table. It stays registered.
+    void detachTable(const QString& name);
+
+    /// Interrupts whatever statement runs on the engine connection. Any thread.
+    void cancelQuery();
+
+private:
+    class Internal;
+    std::shared_ptr<Internal> internal_;
+};
+
+} // namespace orvane
