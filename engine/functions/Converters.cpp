@@ -1,0 +1,161 @@
+#include <orvane/engine/functions/Converters.h>
+
+#include "platform/utils/Compare.h"
+#include "platform/utils/MetaTypes.h"
+
+#include <cerrno>
+#include <clocale>
+#include <cstdlib>
+#include <limits>
+
+namespace orvane::engine {
+
+const QString timeFormat = QStringLiteral("hh:mm:ss.zzz");
+const QString dateTimeFormat = QStringLiteral("yyyy-MM-dd ") + timeFormat;
+
+namespace {
+
+const char* utf8(sqlite3_value* value) {
+    return reinterpret_cast<const char*>(sqlite3_value_text(value));
+}
+
+/// The numbers of SQL texts have a decimal point even where the process runs under a locale with a comma.
+locale_t numericLocale() {
+    static const locale_t locale = newlocale(LC_ALL_MASK, "C", nullptr);
+    return locale;
+}
+
+double parse(const char* text, char** end, double) {
+    return strtod_l(text, end, numericLocale());
+}
+qint64 parse(const char* text, char** end, qint64) {
+    return strtoll_l(text, end, 10, numericLocale());
+}
+
+template<typename Number>
+Number numberInText(const char* text, bool& ok) {
+    if (text == nullptr) {
+        return 0;
+    }
+    char* end = nullptr;
+    errno = 0;
+    const Number number = parse(text, &end, Number());
+    ok = end != text && errno != ERANGE;
+    return ok ? number : Number(0);
+}
+
+template<typename Number>
+Number toNumber(sqlite3_value* value, bool* okResult, Number (*stored)(sqlite3_value*)) {
+    bool ok = false;
+    Number number = 0;
+    switch (sqlite3_value_type(value)) {
+    case SQLITE_INTEGER:
+    case SQLITE_FLOAT:
+        ok = true;
+        number = stored(value);
+        break;
+    case SQLITE_TEXT: number = numberInText<Number>(utf8(value), ok); break;
+    default: break;
+    }
+    if (okResult != nullptr) {
+        *okResult = ok;
+    }
+    return number;
+}
+
+QString latin1(sqlite3_value* value) {
+    return QString::fromLatin1(utf8(value));
+}
+
+} // namespace
+
+std::string toString(sqlite3_value* value) {
+    const char* text = utf8(value);
+    return text != nullptr ? std::string(text) : std::string();
+}
+
+QString toString(const QDate& date) {
+    return date.toString(Qt::ISODate);
+}
+
+QString toString(const QTime& time) {
+    return time.toString(timeFormat);
+}
+
+QString toString(const QDateTime& dateTime) {
+    return dateTime.toString(dateTimeFormat);
+}
+
+QString toQString(sqlite3_value* value) {
+    return QString(static_cast<const QChar*>(sqlite3_value_text16(value)));
+}
+
+QString toQStringUTF8(sqlite3_value* value) {
+    return QString::fromUtf8(utf8(value));
+}
+
+double toDouble(sqlite3_value* value, bool* ok) {
+    return toNumber<double>(value, ok, sqlite3_value_double);
+}
+
+qint64 toInt64(sqlite3_value* value, bool* ok) {
+    return toNumber<qint64>(value, ok,
+                            [](sqlite3_value* stored) -> qint64 { return sqlite3_value_int64(stored); });
+}
+
+QTime toTime(sqlite3_value* value) {
+    if (sqlite3_value_type(value) == SQLITE_NULL) {
+        return {};
+    }
+    const QString text = latin1(value);
+    if (const QTime time = QDateTime::fromString(text, Qt::ISODate).time(); time.isValid()) {
+        return time;
+    }
+    if (const QTime time = QTime::fromString(text, Qt::ISODate); time.isValid()) {
+        return time;
+    }
+    return QTime::fromString(text, timeFormat);
+}
+
+QDate toDate(sqlite3_value* value) {
+    if (sqlite3_value_type(value) == SQLITE_NULL) {
+        return {};
+    }
+    const QString text = latin1(value);
+    const QDate date = QDateTime::fromString(text, Qt::ISODate).date();
+    return date.isValid() ? date : QDate::fromString(text, Qt::ISODate);
+}
+
+QDateTime toDateTime(sqlite3_value* value) {
+    return sqlite3_value_type(value) == SQLITE_NULL ? QDateTime()
+                                                    : QDateTime::fromString(latin1(value), Qt::ISODate);
+}
+
+QString escapeString(QString text, char quote) {
+    const QChar mark = QLatin1Char(quote);
+    text.replace(mark, QString(2, mark));
+    return mark + text + mark;
+}
+
+bool isGeometry(const dp::AttributeDefinitionPointer& definition) {
+    return dynamic_cast<const dp::GeometryAttributeDefinition*>(definition.constData()) != nullptr;
+}
+
+bool isStyle(const dp::AttributeDefinitionPointer& definition) {
+    return dynamic_cast<const dp::RenditionAttributeDefinition*>(definition.constData()) != nullptr;
+}
+
+int variantType(const QVariant& value) {
+    if (!value.isValid()) {
+        return std::numeric_limits<int>::max();
+    }
+    return isPlainInt(value.userType()) ? static_cast<int>(QMetaType::LongLong) : value.userType();
+}
+
+bool variantCompare(const QVariant& a, const QVariant& b) {
+    const int typeOfA = variantType(a);
+    const int typeOfB = variantType(b);
+    return typeOfA != typeOfB ? typeOfA < typeOfB : utils::compare(a, b) < 0;
+}
+
+} // namespace orvane::engine
