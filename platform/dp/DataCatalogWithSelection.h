@@ -5,11 +5,12 @@
 
 namespace orvane::dp {
 
-/// A catalogue in which the user selects features of one object at a time.
+/// A catalogue in which the user selects features of one object at a time. Closing that object ends the
+/// selection.
 class ORVANE_PLATFORM_EXPORT DataCatalogWithSelection : public DataCatalog {
     Q_OBJECT
 public:
-    using DataCatalog::DataCatalog;
+    explicit DataCatalogWithSelection(QObject* parent = nullptr);
 
     /// The name under which queries reach the selection as a table: "Selection".
     static QString selectionTableName();
