@@ -1,0 +1,25 @@
+#pragma once
+
+#include "platform/Export.h"
+
+#include <cstdint>
+
+namespace orvane::dp {
+
+/// Lets long work that runs inside one step of a statement notice that the user cancelled. Made when the work
+/// begins; a cancellation before that moment has no effect on it. Any thread.
+class ORVANE_PLATFORM_EXPORT Cancellation {
+public:
+    Cancellation();
+
+    /// Whether cancelAll was called since this object was made. Costs one relaxed atomic load.
+    bool isRequested() const;
+
+    /// Cancels all work that is under way.
+    static void cancelAll();
+
+private:
+    std::uint64_t since_;
+};
+
+} // namespace orvane::dp
