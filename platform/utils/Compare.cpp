@@ -1,5 +1,6 @@
 #include "platform/utils/Compare.h"
 
+#include "platform/decimal/QDecNumber.h"
 #include "platform/utils/MetaTypes.h"
 
 #include <QDateTime>
@@ -24,6 +25,10 @@ int threeWay(const T& a, const T& b) {
     return a < b ? -1 : (b < a ? 1 : 0);
 }
 
+bool isDecimal(int type) {
+    return type == qMetaTypeId<QDecNumber>();
+}
+
 Group groupOf(const QVariant& value) {
     if (value.isNull()) {
         return Group::Absent;
@@ -44,7 +49,7 @@ Group groupOf(const QVariant& value) {
     case QMetaType::QDateTime: return Group::DateTime;
     case QMetaType::QVariantList:
     case QMetaType::QStringList: return Group::List;
-    default: return Group::Other;
+    default: return isDecimal(type) ? Group::Number : Group::Other;
     }
 }
 
@@ -59,6 +64,14 @@ long double numberOf(const QVariant& value) {
 }
 
 int compareNumbers(const QVariant& a, const QVariant& b) {
+    if (isDecimal(a.userType())) {
+        const auto decimal = a.value<QDecNumber>();
+        return isDecimal(b.userType()) ? decimal.compare(b.value<QDecNumber>())
+                                       : decimal.compare(numberOf(b));
+    }
+    if (isDecimal(b.userType())) {
+        return -b.value<QDecNumber>().compare(numberOf(a));
+    }
     const long double left = numberOf(a);
     const long double right = numberOf(b);
     if (std::isnan(left) || std::isnan(right)) {

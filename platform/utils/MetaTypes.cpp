@@ -1,5 +1,7 @@
 #include "platform/utils/MetaTypes.h"
 
+#include "platform/decimal/QDecNumber.h"
+
 #include <QMetaType>
 
 namespace orvane {
@@ -38,10 +40,7 @@ QString sqlName(int metaType) {
     case QMetaType::QDateTime: return QStringLiteral("Timestamp Text");
     default: break;
     }
-    static const int decimal = QMetaType::type("QDecNumber");
-    const bool isDecimal = metaType != QMetaType::UnknownType &&
-                           metaType == (decimal != 0 ? decimal : QMetaType::type("QDecNumber"));
-    return isDecimal ? QStringLiteral("Numeric") : QStringLiteral("Blob");
+    return metaType == qMetaTypeId<QDecNumber>() ? QStringLiteral("Numeric") : QStringLiteral("Blob");
 }
 
 } // namespace orvane

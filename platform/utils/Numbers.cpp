@@ -70,7 +70,8 @@ double getRound(double value, int digits) {
     if (!std::isfinite(value) || value == 0.0) {
         return value;
     }
-    if (std::abs(digits) >= static_cast<int>(exactPowers.size())) {
+    constexpr int largestPower = static_cast<int>(exactPowers.size()) - 1;
+    if (digits > largestPower || digits < -largestPower) {
         return roundText(value, digits);
     }
     const double power = exactPowers[static_cast<size_t>(std::abs(digits))];
