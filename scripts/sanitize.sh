@@ -1,0 +1,11 @@
+#!/bin/sh
+# The tests under AddressSanitizer and UndefinedBehaviorSanitizer, then the cache's concurrency under ThreadSanitizer.
+set -eu
+cd "$(dirname "$0")/.."
+scripts/setup.sh
+cmake --preset asan
+cmake --build --preset asan
+ctest --preset asan -j "$(nproc)" "$@"
+cmake --preset tsan
+cmake --build --preset tsan --target test_engine_geometry
+ctest --preset tsan -R '^test_engine_geometry$'
