@@ -1,0 +1,215 @@
+#include <orvane/engine/functions/Arithmetic.h>
+
+#include "Barrier.h"
+#include "TextArguments.h"
+#include "platform/utils/Numbers.h"
+#include <orvane/engine/functions/Converters.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace orvane::engine {
+
+namespace {
+
+constexpr qint64 smallestInteger = std::numeric_limits<qint64>::min();
+constexpr qint64 largestInteger = std::numeric_limits<qint64>::max();
+constexpr double integersEnd = 9223372036854775808.0; // 2^63
+
+bool areIntegers(sqlite3_value** values) {
+    return sqlite3_value_type(values[0]) == SQLITE_INTEGER && sqlite3_value_type(values[1]) == SQLITE_INTEGER;
+}
+
+bool isNumber(sqlite3_value* value) {
+    const int type = sqlite3_value_type(value);
+    return type == SQLITE_INTEGER || type == SQLITE_FLOAT;
+}
+
+void resultError(sqlite3_context* context, const char* message) {
+    sqlite3_result_error(context, message, -1);
+}
+
+void resultFinite(sqlite3_context* context, double number, const char* messageElse) {
+    if (std::isfinite(number)) {
+        sqlite3_result_double(context, number);
+    } else {
+        resultError(context, messageElse);
+    }
+}
+
+/// Calls `body` with the arguments as numbers, or leaves the result NULL.
+template <typename Body>
+void withNumber(sqlite3_value** values, Body&& body) {
+    bool ok = false;
+    if (const double x = toDouble(values[0], &ok); ok) {
+        body(x);
+    }
+}
+
+template <typename Body>
+void withNumbers(sqlite3_value** values, Body&& body) {
+    bool okA = false;
+    bool okB = false;
+    const double a = toDouble(values[0], &okA);
+    const double b = toDouble(values[1], &okB);
+    if (okA && okB) {
+        body(a, b);
+    }
+}
+
+bool sumFits(qint64 a, qint64 b) {
+    return b > 0 ? a <= largestInteger - b : a >= smallestInteger - b;
+}
+
+void quotientOfIntegers(sqlite3_context* context, qint64 a, qint64 b) {
+    if (b == 0) {
+        resultError(context, "Division by zero");
+    } else if (a == smallestInteger && b == -1) {
+        resultError(context, "Integer overflow");
+    } else {
+        sqlite3_result_int64(context, a / b);
+    }
+}
+
+} // namespace
+
+void concatUTF16(sqlite3_context* context, int, sqlite3_value** values) {
+    barrier(context, [&] {
+        if (isNull(values[0]) || isNull(values[1])) {
+            return;
+        }
+        if (areIntegers(values)) {
+            const qint64 a = sqlite3_value_int64(values[0]);
+            const qint64 b = sqlite3_value_int64(values[1]);
+            if (sumFits(a, b)) {
+                sqlite3_result_int64(context, a + b);
+            } else {
+                sqlite3_result_double(context, static_cast<double>(a) + static_cast<double>(b));
+            }
+        } else if (isNumber(values[0]) && isNumber(values[1])) {
+            resultFinite(context, sqlite3_value_double(values[0]) + sqlite3_value_double(values[1]),
+                         "Sum overflow.");
+        } else {
+            resultText(context, toQString(values[0]) + toQString(values[1]));
+        }
+    });
+}
+
+void divide(sqlite3_context* context, int, sqlite3_value** values) {
+    barrier(context, [&] {
+        withNumbers(values, [&](double a, double b) { resultFinite(context, a / b, "Division by zero"); });
+    });
+}
+
+void quotient(sqlite3_context* context, int, sqlite3_value** values) {
+    barrier(context, [&] {
+        if (areIntegers(values)) {
+            quotientOfIntegers(context, sqlite3_value_int64(values[0]), sqlite3_value_int64(values[1]));
+            return;
+        }
+        withNumbers(values, [&](double a, double b) {
+            const double result = a / b;
+            if (!std::isfinite(result)) {
+                resultError(context, "Division by zero");
+            } else if (result < -integersEnd || result >= integersEnd) {
+                resultError(context, "Integer overflow");
+            } else {
+                sqlite3_result_int64(context, static_cast<qint64>(std::floor(result)));
+            }
+        });
+    });
+}
+
+void power(sqlite3_context* context, int, sqlite3_value** values) {
+    barrier(context, [&] {
+        withNumbers(values, [&](double x, double y) { resultFinite(context, std::pow(x, y), "Power overflow"); });
+    });
+}
+
+void xorLogical(sqlite3_context* context, int, sqlite3_value** values) {
+    barrier(context, [&] {
+        withNumbers(values, [&](double a, double b) { sqlite3_result_int(context, (a != 0.0) != (b != 0.0)); });
+    });
+}
+
+void minimum(sqlite3_context* context, int, sqlite3_value** values) {
+    barrier(context, [&] {
+        withNumbers(values, [&](double a, double b) { sqlite3_result_double(context, b < a ? b : a); });
+    });
+}
+
+void maximum(sqlite3_context* context, int, sqlite3_value** values) {
+    barrier(context, [&] {
+        withNumbers(values, [&](double a, double b) { sqlite3_result_double(context, b > a ? b : a); });
+    });
+}
+
+void sign(sqlite3_context* context, int, sqlite3_value** values) {
+    barrier(context, [&] {
+        withNumber(values, [&](double x) { sqlite3_result_int(context, x < 0.0 ? -1 : (x == 0.0 ? 0 : 1)); });
+    });
+}
+
+void truncate(sqlite3_context* context, int, sqlite3_value** values) {
+    barrier(context, [&] {
+        bool ok = false;
+        if (const qint64 x = toInt64(values[0], &ok); ok) {
+            sqlite3_result_int64(context, x);
+        }
+    });
+}
+
+void floor(sqlite3_context* context, int, sqlite3_value** values) {
+    barrier(context, [&] {
+        if (sqlite3_value_type(values[0]) == SQLITE_INTEGER) {
+            sqlite3_result_value(context, values[0]);
+            return;
+        }
+        withNumber(values, [&](double x) {
+            if (std::isnan(x)) {
+                return;
+            }
+            const double whole = std::floor(x);
+            sqlite3_result_int64(context, whole < -integersEnd   ? smallestInteger
+                                          : whole >= integersEnd ? largestInteger
+                                                                 : static_cast<qint64>(whole));
+        });
+    });
+}
+
+void sqrt(sqlite3_context* context, int, sqlite3_value** values) {
+    barrier(context, [&] {
+        bool ok = false;
+        if (const double x = toDouble(values[0], &ok); ok && x >= 0.0) {
+            sqlite3_result_double(context, std::sqrt(x));
+        } else {
+            resultError(context, "Square root from negative value");
+        }
+    });
+}
+
+void roundTo(sqlite3_context* context, int, sqlite3_value** values) {
+    barrier(context, [&] {
+        withNumbers(values, [&](double x, double step) {
+            sqlite3_result_double(context, step == 0.0 ? std::round(x) : std::round(x / step) * step);
+        });
+    });
+}
+
+void roundBy(sqlite3_context* context, int count, sqlite3_value** values) {
+    barrier(context, [&] {
+        bool okDigits = true;
+        const qint64 digits = count > 1 ? toInt64(values[1], &okDigits) : 0;
+        withNumber(values, [&](double x) {
+            if (okDigits) {
+                // Beyond the range of int no digit of a double is left, or all are.
+                const auto places = static_cast<int>(
+                    std::clamp<qint64>(digits, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
+                sqlite3_result_double(context, utils::getRound(x, places));
+            }
+        });
+    });
+}
+
+} // namespace orvane::engine
