@@ -39,7 +39,7 @@ void resultFinite(sqlite3_context* context, double number, const char* messageEl
 }
 
 /// Calls `body` with the arguments as numbers, or leaves the result NULL.
-template <typename Body>
+template<typename Body>
 void withNumber(sqlite3_value** values, Body&& body) {
     bool ok = false;
     if (const double x = toDouble(values[0], &ok); ok) {
@@ -47,7 +47,7 @@ void withNumber(sqlite3_value** values, Body&& body) {
     }
 }
 
-template <typename Body>
+template<typename Body>
 void withNumbers(sqlite3_value** values, Body&& body) {
     bool okA = false;
     bool okB = false;
@@ -123,13 +123,15 @@ void quotient(sqlite3_context* context, int, sqlite3_value** values) {
 
 void power(sqlite3_context* context, int, sqlite3_value** values) {
     barrier(context, [&] {
-        withNumbers(values, [&](double x, double y) { resultFinite(context, std::pow(x, y), "Power overflow"); });
+        withNumbers(values,
+                    [&](double x, double y) { resultFinite(context, std::pow(x, y), "Power overflow"); });
     });
 }
 
 void xorLogical(sqlite3_context* context, int, sqlite3_value** values) {
     barrier(context, [&] {
-        withNumbers(values, [&](double a, double b) { sqlite3_result_int(context, (a != 0.0) != (b != 0.0)); });
+        withNumbers(values,
+                    [&](double a, double b) { sqlite3_result_int(context, (a != 0.0) != (b != 0.0)); });
     });
 }
 
@@ -204,8 +206,8 @@ void roundBy(sqlite3_context* context, int count, sqlite3_value** values) {
         withNumber(values, [&](double x) {
             if (okDigits) {
                 // Beyond the range of int no digit of a double is left, or all are.
-                const auto places = static_cast<int>(
-                    std::clamp<qint64>(digits, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
+                const auto places = static_cast<int>(std::clamp<qint64>(
+                    digits, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
                 sqlite3_result_double(context, utils::getRound(x, places));
             }
         });

@@ -10,8 +10,8 @@ inline bool isNull(sqlite3_value* value) {
     return sqlite3_value_type(value) == SQLITE_NULL;
 }
 
-/// The UTF-16 text of an SQL value up to its first zero, without a copy; empty for NULL. Valid until the value is
-/// converted again or the function returns.
+/// The UTF-16 text of an SQL value up to its first zero, without a copy; empty for NULL. Valid until the
+/// value is converted again or the function returns.
 inline QStringView textView(sqlite3_value* value) {
     const auto* text = static_cast<const QChar*>(sqlite3_value_text16(value));
     return text != nullptr ? QStringView(text) : QStringView();
@@ -22,8 +22,8 @@ inline void resultText(sqlite3_context* context, QStringView text) {
     static const QChar empty;
     const auto bytes = static_cast<sqlite3_uint64>(text.size()) * sizeof(QChar);
     // A null pointer would be an SQL NULL.
-    sqlite3_result_text64(context, reinterpret_cast<const char*>(text.isEmpty() ? &empty : text.data()), bytes,
-                          SQLITE_TRANSIENT, SQLITE_UTF16);
+    sqlite3_result_text64(context, reinterpret_cast<const char*>(text.isEmpty() ? &empty : text.data()),
+                          bytes, SQLITE_TRANSIENT, SQLITE_UTF16);
 }
 
 } // namespace orvane::engine

@@ -21,7 +21,7 @@ struct RunningMean {
     bool failed;
 };
 
-template <typename State>
+template<typename State>
 State& stateOfGroup(sqlite3_context* context) {
     void* memory = sqlite3_aggregate_context(context, sizeof(State));
     if (memory == nullptr) {
@@ -31,13 +31,13 @@ State& stateOfGroup(sqlite3_context* context) {
 }
 
 /// Null when the group has no row.
-template <typename State>
+template<typename State>
 const State* finishedState(sqlite3_context* context) {
     return static_cast<const State*>(sqlite3_aggregate_context(context, 0));
 }
 
 /// Calls `add` with value and weight when both are numbers.
-template <typename Add>
+template<typename Add>
 void withRow(sqlite3_value** values, Add&& add) {
     bool okWeight = false;
     bool okValue = false;

@@ -12,18 +12,20 @@ constexpr const char* aggregates = "Aggregates";
 
 FunctionRecord scalar(const char* name, const char* group, Arity arity, FunctionRecord::Scalar function,
                       const char* signature, const char* summary, const char* example, const char* result) {
-    return {name,    group,     arity,   true,    SQLITE_UTF8, function, nullptr,
-            nullptr, signature, summary, example, result};
+    return {name,    group,   arity,     true,    SQLITE_UTF8, function,
+            nullptr, nullptr, signature, summary, example,     result};
 }
 
 const FunctionRecord records[] = {
     scalar("concat", operators, Arity::exactly(2), engine::concatUTF16, "a + b",
-           "The sum of two numbers; texts, and a text and a number, are joined.", "concat('No. ', 7)", "No. 7"),
+           "The sum of two numbers; texts, and a text and a number, are joined.", "concat('No. ', 7)",
+           "No. 7"),
     scalar("divide", operators, Arity::exactly(2), engine::divide, "a / b",
-           "The quotient of two numbers, with its fraction; an error for a division by zero.", "divide(7, 2)", "3.5"),
+           "The quotient of two numbers, with its fraction; an error for a division by zero.", "divide(7, 2)",
+           "3.5"),
     scalar("quotient", operators, Arity::exactly(2), engine::quotient, "a \\ b",
-           "The whole quotient: integers truncate towards zero, floating-point numbers go down.", "quotient(-7, 2)",
-           "-3"),
+           "The whole quotient: integers truncate towards zero, floating-point numbers go down.",
+           "quotient(-7, 2)", "-3"),
     scalar("involution", operators, Arity::exactly(2), engine::power, "x ^ y", "x to the power of y.",
            "involution(2, 10)", "1024.0"),
     scalar("xor", operators, Arity::exactly(2), engine::xorLogical, "a Xor b",
@@ -41,16 +43,17 @@ const FunctionRecord records[] = {
     scalar("Floor", arithmetic, Arity::exactly(1), engine::floor, "Floor(x)",
            "The largest integer that is not greater than the number.", "Floor(-2.5)", "-3"),
     scalar("Sqrt", arithmetic, Arity::exactly(1), engine::sqrt, "Sqrt(x)",
-           "The square root; an error for a negative number and for anything that is no number.", "Sqrt(2.25)",
-           "1.5"),
+           "The square root; an error for a negative number and for anything that is no number.",
+           "Sqrt(2.25)", "1.5"),
     scalar("RoundTo", arithmetic, Arity::exactly(2), engine::roundTo, "RoundTo(x, step)",
            "The multiple of the step that is nearest to the number; step 0 rounds to whole numbers.",
            "RoundTo(17, 5)", "15.0"),
     scalar("RoundBy", arithmetic, Arity::between(1, 2), engine::roundBy, "RoundBy(x [, digits])",
-           "The number rounded to decimal places (tens, hundreds, ... for negative ones), halves away from zero.",
+           "The number rounded to decimal places (tens, hundreds, ... for negative ones), halves away from "
+           "zero.",
            "RoundBy(1.005, 2)", "1.01"),
-    {"WtAvg", aggregates, Arity::exactly(2), true, SQLITE_UTF8, nullptr, engine::WtAvg::step, engine::WtAvg::final,
-     "WtAvg(value, weight)", "The average of the values with their weights.",
+    {"WtAvg", aggregates, Arity::exactly(2), true, SQLITE_UTF8, nullptr, engine::WtAvg::step,
+     engine::WtAvg::final, "WtAvg(value, weight)", "The average of the values with their weights.",
      "(Select WtAvg(v, w) From (Select 10 As v, 1 As w Union All Select 20, 3) t)", "17.5"},
     {"WtAvgSafe", aggregates, Arity::exactly(2), true, SQLITE_UTF8, nullptr, engine::WtAvgSafe::step,
      engine::WtAvgSafe::final, "WtAvgSafe(value, weight)",

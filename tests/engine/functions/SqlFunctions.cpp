@@ -1,0 +1,90 @@
+#include "SqlFunctions.h"
+
+#include <QLocale>
+#include <QRegularExpression>
+
+#include <stdexcept>
+
+namespace orvane::test {
+
+namespace {
+
+QString quoted(QString expression) {
+    static const QRegularExpression call(QStringLiteral("\\b(Left|Right|xor|Like|Glob)\\("));
+    expression.replace(call, QStringLiteral("\"\\1\"("));
+    return expression;
+}
+
+QString textOf(sqlite3_stmt* statement) {
+    switch (sqlite3_column_type(statement, 0)) {
+    case SQLITE_INTEGER: return QStringLiteral("integer %1").arg(sqlite3_column_int64(statement, 0));
+    case SQLITE_FLOAT: {
+        const QString number =
+            QString::number(sqlite3_column_double(statement, 0), 'g', QLocale::FloatingPointShortest);
+        const bool whole = !number.contains(QLatin1Char('.')) && !number.contains(QLatin1Char('e'));
+        return QLatin1String("real ") + number + QLatin1String(whole ? ".0" : "");
+    }
+    case SQLITE_TEXT: {
+        const int units = sqlite3_column_bytes16(statement, 0) / 2;
+        const QString text(static_cast<const QChar*>(sqlite3_column_text16(statement, 0)), units);
+        return text.isEmpty() ? QStringLiteral("text") : QLatin1String("text ") + text;
+    }
+    case SQLITE_BLOB: {
+        const QByteArray bytes(static_cast<const char*>(sqlite3_column_blob(statement, 0)),
+                               sqlite3_column_bytes(statement, 0));
+        return QLatin1String("blob ") + QString::fromLatin1(bytes.toHex());
+    }
+    default: return QStringLiteral("null");
+    }
+}
+
+} // namespace
+
+SqlFunctions::SqlFunctions() {
+    sqlite3* database = nullptr;
+    if (sqlite3_open(":memory:", &database) != SQLITE_OK) {
+        throw std::runtime_error("no database");
+    }
+    database_.reset(database);
+    for (const adaptor::FunctionRecord& record : records()) {
+        const int flags = record.encoding | (record.deterministic ? SQLITE_DETERMINISTIC : 0);
+        for (int arity = record.arity.minimum; arity <= record.arity.maximum; ++arity) {
+            if (sqlite3_create_function_v2(database, record.name, arity, flags, nullptr, record.scalar,
+                                           record.step, record.final, nullptr) != SQLITE_OK) {
+                throw std::runtime_error(record.name);
+            }
+        }
+    }
+}
+
+std::vector<adaptor::FunctionRecord> SqlFunctions::records() {
+    std::vector<adaptor::FunctionRecord> all;
+    for (const auto family : {adaptor::arithmeticRecords()}) {
+        all.insert(all.end(), family.begin(), family.end());
+    }
+    return all;
+}
+
+QString SqlFunctions::evaluate(const QString& expression) const {
+    return run(QLatin1String("Select ") + quoted(expression));
+}
+
+QString SqlFunctions::run(const QString& sql, const std::vector<QString>& parameters) const {
+    sqlite3_stmt* raw = nullptr;
+    const QByteArray text = sql.toUtf8();
+    if (sqlite3_prepare_v2(handle(), text.constData(), -1, &raw, nullptr) != SQLITE_OK) {
+        return QLatin1String("error ") + QString::fromUtf8(sqlite3_errmsg(handle()));
+    }
+    const std::unique_ptr<sqlite3_stmt, decltype(&sqlite3_finalize)> statement(raw, sqlite3_finalize);
+    for (size_t i = 0; i < parameters.size(); ++i) {
+        sqlite3_bind_text16(raw, static_cast<int>(i) + 1, parameters[i].constData(), parameters[i].size() * 2,
+                            SQLITE_TRANSIENT);
+    }
+    switch (sqlite3_step(raw)) {
+    case SQLITE_ROW: return textOf(raw);
+    case SQLITE_DONE: return QStringLiteral("no row");
+    default: return QLatin1String("error ") + QString::fromUtf8(sqlite3_errmsg(handle()));
+    }
+}
+
+} // namespace orvane::test
