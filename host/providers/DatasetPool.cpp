@@ -1,0 +1,76 @@
+#include "host/providers/DatasetPool.h"
+
+#include "host/providers/GdalErrors.h"
+
+namespace orvane::files {
+
+namespace {
+
+/// More than a query with many joins needs; each holds a file open.
+constexpr std::size_t MAX_IDLE = 8;
+
+std::vector<const char*> nullTerminated(const QList<QByteArray>& texts) {
+    std::vector<const char*> pointers;
+    for (const auto& text : texts)
+        pointers.push_back(text.constData());
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
+} // namespace
+
+DatasetPool::Lease::~Lease() {
+    if (dataset_)
+        pool_->release(std::move(dataset_), generation_);
+}
+
+DatasetPool::Lease& DatasetPool::Lease::operator=(Lease&& other) noexcept {
+    std::swap(pool_, other.pool_);
+    std::swap(dataset_, other.dataset_);
+    std::swap(generation_, other.generation_);
+    return *this;
+}
+
+DatasetPool::Lease DatasetPool::acquire() {
+    std::unique_lock lock(mutex_);
+    const unsigned generation = generation_;
+    if (!idle_.empty()) {
+        auto dataset = std::move(idle_.back());
+        idle_.pop_back();
+        return {shared_from_this(), std::move(dataset), generation};
+    }
+    lock.unlock();
+    return {shared_from_this(), open(GDAL_OF_READONLY), generation};
+}
+
+DatasetHandle DatasetPool::openForUpdate() const {
+    return open(GDAL_OF_UPDATE);
+}
+
+void DatasetPool::discardHandles() {
+    std::vector<DatasetHandle> discarded;
+    const std::lock_guard lock(mutex_);
+    ++generation_;
+    discarded.swap(idle_);
+}
+
+DatasetHandle DatasetPool::open(unsigned flags) const {
+    const auto drivers = nullTerminated(source_.drivers);
+    const auto options = nullTerminated(source_.openOptions);
+    const GdalErrorScope errors;
+    DatasetHandle dataset(GDALOpenEx(source_.path.constData(), GDAL_OF_VECTOR | GDAL_OF_VERBOSE_ERROR | flags,
+                                     source_.drivers.isEmpty() ? nullptr : drivers.data(), options.data(),
+                                     nullptr));
+    if (!dataset)
+        errors.raise(tr("Не удалось открыть «%1»").arg(QString::fromUtf8(source_.path)));
+    return dataset;
+}
+
+void DatasetPool::release(DatasetHandle dataset, unsigned generation) {
+    const GdalErrorScope errors;
+    const std::lock_guard lock(mutex_);
+    if (generation == generation_ && idle_.size() < MAX_IDLE)
+        idle_.push_back(std::move(dataset));
+}
+
+} // namespace orvane::files

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cpl_conv.h>
+#include <cpl_string.h>
+#include <gdal.h>
+#include <ogr_api.h>
+
+#include <memory>
+#include <type_traits>
+
+/// Owner types of GDAL's handles.
+namespace orvane::files {
+
+struct DatasetCloser {
+    void operator()(GDALDatasetH dataset) const { GDALClose(dataset); }
+};
+using DatasetHandle = std::unique_ptr<std::remove_pointer_t<GDALDatasetH>, DatasetCloser>;
+
+struct FeatureDestroyer {
+    void operator()(OGRFeatureH feature) const { OGR_F_Destroy(feature); }
+};
+using FeatureHandle = std::unique_ptr<std::remove_pointer_t<OGRFeatureH>, FeatureDestroyer>;
+
+struct GeometryDestroyer {
+    void operator()(OGRGeometryH geometry) const { OGR_G_DestroyGeometry(geometry); }
+};
+using GeometryHandle = std::unique_ptr<std::remove_pointer_t<OGRGeometryH>, GeometryDestroyer>;
+
+struct CplFree {
+    void operator()(void* memory) const { CPLFree(memory); }
+};
+using CplString = std::unique_ptr<char, CplFree>;
+
+} // namespace orvane::files

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "host/providers/ColumnBatch.h"
+#include "host/providers/DatasetPool.h"
+#include "host/providers/LayerSchema.h"
+
+#include <string>
+
+namespace orvane::files {
+
+/// What one pass over a layer reads, with the handle it reads from.
+struct LayerScan {
+    DatasetPool::Lease lease;
+    OGRLayerH layer = nullptr;
+    std::shared_ptr<const LayerSchema> schema;
+    std::vector<const LayerColumn*> columns; ///< of the schema, those that are read
+    std::string filter;                      ///< condition in the driver's SQL, empty for all rows
+    std::int64_t batchRows = BATCH_ROWS;
+};
+
+/// The reader that suits the driver and the columns: an Arrow stream where it is fast and exact, else
+/// features. Only the columns asked for are read from the file. Throws std::runtime_error when the driver
+/// refuses.
+std::unique_ptr<BatchReader> startScan(LayerScan scan);
+
+/// A reader of the features with these identifiers, in that order; those that do not exist are left out.
+std::unique_ptr<BatchReader> startLookup(LayerScan scan, std::vector<std::int64_t> ids);
+
+} // namespace orvane::files
