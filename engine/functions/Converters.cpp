@@ -1,5 +1,6 @@
 #include <orvane/engine/functions/Converters.h>
 
+#include "TextArguments.h"
 #include "platform/utils/Compare.h"
 #include "platform/utils/MetaTypes.h"
 
@@ -7,6 +8,7 @@
 #include <clocale>
 #include <cstdlib>
 #include <limits>
+#include <optional>
 
 namespace orvane::engine {
 
@@ -33,34 +35,29 @@ qint64 parse(const char* text, char** end, qint64) {
 }
 
 template<typename Number>
-Number numberInText(const char* text, bool& ok) {
+std::optional<Number> numberInText(const char* text) {
     if (text == nullptr) {
-        return 0;
+        return std::nullopt;
     }
     char* end = nullptr;
     errno = 0;
     const Number number = parse(text, &end, Number());
-    ok = end != text && errno != ERANGE;
-    return ok ? number : Number(0);
+    return end != text && errno != ERANGE ? std::optional(number) : std::nullopt;
 }
 
 template<typename Number>
-Number toNumber(sqlite3_value* value, bool* okResult, Number (*stored)(sqlite3_value*)) {
-    bool ok = false;
-    Number number = 0;
+Number toNumber(sqlite3_value* value, bool* ok, Number (*stored)(sqlite3_value*)) {
+    std::optional<Number> number;
     switch (sqlite3_value_type(value)) {
     case SQLITE_INTEGER:
-    case SQLITE_FLOAT:
-        ok = true;
-        number = stored(value);
-        break;
-    case SQLITE_TEXT: number = numberInText<Number>(utf8(value), ok); break;
+    case SQLITE_FLOAT: number = stored(value); break;
+    case SQLITE_TEXT: number = numberInText<Number>(utf8(value)); break;
     default: break;
     }
-    if (okResult != nullptr) {
-        *okResult = ok;
+    if (ok != nullptr) {
+        *ok = number.has_value();
     }
-    return number;
+    return number.value_or(0);
 }
 
 QString latin1(sqlite3_value* value) {
@@ -68,6 +65,10 @@ QString latin1(sqlite3_value* value) {
 }
 
 } // namespace
+
+std::optional<double> doubleInText(const unsigned char* text) {
+    return numberInText<double>(reinterpret_cast<const char*>(text));
+}
 
 std::string toString(sqlite3_value* value) {
     const char* text = utf8(value);

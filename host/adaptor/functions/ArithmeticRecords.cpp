@@ -1,4 +1,4 @@
-#include "host/adaptor/FunctionRecord.h"
+#include "host/adaptor/functions/ScalarRecord.h"
 
 #include <orvane/engine/functions/Arithmetic.h>
 
@@ -10,48 +10,51 @@ constexpr const char* operators = "Operators";
 constexpr const char* arithmetic = "Arithmetic";
 constexpr const char* aggregates = "Aggregates";
 
-FunctionRecord scalar(const char* name, const char* group, Arity arity, FunctionRecord::Scalar function,
-                      const char* signature, const char* summary, const char* example, const char* result) {
-    return {name,    group,   arity,     true,    SQLITE_UTF8, function,
-            nullptr, nullptr, signature, summary, example,     result};
-}
-
 const FunctionRecord records[] = {
-    scalar("concat", operators, Arity::exactly(2), engine::concatUTF16, "a + b",
-           "The sum of two numbers; texts, and a text and a number, are joined.", "concat('No. ', 7)",
-           "No. 7"),
-    scalar("divide", operators, Arity::exactly(2), engine::divide, "a / b",
-           "The quotient of two numbers, with its fraction; an error for a division by zero.", "divide(7, 2)",
-           "3.5"),
-    scalar("quotient", operators, Arity::exactly(2), engine::quotient, "a \\ b",
-           "The whole quotient: integers truncate towards zero, floating-point numbers go down.",
-           "quotient(-7, 2)", "-3"),
-    scalar("involution", operators, Arity::exactly(2), engine::power, "x ^ y", "x to the power of y.",
-           "involution(2, 10)", "1024.0"),
-    scalar("xor", operators, Arity::exactly(2), engine::xorLogical, "a Xor b",
-           "1 when exactly one of the two is true (not zero), else 0.", "1 Xor 0", "1"),
-    scalar("Power", arithmetic, Arity::exactly(2), engine::power, "Power(x, y)", "x to the power of y.",
-           "Power(9, 0.5)", "3.0"),
-    scalar("Minimum", arithmetic, Arity::exactly(2), engine::minimum, "Minimum(a, b)",
-           "The smaller of two numbers; NULL if either is no number.", "Minimum(3, 2.5)", "2.5"),
-    scalar("Maximum", arithmetic, Arity::exactly(2), engine::maximum, "Maximum(a, b)",
-           "The larger of two numbers; NULL if either is no number.", "Maximum(3, 2.5)", "3.0"),
-    scalar("Sign", arithmetic, Arity::exactly(1), engine::sign, "Sign(x)",
-           "-1 for a negative number, 0 for zero, 1 for a positive one.", "Sign(-2.5)", "-1"),
-    scalar("Truncate", arithmetic, Arity::exactly(1), engine::truncate, "Truncate(x)",
-           "The number without its fraction, as an integer.", "Truncate(-2.7)", "-2"),
-    scalar("Floor", arithmetic, Arity::exactly(1), engine::floor, "Floor(x)",
-           "The largest integer that is not greater than the number.", "Floor(-2.5)", "-3"),
-    scalar("Sqrt", arithmetic, Arity::exactly(1), engine::sqrt, "Sqrt(x)",
-           "The square root; an error for a negative number and for anything that is no number.",
-           "Sqrt(2.25)", "1.5"),
-    scalar("RoundTo", arithmetic, Arity::exactly(2), engine::roundTo, "RoundTo(x, step)",
-           "The multiple of the step that is nearest to the number; step 0 rounds to whole numbers.",
-           "RoundTo(17, 5)", "15.0"),
-    scalar("RoundBy", arithmetic, Arity::between(1, 2), engine::roundBy, "RoundBy(x [, digits])",
-           "The number rounded to decimal places (tens, hundreds, ... for negative ones), halves away from "
-           "zero.",
-           "RoundBy(1.005, 2)", "1.01"),
+    pureFunction("concat", operators, Arity::exactly(2), engine::concatUTF16,
+                 {"a + b", "The sum of two numbers; texts, and a text and a number, are joined.",
+                  "concat('No. ', 7)", "No. 7"}),
+    pureFunction("divide", operators, Arity::exactly(2), engine::divide,
+                 {"a / b", "The quotient of two numbers, with its fraction; an error for a division by zero.",
+                  "divide(7, 2)", "3.5"}),
+    pureFunction("quotient", operators, Arity::exactly(2), engine::quotient,
+                 {"a \\ b",
+                  "The whole quotient: integers truncate towards zero, floating-point numbers go down.",
+                  "quotient(-7, 2)", "-3"}),
+    pureFunction("involution", operators, Arity::exactly(2), engine::power,
+                 {"x ^ y", "x to the power of y.", "involution(2, 10)", "1024.0"}),
+    pureFunction("xor", operators, Arity::exactly(2), engine::xorLogical,
+                 {"a Xor b", "1 when exactly one of the two is true (not zero), else 0.", "1 Xor 0", "1"}),
+    pureFunction("Power", arithmetic, Arity::exactly(2), engine::power,
+                 {"Power(x, y)", "x to the power of y.", "Power(9, 0.5)", "3.0"}),
+    pureFunction("Minimum", arithmetic, Arity::exactly(2), engine::minimum,
+                 {"Minimum(a, b)", "The smaller of two numbers; NULL if either is no number.",
+                  "Minimum(3, 2.5)", "2.5"}),
+    pureFunction("Maximum", arithmetic, Arity::exactly(2), engine::maximum,
+                 {"Maximum(a, b)", "The larger of two numbers; NULL if either is no number.",
+                  "Maximum(3, 2.5)", "3.0"}),
+    pureFunction(
+        "Sign", arithmetic, Arity::exactly(1), engine::sign,
+        {"Sign(x)", "-1 for a negative number, 0 for zero, 1 for a positive one.", "Sign(-2.5)", "-1"}),
+    pureFunction("Truncate", arithmetic, Arity::exactly(1), engine::truncate,
+                 {"Truncate(x)", "The number without its fraction, as an integer.", "Truncate(-2.7)", "-2"}),
+    pureFunction(
+        "Floor", arithmetic, Arity::exactly(1), engine::floor,
+        {"Floor(x)", "The largest integer that is not greater than the number.", "Floor(-2.5)", "-3"}),
+    pureFunction("Sqrt", arithmetic, Arity::exactly(1), engine::sqrt,
+                 {"Sqrt(x)",
+                  "The square root; an error for a negative number and for anything that is no number.",
+                  "Sqrt(2.25)", "1.5"}),
+    pureFunction("RoundTo", arithmetic, Arity::exactly(2), engine::roundTo,
+                 {"RoundTo(x, step)",
+                  "The multiple of the step that is nearest to the number; step 0 rounds to whole numbers.",
+                  "RoundTo(17, 5)", "15.0"}),
+    pureFunction(
+        "RoundBy", arithmetic, Arity::between(1, 2), engine::roundBy,
+        {"RoundBy(x [, digits])",
+         "The number rounded to decimal places (tens, hundreds, ... for negative ones), halves away from "
+         "zero.",
+         "RoundBy(1.005, 2)", "1.01"}),
     {"WtAvg", aggregates, Arity::exactly(2), true, SQLITE_UTF8, nullptr, engine::WtAvg::step,
      engine::WtAvg::final, "WtAvg(value, weight)", "The average of the values with their weights.",
      "(Select WtAvg(v, w) From (Select 10 As v, 1 As w Union All Select 20, 3) t)", "17.5"},

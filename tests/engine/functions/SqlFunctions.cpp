@@ -59,7 +59,7 @@ SqlFunctions::SqlFunctions() {
 
 std::vector<adaptor::FunctionRecord> SqlFunctions::records() {
     std::vector<adaptor::FunctionRecord> all;
-    for (const auto family : {adaptor::arithmeticRecords()}) {
+    for (const auto family : {adaptor::arithmeticRecords(), adaptor::textRecords()}) {
         all.insert(all.end(), family.begin(), family.end());
     }
     return all;

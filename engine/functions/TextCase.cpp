@@ -1,0 +1,80 @@
+#include <orvane/engine/functions/Text.h>
+
+#include "Barrier.h"
+#include "TextArguments.h"
+
+#include <QString>
+#include <QVarLengthArray>
+
+#include <cstring>
+
+namespace orvane::engine {
+
+namespace {
+
+/// Case mapping of what most texts are made of, ASCII and the Cyrillic alphabet (U+0400 to U+045F), where it
+/// is plain arithmetic and keeps the length in UTF-8. Qt's mapping agrees on them; everything else is left to
+/// Qt.
+struct UpperCase {
+    static unsigned ascii(unsigned letter) { return letter >= 'a' && letter <= 'z' ? letter - 0x20 : letter; }
+    static unsigned cyrillic(unsigned letter) {
+        return letter >= 0x450 ? letter - 0x50 : (letter >= 0x430 ? letter - 0x20 : letter);
+    }
+    static QString whole(const QString& text) { return text.toUpper(); }
+};
+
+struct LowerCase {
+    static unsigned ascii(unsigned letter) { return letter >= 'A' && letter <= 'Z' ? letter + 0x20 : letter; }
+    static unsigned cyrillic(unsigned letter) {
+        return letter < 0x410 ? letter + 0x50 : (letter < 0x430 ? letter + 0x20 : letter);
+    }
+    static QString whole(const QString& text) { return text.toLower(); }
+};
+
+/// Writes the mapped bytes; false at the first character that is neither.
+template<typename Case>
+bool mapCommonLetters(const unsigned char* at, unsigned char* out) {
+    for (; *at != 0; ++at) {
+        if (*at < 0x80) {
+            *out++ = static_cast<unsigned char>(Case::ascii(*at));
+            continue;
+        }
+        const bool isCyrillic = (at[0] == 0xD0 || (at[0] == 0xD1 && at[1] < 0xA0)) &&
+                                (at[1] & 0xC0) == 0x80 && (at[2] & 0xC0) != 0x80;
+        if (!isCyrillic) {
+            return false;
+        }
+        const unsigned mapped = Case::cyrillic((at[0] & 0x1FU) << 6 | (at[1] & 0x3FU));
+        *out++ = static_cast<unsigned char>(0xC0 | mapped >> 6);
+        *out++ = static_cast<unsigned char>(0x80 | (mapped & 0x3F));
+        ++at;
+    }
+    return true;
+}
+
+template<typename Case>
+void changeCase(sqlite3_context* context, sqlite3_value* value) {
+    const unsigned char* text = utf8View(value);
+    if (text == nullptr) {
+        return;
+    }
+    const auto size = static_cast<int>(std::strlen(reinterpret_cast<const char*>(text)));
+    QVarLengthArray<unsigned char, 1024> mapped(size);
+    if (mapCommonLetters<Case>(text, mapped.data())) {
+        resultUtf8(context, mapped.constData(), mapped.constData() + size);
+    } else {
+        resultText(context, Case::whole(textView(value).toString()));
+    }
+}
+
+} // namespace
+
+void loCaseUTF16(sqlite3_context* context, int, sqlite3_value** values) {
+    barrier(context, [&] { changeCase<LowerCase>(context, values[0]); });
+}
+
+void upCaseUTF16(sqlite3_context* context, int, sqlite3_value** values) {
+    barrier(context, [&] { changeCase<UpperCase>(context, values[0]); });
+}
+
+} // namespace orvane::engine

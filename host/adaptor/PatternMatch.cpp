@@ -1,0 +1,233 @@
+#include "host/adaptor/PatternMatch.h"
+
+#include "engine/functions/Barrier.h"
+#include "engine/functions/Utf8.h"
+
+#include <QChar>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <memory>
+
+namespace orvane::adaptor {
+
+using engine::utf8::isContinuation;
+using engine::utf8::readCharacter;
+
+namespace {
+
+std::uint32_t fold(std::uint32_t character) {
+    if (character < 0x80) {
+        return character >= 'A' && character <= 'Z' ? character + 0x20 : character;
+    }
+    return QChar::toCaseFolded(character);
+}
+
+/// The characters with one folded form, beside that form itself, in the order of the forms.
+struct Variant {
+    std::uint32_t folded;
+    std::uint32_t character;
+    bool operator<(const Variant& other) const { return folded < other.folded; }
+};
+
+const std::vector<Variant>& caseVariants() {
+    static const std::vector<Variant> variants = [] {
+        constexpr std::uint32_t casedEnd = 0x1F000; // no letter beyond has a case
+        std::vector<Variant> result;
+        for (std::uint32_t character = 0; character < casedEnd; ++character) {
+            if (const std::uint32_t folded = fold(character); folded != character) {
+                result.push_back({folded, character});
+            }
+        }
+        std::stable_sort(result.begin(), result.end());
+        return result;
+    }();
+    return variants;
+}
+
+/// The character before `at`, where texts are cut as readCharacter cuts them.
+const unsigned char* previousCharacter(const unsigned char* begin, const unsigned char* at) {
+    const unsigned char* last = at - 1;
+    const unsigned char* lead = last;
+    while (lead != begin && isContinuation(*lead)) {
+        --lead;
+    }
+    return *lead >= 0xC0 ? lead : last; // continuation bytes without a lead stand for themselves
+}
+
+} // namespace
+
+bool PatternMatch::Class::contains(std::uint32_t character) const {
+    const auto inRanges = [this](std::uint32_t c) {
+        return std::any_of(ranges.begin(), ranges.end(),
+                           [c](Range range) { return range.first <= c && c <= range.last; });
+    };
+    if (inRanges(character)) {
+        return !negated;
+    }
+    const std::uint32_t folded = fold(character);
+    const auto [first, last] =
+        std::equal_range(caseVariants().begin(), caseVariants().end(), Variant{folded, 0});
+    const bool found = inRanges(folded) || std::any_of(first, last, [&](const Variant& variant) {
+                           return inRanges(variant.character);
+                       });
+    return found != negated;
+}
+
+PatternMatch PatternMatch::like(const unsigned char* pattern, std::uint32_t escape) {
+    PatternMatch result;
+    result.escape_ = escape;
+    while (*pattern != 0) {
+        const std::uint32_t character = readCharacter(pattern);
+        if (escape != 0 && character == escape) {
+            if (*pattern == 0) {
+                result.matchesNothing_ = true;
+                break;
+            }
+            result.add(fold(readCharacter(pattern)));
+        } else if (character == '%') {
+            result.addRun();
+        } else {
+            result.add(character == '_' ? anyCharacter : fold(character));
+        }
+    }
+    return result;
+}
+
+PatternMatch PatternMatch::glob(const unsigned char* pattern) {
+    PatternMatch result;
+    while (*pattern != 0 && !result.matchesNothing_) {
+        const std::uint32_t character = readCharacter(pattern);
+        switch (character) {
+        case '*': result.addRun(); break;
+        case '?': result.add(anyCharacter); break;
+        case '[': result.readClass(pattern); break;
+        default: result.add(fold(character));
+        }
+    }
+    return result;
+}
+
+void PatternMatch::readClass(const unsigned char*& at) {
+    Class members;
+    if (*at == '^') {
+        members.negated = true;
+        ++at;
+    }
+    bool mayStartRange = false;
+    for (bool first = true; *at != 0 && (first || *at != ']'); first = false) {
+        const bool isClosing = *at == ']'; // the first one of a class is a member, but starts no range
+        const std::uint32_t character = readCharacter(at);
+        if (character == '-' && mayStartRange && *at != ']' && *at != 0) {
+            members.ranges.back().last = readCharacter(at);
+            mayStartRange = false;
+        } else {
+            members.ranges.push_back({character, character});
+            mayStartRange = !isClosing;
+        }
+    }
+    matchesNothing_ = *at == 0;
+    at += matchesNothing_ ? 0 : 1;
+    add(firstClass + static_cast<Element>(classes_.size()));
+    classes_.push_back(std::move(members));
+}
+
+bool PatternMatch::matchesElement(Element element, std::uint32_t character) const {
+    if (element < anyCharacter) {
+        return element == fold(character);
+    }
+    return element == anyCharacter || classes_[element - firstClass].contains(character);
+}
+
+const unsigned char* PatternMatch::matchPiece(const Piece& piece, const unsigned char* at) const {
+    for (const Element element : piece.elements) {
+        if (*at == 0 || !matchesElement(element, readCharacter(at))) {
+            return nullptr;
+        }
+    }
+    return at;
+}
+
+const unsigned char* PatternMatch::findPiece(const Piece& piece, const unsigned char* at) const {
+    while (true) {
+        if (const unsigned char* end = matchPiece(piece, at); end != nullptr) {
+            return end;
+        }
+        if (*at == 0) {
+            return nullptr;
+        }
+        readCharacter(at);
+    }
+}
+
+bool PatternMatch::matches(const unsigned char* text) const {
+    if (matchesNothing_) {
+        return false;
+    }
+    const unsigned char* at = matchPiece(pieces_.front(), text);
+    if (at == nullptr || pieces_.size() == 1) {
+        return at != nullptr && *at == 0;
+    }
+    // Each piece matches a fixed number of characters: its first place leaves the most for the pieces behind
+    // it.
+    for (size_t i = 1; i + 1 < pieces_.size(); ++i) {
+        at = findPiece(pieces_[i], at);
+        if (at == nullptr) {
+            return false;
+        }
+    }
+    const Piece& last = pieces_.back();
+    const unsigned char* tail = at + std::strlen(reinterpret_cast<const char*>(at));
+    for (size_t i = 0; i < last.elements.size(); ++i) {
+        if (tail == at) {
+            return false;
+        }
+        tail = previousCharacter(at, tail);
+    }
+    return matchPiece(last, tail) != nullptr;
+}
+
+namespace {
+
+/// The pattern of the call, read now or kept from an earlier row: SQLite keeps it as long as argument 0 is
+/// constant.
+template<typename Read>
+void matchPrepared(sqlite3_context* context, sqlite3_value** values, std::uint32_t escape, Read read) {
+    engine::barrier(context, [&] {
+        const auto* prepared = static_cast<const PatternMatch*>(sqlite3_get_auxdata(context, 0));
+        std::unique_ptr<PatternMatch> made;
+        if (prepared == nullptr || prepared->escape() != escape) {
+            const unsigned char* pattern = sqlite3_value_text(values[0]);
+            if (pattern == nullptr) {
+                return;
+            }
+            made = std::make_unique<PatternMatch>(read(pattern));
+            prepared = made.get();
+        }
+        if (const unsigned char* text = sqlite3_value_text(values[1]); text != nullptr) {
+            sqlite3_result_int(context, prepared->matches(text) ? 1 : 0);
+        }
+        if (made != nullptr) {
+            // Last of all, since SQLite may drop it at once.
+            sqlite3_set_auxdata(context, 0, made.release(),
+                                [](void* kept) { delete static_cast<PatternMatch*>(kept); });
+        }
+    });
+}
+
+} // namespace
+
+void likePattern(sqlite3_context* context, int count, sqlite3_value** values) {
+    const unsigned char* text = count > 2 ? sqlite3_value_text(values[2]) : nullptr;
+    const std::uint32_t escape = text != nullptr && *text != 0 ? readCharacter(text) : 0;
+    matchPrepared(context, values, escape,
+                  [escape](const unsigned char* pattern) { return PatternMatch::like(pattern, escape); });
+}
+
+void globPattern(sqlite3_context* context, int, sqlite3_value** values) {
+    matchPrepared(context, values, 0,
+                  [](const unsigned char* pattern) { return PatternMatch::glob(pattern); });
+}
+
+} // namespace orvane::adaptor

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "host/adaptor/FunctionRecord.h"
+
+namespace orvane::adaptor {
+
+/// What the reference says of a function.
+struct Documentation {
+    const char* signature;
+    const char* summary;
+    const char* example;
+    const char* result;
+};
+
+/// A scalar function whose value depends only on its arguments.
+constexpr FunctionRecord pureFunction(const char* name, const char* group, Arity arity,
+                                      FunctionRecord::Scalar function, Documentation text) {
+    return {name,    group,   arity,          true,         SQLITE_UTF8,  function,
+            nullptr, nullptr, text.signature, text.summary, text.example, text.result};
+}
+
+/// One that reads the locale or the clock besides.
+constexpr FunctionRecord environmentFunction(const char* name, const char* group, Arity arity,
+                                             FunctionRecord::Scalar function, Documentation text) {
+    FunctionRecord record = pureFunction(name, group, arity, function, text);
+    record.deterministic = false;
+    return record;
+}
+
+} // namespace orvane::adaptor

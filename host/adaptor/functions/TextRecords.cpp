@@ -1,0 +1,101 @@
+#include "host/adaptor/PatternMatch.h"
+#include "host/adaptor/functions/ScalarRecord.h"
+
+#include <orvane/engine/functions/Text.h>
+
+namespace orvane::adaptor {
+
+namespace {
+
+constexpr const char* group = "Text";
+constexpr const char* patterns = "Patterns and comparison";
+constexpr Arity one = Arity::exactly(1);
+constexpr Arity two = Arity::exactly(2);
+
+constexpr Documentation loCase{"LoCase(text)", "The text in lower case.", "LoCase('МОСКВА')", "москва"};
+constexpr Documentation upCase{"UpCase(text)", "The text in upper case.", "UpCase('straße')", "STRASSE"};
+constexpr Documentation leftTrim{
+    "LeftTrim(text)",
+    "The text without the blanks, tabs and line ends at its beginning; a text of nothing "
+    "else stays as it is.",
+    "LeftTrim('  a b')", "a b"};
+constexpr Documentation rightTrim{
+    "RightTrim(text)",
+    "The text without the blanks, tabs and line ends at its end; a text of nothing else "
+    "stays as it is.",
+    "RightTrim('a b  ')", "a b"};
+
+const FunctionRecord records[] = {
+    pureFunction("Char", group, one, engine::charUTF16,
+                 {"Char(code)", "The character of a UTF-16 code.", "Char(1046)", "Ж"}),
+    pureFunction(
+        "Asc", group, one, engine::ascUTF16,
+        {"Asc(text)", "The UTF-16 code of the first character, 0 for an empty text.", "Asc('Ж')", "1046"}),
+    pureFunction(
+        "InStr", group, Arity::any(), engine::inStrUTF16,
+        {"InStr(text, part [, start [, occurrence]])",
+         "The position of a part in a text, from a start position and by its number; 0 when it is not there.",
+         "InStr('abcabcabc', 'abc', 1, 3)", "7"}),
+    pureFunction("LoCase", group, one, engine::loCaseUTF16, loCase),
+    pureFunction("LCase", group, one, engine::loCaseUTF16, loCase),
+    pureFunction("UpCase", group, one, engine::upCaseUTF16, upCase),
+    pureFunction("UCase", group, one, engine::upCaseUTF16, upCase),
+    pureFunction("LeftTrim", group, one, engine::leftTrimUTF8, leftTrim),
+    pureFunction("LTrim", group, one, engine::leftTrimUTF8, leftTrim),
+    pureFunction("RightTrim", group, one, engine::rightTrimUTF8, rightTrim),
+    pureFunction("RTrim", group, one, engine::rightTrimUTF8, rightTrim),
+    pureFunction("Len", group, one, engine::len,
+                 {"Len(text)", "The length of a text in UTF-16 units; 0 for NULL.", "Len('Москва')", "6"}),
+    pureFunction("Left", group, two, engine::left_utf16,
+                 {"Left(text, count)", "The first characters of a text.", "Left('abcdef', 2)", "ab"}),
+    pureFunction("Right", group, two, engine::right_utf16,
+                 {"Right(text, count)", "The last characters of a text.", "Right('abcdef', 2)", "ef"}),
+    pureFunction("Mid", group, Arity::exactly(3), engine::midUTF16,
+                 {"Mid(text, start, count)", "Characters from a position; NULL when it is not in the text.",
+                  "Mid('abcdef', 2, 3)", "bcd"}),
+    pureFunction("Val", group, one, engine::valUTF8,
+                 {"Val(text)",
+                  "The number that a text begins with, 0 when there is none; &H and 0x make it hexadecimal.",
+                  "Val('12.5 km')", "12.5"}),
+    pureFunction("Capitalize", group, one, engine::capitalizeUTF16,
+                 {"Capitalize(text)", "The text with the first letter of each word in upper case.",
+                  "Capitalize('нижний новгород')", "Нижний Новгород"}),
+    environmentFunction(
+        "Str", group, one, engine::strUTF16,
+        {"Str(value)", "Any value as text: dates in the short form of the locale, geometries by their type.",
+         "Str(2.5)", "2.5"}),
+    pureFunction("Space", group, one, engine::space,
+                 {"Space(count)", "A text of blanks.", "Len(Space(3))", "3"}),
+    pureFunction("Repeat", group, two, engine::repeat,
+                 {"Repeat(count, text)", "The first character of a text, a number of times.",
+                  "Repeat(3, 'xyz')", "xxx"}),
+    pureFunction("Like", patterns, two, likePattern,
+                 {"text Like pattern",
+                  "1 when the text matches without regard to case: % is any run, _ one character.",
+                  "'МОСКВА' Like 'мос%'", "1"}),
+    pureFunction("Like", patterns, Arity::exactly(3), likePattern,
+                 {"text Like pattern Escape character",
+                  "The same; the escape makes the next character literal.", "'100%' Like '1__!%' Escape '!'",
+                  "1"}),
+    pureFunction("Glob", patterns, two, globPattern,
+                 {"text Glob pattern",
+                  "1 when the text matches without regard to case: * is any run, ? one character, [a-z] one "
+                  "of a class.",
+                  "'Map 12' Glob 'map [0-9]?'", "1"}),
+    pureFunction("CaseSensitiveCompare", patterns, two, engine::caseSensitiveCompare,
+                 {"CaseSensitiveCompare(a, b)",
+                  "Negative, zero or positive as the first text comes before, with or after the second one "
+                  "by its codes.",
+                  "CaseSensitiveCompare('b', 'B') > 0", "1"}),
+    environmentFunction("CaseSensitiveLocaleCompare", patterns, two, engine::caseSensitiveLocaleCompare,
+                        {"CaseSensitiveLocaleCompare(a, b)", "The same by the rules of the locale.",
+                         "CaseSensitiveLocaleCompare('a', 'a')", "0"}),
+};
+
+} // namespace
+
+std::span<const FunctionRecord> textRecords() {
+    return records;
+}
+
+} // namespace orvane::adaptor
