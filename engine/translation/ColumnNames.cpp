@@ -1,0 +1,17 @@
+#include <orvane/engine/ColumnNames.h>
+
+#include "platform/sql/SqlStrings.h"
+
+namespace orvane::engine {
+
+const std::wstring& geometryColumnName() {
+    static const std::wstring name = sql::toSqlString(GeometryColumnUuid.toString(QUuid::Id128));
+    return name;
+}
+
+const std::wstring& styleColumnName() {
+    static const std::wstring name = sql::toSqlString(StyleColumnUuid.toString(QUuid::Id128));
+    return name;
+}
+
+} // namespace orvane::engine

@@ -1,0 +1,110 @@
+#include <orvane/engine/SqliteStringBuilder.h>
+
+#include "platform/sql/SqlStrings.h"
+
+#include <utility>
+
+// Operators and functions.
+
+namespace orvane::engine {
+
+using namespace sql;
+
+namespace {
+
+/// The function of the engine database or of SpatiaLite that stands for an operator of two operands; null
+/// when SQLite has the operator.
+const wchar_t* functionOf(OperationCode code) {
+    switch (code) {
+    case OperationCode::Xor: return L"xor";
+    case OperationCode::Add: return L"concat";
+    case OperationCode::Divide: return L"divide";
+    case OperationCode::Quotient: return L"quotient";
+    case OperationCode::Power: return L"involution";
+    case OperationCode::Contains: return L"ContainsCentroid";
+    case OperationCode::ContainsPart:
+    case OperationCode::Intersects:
+    case OperationCode::PartlyWithin: return L"ST_Intersects";
+    case OperationCode::ContainsEntire: return L"ST_Contains";
+    case OperationCode::Within: return L"CentroidWithin";
+    case OperationCode::EntirelyWithin: return L"ST_Within";
+    default: return nullptr;
+    }
+}
+
+/// Whether the operator compares texts, so that a collation matters.
+bool comparesTexts(OperationCode code) {
+    switch (code) {
+    case OperationCode::Equal:
+    case OperationCode::NotEqual:
+    case OperationCode::Less:
+    case OperationCode::Greater:
+    case OperationCode::LessOrEqual:
+    case OperationCode::GreaterOrEqual:
+    case OperationCode::IsDistinctFrom:
+    case OperationCode::In:
+    case OperationCode::NotIn:
+    case OperationCode::Between:
+    case OperationCode::NotBetween:
+    case OperationCode::Is:
+    case OperationCode::IsNot: return true;
+    default: return false;
+    }
+}
+
+} // namespace
+
+/// The right operand is rendered first. Both stand in parentheses of their own within the call.
+void SqliteStringBuilder::visit(const ast::Operation& node) {
+    const wchar_t* function = node.unary() ? nullptr : functionOf(node.code());
+    if (function) {
+        const std::wstring right = render(node.right());
+        std::wstring text = std::wstring(function) + L"((" + render(node.left());
+        text += L"),(";
+        text += right;
+        text += L"))";
+        return push(std::move(text));
+    }
+    // `Case x When y` compares as well; the other form of Case has no left operand.
+    const bool simpleCase = node.code() == OperationCode::Case && node.left();
+    if (!collate_.isEmpty() && (comparesTexts(node.code()) || simpleCase)) {
+        const std::wstring clause = L" Collate " + toSqlString(collate_);
+        return processOperation(node,
+                                [&clause](std::wstring& text) -> std::wstring& { return text += clause; });
+    }
+    SqlStringBuilder::visit(node);
+}
+
+std::wstring SqliteStringBuilder::operationToString(OperationCode code) const {
+    switch (code) {
+    case OperationCode::Join: return L"||";
+    case OperationCode::Mod: return L"%"; // SQLite has no word for it
+    default: return SqlStringBuilder::operationToString(code);
+    }
+}
+
+std::wstring SqliteStringBuilder::ternaryToString(TernaryLogic::Value value) {
+    return value == TernaryLogic::Unknown ? L"NULL" : SqlStringBuilder::ternaryToString(value);
+}
+
+void SqliteStringBuilder::visit(const ast::Function& node) {
+    const std::wstring name = toLowercase(node.name);
+    if (name == L"rownum") {
+        return push(L"row_number() Over (Order By 1)");
+    }
+    if (!whiteList_.empty()) {
+        const QString written = fromSqlString(node.name);
+        if (whiteList_.count(written) == 0) {
+            unsupported_.insert(written);
+        }
+    }
+    const bool measure = name == L"area" || name == L"perimeter";
+    if (!measure && name != L"round" && name != L"makevalid") {
+        return SqlStringBuilder::visit(node);
+    }
+    ast::Function renamed = node;
+    renamed.name = measure ? L"Object" + node.name : node.name + (name == L"round" ? L"To" : L"Geo");
+    SqlStringBuilder::visit(renamed);
+}
+
+} // namespace orvane::engine

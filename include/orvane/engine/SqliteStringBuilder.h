@@ -1,0 +1,142 @@
+#pragma once
+
+#include <orvane/engine/CaseInsensitiveLess.h>
+#include <orvane/engine/Export.h>
+
+#include "platform/sql/SqlError.h"
+#include "platform/sql/SqlStringBuilder.h"
+
+#include <QString>
+
+#include <cstdint>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace orvane::dp {
+class DataObject;
+class Selection;
+} // namespace orvane::dp
+
+namespace orvane::engine {
+
+class EngineCache;
+
+/// A table that a statement names.
+struct TableRef {
+    std::wstring name;  ///< as rendered
+    std::wstring alias; ///< empty when the statement gives none
+};
+
+/// A column that a statement names.
+struct ColumnRef {
+    std::wstring qualifier; ///< table name or alias before the dot, possibly empty
+    std::wstring name;      ///< as rendered
+};
+
+/// Renders a statement of the dialect as SQLite text for the engine database: operators that SQLite lacks
+/// become calls of functions, geometry and style columns get their fixed names, the selection becomes its
+/// table restricted to the selected rows, and comparisons follow a collation.
+///
+/// One builder translates one statement: make it, set the options, call buildString(), read the results.
+/// Rendering a second tree keeps what the first has collected. Throws nothing; what went wrong is in errors()
+/// and unsupportedList(). One thread at a time.
+class ORVANE_ENGINE_EXPORT SqliteStringBuilder : public sql::SqlStringBuilder {
+public:
+    using FunctionNames = std::set<QString, caseInsensitiveLess>;
+    using Errors = std::vector<std::shared_ptr<sql::SqlError>>;
+
+    /// An empty collation leaves comparisons as they are. The context, not owned, may be null.
+    SqliteStringBuilder(QString collate, const sql::StringBuildContext* context);
+    ~SqliteStringBuilder() override;
+
+    SqliteStringBuilder& setCollate(QString collate);
+    /// Asks for dependencies() and primaries().
+    void setNeedDependencies(bool need) { needDependencies_ = need; }
+    /// Asks for columns().
+    void setNeedColumns(bool need) { needColumns_ = need; }
+    /// The functions that a statement may call, by the dialect's names; an empty set admits all.
+    void setWhiteList(FunctionNames names) { whiteList_ = std::move(names); }
+    /// What the selection pseudo-table stands for. Row numbers come from the cache; without a cache, or with
+    /// an empty selection, a statement that names the pseudo-table gets a SelectionTableIsAbsent error.
+    void setSelection(const dp::Selection& selection, EngineCache* cache);
+    void setQuery(std::wstring query) { query_ = std::move(query); }
+
+    /// The finished text, as its maker has stored it.
+    const std::wstring& query() const { return query_; }
+    /// Every table named at any depth, in the order of rendering.
+    const std::vector<TableRef>& dependencies() const { return dependencies_; }
+    /// The tables named by the outermost query.
+    const std::vector<TableRef>& primaries() const { return primaries_; }
+    const std::vector<ColumnRef>& columns() const { return columns_; }
+    /// Whether the outermost query groups its rows.
+    bool isAggregate() const { return isAggregate_; }
+    /// Whether the statement refers to row numbers.
+    bool isIdUsed() const { return isIdUsed_; }
+    /// Where, in the outermost query, further result columns can be inserted: at the end of its result
+    /// columns. 0 when the statement is no query. Counts units of std::wstring.
+    std::size_t insertOffset() const { return insertOffset_; }
+    /// The table that the result is to become (Select … Into name); empty when the statement says nothing of
+    /// it. The rendered text is the query alone.
+    const std::wstring& intoTable() const { return intoTable_; }
+    const Errors& errors() const { return errors_; }
+    const FunctionNames& unsupportedList() const { return unsupported_; }
+    /// Whether the statement calls a function that the white list does not admit. Says nothing of errors().
+    bool hasErrors() const { return !unsupported_.empty(); }
+
+    void addError(std::shared_ptr<sql::SqlError> error);
+    void setError(std::shared_ptr<sql::SqlError> error);
+    void addErrors(const std::vector<std::shared_ptr<sql::SqlSyntaxError>>& errors);
+    void setErrors(const std::vector<std::shared_ptr<sql::SqlSyntaxError>>& errors);
+    /// Appends an UnknownFunction for each function of unsupportedList().
+    void addTranslateErrors();
+
+    using sql::SqlStringBuilder::visit;
+    void visit(const sql::ast::ColumnReference& node) override;
+    void visit(const sql::ast::DeleteStatement& node) override;
+    void visit(const sql::ast::ExplicitTable& node) override;
+    void visit(const sql::ast::Function& node) override;
+    void visit(const sql::ast::Operation& node) override;
+    void visit(const sql::ast::QuerySpecification& node) override;
+    void visit(const sql::ast::TablePrimary& node) override;
+    void visit(const sql::ast::UpdateStatement& node) override;
+    std::wstring operationToString(sql::OperationCode code) const override;
+    std::wstring ternaryToString(sql::TernaryLogic::Value value) override;
+    std::wstring& onFrom(std::wstring& text) override;
+    std::wstring& onWhere(std::wstring& text) override;
+    std::wstring constructSelect(std::wstring select, std::wstring quantifier, std::wstring columns,
+                                 std::wstring rest) override;
+
+private:
+    void visitCorrectedColumn(const sql::ast::ColumnReference& node);
+    bool visitGeo(const sql::ast::ColumnReference& node);
+    bool visitStyle(const sql::ast::ColumnReference& node);
+    void visitImpl(const sql::ast::ColumnReference& node);
+    void visitSelectionTable(const sql::ast::TablePrimary& node);
+    void recordTable(const sql::ast::TablePrimary& node);
+    std::shared_ptr<sql::ast::QuerySpecification> adapted(const sql::ast::QuerySpecification& node);
+    sql::ast::NodePtr withColumnName(const sql::ast::NodePtr& column, bool outermost) const;
+
+    std::size_t insertOffset_ = 0;
+    std::size_t fromLength_ = 0;
+    std::wstring query_;
+    QString collate_;
+    Errors errors_;
+    std::vector<TableRef> dependencies_;
+    std::vector<TableRef> primaries_;
+    FunctionNames whiteList_;
+    FunctionNames unsupported_;
+    std::vector<ColumnRef> columns_;
+    /// One entry per query being rendered: the aliases that its From gives to the selection pseudo-table.
+    std::vector<std::set<std::wstring>> aliasFrames_;
+    std::set<std::int64_t> selectionIds_;
+    std::shared_ptr<dp::DataObject> selectionObject_;
+    bool needDependencies_ = false;
+    bool needColumns_ = false;
+    bool isAggregate_ = false;
+    bool isIdUsed_ = false;
+    std::wstring intoTable_;
+};
+
+} // namespace orvane::engine

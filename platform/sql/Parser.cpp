@@ -1,0 +1,282 @@
+#include "platform/sql/Parser.h"
+
+#include "platform/sql/SqlStrings.h"
+
+#include <QCoreApplication>
+#include <QStringList>
+
+#include <algorithm>
+#include <initializer_list>
+
+namespace orvane::sql {
+
+namespace {
+
+/// Russian source texts; translations are looked up under the context "orvane::sql".
+QString tr(const char* text) {
+    return QCoreApplication::translate("orvane::sql", text);
+}
+
+template<class... Keywords>
+std::bitset<keywordCount> keywordSet(Keywords... keywords) {
+    std::bitset<keywordCount> set;
+    (set.set(static_cast<std::size_t>(keywords)), ...);
+    return set;
+}
+
+/// Words that begin a statement.
+const std::bitset<keywordCount>& statementKeywords() {
+    static const auto set = keywordSet(Keyword::Select, Keyword::Insert, Keyword::Update, Keyword::Delete,
+                                       Keyword::Table, Keyword::With);
+    return set;
+}
+
+/// Words that continue an expression; the parser does not ask for them one by one.
+const std::bitset<keywordCount>& operatorKeywords() {
+    static const auto set =
+        keywordSet(Keyword::And, Keyword::Or, Keyword::Xor, Keyword::Not, Keyword::In, Keyword::Is,
+                   Keyword::Between, Keyword::Like, Keyword::Glob, Keyword::Contains, Keyword::Intersects,
+                   Keyword::Within, Keyword::Entirely, Keyword::Partly, Keyword::Mod, Keyword::Collate);
+    return set;
+}
+
+const wchar_t* symbolText(TokenKind kind) {
+    switch (kind) {
+    case TokenKind::LeftParenthesis: return L"(";
+    case TokenKind::RightParenthesis: return L")";
+    case TokenKind::Comma: return L",";
+    case TokenKind::Dot: return L".";
+    case TokenKind::Semicolon: return L";";
+    case TokenKind::Equal: return L"=";
+    default: return L"";
+    }
+}
+
+/// How many expected words a message lists before it leaves the rest out.
+constexpr int listedWords = 7;
+
+QString joinExpected(const std::vector<std::wstring>& words) {
+    QStringList shown;
+    for (const std::wstring& word : words) {
+        if (shown.size() == listedWords) {
+            return shown.join(QStringLiteral(", ")) + QStringLiteral(", …");
+        }
+        shown.append(fromSqlString(word));
+    }
+    const QString last = shown.takeLast();
+    return shown.isEmpty() ? last : tr("%0 или %1").arg(shown.join(QStringLiteral(", ")), last);
+}
+
+} // namespace
+
+Parser::Level::Level(Parser& parser) : parser_(parser), outerHeight_(parser.height_) {
+    if (parser.nesting_ >= nestingLimit) {
+        parser.failAt(parser.peek(), tr("вложенность больше %0 уровней").arg(nestingLimit));
+    }
+    ++parser.nesting_;
+    parser.height_ = 0;
+}
+
+Parser::Level::~Level() {
+    --parser_.nesting_;
+    parser_.height_ = std::max(outerHeight_, parser_.height_ + 1);
+}
+
+void Parser::grow() {
+    if (++height_ > heightLimit) {
+        failAt(peek(), tr("выражение глубже %0 уровней").arg(heightLimit));
+    }
+}
+
+Parser::Result Parser::parseAll() {
+    if (at(TokenKind::End)) {
+        failAt(peek(), tr("запрос пуст"));
+    }
+    Result result;
+    result.node = parseStatement();
+    if (!result.node) {
+        inExpression_ = true;
+        result.isExpression = true;
+        result.node = parseExpression();
+    }
+    accept(TokenKind::Semicolon);
+    if (!at(TokenKind::End)) {
+        failExpecting(Noun::EndOfText);
+    }
+    return result;
+}
+
+const Token& Parser::peek(std::size_t ahead) const {
+    return text_.tokens[std::min(pos_ + ahead, text_.tokens.size() - 1)];
+}
+
+bool Parser::atName() const {
+    const Token& token = peek();
+    return token.kind == TokenKind::QuotedName ||
+           (token.kind == TokenKind::Word && !isReserved(token.keyword));
+}
+
+void Parser::advance() {
+    ++pos_;
+    expected_ = {};
+}
+
+bool Parser::accept(Keyword keyword) {
+    if (at(keyword)) {
+        advance();
+        return true;
+    }
+    expected_.keywords.set(static_cast<std::size_t>(keyword));
+    return false;
+}
+
+bool Parser::accept(TokenKind kind) {
+    if (at(kind)) {
+        advance();
+        return true;
+    }
+    expected_.symbols.set(static_cast<std::size_t>(kind));
+    return false;
+}
+
+void Parser::expect(Keyword keyword) {
+    if (!accept(keyword)) {
+        fail();
+    }
+}
+
+void Parser::expect(TokenKind kind) {
+    if (!accept(kind)) {
+        fail();
+    }
+}
+
+std::wstring Parser::takeValue() {
+    std::wstring value = text_.value(peek());
+    advance();
+    return value;
+}
+
+std::wstring Parser::expectName() {
+    if (!atName()) {
+        failExpecting(Noun::Name);
+    }
+    return takeValue();
+}
+
+std::wstring Parser::parseAlias() {
+    if (accept(Keyword::As)) {
+        return at(TokenKind::Text) ? takeValue() : expectName();
+    }
+    // "With", "Fetch" and the like begin clauses where an alias might stand.
+    const bool beginsClause = at(Keyword::Fetch) || at(Keyword::With) ||
+                              (at(Keyword::Values) && atAhead(1, TokenKind::LeftParenthesis));
+    if (!atName() || beginsClause) {
+        return {};
+    }
+    aliasPos_ = pos_;
+    expectedAtAlias_ = expected_;
+    return takeValue();
+}
+
+void Parser::failExpecting(Noun noun) {
+    expected_.nouns.set(static_cast<std::size_t>(noun));
+    fail();
+}
+
+void Parser::fail() const {
+    const Token& token = peek();
+    const Token& first = text_.tokens.front();
+    if (inExpression_ && first.keyword == Keyword::None && !text_.tokens.empty()) {
+        const Keyword meant = nearestKeyword(first, statementKeywords());
+        if (meant != Keyword::None) {
+            failSuggesting(first, meant);
+        }
+    }
+    if (pos_ > 0 && aliasPos_ == pos_ - 1) {
+        const Token& alias = text_.tokens[aliasPos_];
+        const Keyword meant = nearestKeyword(alias, expectedAtAlias_.keywords);
+        if (meant != Keyword::None) {
+            failSuggesting(alias, meant);
+        }
+    }
+    const Keyword meant = nearestKeyword(token, expected_.keywords | operatorKeywords());
+    if (meant != Keyword::None) {
+        failSuggesting(token, meant);
+    }
+
+    std::vector<std::wstring> expected = expected_.texts();
+    const QString word = fromSqlString(std::wstring(text_.text(token).substr(0, 60)));
+    const bool nameWanted = expected_.nouns.test(static_cast<std::size_t>(Noun::Name));
+    QString message;
+    if (token.kind == TokenKind::End) {
+        message = tr("запрос обрывается");
+    } else if (nameWanted && isReserved(token.keyword)) {
+        message = tr("слово «%0» занято языком; как имя оно пишется в кавычках: \"%0\"").arg(word);
+    } else if (token.kind == TokenKind::Word || token.kind == TokenKind::QuotedName) {
+        message = tr("неожиданное слово «%0»").arg(word);
+    } else {
+        message = tr("неожиданный знак «%0»").arg(word);
+    }
+    if (!expected.empty()) {
+        message = tr("%0, ожидается %1").arg(message, joinExpected(expected));
+    }
+    failAt(token, message, std::move(expected));
+}
+
+void Parser::failSuggesting(const Token& token, Keyword meant) const {
+    const std::wstring meantText(spelling(meant));
+    failAt(token,
+           tr("неожиданное слово «%0»; возможно, имелось в виду «%1»")
+               .arg(fromSqlString(std::wstring(text_.text(token))), fromSqlString(meantText)),
+           {meantText});
+}
+
+void Parser::failAt(const Token& token, const QString& message, std::vector<std::wstring> expected) const {
+    const TextPosition position = text_.position(token.offset);
+    const QString text = tr("строка %0, столбец %1: %2")
+                             .arg(QString::number(position.line), QString::number(position.column), message);
+    throw SqlSyntaxError(toSqlString(text), ErrorPlace{position.line, position.column,
+                                                       std::wstring(text_.text(token)), std::move(expected)});
+}
+
+std::vector<std::wstring> Parser::Expectations::texts() const {
+    std::vector<std::wstring> result;
+    const QString nounTexts[] = {tr("выражение"), tr("имя"), tr("конец запроса"), tr("запрос")};
+    for (std::size_t i = 0; i < nouns.size(); ++i) {
+        if (nouns.test(i)) {
+            result.push_back(toSqlString(nounTexts[i]));
+        }
+    }
+    for (std::size_t i = 0; i < symbols.size(); ++i) {
+        if (symbols.test(i)) {
+            result.push_back(L"«" + std::wstring(symbolText(static_cast<TokenKind>(i))) + L"»");
+        }
+    }
+    for (std::size_t i = 0; i < keywords.size(); ++i) {
+        if (keywords.test(i)) {
+            result.emplace_back(spelling(static_cast<Keyword>(i)));
+        }
+    }
+    return result;
+}
+
+Keyword Parser::nearestKeyword(const Token& token, const std::bitset<keywordCount>& candidates) const {
+    const std::wstring_view word = text_.text(token);
+    if (token.kind != TokenKind::Word || isReserved(token.keyword) || word.size() < 3) {
+        return Keyword::None;
+    }
+    Keyword nearest = Keyword::None;
+    int limit = word.size() <= 5 ? 1 : 2;
+    for (std::size_t i = 1; i < candidates.size(); ++i) {
+        const auto candidate = static_cast<Keyword>(i);
+        const int distance = candidates.test(i) ? editDistance(word, spelling(candidate), limit) : limit + 1;
+        if (distance > 0 && distance <= limit) {
+            nearest = candidate;
+            limit = distance - 1;
+        }
+    }
+    return nearest;
+}
+
+} // namespace orvane::sql
