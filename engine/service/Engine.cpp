@@ -1,0 +1,116 @@
+#include <orvane/Engine.h>
+
+#include "engine/service/EngineInternal.h"
+
+#include "platform/core/Core.h"
+#include "platform/core/SqliteException.h"
+#include "platform/dp/Cancellation.h"
+#include "platform/plugin/ExtensionConsumer.h"
+#include "platform/plugin/PluginManager.h"
+
+#include <sqlite3.h>
+
+namespace orvane {
+
+namespace {
+
+/// Owns an error text that SQLite allocated.
+class SqliteText {
+public:
+    SqliteText() = default;
+    ~SqliteText() { sqlite3_free(text_); }
+    SqliteText(const SqliteText&) = delete;
+    SqliteText& operator=(const SqliteText&) = delete;
+
+    char** address() { return &text_; }
+    QString toString() const { return QString::fromUtf8(text_); }
+
+private:
+    char* text_ = nullptr;
+};
+
+QString loadFailure(const QString& name, const SqliteText& reason) {
+    // One pass over the pattern: a marker inside the name or the reason stays as it is.
+    return Engine::tr("Загрузка расширения %0: %1").arg(name, reason.toString());
+}
+
+} // namespace
+
+Engine* Engine::load(Core* core) {
+    const QString name = QString::fromLatin1(staticMetaObject.className());
+    if (auto* service = qobject_cast<Engine*>(core->findService(&staticMetaObject, name))) {
+        return service;
+    }
+    static Engine* const instance = new Engine(core);
+    core->registerService(instance);
+    core->pluginManager()->registerExtensionConsumer(
+        std::make_unique<plugin::ExtensionConsumerAdapter<geometry::ResemblanceExtension, Engine>>(instance));
+    return instance;
+}
+
+Engine::Engine(QObject* parent) : QObject(parent), internal_(std::make_shared<Internal>(this)) {}
+
+Engine::~Engine() = default;
+
+QSqlDatabase Engine::engineDatabase() const {
+    return internal_->database();
+}
+
+engine::EngineCache* Engine::cache() const {
+    return internal_.get();
+}
+
+void Engine::registerExtension(geometry::ResemblanceExtension* extension) {
+    internal_->addResemblanceExtension(extension);
+}
+
+void Engine::clearCache() {
+    internal_->clear();
+}
+
+void Engine::loadDatabaseModule(const char* path) {
+    sqlite3* database = internal_->sqliteHandle();
+    if (!database) {
+        throw std::logic_error(QObject::tr("Не инициализировано").toStdString());
+    }
+    SqliteText reason;
+    if (sqlite3_load_extension(database, path, nullptr, reason.address()) != SQLITE_OK) {
+        throw err::SqliteException(database, loadFailure(QString::fromUtf8(path), reason));
+    }
+}
+
+void Engine::loadTableAdapterModule(Core* core, TableAdapterInit init) {
+    sqlite3* database = internal_->sqliteHandle();
+    SqliteText reason;
+    if (init(database, reason.address(), core, internal_.get()) != SQLITE_OK) {
+        throw err::SqliteException(database, loadFailure(QStringLiteral("tableAdaptor"), reason));
+    }
+}
+
+void Engine::registerManagement(std::unique_ptr<engine::TableManagement> management) {
+    if (QString name = management->tableName(); !name.isEmpty()) {
+        internal_->managements()[name] = std::move(management);
+    }
+}
+
+void Engine::unRegisterManagement(const QString& name) {
+    internal_->managements().erase(name);
+}
+
+engine::TableManagement* Engine::findManagement(const QString& name) {
+    const auto found = internal_->managements().find(name);
+    return found == internal_->managements().end() ? nullptr : found->second.get();
+}
+
+void Engine::detachTable(const QString& name) {
+    if (engine::TableManagement* management = findManagement(name)) {
+        management->detach();
+    }
+}
+
+void Engine::cancelQuery() {
+    dp::Cancellation::cancelAll();
+    sqlite3_interrupt(internal_->sqliteHandle());
+}
+
+} // namespace orvane

@@ -1,0 +1,104 @@
+#include "engine/service/EngineInternal.h"
+
+#include "platform/core/SqliteException.h"
+#include "platform/sql/SqlRuntime.h"
+#include <orvane/engine/Collator.h>
+
+#include <QCoreApplication>
+#include <QSqlDriver>
+#include <QVariant>
+
+#include <sqlite3.h>
+
+#include <spatialite.h>
+
+namespace orvane {
+
+namespace {
+
+constexpr char driverName[] = "QTSQLITE";
+constexpr char connectionName[] = "ORVANEENGINE";
+
+QString message(const char* text, const char* argument) {
+    return QObject::tr(text).replace(QLatin1String("%0"), QLatin1String(argument));
+}
+
+[[noreturn]] void fail(const char* text, const char* argument) {
+    throw std::runtime_error(message(text, argument).toStdString());
+}
+
+QSqlDatabase openEngineDatabase() {
+    QCoreApplication::addLibraryPath(QCoreApplication::applicationDirPath() +
+                                     QStringLiteral("/../../third-party/out/qtplugins"));
+    QSqlDatabase database =
+        QSqlDatabase::addDatabase(QLatin1String(driverName), QLatin1String(connectionName));
+    if (!database.isValid()) {
+        fail(QT_TRANSLATE_NOOP("QObject", "Не загружен драйвер %0"), driverName);
+    }
+    database.setDatabaseName(QStringLiteral(":memory:"));
+    if (!database.open()) {
+        fail(QT_TRANSLATE_NOOP("QObject", "Инициализация %0 в оперативной памяти"), driverName);
+    }
+    return database;
+}
+
+} // namespace
+
+Engine::Internal::Internal(Engine* owner)
+    : database_(openEngineDatabase()), collator_(engine::collator()), runtime_(new sql::SqlRuntime(owner)) {
+    sqlite3* db = sqliteHandle();
+    if (sqlite3_db_config(db, SQLITE_DBCONFIG_ENABLE_LOAD_EXTENSION, 1, nullptr) != SQLITE_OK) {
+        throw err::SqliteException(
+            db, message(QT_TRANSLATE_NOOP("QObject", "Поддержка расширений %0"), "SQLITE"));
+    }
+    initialiseSpatialite();
+    setUseGaiaCache(NoMemo);
+    sqlite3_create_collation(db, "Locale", SQLITE_UTF16, this, &Internal::localeCollation);
+}
+
+Engine::Internal::~Internal() {
+    if (spatialiteConnection_) {
+        spatialite_cleanup_ex(spatialiteConnection_);
+        spatialiteConnection_ = nullptr;
+    }
+}
+
+void Engine::Internal::initialiseSpatialite() {
+    try {
+        spatialiteConnection_ = spatialite_alloc_connection();
+        spatialite_init_ex(sqliteHandle(), spatialiteConnection_, 0);
+    } catch (...) {
+        if (spatialiteConnection_) {
+            spatialite_cleanup_ex(spatialiteConnection_);
+            spatialiteConnection_ = nullptr;
+        }
+        throw err::SqliteException(sqliteHandle(),
+                                   message(QT_TRANSLATE_NOOP("QObject", "Инициализация %0"), "spatialite"));
+    }
+}
+
+sqlite3* Engine::Internal::sqliteHandle() const {
+    const QSqlDriver* driver = database_.driver();
+    const QVariant handle = driver ? driver->handle() : QVariant();
+    return handle.isValid() ? *static_cast<sqlite3* const*>(handle.constData()) : nullptr;
+}
+
+std::shared_ptr<cs::CoordSystem> Engine::Internal::tableCS(const QString& tableName) {
+    auto found = managements_.find(tableName);
+    if (found == managements_.end()) {
+        found = std::find_if(managements_.begin(), managements_.end(), [&tableName](const auto& entry) {
+            return QString::compare(entry.first, tableName, Qt::CaseInsensitive) == 0;
+        });
+    }
+    return found == managements_.end() ? nullptr : found->second->coordSystem();
+}
+
+int Engine::Internal::localeCollation(void* userData, int length1, const void* text1, int length2,
+                                      const void* text2) {
+    if (const auto* self = static_cast<const Internal*>(userData)) {
+        return engine::collatorCompare(self->collator_, length1, text1, length2, text2);
+    }
+    return engine::collatorCompare(engine::collator(), length1, text1, length2, text2);
+}
+
+} // namespace orvane

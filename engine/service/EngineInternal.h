@@ -1,0 +1,46 @@
+#pragma once
+
+#include <orvane/Engine.h>
+#include <orvane/engine/EngineCache.h>
+#include <orvane/engine/TableManagement.h>
+
+#include <QCollator>
+
+#include <map>
+#include <memory>
+
+namespace orvane {
+
+namespace sql {
+class SqlRuntime;
+}
+
+/// The engine's state. It is the cache as well, so that the SQL functions reach both through one pointer. The
+/// members go in reverse order: managements before the connection that their tables live in.
+class Engine::Internal : public engine::EngineCache {
+public:
+    /// Opens the database and sets it up. `owner` becomes the parent of the SQL runtime.
+    explicit Internal(Engine* owner);
+    ~Internal() override;
+
+    std::shared_ptr<cs::CoordSystem> tableCS(const QString& tableName) override;
+
+    const QSqlDatabase& database() const { return database_; }
+    sqlite3* sqliteHandle() const;
+    sql::SqlRuntime* runtime() const { return runtime_; }
+    std::map<QString, std::unique_ptr<engine::TableManagement>>& managements() { return managements_; }
+
+private:
+    static int localeCollation(void* userData, int length1, const void* text1, int length2,
+                               const void* text2);
+
+    void initialiseSpatialite();
+
+    QSqlDatabase database_;
+    QCollator collator_;
+    void* spatialiteConnection_ = nullptr;
+    sql::SqlRuntime* runtime_ = nullptr;
+    std::map<QString, std::unique_ptr<engine::TableManagement>> managements_;
+};
+
+} // namespace orvane

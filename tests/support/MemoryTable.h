@@ -1,0 +1,104 @@
+#pragma once
+
+#include "platform/dp/Table.h"
+
+#include <map>
+#include <vector>
+
+namespace orvane::testing {
+
+/// A table that lives in memory, with edits and their roll-back: the catalogue's table in tests.
+class MemoryTable : public dp::Table {
+public:
+    using Row = std::vector<QVariant>;
+
+    MemoryTable(QString name, QVector<dp::AttributeDefinitionPointer> attributes, std::vector<Row> rows = {})
+        : dp::Table(std::move(name)), schema_(std::make_shared<dp::TableSchema>(std::move(attributes))) {
+        for (Row& row : rows) {
+            rows_.emplace(nextId_++, std::move(row));
+        }
+    }
+
+    std::shared_ptr<const dp::TableSchema> schema() const override { return schema_; }
+    std::optional<std::int64_t> featureCount() const override {
+        return static_cast<std::int64_t>(rows_.size());
+    }
+    bool isReadOnly() const override { return false; }
+
+    std::unique_ptr<dp::Cursor> openCursor(const dp::ScanRequest& request) override {
+        lastRequest = request;
+        ++scans;
+        return std::make_unique<RowCursor>(*this, request);
+    }
+
+    void beginEdits() override { before_ = rows_; }
+    void commitEdits() override { before_.clear(); }
+    void rollbackEdits() override { rows_ = before_; }
+    dp::FeatureId insertFeature(const dp::Feature& feature) override {
+        rows_[nextId_] = values(feature);
+        return dp::FeatureId(nextId_++);
+    }
+    void updateFeature(const dp::Feature& feature) override {
+        rows_.at(feature.id().value().toLongLong()) = values(feature);
+    }
+    void deleteFeature(const dp::FeatureId& id) override { rows_.erase(id.value().toLongLong()); }
+
+    dp::ScanRequest lastRequest;
+    int scans = 0;
+
+private:
+    class RowCursor : public dp::Cursor {
+    public:
+        RowCursor(const MemoryTable& table, const dp::ScanRequest& request) {
+            for (const auto& [id, row] : table.rows_) {
+                if (!request.ids || std::find(request.ids->begin(), request.ids->end(), dp::FeatureId(id)) !=
+                                        request.ids->end()) {
+                    rows_.emplace_back(id, row);
+                }
+            }
+        }
+        bool next() override { return ++at_ < static_cast<int>(rows_.size()); }
+        dp::FeatureId featureId() override { return dp::FeatureId(rows_.at(at()).first); }
+        dp::Cell cell(int attribute) override {
+            const QVariant& value = rows_.at(at()).second.at(static_cast<std::size_t>(attribute));
+            switch (value.userType()) {
+            case QMetaType::UnknownType: return {};
+            case QMetaType::Int:
+            case QMetaType::LongLong: return dp::Cell::ofInteger(value.toLongLong());
+            case QMetaType::Double: return dp::Cell::ofReal(value.toDouble());
+            case QMetaType::QByteArray:
+                text_ = value.toByteArray();
+                return dp::Cell::ofWkb({text_.constData(), static_cast<std::size_t>(text_.size())});
+            default:
+                text_ = value.toString().toUtf8();
+                return dp::Cell::ofText({text_.constData(), static_cast<std::size_t>(text_.size())});
+            }
+        }
+
+    private:
+        std::size_t at() const { return static_cast<std::size_t>(at_); }
+        std::vector<std::pair<qint64, Row>> rows_;
+        int at_ = -1;
+        QByteArray text_;
+    };
+
+    static Row values(const dp::Feature& feature) {
+        Row row;
+        for (int i = 0; i < feature.numAttributes(); ++i) {
+            row.push_back(feature.getAttribute(i));
+        }
+        return row;
+    }
+
+    std::shared_ptr<const dp::TableSchema> schema_;
+    std::map<qint64, Row> rows_, before_;
+    qint64 nextId_ = 100; ///< far from the row numbers that the engine assigns
+};
+
+inline dp::AttributeDefinitionPointer attribute(const char* name, int type,
+                                                dp::SimpleAttributeDefinition::Options options = {}) {
+    return dp::AttributeDefinitionPointer(
+        new dp::SimpleAttributeDefinition(QString::fromUtf8(name), type, options));
+}
+
+} // namespace orvane::testing
