@@ -286,7 +286,6 @@ ast::NodePtr Parser::parseNamePrimary() {
 
 // `(query)`, `(expression)` or `(a, b)`.
 ast::NodePtr Parser::parseParenthesized() {
-    const Level level(*this);
     advance();
     ast::NodePtr inner;
     if (startsQuery()) {
@@ -367,7 +366,6 @@ std::wstring Parser::parseTypeName() {
 
 // At the "(" after the name.
 ast::NodePtr Parser::parseFunction(std::wstring name) {
-    const Level level(*this);
     advance();
     auto function = std::make_shared<ast::Function>(std::move(name));
     if (at(TokenKind::Asterisk) && atAhead(1, TokenKind::RightParenthesis)) {

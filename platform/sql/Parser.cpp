@@ -12,11 +12,6 @@ namespace orvane::sql {
 
 namespace {
 
-/// Russian source texts; translations are looked up under the context "orvane::sql".
-QString tr(const char* text) {
-    return QCoreApplication::translate("orvane::sql", text);
-}
-
 template<class... Keywords>
 std::bitset<keywordCount> keywordSet(Keywords... keywords) {
     std::bitset<keywordCount> set;
@@ -47,6 +42,7 @@ const wchar_t* symbolText(TokenKind kind) {
     case TokenKind::Comma: return L",";
     case TokenKind::Dot: return L".";
     case TokenKind::Semicolon: return L";";
+    case TokenKind::Asterisk: return L"*";
     case TokenKind::Equal: return L"=";
     default: return L"";
     }
@@ -64,14 +60,18 @@ QString joinExpected(const std::vector<std::wstring>& words) {
         shown.append(fromSqlString(word));
     }
     const QString last = shown.takeLast();
-    return shown.isEmpty() ? last : tr("%0 или %1").arg(shown.join(QStringLiteral(", ")), last);
+    return shown.isEmpty() ? last
+                           : QCoreApplication::translate("orvane::sql", "%0 или %1")
+                                 .arg(shown.join(QStringLiteral(", ")), last);
 }
 
 } // namespace
 
 Parser::Level::Level(Parser& parser) : parser_(parser), outerHeight_(parser.height_) {
     if (parser.nesting_ >= nestingLimit) {
-        parser.failAt(parser.peek(), tr("вложенность больше %0 уровней").arg(nestingLimit));
+        parser.failAt(
+            parser.peek(),
+            QCoreApplication::translate("orvane::sql", "вложенность больше %0 уровней").arg(nestingLimit));
     }
     ++parser.nesting_;
     parser.height_ = 0;
@@ -84,13 +84,14 @@ Parser::Level::~Level() {
 
 void Parser::grow() {
     if (++height_ > heightLimit) {
-        failAt(peek(), tr("выражение глубже %0 уровней").arg(heightLimit));
+        failAt(peek(),
+               QCoreApplication::translate("orvane::sql", "выражение глубже %0 уровней").arg(heightLimit));
     }
 }
 
 Parser::Result Parser::parseAll() {
     if (at(TokenKind::End)) {
-        failAt(peek(), tr("запрос пуст"));
+        failAt(peek(), QCoreApplication::translate("orvane::sql", "запрос пуст"));
     }
     Result result;
     result.node = parseStatement();
@@ -175,7 +176,6 @@ std::wstring Parser::parseAlias() {
         return {};
     }
     aliasPos_ = pos_;
-    expectedAtAlias_ = expected_;
     return takeValue();
 }
 
@@ -187,7 +187,7 @@ void Parser::failExpecting(Noun noun) {
 void Parser::fail() const {
     const Token& token = peek();
     const Token& first = text_.tokens.front();
-    if (inExpression_ && first.keyword == Keyword::None && !text_.tokens.empty()) {
+    if (inExpression_ && first.keyword == Keyword::None) {
         const Keyword meant = nearestKeyword(first, statementKeywords());
         if (meant != Keyword::None) {
             failSuggesting(first, meant);
@@ -195,7 +195,7 @@ void Parser::fail() const {
     }
     if (pos_ > 0 && aliasPos_ == pos_ - 1) {
         const Token& alias = text_.tokens[aliasPos_];
-        const Keyword meant = nearestKeyword(alias, expectedAtAlias_.keywords);
+        const Keyword meant = nearestKeyword(alias, expected_.keywords);
         if (meant != Keyword::None) {
             failSuggesting(alias, meant);
         }
@@ -207,34 +207,52 @@ void Parser::fail() const {
 
     std::vector<std::wstring> expected = expected_.texts();
     const QString word = fromSqlString(std::wstring(text_.text(token).substr(0, 60)));
-    const bool nameWanted = expected_.nouns.test(static_cast<std::size_t>(Noun::Name));
     QString message;
     if (token.kind == TokenKind::End) {
-        message = tr("запрос обрывается");
-    } else if (nameWanted && isReserved(token.keyword)) {
-        message = tr("слово «%0» занято языком; как имя оно пишется в кавычках: \"%0\"").arg(word);
+        message = QCoreApplication::translate("orvane::sql", "запрос обрывается");
+    } else if (isReserved(token.keyword) && looksLikeName()) {
+        message = QCoreApplication::translate(
+                      "orvane::sql", "слово «%0» занято языком; как имя оно пишется в кавычках: \"%0\"")
+                      .arg(word);
+        failAt(token, message, std::move(expected));
     } else if (token.kind == TokenKind::Word || token.kind == TokenKind::QuotedName) {
-        message = tr("неожиданное слово «%0»").arg(word);
+        message = QCoreApplication::translate("orvane::sql", "неожиданное слово «%0»").arg(word);
+    } else if (token.kind <= TokenKind::Parameter) {
+        message = QCoreApplication::translate("orvane::sql", "неожиданное значение «%0»").arg(word);
     } else {
-        message = tr("неожиданный знак «%0»").arg(word);
+        message = QCoreApplication::translate("orvane::sql", "неожиданный знак «%0»").arg(word);
     }
     if (!expected.empty()) {
-        message = tr("%0, ожидается %1").arg(message, joinExpected(expected));
+        message = QCoreApplication::translate("orvane::sql", "%0, ожидается %1")
+                      .arg(message, joinExpected(expected));
     }
     failAt(token, message, std::move(expected));
+}
+
+/// Whether the reserved word here was rather meant as a name: a name can stand here, and what follows goes
+/// with one.
+bool Parser::looksLikeName() const {
+    if (expected_.nouns.test(static_cast<std::size_t>(Noun::Name))) {
+        return true;
+    }
+    const Token& next = peek(1);
+    return expected_.nouns.test(static_cast<std::size_t>(Noun::Expression)) &&
+           (next.kind == TokenKind::Comma || next.kind == TokenKind::Dot || next.kind == TokenKind::End ||
+            next.kind == TokenKind::RightParenthesis || next.keyword == Keyword::From ||
+            (next.kind >= TokenKind::Equal && next.kind <= TokenKind::GreaterOrEqual));
 }
 
 void Parser::failSuggesting(const Token& token, Keyword meant) const {
     const std::wstring meantText(spelling(meant));
     failAt(token,
-           tr("неожиданное слово «%0»; возможно, имелось в виду «%1»")
+           QCoreApplication::translate("orvane::sql", "неожиданное слово «%0»; возможно, имелось в виду «%1»")
                .arg(fromSqlString(std::wstring(text_.text(token))), fromSqlString(meantText)),
            {meantText});
 }
 
 void Parser::failAt(const Token& token, const QString& message, std::vector<std::wstring> expected) const {
     const TextPosition position = text_.position(token.offset);
-    const QString text = tr("строка %0, столбец %1: %2")
+    const QString text = QCoreApplication::translate("orvane::sql", "строка %0, столбец %1: %2")
                              .arg(QString::number(position.line), QString::number(position.column), message);
     throw SqlSyntaxError(toSqlString(text), ErrorPlace{position.line, position.column,
                                                        std::wstring(text_.text(token)), std::move(expected)});
@@ -242,7 +260,10 @@ void Parser::failAt(const Token& token, const QString& message, std::vector<std:
 
 std::vector<std::wstring> Parser::Expectations::texts() const {
     std::vector<std::wstring> result;
-    const QString nounTexts[] = {tr("выражение"), tr("имя"), tr("конец запроса"), tr("запрос")};
+    const QString nounTexts[] = {QCoreApplication::translate("orvane::sql", "выражение"),
+                                 QCoreApplication::translate("orvane::sql", "имя"),
+                                 QCoreApplication::translate("orvane::sql", "конец запроса"),
+                                 QCoreApplication::translate("orvane::sql", "запрос")};
     for (std::size_t i = 0; i < nouns.size(); ++i) {
         if (nouns.test(i)) {
             result.push_back(toSqlString(nounTexts[i]));

@@ -130,6 +130,7 @@ private:
         std::vector<std::wstring> texts() const;
     };
     [[noreturn]] void fail() const;
+    bool looksLikeName() const;
     [[noreturn]] void failExpecting(Noun noun);
     [[noreturn]] void failAt(const Token& token, const QString& message,
                              std::vector<std::wstring> expected = {}) const;
@@ -144,10 +145,8 @@ private:
     bool intoAllowed_ = false;  ///< only the first Select of a query statement may have an Into
     bool inExpression_ = false; ///< the text is read as a lone expression
     Expectations expected_;
-    /// The last word taken as an alias without As, and what else could have stood there: it may be a misspelt
-    /// keyword.
+    /// The last word taken as an alias without As: it may be a misspelt keyword.
     std::size_t aliasPos_ = static_cast<std::size_t>(-1);
-    Expectations expectedAtAlias_;
 };
 
 } // namespace orvane::sql
