@@ -1,0 +1,81 @@
+#include "host/shell/Interrupt.h"
+
+#include "host/shell/Shell.h"
+
+#include <chrono>
+#include <csignal>
+
+#include <unistd.h>
+
+namespace orvane::shell {
+
+namespace {
+
+sigset_t cancellingSignals() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGINT);
+    sigaddset(&signals, SIGTERM);
+    return signals;
+}
+
+} // namespace
+
+Interrupt::Interrupt() {
+    const sigset_t signals = cancellingSignals();
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    thread_ = std::thread([this] { wait(); });
+}
+
+Interrupt::~Interrupt() {
+    ending_ = true;
+    pthread_kill(thread_.native_handle(), SIGINT);
+    thread_.join();
+}
+
+void Interrupt::setCancel(std::function<void()> cancel) {
+    const std::lock_guard lock(mutex_);
+    cancel_ = std::move(cancel);
+}
+
+void Interrupt::setTemporaryFile(std::string path) {
+    const std::lock_guard lock(mutex_);
+    temporaryFile_ = std::move(path);
+}
+
+void Interrupt::wait() {
+    const sigset_t signals = cancellingSignals();
+    while (true) {
+        int signal = 0;
+        if (sigwait(&signals, &signal) != 0)
+            continue;
+        if (ending_)
+            return;
+        requested_ = true;
+        cancelUntilDone();
+    }
+}
+
+void Interrupt::cancelUntilDone() {
+    using namespace std::chrono;
+    const auto start = steady_clock::now();
+    while (requested_ && !ending_) {
+        {
+            const std::lock_guard lock(mutex_);
+            if (cancel_)
+                cancel_();
+        }
+        if (exitsWhenStuck_ && steady_clock::now() - start > milliseconds(70))
+            exitNow();
+        std::this_thread::sleep_for(milliseconds(2));
+    }
+}
+
+void Interrupt::exitNow() {
+    const std::lock_guard lock(mutex_);
+    if (!temporaryFile_.empty())
+        ::unlink(temporaryFile_.c_str());
+    ::_exit(Interrupted);
+}
+
+} // namespace orvane::shell

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "platform/log/Logger.h"
+#include <orvane/engine/EngineCache.h>
+
+#include <QString>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace orvane::shell {
+
+enum class Format { Table, Csv, Json, GeoJson };
+
+/// A layer to open under a name of the user's choice; without layer name the only one of the file.
+struct TableSource {
+    QString name;
+    QString path;
+    QString layer;
+};
+
+/// Statements from the command line or from a file.
+struct StatementSource {
+    enum Kind { Command, Script };
+    Kind kind = Command;
+    std::string value; ///< the UTF-8 text, or the path
+};
+
+/// The features that the selection shall hold.
+struct SelectionSource {
+    QString table;
+    std::vector<qint64> ids;
+};
+
+/// What the command line asks for.
+struct Options {
+    std::vector<QString> files;
+    std::vector<TableSource> tables;
+    std::vector<StatementSource> statements; ///< in the order of the command line
+    std::optional<SelectionSource> selection;
+    Format format = Format::Table;
+    std::optional<std::string> outputPath;
+    std::optional<std::string> nullText;
+    bool header = true;
+    bool translateOnly = false;
+    bool sqlite = false;
+    bool timing = false;
+    engine::EngineCache::GaiaCache memo = engine::EngineCache::NoMemo;
+    LogLevel logLevel = LogLevel::Warning;
+};
+
+/// The value of --locale, which the language of everything else depends on; empty when it is not given.
+QString localeOption(int argc, const char* const* argv);
+
+/// Reads the command line; texts and paths are taken as UTF-8. Nothing when the user only asked for help or
+/// for the version, which are then printed on standard output. Throws UsageError.
+std::optional<Options> parseOptions(int argc, const char* const* argv);
+
+} // namespace orvane::shell
