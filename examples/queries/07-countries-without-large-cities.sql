@@ -1,0 +1,5 @@
+-- Which countries have no city of 100,000 people? A set operation, then a look at the names.
+Select name_long As country, type
+From countries
+Where iso_a2 In (Select iso_a2 From countries Except Select country From cities)
+Order By name_long

@@ -1,0 +1,3 @@
+Select c.name, k.name_long As country, c.population
+From cities c Join countries k On k.iso_a2 = c.country
+Where k.continent = 'Europe' Order By c.population Desc Limit 10
