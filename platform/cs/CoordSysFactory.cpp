@@ -77,6 +77,9 @@ int epsgOf(PJ_CONTEXT* context, const PJ* system) {
 class ProjCoordSysFactory final : public CoordSysFactory {
 public:
     SystemPtr createFromEpsg(int code) const override {
+        if (code <= 0) {
+            throwUnknown(code);
+        }
         const QString key = QStringLiteral("epsg:%1").arg(code);
         if (SystemPtr known; find(key, known)) {
             if (!known) {

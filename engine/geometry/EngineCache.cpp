@@ -1,0 +1,237 @@
+#include <orvane/engine/EngineCache.h>
+
+#include "platform/cs/CoordSystem.h"
+#include "platform/geometry/GeometryFactory.h"
+#include "platform/serialization/BinaryArchive.h"
+#include "platform/serialization/CoordSystemArchive.h"
+#include "platform/utils/Compare.h"
+#include <orvane/engine/GeometryConversions.h>
+#include <orvane/engine/SpatialiteBlob.h>
+
+#include <QDataStream>
+#include <QReadLocker>
+#include <QWriteLocker>
+
+#include <sqlite3.h>
+
+#include <spatialite/gaiageo.h>
+
+#include <cstdlib>
+#include <cstring>
+
+namespace orvane::engine {
+
+namespace {
+
+using CoordSystemPtr = std::shared_ptr<cs::CoordSystem>;
+
+struct GaiaDeleter {
+    void operator()(gaiaGeomColl* collection) const { gaiaFreeGeomColl(collection); }
+};
+struct FreeDeleter {
+    void operator()(unsigned char* bytes) const { std::free(bytes); }
+};
+
+/// The value of a key: looked up under the read lock, made with no lock held, stored unless another thread
+/// was faster. A value that cannot be made is stored as null.
+template<typename Map, typename Key, typename Make>
+CoordSystemPtr findOrMake(Map& map, QReadWriteLock& lock, const Key& key, const Make& make) {
+    {
+        const QReadLocker reading(&lock);
+        if (const auto found = map.find(key); found != map.end()) {
+            return found->second;
+        }
+    }
+    CoordSystemPtr made;
+    try {
+        made = make();
+    } catch (const std::exception&) {
+        // Remembered as null.
+    }
+    const QWriteLocker writing(&lock);
+    return map.emplace(key, std::move(made)).first->second;
+}
+
+/// A payload as the key of a map, without a heap block up to 256 bytes.
+template<typename PayloadKey>
+PayloadKey keyOf(const QByteArray& payload) {
+    PayloadKey key;
+    key.append(payload.constData(), payload.size());
+    return key;
+}
+
+/// SpatiaLite's own readers: compressed blobs, WKB, FGF.
+std::shared_ptr<const geometry::Geometry> decodeThroughGaia(EngineCache& cache, const void* data,
+                                                            unsigned int size) {
+    const std::unique_ptr<gaiaGeomColl, GaiaDeleter> collection(
+        toGaia(static_cast<const unsigned char*>(data), static_cast<int>(size)));
+    if (!collection) {
+        return nullptr;
+    }
+    unsigned char* wkb = nullptr;
+    int wkbSize = 0;
+    gaiaToWkb(collection.get(), &wkb, &wkbSize);
+    const std::unique_ptr<unsigned char, FreeDeleter> wkbOwner(wkb);
+    const std::string_view bytes(reinterpret_cast<const char*>(wkb),
+                                 wkb ? static_cast<std::size_t>(wkbSize) : 0);
+    return geometry::GeometryFactory::fromWkb(bytes, cache.get(collection->Srid));
+}
+
+} // namespace
+
+EngineCache::EngineCache() = default;
+EngineCache::~EngineCache() = default;
+
+bool EngineCache::PayloadLess::operator()(const PayloadKey& a, const PayloadKey& b) const {
+    if (a.size() != b.size()) {
+        return a.size() < b.size();
+    }
+    return std::memcmp(a.constData(), b.constData(), static_cast<std::size_t>(a.size())) < 0;
+}
+
+bool EngineCache::IdLess::operator()(const dp::FeatureId& a, const dp::FeatureId& b) const {
+    return utils::compare(a.value(), b.value()) < 0;
+}
+
+CoordSystemPtr EngineCache::get(int code) {
+    return findOrMake(csByCode_, csByCodeLock_, code,
+                      [code] { return cs::CoordSysFactory::defaultCoordSysFactory()->createFromEpsg(code); });
+}
+
+void EngineCache::save(int code, const CoordSystemPtr& coordSystem) {
+    const QWriteLocker lock(&csByCodeLock_);
+    csByCode_.emplace(code, coordSystem);
+}
+
+CoordSystemPtr EngineCache::get(const QByteArray& payload) {
+    return findOrMake(csByPayload_, csByPayloadLock_, keyOf<PayloadKey>(payload), [&payload] {
+        QDataStream stream(payload);
+        serialization::BinaryInputArchive archive(&stream);
+        CoordSystemPtr coordSystem;
+        const unsigned short version = archive.loadVersion();
+        serialization::load(archive, coordSystem, version);
+        return coordSystem;
+    });
+}
+
+void EngineCache::save(const QByteArray& payload, const CoordSystemPtr& coordSystem) {
+    PayloadKey key = keyOf<PayloadKey>(payload);
+    {
+        const QReadLocker lock(&csByPayloadLock_);
+        if (csByPayload_.find(key) != csByPayload_.end()) {
+            return;
+        }
+    }
+    const QWriteLocker lock(&csByPayloadLock_);
+    csByPayload_.emplace(std::move(key), coordSystem);
+}
+
+EngineGeometry EngineCache::geometryInfo(const void* data, unsigned int size, bool useMemo) {
+    if (!data || size == 0) {
+        return EngineGeometry(nullptr);
+    }
+    const QByteArray blob = QByteArray::fromRawData(static_cast<const char*>(data), static_cast<int>(size));
+    EngineGeometry geometry = EngineGeometry::deserialize(blob, [this](const void* payload, int payloadSize) {
+        return get(QByteArray::fromRawData(static_cast<const char*>(payload), payloadSize));
+    });
+    if (geometry) {
+        return geometry;
+    }
+    const bool remembers = gaiaCache_ == MemoOnRequest ? useMemo : gaiaCache_ != NoMemo;
+    if (!remembers) {
+        return EngineGeometry(decodeSpatialite(data, size));
+    }
+    return EngineGeometry(
+        geometryMaps_[size % geometryMapCount].get(data, size, [this](const void* bytes, unsigned int count) {
+            return decodeSpatialite(bytes, count);
+        }));
+}
+
+EngineGeometry EngineCache::geometryInfo(const QByteArray& blob, bool useMemo) {
+    return geometryInfo(blob.constData(), static_cast<unsigned int>(blob.size()), useMemo);
+}
+
+void EngineCache::save(const void* data, unsigned int size,
+                       const std::shared_ptr<const geometry::Geometry>& geometry) {
+    if (gaiaCache_ != NoMemo) {
+        geometryMaps_[size % geometryMapCount].set(data, size, geometry);
+    }
+}
+
+void EngineCache::clear() {
+    for (EngineGeometryMap& map : geometryMaps_) {
+        map.clearMap();
+    }
+}
+
+std::shared_ptr<const geometry::Geometry> EngineCache::decodeSpatialite(const void* data, unsigned int size) {
+    const std::string_view bytes(static_cast<const char*>(data), size);
+    try {
+        // Plain blobs, by far the most, are read straight into objects.
+        if (const auto header = readSpatialiteHeader(bytes); header && header->kind < 1000000) {
+            return geometry::GeometryFactory::fromSpatialiteBody(header->body, header->littleEndian,
+                                                                 get(header->srid));
+        }
+        return decodeThroughGaia(*this, data, size);
+    } catch (const std::exception&) {
+        return nullptr;
+    }
+}
+
+qint64 EngineCache::assignIdToInt(dp::FeatureId id) {
+    {
+        const QReadLocker lock(&idLock_);
+        if (const auto found = intById_.find(id); found != intById_.end()) {
+            return found->second;
+        }
+    }
+    const QWriteLocker lock(&idLock_);
+    const auto number = static_cast<qint64>(intById_.size());
+    const auto [position, isNew] = intById_.emplace(std::move(id), number);
+    if (isNew) {
+        idByInt_.emplace_hint(idByInt_.end(), number, position);
+    }
+    return position->second;
+}
+
+qint64 EngineCache::idToInt(dp::FeatureId id, qint64 defaultValue) {
+    const QReadLocker lock(&idLock_);
+    const auto found = intById_.find(id);
+    return found == intById_.end() ? defaultValue : found->second;
+}
+
+dp::FeatureId EngineCache::intToId(qint64 number) {
+    const QReadLocker lock(&idLock_);
+    const auto found = idByInt_.find(number);
+    return found == idByInt_.end() ? dp::FeatureId() : found->second->first;
+}
+
+qint64 EngineCache::idLimit() {
+    const QReadLocker lock(&idLock_);
+    return static_cast<qint64>(intById_.size());
+}
+
+void EngineCache::addResemblanceExtension(geometry::ResemblanceExtension* extension) {
+    if (extension) {
+        extension->adjustSetup(resemblanceSetup_);
+        resemblanceExtensions_.push_back(extension);
+    }
+}
+
+std::shared_ptr<const geometry::Geometry>
+EngineCache::tryResemblance(const std::shared_ptr<const geometry::Geometry>& geometry) {
+    for (geometry::ResemblanceExtension* extension : resemblanceExtensions_) {
+        if (auto found = extension->resemblance(geometry, resemblanceSetup_)) {
+            return found;
+        }
+    }
+    return nullptr;
+}
+
+std::shared_ptr<const geometry::Geometry>
+EngineCache::resemblance(const std::shared_ptr<const geometry::Geometry>& geometry) {
+    auto found = tryResemblance(geometry);
+    return found ? found : geometry->clone();
+}
+
+} // namespace orvane::engine

@@ -1,0 +1,246 @@
+#include <orvane/engine/GeometryConversions.h>
+
+#include "platform/cs/CoordSystem.h"
+#include "platform/geometry/Curves.h"
+#include "platform/geometry/GeometryFactory.h"
+#include "platform/utils/MetaTypes.h"
+#include <orvane/engine/EngineCache.h>
+#include <orvane/engine/FixedColumns.h>
+#include <orvane/engine/SpatialiteBlob.h>
+#include <orvane/engine/functions/Converters.h>
+
+#include <QtEndian>
+
+#include <sqlite3.h>
+
+#include <spatialite/gaiageo.h>
+
+#include <cstdlib>
+
+namespace orvane::engine {
+
+namespace {
+
+struct GaiaDeleter {
+    void operator()(gaiaGeomColl* collection) const { gaiaFreeGeomColl(collection); }
+};
+struct FreeDeleter {
+    void operator()(unsigned char* bytes) const { std::free(bytes); }
+};
+
+bool isSoundWkb(std::string_view bytes) {
+    try {
+        geometry::GeometryFactory::fromWkb(bytes, nullptr);
+        return true;
+    } catch (const std::exception&) {
+        return false;
+    }
+}
+
+/// Whether the counts in FGF (little-endian: kind, dimensions, counts, doubles; parts whole) agree with its
+/// length.
+class FgfCheck {
+public:
+    explicit FgfCheck(std::string_view bytes) : bytes_(bytes) {}
+
+    bool isSound() { return walk(true) && bytes_.empty(); }
+
+private:
+    bool takeUInt32(std::uint32_t& value) {
+        if (bytes_.size() < 4) {
+            return false;
+        }
+        value = qFromLittleEndian<quint32>(bytes_.data());
+        bytes_.remove_prefix(4);
+        return true;
+    }
+
+    bool skipPositions(std::size_t count, std::size_t positionSize) {
+        if (count > bytes_.size() / positionSize) {
+            return false;
+        }
+        bytes_.remove_prefix(count * positionSize);
+        return true;
+    }
+
+    bool walk(bool mayHaveParts) {
+        std::uint32_t kind = 0;
+        std::uint32_t dimensions = 0;
+        std::uint32_t count = 0;
+        if (!takeUInt32(kind)) {
+            return false;
+        }
+        if (kind >= 4 && kind <= 7) {
+            bool sound = mayHaveParts && takeUInt32(count);
+            for (std::uint32_t i = 0; sound && i < count; ++i) {
+                sound = walk(false);
+            }
+            return sound;
+        }
+        if (kind < 1 || kind > 3 || !takeUInt32(dimensions) || dimensions > 3) {
+            return false;
+        }
+        const std::size_t size =
+            geometry::strideOf(static_cast<geometry::Dimensions>(dimensions)) * sizeof(double);
+        if (kind == 1) {
+            return skipPositions(1, size);
+        }
+        if (kind == 2) {
+            return takeUInt32(count) && skipPositions(count, size);
+        }
+        std::uint32_t rings = 0;
+        bool sound = takeUInt32(rings);
+        for (std::uint32_t i = 0; sound && i < rings; ++i) {
+            sound = takeUInt32(count) && skipPositions(count, size);
+        }
+        return sound;
+    }
+
+    std::string_view bytes_;
+};
+
+/// The blob through SpatiaLite's own reader and writer; empty when they fail.
+QByteArray gaiaBlob(const QByteArray& wkb, int srid) {
+    const std::unique_ptr<gaiaGeomColl, GaiaDeleter> collection(gaiaFromWkb(
+        reinterpret_cast<const unsigned char*>(wkb.constData()), static_cast<unsigned int>(wkb.size())));
+    if (!collection) {
+        return QByteArray();
+    }
+    collection->Srid = srid;
+    unsigned char* blob = nullptr;
+    int size = 0;
+    gaiaToSpatiaLiteBlobWkb(collection.get(), &blob, &size);
+    const std::unique_ptr<unsigned char, FreeDeleter> owner(blob);
+    return blob ? QByteArray(reinterpret_cast<const char*>(blob), size) : QByteArray();
+}
+
+void resultBlob(sqlite3_context* context, const QByteArray& blob) {
+    sqlite3_result_blob(context, blob.constData(), blob.size(), SQLITE_TRANSIENT);
+}
+
+QString columnName(const QUuid& uuid) {
+    return uuid.toString(QUuid::Id128);
+}
+
+int decimalType() {
+    static const int type = QMetaType::type("QDecNumber");
+    return type;
+}
+
+} // namespace
+
+gaiaGeomCollStruct* toGaia(const unsigned char* blob, int size) {
+    if (!blob || size <= 0) {
+        return nullptr;
+    }
+    const auto count = static_cast<unsigned int>(size);
+    const std::string_view bytes(reinterpret_cast<const char*>(blob), count);
+    gaiaGeomCollPtr collection = nullptr;
+    if (const auto header = readSpatialiteHeader(bytes); header && isSoundSpatialiteBody(*header)) {
+        collection = gaiaFromSpatiaLiteBlobWkb(blob, count);
+        if (!collection) {
+            collection = gaiaFromSpatiaLiteBlobWkbEx(blob, count, 0, 0);
+        }
+    }
+    if (!collection && isSoundWkb(bytes)) {
+        collection = gaiaFromWkb(blob, count);
+    }
+    if (!collection && FgfCheck(bytes).isSound()) {
+        collection = gaiaFromFgf(blob, count);
+    }
+    return collection;
+}
+
+QByteArray toGaia(const std::shared_ptr<const geometry::Geometry>& geometry, EngineCache* cache) {
+    const QByteArray wkb =
+        geometry::GeometryFactory::toWkb(geometry::linearized(geometry), QSysInfo::LittleEndian);
+    if (wkb.isEmpty()) {
+        return QByteArray();
+    }
+    const std::shared_ptr<cs::CoordSystem> coordSystem = geometry->coordSystem();
+    const int srid = coordSystem ? coordSystem->epsg() : 0;
+    if (cache && srid != 0) {
+        cache->save(srid, coordSystem);
+    }
+    std::string blob;
+    if (appendSpatialiteBlob({wkb.constData(), static_cast<std::size_t>(wkb.size())}, srid, blob)) {
+        return QByteArray(blob.data(), static_cast<int>(blob.size()));
+    }
+    return gaiaBlob(wkb, srid);
+}
+
+void toGaia(const std::shared_ptr<const geometry::Geometry>& geometry, sqlite3_context* context,
+            EngineCache* cache) {
+    const QByteArray blob = toGaia(geometry, cache);
+    if (blob.isEmpty()) {
+        sqlite3_result_null(context);
+        return;
+    }
+    resultBlob(context, blob);
+    if (cache) {
+        cache->save(blob.constData(), static_cast<unsigned int>(blob.size()), geometry);
+    }
+}
+
+QByteArray toOrvGeo(const std::shared_ptr<const geometry::Geometry>& geometry, EngineCache* cache) {
+    return EngineGeometry(geometry).serialize(
+        [cache](const std::shared_ptr<cs::CoordSystem>& coordSystem, const QByteArray& payload) {
+            cache->save(payload, coordSystem);
+        });
+}
+
+void toOrvGeo(const std::shared_ptr<const geometry::Geometry>& geometry, sqlite3_context* context,
+              EngineCache* cache, bool remember) {
+    const QByteArray blob = geometry ? toOrvGeo(geometry, cache) : QByteArray();
+    if (blob.isEmpty()) {
+        sqlite3_result_null(context);
+        return;
+    }
+    resultBlob(context, blob);
+    if (cache && remember) {
+        cache->save(blob.constData(), static_cast<unsigned int>(blob.size()), geometry);
+    }
+}
+
+std::shared_ptr<const geometry::Geometry> toGeometry(sqlite3_context* context, sqlite3_value* value,
+                                                     bool useMemo) {
+    if (sqlite3_value_type(value) != SQLITE_BLOB) {
+        return nullptr;
+    }
+    auto* cache = static_cast<EngineCache*>(sqlite3_user_data(context));
+    const void* data = sqlite3_value_blob(value);
+    return cache->geometryInfo(data, static_cast<unsigned int>(sqlite3_value_bytes(value)), useMemo)
+        .geometry();
+}
+
+std::shared_ptr<cs::CoordSystem> toCS(sqlite3_value* value) {
+    return cs::CoordSysFactory::defaultCoordSysFactory()->createFromTaggedString(toQString(value));
+}
+
+QString toString(const dp::AttributeDefinitionPointer& attribute, EngineCache* cache, char quote) {
+    const dp::AttributeDefinition* definition = attribute.constData();
+    if (const auto* geometry = dynamic_cast<const dp::GeometryAttributeDefinition*>(definition)) {
+        // Without a code there is nothing to remember it by: 0 stands for no coordinate system.
+        if (const auto& coordSystem = geometry->coordSystem(); coordSystem && coordSystem->epsg() != 0) {
+            cache->save(coordSystem->epsg(), coordSystem);
+        }
+        return columnName(GeometryColumnUuid) + QLatin1String(" Blob Null ");
+    }
+    if (dynamic_cast<const dp::RenditionAttributeDefinition*>(definition)) {
+        return columnName(StyleColumnUuid) + QLatin1String(" Text Null ");
+    }
+    QString text = escapeString(definition->name(), quote) + QLatin1Char(' ') + sqlName(definition->type());
+    if (const auto* simple = dynamic_cast<const dp::SimpleAttributeDefinition*>(definition)) {
+        if (simple->type() == QMetaType::QString) {
+            text += QStringLiteral("(%1) Collate Locale").arg(simple->length());
+        } else if (simple->type() == decimalType()) {
+            text += QStringLiteral("(%1, %2) ").arg(simple->length()).arg(simple->precision());
+        }
+        if (simple->isUnique()) {
+            text += QLatin1String(" Unique ");
+        }
+    }
+    return text;
+}
+
+} // namespace orvane::engine
