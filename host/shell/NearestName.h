@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace orvane::shell {
+
+/// The known name that a user most probably meant: the one that takes the fewest changes of single characters
+/// (sql::editDistance), provided that they are no more than a third of the shorter name. Empty when none is
+/// near enough; of equally near ones the first.
+QString nearestName(const QString& word, const QStringList& known);
+
+} // namespace orvane::shell

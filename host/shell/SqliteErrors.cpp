@@ -1,0 +1,295 @@
+#include "host/shell/SqliteErrors.h"
+
+#include "host/adaptor/FunctionRegistry.h"
+#include "host/shell/NearestName.h"
+#include "host/shell/Shell.h"
+
+#include "platform/sql/SqlStrings.h"
+
+#include <QRegularExpression>
+
+#include <algorithm>
+
+namespace orvane::shell {
+
+namespace {
+
+/// Messages that name nothing in the text, or nothing that could be looked up. "%1" takes what the pattern
+/// captures.
+struct PlainMessage {
+    const char* pattern;
+    const char* text;
+};
+
+constexpr PlainMessage plainMessages[] = {
+    {"^misuse of (?:aliased )?(?:aggregate|window function)(?: function)?:? ?(\\w+)",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell",
+                       "функция %1 здесь недопустима: она считает по многим строкам")},
+    {"^no such collation sequence: (.*)$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "нет порядка сравнения «%1»")},
+    {"^no such window: (.*)$", QT_TRANSLATE_NOOP("orvane::shell::Shell", "нет окна «%1»")},
+    {"^(.*)\\(\\) may not be used as a window function$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "функция %1 не может быть оконной")},
+    {"^FILTER may not be used with non-aggregate (.*)\\(\\)$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell",
+                       "Filter недопустим с функцией %1: она не считает по многим строкам")},
+    {"^DISTINCT aggregates must have exactly one argument$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "с Distinct функция принимает ровно один аргумент")},
+    {"^DISTINCT is not supported for window functions$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "Distinct недопустим в оконной функции")},
+    {"^SELECTs to the left and right of (.*) do not have the same number of result columns$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "запросы по обе стороны %1 дают разное число столбцов")},
+    {"^sub-select returns (.*) columns - expected (?:\\d+)$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell",
+                       "вложенный запрос даёт столбцов: %1, здесь нужно другое число")},
+    {"^row value misused$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "составное значение здесь недопустимо")},
+    {"^(\\S+) (?:ORDER|GROUP) BY term out of range",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell",
+                       "столбца с таким номером в запросе нет (%1 выражение сортировки или группы)")},
+    {"^(\\S+) ORDER BY term does not match any column in the result set$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "%1 выражение сортировки должно быть столбцом результата")},
+    {"^cannot join using column (.*) - column not present in both tables$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "столбец «%1» из Using есть не в обеих таблицах")},
+    {"^HAVING clause on a non-aggregate query$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "Having без Group By и без функций по многим строкам")},
+    {"^table (.*) may not be modified$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "таблица «%1» только для чтения")},
+    {"^table (.*) has no column named",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "в таблице «%1» нет такого столбца")},
+    {"^table (.*) already exists$", QT_TRANSLATE_NOOP("orvane::shell::Shell", "таблица «%1» уже есть")},
+    {"^(.*) values for (?:\\d+) columns$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "число значений (%1) не равно числу столбцов")},
+    {"^no tables specified$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "звёздочка требует таблицы после From")},
+    {"^Expression tree is too large", QT_TRANSLATE_NOOP("orvane::shell::Shell", "выражение слишком велико")},
+    {"^at most (\\d+) tables in a join$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "в одном запросе можно соединить не больше %1 таблиц")},
+    {"^circular reference: (.*)$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "запрос «%1» ссылается на самого себя")},
+    {"^integer overflow$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "сумма целых чисел не помещается в 64 бита")},
+    {"^Division by zero$", QT_TRANSLATE_NOOP("orvane::shell::Shell", "деление на ноль")},
+    {"^string or blob too big$", QT_TRANSLATE_NOOP("orvane::shell::Shell", "значение больше миллиарда байт")},
+    {"^out of memory$", QT_TRANSLATE_NOOP("orvane::shell::Shell", "не хватает памяти")},
+    {"^near \"(.*)\": syntax error$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "ошибка в тексте возле «%1»")},
+};
+
+QString withSuggestion(const QString& message, const QString& nearest) {
+    return nearest.isEmpty() ? message : Shell::tr("%0; возможно, имелось в виду «%1»").arg(message, nearest);
+}
+
+bool isName(const sql::Token& token) {
+    return token.kind == sql::TokenKind::Word || token.kind == sql::TokenKind::QuotedName;
+}
+
+/// Whether the user's word stands for that name of the engine database.
+bool means(const QString& word, const QString& name) {
+    const auto same = [&word](const QString& other) { return word.compare(other, Qt::CaseInsensitive) == 0; };
+    if (same(name) || same(userFunctionName(name)))
+        return true;
+    const QString column = userColumnName(name);
+    return same(column) ||
+           (column != name && same(column == QLatin1String("obj") ? QStringLiteral("object")
+                                                                  : QStringLiteral("tr$$_rendition")));
+}
+
+std::size_t charactersIn(const std::string& utf8, int bytes) {
+    if (bytes < 0)
+        return std::string::npos;
+    std::wstring characters;
+    sql::appendUtf8(characters, std::string_view(utf8).substr(0, static_cast<std::size_t>(bytes)));
+    return characters.size();
+}
+
+} // namespace
+
+SqliteErrors::SqliteErrors(const sql::TokenizedText& statement, std::string sqliteText, int errorOffset,
+                           const Names& names)
+    : statement_(statement), sqliteText_(sql::tokenize(sqliteText)),
+      errorOffset_(charactersIn(sqliteText, errorOffset)), names_(names) {}
+
+Problem SqliteErrors::explain(const QString& message) const {
+    using Explain = Problem (SqliteErrors::*)(const QString&) const;
+    static constexpr std::pair<const char*, Explain> named[] = {
+        {"^no such table: (?:main\\.|temp\\.)?(.*)$", &SqliteErrors::missingTable},
+        {"^no such column: (.*)$", &SqliteErrors::missingColumn},
+        {"^no such function: (.*)$", &SqliteErrors::missingFunction},
+        {"^wrong number of arguments to function (.*)\\(\\)$", &SqliteErrors::wrongArguments},
+        {"^ambiguous column name: (.*)$", &SqliteErrors::ambiguousColumn},
+    };
+    for (const auto& [pattern, explainName] : named) {
+        const auto match = QRegularExpression(QLatin1String(pattern)).match(message);
+        if (match.hasMatch())
+            return (this->*explainName)(match.captured(1));
+    }
+    for (const PlainMessage& plain : plainMessages) {
+        const auto match = QRegularExpression(QLatin1String(plain.pattern)).match(message);
+        if (!match.hasMatch())
+            continue;
+        const QString name = match.captured(1);
+        const QString text = Shell::tr(plain.text);
+        const auto place = name.isEmpty() ? std::nullopt : placeOf(name, Role::Function);
+        return {text.contains(QLatin1String("%1")) ? text.arg(userFunctionName(name)) : text,
+                place || name.isEmpty() ? place : placeOf(name, Role::Table)};
+    }
+    return {message, std::nullopt};
+}
+
+Problem SqliteErrors::missingTable(const QString& name) const {
+    const QStringList tables = names_.tables();
+    if (tables.isEmpty())
+        return {Shell::tr("нет таблицы «%0»: ни один файл не открыт").arg(name), placeOf(name, Role::Table)};
+    return {withSuggestion(Shell::tr("нет таблицы «%0»").arg(name), nearestName(name, tables)),
+            placeOf(name, Role::Table)};
+}
+
+Problem SqliteErrors::missingColumn(const QString& name) const {
+    const int dot = name.lastIndexOf(QLatin1Char('.'));
+    const QString qualifier = name.left(std::max(dot, 0));
+    const QString column = userColumnName(name.mid(dot + 1));
+    if (!qualifier.isEmpty()) {
+        const QString table = tableBehind(qualifier);
+        if (table.isEmpty() && !isDeclared(qualifier)) {
+            const QString message =
+                Shell::tr("нет таблицы «%0», из которой берётся столбец «%1»").arg(qualifier, column);
+            return {message, placeOf(name, Role::Column)};
+        }
+        const QString message =
+            Shell::tr("в таблице «%0» нет столбца «%1»").arg(table.isEmpty() ? qualifier : table, column);
+        return {withSuggestion(message, nearestName(column, names_.columns(table))),
+                placeOf(name, Role::Column)};
+    }
+    QStringList known;
+    for (const QString& table : tablesOfStatement())
+        known += names_.columns(table);
+    return {withSuggestion(Shell::tr("нет столбца «%0»").arg(column), nearestName(column, known)),
+            placeOf(name, Role::Column)};
+}
+
+Problem SqliteErrors::missingFunction(const QString& name) const {
+    return {withSuggestion(Shell::tr("нет функции «%0»").arg(userFunctionName(name)),
+                           nearestName(name, names_.functions())),
+            placeOf(name, Role::Function)};
+}
+
+Problem SqliteErrors::wrongArguments(const QString& name) const {
+    QString message = Shell::tr("у функции %0 не столько аргументов").arg(userFunctionName(name));
+    for (const adaptor::FunctionRecord& record : adaptor::allFunctionRecords()) {
+        if (name.compare(QLatin1String(record.name), Qt::CaseInsensitive) == 0 && record.signature) {
+            message =
+                Shell::tr("%0; она вызывается как %1").arg(message, QString::fromUtf8(record.signature));
+            break;
+        }
+    }
+    return {message, placeOf(name, Role::Function)};
+}
+
+Problem SqliteErrors::ambiguousColumn(const QString& name) const {
+    const QString column = userColumnName(name.section(QLatin1Char('.'), -1));
+    return {Shell::tr("столбец «%0» есть в нескольких таблицах: укажите таблицу перед ним").arg(column),
+            placeOf(name, Role::Column)};
+}
+
+std::optional<TextPlace> SqliteErrors::placeOf(const QString& name, Role role) const {
+    if (const auto whole = placeOfPath({name}, role))
+        return whole;
+    // A dot may separate names or belong to one.
+    for (int dot = name.indexOf(QLatin1Char('.')); dot >= 0; dot = name.indexOf(QLatin1Char('.'), dot + 1)) {
+        if (const auto parts = placeOfPath({name.left(dot), name.mid(dot + 1)}, role))
+            return parts;
+    }
+    return std::nullopt;
+}
+
+std::optional<TextPlace> SqliteErrors::placeOfPath(const QStringList& path, Role role) const {
+    const std::vector<std::size_t> written = occurrences(statement_, path, role);
+    if (written.empty())
+        return std::nullopt;
+    // Where the name occurs more than once, the translation keeps their order: the one SQLite points at
+    // counts.
+    const std::vector<std::size_t> translated = occurrences(sqliteText_, path, role);
+    std::size_t chosen = 0;
+    for (std::size_t i = 0; translated.size() == written.size() && i < written.size(); ++i) {
+        const sql::Token& first = sqliteText_.tokens[translated[i]];
+        const sql::Token& last =
+            sqliteText_.tokens[translated[i] + 2 * (static_cast<std::size_t>(path.size()) - 1)];
+        if (errorOffset_ >= first.offset && errorOffset_ < last.offset + last.length)
+            chosen = i;
+    }
+    return placeOfTokens(written[chosen], written[chosen] + 2 * (static_cast<std::size_t>(path.size()) - 1));
+}
+
+TextPlace SqliteErrors::placeOfTokens(std::size_t first, std::size_t last) const {
+    const sql::Token& begin = statement_.tokens[first];
+    const sql::Token& end = statement_.tokens[last];
+    const sql::TextPosition position = statement_.position(begin.offset);
+    return {position.line, position.column, static_cast<int>(end.offset + end.length - begin.offset)};
+}
+
+std::vector<std::size_t> SqliteErrors::occurrences(const sql::TokenizedText& text, const QStringList& path,
+                                                   Role role) const {
+    const auto& tokens = text.tokens;
+    const auto length = 2 * static_cast<std::size_t>(path.size()) - 1; // names and the dots between them
+    std::vector<std::size_t> found;
+    for (std::size_t start = 0; start + length < tokens.size(); ++start) {
+        bool fits = true;
+        for (std::size_t i = 0; i < length && fits; ++i) {
+            const sql::Token& token = tokens[start + i];
+            fits = i % 2 == 1 ? token.kind == sql::TokenKind::Dot
+                              : isName(token) && means(sql::fromSqlString(text.value(token)),
+                                                       path[static_cast<int>(i / 2)]);
+        }
+        const bool isCall = tokens[start + length].kind == sql::TokenKind::LeftParenthesis;
+        const bool isQualifier = tokens[start + length].kind == sql::TokenKind::Dot;
+        const bool isQualified = start > 0 && tokens[start - 1].kind == sql::TokenKind::Dot;
+        if (fits && isCall == (role == Role::Function) && !isQualifier && !isQualified)
+            found.push_back(start);
+    }
+    return found;
+}
+
+QString SqliteErrors::tableBehind(const QString& alias) const {
+    const QStringList tables = names_.tables();
+    const auto& tokens = statement_.tokens;
+    for (std::size_t i = 0; i + 1 < tokens.size(); ++i) {
+        if (!isName(tokens[i]))
+            continue;
+        const QString table = sql::fromSqlString(statement_.value(tokens[i]));
+        if (!tables.contains(table, Qt::CaseInsensitive))
+            continue;
+        std::size_t next = i + 1;
+        if (tokens[next].keyword == sql::Keyword::As && next + 1 < tokens.size())
+            ++next;
+        const bool isAlias =
+            isName(tokens[next]) &&
+            sql::fromSqlString(statement_.value(tokens[next])).compare(alias, Qt::CaseInsensitive) == 0;
+        if (isAlias || table.compare(alias, Qt::CaseInsensitive) == 0)
+            return table;
+    }
+    return {};
+}
+
+bool SqliteErrors::isDeclared(const QString& alias) const {
+    const auto& tokens = statement_.tokens;
+    for (std::size_t i = 0; i + 1 < tokens.size(); ++i) {
+        if (isName(tokens[i]) && tokens[i + 1].kind != sql::TokenKind::Dot &&
+            sql::fromSqlString(statement_.value(tokens[i])).compare(alias, Qt::CaseInsensitive) == 0)
+            return true;
+    }
+    return false;
+}
+
+QStringList SqliteErrors::tablesOfStatement() const {
+    QStringList used;
+    const QStringList tables = names_.tables();
+    for (const sql::Token& token : statement_.tokens) {
+        const QString name = isName(token) ? sql::fromSqlString(statement_.value(token)) : QString();
+        if (tables.contains(name, Qt::CaseInsensitive) && !used.contains(name, Qt::CaseInsensitive))
+            used += name;
+    }
+    return used;
+}
+
+} // namespace orvane::shell

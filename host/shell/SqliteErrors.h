@@ -1,0 +1,52 @@
+#pragma once
+
+#include "host/shell/Names.h"
+#include "host/shell/Problem.h"
+
+#include "platform/sql/Lexer.h"
+
+#include <string>
+#include <vector>
+
+namespace orvane::shell {
+
+/// Puts what SQLite says about a translated statement into the user's terms: the user's names, the user's
+/// language, the place in the user's text, and the nearest known name for one that is unknown.
+class SqliteErrors {
+public:
+    /// `statement` is the user's text, `sqliteText` what SQLite was given for it, `errorOffset` where in that
+    /// SQLite sees the fault (sqlite3_error_offset, in bytes, -1 for unknown).
+    SqliteErrors(const sql::TokenizedText& statement, std::string sqliteText, int errorOffset,
+                 const Names& names);
+
+    Problem explain(const QString& message) const;
+
+private:
+    enum class Role { Table, Column, Function };
+
+    Problem missingTable(const QString& name) const;
+    Problem missingColumn(const QString& name) const;
+    Problem missingFunction(const QString& name) const;
+    Problem wrongArguments(const QString& name) const;
+    Problem ambiguousColumn(const QString& name) const;
+
+    /// Where the user wrote a name, given as SQLite knows it ("a.b" for a column of a table).
+    std::optional<TextPlace> placeOf(const QString& name, Role role) const;
+    std::optional<TextPlace> placeOfPath(const QStringList& path, Role role) const;
+    TextPlace placeOfTokens(std::size_t first, std::size_t last) const;
+    /// The tokens at which a name begins.
+    std::vector<std::size_t> occurrences(const sql::TokenizedText& text, const QStringList& path,
+                                         Role role) const;
+    /// The table that an alias, or the table's own name, stands for in the statement; empty when it is none.
+    QString tableBehind(const QString& alias) const;
+    /// Whether the statement gives that name to anything: a derived table, for instance.
+    bool isDeclared(const QString& alias) const;
+    QStringList tablesOfStatement() const;
+
+    const sql::TokenizedText& statement_;
+    sql::TokenizedText sqliteText_;
+    std::size_t errorOffset_; ///< in characters of sqliteText_, npos for unknown
+    const Names& names_;
+};
+
+} // namespace orvane::shell

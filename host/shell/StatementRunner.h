@@ -1,0 +1,75 @@
+#pragma once
+
+#include "host/shell/Problem.h"
+#include "host/shell/ResultWriter.h"
+#include "host/shell/Session.h"
+
+#include "platform/sql/Lexer.h"
+
+#include <chrono>
+#include <string>
+
+namespace orvane::shell {
+
+class Interrupt;
+
+/// How a statement, or a text with several, ended.
+enum class Outcome { Done, Failed, Cancelled };
+
+/// Runs statements and writes their results. Messages, times and progress go to standard error. Used from the
+/// thread of the engine; nothing given to the constructor is owned.
+class StatementRunner {
+public:
+    struct Settings {
+        WriterSettings writer;
+        bool translateOnly = false; ///< write the SQLite text instead of running it
+        bool sqlite = false;        ///< the texts are SQLite's already
+        bool timing = false;
+    };
+
+    StatementRunner(Session& session, Settings settings, Output& output, const Interrupt& interrupt);
+
+    Settings& settings() { return settings_; }
+    /// Runs the statements of a text in turn, up to the first that does not succeed.
+    Outcome run(const StatementText& text);
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    /// What --timing shows.
+    struct Times {
+        Clock::time_point begin = Clock::now();
+        double translateMs = 0;
+        double prepareMs = 0;
+        double firstRowMs = 0; ///< from the beginning, as total_ms; that one when there is no row
+        std::int64_t rows = 0;
+    };
+
+    /// The statement that runs.
+    struct Statement {
+        const StatementText& source;
+        std::string text; ///< the user's
+        TextPlace start;  ///< of that text in the source
+        Times times = {};
+    };
+
+    Outcome runDialect(Statement& statement);
+    /// The SQLite text; empty, and the reason is reported, when there is none.
+    std::string translate(const Statement& statement);
+    /// Runs the SQLite statements of a text. They count as one statement, unless the user wrote them.
+    Outcome runSqlite(Statement& statement, const std::string& sqliteText);
+    Outcome execute(Statement& statement, sqlite3_stmt* prepared, const sql::TokenizedText& userText);
+    Outcome finish(Statement& statement);
+
+    /// Reports what the database says; `offset` is where the failed one of the SQLite statements begins.
+    Outcome failSqlite(const Statement& statement, const std::string& sqliteText, std::size_t offset);
+    Outcome fail(const Statement& statement, Problem problem);
+    Outcome cancel();
+
+    Session& session_;
+    Settings settings_;
+    Output& output_;
+    const Interrupt& interrupt_;
+};
+
+} // namespace orvane::shell
