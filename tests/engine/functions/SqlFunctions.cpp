@@ -59,7 +59,8 @@ SqlFunctions::SqlFunctions() {
 
 std::vector<adaptor::FunctionRecord> SqlFunctions::records() {
     std::vector<adaptor::FunctionRecord> all;
-    for (const auto family : {adaptor::arithmeticRecords(), adaptor::textRecords()}) {
+    for (const auto family : {adaptor::arithmeticRecords(), adaptor::textRecords(), adaptor::dateTimeRecords(),
+                              adaptor::formatRecords()}) {
         all.insert(all.end(), family.begin(), family.end());
     }
     return all;

@@ -1,0 +1,61 @@
+#include "host/adaptor/functions/ScalarRecord.h"
+
+#include <orvane/engine/functions/DateTime.h>
+
+namespace orvane::adaptor {
+
+namespace {
+
+constexpr const char* group = "Date and time";
+constexpr Arity none = Arity::exactly(0);
+constexpr Arity one = Arity::exactly(1);
+
+const FunctionRecord records[] = {
+    environmentFunction("CurDate", group, none, engine::curDate,
+                        {"CurDate()", "Today's date.", "CurDate()", nullptr}),
+    environmentFunction("CurTime", group, none, engine::curTime,
+                        {"CurTime()", "The current local time.", "CurTime()", nullptr}),
+    environmentFunction("CurDateTime", group, none, engine::curDateTime,
+                        {"CurDateTime()", "The current local date and time.", "CurDateTime()", nullptr}),
+    environmentFunction(
+        "StringToDate", group, one, engine::stringToDate,
+        {"StringToDate(text)",
+         "The date, the time or both in a free text, in Russian or English; what a date lacks comes "
+         "from today.",
+         "StringToDate('15 марта 2021 12:30')", "2021-03-15 12:30:00.000"}),
+    environmentFunction(
+        "NumberToDate", group, one, engine::numberToDate,
+        {"NumberToDate(number)",
+         "The date of a number: yyyymmdd, Unix seconds, Windows file time, or spreadsheet days.",
+         "NumberToDate(20210315)", "2021-03-15"}),
+    pureFunction("Day", group, one, engine::day,
+                 {"Day(date)", "The day of the month of a date.", "Day('2021-03-15')", "15"}),
+    pureFunction("Month", group, one, engine::month,
+                 {"Month(date)", "The month of a date, 1 to 12.", "Month('2021-03-15')", "3"}),
+    pureFunction("Year", group, one, engine::year,
+                 {"Year(date)", "The year of a date.", "Year('2021-03-15')", "2021"}),
+    pureFunction("Weekday", group, one, engine::weekday,
+                 {"Weekday(date)", "The day of the week, 0 for Sunday to 6 for Saturday.",
+                  "Weekday('2021-03-15')", "1"}),
+    pureFunction("Hour", group, one, engine::hour,
+                 {"Hour(time)", "The hour of a time, 0 to 23.", "Hour('12:30:45.250')", "12"}),
+    pureFunction("Minute", group, one, engine::minute,
+                 {"Minute(time)", "The minute of a time.", "Minute('12:30:45.250')", "30"}),
+    pureFunction(
+        "Second", group, one, engine::second,
+        {"Second(time)", "The second of a time with its fraction.", "Second('12:30:45.250')", "45.25"}),
+    pureFunction("GetDate", group, one, engine::getDate,
+                 {"GetDate(dateTime)", "The date of a date and time.", "GetDate('2021-03-15 12:30:00')",
+                  "2021-03-15"}),
+    pureFunction("GetTime", group, one, engine::getTime,
+                 {"GetTime(dateTime)", "The time of a date and time.", "GetTime('2021-03-15 12:30:00')",
+                  "12:30:00.000"}),
+};
+
+} // namespace
+
+std::span<const FunctionRecord> dateTimeRecords() {
+    return records;
+}
+
+} // namespace orvane::adaptor
