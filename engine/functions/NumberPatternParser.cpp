@@ -69,7 +69,7 @@ private:
         case '%': scaledLiteral(character, 2); break;
         case perMille.unicode(): scaledLiteral(character, 3); break;
         case 'E':
-        case 'e': exponentLetter(); break;
+        case 'e': exponentLetter(character); break;
         case ';':
             closeRun(PatternLiteral::Suffix);
             startSection();
@@ -128,13 +128,16 @@ private:
         literal(character);
     }
 
-    void exponentLetter() {
+    void exponentLetter(QChar character) {
+        if (atStart_) { // no number to have one: a word
+            literal(character);
+            return;
+        }
         closeRun(run_.kind == PatternLiteral::Prefix ? PatternLiteral::Prefix
                                                      : PatternLiteral::BeforeExponent);
         if (section().exponent) {
             reject();
         }
-        atStart_ = false;
         section().exponent = true;
     }
 
