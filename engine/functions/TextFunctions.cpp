@@ -3,6 +3,8 @@
 #include "Barrier.h"
 #include "TextArguments.h"
 #include "Utf8.h"
+#include "platform/geometry/GeoSqlType.h"
+#include <orvane/engine/GeometryConversions.h>
 #include <orvane/engine/functions/Converters.h>
 
 #include <QLocale>
@@ -69,6 +71,11 @@ QString shortText(sqlite3_value* value) {
         return time.toString(Qt::ISODateWithMs);
     }
     return toQString(value);
+}
+
+QString geometryType(sqlite3_context* context, sqlite3_value* value) {
+    const auto geometry = toGeometry(context, value, true);
+    return geometry != nullptr ? sql::geoSqlType(*geometry) : QString();
 }
 
 } // namespace
@@ -231,7 +238,7 @@ void strUTF16(sqlite3_context* context, int, sqlite3_value** values) {
             resultText(context, QString::number(sqlite3_value_double(values[0]), 'g', 6));
             break;
         case SQLITE_TEXT: resultText(context, shortText(values[0])); break;
-        case SQLITE_BLOB: resultText(context, {}); break;
+        case SQLITE_BLOB: resultText(context, geometryType(context, values[0])); break;
         default: break;
         }
     });

@@ -49,7 +49,7 @@ SqlFunctions::SqlFunctions() {
     for (const adaptor::FunctionRecord& record : records()) {
         const int flags = record.encoding | (record.deterministic ? SQLITE_DETERMINISTIC : 0);
         for (int arity = record.arity.minimum; arity <= record.arity.maximum; ++arity) {
-            if (sqlite3_create_function_v2(database, record.name, arity, flags, nullptr, record.scalar,
+            if (sqlite3_create_function_v2(database, record.name, arity, flags, &cache_, record.scalar,
                                            record.step, record.final, nullptr) != SQLITE_OK) {
                 throw std::runtime_error(record.name);
             }
@@ -59,8 +59,8 @@ SqlFunctions::SqlFunctions() {
 
 std::vector<adaptor::FunctionRecord> SqlFunctions::records() {
     std::vector<adaptor::FunctionRecord> all;
-    for (const auto family : {adaptor::arithmeticRecords(), adaptor::textRecords(), adaptor::dateTimeRecords(),
-                              adaptor::formatRecords()}) {
+    for (const auto family : {adaptor::arithmeticRecords(), adaptor::textRecords(),
+                              adaptor::dateTimeRecords(), adaptor::formatRecords()}) {
         all.insert(all.end(), family.begin(), family.end());
     }
     return all;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/adaptor/FunctionRecord.h"
+#include <orvane/engine/EngineCache.h>
 
 #include <QString>
 
@@ -9,7 +10,7 @@
 
 namespace orvane::test {
 
-/// An in-memory database with the functions of these families, and no engine cache.
+/// An in-memory database with the functions of these families.
 class SqlFunctions {
 public:
     SqlFunctions();
@@ -28,6 +29,10 @@ private:
     struct Close {
         void operator()(sqlite3* database) const { sqlite3_close(database); }
     };
+    struct Cache : engine::EngineCache {
+        std::shared_ptr<cs::CoordSystem> tableCS(const QString&) override { return nullptr; }
+    };
+    Cache cache_;
     std::unique_ptr<sqlite3, Close> database_;
 };
 

@@ -50,6 +50,7 @@ TEST_P(TablesTest, EveryLineHolds) {
     EXPECT_GT(checked, 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Functions, TablesTest, testing::Values("arithmetic.txt", "text.txt", "dates.txt", "formats.txt"));
+INSTANTIATE_TEST_SUITE_P(Functions, TablesTest,
+                         testing::Values("arithmetic.txt", "text.txt", "dates.txt", "formats.txt"));
 
 } // namespace
