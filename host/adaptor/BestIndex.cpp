@@ -1,0 +1,232 @@
+#include "host/adaptor/TermFilter.h"
+#include "host/adaptor/VirtualTable.h"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+#include <optional>
+
+namespace orvane::adaptor {
+
+namespace {
+
+using dp::Comparison;
+using Kind = TableDeclaration::Kind;
+
+/// Rows of a table whose size nobody knows.
+constexpr double assumedRows = 100'000;
+/// What fetching one row by its identifier costs, in rows of a scan.
+constexpr double fetchCost = 10;
+/// The share of a layer that stands in a relation to one geometry.
+constexpr double relatedShare = 0.01;
+
+std::optional<Comparison> comparisonOf(unsigned char operation) {
+    switch (operation) {
+    case SQLITE_INDEX_CONSTRAINT_EQ: return Comparison::Equal;
+    case SQLITE_INDEX_CONSTRAINT_GT: return Comparison::Greater;
+    case SQLITE_INDEX_CONSTRAINT_LE: return Comparison::LessOrEqual;
+    case SQLITE_INDEX_CONSTRAINT_LT: return Comparison::Less;
+    case SQLITE_INDEX_CONSTRAINT_GE: return Comparison::GreaterOrEqual;
+    case SQLITE_INDEX_CONSTRAINT_NE: return Comparison::NotEqual;
+    case SQLITE_INDEX_CONSTRAINT_IS: return Comparison::Is;
+    case SQLITE_INDEX_CONSTRAINT_ISNOT: return Comparison::IsNot;
+    case SQLITE_INDEX_CONSTRAINT_ISNULL: return Comparison::IsNull;
+    case SQLITE_INDEX_CONSTRAINT_ISNOTNULL: return Comparison::IsNotNull;
+    default: return std::nullopt;
+    }
+}
+
+std::optional<dp::TextCollation> collationOf(const char* name) {
+    if (sqlite3_stricmp(name, "BINARY") == 0) {
+        return dp::TextCollation::Binary;
+    }
+    if (sqlite3_stricmp(name, "NOCASE") == 0) {
+        return dp::TextCollation::NoCase;
+    }
+    if (sqlite3_stricmp(name, "Locale") == 0) {
+        return dp::TextCollation::Locale;
+    }
+    return std::nullopt;
+}
+
+/// The share of rows that a term lets pass, as far as nothing is known of the values.
+double selectivity(Comparison comparison) {
+    switch (comparison) {
+    case Comparison::Equal:
+    case Comparison::Is:
+    case Comparison::IsNull: return 0.05;
+    case Comparison::In: return 0.2;
+    case Comparison::NotEqual:
+    case Comparison::IsNot:
+    case Comparison::IsNotNull: return 0.9;
+    default: return 0.33;
+    }
+}
+
+dp::ScanValue scanValue(sqlite3_value* value) {
+    switch (sqlite3_value_type(value)) {
+    case SQLITE_INTEGER: return sqlite3_value_int64(value);
+    case SQLITE_FLOAT: return sqlite3_value_double(value);
+    case SQLITE_TEXT: return std::string(); // only the kind matters here
+    default: return {};
+    }
+}
+
+/// Fills the answer to one xBestIndex call.
+class Planner {
+public:
+    Planner(const VirtualTable& table, sqlite3_index_info& info)
+        : table_(table.table()), declaration_(table.declaration()), info_(info),
+          rows_(std::max(1.0, static_cast<double>(
+                                  table_.featureCount().value_or(static_cast<std::int64_t>(assumedRows))))),
+          passing_(rows_), scanned_(rows_) {
+        plan_.columnsUsed = info.colUsed;
+    }
+
+    void run() {
+        for (int i = 0; i < info_.nConstraint; ++i) {
+            const unsigned char operation = constraint(i).op;
+            conditions_ +=
+                operation != SQLITE_INDEX_CONSTRAINT_LIMIT && operation != SQLITE_INDEX_CONSTRAINT_OFFSET;
+            if (constraint(i).usable) {
+                take(i);
+            }
+        }
+        takeRowNumber();
+        takeRelation();
+        takeLimit();
+        store();
+    }
+
+private:
+    const sqlite3_index_info::sqlite3_index_constraint& constraint(int i) const {
+        return info_.aConstraint[i];
+    }
+
+    void hand(int i, bool omit) {
+        info_.aConstraintUsage[i].argvIndex = ++arguments_;
+        info_.aConstraintUsage[i].omit = omit;
+    }
+
+    void take(int i) {
+        const int column = constraint(i).iColumn;
+        const std::optional<Comparison> comparison = comparisonOf(constraint(i).op);
+        if (constraint(i).op == SQLITE_INDEX_CONSTRAINT_LIMIT) {
+            limit_ = i;
+        } else if (constraint(i).op == SQLITE_INDEX_CONSTRAINT_OFFSET) {
+            offset_ = i;
+        } else if (column < 0 && comparison == Comparison::Equal) {
+            rowNumber_ = i;
+        } else if (constraint(i).op >= SQLITE_INDEX_CONSTRAINT_FUNCTION) {
+            relation_ = column == declaration_.geometryColumn() ? i : relation_;
+        } else if (column >= 0 && comparison) {
+            takeTerm(i, declaration_.columns()[static_cast<std::size_t>(column)], *comparison);
+        }
+    }
+
+    void takeTerm(int i, const TableDeclaration::Column& column, Comparison comparison) {
+        const bool nullTest = comparison == Comparison::IsNull || comparison == Comparison::IsNotNull;
+        if (column.attribute < 0 || (!nullTest && column.kind != Kind::Number && column.kind != Kind::Text)) {
+            return;
+        }
+        const auto collation = collationOf(sqlite3_vtab_collation(&info_, i));
+        if (!collation) {
+            return;
+        }
+        if (comparison == Comparison::Equal && sqlite3_vtab_in(&info_, i, 1)) {
+            comparison = Comparison::In;
+        }
+        // SQLite does not say under which collation <> and Is Not compare texts. Binary lets too many rows
+        // pass.
+        const bool knownCollation = column.kind == Kind::Number ||
+                                    (comparison != Comparison::NotEqual && comparison != Comparison::IsNot);
+        sqlite3_value* operand = nullptr;
+        const bool exact = nullTest || (comparison != Comparison::In && knownCollation &&
+                                        sqlite3_vtab_rhs_value(&info_, i, &operand) == SQLITE_OK &&
+                                        TermFilter::isExact(column.kind == Kind::Text, scanValue(operand)));
+        hand(i, exact);
+        plan_.terms.push_back({constraint(i).iColumn, comparison, *collation});
+        const bool single =
+            column.unique && (comparison == Comparison::Equal || comparison == Comparison::Is);
+        const double share = single ? 1 / rows_ : selectivity(comparison);
+        passing_ *= share;
+        unique_ = unique_ || single;
+        if (table_.usesTerm(column.attribute, comparison, *collation)) {
+            scanned_ *= share;
+        }
+    }
+
+    void takeRowNumber() {
+        if (rowNumber_ < 0) {
+            return;
+        }
+        const bool list = sqlite3_vtab_in(&info_, rowNumber_, 1) != 0;
+        hand(rowNumber_, false);
+        plan_.rowNumber = list ? ScanPlan::RowNumber::In : ScanPlan::RowNumber::Equal;
+        passing_ = std::min(passing_, list ? 25.0 : 1.0);
+        scanned_ = passing_ * fetchCost;
+        unique_ = unique_ || !list;
+    }
+
+    /// The cursor tests the relation exactly as the function would, so that SQLite need not call it.
+    void takeRelation() {
+        if (relation_ < 0 || rowNumber_ >= 0) {
+            return;
+        }
+        plan_.relation =
+            static_cast<SpatialRelation>(constraint(relation_).op - SQLITE_INDEX_CONSTRAINT_FUNCTION);
+        hand(relation_, true);
+        passing_ = std::max(1.0, passing_ * relatedShare);
+        scanned_ = passing_ * fetchCost;
+    }
+
+    /// A limit counts rows of the result. They are rows of the scan only when nothing sorts or drops rows
+    /// after it.
+    void takeLimit() {
+        if (limit_ < 0 || info_.nOrderBy > 0 || conditions_ > 0) {
+            return;
+        }
+        plan_.limit = true;
+        hand(limit_, false);
+        if (offset_ >= 0) {
+            plan_.offset = true;
+            hand(offset_, false);
+        }
+    }
+
+    void store() {
+        const std::string text = plan_.toText();
+        info_.idxStr = static_cast<char*>(sqlite3_malloc64(text.size() + 1));
+        if (!info_.idxStr) {
+            throw std::bad_alloc();
+        }
+        std::memcpy(info_.idxStr, text.c_str(), text.size() + 1);
+        info_.needToFreeIdxStr = 1;
+        info_.estimatedRows = static_cast<sqlite3_int64>(std::max(1.0, passing_));
+        info_.estimatedCost = 1 + scanned_ + passing_;
+        info_.idxFlags = unique_ ? SQLITE_INDEX_SCAN_UNIQUE : 0;
+    }
+
+    dp::Table& table_;
+    const TableDeclaration& declaration_;
+    sqlite3_index_info& info_;
+    ScanPlan plan_;
+    const double rows_;
+    double passing_; ///< rows that the terms let pass
+    double scanned_; ///< rows that have to be read for it
+    bool unique_ = false;
+    int arguments_ = 0;
+    int conditions_ = 0; ///< constraints on columns, taken over or not
+    int limit_ = -1;
+    int offset_ = -1;
+    int rowNumber_ = -1;
+    int relation_ = -1;
+};
+
+} // namespace
+
+void VirtualTable::plan(sqlite3_index_info& info) const {
+    Planner(*this, info).run();
+}
+
+} // namespace orvane::adaptor

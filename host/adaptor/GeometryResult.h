@@ -1,0 +1,35 @@
+#pragma once
+
+#include <sqlite3.h>
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace orvane::cs {
+class CoordSystem;
+}
+namespace orvane::engine {
+class EngineCache;
+}
+
+namespace orvane::adaptor {
+
+/// Turns the well-known binary of a table's geometries into the blobs that SQLite sees: SpatiaLite's where
+/// that loses nothing, else the engine's own.
+class GeometryResult {
+public:
+    GeometryResult(std::shared_ptr<cs::CoordSystem> coordSystem, engine::EngineCache& cache);
+
+    /// Sets the result to the blob, or to NULL when the bytes are no geometry.
+    void set(sqlite3_context* context, std::string_view wkb);
+
+private:
+    std::shared_ptr<cs::CoordSystem> coordSystem_;
+    engine::EngineCache& cache_;
+    int srid_ = 0;           ///< of the SpatiaLite blobs
+    bool spatialite_ = true; ///< the coordinate system has a code, or there is none
+    std::string blob_;       ///< reused from row to row
+};
+
+} // namespace orvane::adaptor

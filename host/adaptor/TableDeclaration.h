@@ -1,0 +1,37 @@
+#pragma once
+
+#include "platform/dp/TableSchema.h"
+
+#include <string>
+#include <vector>
+
+namespace orvane::adaptor {
+
+/// How a table's schema appears as the columns of its virtual table: the plain attributes under their names,
+/// then the geometry column and the style column under their fixed names. A table without geometry or style
+/// has these two all the same, always NULL and hidden, so that a query may name them but `*` does not show
+/// them.
+class TableDeclaration {
+public:
+    enum class Kind : std::uint8_t { Number, Text, Other, Geometry, Style };
+
+    struct Column {
+        int attribute = -1; ///< position in the schema, -1 for a column that the table does not have
+        Kind kind = Kind::Other;
+        bool unique = false;
+        bool notNull = false;
+    };
+
+    explicit TableDeclaration(const dp::TableSchema& schema);
+
+    /// The statement for sqlite3_declare_vtab.
+    const std::string& sql() const { return sql_; }
+    const std::vector<Column>& columns() const { return columns_; }
+    int geometryColumn() const { return static_cast<int>(columns_.size()) - 2; }
+
+private:
+    std::string sql_;
+    std::vector<Column> columns_;
+};
+
+} // namespace orvane::adaptor

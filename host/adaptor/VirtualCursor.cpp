@@ -1,0 +1,234 @@
+#include "host/adaptor/VirtualCursor.h"
+
+#include "platform/cs/CoordSystem.h"
+#include <orvane/engine/EngineCache.h>
+
+#include <cmath>
+#include <optional>
+
+namespace orvane::adaptor {
+
+using geometry::GeometryPtr;
+
+namespace {
+
+/// Rows between two looks at the cancellation.
+constexpr unsigned rowsBetweenChecks = 1024;
+
+/// The operand of a term; nothing for a value that only SQLite can compare with the column.
+std::optional<dp::ScanValue> operandOf(sqlite3_value* value) {
+    switch (sqlite3_value_type(value)) {
+    case SQLITE_NULL: return dp::ScanValue();
+    case SQLITE_INTEGER: return dp::ScanValue(static_cast<std::int64_t>(sqlite3_value_int64(value)));
+    case SQLITE_FLOAT: return dp::ScanValue(sqlite3_value_double(value));
+    case SQLITE_TEXT: {
+        const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(value));
+        return dp::ScanValue(std::string(text, static_cast<std::size_t>(sqlite3_value_bytes(value))));
+    }
+    default: return std::nullopt;
+    }
+}
+
+/// Calls `take` with each value of an In list; false when it holds one that `take` refuses.
+template<class Take>
+bool eachInList(sqlite3_value* list, Take take) {
+    sqlite3_value* item = nullptr;
+    for (int code = sqlite3_vtab_in_first(list, &item); code == SQLITE_OK && item;
+         code = sqlite3_vtab_in_next(list, &item)) {
+        if (!take(item)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// The row number that a value is equal to, if it is one.
+std::optional<qint64> rowNumberOf(sqlite3_value* value) {
+    switch (sqlite3_value_numeric_type(value)) {
+    case SQLITE_INTEGER: return sqlite3_value_int64(value);
+    case SQLITE_FLOAT: {
+        const double real = sqlite3_value_double(value);
+        const qint64 whole = sqlite3_value_int64(value);
+        return static_cast<double>(whole) == real ? std::optional<qint64>(whole) : std::nullopt;
+    }
+    default: return std::nullopt;
+    }
+}
+
+/// The geometry of a value; null for anything that is none.
+GeometryPtr geometryOf(sqlite3_value* value, engine::EngineCache& cache) {
+    if (sqlite3_value_type(value) != SQLITE_BLOB) {
+        return nullptr;
+    }
+    const void* data = sqlite3_value_blob(value);
+    return cache.geometryInfo(data, static_cast<unsigned>(sqlite3_value_bytes(value)), true).geometry();
+}
+
+void textResult(sqlite3_context* context, std::string_view text) {
+    sqlite3_result_text64(context, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+}
+
+} // namespace
+
+VirtualCursor::VirtualCursor(VirtualTable& table)
+    : sqlite3_vtab_cursor{}, table_(table), geometry_(table.table().coordSystem(), table.cache()) {}
+
+void VirtualCursor::readPlan(const char* planText) {
+    plan_ = ScanPlan::fromText(planText);
+    planText_ = planText;
+    request_.attributes.clear();
+    const auto& columns = table_.declaration().columns();
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        if (columns[i].attribute >= 0 && plan_.usesColumn(static_cast<int>(i))) {
+            request_.attributes.push_back(columns[i].attribute);
+        }
+    }
+}
+
+bool VirtualCursor::readRowNumbers(sqlite3_value* value) {
+    auto& ids = request_.ids.emplace();
+    const auto add = [this, &ids](sqlite3_value* item) {
+        if (const auto number = rowNumberOf(item)) {
+            if (dp::FeatureId id = table_.cache().intToId(*number); id.isValid()) {
+                ids.push_back(std::move(id));
+            }
+        }
+        return true;
+    };
+    if (plan_.rowNumber == ScanPlan::RowNumber::In) {
+        eachInList(value, add);
+    } else {
+        add(value);
+    }
+    return !ids.empty();
+}
+
+/// Looks the related features up in the spatial index. Where the coordinate systems differ there is no common
+/// plane to search in, so every row is tested.
+bool VirtualCursor::readRelation(sqlite3_value* value) {
+    const GeometryPtr related = geometryOf(value, table_.cache());
+    if (!related) {
+        return false;
+    }
+    dp::Table& table = table_.table();
+    const auto own = table.coordSystem();
+    const auto other = related->coordSystem();
+    if (own && other && own != other && !own->equals(*other)) {
+        related_ = related;
+        request_.attributes.push_back(table.schema()->geometryIndex());
+        return true;
+    }
+    auto& ids = request_.ids.emplace();
+    table_.spatialIndex(cancellation_).search(*plan_.relation, related, table, ids);
+    return !ids.empty();
+}
+
+bool VirtualCursor::readArguments(std::span<sqlite3_value*> arguments) {
+    request_.terms.clear();
+    request_.ids.reset();
+    related_.reset();
+    request_.limit = -1;
+    std::size_t next = 0;
+    for (const ScanPlan::Term& planned : plan_.terms) {
+        sqlite3_value* value = arguments[next++];
+        dp::ScanTerm term;
+        term.attribute = table_.declaration().columns()[static_cast<std::size_t>(planned.column)].attribute;
+        term.comparison = planned.comparison;
+        term.collation = planned.collation;
+        const auto add = [&term](sqlite3_value* item) {
+            auto operand = operandOf(item);
+            if (operand) {
+                term.operands.push_back(std::move(*operand));
+            }
+            return operand.has_value();
+        };
+        const bool comparable =
+            planned.comparison == dp::Comparison::In ? eachInList(value, add) : add(value);
+        if (comparable || term.comparison == dp::Comparison::IsNull ||
+            term.comparison == dp::Comparison::IsNotNull) {
+            request_.terms.push_back(std::move(term));
+        }
+    }
+    if (plan_.rowNumber != ScanPlan::RowNumber::None && !readRowNumbers(arguments[next++])) {
+        return false;
+    }
+    if (plan_.relation && !readRelation(arguments[next++])) {
+        return false;
+    }
+    if (plan_.limit) {
+        const sqlite3_int64 limit = sqlite3_value_int64(arguments[next++]);
+        const sqlite3_int64 offset = plan_.offset ? sqlite3_value_int64(arguments[next++]) : 0;
+        constexpr sqlite3_int64 most = std::int64_t{1} << 62;
+        if (limit >= 0 && limit < most && offset < most) {
+            request_.limit = limit + (offset > 0 ? offset : 0);
+        }
+    }
+    return true;
+}
+
+void VirtualCursor::filter(const char* planText, std::span<sqlite3_value*> arguments) {
+    rows_.reset();
+    cancellation_ = {};
+    if (planText != planText_) {
+        readPlan(planText);
+    }
+    if (!readArguments(arguments)) {
+        return;
+    }
+    filter_.assign(request_.terms);
+    if (filter_.matchesNothing()) {
+        return;
+    }
+    rows_ = table_.table().openCursor(request_);
+}
+
+bool VirtualCursor::accepts() {
+    if (!filter_.isEmpty() && !filter_.accepts(*rows_)) {
+        return false;
+    }
+    if (!related_) {
+        return true;
+    }
+    const dp::Cell cell = rows_->cell(table_.table().schema()->geometryIndex());
+    const GeometryPtr own =
+        cell.type() == dp::CellType::Wkb ? decodeWkb(cell.view(), table_.table().coordSystem()) : nullptr;
+    return own && holds(*plan_.relation, *own, *related_);
+}
+
+int VirtualCursor::next() {
+    for (unsigned row = 1; rows_->next(); ++row) {
+        if (accepts()) {
+            return SQLITE_OK;
+        }
+        if (row % rowsBetweenChecks == 0 && cancellation_.isRequested()) {
+            return SQLITE_INTERRUPT;
+        }
+    }
+    rows_.reset();
+    return cancellation_.isRequested() ? SQLITE_INTERRUPT : SQLITE_OK;
+}
+
+void VirtualCursor::column(sqlite3_context* context, int column) {
+    const TableDeclaration::Column& declared =
+        table_.declaration().columns()[static_cast<std::size_t>(column)];
+    if (declared.attribute < 0 || sqlite3_vtab_nochange(context)) {
+        return; // NULL; an update that leaves the column alone does not read it
+    }
+    const dp::Cell cell = rows_->cell(declared.attribute);
+    switch (cell.type()) {
+    case dp::CellType::Null: break;
+    case dp::CellType::Integer: sqlite3_result_int64(context, cell.integer()); break;
+    case dp::CellType::Real: sqlite3_result_double(context, cell.real()); break;
+    case dp::CellType::Text: textResult(context, cell.view()); break;
+    case dp::CellType::Bytes:
+        sqlite3_result_blob64(context, cell.view().data(), cell.view().size(), SQLITE_TRANSIENT);
+        break;
+    case dp::CellType::Wkb: geometry_.set(context, cell.view()); break;
+    }
+}
+
+sqlite3_int64 VirtualCursor::rowNumber() {
+    return table_.cache().assignIdToInt(rows_->featureId());
+}
+
+} // namespace orvane::adaptor

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "host/adaptor/GeometryResult.h"
+#include "host/adaptor/ScanPlan.h"
+#include "host/adaptor/TermFilter.h"
+#include "host/adaptor/VirtualTable.h"
+
+#include "platform/dp/Cancellation.h"
+
+#include <sqlite3.h>
+
+#include <memory>
+#include <span>
+
+namespace orvane::adaptor {
+
+/// One scan over a virtual table, or many one after another when a join repeats it. Belongs to SQLite. Its
+/// operations throw; the module turns that into codes.
+class VirtualCursor : public sqlite3_vtab_cursor {
+public:
+    explicit VirtualCursor(VirtualTable& table);
+
+    /// Starts a scan by a plan that xBestIndex wrote and the values that go with it (xFilter).
+    void filter(const char* planText, std::span<sqlite3_value*> arguments);
+    /// Moves to the next row that the terms let pass. Returns SQLITE_INTERRUPT when the query was cancelled
+    /// meanwhile.
+    int next();
+    bool atEnd() const { return !rows_; }
+    void column(sqlite3_context* context, int column);
+    sqlite3_int64 rowNumber();
+
+private:
+    void readPlan(const char* planText);
+    /// Turns the arguments into the terms, identifiers and limit of the request; false when no row can match.
+    bool readArguments(std::span<sqlite3_value*> arguments);
+    bool readRowNumbers(sqlite3_value* value);
+    bool readRelation(sqlite3_value* value);
+    bool accepts();
+
+    VirtualTable& table_;
+    const char* planText_ = nullptr; ///< the text of plan_; SQLite keeps it as long as the statement
+    ScanPlan plan_;
+    dp::ScanRequest request_;
+    TermFilter filter_;
+    geometry::GeometryPtr related_;    ///< set when each row's relation to it has to be tested
+    std::unique_ptr<dp::Cursor> rows_; ///< null at the end
+    GeometryResult geometry_;
+    dp::Cancellation cancellation_;
+};
+
+} // namespace orvane::adaptor

@@ -1,0 +1,34 @@
+#include "host/adaptor/VirtualTable.h"
+
+#include <QCoreApplication>
+
+#include <stdexcept>
+
+namespace orvane::adaptor {
+
+VirtualTable::VirtualTable(QString name, std::shared_ptr<dp::Table> table, engine::EngineCache& cache)
+    : sqlite3_vtab{}, name_(std::move(name)), table_(std::move(table)), declaration_(*table_->schema()),
+      cache_(cache) {}
+
+dp::Table& VirtualTable::table() const {
+    if (!table_) {
+        throw std::runtime_error(
+            QCoreApplication::translate("orvane::adaptor", "Таблица %0 закрыта").arg(name_).toStdString());
+    }
+    return *table_;
+}
+
+SpatialIndex& VirtualTable::spatialIndex(const dp::Cancellation& cancellation) {
+    const std::uint64_t revision = table().revision();
+    if (!spatialIndex_ || spatialIndexRevision_ != revision) {
+        spatialIndex_ = std::make_unique<SpatialIndex>(table(), cancellation);
+        spatialIndexRevision_ = revision;
+    }
+    return *spatialIndex_;
+}
+
+std::shared_ptr<cs::CoordSystem> VirtualTableManagement::coordSystem() {
+    return table_.tableOrNull() ? table_.tableOrNull()->coordSystem() : nullptr;
+}
+
+} // namespace orvane::adaptor

@@ -1,0 +1,72 @@
+#pragma once
+
+#include "host/adaptor/ScanPlan.h"
+#include "host/adaptor/SpatialIndex.h"
+#include "host/adaptor/TableDeclaration.h"
+
+#include "platform/dp/Table.h"
+#include <orvane/engine/TableManagement.h>
+
+#include <QString>
+
+#include <sqlite3.h>
+
+#include <memory>
+
+namespace orvane {
+class Engine;
+namespace engine {
+class EngineCache;
+}
+} // namespace orvane
+
+namespace orvane::adaptor {
+
+/// One virtual table: a table of the catalogue as SQLite knows it. Belongs to SQLite, which reaches it
+/// through the base.
+class VirtualTable : public sqlite3_vtab {
+public:
+    VirtualTable(QString name, std::shared_ptr<dp::Table> table, engine::EngineCache& cache);
+
+    const QString& name() const { return name_; }
+    void setName(QString name) { name_ = std::move(name); }
+    const TableDeclaration& declaration() const { return declaration_; }
+    engine::EngineCache& cache() const { return cache_; }
+
+    /// The table behind; throws std::runtime_error when it was closed.
+    dp::Table& table() const;
+    /// Null once the table was closed.
+    const std::shared_ptr<dp::Table>& tableOrNull() const { return table_; }
+    /// Lets go of the table. Cursors that are open keep what they read from.
+    void detach() { table_.reset(); }
+
+    /// The spatial index of the table as it is now, made when first asked for.
+    SpatialIndex& spatialIndex(const dp::Cancellation& cancellation);
+
+    /// Decides which constraints a scan takes over (xBestIndex).
+    void plan(sqlite3_index_info& info) const;
+
+private:
+    QString name_;
+    std::shared_ptr<dp::Table> table_;
+    TableDeclaration declaration_;
+    engine::EngineCache& cache_;
+    std::unique_ptr<SpatialIndex> spatialIndex_;
+    std::uint64_t spatialIndexRevision_ = 0;
+};
+
+/// What the engine holds of a virtual table.
+class VirtualTableManagement : public engine::TableManagement {
+public:
+    explicit VirtualTableManagement(VirtualTable& table) : table_(table) {}
+
+    void detach() override { table_.detach(); }
+    QString tableName() const override { return table_.name(); }
+    void indicesCleared() override {}
+    std::shared_ptr<cs::CoordSystem> coordSystem() override;
+
+private:
+    VirtualTable& table_;
+};
+
+} // namespace orvane::adaptor

@@ -1,0 +1,148 @@
+#include "support/Application.h"
+#include "support/MemoryTable.h"
+
+#include "platform/decimal/QDecNumber.h"
+#include "platform/log/Logger.h"
+#include <orvane/engine/EngineExpression.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QDateTime>
+#include <QPoint>
+
+namespace orvane::engine {
+
+namespace {
+
+using testing::attribute;
+
+QSqlDatabase database() {
+    return testing::Application::instance().engine->engineDatabase();
+}
+
+EngineCache* cache() {
+    return testing::Application::instance().engine->cache();
+}
+
+std::shared_ptr<dp::TableSchema> townSchema() {
+    return std::make_shared<dp::TableSchema>(QVector<dp::AttributeDefinitionPointer>{
+        attribute("name", QMetaType::QString), attribute("odd \" name", QMetaType::LongLong),
+        attribute("founded", QMetaType::QDate),
+        dp::AttributeDefinitionPointer(new dp::GeometryAttributeDefinition(QStringLiteral("shape"), nullptr)),
+        dp::AttributeDefinitionPointer(new dp::RenditionAttributeDefinition(QStringLiteral("pen")))});
+}
+
+dp::FeaturePtr town(const std::shared_ptr<dp::TableSchema>& schema, const QVariant& name,
+                    const QVariant& people, const QVariant& founded = {}) {
+    auto feature = std::make_shared<dp::Feature>(schema, dp::FeatureId(1));
+    feature->setAttribute(0, name);
+    feature->setAttribute(1, people);
+    feature->setAttribute(2, founded);
+    return feature;
+}
+
+} // namespace
+
+TEST(EngineExpression, ComputesForOneFeatureAfterAnother) {
+    const auto schema = townSchema();
+    EngineExpression expression(database(), *schema, cache());
+    ASSERT_TRUE(expression.isValid()) << expression.lastError().toStdString();
+    EXPECT_EQ(expression.geoName(), QStringLiteral("shape"));
+    EXPECT_EQ(expression.styleName(), QStringLiteral("pen"));
+    ASSERT_TRUE(
+        expression.setExpression(QStringLiteral("name || ' ' || (\"odd \"\" name\" + 1) || ' ' || founded")));
+    EXPECT_EQ(expression.type(), QVariant::String);
+    ASSERT_TRUE(expression.fill(town(schema, QStringLiteral("Ёлкино 😀"), 7LL, QDate(2020, 2, 29))));
+    EXPECT_EQ(expression.exec(), QVariant(QStringLiteral("Ёлкино 😀 8 2020-02-29")));
+    ASSERT_TRUE(expression.fill(town(schema, QStringLiteral("x"), QVariant())));
+    EXPECT_TRUE(expression.exec().isNull());
+    ASSERT_TRUE(expression.setExpression(QStringLiteral("name = 'X' Collate Locale")));
+    EXPECT_EQ(expression.exec().toInt(), 1); // another expression over the same row
+}
+
+TEST(EngineExpression, TwoOverOneSchemaDoNotMeet) {
+    const auto schema = townSchema();
+    EngineExpression a(database(), *schema, cache()), b(database(), *schema, cache());
+    EXPECT_NE(a.tableName(), b.tableName());
+    EXPECT_EQ(a.columns().size(), 5);
+    EXPECT_EQ(a.columns().at(3), QStringLiteral("cd750f8a9a2b4fac9b9b05eb53795d97"));
+}
+
+TEST(EngineExpression, NeedsNoTableWithoutAttributes) {
+    EngineExpression expression(database(), dp::TableSchema(), cache());
+    EXPECT_TRUE(expression.tableName().isEmpty());
+    EXPECT_TRUE(expression.columns().isEmpty());
+    EXPECT_TRUE(expression.setExpression(QStringLiteral("1 + 1")));
+    EXPECT_TRUE(expression.fill(nullptr));
+    EXPECT_EQ(expression.exec().toInt(), 2);
+}
+
+TEST(EngineExpression, FailuresAreReportedAndLogged) {
+    std::vector<LogEntry> entries;
+    auto before =
+        loggerInstance()->exchangeSink([&entries](const LogEntry& entry) { entries.push_back(entry); });
+    const auto schema = townSchema();
+    EngineExpression expression(database(), *schema, cache());
+    EXPECT_FALSE(expression.setExpression(QStringLiteral("nope + 1")));
+    EXPECT_THAT(expression.lastError().toStdString(), ::testing::HasSubstr("nope"));
+    EXPECT_TRUE(entries.empty());
+
+    ASSERT_TRUE(expression.setExpression(QStringLiteral("name")));
+    const auto wider = std::make_shared<dp::TableSchema>(
+        schema->attributes() + QVector<dp::AttributeDefinitionPointer>{attribute("more", QMetaType::Int)});
+    ASSERT_TRUE(expression.fill(town(schema, QStringLiteral("x"), 1)));
+    EXPECT_FALSE(expression.fill(town(wider, QStringLiteral("y"), 1))); // the table is empty afterwards
+    EXPECT_FALSE(expression.exec().isValid());
+    loggerInstance()->exchangeSink(std::move(before));
+    ASSERT_EQ(entries.size(), 2u);
+    EXPECT_THAT(entries[0].text.toStdString(), ::testing::StartsWith("Expression error: "));
+    EXPECT_THAT(entries[1].text.toStdString(), ::testing::StartsWith("Expression exec error: "));
+    EXPECT_EQ(entries[1].sourceFile, QStringLiteral("EngineExpression"));
+}
+
+TEST(EngineExpression, WritesLiteralsAndBindsValues) {
+    EngineExpression expression(database(), dp::TableSchema(), cache());
+    const struct {
+        QVariant value;
+        const char* literal;
+        QVariant bound;
+    } cases[] = {
+        {true, "1", 1},
+        {QVariant::fromValue<short>(-3), "-3", -3},
+        {QVariant::fromValue<uchar>(200), "200", 200u},
+        {Q_INT64_C(-9223372036854775807), "-9223372036854775807", Q_INT64_C(-9223372036854775807)},
+        {0.1 + 0.2, "0.3", 0.1 + 0.2},
+        {1234567.0, "1.23457e+06", 1234567.0},
+        {QStringLiteral("it's"), "'it''s'", QStringLiteral("it's")},
+        {QVariant(), "''", QString()},
+        {QTime(5, 6, 7, 8), "'05:06:07.008'", QStringLiteral("05:06:07.008")},
+        {QVariant::fromValue(QDecNumber::fromString(QStringLiteral("12.50"))), "12.50", 12.5},
+    };
+    for (const auto& test : cases) {
+        EXPECT_EQ(expression.toStr(test.value).toStdString(), test.literal);
+        EXPECT_EQ(expression.toValue(test.value), test.bound) << test.literal;
+    }
+}
+
+TEST(EngineExpression, HooksWriteWhatTheEngineDoesNotKnow) {
+    class Pointed : public EngineExpression {
+    public:
+        using EngineExpression::EngineExpression;
+        ExtensionString toExtensionString(const QVariant& value) override {
+            return {QString::number(value.toPoint().x()), value.userType() == QMetaType::QPoint,
+                    value.toPoint().y() != 0};
+        }
+        QVariant toExtensionValue(const QVariant& value) override {
+            return value.userType() == QMetaType::QPoint ? QVariant(value.toPoint().x()) : QVariant();
+        }
+    };
+    Pointed expression(database(), dp::TableSchema(), cache());
+    EXPECT_EQ(expression.toStr(QPoint(4, 0)), QStringLiteral("4"));
+    EXPECT_EQ(expression.toStr(QPoint(4, 1)), QStringLiteral("'4'"));
+    EXPECT_EQ(expression.toStr(QChar(QLatin1Char('x'))), QStringLiteral("'x'"));
+    EXPECT_EQ(expression.toValue(QPoint(4, 0)), QVariant(4));
+    EXPECT_EQ(expression.toValue(QChar(QLatin1Char('x'))), QVariant(QStringLiteral("x")));
+}
+
+} // namespace orvane::engine

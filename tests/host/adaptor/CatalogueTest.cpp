@@ -1,0 +1,277 @@
+#include "support/Application.h"
+#include "support/MemoryTable.h"
+#include "support/Query.h"
+
+#include "host/adaptor/Adaptor.h"
+#include "platform/log/Logger.h"
+#include <orvane/EngineExtension.h>
+#include <orvane/engine/EngineCache.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QDate>
+#include <QSqlDriver>
+
+namespace orvane {
+
+namespace {
+
+using testing::attribute;
+using ::testing::HasSubstr;
+using testing::MemoryTable;
+
+/// Serves every memory table through the adaptor's module.
+class MemoryExtension : public EngineExtension {
+    Q_OBJECT
+public:
+    explicit MemoryExtension(bool renames) : EngineExtension(nullptr), renames_(renames) {
+        testing::Application::instance().core.pluginManager()->registerExtension(this);
+    }
+    using EngineExtension::handleDataObject;
+    using EngineExtension::rename;
+
+protected:
+    QString virtualTableModule(const dp::DataObject* object, QList<QVariant>& moduleArguments) override {
+        if (!dynamic_cast<const MemoryTable*>(object)) {
+            return {};
+        }
+        moduleArguments << object->name();
+        return QString::fromLatin1(adaptor::moduleName());
+    }
+    bool renameRealized() const override { return renames_; }
+
+private:
+    bool renames_;
+};
+
+class CatalogueTest : public ::testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        auto& application = testing::Application::instance();
+        application.engine->loadTableAdapterModule(&application.core, adaptor::initialise);
+    }
+
+    void SetUp() override { link(false); }
+    void TearDown() override {
+        for (const auto& object : catalog().dataObjects()) {
+            catalog().close(object->name());
+        }
+        QCoreApplication::processEvents();
+    }
+
+    void link(bool renames) {
+        extension_ = std::make_unique<MemoryExtension>(renames);
+        extension_->linkDataCatalog();
+        QObject::disconnect(&catalog(), &dp::DataCatalog::dataObjectRenamed, nullptr, nullptr);
+        QObject::connect(&catalog(), &dp::DataCatalog::dataObjectRenamed, extension_.get(),
+                         &MemoryExtension::rename);
+    }
+
+    static dp::DataCatalog& catalog() { return testing::Application::instance().catalog; }
+    static Engine& engine() { return *testing::Application::instance().engine; }
+
+    /// Opens a table of towns under a name.
+    static std::shared_ptr<MemoryTable> openTowns(const char* name = "towns") {
+        auto table = std::make_shared<MemoryTable>(
+            QString::fromUtf8(name),
+            QVector<dp::AttributeDefinitionPointer>{
+                attribute("name", QMetaType::QString), attribute("people", QMetaType::LongLong),
+                attribute("height", QMetaType::Double), attribute("founded", QMetaType::QDate)},
+            std::vector<MemoryTable::Row>{{QStringLiteral("Paris"), 2148000LL, 35.0, QDate(508, 1, 1)},
+                                          {QStringLiteral("МОСКВА"), 12655050LL, 156.0, QDate(1147, 4, 4)},
+                                          {QStringLiteral("москва"), 3700LL, 180.5, QVariant()},
+                                          {QVariant(), QVariant(), QVariant(), QVariant()},
+                                          {QStringLiteral("O'Neill"), 3705LL, -1.5, QDate(1881, 5, 5)}});
+        EXPECT_TRUE(catalog().add(table));
+        QCoreApplication::processEvents();
+        return table;
+    }
+
+    static std::string ask(const char* sql) {
+        return testing::answer(engine().engineDatabase(), QString::fromUtf8(sql));
+    }
+
+    std::unique_ptr<MemoryExtension> extension_;
+};
+
+} // namespace
+
+TEST_F(CatalogueTest, QueriesReadWhatTheTableHolds) {
+    openTowns();
+    const struct {
+        const char* sql;
+        const char* answer;
+    } cases[] = {
+        {"Select Count(*), Sum(people) From towns", "5|14810455"},
+        {"Select name From towns Where people = 3700", "москва"},
+        {"Select people From towns Where name = 'Москва' Order By 1", "3700\n12655050"},
+        {"Select people From towns Where name = 'Москва' Collate Binary", ""},
+        {"Select name From towns Where name <> 'москва' Order By name", "O'Neill\nParis"},
+        {"Select name From towns Where height Between 0 And 160 Order By height", "Paris\nМОСКВА"},
+        {"Select Count(*) From towns Where name Is Null And height Is Null", "1"},
+        {"Select Count(*) From towns Where people In (3705, 3700, 'x', Null)", "2"},
+        {"Select Count(*) From towns Where name In ('МОСКВА', 'paris')", "3"},
+        {"Select Count(*) From towns Where people = Null", "0"},
+        {"Select Count(*) From towns Where people Is Not 3700", "4"},
+        {"Select Count(*) From towns Where people = '3700'", "1"},
+        {"Select name From towns Where founded < '1200-01-01' Order By founded", "Paris\nМОСКВА"},
+        {"Select name From towns Where name Like 'МОС%' And people > 5000", "МОСКВА"},
+        {"Select Count(*) From (Select * From towns Limit 2 Offset 1)", "2"},
+        {"Select Count(*) From (Select name From towns Where height > 0 Limit 3)", "3"},
+        {"Select name From towns Where name Glob '*Neill' Limit 1", "O'Neill"},
+        {"Select Count(*) From (Select name From towns Union All Select name From towns Limit 3 Offset 4)",
+         "3"},
+        {"Select a.name From towns a Join towns b On a.name = b.name Where b.people = 3700 Order By a.people",
+         "москва\nМОСКВА"},
+        {"Select Count(b.name) From towns a Left Join towns b On a.people = b.people And b.height > 100",
+         "2"},
+        {"Select cd750f8a9a2b4fac9b9b05eb53795d97 Is Null From towns Limit 1", "1"},
+    };
+    for (const auto& test : cases) {
+        EXPECT_EQ(ask(test.sql), test.answer) << test.sql;
+    }
+}
+
+TEST_F(CatalogueTest, OnlyTheColumnsOfTheStatementAreRead) {
+    const auto table = openTowns();
+    ask("Select people From towns Where height > 1");
+    EXPECT_EQ(table->lastRequest.attributes, (std::vector<int>{1, 2}));
+    ASSERT_EQ(table->lastRequest.terms.size(), 1u);
+    EXPECT_EQ(table->lastRequest.terms[0].comparison, dp::Comparison::Greater);
+    ask("Select 1 From towns Limit 2 Offset 1");
+    EXPECT_EQ(table->lastRequest.limit, 3);
+    ask("Select 1 From towns Where name Like 'x%' Limit 2"); // Like is not taken over, so every row may be
+                                                             // needed
+    EXPECT_EQ(table->lastRequest.limit, -1);
+}
+
+TEST_F(CatalogueTest, RowNumbersFindTheirRows) {
+    openTowns();
+    EXPECT_EQ(ask("Select Count(*) From towns t Where Exists (Select 1 From towns u Where u.rowid = t.rowid "
+                  "And u.name Is t.name)"),
+              "5");
+    EXPECT_EQ(ask("Select Count(*) From towns Where rowid In (Select rowid From towns Where people < 4000)"),
+              "2");
+    EXPECT_EQ(ask("Select Count(*) From towns Where rowid = 'x'"), "0");
+    EXPECT_EQ(ask("Select Count(*) From towns Where rowid = -1"), "0");
+}
+
+TEST_F(CatalogueTest, TablesComeAndGoWithTheirObjects) {
+    openTowns("Города 2024");
+    EXPECT_EQ(ask("Select Count(*) From \"Города 2024\""), "5");
+    catalog().close(QStringLiteral("Города 2024"));
+    QCoreApplication::processEvents();
+    EXPECT_THAT(ask("Select Count(*) From \"Города 2024\""), HasSubstr("no such table"));
+    openTowns("Города 2024");
+    EXPECT_EQ(ask("Select Count(*) From \"Города 2024\""), "5");
+}
+
+TEST_F(CatalogueTest, AnObjectThatIsGoneBeforeItsTurnIsLeftAlone) {
+    auto table = std::make_shared<MemoryTable>(
+        QStringLiteral("brief"), QVector<dp::AttributeDefinitionPointer>{attribute("a", QMetaType::Int)});
+    catalog().add(table);
+    catalog().close(QStringLiteral("brief"));
+    table.reset();
+    QCoreApplication::processEvents();
+    EXPECT_THAT(ask("Select * From brief"), HasSubstr("no such table"));
+}
+
+TEST_F(CatalogueTest, RenamedObjectsAreFoundUnderTheNewName) {
+    for (const bool renames : {false, true}) {
+        SCOPED_TRACE(renames);
+        link(renames);
+        openTowns("before");
+        ASSERT_TRUE(catalog().rename(QStringLiteral("before"), QStringLiteral("after")));
+        QCoreApplication::processEvents();
+        EXPECT_EQ(ask("Select Count(*) From after"), "5");
+        EXPECT_THAT(ask("Select Count(*) From before"), HasSubstr("no such table"));
+        EXPECT_NE(engine().findManagement(QStringLiteral("after")), nullptr);
+        EXPECT_EQ(engine().findManagement(QStringLiteral("before")), nullptr);
+        catalog().close(QStringLiteral("after"));
+        ask("Drop Table If Exists after");
+        QCoreApplication::processEvents();
+    }
+}
+
+TEST_F(CatalogueTest, ResetMakesTheTableAfresh) {
+    const auto table = openTowns();
+    engine().detachTable(QStringLiteral("towns"));
+    EXPECT_THAT(ask("Select Count(*) From towns"), HasSubstr("Таблица towns закрыта"));
+    extension_->deepReset(table);
+    EXPECT_EQ(ask("Select Count(*) From towns"), "5");
+}
+
+TEST_F(CatalogueTest, EditsReachTheTableOrLeaveItAlone) {
+    openTowns();
+    const struct {
+        const char* sql;
+        const char* answer; ///< start of it
+        const char* after;  ///< Count(*), Sum(people)
+    } cases[] = {
+        {"Insert Into towns(name, people, founded) Values('Ёлкино', 100, '2001-02-03')", "", "6|14810555"},
+        {"Update towns Set people = people + 1 Where name = 'Ёлкино'", "", "6|14810556"},
+        {"Select founded From towns Where name = 'Ёлкино'", "2001-02-03", "6|14810556"},
+        {"Delete From towns Where name = 'Ёлкино'", "", "5|14810455"},
+        {"Insert Into towns(people) Values(1), ('many')", "error: Столбец people: ожидается целое число",
+         "5|14810455"},
+        {"Update towns Set founded = 'long ago' Where people > 0", "error: Столбец founded: ожидается дата",
+         "5|14810455"},
+        {"Update towns Set name = x'00' Where people > 0", "error: Столбец name: ожидается текст",
+         "5|14810455"},
+        {"Insert Into towns(rowid, name) Values(7, 'x')", "error: Номера строк назначает таблица",
+         "5|14810455"},
+    };
+    for (const auto& test : cases) {
+        const std::string given = ask(test.sql);
+        EXPECT_TRUE(*test.answer ? given.starts_with(test.answer) : given.empty()) << test.sql << " -> " << given;
+        EXPECT_EQ(ask("Select Count(*), Sum(people) From towns"), test.after) << test.sql;
+    }
+}
+
+TEST_F(CatalogueTest, RenameIgnoresEmptyNamesAndLetterCase) {
+    openTowns("Roads");
+    extension_->rename(QStringLiteral("Roads"), QStringLiteral("roads"));
+    extension_->rename(QString(), QStringLiteral("x"));
+    extension_->rename(QStringLiteral("Roads"), QString());
+    EXPECT_EQ(ask("Select name From sqlite_master Where name Like 'roads'"), "Roads");
+}
+
+TEST_F(CatalogueTest, FailuresToMakeATableAreNested) {
+    openTowns("taken");
+    try {
+        extension_->handleDataObject(catalog().dataObject(QStringLiteral("taken")).get());
+        FAIL();
+    } catch (const std::runtime_error& outer) {
+        EXPECT_THAT(outer.what(), HasSubstr("Регистрация модуля базы данных: orvane::"));
+        EXPECT_THROW(std::rethrow_if_nested(outer), std::runtime_error);
+    }
+}
+
+TEST_F(CatalogueTest, ModuleArgumentsAreQuotedWhereTheyMustBe) {
+    const QSqlDatabase database = engine().engineDatabase();
+    const struct {
+        QVariant value;
+        const char* text;
+    } cases[] = {
+        {QStringLiteral("roads_2024.tab"), "roads_2024.tab"},
+        {QStringLiteral("C:/data/roads.tab"), "'C:/data/roads.tab'"},
+        {QStringLiteral("дороги"), "дороги"},
+        {QStringLiteral("O'Neill"), "'O''Neill'"},
+        {5, "5"},
+        {2.5, "2.5"},
+        {QVariant(QVariant::String), "NULL"},
+    };
+    QList<QVariant> values;
+    QStringList texts;
+    for (const auto& test : cases) {
+        EXPECT_EQ(EngineExtension::formatArg(*database.driver(), test.value).toStdString(), test.text);
+        values << test.value;
+        texts << QString::fromUtf8(test.text);
+    }
+    EXPECT_EQ(EngineExtension::formatArgs(*database.driver(), values), texts.join(QLatin1Char(',')));
+}
+
+} // namespace orvane
+
+#include "CatalogueTest.moc"
