@@ -15,7 +15,6 @@ const char* arrowFormat(ColumnKind kind) {
     case ColumnKind::Int16: return "s";
     case ColumnKind::Int32: return "i";
     case ColumnKind::Int64: return "l";
-    case ColumnKind::Float: return "f";
     case ColumnKind::Double: return "g";
     case ColumnKind::Text: return "u";
     case ColumnKind::Bytes:

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/providers/WkbBox.h"
 #include "platform/dp/Cursor.h"
 
 #include <cstddef>
@@ -11,7 +12,7 @@ namespace orvane::files {
 
 /// How the values of a column lie in memory. Text, Bytes and Wkb: 32-bit offsets (one more than rows) into
 /// one block of bytes.
-enum class ColumnKind : std::uint8_t { Int16, Int32, Int64, Float, Double, Text, Bytes, Wkb };
+enum class ColumnKind : std::uint8_t { Int16, Int32, Int64, Double, Text, Bytes, Wkb };
 
 /// The values of one column for the rows of one batch, in the layout of the Arrow C data interface. Shares
 /// the memory with whoever else reads the batch; immutable.
@@ -34,7 +35,6 @@ struct ColumnChunk {
         case ColumnKind::Int16: return dp::Cell::ofInteger(number<std::int16_t>(row));
         case ColumnKind::Int32: return dp::Cell::ofInteger(number<std::int32_t>(row));
         case ColumnKind::Int64: return dp::Cell::ofInteger(number<std::int64_t>(row));
-        case ColumnKind::Float: return real(static_cast<double>(number<float>(row)));
         case ColumnKind::Double: return real(number<double>(row));
         case ColumnKind::Text: return dp::Cell::ofText(view(row));
         case ColumnKind::Bytes: return dp::Cell::ofBytes(view(row));
@@ -61,12 +61,22 @@ private:
     static dp::Cell real(double value) { return value == value ? dp::Cell::ofReal(value) : dp::Cell(); }
 };
 
+/// Bounding boxes of the geometries of a batch.
+struct BatchBoxes {
+    std::vector<Box> rows;
+    Box hull;
+};
+
 /// Some consecutive rows of a table.
 struct ColumnBatch {
     std::int64_t rows = 0;
     ColumnChunk fids;
-    std::vector<ColumnChunk> columns; ///< in the order in which the reader was asked for them
+    std::vector<ColumnChunk> columns;        ///< in the order in which the reader was asked for them
+    std::shared_ptr<const BatchBoxes> boxes; ///< null where nobody asked for them
 };
+
+/// The boxes of a column of geometries.
+std::shared_ptr<const BatchBoxes> boxesOf(const ColumnChunk& geometries, std::int64_t rows);
 
 /// A source of batches. Used from one thread at a time.
 class BatchReader {

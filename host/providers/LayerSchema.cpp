@@ -54,7 +54,7 @@ FieldType fieldType(OGRFieldDefnH field) {
     case OFTInteger64: return {QMetaType::LongLong, Reading::Integer, ColumnKind::Int64, true};
     case OFTReal:
         if (subType == OFSTFloat32)
-            return {QMetaType::Float, Reading::Real, ColumnKind::Float, true};
+            return {QMetaType::Float, Reading::Real, ColumnKind::Double, false};
         return {QMetaType::Double, Reading::Real, ColumnKind::Double, true};
     case OFTDate: return {QMetaType::QDate, Reading::Date, ColumnKind::Text, false};
     case OFTTime: return {QMetaType::QTime, Reading::Time, ColumnKind::Text, false};

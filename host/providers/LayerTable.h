@@ -4,17 +4,18 @@
 #include "platform/dp/Table.h"
 
 #include <memory>
-#include <mutex>
 
 namespace orvane::files {
 
 class DatasetPool;
+class LayerReader;
 struct LayerSchema;
 
 /// A layer of a file as a table. Identifiers are the layer's 64-bit feature identifiers.
 ///
 /// Any number of cursors may be open at once, each in a thread of its own; they see the file as it was when
-/// they were opened or later.
+/// they were opened or later. What another program writes to the file is seen by cursors opened a tenth of a
+/// second later at the latest.
 class ORVANE_FILES_EXPORT LayerTable final : public dp::Table {
     Q_OBJECT
 public:
@@ -24,16 +25,17 @@ public:
     ~LayerTable() override;
 
     std::shared_ptr<const dp::TableSchema> schema() const override;
+
+    /// Throws std::runtime_error also when the file lost a field that it had when it was opened.
     std::unique_ptr<dp::Cursor> openCursor(const dp::ScanRequest& request) override;
     std::optional<std::int64_t> featureCount() const override;
+    std::uint64_t revision() const override;
+    bool usesTerm(int attribute, dp::Comparison comparison, dp::TextCollation collation) const override;
+    /// True for GeoPackage layers with a spatial index.
+    bool usesWindow() const override;
 
 private:
-    std::shared_ptr<DatasetPool> pool_;
-    int layerIndex_;
-    QByteArray layerName_;
-    std::shared_ptr<const LayerSchema> layerSchema_;
-    mutable std::mutex mutex_;
-    mutable std::optional<std::int64_t> featureCount_;
+    std::unique_ptr<LayerReader> reader_;
 };
 
 } // namespace orvane::files
