@@ -5,7 +5,7 @@
 #include "platform/geometry/GeometryFactory.h"
 #include "platform/utils/MetaTypes.h"
 #include <orvane/engine/EngineCache.h>
-#include <orvane/engine/FixedColumns.h>
+#include <orvane/engine/ColumnNames.h>
 #include <orvane/engine/SpatialiteBlob.h>
 #include <orvane/engine/functions/Converters.h>
 
