@@ -13,6 +13,23 @@ constexpr Precedence tighter(Precedence precedence) {
     return static_cast<Precedence>(static_cast<int>(precedence) + 1);
 }
 
+/// Whether a token after a word can only begin an operand: signs may as well be operators.
+bool beginsOperand(const Token& token) {
+    switch (token.keyword) {
+    case Keyword::Case:
+    case Keyword::Cast:
+    case Keyword::Exists:
+    case Keyword::False:
+    case Keyword::Null:
+    case Keyword::True:
+    case Keyword::Unknown: return true;
+    default: break;
+    }
+    return token.kind == TokenKind::LeftParenthesis ||
+           (token.kind <= TokenKind::Parameter &&
+            (!isReserved(token.keyword) || isFunctionWord(token.keyword)));
+}
+
 OperationCode symbolOperator(TokenKind kind) {
     switch (kind) {
     case TokenKind::Plus: return OperationCode::Add;
@@ -99,20 +116,8 @@ OperationCode Parser::infixKeyword() const {
         return atAhead(1, Keyword::Within) ? OperationCode::EntirelyWithin : OperationCode::None;
     case Keyword::Contains:
         // `a Contains part` may also mean a column of that name; then no operand follows.
-        if (atAhead(1, Keyword::Part) || atAhead(1, Keyword::Entire)) {
-            const Token& next = peek(2);
-            const bool operandFollows = (next.kind == TokenKind::Word &&
-                                         (!isReserved(next.keyword) || next.keyword == Keyword::Cast ||
-                                          next.keyword == Keyword::Case || next.keyword == Keyword::Null ||
-                                          isFunctionWord(next.keyword))) ||
-                                        next.kind == TokenKind::QuotedName ||
-                                        next.kind == TokenKind::LeftParenthesis ||
-                                        next.kind == TokenKind::Parameter || next.kind == TokenKind::Text ||
-                                        next.kind == TokenKind::Hexadecimal;
-            if (operandFollows) {
-                return atAhead(1, Keyword::Part) ? OperationCode::ContainsPart
-                                                 : OperationCode::ContainsEntire;
-            }
+        if ((atAhead(1, Keyword::Part) || atAhead(1, Keyword::Entire)) && beginsOperand(peek(2))) {
+            return atAhead(1, Keyword::Part) ? OperationCode::ContainsPart : OperationCode::ContainsEntire;
         }
         return OperationCode::Contains;
     case Keyword::Not:
@@ -268,9 +273,11 @@ ast::NodePtr Parser::parseNamePrimary() {
         return parseFunction(std::move(name));
     }
     if (at(TokenKind::Dot)) {
+        const std::size_t afterDot = peek().offset + 1;
         advance();
-        // After a dot nothing but a name can stand, so keywords are names there.
-        if (!at(TokenKind::Word) && !at(TokenKind::QuotedName)) {
+        // A word right after the dot is a name, whichever it is; after a blank it may as well begin the next
+        // clause.
+        if (!atName() && !(at(TokenKind::Word) && peek().offset == afterDot)) {
             failExpecting(Noun::Name);
         }
         return std::make_shared<ast::ColumnReference>(std::move(name), takeValue());
@@ -368,7 +375,7 @@ std::wstring Parser::parseTypeName() {
 ast::NodePtr Parser::parseFunction(std::wstring name) {
     advance();
     auto function = std::make_shared<ast::Function>(std::move(name));
-    if (at(TokenKind::Asterisk) && atAhead(1, TokenKind::RightParenthesis)) {
+    if (at(TokenKind::Asterisk)) {
         advance();
         function->arguments.push_back(std::make_shared<ast::QualifiedAsterisk>());
     } else if (!at(TokenKind::RightParenthesis)) {

@@ -90,7 +90,7 @@ void Parser::grow() {
 }
 
 Parser::Result Parser::parseAll() {
-    if (at(TokenKind::End)) {
+    if (at(TokenKind::End) || (at(TokenKind::Semicolon) && atAhead(1, TokenKind::End))) {
         failAt(peek(), QCoreApplication::translate("orvane::sql", "запрос пуст"));
     }
     Result result;
@@ -169,10 +169,7 @@ std::wstring Parser::parseAlias() {
     if (accept(Keyword::As)) {
         return at(TokenKind::Text) ? takeValue() : expectName();
     }
-    // "With", "Fetch" and the like begin clauses where an alias might stand.
-    const bool beginsClause = at(Keyword::Fetch) || at(Keyword::With) ||
-                              (at(Keyword::Values) && atAhead(1, TokenKind::LeftParenthesis));
-    if (!atName() || beginsClause) {
+    if (!atName()) {
         return {};
     }
     aliasPos_ = pos_;
@@ -284,17 +281,25 @@ std::vector<std::wstring> Parser::Expectations::texts() const {
 
 Keyword Parser::nearestKeyword(const Token& token, const std::bitset<keywordCount>& candidates) const {
     const std::wstring_view word = text_.text(token);
-    if (token.kind != TokenKind::Word || isReserved(token.keyword) || word.size() < 3) {
+    if (token.kind != TokenKind::Word || isReserved(token.keyword) || word.size() < 2) {
         return Keyword::None;
     }
+    // Of two keywords equally near, the one with the same first letter is meant. Words of two letters are
+    // near to nothing of their own length: any two of them differ little.
+    const std::wstring lowercase = toLowercase(std::wstring(word));
     Keyword nearest = Keyword::None;
     int limit = word.size() <= 5 ? 1 : 2;
     for (std::size_t i = 1; i < candidates.size(); ++i) {
         const auto candidate = static_cast<Keyword>(i);
-        const int distance = candidates.test(i) ? editDistance(word, spelling(candidate), limit) : limit + 1;
-        if (distance > 0 && distance <= limit) {
+        const std::wstring_view text = spelling(candidate);
+        const int distance = candidates.test(i) ? editDistance(word, text, limit) : limit + 1;
+        if (distance == 0 || distance > limit || (word.size() == 2 && text.size() == 2)) {
+            continue;
+        }
+        const bool sameInitial = toLowercase(std::wstring(text.substr(0, 1))).front() == lowercase.front();
+        if (nearest == Keyword::None || distance < limit || sameInitial) {
             nearest = candidate;
-            limit = distance - 1;
+            limit = distance;
         }
     }
     return nearest;

@@ -71,7 +71,12 @@ private:
     ast::NodePtr parseDerivedColumn();
     ast::NodePtr parseFrom();
     ast::NodePtr parseJoinedTable();
-    std::optional<ast::JoinKind> parseJoinKind(bool& natural);
+    struct JoinWords {
+        ast::JoinKind kind = ast::JoinKind::Inner;
+        bool natural = false;
+        bool cross = false;
+    };
+    std::optional<JoinWords> parseJoinWords();
     ast::NodePtr parseTablePrimary();
     ast::NodePtr parseDerivedTable();
     ast::NodeList parseOrderBy();

@@ -171,7 +171,7 @@ ast::NodePtr Parser::parseQueryBody() {
         } else if (!accept(Keyword::Except)) {
             return parseResultClauses(std::move(query));
         }
-        intoAllowed_ = false;
+        intoAllowed_ = intoAllowed_ && nesting_ > 1; // the second part of the outermost query begins
         query = combine(code, std::move(query), parseIntersections());
         grow();
     }
@@ -263,53 +263,49 @@ ast::NodePtr Parser::parseFrom() {
 ast::NodePtr Parser::parseJoinedTable() {
     const Level level(*this);
     ast::NodePtr left = parseTablePrimary();
-    for (;;) {
-        bool natural = false;
-        const std::optional<ast::JoinKind> kind = parseJoinKind(natural);
-        if (!kind) {
-            return left;
-        }
+    while (const std::optional<JoinWords> words = parseJoinWords()) {
         ast::NodePtr right = parseTablePrimary();
         ast::NodePtr specification;
-        if (!natural && *kind != ast::JoinKind::Cross) {
-            if (accept(Keyword::Using)) {
-                specification = std::make_shared<ast::NamedColumnsJoin>(parseColumnNames());
-            } else {
-                expect(Keyword::On);
-                specification = std::make_shared<ast::JoinCondition>(parseExpression());
-            }
+        if (words->cross) {
+            // Not "Cross Join", by which SQLite forbids itself to choose the order of the tables.
+            specification = std::make_shared<ast::JoinCondition>(
+                std::make_shared<ast::TernaryLogicNode>(TernaryLogic::True));
+        } else if (accept(Keyword::Using)) {
+            specification = std::make_shared<ast::NamedColumnsJoin>(parseColumnNames());
+        } else if (!words->natural) {
+            expect(Keyword::On);
+            specification = std::make_shared<ast::JoinCondition>(parseExpression());
         }
-        left = std::make_shared<ast::JoinNode>(*kind, natural, std::move(left), std::move(right),
+        left = std::make_shared<ast::JoinNode>(words->kind, words->natural, std::move(left), std::move(right),
                                                std::move(specification));
         grow();
     }
+    return left;
 }
 
 /// The words up to and with Join; nothing when no join follows.
-std::optional<ast::JoinKind> Parser::parseJoinKind(bool& natural) {
-    natural = accept(Keyword::Natural);
-    std::optional<ast::JoinKind> kind;
-    if (accept(Keyword::Inner)) {
-        kind = ast::JoinKind::Inner;
-    } else if (!natural && accept(Keyword::Cross)) {
-        kind = ast::JoinKind::Cross;
-    } else {
-        if (accept(Keyword::Left)) {
-            kind = ast::JoinKind::Left;
-        } else if (accept(Keyword::Right)) {
-            kind = ast::JoinKind::Right;
-        } else if (accept(Keyword::Full)) {
-            kind = ast::JoinKind::Full;
+std::optional<Parser::JoinWords> Parser::parseJoinWords() {
+    JoinWords words;
+    words.natural = accept(Keyword::Natural);
+    words.cross = !words.natural && accept(Keyword::Cross);
+    bool stated = words.natural || words.cross;
+    if (!words.cross) {
+        constexpr std::pair<Keyword, ast::JoinKind> outerKinds[] = {{Keyword::Left, ast::JoinKind::Left},
+                                                                    {Keyword::Right, ast::JoinKind::Right},
+                                                                    {Keyword::Full, ast::JoinKind::Full}};
+        for (const auto& [keyword, kind] : outerKinds) {
+            if (words.kind == ast::JoinKind::Inner && accept(keyword)) {
+                words.kind = kind;
+                accept(Keyword::Outer);
+            }
         }
-        if (kind) {
-            accept(Keyword::Outer);
-        }
+        stated = words.kind != ast::JoinKind::Inner || accept(Keyword::Inner) || stated;
     }
-    if (kind || natural) {
+    if (stated) {
         expect(Keyword::Join);
-        return kind.value_or(ast::JoinKind::Inner);
+        return words;
     }
-    return accept(Keyword::Join) ? std::optional(ast::JoinKind::Inner) : std::nullopt;
+    return accept(Keyword::Join) ? std::optional(words) : std::nullopt;
 }
 
 ast::NodePtr Parser::parseTablePrimary() {

@@ -1,12 +1,14 @@
 #include "platform/sql/SqlStringBuilder.h"
 
 #include "platform/sql/Keywords.h"
+#include "platform/sql/ParseContext.h"
 #include "platform/sql/SqlStrings.h"
 
 #include <sqlite3.h>
 
 #include <algorithm>
 #include <array>
+#include <initializer_list>
 #include <utility>
 
 namespace orvane::sql {
@@ -82,6 +84,18 @@ void appendQuoted(std::wstring& text, std::wstring_view content, wchar_t quote) 
     text.push_back(quote);
 }
 
+/// Quotes the name that a text begins with when it is one of the words given and no qualifier.
+void quoteLeadingWord(std::wstring& text, std::initializer_list<Keyword> words) {
+    const auto end = std::find_if_not(text.begin(), text.end(), isNamePart);
+    const Keyword keyword =
+        findKeyword(std::wstring_view(text).substr(0, static_cast<std::size_t>(end - text.begin())));
+    if (std::find(words.begin(), words.end(), keyword) != words.end() &&
+        (end == text.end() || *end != L'.')) {
+        text.insert(end, L'"');
+        text.insert(text.begin(), L'"');
+    }
+}
+
 /// Whether an operand needs no parentheses under the parent, neither in the dialect nor in SQLite, where "||"
 /// binds tighter than "*" and "<" tighter than "=".
 bool standsBare(OperationCode child, OperationCode parent, bool isLeft) {
@@ -134,18 +148,26 @@ std::wstring SqlStringBuilder::renderValue(const ast::NodePtr& node) {
 std::wstring SqlStringBuilder::renderOperand(const ast::NodePtr& node, OperationCode parent, bool isLeft) {
     const auto* operation = ast::nodeAs<ast::Operation>(node);
     std::wstring text = renderValue(node);
-    const bool doubleMinus = parent == OperationCode::Negate && !text.empty() && text.front() == L'-';
-    if (doubleMinus || (operation && !standsBare(operation->code(), parent, isLeft))) {
+    if (parent == OperationCode::Contains && !isLeft) {
+        quoteLeadingWord(text, {Keyword::Part, Keyword::Entire});
+    }
+    // A minus after a minus would begin a comment; a sign after Part would make that a column.
+    const bool signMisleads = parent == OperationCode::Negate || parent == OperationCode::ContainsPart ||
+                              parent == OperationCode::ContainsEntire;
+    const bool enclosed = signMisleads && !text.empty() && (text.front() == L'-' || text.front() == L'+');
+    if (enclosed || (operation && !standsBare(operation->code(), parent, isLeft))) {
         text.insert(text.begin(), L'(');
         text.push_back(L')');
     }
     return text;
 }
 
-void SqlStringBuilder::appendName(std::wstring& text, const std::wstring& name) const {
-    const bool bare = isPlainName(name) && !isReserved(findKeyword(name)) && !isSqliteKeyword(name) &&
-                      !(context_ && context_->isReservedName(name));
-    if (bare) {
+void SqlStringBuilder::appendName(std::wstring& text, const std::wstring& name, NameUse use) const {
+    const Keyword keyword = findKeyword(name);
+    const bool reserved = (isReserved(keyword) && !(use == NameUse::Call && isFunctionWord(keyword))) ||
+                          (use == NameUse::Column && isStandardBareFunction(toLowercase(name)));
+    if (isPlainName(name) && !reserved && !isSqliteKeyword(name) &&
+        !(context_ && context_->isReservedName(name))) {
         text += name;
     } else {
         appendQuoted(text, name, L'"');
@@ -172,7 +194,7 @@ void SqlStringBuilder::visit(const ast::ColumnReference& node) {
         appendName(text, node.qualifier);
         text.push_back(L'.');
     }
-    appendName(text, node.name);
+    appendName(text, node.name, node.qualifier.empty() ? NameUse::Column : NameUse::Plain);
     push(std::move(text));
 }
 
@@ -348,7 +370,7 @@ void SqlStringBuilder::visit(const ast::Function& node) {
         push(node.name);
         return;
     }
-    appendName(text, node.name);
+    appendName(text, node.name, NameUse::Call);
     text += node.distinct ? L"(Distinct " : L"(";
     const wchar_t* separator = L"";
     for (const ast::NodePtr& argument : node.arguments) {

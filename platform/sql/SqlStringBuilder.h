@@ -96,8 +96,13 @@ protected:
     /// The text of a node.
     std::wstring render(const ast::NodePtr& node);
 
+    enum class NameUse {
+        Plain,
+        Call,  ///< before "(": words such as Mod are free there
+        Column ///< of a column without qualifier: words that stand for calls are not free
+    };
     /// A name, quoted when it has to be.
-    void appendName(std::wstring& text, const std::wstring& name) const;
+    void appendName(std::wstring& text, const std::wstring& name, NameUse use = NameUse::Plain) const;
 
 private:
     std::wstring renderValue(const ast::NodePtr& node);

@@ -54,7 +54,7 @@ struct ORVANE_PLATFORM_EXPORT NamedColumnsJoin : NodeOfKind<NodeKind::NamedColum
     NodeList columns; ///< ColumnReference without qualifiers
 };
 
-enum class JoinKind { Inner, Left, Right, Full, Cross };
+enum class JoinKind { Inner, Left, Right, Full };
 
 /// Two joined sources.
 struct ORVANE_PLATFORM_EXPORT JoinNode : NodeOfKind<NodeKind::JoinNode> {
@@ -67,7 +67,7 @@ struct ORVANE_PLATFORM_EXPORT JoinNode : NodeOfKind<NodeKind::JoinNode> {
     bool natural;
     NodePtr left;
     NodePtr right;
-    NodePtr specification; ///< JoinCondition or NamedColumnsJoin; null for natural and cross joins
+    NodePtr specification; ///< JoinCondition or NamedColumnsJoin; null for a natural join
 };
 
 /// The sources after From, separated by commas.

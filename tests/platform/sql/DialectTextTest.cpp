@@ -1,0 +1,100 @@
+#include "platform/sql/DialectCases.h"
+#include "platform/sql/SqlParser.h"
+#include "platform/sql/SqlStringBuilder.h"
+#include "platform/sql/SqlStrings.h"
+#include "platform/sql/TreeDump.h"
+
+#include <gtest/gtest.h>
+
+namespace orvane::tests {
+namespace {
+
+using namespace sql;
+
+std::string print(const ParseResult& result) {
+    return toUtf8(SqlStringBuilder(nullptr).buildString(*result.node()));
+}
+
+TEST(DialectText, PrintsAndParsesBackToTheSameTree) {
+    for (const DialectCase& expected : readDialectCases()) {
+        if (!expected.error.empty()) {
+            continue;
+        }
+        SqlParser parser(nullptr);
+        ASSERT_TRUE(parser.parse(expected.input)) << expected << '\n' << parser.errors().front()->what();
+        const ParseResult first = parser.result();
+        EXPECT_EQ(print(first), expected.dialect) << expected;
+
+        ASSERT_TRUE(parser.parse(expected.dialect)) << expected << '\n' << parser.errors().front()->what();
+        EXPECT_EQ(toUtf8(dumpTree(parser.result().node())), toUtf8(dumpTree(first.node()))) << expected;
+        EXPECT_EQ(parser.result().isExpression(), first.isExpression()) << expected;
+    }
+}
+
+TEST(DialectText, ErrorsNameThePlaceAndTheRemedy) {
+    for (const DialectCase& expected : readDialectCases()) {
+        if (expected.error.empty()) {
+            continue;
+        }
+        SqlParser parser(nullptr);
+        ASSERT_FALSE(parser.parse(expected.input)) << expected;
+        ASSERT_EQ(parser.errors().size(), 1u) << expected;
+        EXPECT_EQ(parser.result().node(), nullptr) << expected;
+        const SqlSyntaxError& error = *parser.errors().front();
+        ASSERT_TRUE(error.place()) << expected;
+        const std::string place =
+            std::to_string(error.place()->line) + ':' + std::to_string(error.place()->column);
+        const std::string what = error.what();
+        EXPECT_EQ(place + what.substr(what.find(": ") + 1), expected.error) << expected;
+        EXPECT_EQ(toUtf8(error.message()), what) << expected;
+    }
+}
+
+TEST(DialectText, ExpressionsAreToldFromStatements) {
+    const std::pair<const char*, bool> texts[] = {{"a + 1", true},
+                                                  {"(Select 1)", false},
+                                                  {"(Select 1) + 1", true},
+                                                  {"((Select 1) Union Select 2)", false},
+                                                  {"Table t", false},
+                                                  {"Table", true},
+                                                  {"Update + 1", true},
+                                                  {"Delete From t", false},
+                                                  {"((Select (a) + 1)) Order By 1", false},
+                                                  {"((Select 1)) Is Null", true},
+                                                  {"(Select 1 Union Select (2)) In (1)", true},
+                                                  {"With t As (Select 1) Table t", false}};
+    for (const auto& [text, isExpression] : texts) {
+        SqlParser parser(nullptr);
+        ASSERT_TRUE(parser.parse(text)) << text << '\n' << parser.errors().front()->what();
+        EXPECT_EQ(parser.result().isExpression(), isExpression) << text;
+    }
+}
+
+TEST(DialectText, ContextNamesBareFunctionsAndReservedNames) {
+    struct Context : ParseContext, StringBuildContext {
+        bool isBareFunction(const std::wstring& name) const override { return name == L"now"; }
+        bool isReservedName(const std::wstring& name) const override { return name == L"a"; }
+    } context;
+    SqlParser parser(&context);
+    ASSERT_TRUE(parser.parse("NOW + a + now() + t.now"));
+    EXPECT_EQ(SqlStringBuilder(&context).buildString(*parser.result().node()),
+              L"NOW + \"a\" + now() + t.now");
+    SqlParser withoutContext(nullptr);
+    ASSERT_TRUE(withoutContext.parse("now"));
+    EXPECT_EQ(withoutContext.result().node()->kind, ast::NodeKind::ColumnReference);
+    ASSERT_TRUE(parser.parse("now"));
+    EXPECT_EQ(parser.result().node()->kind, ast::NodeKind::Function);
+}
+
+/// Trees that no text gives still print: nothing is read that is not there.
+TEST(DialectText, FaultyTreesPrint) {
+    const ast::Operation noOperands(OperationCode::Add, nullptr);
+    EXPECT_EQ(SqlStringBuilder(nullptr).buildString(noOperands), L" +");
+    const ast::Operation twoMinus(OperationCode::Negate, std::make_shared<ast::Number>(L"-5"));
+    EXPECT_EQ(SqlStringBuilder(nullptr).buildString(twoMinus), L"-(-5)");
+    EXPECT_EQ(SqlStringBuilder(nullptr).buildString(ast::QuerySpecification()), L"Select ");
+    EXPECT_EQ(SqlStringBuilder(nullptr).buildString(ast::UpdateStatement()), L"Update  Set ");
+}
+
+} // namespace
+} // namespace orvane::tests
