@@ -65,6 +65,20 @@ void SqliteStatement::bind(int parameter, std::string_view utf8) {
                               SQLITE_TRANSIENT, SQLITE_UTF8));
 }
 
+void SqliteStatement::bind(int parameter, const Cell& cell) {
+    switch (cell.type()) {
+    case CellType::Null: return bindNull(parameter);
+    case CellType::Integer: return bind(parameter, qint64{cell.integer()});
+    case CellType::Real: return bind(parameter, cell.real());
+    case CellType::Text: return bind(parameter, cell.view());
+    case CellType::Bytes:
+    case CellType::Wkb: break;
+    }
+    const std::string_view bytes = cell.view();
+    check(sqlite3_bind_blob64(statement_.get(), parameter, bytes.empty() ? "" : bytes.data(), bytes.size(),
+                              SQLITE_TRANSIENT));
+}
+
 bool SqliteStatement::next() {
     const int code = sqlite3_step(statement_.get());
     if (code == SQLITE_ROW) {

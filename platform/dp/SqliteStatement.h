@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Export.h"
+#include "platform/dp/Cursor.h"
 
 #include <QString>
 #include <QVariant>
@@ -21,6 +22,11 @@ public:
     /// Whether the statement is kept for many executions.
     enum class Use { Once, Repeated };
 
+    /// The text as bind takes it; valid as long as the text.
+    static std::u16string_view view(const QString& text) {
+        return {reinterpret_cast<const char16_t*>(text.utf16()), static_cast<std::size_t>(text.size())};
+    }
+
     /// `operation` names the unit of work in error messages.
     SqliteStatement(sqlite3* database, const QString& sql, const QString& operation, Use use = Use::Once);
     ~SqliteStatement();
@@ -32,6 +38,7 @@ public:
     void bind(int parameter, double value);
     void bind(int parameter, std::u16string_view text);
     void bind(int parameter, std::string_view utf8);
+    void bind(int parameter, const Cell& cell);
 
     /// Moves to the next row; false at the end.
     bool next();

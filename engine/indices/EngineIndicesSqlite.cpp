@@ -1,0 +1,386 @@
+#include <orvane/engine/EngineIndicesSqlite.h>
+
+#include "engine/indices/IndexMatching.h"
+#include "engine/indices/IndexSql.h"
+#include "engine/indices/SqliteInserter.h"
+#include "engine/indices/SqliteLoader.h"
+#include "engine/indices/SqliteLookup.h"
+#include "engine/indices/StorageDatabase.h"
+#include "engine/indices/StorageFile.h"
+#include <orvane/engine/Collator.h>
+#include <orvane/engine/EngineCache.h>
+#include <orvane/engine/EngineIndicesSetup.h>
+#include <orvane/engine/functions/Converters.h>
+
+#include <QFile>
+
+#include <algorithm>
+#include <map>
+
+namespace orvane::engine {
+
+namespace {
+
+constexpr quint32 allKnown =
+    IndexStatistics::Rows | IndexStatistics::LargestGroup | IndexStatistics::SmallestGroup;
+
+struct IndexEntry {
+    IndexColumns columns;
+    IndexStatistics statistics;
+    unsigned long long groups = 0;
+};
+
+bool covers(const IndexColumns& columns, qint32 attribute) {
+    return std::find(columns.begin(), columns.end(), attribute) != columns.end();
+}
+
+bool isPattern(quint8 operation) {
+    return operation == EngineIndices::Like || operation == EngineIndices::Glob;
+}
+
+} // namespace
+
+struct EngineIndicesSqlite::Internal {
+    QString fileName;
+    StorageOptions options;
+    std::shared_ptr<dp::SqliteDatabaseAccess> database;
+    std::shared_ptr<LookupStatements> lookups;
+    std::map<int, IndexEntry> indices;
+    qint32 lastIndexId = 0;
+    unsigned long long quantity = 0;
+
+    const IndexEntry* find(int index) const {
+        const auto found = indices.find(index);
+        return found == indices.end() ? nullptr : &found->second;
+    }
+
+    void closeStorage() {
+        indices.clear();
+        lookups.reset();
+        database.reset();
+        if (!fileName.isEmpty()) {
+            QFile::remove(fileName);
+            fileName.clear();
+        }
+    }
+
+    void openStorage() {
+        closeStorage();
+        fileName = newStoragePath();
+        database = openStorageDatabase(fileName, options);
+        lookups = std::make_shared<LookupStatements>(database);
+    }
+
+    /// Runs a statement as a unit of work of its own.
+    void change(const QString& operation, const QString& sql) {
+        if (!database) {
+            return;
+        }
+        auto work = database->open(operation);
+        database->exec(sql);
+        work.close();
+    }
+
+    void resetStatistics(int index);
+    /// The same after a load, with what the loader has counted if it could.
+    void resetStatistics(int index, const GroupCounts* counts);
+    bool isOrderedByCollator(const dp::TableSchema& schema, int attribute) const;
+    /// Whether a pattern on the attribute can be narrowed to a range of the index. The order of the column
+    /// has to ignore letter case as the pattern does, or rows would be lost.
+    bool isNarrowed(const dp::TableSchema& schema, const Column& column) const {
+        const bool ignoresCase =
+            column.operation == Like ? options.caseInsensitiveLike : options.caseInsensitiveGlob;
+        return isPattern(column.operation) && ignoresCase &&
+               isOrderedByCollator(schema, static_cast<int>(column.attribute));
+    }
+    std::vector<Constant> withPatternRanges(const dp::TableSchema& schema,
+                                            const std::vector<Constant>& constants) const;
+    QString searchSql(int index, const IndexColumns& columns, const std::vector<Constant>& constants) const;
+};
+
+void EngineIndicesSqlite::Internal::resetStatistics(int index) {
+    const auto found = indices.find(index);
+    if (found == indices.end() || found->second.columns.isEmpty()) {
+        return;
+    }
+    QString columns;
+    for (const qint32 column : found->second.columns) {
+        columns += (columns.isEmpty() ? QString() : QStringLiteral(",")) + indexColumn(column);
+    }
+    dp::SqliteStatement query = database->query(
+        QStringLiteral("Select Sum(n),Max(n),Min(n) From (Select Count(*) n From %1 Group By %2)")
+            .arg(indexTable(index), columns));
+    if (!query.next()) {
+        return;
+    }
+    IndexStatistics& statistics = found->second.statistics;
+    statistics.rows = query.integer(0);
+    statistics.largestGroup = query.integer(1);
+    statistics.smallestGroup = query.integer(2);
+    statistics.known = allKnown;
+    found->second.groups = 0;
+}
+
+void EngineIndicesSqlite::Internal::resetStatistics(int index, const GroupCounts* counts) {
+    const auto found = indices.find(index);
+    if (found == indices.end()) {
+        return;
+    }
+    if (!counts) {
+        resetStatistics(index);
+        return;
+    }
+    found->second.statistics = {allKnown, counts->rows, counts->largestGroup, counts->smallestGroup};
+    found->second.groups = static_cast<unsigned long long>(counts->groups);
+}
+
+bool EngineIndicesSqlite::Internal::isOrderedByCollator(const dp::TableSchema& schema, int attribute) const {
+    return !options.collate.isEmpty() && attribute >= 0 && attribute < schema.numAttributes() &&
+           schema.at(attribute)->type() == QMetaType::QString;
+}
+
+std::vector<EngineIndices::Constant>
+EngineIndicesSqlite::Internal::withPatternRanges(const dp::TableSchema& schema,
+                                                 const std::vector<Constant>& constants) const {
+    std::vector<Constant> expanded;
+    for (const Constant& constant : constants) {
+        if (isNarrowed(schema, {static_cast<quint32>(constant.attribute), constant.operation}) &&
+            !constant.value.isNull()) {
+            const PatternRange range =
+                patternRange(constant.value.toString(), constant.operation, options.collator);
+            if (!range.lower.isEmpty()) {
+                expanded.push_back({constant.attribute, GreaterOrEqual, range.lower});
+            }
+            if (!range.upper.isEmpty()) {
+                expanded.push_back({constant.attribute, Less, range.upper});
+            }
+        }
+        expanded.push_back(constant);
+    }
+    return expanded;
+}
+
+QString EngineIndicesSqlite::Internal::searchSql(int index, const IndexColumns& columns,
+                                                 const std::vector<Constant>& constants) const {
+    QString conditions;
+    for (const Constant& constant : constants) {
+        if (!covers(columns, constant.attribute)) {
+            continue;
+        }
+        conditions +=
+            (conditions.isEmpty() ? QString() : QStringLiteral(" And ")) + indexColumn(constant.attribute);
+        conditions += constant.value.isNull() ? QStringLiteral(" Is Null")
+                                              : operatorText(constant.operation) + sqlLiteral(constant.value);
+    }
+    return conditions.isEmpty() ? QString()
+                                : QStringLiteral("Select id From ") + indexTable(index) +
+                                      QStringLiteral(" Where ") + conditions + QLatin1Char(';');
+}
+
+EngineIndicesSqlite::EngineIndicesSqlite(const EngineIndicesSetup& setup, EngineCache& cache)
+    : EngineIndices(setup, cache), internal_(std::make_unique<Internal>()) {
+    internal_->options.caseInsensitiveGlob = setup.value("UseCaseInsensitiveGlob", false).toBool();
+    internal_->options.caseInsensitiveLike = setup.value("UseCaseInsensitiveLike", false).toBool();
+    internal_->options.collate = setup.value("Collate", QString()).toString();
+    internal_->options.collator = collator();
+}
+
+EngineIndicesSqlite::~EngineIndicesSqlite() {
+    internal_->closeStorage();
+}
+
+void EngineIndicesSqlite::createStorageImpl(const dp::TableSchema& schema) {
+    internal_->openStorage();
+    setSchema(std::make_unique<dp::TableSchema>(schema.attributes()));
+}
+
+void EngineIndicesSqlite::dropStorage() {
+    internal_->closeStorage();
+    setSchema(nullptr);
+}
+
+bool EngineIndicesSqlite::isCorrect() const {
+    return internal_->database && schema() && schema()->numAttributes() > 0;
+}
+
+int EngineIndicesSqlite::findIndexImpl(const std::vector<Column>& columns, Conformance& conformance) const {
+    const std::vector<Column> normalized = normalizedColumns(columns, schema()->numAttributes());
+    conformance = {};
+    int best = -1;
+    for (const auto& [index, entry] : internal_->indices) {
+        const Conformance match = matchIndex(entry.columns, normalized);
+        if (match.score > conformance.score) {
+            conformance = match;
+            best = index;
+        }
+    }
+    return best;
+}
+
+int EngineIndicesSqlite::addIndexImpl(const std::vector<Column>& columns) {
+    Conformance conformance;
+    const int existing = findIndexImpl(columns, conformance);
+    if (conformance.score >= 1.0) {
+        return existing;
+    }
+    const std::vector<Column> normalized = normalizedColumns(columns, schema()->numAttributes());
+    const int index = ++internal_->lastIndexId;
+    const QString sql = createIndexSql(indexTable(index), normalized, *schema(), internal_->options.collate);
+    if (!internal_->database || sql.isEmpty()) {
+        return -1;
+    }
+    internal_->change(QStringLiteral("addIndex"), sql);
+    IndexEntry& entry = internal_->indices[index];
+    for (const Column& column : normalized) {
+        entry.columns.append(static_cast<qint32>(column.attribute));
+    }
+    return index;
+}
+
+void EngineIndicesSqlite::dropIndex(int index) {
+    if (internal_->lookups) {
+        internal_->lookups->clear();
+    }
+    internal_->change(QStringLiteral("dropIndex"),
+                      QStringLiteral("Drop Table If Exists %0%1;").arg(QStringLiteral("i")).arg(index));
+    internal_->indices.erase(index);
+}
+
+void EngineIndicesSqlite::clearIndex(int index) {
+    internal_->change(QStringLiteral("clearIndex"),
+                      QStringLiteral("Delete From %0%1;").arg(QStringLiteral("i")).arg(index));
+}
+
+std::unique_ptr<EngineIndices::InserterInterface> EngineIndicesSqlite::getInserter(int index) {
+    return std::make_unique<SqliteInserter>(index, internal_->indices[index].columns, cache());
+}
+
+void EngineIndicesSqlite::flushInserter(std::unique_ptr<InserterInterface> inserter) {
+    if (!inserter || !internal_->database) {
+        return;
+    }
+    internal_->change(QStringLiteral("addRows"), inserter->sql());
+    internal_->resetStatistics(inserter->indexId());
+}
+
+EngineIndices::FeatureIds EngineIndicesSqlite::findRows(int index,
+                                                        const std::vector<Constant>& constants) const {
+    FeatureIds ids(
+        [](const dp::FeatureId& a, const dp::FeatureId& b) { return variantCompare(a.value(), b.value()); });
+    const IndexEntry* entry = internal_->find(index);
+    if (!isCorrect() || !entry) {
+        return ids;
+    }
+    const QString sql =
+        internal_->searchSql(index, entry->columns, internal_->withPatternRanges(*schema(), constants));
+    if (sql.isEmpty()) {
+        return ids;
+    }
+    dp::SqliteStatement query = internal_->database->query(sql);
+    while (query.next()) {
+        ids.insert(cache().intToId(query.integer(0)));
+    }
+    return ids;
+}
+
+const IndexStatistics& EngineIndicesSqlite::statistics(int index) const {
+    static const IndexStatistics unknown;
+    const IndexEntry* entry = internal_->find(index);
+    return isCorrect() && entry ? entry->statistics : unknown;
+}
+
+unsigned long long EngineIndicesSqlite::quantity() const {
+    if (!isCorrect()) {
+        return 0;
+    }
+    if (internal_->quantity != 0) {
+        return internal_->quantity;
+    }
+    for (const auto& [index, entry] : internal_->indices) {
+        if (entry.statistics.rows != 0) {
+            return static_cast<unsigned long long>(entry.statistics.rows);
+        }
+    }
+    return 0;
+}
+
+void EngineIndicesSqlite::setQuantity(unsigned long long quantity) {
+    internal_->quantity = quantity;
+}
+
+unsigned long long EngineIndicesSqlite::estimateRows(int index, const std::vector<Column>& columns) const {
+    const IndexEntry* entry = internal_->find(index);
+    if (!isCorrect() || !entry) {
+        return 0;
+    }
+    const std::vector<Column> normalized = normalizedColumns(columns, schema()->numAttributes());
+    if (normalized.empty()) {
+        return 0;
+    }
+    // Fields that are not known are 0, which is what they count for.
+    const IndexStatistics& statistics = entry->statistics;
+    const quint8 first = normalized.front().operation;
+    qint64 estimate = statistics.rows / 2;
+    if (first == NotEqual || first == IsNot) {
+        estimate = statistics.rows - statistics.smallestGroup;
+    } else if (isEquality(normalized.back().operation)) {
+        estimate = statistics.largestGroup;
+    }
+    return static_cast<unsigned long long>(estimate);
+}
+
+void EngineIndicesSqlite::enumColumns(int index, const std::function<Status(int)>& callback) const {
+    const IndexEntry* entry = internal_->find(index);
+    if (!isCorrect() || !entry) {
+        return;
+    }
+    for (const qint32 column : entry->columns) {
+        if (callback(column) == Status::Stop) {
+            return;
+        }
+    }
+}
+
+std::unique_ptr<EngineIndices::RowLoader> EngineIndicesSqlite::getLoader(int index) {
+    const IndexEntry* entry = internal_->find(index);
+    if (!isCorrect() || !entry || entry->columns.isEmpty()) {
+        return nullptr;
+    }
+    std::vector<bool> collated;
+    for (const qint32 column : entry->columns) {
+        collated.push_back(internal_->isOrderedByCollator(*schema(), column));
+    }
+    return std::make_unique<SqliteLoader>(
+        internal_->database, index, entry->columns,
+        RowSorter(std::move(collated), internal_->options.collator),
+        [this, index](const GroupCounts* counts) { internal_->resetStatistics(index, counts); });
+}
+
+std::unique_ptr<EngineIndices::RowLookup>
+EngineIndicesSqlite::getLookup(int index, std::span<const Column> columns, RowOrder order) const {
+    const IndexEntry* entry = internal_->find(index);
+    if (!isCorrect() || !entry) {
+        return nullptr;
+    }
+    SqliteLookup::Search search;
+    search.index = index;
+    if (order != RowOrder::Any) {
+        search.orderColumns.assign(entry->columns.begin(), entry->columns.end());
+        search.isDescending = order == RowOrder::Descending;
+    }
+    for (const Column& column : columns) {
+        if (!covers(entry->columns, static_cast<qint32>(column.attribute)) ||
+            operatorText(column.operation).isEmpty()) {
+            return nullptr;
+        }
+        search.terms.push_back({column, internal_->isNarrowed(*schema(), column)});
+    }
+    return std::make_unique<SqliteLookup>(internal_->lookups, std::move(search), internal_->options.collator);
+}
+
+unsigned long long EngineIndicesSqlite::groups(int index) const {
+    const IndexEntry* entry = internal_->find(index);
+    return isCorrect() && entry ? entry->groups : 0;
+}
+
+} // namespace orvane::engine

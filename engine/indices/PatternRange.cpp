@@ -1,0 +1,50 @@
+#include "engine/indices/PatternRange.h"
+
+#include <algorithm>
+
+namespace orvane::engine {
+
+namespace {
+
+/// The text before the first wildcard.
+QString literalPrefix(const QString& pattern, quint8 operation) {
+    const QString wildcards = operation == EngineIndices::Like ? QStringLiteral("%_") : QStringLiteral("*?[");
+    const auto end = std::find_if(pattern.begin(), pattern.end(),
+                                  [&wildcards](QChar character) { return wildcards.contains(character); });
+    return pattern.left(static_cast<int>(end - pattern.begin()));
+}
+
+/// Whether every text that begins with `character` comes before every text that begins with the next one. It
+/// does not where the order is one of whole words (a control character appended changes nothing, so letters
+/// may join with what follows them), nor where the next code is that of a letter or sign ordered elsewhere
+/// ("Z" and "[", "Я" and "а").
+bool isFollowedByNextCode(QChar character, const QCollator& collator) {
+    if (character.isSurrogate() || character.unicode() == 0xffff) {
+        return false;
+    }
+    const QString text(character);
+    const QString next(QChar(character.unicode() + 1));
+    return collator.compare(text, text + QChar(1)) < 0 && collator.compare(text, next) < 0;
+}
+
+} // namespace
+
+PatternRange patternRange(const QString& pattern, quint8 operation, const QCollator& collator) {
+    if (operation != EngineIndices::Like && operation != EngineIndices::Glob) {
+        return {};
+    }
+    PatternRange range;
+    range.lower = literalPrefix(pattern, operation);
+    range.upper = range.lower;
+    while (!range.upper.isEmpty()) {
+        QChar& last = range.upper[range.upper.size() - 1];
+        if (isFollowedByNextCode(last, collator)) {
+            last = QChar(last.unicode() + 1);
+            break;
+        }
+        range.upper.chop(1);
+    }
+    return range;
+}
+
+} // namespace orvane::engine

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "engine/indices/IndexMatching.h"
+#include "engine/indices/RowSorter.h"
+#include "platform/dp/Cancellation.h"
+#include "platform/dp/SqliteDatabaseAccess.h"
+
+#include <functional>
+
+namespace orvane::engine {
+
+/// What the rows of one load, sorted, are known to look like.
+struct GroupCounts {
+    qint64 rows = 0;
+    qint64 largestGroup = 0;
+    qint64 smallestGroup = 0;
+    qint64 groups = 0;
+};
+
+/// Loads rows through one prepared Insert. They are inserted in the order of the index, which lets SQLite
+/// append to its pages instead of searching the tree for every row.
+class SqliteLoader : public EngineIndices::RowLoader {
+public:
+    /// Called once all rows are in the database: with the counts when these rows are all the index has and
+    /// were sorted in one portion, else with null.
+    using Stored = std::function<void(const GroupCounts* counts)>;
+
+    SqliteLoader(std::shared_ptr<dp::SqliteDatabaseAccess> database, int index, const IndexColumns& columns,
+                 RowSorter sorter, Stored stored);
+    ~SqliteLoader() override;
+
+    void addRow(qint64 row, std::span<const dp::Cell> values) override;
+    void finish() override;
+
+private:
+    void storePortion();
+    void countGroups();
+
+    std::shared_ptr<dp::SqliteDatabaseAccess> database_;
+    dp::SqliteDatabaseAccess::UnitOfWork work_;
+    dp::SqliteStatement insert_;
+    RowSorter sorter_;
+    Stored stored_;
+    bool isCounting_;
+    GroupCounts counts_;
+    dp::Cancellation cancellation_;
+};
+
+} // namespace orvane::engine

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "platform/dp/SqliteDatabaseAccess.h"
+
+#include <QCollator>
+
+namespace orvane::engine {
+
+/// What the statements of an index database need besides SQLite.
+struct StorageOptions {
+    QString collate; ///< the name under which the collator orders texts; none when empty
+    QCollator collator;
+    bool caseInsensitiveLike = false;
+    bool caseInsensitiveGlob = false;
+};
+
+/// Makes the database of a storage file, claims it for this process, and registers the collation and the
+/// pattern functions. Throws err::SqliteException.
+std::shared_ptr<dp::SqliteDatabaseAccess> openStorageDatabase(const QString& path,
+                                                              const StorageOptions& options);
+
+} // namespace orvane::engine
