@@ -27,6 +27,12 @@ QString realLiteral(double value) {
     return QString::number(value, 'g', digits);
 }
 
+QString decimalLiteral(const QDecNumber& value) {
+    const QString text = decNumberToString(value);
+    const bool isFinite = text.back().isDigit();
+    return isFinite ? text : realLiteral(value.toDouble());
+}
+
 QString columnDeclaration(const dp::SimpleAttributeDefinition& attribute, const QString& collate) {
     const QString type = sqlName(attribute.type());
     if (attribute.type() == QMetaType::QString) {
@@ -85,7 +91,7 @@ QString sqlLiteral(const QVariant& value) {
     default: break;
     }
     if (value.userType() == qMetaTypeId<QDecNumber>()) {
-        return decNumberToString(value.value<QDecNumber>());
+        return decimalLiteral(value.value<QDecNumber>());
     }
     return quoted(value.toString());
 }

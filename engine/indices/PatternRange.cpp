@@ -37,12 +37,12 @@ PatternRange patternRange(const QString& pattern, quint8 operation, const QColla
     range.lower = literalPrefix(pattern, operation);
     range.upper = range.lower;
     while (!range.upper.isEmpty()) {
-        QChar& last = range.upper[range.upper.size() - 1];
+        const QChar last = range.upper.back();
+        range.upper.chop(1);
         if (isFollowedByNextCode(last, collator)) {
-            last = QChar(last.unicode() + 1);
+            range.upper += QChar(last.unicode() + 1);
             break;
         }
-        range.upper.chop(1);
     }
     return range;
 }

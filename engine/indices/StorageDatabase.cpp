@@ -9,6 +9,8 @@
 
 #include <sqlite3.h>
 
+#include <cstring>
+
 namespace orvane::engine {
 
 namespace {
@@ -20,14 +22,13 @@ using Utf16 = QVarLengthArray<QChar, inlineUnits>;
 void toUtf16(const char* text, int length, Utf16& utf16) {
     utf16.resize(length);
     for (int i = 0; i < length; ++i) {
-        const auto byte = static_cast<unsigned char>(text[i]);
-        if (byte >= 0x80) {
+        if (static_cast<unsigned char>(text[i]) >= 0x80) {
             const QString converted = QString::fromUtf8(text, length);
             utf16.resize(converted.size());
             std::copy(converted.begin(), converted.end(), utf16.begin());
             return;
         }
-        utf16[i] = QChar(byte);
+        utf16[i] = QLatin1Char(text[i]);
     }
 }
 

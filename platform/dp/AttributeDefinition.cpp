@@ -1,15 +1,8 @@
 #include "platform/dp/AttributeDefinition.h"
 
-#include "platform/cs/CoordSystem.h"
-
-#include <QMetaType>
+#include "platform/geometry/Geometry.h"
 
 #include <utility>
-
-namespace orvane::geometry {
-class Geometry;
-}
-Q_DECLARE_METATYPE(std::shared_ptr<const orvane::geometry::Geometry>)
 
 template<>
 orvane::dp::AttributeDefinition* QSharedDataPointer<orvane::dp::AttributeDefinition>::clone() {

@@ -1,8 +1,11 @@
 #include "platform/dp/CellConversion.h"
 
+#include "platform/geometry/GeometryFactory.h"
+
 #include <QDateTime>
 
 #include <limits>
+#include <stdexcept>
 
 namespace orvane::dp {
 
@@ -31,6 +34,17 @@ QVariant fromText(const QString& text, int type) {
     }
 }
 
+QVariant fromWkb(std::string_view wkb, const AttributeDefinition& attribute) {
+    const auto* definition = dynamic_cast<const GeometryAttributeDefinition*>(&attribute);
+    try {
+        const std::shared_ptr<const geometry::Geometry> geometry =
+            geometry::GeometryFactory::fromWkb(wkb, definition ? definition->coordSystem() : nullptr);
+        return QVariant::fromValue(geometry);
+    } catch (const std::runtime_error&) {
+        return {};
+    }
+}
+
 QByteArray bytes(std::string_view view) {
     return {view.data(), static_cast<int>(view.size())};
 }
@@ -46,7 +60,7 @@ QVariant toVariant(const Cell& cell, const AttributeDefinition& attribute) {
         return fromText(QString::fromUtf8(cell.view().data(), static_cast<int>(cell.view().size())),
                         attribute.type());
     case CellType::Bytes: return bytes(cell.view());
-    case CellType::Wkb: return bytes(cell.view());
+    case CellType::Wkb: return fromWkb(cell.view(), attribute);
     }
     return {};
 }

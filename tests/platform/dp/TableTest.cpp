@@ -1,5 +1,6 @@
 #include "platform/dp/Table.h"
 #include "platform/dp/CellConversion.h"
+#include "platform/geometry/GeometryFactory.h"
 
 #include <QDateTime>
 
@@ -157,6 +158,17 @@ TEST(CellConversion, GivesTheTypeOfTheAttributeWhereItCanHoldTheValue) {
         EXPECT_EQ(value, test.expected) << qPrintable(test.expected.toString());
         EXPECT_EQ(value.userType(), test.expected.userType()) << qPrintable(test.expected.toString());
     }
+}
+
+TEST(CellConversion, MakesGeometriesOfWellKnownBinary) {
+    const GeometryAttributeDefinition attribute(QStringLiteral("obj"), nullptr);
+    const std::string point("\1\1\0\0\0\0\0\0\0\0\0\xf0\x3f\0\0\0\0\0\0\0\x40", 21); // POINT(1 2)
+    const QVariant value = toVariant(Cell::ofWkb(point), attribute);
+    ASSERT_EQ(value.userType(), attribute.type());
+    const auto geometry = value.value<std::shared_ptr<const orvane::geometry::Geometry>>();
+    EXPECT_EQ(orvane::geometry::GeometryFactory::toWkb(geometry, QSysInfo::LittleEndian),
+              QByteArray::fromStdString(point));
+    EXPECT_FALSE(toVariant(Cell::ofWkb(std::string_view(point).substr(0, 20)), attribute).isValid());
 }
 
 } // namespace
