@@ -82,8 +82,8 @@ QString sqlLiteral(const QVariant& value) {
     case QMetaType::Long:
     case QMetaType::Short:
     case QMetaType::ULong:
-    case QMetaType::UShort:
-    case QMetaType::UChar: return value.toString();
+    case QMetaType::UShort: return value.toString();
+    case QMetaType::UChar: return QString::number(value.toUInt()); // its toString is the character
     case QMetaType::Double: return realLiteral(value.toDouble());
     case QMetaType::QDate: return quoted(toString(value.toDate()));
     case QMetaType::QTime: return quoted(toString(value.toTime()));

@@ -1,17 +1,34 @@
 #include "engine/indices/PatternRange.h"
 
 #include <algorithm>
+#include <array>
+#include <utility>
 
 namespace orvane::engine {
 
 namespace {
 
-/// The text before the first wildcard.
+/// Whether the order puts the letter after the consonant that follows it in writing, so that "letter +
+/// consonant" comes before the letter alone. Unicode's property Logical_Order_Exception, for the scripts of
+/// the basic plane.
+bool isOrderedAfterItsSuccessor(QChar character) {
+    constexpr std::array<std::pair<ushort, ushort>, 5> ranges = {
+        {{0x0e40, 0x0e44}, {0x0ec0, 0x0ec4}, {0x19b5, 0x19b7}, {0x19ba, 0x19ba}, {0xaab5, 0xaabc}}};
+    return std::any_of(ranges.begin(), ranges.end(), [character](const auto& range) {
+        return range.first <= character.unicode() && character.unicode() <= range.second;
+    });
+}
+
+/// The text before the first wildcard, as far as every text that begins with it cannot come before it.
 QString literalPrefix(const QString& pattern, quint8 operation) {
     const QString wildcards = operation == EngineIndices::Like ? QStringLiteral("%_") : QStringLiteral("*?[");
     const auto end = std::find_if(pattern.begin(), pattern.end(),
                                   [&wildcards](QChar character) { return wildcards.contains(character); });
-    return pattern.left(static_cast<int>(end - pattern.begin()));
+    QString prefix = pattern.left(static_cast<int>(end - pattern.begin()));
+    while (!prefix.isEmpty() && isOrderedAfterItsSuccessor(prefix.back())) {
+        prefix.chop(1);
+    }
+    return prefix;
 }
 
 /// Whether every text that begins with `character` comes before every text that begins with the next one. It

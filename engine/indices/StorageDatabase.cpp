@@ -1,5 +1,6 @@
 #include "engine/indices/StorageDatabase.h"
 
+#include "engine/indices/PatternFunctions.h"
 #include "engine/indices/StorageFile.h"
 #include "platform/core/SqliteException.h"
 #include <orvane/engine/Collator.h>
@@ -87,11 +88,11 @@ std::shared_ptr<dp::SqliteDatabaseAccess> openStorageDatabase(const QString& pat
         registerCollation(database->handle(), options);
     }
     if (options.caseInsensitiveLike) {
-        registerFunction(database->handle(), "like", 2, caseInsensitiveLike);
+        registerFunction(database->handle(), "like", 2, searchLike);
         registerFunction(database->handle(), "like", 3, caseInsensitiveLikeEscape);
     }
     if (options.caseInsensitiveGlob) {
-        registerFunction(database->handle(), "glob", 2, caseInsensitiveGlob);
+        registerFunction(database->handle(), "glob", 2, searchGlob);
     }
     return database;
 }

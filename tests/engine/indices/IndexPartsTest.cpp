@@ -30,11 +30,11 @@ TEST(NormalizedColumns, KeepEachValidAttributeOnceWithEqualitiesFirst) {
     };
     const std::vector<Case> cases = {
         {{}, ""},
-        {{{10, 1}, {9, 1}}, "9:1 "},                                     // beyond the schema of 10
-        {{{1, 0}, {2, 11}, {3, 10}, {4, 255}}, "3:10 "},                 // codes that are none
-        {{{3, 5}, {3, 1}}, "3:1 "},                                      // the smaller code wins
-        {{{3, 3}, {5, 6}, {3, 1}, {7, 2}}, "3:1 7:2 5:6 "},              // a merged equality moves to the front
-        {{{5, 9}, {3, 4}, {1, 2}, {0, 1}}, "1:2 0:1 5:9 3:4 "},          // the order inside both groups is kept
+        {{{10, 1}, {9, 1}}, "9:1 "},                            // beyond the schema of 10
+        {{{1, 0}, {2, 11}, {3, 10}, {4, 255}}, "3:10 "},        // codes that are none
+        {{{3, 5}, {3, 1}}, "3:1 "},                             // the smaller code wins
+        {{{3, 3}, {5, 6}, {3, 1}, {7, 2}}, "3:1 7:2 5:6 "},     // a merged equality moves to the front
+        {{{5, 9}, {3, 4}, {1, 2}, {0, 1}}, "1:2 0:1 5:9 3:4 "}, // the order inside both groups is kept
         {{{3, 6}, {3, 5}, {2, 7}, {2, 3}}, "3:5 2:3 "},
     };
     for (const Case& test : cases) {
@@ -52,15 +52,15 @@ TEST(MatchIndex, ScoresTheLeadingEqualitiesAndOneColumnMore) {
     const std::vector<Case> cases = {
         {{3}, {{3, 1}}, 1.0, true},
         {{3}, {{3, 1}, {5, 1}}, 0.5, true},
-        {{3, 5}, {{5, 1}, {3, 1}}, 1.0, true},        // the order of the request does not matter
-        {{3, 5, 7}, {{3, 1}}, 1.0, true},             // a longer index serves, too
-        {{5, 3}, {{3, 1}}, 0.0, false},               // but not with another column in front
+        {{3, 5}, {{5, 1}, {3, 1}}, 1.0, true}, // the order of the request does not matter
+        {{3, 5, 7}, {{3, 1}}, 1.0, true},      // a longer index serves, too
+        {{5, 3}, {{3, 1}}, 0.0, false},        // but not with another column in front
         {{3, 5}, {{3, 1}, {5, 3}}, 1.0, false},
         {{3}, {{3, 1}, {5, 3}}, 0.5, false},
-        {{3, 5, 7}, {{3, 1}, {7, 3}}, 1.0, false},    // the last column counts, whatever lies between
+        {{3, 5, 7}, {{3, 1}, {7, 3}}, 1.0, false}, // the last column counts, whatever lies between
         {{3, 7, 5}, {{3, 1}, {7, 3}}, 0.5, false},
-        {{5}, {{5, 9}, {7, 3}}, 1.0, false},          // one of several ranges is all that an index can serve
-        {{3}, {{1, 1}, {3, 5}}, 0.0, false},          // a range without the equality
+        {{5}, {{5, 9}, {7, 3}}, 1.0, false}, // one of several ranges is all that an index can serve
+        {{3}, {{1, 1}, {3, 5}}, 0.0, false}, // a range without the equality
         {{}, {{3, 1}}, 0.0, false},
         {{3}, {}, 0.0, false},
     };
@@ -108,7 +108,8 @@ TEST(SqlLiteral, WritesEveryTypeAsSqlReadsIt) {
 TEST(CreateIndexSql, DeclaresTheColumnsAndTheKey) {
     QVector<dp::AttributeDefinitionPointer> attributes;
     const auto add = [&attributes](int type, dp::SimpleAttributeDefinition::Options options = {}) {
-        attributes.append(dp::AttributeDefinitionPointer(new dp::SimpleAttributeDefinition({}, type, options)));
+        attributes.append(
+            dp::AttributeDefinitionPointer(new dp::SimpleAttributeDefinition({}, type, options)));
     };
     add(QMetaType::LongLong);
     add(QMetaType::QString, {.length = 30});

@@ -99,7 +99,8 @@ TEST_F(IndexSearch, ComparesTextsByTheLocaleAndCombinesConditions) {
 
 TEST_F(IndexSearch, LooksUpWithOperandsThatCompareAsInSql) {
     const int index = makeIndex({QMetaType::QString, QMetaType::Double});
-    insert(index, {{text("b"), 2.5}, {text("A"), 1}, {QVariant(), 7}, {text("a"), QVariant()}, {text("B"), -1}});
+    insert(index,
+           {{text("b"), 2.5}, {text("A"), 1}, {QVariant(), 7}, {text("a"), QVariant()}, {text("B"), -1}});
     struct Case {
         Columns columns;
         Cells operands;
@@ -124,7 +125,8 @@ TEST_F(IndexSearch, LooksUpWithOperandsThatCompareAsInSql) {
     for (std::size_t i = 0; i < cases.size(); ++i) {
         const auto ascending = store_->getLookup(index, cases[i].columns, EngineIndices::RowOrder::Ascending);
         EXPECT_EQ(rowsOf(*ascending, cases[i].operands), cases[i].rows) << "case " << i;
-        const auto descending = store_->getLookup(index, cases[i].columns, EngineIndices::RowOrder::Descending);
+        const auto descending =
+            store_->getLookup(index, cases[i].columns, EngineIndices::RowOrder::Descending);
         EXPECT_EQ(rowsOf(*descending, cases[i].operands), Rows(cases[i].rows.rbegin(), cases[i].rows.rend()))
             << "case " << i;
     }

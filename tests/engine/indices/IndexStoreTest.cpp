@@ -35,8 +35,8 @@ TEST_F(IndexStore, NeedsAnAttribute) {
 }
 
 TEST_F(IndexStore, ReusesAnIndexThatServesEveryConditionAndNumbersNewOnes) {
-    ASSERT_TRUE(store_->createStorage(makeSchema(
-        {QMetaType::Int, QMetaType::Int, QMetaType::Int, QMetaType::Int, QMetaType::Int, QMetaType::QString})));
+    ASSERT_TRUE(store_->createStorage(makeSchema({QMetaType::Int, QMetaType::Int, QMetaType::Int,
+                                                  QMetaType::Int, QMetaType::Int, QMetaType::QString})));
     EXPECT_EQ(store_->addIndex({{3, 1}}), 1);
     EXPECT_EQ(store_->addIndex({{3, 1}, {5, 1}}), 2);
     EXPECT_EQ(store_->addIndex({{5, 2}, {3, 1}}), 2);
@@ -117,9 +117,15 @@ TEST_F(IndexStore, KnowsTheSizesOfGroupsAndEstimatesFromThem) {
         unsigned long long rows;
     };
     const std::vector<Case> cases = {
-        {{{0, Operation::Equal}}, 2},     {{{0, Operation::Is}}, 2},      {{{0, Operation::NotEqual}}, 2},
-        {{{0, Operation::IsNot}}, 2},     {{{0, Operation::Greater}}, 1}, {{{0, Operation::Like}}, 1},
-        {{{0, 1}, {1, Operation::Less}}, 1}, {{}, 0},                     {{{7, 1}}, 0},
+        {{{0, Operation::Equal}}, 2},
+        {{{0, Operation::Is}}, 2},
+        {{{0, Operation::NotEqual}}, 2},
+        {{{0, Operation::IsNot}}, 2},
+        {{{0, Operation::Greater}}, 1},
+        {{{0, Operation::Like}}, 1},
+        {{{0, 1}, {1, Operation::Less}}, 1},
+        {{}, 0},
+        {{{7, 1}}, 0},
     };
     for (const Case& test : cases) {
         EXPECT_EQ(store_->estimateRows(index, test.columns), test.rows)
