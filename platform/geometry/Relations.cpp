@@ -267,6 +267,20 @@ bool containsPosition(const Geometry& a, double x, double y) {
     return askPosition(a, x, y, GEOSPreparedContains_r, containsGeos);
 }
 
+double planarDistance(const Geometry& a, const Geometry& b) {
+    const PairLock lock(a.geosForm(), b.geosForm());
+    const GEOSGeometry* plainA = a.geosForm().plain(a);
+    const GEOSGeometry* plainB = b.geosForm().plain(b);
+    if (!plainA || !plainB) {
+        throw std::runtime_error("A coordinate of the geometry is not finite.");
+    }
+    double distance = 0.0;
+    if (GEOSDistance_r(geosContext(), plainA, plainB, &distance) != 1) {
+        throwGeosError();
+    }
+    return distance;
+}
+
 std::shared_ptr<Point> centroid(const Geometry& geometry) {
     return pointOf(geometry, GEOSGetCentroid_r);
 }
@@ -283,7 +297,7 @@ std::shared_ptr<const Geometry> normalizedGeometry(const std::shared_ptr<const G
     const std::lock_guard lock(form.mutex());
     const GEOSGeometry* plain = form.plain(*geometry);
     if (!plain) {
-        throw std::runtime_error("a coordinate of the geometry is not finite");
+        throw std::runtime_error("A coordinate of the geometry is not finite.");
     }
     if (checked(GEOSisValid_r(geosContext(), plain)) && hasProperRings(*geometry)) {
         return geometry;

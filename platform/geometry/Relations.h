@@ -25,6 +25,10 @@ ORVANE_PLATFORM_EXPORT bool ContainsCentroid(const Geometry& a, const Geometry& 
 ORVANE_PLATFORM_EXPORT bool intersectsPosition(const Geometry& a, double x, double y);
 ORVANE_PLATFORM_EXPORT bool containsPosition(const Geometry& a, double x, double y);
 
+/// The shortest way between the two in units of the coordinates, whatever their systems; 0 when they
+/// intersect. Throws std::runtime_error when a coordinate is not finite.
+ORVANE_PLATFORM_EXPORT double planarDistance(const Geometry& a, const Geometry& b);
+
 /// The centre of mass of the parts of the highest dimension, in the plane of the coordinates, z and m left
 /// out. Null for an empty geometry and for coordinates that are not finite.
 ORVANE_PLATFORM_EXPORT std::shared_ptr<Point> centroid(const Geometry& geometry);

@@ -1,0 +1,127 @@
+#include "platform/geometry/Units.h"
+
+#include <QHash>
+
+#include <stdexcept>
+
+namespace orvane::geometry {
+
+namespace {
+
+/// Names parted by "|", the first one for lists.
+struct NamedUnit {
+    const char16_t* names;
+    double factor;
+    bool isAngular = false;
+};
+
+// Factors: the international yard and pound agreement of 1959 (yard 0.9144 m exactly), the U.S. survey foot
+// of 1893 (1200/3937 m), the international nautical mile of 1929 (1852 m).
+constexpr NamedUnit lengthUnits[] = {
+    {u"m|metre|metres|meter|meters|м|метр|метра|метры|метров", 1.0},
+    {u"km|kilometre|kilometres|kilometer|kilometers|км|километр|километра|километры|километров", 1000.0},
+    {u"cm|centimetre|centimetres|centimeter|centimeters|см|сантиметр|сантиметра|сантиметры|сантиметров",
+     0.01},
+    {u"mm|millimetre|millimetres|millimeter|millimeters|мм|миллиметр|миллиметра|миллиметры|миллиметров",
+     0.001},
+    {u"mi|mile|miles|миля|мили|миль", 1609.344},
+    {u"nmi|nautical mi|nautical mile|nautical miles|морская миля|морские мили|морских миль", 1852.0},
+    {u"ft|foot|feet|фут|фута|футы|футов", 0.3048},
+    {u"survey ft|survey foot|survey feet|us survey ft|us survey foot|us survey feet|геодезический фут|"
+     u"геодезические футы|геодезических футов",
+     1200.0 / 3937.0},
+    {u"yd|yard|yards|ярд|ярда|ярды|ярдов", 0.9144},
+    {u"in|inch|inches|дюйм|дюйма|дюймы|дюймов", 0.0254},
+    {u"deg|degree|degrees|градус|градуса|градусы|градусов|°", 1.0, true},
+};
+
+// The international acre: 4840 square yards.
+constexpr NamedUnit areaOnlyUnits[] = {
+    {u"ha|hectare|hectares|га|гектар|гектара|гектары|гектаров", 10000.0},
+    {u"acre|acres|акр|акра|акры|акров", 4046.8564224},
+    {u"are|ares|ар|ара|ары|аров|сотка|сотки|соток", 100.0},
+};
+
+// Also with a full stop behind the short ones.
+constexpr const char16_t* squarePrefixes[] = {u"sq",         u"sq.",        u"square",     u"кв",
+                                              u"кв.",        u"квадратный", u"квадратная", u"квадратные",
+                                              u"квадратных", u"квадратного"};
+
+using UnitTable = QHash<QString, Unit>;
+
+QStringList namesOf(const NamedUnit& unit) {
+    return QString::fromUtf16(unit.names).split(QLatin1Char('|'));
+}
+
+UnitTable makeLengthTable() {
+    UnitTable table;
+    for (const NamedUnit& unit : lengthUnits) {
+        for (const QString& name : namesOf(unit)) {
+            table.insert(name, {unit.factor, unit.isAngular});
+        }
+    }
+    return table;
+}
+
+UnitTable makeAreaTable() {
+    UnitTable table;
+    for (const NamedUnit& unit : lengthUnits) {
+        const Unit square{unit.factor * unit.factor, unit.isAngular};
+        for (const QString& name : namesOf(unit)) {
+            for (const char16_t* prefix : squarePrefixes) {
+                table.insert(QString::fromUtf16(prefix) + QLatin1Char(' ') + name, square);
+            }
+            table.insert(name + QLatin1Char('2'), square);
+            table.insert(name + QChar(0x00B2), square);
+        }
+    }
+    for (const NamedUnit& unit : areaOnlyUnits) {
+        for (const QString& name : namesOf(unit)) {
+            table.insert(name, {unit.factor, unit.isAngular});
+        }
+    }
+    return table;
+}
+
+Unit find(const UnitTable& table, const QString& name, const char* quantity, QStringList (*known)()) {
+    const auto found = table.constFind(name.simplified().toLower());
+    if (found == table.constEnd()) {
+        const QString message = QStringLiteral("Unknown unit of %1 \"%2\". Known units: %3.")
+                                    .arg(QLatin1String(quantity), name, known().join(QLatin1String(", ")));
+        throw std::runtime_error(message.toStdString());
+    }
+    return *found;
+}
+
+} // namespace
+
+Unit lengthUnit(const QString& name) {
+    static const UnitTable table = makeLengthTable();
+    return find(table, name, "length", lengthUnitNames);
+}
+
+Unit areaUnit(const QString& name) {
+    static const UnitTable table = makeAreaTable();
+    return find(table, name, "area", areaUnitNames);
+}
+
+QStringList lengthUnitNames() {
+    QStringList names;
+    for (const NamedUnit& unit : lengthUnits) {
+        names.append(namesOf(unit).first());
+    }
+    return names;
+}
+
+QStringList areaUnitNames() {
+    QStringList names;
+    for (const NamedUnit& unit : lengthUnits) {
+        names.append(QLatin1String("sq ") + namesOf(unit).first());
+    }
+    for (const NamedUnit& unit : areaOnlyUnits) {
+        names.append(namesOf(unit).first());
+    }
+    return names;
+}
+
+} // namespace orvane::geometry
