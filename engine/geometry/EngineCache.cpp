@@ -16,6 +16,7 @@
 
 #include <spatialite/gaiageo.h>
 
+#include <atomic>
 #include <cstdlib>
 #include <cstring>
 
@@ -60,6 +61,11 @@ PayloadKey keyOf(const QByteArray& payload) {
     return key;
 }
 
+std::uint64_t nextIdentity() {
+    static std::atomic<std::uint64_t> last{0};
+    return ++last;
+}
+
 /// SpatiaLite's own readers: compressed blobs, WKB, FGF.
 std::shared_ptr<const geometry::Geometry> decodeThroughGaia(EngineCache& cache, const void* data,
                                                             unsigned int size) {
@@ -79,7 +85,7 @@ std::shared_ptr<const geometry::Geometry> decodeThroughGaia(EngineCache& cache, 
 
 } // namespace
 
-EngineCache::EngineCache() = default;
+EngineCache::EngineCache() : identity_(nextIdentity()) {}
 EngineCache::~EngineCache() = default;
 
 bool EngineCache::PayloadLess::operator()(const PayloadKey& a, const PayloadKey& b) const {

@@ -1,0 +1,202 @@
+#include <orvane/engine/functions/Geometry.h>
+
+#include "Barrier.h"
+#include "GeometryArguments.h"
+#include "platform/cs/CoordSystem.h"
+#include "platform/cs/Transformer.h"
+#include "platform/geometry/GeometryFactory.h"
+#include "platform/geometry/Relations.h"
+#include <orvane/engine/EngineCache.h>
+#include <orvane/engine/GeometryConversions.h>
+#include <orvane/engine/SpatialiteBlob.h>
+#include <orvane/engine/functions/Converters.h>
+
+#include <string>
+
+namespace orvane::engine {
+
+namespace {
+
+using CoordSystemPtr = std::shared_ptr<cs::CoordSystem>;
+
+EngineCache* cacheOf(sqlite3_context* context) {
+    return static_cast<EngineCache*>(sqlite3_user_data(context));
+}
+
+/// The coordinate system that an argument names; read once per statement when the argument is constant.
+CoordSystemPtr coordSystemArgument(sqlite3_context* context, sqlite3_value** values, int position) {
+    if (const auto* known = static_cast<const CoordSystemPtr*>(sqlite3_get_auxdata(context, position))) {
+        return *known;
+    }
+    CoordSystemPtr coordSystem = toCS(values[position]);
+    if (coordSystem && coordSystem->epsg() != 0) {
+        cacheOf(context)->save(coordSystem->epsg(), coordSystem);
+    }
+    sqlite3_set_auxdata(context, position, new CoordSystemPtr(coordSystem),
+                        [](void* data) { delete static_cast<CoordSystemPtr*>(data); });
+    return coordSystem;
+}
+
+/// Reprojects the coordinates of a SpatiaLite blob where they stand, without a geometry object. False when
+/// this way does not apply.
+bool transformBlob(sqlite3_context* context, int count, sqlite3_value** values) {
+    EngineCache* cache = cacheOf(context);
+    if (sqlite3_value_type(values[0]) != SQLITE_BLOB || cache->useGaiaCache() != EngineCache::NoMemo) {
+        return false;
+    }
+    const std::string_view blob(static_cast<const char*>(sqlite3_value_blob(values[0])),
+                                static_cast<std::size_t>(sqlite3_value_bytes(values[0])));
+    const auto header = readSpatialiteHeader(blob);
+    const CoordSystemPtr target = header ? coordSystemArgument(context, values, 1) : nullptr;
+    if (!target) {
+        return false;
+    }
+    CoordSystemPtr source = header->srid > 0 ? cache->get(header->srid) : nullptr;
+    if (!source && count > 2) {
+        source = coordSystemArgument(context, values, 2);
+    }
+    if (!source || source->equals(*target)) {
+        return false;
+    }
+    const auto transformer = cs::Transformer::between(*source, *target);
+    if (!transformer) {
+        return false;
+    }
+    thread_local std::string buffer;
+    buffer.clear();
+    switch (appendTransformedBlob(*header, *transformer, target->epsg(), buffer)) {
+    case BlobTransformation::Done:
+        sqlite3_result_blob(context, buffer.data(), static_cast<int>(buffer.size()), SQLITE_TRANSIENT);
+        return true;
+    case BlobTransformation::NoImage: return true; // NULL
+    case BlobTransformation::NotLinear: break;
+    }
+    return false;
+}
+
+GeometryPtr transformedGeometry(sqlite3_context* context, int count, sqlite3_value** values) {
+    GeometryPtr geometry = toGeometry(context, values[0], true);
+    if (!geometry) {
+        return nullptr;
+    }
+    if (count > 2 && !geometry->coordSystem()) {
+        geometry = withCoordSystem(geometry, coordSystemArgument(context, values, 2));
+    }
+    return geometry->transformed(coordSystemArgument(context, values, 1));
+}
+
+bool hasTransformArguments(sqlite3_context* context, int count, const std::string& name) {
+    if (count >= 2) {
+        return true;
+    }
+    const std::string message =
+        "Invalid argument count. Usage: " + name +
+        " (geometry[,target coordinate system string[,default coordinate system string]]).";
+    sqlite3_result_error(context, message.c_str(), -1);
+    return false;
+}
+
+void resultCoordSystem(sqlite3_context* context, const CoordSystemPtr& coordSystem) {
+    if (coordSystem) {
+        const QString text = coordSystem->taggedString();
+        sqlite3_result_text16(context, text.utf16(), -1, SQLITE_TRANSIENT);
+    }
+}
+
+} // namespace
+
+GeometryPtr withCoordSystem(const GeometryPtr& geometry, const CoordSystemPtr& coordSystem) {
+    const std::shared_ptr<geometry::Geometry> copy = geometry->clone();
+    copy->setCoordSystem(coordSystem);
+    return geometry::fitGeometry(copy);
+}
+
+GeometryPair geometryPair(sqlite3_context* context, sqlite3_value* first, sqlite3_value* second) {
+    GeometryPair pair{toGeometry(context, first, true), toGeometry(context, second, true)};
+    if (pair.first && pair.second) {
+        const CoordSystemPtr a = pair.first->coordSystem();
+        const CoordSystemPtr b = pair.second->coordSystem();
+        if (a && !b) {
+            pair.second = withCoordSystem(pair.second, a);
+        } else if (b && !a) {
+            pair.first = withCoordSystem(pair.first, b);
+        }
+    }
+    return pair;
+}
+
+void makeGeoValid(sqlite3_context* context, int, sqlite3_value** values) {
+    barrier(context, [&] {
+        const GeometryPtr geometry = toGeometry(context, values[0], true);
+        toOrvGeo(geometry::normalizedGeometry(geometry), context, cacheOf(context), true);
+    });
+}
+
+void centroid(sqlite3_context* context, int, sqlite3_value** values) {
+    barrier(context, [&] {
+        const GeometryPtr geometry = toGeometry(context, values[0], true);
+        toGaia(geometry ? geometry::PointOnSurface(*geometry) : nullptr, context, cacheOf(context));
+    });
+}
+
+void resemblance(sqlite3_context* context, int, sqlite3_value** values) {
+    barrier(context, [&] {
+        EngineCache* cache = cacheOf(context);
+        const GeometryPtr geometry = cache ? toGeometry(context, values[0], true) : nullptr;
+        toOrvGeo(geometry ? cache->resemblance(geometry) : nullptr, context, cache, true);
+    });
+}
+
+void toOrvGeo(sqlite3_context* context, int count, sqlite3_value** values) {
+    barrier(context, [&] {
+        if (count < 1) {
+            sqlite3_result_error(
+                context, "Invalid argument count. Usage: ToOrvGeo (geometry[,coordinate system string]).",
+                -1);
+            return;
+        }
+        GeometryPtr geometry = toGeometry(context, values[0], true);
+        if (geometry && count > 1) {
+            if (const CoordSystemPtr coordSystem = coordSystemArgument(context, values, 1)) {
+                geometry = withCoordSystem(geometry, coordSystem);
+            }
+        }
+        toOrvGeo(geometry, context, cacheOf(context), true);
+    });
+}
+
+void transformToOrvGeo(sqlite3_context* context, int count, sqlite3_value** values) {
+    barrier(context, [&] {
+        static const std::string name = "TransformToOrvGeo";
+        if (hasTransformArguments(context, count, name)) {
+            toOrvGeo(transformedGeometry(context, count, values), context, cacheOf(context), true);
+        }
+    });
+}
+
+void transformToSLGeo(sqlite3_context* context, int count, sqlite3_value** values) {
+    barrier(context, [&] {
+        static const std::string name = "TransformToSLGeo";
+        if (hasTransformArguments(context, count, name) && !transformBlob(context, count, values)) {
+            toGaia(transformedGeometry(context, count, values), context, cacheOf(context));
+        }
+    });
+}
+
+void fromOrvGeo(sqlite3_context* context, int, sqlite3_value** values) {
+    barrier(context, [&] { toGaia(toGeometry(context, values[0], true), context, cacheOf(context)); });
+}
+
+void retrieveCS(sqlite3_context* context, int, sqlite3_value** values) {
+    barrier(context, [&] {
+        const GeometryPtr geometry = toGeometry(context, values[0], true);
+        resultCoordSystem(context, geometry ? geometry->coordSystem()
+                                            : cacheOf(context)->tableCS(toQString(values[0])));
+    });
+}
+
+void retrieveTableCS(sqlite3_context* context, int, sqlite3_value** values) {
+    barrier(context, [&] { resultCoordSystem(context, cacheOf(context)->tableCS(toQString(values[0]))); });
+}
+
+} // namespace orvane::engine

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace orvane::cs {
+class CoordSystem;
+}
+namespace orvane::geometry {
+class Geometry;
+}
+
+namespace orvane::engine {
+
+class EngineCache;
+
+/// Geometries that the statements of one thread met lately, decoded and with their prepared forms, by the
+/// exact bytes of their blobs: a relation asks about the same few areas row after row. A blob is kept from
+/// its second appearance on, so that a scan of different ones costs no copies. Bounded; belongs to its
+/// thread.
+class RecentGeometries {
+public:
+    static RecentGeometries& ofThread();
+
+    /// Null when the cache reads no geometry from the bytes.
+    std::shared_ptr<const geometry::Geometry> get(EngineCache& cache, std::string_view blob);
+    /// The same geometry in another system, kept as well; null when it has no place there.
+    std::shared_ptr<const geometry::Geometry> get(EngineCache& cache, std::string_view blob,
+                                                  const std::shared_ptr<cs::CoordSystem>& target);
+
+private:
+    struct Entry {
+        std::uint64_t seen = 0; ///< hash of the bytes met last
+        std::uint64_t cache = 0;
+        std::string blob;
+        std::shared_ptr<const geometry::Geometry> geometry;
+        std::shared_ptr<cs::CoordSystem> target;
+        std::shared_ptr<const geometry::Geometry> transformed;
+    };
+    static constexpr std::size_t entryCount = 1024;
+    static constexpr std::size_t mostBytes = std::size_t(64) << 20;
+
+    /// The entry that holds the blob with its geometry; null when it is not kept (yet).
+    Entry* find(EngineCache& cache, std::string_view blob,
+                std::shared_ptr<const geometry::Geometry>& geometry);
+    void clear();
+
+    std::array<Entry, entryCount> entries_;
+    std::size_t bytes_ = 0;
+};
+
+} // namespace orvane::engine

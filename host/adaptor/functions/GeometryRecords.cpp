@@ -1,0 +1,142 @@
+#include "host/adaptor/functions/ScalarRecord.h"
+
+#include <orvane/engine/functions/Geometry.h>
+
+namespace orvane::adaptor {
+
+namespace {
+
+constexpr const char* measures = "Measures";
+constexpr const char* relations = "Relations";
+constexpr const char* geometries = "Geometries";
+constexpr const char* systems = "Coordinate systems";
+
+const FunctionRecord records[] = {
+    pureFunction(
+        "ObjectArea", measures, Arity::between(1, 2), engine::area,
+        {"Area(obj [, units])",
+         "The area: on the ellipsoid for geographic systems, else in the plane; square metres without units.",
+         "RoundBy(ObjectArea(GeomFromText('POLYGON((0 0,1 0,1 1,0 1,0 0))', 4326), 'sq km'), 3)",
+         "12308.778"}),
+    pureFunction("SphericalArea", measures, Arity::between(1, 2), engine::sphericalArea,
+                 {"SphericalArea(obj [, units])",
+                  "The area on the ellipsoid of the object's coordinate system.",
+                  "RoundBy(SphericalArea(GeomFromText('POLYGON((0 0,1 0,1 1,0 1,0 0))', 4326), 'ha'), 1)",
+                  "1230877.8"}),
+    pureFunction("CartesianArea", measures, Arity::between(1, 2), engine::cartesianArea,
+                 {"CartesianArea(obj [, units])", "The area in the plane of the coordinates.",
+                  "CartesianArea(GeomFromText('POLYGON((0 0,4 0,4 3,0 3,0 0))'), '')", "12.0"}),
+    pureFunction(
+        "ObjectPerimeter", measures, Arity::between(1, 2), engine::perimeter,
+        {"Perimeter(obj [, units])",
+         "The length of the borders of areas: on the ellipsoid for geographic systems, else in the plane.",
+         "ObjectPerimeter(GeomFromText('POLYGON((0 0,4 0,4 3,0 3,0 0))', 3857), 'm')", "14.0"}),
+    pureFunction(
+        "SphericalPerimeter", measures, Arity::between(1, 2), engine::sphericalPerimeter,
+        {"SphericalPerimeter(obj [, units])", "The length of the borders of areas on the ellipsoid.",
+         "RoundBy(SphericalPerimeter(GeomFromText('POLYGON((0 0,1 0,1 1,0 1,0 0))', 4326), 'km'), 3)",
+         "443.771"}),
+    pureFunction("CartesianPerimeter", measures, Arity::between(1, 2), engine::cartesianPerimeter,
+                 {"CartesianPerimeter(obj [, units])", "The length of the borders of areas in the plane.",
+                  "CartesianPerimeter(GeomFromText('POLYGON((0 0,4 0,4 3,0 3,0 0))'), 'ft')",
+                  "45.93175853018372"}),
+    pureFunction("ObjectLen", measures, Arity::between(1, 2), engine::objectLen,
+                 {"ObjectLen(obj [, units])",
+                  "The length of lines: on the ellipsoid for geographic systems, else in the plane; metres "
+                  "without units.",
+                  "RoundBy(ObjectLen(GeomFromText('LINESTRING(0 0,0 1)', 4326), 'nautical mi'), 3)",
+                  "59.705"}),
+    pureFunction("SphericalObjectLen", measures, Arity::between(1, 2), engine::sphericalObjectLen,
+                 {"SphericalObjectLen(obj [, units])", "The length of lines on the ellipsoid.",
+                  "RoundBy(SphericalObjectLen(GeomFromText('LINESTRING(0 0,1 0)', 4326), 'm'), 3)",
+                  "111319.491"}),
+    pureFunction("CartesianObjectLen", measures, Arity::between(1, 2), engine::cartesianObjectLen,
+                 {"CartesianObjectLen(obj [, units])", "The length of lines in the plane of the coordinates.",
+                  "CartesianObjectLen(GeomFromText('LINESTRING(0 0,3 4)'), '')", "5.0"}),
+    pureFunction(
+        "SphericalObjectDistance", measures, Arity::between(2, 3), engine::sphericalObjectDistance,
+        {"SphericalObjectDistance(a, b [, units])",
+         "The shortest way between two objects on the ellipsoid, 0 when they meet; -1 when there is none.",
+         "RoundBy(SphericalObjectDistance(MakePoint(37.62, 55.75, 4326), MakePoint(30.31, 59.94, 4326), "
+         "'km'), "
+         "2)",
+         "634.67"}),
+    pureFunction(
+        "CartesianObjectDistance", measures, Arity::between(2, 3), engine::cartesianObjectDistance,
+        {"CartesianObjectDistance(a, b [, units])",
+         "The shortest way between two objects in the plane, 0 when they meet; -1 when there is none.",
+         "CartesianObjectDistance(MakePoint(0, 0), MakePoint(3, 4), '')", "5.0"}),
+    pureFunction("CentroidX", measures, Arity::exactly(1), engine::centroidX,
+                 {"CentroidX(obj)", "The x coordinate of the centre of mass.",
+                  "CentroidX(GeomFromText('POLYGON((0 0,4 0,4 2,0 2,0 0))'))", "2.0"}),
+    pureFunction("CentroidY", measures, Arity::exactly(1), engine::centroidY,
+                 {"CentroidY(obj)", "The y coordinate of the centre of mass.",
+                  "CentroidY(GeomFromText('POLYGON((0 0,4 0,4 2,0 2,0 0))'))", "1.0"}),
+    pureFunction("ContainsCentroid", relations, Arity::exactly(2), engine::containsCentroid,
+                 {"a Contains b", "1 when the centre of mass of b lies inside a.",
+                  "ContainsCentroid(GeomFromText('POLYGON((0 0,4 0,4 4,0 4,0 0))'), MakePoint(1, 1))", "1"}),
+    pureFunction("CentroidWithin", relations, Arity::exactly(2), engine::centroidWithin,
+                 {"a Within b", "1 when the centre of mass of a lies inside b.",
+                  "CentroidWithin(MakePoint(5, 1), GeomFromText('POLYGON((0 0,4 0,4 4,0 4,0 0))'))", "0"}),
+    pureFunction("Intersects", relations, Arity::exactly(2), engine::intersects,
+                 {"Intersects(a, b)", "1 when the two objects share a position, borders included.",
+                  "Intersects(GeomFromText('LINESTRING(0 0,2 2)'), GeomFromText('LINESTRING(0 2,2 0)'))",
+                  "1"}),
+    pureFunction("ST_Intersects", relations, Arity::exactly(2), engine::intersects,
+                 {"a Intersects b", "1 when the two objects share a position, borders included.",
+                  "ST_Intersects(MakePoint(0, 0), GeomFromText('LINESTRING(0 0,1 1)'))", "1"}),
+    pureFunction("ContainsEntirely", relations, Arity::exactly(2), engine::containsEntirely,
+                 {"ContainsEntirely(a, b)", "1 when no part of b is outside a.",
+                  "ContainsEntirely(GeomFromText('POLYGON((0 0,4 0,4 4,0 4,0 0))'), "
+                  "GeomFromText('LINESTRING(1 1,5 1)'))",
+                  "0"}),
+    pureFunction("ST_Contains", relations, Arity::exactly(2), engine::containsEntirely,
+                 {"a Contains Entire b", "1 when no part of b is outside a.",
+                  "ST_Contains(GeomFromText('POLYGON((0 0,4 0,4 4,0 4,0 0))'), MakePoint(1, 1))", "1"}),
+    pureFunction("EntirelyWithin", relations, Arity::exactly(2), engine::entirelyWithin,
+                 {"EntirelyWithin(a, b)", "1 when no part of a is outside b.",
+                  "EntirelyWithin(MakePoint(1, 1), GeomFromText('POLYGON((0 0,4 0,4 4,0 4,0 0))'))", "1"}),
+    pureFunction("ST_Within", relations, Arity::exactly(2), engine::entirelyWithin,
+                 {"a Entirely Within b", "1 when no part of a is outside b.",
+                  "ST_Within(MakePoint(4, 1), GeomFromText('POLYGON((0 0,4 0,4 4,0 4,0 0))'))", "0"}),
+    pureFunction("MakeValidGeo", geometries, Arity::exactly(1), engine::makeGeoValid,
+                 {"MakeValid(obj)", "The object without self-intersections, open rings or crossing rings.",
+                  "AsText(FromOrvGeo(MakeValidGeo(GeomFromText('POLYGON((0 0,2 2,2 0,0 2,0 0))'))))",
+                  "MULTIPOLYGON(((0 0, 0 2, 1 1, 0 0)), ((1 1, 2 2, 2 0, 1 1)))"}),
+    pureFunction("Centroid", geometries, Arity::exactly(1), engine::centroid,
+                 {"Centroid(obj)", "A point that certainly lies on the object, near its middle.",
+                  "AsText(Centroid(GeomFromText('POLYGON((0 0,4 0,4 2,0 2,0 0))')))", "POINT(2 1)"}),
+    environmentFunction("Resemblance", geometries, Arity::exactly(1), engine::resemblance,
+                        {"Resemblance(obj)",
+                         "The object that the plug-ins hold to resemble this one, else a copy.",
+                         "AsText(FromOrvGeo(Resemblance(MakePoint(1, 2))))", "POINT(1 2)"}),
+    pureFunction("ToOrvGeo", geometries, Arity::between(0, 2), engine::toOrvGeo,
+                 {"ToOrvGeo(obj [, coordinate system])",
+                  "The object in the engine's own form, with a coordinate system assigned if one is given.",
+                  "RetrieveCS(ToOrvGeo(MakePoint(1, 2), 'epsg:3857'))", "epsg:3857"}),
+    pureFunction("TransformToOrvGeo", geometries, Arity::between(0, 3), engine::transformToOrvGeo,
+                 {"TransformToOrvGeo(obj, target [, default])",
+                  "The object in another coordinate system, in the engine's own form.",
+                  "RetrieveCS(TransformToOrvGeo(MakePoint(30, 60), 'epsg:3857', 'epsg:4326'))", "epsg:3857"}),
+    pureFunction("TransformToSLGeo", geometries, Arity::between(0, 3), engine::transformToSLGeo,
+                 {"TransformToSLGeo(obj, target [, default])",
+                  "The object in another coordinate system, as a SpatiaLite geometry.",
+                  "AsText(TransformToSLGeo(MakePoint(0, 0, 4326), 'epsg:32631'))", "POINT(166021.443179 0)"}),
+    pureFunction("FromOrvGeo", geometries, Arity::exactly(1), engine::fromOrvGeo,
+                 {"FromOrvGeo(obj)", "The object as a SpatiaLite geometry, curves approximated.",
+                  "AsText(FromOrvGeo(ToOrvGeo(MakePoint(1, 2))))", "POINT(1 2)"}),
+    environmentFunction("RetrieveCS", systems, Arity::exactly(1), engine::retrieveCS,
+                        {"RetrieveCS(obj or table name)", "The coordinate system of an object or a table.",
+                         "RetrieveCS(MakePoint(1, 2, 4326))", "epsg:4326"}),
+    environmentFunction("RetrieveTableCS", systems, Arity::exactly(1), engine::retrieveTableCS,
+                        {"RetrieveTableCS(table name)", "The coordinate system of a table.",
+                         "RetrieveTableCS('no such table')", "NULL"}),
+};
+
+} // namespace
+
+std::span<const FunctionRecord> geometryRecords() {
+    return records;
+}
+
+} // namespace orvane::adaptor

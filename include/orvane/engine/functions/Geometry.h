@@ -1,0 +1,70 @@
+#pragma once
+
+#include <orvane/engine/Export.h>
+
+#include <sqlite3.h>
+
+/// The geometry functions of the dialect. A geometry argument is any value that toGeometry reads; where it
+/// reads none (NULL, texts, numbers, unreadable blobs) the result is NULL, never an error. The user data is
+/// the EngineCache. When exactly one of two geometries carries a coordinate system the other is taken to be
+/// in it; when both carry different ones the second is reprojected to the first. Whatever the geometry
+/// library raises becomes the statement's error, unless stated otherwise. Reentrant.
+namespace orvane::engine {
+
+/// Measures: geometry [, units]. Their meaning and the units are those of platform/geometry/Measures.h;
+/// without units, or with NULL, the text is empty. A failure is an error with its text, -1 when it has none.
+ORVANE_ENGINE_EXPORT void perimeter(sqlite3_context* context, int count, sqlite3_value** values);
+ORVANE_ENGINE_EXPORT void sphericalPerimeter(sqlite3_context* context, int count, sqlite3_value** values);
+ORVANE_ENGINE_EXPORT void cartesianPerimeter(sqlite3_context* context, int count, sqlite3_value** values);
+ORVANE_ENGINE_EXPORT void objectLen(sqlite3_context* context, int count, sqlite3_value** values);
+ORVANE_ENGINE_EXPORT void sphericalObjectLen(sqlite3_context* context, int count, sqlite3_value** values);
+ORVANE_ENGINE_EXPORT void cartesianObjectLen(sqlite3_context* context, int count, sqlite3_value** values);
+ORVANE_ENGINE_EXPORT void area(sqlite3_context* context, int count, sqlite3_value** values);
+ORVANE_ENGINE_EXPORT void sphericalArea(sqlite3_context* context, int count, sqlite3_value** values);
+ORVANE_ENGINE_EXPORT void cartesianArea(sqlite3_context* context, int count, sqlite3_value** values);
+
+/// Distances: geometry, geometry [, units]. -1 for every failure: unknown units, an empty geometry, no
+/// coordinate system for a spherical distance.
+ORVANE_ENGINE_EXPORT void sphericalObjectDistance(sqlite3_context* context, int count,
+                                                  sqlite3_value** values);
+ORVANE_ENGINE_EXPORT void cartesianObjectDistance(sqlite3_context* context, int count,
+                                                  sqlite3_value** values);
+
+/// Coordinates of the centroid; NULL for an empty geometry.
+ORVANE_ENGINE_EXPORT void centroidX(sqlite3_context* context, int count, sqlite3_value** values);
+ORVANE_ENGINE_EXPORT void centroidY(sqlite3_context* context, int count, sqlite3_value** values);
+
+/// Relations: geometry, geometry; 1 or 0. An unreadable blob gives NULL. The containing geometry's system
+/// counts where systems differ, for intersects the first one's. A geometry met again on the same thread is
+/// neither decoded nor prepared again.
+ORVANE_ENGINE_EXPORT void containsCentroid(sqlite3_context* context, int count, sqlite3_value** values);
+ORVANE_ENGINE_EXPORT void centroidWithin(sqlite3_context* context, int count, sqlite3_value** values);
+ORVANE_ENGINE_EXPORT void intersects(sqlite3_context* context, int count, sqlite3_value** values);
+ORVANE_ENGINE_EXPORT void containsEntirely(sqlite3_context* context, int count, sqlite3_value** values);
+ORVANE_ENGINE_EXPORT void entirelyWithin(sqlite3_context* context, int count, sqlite3_value** values);
+
+/// The valid form of a geometry (geometry::normalizedGeometry), an engine blob.
+ORVANE_ENGINE_EXPORT void makeGeoValid(sqlite3_context* context, int count, sqlite3_value** values);
+/// A position on the geometry (geometry::PointOnSurface), a SpatiaLite blob; NULL for an empty geometry.
+ORVANE_ENGINE_EXPORT void centroid(sqlite3_context* context, int count, sqlite3_value** values);
+/// What the plug-ins' extensions find that resembles the geometry, else the geometry itself; an engine blob.
+ORVANE_ENGINE_EXPORT void resemblance(sqlite3_context* context, int count, sqlite3_value** values);
+
+/// geometry [, coordinate system]: the engine blob; a valid coordinate system is assigned without
+/// reprojection.
+ORVANE_ENGINE_EXPORT void toOrvGeo(sqlite3_context* context, int count, sqlite3_value** values);
+/// geometry, target [, default]: reprojected, an engine blob or a SpatiaLite blob. The default is for a
+/// geometry without coordinate system. NULL when the target is no coordinate system or a position has no
+/// image in it.
+ORVANE_ENGINE_EXPORT void transformToOrvGeo(sqlite3_context* context, int count, sqlite3_value** values);
+ORVANE_ENGINE_EXPORT void transformToSLGeo(sqlite3_context* context, int count, sqlite3_value** values);
+/// The SpatiaLite blob of a geometry, curves approximated.
+ORVANE_ENGINE_EXPORT void fromOrvGeo(sqlite3_context* context, int count, sqlite3_value** values);
+
+/// The tagged string of the geometry's coordinate system; of what is no geometry, that of the table of this
+/// name. NULL for none.
+ORVANE_ENGINE_EXPORT void retrieveCS(sqlite3_context* context, int count, sqlite3_value** values);
+/// The tagged string of the coordinate system of the table of this name; NULL for none.
+ORVANE_ENGINE_EXPORT void retrieveTableCS(sqlite3_context* context, int count, sqlite3_value** values);
+
+} // namespace orvane::engine
