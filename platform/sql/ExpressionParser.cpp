@@ -424,11 +424,11 @@ ast::Window::Frame Parser::parseFrame(ast::Window::Unit unit) {
     ast::Window::Frame frame;
     frame.unit = unit;
     if (accept(Keyword::Between)) {
-        frame.start = parseBound();
+        frame.start = parseBound(Keyword::Preceding);
         expect(Keyword::And);
-        frame.end = parseBound();
+        frame.end = parseBound(Keyword::Following);
     } else {
-        frame.start = parseBound();
+        frame.start = parseBound(Keyword::Preceding);
     }
     if (accept(Keyword::Exclude)) {
         using Exclusion = ast::Window::Exclusion;
@@ -447,23 +447,25 @@ ast::Window::Frame Parser::parseFrame(ast::Window::Unit unit) {
     return frame;
 }
 
-ast::Window::Bound Parser::parseBound() {
+/// A frame cannot begin after everything or end before it: `unbounded` is the direction that Unbounded may
+/// have.
+ast::Window::Bound Parser::parseBound(Keyword unbounded) {
     using BoundKind = ast::Window::BoundKind;
     ast::Window::Bound bound;
     if (accept(Keyword::Current)) {
         expect(Keyword::Row);
-        bound.kind = BoundKind::CurrentRow;
-        return bound;
-    }
-    const bool unbounded = accept(Keyword::Unbounded);
-    if (!unbounded) {
-        bound.offset = parseExpression(Precedence::Join);
-    }
-    if (accept(Keyword::Preceding)) {
-        bound.kind = unbounded ? BoundKind::UnboundedPreceding : BoundKind::Preceding;
+    } else if (accept(Keyword::Unbounded)) {
+        expect(unbounded);
+        bound.kind =
+            unbounded == Keyword::Preceding ? BoundKind::UnboundedPreceding : BoundKind::UnboundedFollowing;
     } else {
-        expect(Keyword::Following);
-        bound.kind = unbounded ? BoundKind::UnboundedFollowing : BoundKind::Following;
+        bound.offset = parseExpression(Precedence::Join);
+        if (accept(Keyword::Preceding)) {
+            bound.kind = BoundKind::Preceding;
+        } else {
+            expect(Keyword::Following);
+            bound.kind = BoundKind::Following;
+        }
     }
     return bound;
 }

@@ -98,7 +98,7 @@ private:
     ast::NodePtr parseFunction(std::wstring name);
     std::shared_ptr<const ast::Window> parseWindow();
     ast::Window::Frame parseFrame(ast::Window::Unit unit);
-    ast::Window::Bound parseBound();
+    ast::Window::Bound parseBound(Keyword unbounded);
     ast::NodePtr parseInOperand();
     OperationCode infixOperator() const;
     OperationCode infixKeyword() const;

@@ -144,11 +144,16 @@ std::wstring SqlStringBuilder::renderWith(const ast::QuerySpecification& query) 
     return text.empty() ? text : text + L' ';
 }
 
+/// From is rendered before the columns, which may refer to what it introduces.
 void SqlStringBuilder::visit(const ast::QuerySpecification& node) {
     std::wstring select = renderWith(node) + L"Select";
     std::wstring quantifier;
     if (node.quantifier != ast::SetQuantifier::Unstated) {
         quantifier = node.quantifier == ast::SetQuantifier::All ? L" All" : L" Distinct";
+    }
+    std::wstring rest;
+    if (node.from) {
+        rest = L" From " + render(node.from);
     }
     std::wstring columns = L" ";
     appendList(columns, node.columns);
@@ -157,9 +162,7 @@ void SqlStringBuilder::visit(const ast::QuerySpecification& node) {
     }
     onInto(columns);
 
-    std::wstring rest;
     if (node.from) {
-        rest += L" From " + render(node.from);
         onFrom(rest);
     }
     if (node.from || node.where) {

@@ -146,8 +146,9 @@ std::shared_ptr<Window> TreeGenerator::window(int depth) {
     if (chance(60)) {
         node->orderBy.push_back(sortTerm(depth));
     }
-    const auto bound = [&] {
-        Window::Bound result{static_cast<Window::BoundKind>(below(5)), nullptr};
+    // A frame begins before everything at the earliest and ends after everything at the latest.
+    const auto bound = [&](int earliest) {
+        Window::Bound result{static_cast<Window::BoundKind>(earliest + below(4)), nullptr};
         if (result.kind == Window::BoundKind::Preceding || result.kind == Window::BoundKind::Following) {
             result.offset = expression(depth);
         }
@@ -155,9 +156,9 @@ std::shared_ptr<Window> TreeGenerator::window(int depth) {
     };
     if (chance(60)) {
         Window::Frame frame{
-            static_cast<Window::Unit>(below(3)), bound(), {}, static_cast<Window::Exclusion>(below(4))};
+            static_cast<Window::Unit>(below(3)), bound(0), {}, static_cast<Window::Exclusion>(below(4))};
         if (chance(50)) {
-            frame.end = bound();
+            frame.end = bound(1);
         }
         node->frame = frame;
     }
