@@ -5,8 +5,11 @@
 #include "platform/core/Core.h"
 #include "platform/core/SqliteException.h"
 #include "platform/dp/Cancellation.h"
+#include "platform/dp/Table.h"
 #include "platform/plugin/ExtensionConsumer.h"
 #include "platform/plugin/PluginManager.h"
+#include <orvane/engine/EngineIndicesFactory.h>
+#include <orvane/engine/EngineIndicesSetup.h>
 
 #include <sqlite3.h>
 
@@ -105,6 +108,31 @@ engine::TableManagement* Engine::findManagement(const QString& name) {
 void Engine::detachTable(const QString& name) {
     if (engine::TableManagement* management = findManagement(name)) {
         management->detach();
+    }
+}
+
+engine::EngineIndices* Engine::indices(const std::shared_ptr<dp::Table>& table) {
+    auto& stores = internal_->tableIndices();
+    const QString name = table->name();
+    auto found = stores.find(name);
+    if (found == stores.end()) {
+        const engine::EngineIndicesSetup setup({{"Collate", QStringLiteral("Locale")},
+                                                {"UseCaseInsensitiveGlob", true},
+                                                {"UseCaseInsensitiveLike", true}});
+        auto store = engine::EngineIndicesFactory::instance()->construct(setup, *internal_);
+        found = stores.emplace(name, std::move(store)).first;
+    }
+    return found->second.get();
+}
+
+void Engine::clearIndices(const std::shared_ptr<dp::Table>& table) {
+    const QString name = table->name();
+    const auto& stores = internal_->tableIndices();
+    if (const auto found = stores.find(name); found != stores.end()) {
+        found->second->dropStorage();
+    }
+    if (engine::TableManagement* management = findManagement(name)) {
+        management->indicesCleared();
     }
 }
 

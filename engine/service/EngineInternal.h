@@ -2,6 +2,7 @@
 
 #include <orvane/Engine.h>
 #include <orvane/engine/EngineCache.h>
+#include <orvane/engine/EngineIndices.h>
 #include <orvane/engine/TableManagement.h>
 
 #include <QCollator>
@@ -28,6 +29,7 @@ public:
     const QSqlDatabase& database() const { return database_; }
     sqlite3* sqliteHandle() const;
     sql::SqlRuntime* runtime() const { return runtime_; }
+    std::map<QString, std::unique_ptr<engine::EngineIndices>>& tableIndices() { return tableIndices_; }
     std::map<QString, std::unique_ptr<engine::TableManagement>>& managements() { return managements_; }
 
 private:
@@ -40,6 +42,7 @@ private:
     QCollator collator_;
     void* spatialiteConnection_ = nullptr;
     sql::SqlRuntime* runtime_ = nullptr;
+    std::map<QString, std::unique_ptr<engine::EngineIndices>> tableIndices_;
     std::map<QString, std::unique_ptr<engine::TableManagement>> managements_;
 };
 

@@ -1,7 +1,9 @@
 #include "host/adaptor/VirtualCursor.h"
 
 #include "platform/cs/CoordSystem.h"
+#include "platform/geometry/Shapes.h"
 #include <orvane/engine/EngineCache.h>
+#include <orvane/engine/SpatialiteBlob.h>
 
 #include <cmath>
 #include <optional>
@@ -60,8 +62,17 @@ GeometryPtr geometryOf(sqlite3_value* value, engine::EngineCache& cache) {
     if (sqlite3_value_type(value) != SQLITE_BLOB) {
         return nullptr;
     }
-    const void* data = sqlite3_value_blob(value);
-    return cache.geometryInfo(data, static_cast<unsigned>(sqlite3_value_bytes(value)), true).geometry();
+    const auto* data = static_cast<const char*>(sqlite3_value_blob(value));
+    const auto size = static_cast<std::size_t>(sqlite3_value_bytes(value));
+    double x = 0, y = 0;
+    const auto header = engine::readSpatialiteHeader({data, size});
+    if (header && engine::spatialiteBlobPoint(*header, x, y)) {
+        // The usual value of a join by place, made for every row of the other table.
+        auto point = std::make_shared<geometry::Point>(x, y);
+        point->setCoordSystem(cache.get(header->srid));
+        return point;
+    }
+    return cache.geometryInfo(data, static_cast<unsigned>(size), true).geometry();
 }
 
 void textResult(sqlite3_context* context, std::string_view text) {

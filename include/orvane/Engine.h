@@ -15,11 +15,15 @@ namespace orvane {
 
 class Core;
 
+namespace dp {
+class Table;
+}
 namespace geometry {
 class ResemblanceExtension;
 }
 namespace engine {
 class EngineCache;
+class EngineIndices;
 class SqliteStringBuilder;
 class TableManagement;
 } // namespace engine
@@ -78,6 +82,12 @@ public:
     engine::TableManagement* findManagement(const QString& name);
     /// Tells the management of exactly this name to let go of its table. It stays registered.
     void detachTable(const QString& name);
+
+    /// The attribute index store of a table, by its exact name, made on first request and kept for the
+    /// engine's life.
+    engine::EngineIndices* indices(const std::shared_ptr<dp::Table>& table);
+    /// Empties the table's index store, if there is one, and tells the table's management, if there is one.
+    void clearIndices(const std::shared_ptr<dp::Table>& table);
 
     /// Interrupts whatever statement runs on the engine connection. Any thread.
     void cancelQuery();

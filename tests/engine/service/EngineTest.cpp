@@ -1,4 +1,5 @@
 #include "support/Application.h"
+#include "support/MemoryTable.h"
 #include "support/Query.h"
 
 #include "platform/core/SqliteException.h"
@@ -8,6 +9,7 @@
 #include "platform/sql/SqlError.h"
 #include <orvane/engine/Collator.h>
 #include <orvane/engine/EngineCache.h>
+#include <orvane/engine/EngineIndices.h>
 #include <orvane/engine/SqliteStringBuilder.h>
 #include <orvane/engine/TableManagement.h>
 
@@ -45,10 +47,11 @@ public:
     }
     void detach() override { ++detached; }
     QString tableName() const override { return name_; }
-    void indicesCleared() override {}
+    void indicesCleared() override { ++cleared; }
     std::shared_ptr<cs::CoordSystem> coordSystem() override { return coordSystem_; }
 
     int detached = 0;
+    int cleared = 0;
 
 private:
     QString name_;
@@ -147,6 +150,26 @@ TEST(Engine, ManagementsAreFoundByExactNameAndTheirSystemInAnyCase) {
         theEngine().unRegisterManagement(QString::fromUtf8(name));
         EXPECT_EQ(theEngine().findManagement(QString::fromUtf8(name)), nullptr);
     }
+}
+
+TEST(Engine, IndexStoresStayUnderTheirTablesName) {
+    const auto table = [](const char* name) {
+        return std::make_shared<testing::MemoryTable>(
+            QString::fromUtf8(name),
+            QVector<dp::AttributeDefinitionPointer>{testing::attribute("a", QMetaType::Int)});
+    };
+    const auto roads = table("Roads");
+    engine::EngineIndices* store = theEngine().indices(roads);
+    EXPECT_EQ(theEngine().indices(table("Roads")), store);
+    EXPECT_NE(theEngine().indices(table("roads")), store);
+    ASSERT_TRUE(store->createStorage(*roads->schema()));
+    Management* management = registerManagement("Roads");
+    theEngine().clearIndices(roads);
+    EXPECT_FALSE(store->isCorrect());
+    EXPECT_EQ(management->cleared, 1);
+    EXPECT_EQ(theEngine().indices(roads), store);
+    theEngine().clearIndices(table("Rivers")); // has neither
+    theEngine().unRegisterManagement(QStringLiteral("Roads"));
 }
 
 TEST(Engine, CancellingWithNothingRunningDoesNotHitTheNextStatement) {
