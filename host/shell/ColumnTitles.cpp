@@ -4,6 +4,8 @@
 
 #include "platform/sql/SqlStrings.h"
 
+#include <algorithm>
+
 namespace orvane::shell {
 
 namespace {
@@ -64,26 +66,46 @@ std::string writtenText(const sql::TokenizedText& statement, TokenRange range) {
     return text.simplified().toStdString();
 }
 
+/// For each result column the expression it comes from, an empty range where that cannot be told. Asterisks
+/// stand for any number of columns: what is before the first counts from the left, what is behind the last
+/// from the right.
+std::vector<TokenRange> columnSources(const std::vector<sql::Token>& tokens, std::size_t count) {
+    const std::vector<TokenRange> list = selectList(tokens);
+    std::vector<TokenRange> sources(count, TokenRange{0, 0});
+    const auto isAsterisk = [&tokens](const TokenRange& range) {
+        return range.begin != range.end && tokens[range.end - 1].kind == sql::TokenKind::Asterisk;
+    };
+    const auto first = std::find_if(list.begin(), list.end(), isAsterisk);
+    const auto last = std::find_if(list.rbegin(), list.rend(), isAsterisk);
+    if (list.size() > count + 1 || (first == list.end() && list.size() != count))
+        return sources;
+    std::copy(list.begin(), first, sources.begin());
+    std::copy(list.rbegin(), last, sources.rbegin());
+    return sources;
+}
+
 } // namespace
 
-std::vector<std::string> columnTitles(sqlite3_stmt* prepared, const sql::TokenizedText* statement) {
-    const int count = sqlite3_column_count(prepared);
-    const auto list = statement ? selectList(statement->tokens) : std::vector<TokenRange>();
-    const bool matches = list.size() == static_cast<std::size_t>(count);
+std::vector<std::string> columnTitles(sqlite3_stmt* prepared, const sql::TokenizedText* statement,
+                                      bool isExpression) {
+    const auto count = static_cast<std::size_t>(sqlite3_column_count(prepared));
+    if (statement && isExpression)
+        return {writtenText(*statement, {0, statement->tokens.size() - 1})};
+    std::vector<TokenRange> sources(count, TokenRange{0, 0});
+    if (statement)
+        sources = columnSources(statement->tokens, count);
     std::vector<std::string> titles;
-    for (int column = 0; column < count; ++column) {
-        const QString name = QString::fromUtf8(sqlite3_column_name(prepared, column));
+    for (std::size_t column = 0; column < count; ++column) {
+        const QString name = QString::fromUtf8(sqlite3_column_name(prepared, static_cast<int>(column)));
         const QString userName = userColumnName(name);
         titles.push_back(userName.toStdString());
-        if (!matches || userName != name)
+        const TokenRange source = sources[column];
+        if (source.begin == source.end || userName != name)
             continue;
         // A name or an alias ends the expression; any other text is SQLite's rendering of the translation.
-        const TokenRange range = list[static_cast<std::size_t>(column)];
-        if (range.begin == range.end || statement->tokens[range.end - 1].kind == sql::TokenKind::Asterisk)
-            continue;
-        const QString last = sql::fromSqlString(statement->value(statement->tokens[range.end - 1]));
+        const QString last = sql::fromSqlString(statement->value(statement->tokens[source.end - 1]));
         if (last.compare(name, Qt::CaseInsensitive) != 0)
-            titles.back() = writtenText(*statement, range);
+            titles.back() = writtenText(*statement, source);
     }
     return titles;
 }

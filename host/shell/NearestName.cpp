@@ -19,7 +19,12 @@ QString nearestName(const QString& word, const QStringList& known) {
             nearestDistance = distance;
         }
     }
-    return nearest;
+    if (!nearest.isEmpty() || word.size() < 3)
+        return nearest;
+    const auto longer = std::find_if(known.begin(), known.end(), [&word](const QString& name) {
+        return name.startsWith(word, Qt::CaseInsensitive);
+    });
+    return longer != known.end() ? *longer : QString();
 }
 
 } // namespace orvane::shell

@@ -31,8 +31,16 @@ double millisecondsSince(std::chrono::steady_clock::time_point start) {
 
 Problem problemOf(const sql::SqlError& error) {
     Problem problem{QString::fromUtf8(error.what()), std::nullopt};
-    if (const auto& place = error.place())
+    if (const auto& place = error.place()) {
         problem.place = {place->line, place->column, std::max(1, static_cast<int>(place->word.size()))};
+        // The parser's message begins with the place in the statement; the one in the whole text is shown
+        // instead.
+        const QString prefix =
+            QCoreApplication::translate("orvane::sql", "строка %0, столбец %1: %2")
+                .arg(QString::number(place->line), QString::number(place->column), QString());
+        if (problem.message.startsWith(prefix))
+            problem.message.remove(0, prefix.size());
+    }
     return problem;
 }
 
@@ -79,7 +87,7 @@ Outcome StatementRunner::runDialect(Statement& statement) {
     return finish(statement);
 }
 
-std::string StatementRunner::translate(const Statement& statement) {
+std::string StatementRunner::translate(Statement& statement) {
     sql::SqlParser parser(nullptr);
     if (!parser.parse(statement.text)) {
         fail(statement, parser.errors().empty() ? Problem() : problemOf(*parser.errors().front()));
@@ -101,7 +109,8 @@ std::string StatementRunner::translate(const Statement& statement) {
     }
     const std::string text = sql::toUtf8(builder.query());
     // An expression by itself is a question for its value.
-    return parser.result().isExpression() ? "Select " + text : text;
+    statement.isExpression = parser.result().isExpression();
+    return statement.isExpression ? "Select " + text : text;
 }
 
 Outcome StatementRunner::runSqlite(Statement& statement, const std::string& sqliteText) {
@@ -139,7 +148,7 @@ Outcome StatementRunner::execute(Statement& statement, sqlite3_stmt* prepared,
     const ResultRow row(prepared, session_.engine().cache());
     if (row.size() != 0) {
         writer = makeResultWriter(settings_.writer, output_);
-        writer->begin(columnTitles(prepared, settings_.sqlite ? nullptr : &userText));
+        writer->begin(columnTitles(prepared, settings_.sqlite ? nullptr : &userText, statement.isExpression));
     }
     int code = SQLITE_DONE;
     while (!interrupt_.requested() && (code = sqlite3_step(prepared)) == SQLITE_ROW) {

@@ -48,14 +48,15 @@ private:
     /// The statement that runs.
     struct Statement {
         const StatementText& source;
-        std::string text; ///< the user's
-        TextPlace start;  ///< of that text in the source
+        std::string text;          ///< the user's
+        TextPlace start;           ///< of that text in the source
+        bool isExpression = false; ///< not a statement but a value
         Times times = {};
     };
 
     Outcome runDialect(Statement& statement);
     /// The SQLite text; empty, and the reason is reported, when there is none.
-    std::string translate(const Statement& statement);
+    std::string translate(Statement& statement);
     /// Runs the SQLite statements of a text. They count as one statement, unless the user wrote them.
     Outcome runSqlite(Statement& statement, const std::string& sqliteText);
     Outcome execute(Statement& statement, sqlite3_stmt* prepared, const sql::TokenizedText& userText);

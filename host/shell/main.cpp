@@ -1,0 +1,176 @@
+#include "host/shell/Interrupt.h"
+#include "host/shell/Language.h"
+#include "host/shell/Options.h"
+#include "host/shell/Session.h"
+#include "host/shell/Shell.h"
+#include "host/shell/StatementRunner.h"
+
+#include <orvane/Engine.h>
+
+#include <cerrno>
+#include <clocale>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+
+#include <fcntl.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace orvane::shell {
+
+namespace {
+
+void printError(const char* message) {
+    std::fprintf(stderr, "orvane: %s\n", message);
+}
+
+/// A text to run and what it is called in messages.
+struct Input {
+    QString origin;
+    std::string text;
+};
+
+std::string readAll(std::istream& stream) {
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+Input readScript(const std::string& path) {
+    if (path == "-")
+        return {QString(), readAll(std::cin)};
+    std::ifstream file(path, std::ios::binary);
+    std::string text = readAll(file);
+    if (!file.is_open() || file.bad())
+        throw UsageError(QStringLiteral("%0: %1").arg(QString::fromStdString(path),
+                                                      QString::fromLocal8Bit(std::strerror(errno))));
+    if (text.rfind("\xEF\xBB\xBF", 0) == 0)
+        text.erase(0, 3); // a byte order mark is no part of the first statement
+    return {QString::fromStdString(path), std::move(text)};
+}
+
+/// Everything to run, read before anything runs, so that a script that is missing stops all.
+std::vector<Input> readInputs(const Options& options) {
+    std::vector<Input> inputs;
+    for (const StatementSource& source : options.statements)
+        inputs.push_back(source.kind == StatementSource::Script ? readScript(source.value)
+                                                                : Input{{}, source.value});
+    if (options.statements.empty() && !::isatty(STDIN_FILENO))
+        inputs.push_back(readScript("-"));
+    return inputs;
+}
+
+bool isOtherThanFile(const std::string& path) {
+    struct stat status {};
+    return ::stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode);
+}
+
+std::unique_ptr<Output> makeOutput(const Options& options, Interrupt& interrupt) {
+    if (!options.outputPath) {
+        if (::isatty(STDOUT_FILENO))
+            return std::make_unique<TerminalOutput>(STDOUT_FILENO);
+        return std::make_unique<HeldOutput>(STDOUT_FILENO);
+    }
+    try {
+        // A device or a named pipe cannot be replaced: it is written to.
+        if (isOtherThanFile(*options.outputPath)) {
+            const int descriptor = ::open(options.outputPath->c_str(), O_WRONLY | O_CLOEXEC);
+            if (descriptor < 0)
+                throw OutputError(*options.outputPath + ": " + std::strerror(errno));
+            return std::make_unique<HeldOutput>(descriptor);
+        }
+        auto file = std::make_unique<FileOutput>(*options.outputPath);
+        interrupt.setTemporaryFile(file->temporaryPath());
+        return file;
+    } catch (const OutputError& error) {
+        throw UsageError(QString::fromUtf8(error.what()));
+    }
+}
+
+StatementRunner::Settings runnerSettings(const Options& options, const Output& output) {
+    StatementRunner::Settings settings;
+    settings.writer = {options.format, options.header, options.nullText, 0};
+    winsize size{};
+    if (output.isLive() && ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0)
+        settings.writer.terminalWidth = size.ws_col;
+    settings.translateOnly = options.translateOnly;
+    settings.sqlite = options.sqlite;
+    settings.timing = options.timing;
+    return settings;
+}
+
+void logToStandardError(LogLevel lowest) {
+    loggerInstance()->exchangeSink([lowest](const LogEntry& entry) {
+        static constexpr const char* names[] = {"trace", "debug", "info", "warning"};
+        if (entry.level >= lowest)
+            std::fprintf(stderr, "%s: %s:%d: %s\n", names[static_cast<int>(entry.level)],
+                         entry.sourceFile.toUtf8().constData(), entry.line, entry.text.toUtf8().constData());
+    });
+}
+
+/// Cancels the engine's statement for as long as it lives.
+class Cancelling {
+public:
+    Cancelling(Interrupt& interrupt, Engine& engine) : interrupt_(interrupt) {
+        interrupt_.setCancel([&engine] { engine.cancelQuery(); });
+    }
+    ~Cancelling() { interrupt_.setCancel({}); }
+    Cancelling(const Cancelling&) = delete;
+    Cancelling& operator=(const Cancelling&) = delete;
+
+private:
+    Interrupt& interrupt_;
+};
+
+ExitStatus runInputs(const Options& options, const std::vector<Input>& inputs, Interrupt& interrupt) {
+    const auto output = makeOutput(options, interrupt);
+    Session session;
+    const Cancelling cancelling(interrupt, session.engine());
+    session.open(options);
+    StatementRunner runner(session, runnerSettings(options, *output), *output, interrupt);
+    for (const Input& input : inputs) {
+        switch (runner.run({input.origin, input.text})) {
+        case Outcome::Done: break;
+        case Outcome::Failed: return StatementFailed;
+        case Outcome::Cancelled: return Interrupted;
+        }
+    }
+    output->finish();
+    return Done;
+}
+
+ExitStatus run(int argc, char** argv, Interrupt& interrupt) {
+    try {
+        const auto options = parseOptions(argc, argv);
+        if (!options)
+            return Done;
+        logToStandardError(options->logLevel);
+        return runInputs(*options, readInputs(*options), interrupt);
+    } catch (const UsageError& error) {
+        printError(error.what());
+        return WrongUse;
+    } catch (const std::exception& error) {
+        printError(error.what());
+        return StatementFailed;
+    }
+}
+
+} // namespace
+
+} // namespace orvane::shell
+
+int main(int argc, char** argv) {
+    using namespace orvane::shell;
+    Interrupt interrupt;
+    QCoreApplication application(argc, argv);
+    // Qt has taken the locale of the environment; numbers are written and read the same everywhere.
+    std::setlocale(LC_NUMERIC, "C");
+    for (const char* directory : {"/../plugins", "/../" ORVANE_LIBDIR "/orvane/plugins"})
+        QCoreApplication::addLibraryPath(QCoreApplication::applicationDirPath() +
+                                         QString::fromLatin1(directory));
+    const Language language(localeOption(argc, argv));
+    const ExitStatus status = run(argc, argv, interrupt);
+    return interrupt.requested() ? Interrupted : status;
+}

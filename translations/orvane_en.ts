@@ -1,0 +1,589 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="en_US" sourcelanguage="ru_RU">
+<context>
+    <name>QObject</name>
+    <message>
+        <source>Не инициализировано</source>
+        <translation>Not initialised</translation>
+    </message>
+    <message>
+        <source>Не загружен драйвер %0</source>
+        <translation>The driver %0 is not loaded</translation>
+    </message>
+    <message>
+        <source>Инициализация %0 в оперативной памяти</source>
+        <translation>Initialisation of %0 in main memory</translation>
+    </message>
+    <message>
+        <source>Поддержка расширений %0</source>
+        <translation>Extension support of %0</translation>
+    </message>
+    <message>
+        <source>Инициализация %0</source>
+        <translation>Initialisation of %0</translation>
+    </message>
+    <message>
+        <source>проверьте корректность выражений в запросе</source>
+        <translation>check that the expressions in the query are correct</translation>
+    </message>
+    <message>
+        <source>Выражение</source>
+        <translation>Expression</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::Engine</name>
+    <message>
+        <source>Загрузка расширения %0: %1</source>
+        <translation>Loading of extension %0: %1</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::EngineExtension</name>
+    <message>
+        <source>Обработка расширения %0</source>
+        <translation>Processing of extension %0</translation>
+    </message>
+    <message>
+        <source>Ошибка при создании виртуальной таблицы</source>
+        <translation>Error while creating the virtual table</translation>
+    </message>
+    <message>
+        <source>Регистрация модуля базы данных: %0</source>
+        <translation>Registration of database module: %0</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::adaptor</name>
+    <message>
+        <source>Запрос прерван</source>
+        <translation>The query was interrupted</translation>
+    </message>
+    <message>
+        <source>Столбец %0: ожидается %1, а не «%2»</source>
+        <translation>Column %0: expected %1, not &quot;%2&quot;</translation>
+    </message>
+    <message>
+        <source>целое число от %0 до %1</source>
+        <translation>a whole number from %0 to %1</translation>
+    </message>
+    <message>
+        <source>число</source>
+        <translation>a number</translation>
+    </message>
+    <message>
+        <source>дата yyyy-MM-dd</source>
+        <translation>a date yyyy-MM-dd</translation>
+    </message>
+    <message>
+        <source>время hh:mm:ss.zzz</source>
+        <translation>a time hh:mm:ss.zzz</translation>
+    </message>
+    <message>
+        <source>дата и время yyyy-MM-dd hh:mm:ss.zzz</source>
+        <translation>a date and time yyyy-MM-dd hh:mm:ss.zzz</translation>
+    </message>
+    <message>
+        <source>текст</source>
+        <translation>a text</translation>
+    </message>
+    <message>
+        <source>геометрия</source>
+        <translation>a geometry</translation>
+    </message>
+    <message>
+        <source>В таблице %0 нет строки %1</source>
+        <translation>The table %0 has no row %1</translation>
+    </message>
+    <message>
+        <source>Таблица %0 закрыта</source>
+        <translation>The table %0 is closed</translation>
+    </message>
+    <message>
+        <source>Нет открытой таблицы %0</source>
+        <translation>No table %0 is open</translation>
+    </message>
+    <message>
+        <source>Номера строк назначает таблица</source>
+        <translation>Row numbers are given by the table</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::dp::Table</name>
+    <message>
+        <source>таблица %0 открыта только для чтения</source>
+        <translation>the table %0 is read-only</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::engine::EngineExpression</name>
+    <message>
+        <source>Ошибка создания таблицы для оценки выражений: </source>
+        <translation>Error while creating the table for the evaluation of expressions: </translation>
+    </message>
+</context>
+<context>
+    <name>orvane::files::ArrowReader</name>
+    <message>
+        <source>Ошибка чтения данных</source>
+        <translation>The data cannot be read</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::files::DatasetPool</name>
+    <message>
+        <source>Не удалось открыть «%1»</source>
+        <translation>Cannot open &quot;%1&quot;</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::files::FeatureReader</name>
+    <message>
+        <source>Ошибка чтения данных</source>
+        <translation>The data cannot be read</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::files::FileSource</name>
+    <message>
+        <source>В «%1» нет слоя «%2», есть: %3</source>
+        <translation>&quot;%1&quot; has no layer &quot;%2&quot;; there are: %3</translation>
+    </message>
+    <message>
+        <source>В «%1» нет таблиц</source>
+        <translation>&quot;%1&quot; has no tables</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::files::LayerReader</name>
+    <message>
+        <source>Слой «%1» изменил своё строение, откройте файл заново</source>
+        <translation>The layer &quot;%1&quot; has changed its columns; open the file again</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::shell::Shell</name>
+    <message>
+        <source>геометрия не переводится в WGS 84 из %0, а geojson иных координат не знает</source>
+        <translation>the geometry cannot be transformed from %0 into WGS 84, and geojson knows no other coordinates</translation>
+    </message>
+    <message>
+        <source>%0: значения «%1» нет, возможны %2</source>
+        <translation>%0: there is no value &quot;%1&quot;, possible are %2</translation>
+    </message>
+    <message>
+        <source>--table: ожидается ИМЯ=ФАЙЛ или ИМЯ=ФАЙЛ|СЛОЙ, а не «%0»</source>
+        <translation>--table: expected NAME=FILE or NAME=FILE|LAYER, not &quot;%0&quot;</translation>
+    </message>
+    <message>
+        <source>--select: ожидается ТАБЛИЦА=НОМЕР,НОМЕР,..., а не «%0»</source>
+        <translation>--select: expected TABLE=ID,ID,..., not &quot;%0&quot;</translation>
+    </message>
+    <message>
+        <source>справка: orvane --help</source>
+        <translation>see orvane --help</translation>
+    </message>
+    <message>
+        <source>неизвестные параметры: %0; %1</source>
+        <translation>unknown arguments: %0; %1</translation>
+    </message>
+    <message>
+        <source>параметру %0 нужно одно значение; %1</source>
+        <translation>the option %0 needs one value; %1</translation>
+    </message>
+    <message>
+        <source>Запросы SQL к таблицам и слоям из файлов любых форматов.
+Код завершения: 0 выполнено, 1 ошибка в запросе (остальные не выполняются), 2 неверный вызов или файл не открывается, 130 прервано.</source>
+        <translation>SQL queries over the tables and layers of files of every format.
+Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage or a file that does not open, 130 interrupted.</translation>
+    </message>
+    <message>
+        <source>открыть каждый слой файла под его именем</source>
+        <translation>open every layer of the file under its own name</translation>
+    </message>
+    <message>
+        <source>открыть один слой под именем NAME</source>
+        <translation>open one layer under NAME</translation>
+    </message>
+    <message>
+        <source>выполнить запрос</source>
+        <translation>run a statement</translation>
+    </message>
+    <message>
+        <source>выполнить запросы из файла</source>
+        <translation>run statements from a file</translation>
+    </message>
+    <message>
+        <source>вид ответа</source>
+        <translation>form of the result</translation>
+    </message>
+    <message>
+        <source>записать ответ в файл; он появится, когда выполнены все запросы</source>
+        <translation>write the result to a file, which appears when all statements are done</translation>
+    </message>
+    <message>
+        <source>без строки заголовков</source>
+        <translation>without the line of column names</translation>
+    </message>
+    <message>
+        <source>чем обозначить NULL в table и csv</source>
+        <translation>how NULL is shown in table and csv</translation>
+    </message>
+    <message>
+        <source>показать текст для SQLite, а не выполнять его</source>
+        <translation>print the SQLite text instead of running it</translation>
+    </message>
+    <message>
+        <source>запросы уже написаны для SQLite</source>
+        <translation>the text is SQLite SQL already: run it untranslated</translation>
+    </message>
+    <message>
+        <source>текущая выборка</source>
+        <translation>the current selection</translation>
+    </message>
+    <message>
+        <source>язык сообщений и порядок сравнения текстов</source>
+        <translation>language of the messages and order of texts</translation>
+    </message>
+    <message>
+        <source>запоминать ли разобранные геометрии</source>
+        <translation>whether decoded geometries are remembered</translation>
+    </message>
+    <message>
+        <source>с какого уровня показывать журнал</source>
+        <translation>lowest level of the log to show</translation>
+    </message>
+    <message>
+        <source>время каждого запроса в стандартный вывод ошибок</source>
+        <translation>times of each statement on standard error</translation>
+    </message>
+    <message>
+        <source>показать версию</source>
+        <translation>show the version</translation>
+    </message>
+    <message>
+        <source>показать эту справку</source>
+        <translation>show this help</translation>
+    </message>
+    <message>
+        <source>ответ не записывается</source>
+        <translation>the result cannot be written</translation>
+    </message>
+    <message>
+        <source>временный файл не создаётся</source>
+        <translation>no temporary file can be made</translation>
+    </message>
+    <message>
+        <source>временный файл не записывается</source>
+        <translation>the temporary file cannot be written</translation>
+    </message>
+    <message>
+        <source>временный файл не читается</source>
+        <translation>the temporary file cannot be read</translation>
+    </message>
+    <message>
+        <source>строка %0, столбец %1: %2</source>
+        <translation>line %0, column %1: %2</translation>
+    </message>
+    <message>
+        <source>%0 строк, %1 с</source>
+        <translation>%0 rows, %1 s</translation>
+    </message>
+    <message>
+        <source>%0: выберите один из слоёв: %1</source>
+        <translation>%0: choose one of the layers: %1</translation>
+    </message>
+    <message>
+        <source>имя таблицы «%0» уже занято</source>
+        <translation>the table name &quot;%0&quot; is taken</translation>
+    </message>
+    <message>
+        <source>--select: нет таблицы «%0»</source>
+        <translation>--select: there is no table &quot;%0&quot;</translation>
+    </message>
+    <message>
+        <source>--select: нет таблицы «%0»; возможно, имелось в виду «%1»</source>
+        <translation>--select: there is no table &quot;%0&quot;; did you mean &quot;%1&quot;?</translation>
+    </message>
+    <message>
+        <source>функция %1 здесь недопустима: она считает по многим строкам</source>
+        <translation>the function %1 cannot be used here: it is calculated over many rows</translation>
+    </message>
+    <message>
+        <source>нет порядка сравнения «%1»</source>
+        <translation>there is no collation &quot;%1&quot;</translation>
+    </message>
+    <message>
+        <source>нет окна «%1»</source>
+        <translation>there is no window &quot;%1&quot;</translation>
+    </message>
+    <message>
+        <source>функция %1 не может быть оконной</source>
+        <translation>%1 may not be used as a window function</translation>
+    </message>
+    <message>
+        <source>Filter недопустим с функцией %1: она не считает по многим строкам</source>
+        <translation>Filter cannot be used with %1: it is not calculated over many rows</translation>
+    </message>
+    <message>
+        <source>с Distinct функция принимает ровно один аргумент</source>
+        <translation>with Distinct a function takes exactly one argument</translation>
+    </message>
+    <message>
+        <source>Distinct недопустим в оконной функции</source>
+        <translation>Distinct cannot be used in a window function</translation>
+    </message>
+    <message>
+        <source>запросы по обе стороны %1 дают разное число столбцов</source>
+        <translation>the queries on both sides of %1 give different numbers of columns</translation>
+    </message>
+    <message>
+        <source>вложенный запрос даёт столбцов: %1, здесь нужно другое число</source>
+        <translation>the subquery gives %1 columns, here another number is needed</translation>
+    </message>
+    <message>
+        <source>составное значение здесь недопустимо</source>
+        <translation>a row value cannot be used here</translation>
+    </message>
+    <message>
+        <source>столбца с таким номером в запросе нет (%1 выражение сортировки или группы)</source>
+        <translation>the query has no column of that number (%1 term of Order By or Group By)</translation>
+    </message>
+    <message>
+        <source>%1 выражение сортировки должно быть столбцом результата</source>
+        <translation>the %1 term of Order By has to be a column of the result</translation>
+    </message>
+    <message>
+        <source>столбец «%1» из Using есть не в обеих таблицах</source>
+        <translation>the column &quot;%1&quot; of Using is not in both tables</translation>
+    </message>
+    <message>
+        <source>Having без Group By и без функций по многим строкам</source>
+        <translation>Having without Group By and without a function over many rows</translation>
+    </message>
+    <message>
+        <source>таблица «%1» только для чтения</source>
+        <translation>the table &quot;%1&quot; is read-only</translation>
+    </message>
+    <message>
+        <source>в таблице «%1» нет такого столбца</source>
+        <translation>the table &quot;%1&quot; has no such column</translation>
+    </message>
+    <message>
+        <source>таблица «%1» уже есть</source>
+        <translation>there is a table &quot;%1&quot; already</translation>
+    </message>
+    <message>
+        <source>число значений (%1) не равно числу столбцов</source>
+        <translation>the number of values (%1) is not the number of columns</translation>
+    </message>
+    <message>
+        <source>звёздочка требует таблицы после From</source>
+        <translation>an asterisk needs a table after From</translation>
+    </message>
+    <message>
+        <source>выражение слишком велико</source>
+        <translation>the expression is too large</translation>
+    </message>
+    <message>
+        <source>в одном запросе можно соединить не больше %1 таблиц</source>
+        <translation>a query can join at most %1 tables</translation>
+    </message>
+    <message>
+        <source>запрос «%1» ссылается на самого себя</source>
+        <translation>the query &quot;%1&quot; refers to itself</translation>
+    </message>
+    <message>
+        <source>сумма целых чисел не помещается в 64 бита</source>
+        <translation>a sum of whole numbers does not fit into 64 bits</translation>
+    </message>
+    <message>
+        <source>деление на ноль</source>
+        <translation>division by zero</translation>
+    </message>
+    <message>
+        <source>значение больше миллиарда байт</source>
+        <translation>a value of more than a thousand million bytes</translation>
+    </message>
+    <message>
+        <source>не хватает памяти</source>
+        <translation>out of memory</translation>
+    </message>
+    <message>
+        <source>ошибка в тексте возле «%1»</source>
+        <translation>error in the text near &quot;%1&quot;</translation>
+    </message>
+    <message>
+        <source>%0; возможно, имелось в виду «%1»</source>
+        <translation>%0; did you mean &quot;%1&quot;?</translation>
+    </message>
+    <message>
+        <source>нет таблицы «%0»: ни один файл не открыт</source>
+        <translation>there is no table &quot;%0&quot;: no file is open</translation>
+    </message>
+    <message>
+        <source>нет таблицы «%0»</source>
+        <translation>there is no table &quot;%0&quot;</translation>
+    </message>
+    <message>
+        <source>нет таблицы «%0», из которой берётся столбец «%1»</source>
+        <translation>there is no table &quot;%0&quot; to take the column &quot;%1&quot; from</translation>
+    </message>
+    <message>
+        <source>в таблице «%0» нет столбца «%1»</source>
+        <translation>the table &quot;%0&quot; has no column &quot;%1&quot;</translation>
+    </message>
+    <message>
+        <source>нет столбца «%0»</source>
+        <translation>there is no column &quot;%0&quot;</translation>
+    </message>
+    <message>
+        <source>нет функции «%0»</source>
+        <translation>there is no function &quot;%0&quot;</translation>
+    </message>
+    <message>
+        <source>у функции %0 не столько аргументов</source>
+        <translation>wrong number of arguments to the function %0</translation>
+    </message>
+    <message>
+        <source>%0; она вызывается как %1</source>
+        <translation>%0; it is called as %1</translation>
+    </message>
+    <message>
+        <source>столбец «%0» есть в нескольких таблицах: укажите таблицу перед ним</source>
+        <translation>several tables have a column &quot;%0&quot;: put the table before it</translation>
+    </message>
+    <message>
+        <source>выборка пуста: её задаёт параметр --select</source>
+        <translation>the selection is empty; the option --select sets it</translation>
+    </message>
+    <message>
+        <source>прервано</source>
+        <translation>interrupted</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::sql</name>
+    <message>
+        <source>строка %0, столбец %1: %2</source>
+        <translation>line %0, column %1: %2</translation>
+    </message>
+    <message>
+        <source>примечание «/*» не закрыто</source>
+        <translation>the comment &quot;/*&quot; is not closed</translation>
+    </message>
+    <message>
+        <source>текст не закрыт апострофом</source>
+        <translation>the text is not closed by an apostrophe</translation>
+    </message>
+    <message>
+        <source>имя не закрыто кавычкой</source>
+        <translation>the name is not closed by a quotation mark</translation>
+    </message>
+    <message>
+        <source>имя не закрыто скобкой «]»</source>
+        <translation>the name is not closed by &quot;]&quot;</translation>
+    </message>
+    <message>
+        <source>непечатный знак U+%0</source>
+        <translation>unprintable character U+%0</translation>
+    </message>
+    <message>
+        <source>знак «%0» не годится: тексты пишутся в апострофах &apos;, имена в кавычках &quot;</source>
+        <translation>the character &quot;%0&quot; cannot be used: texts are written in apostrophes &apos;, names in quotation marks &quot;</translation>
+    </message>
+    <message>
+        <source>неожиданный знак «%0»</source>
+        <translation>unexpected character &quot;%0&quot;</translation>
+    </message>
+    <message>
+        <source>пустое имя</source>
+        <translation>empty name</translation>
+    </message>
+    <message>
+        <source>после X в апострофах ожидается чётное число шестнадцатеричных цифр</source>
+        <translation>after X an even number of hexadecimal digits is expected in apostrophes</translation>
+    </message>
+    <message>
+        <source>неверное число «%0»</source>
+        <translation>wrong number &quot;%0&quot;</translation>
+    </message>
+    <message>
+        <source>шестнадцатеричное число «%0» длиннее 64 бит</source>
+        <translation>the hexadecimal number &quot;%0&quot; is longer than 64 bits</translation>
+    </message>
+    <message>
+        <source>байты текста не образуют знака UTF-8</source>
+        <translation>the bytes of the text are no UTF-8 character</translation>
+    </message>
+    <message>
+        <source>%0 или %1</source>
+        <translation>%0 or %1</translation>
+    </message>
+    <message>
+        <source>вложенность больше %0 уровней</source>
+        <translation>nested deeper than %0 levels</translation>
+    </message>
+    <message>
+        <source>выражение глубже %0 уровней</source>
+        <translation>the expression is deeper than %0 levels</translation>
+    </message>
+    <message>
+        <source>запрос пуст</source>
+        <translation>the statement is empty</translation>
+    </message>
+    <message>
+        <source>запрос обрывается</source>
+        <translation>the statement breaks off</translation>
+    </message>
+    <message>
+        <source>слово «%0» занято языком; как имя оно пишется в кавычках: &quot;%0&quot;</source>
+        <translation>the word &quot;%0&quot; belongs to the language; as a name it is written in quotation marks: &quot;%0&quot;</translation>
+    </message>
+    <message>
+        <source>неожиданное слово «%0»</source>
+        <translation>unexpected word &quot;%0&quot;</translation>
+    </message>
+    <message>
+        <source>неожиданное значение «%0»</source>
+        <translation>unexpected value &quot;%0&quot;</translation>
+    </message>
+    <message>
+        <source>%0, ожидается %1</source>
+        <translation>%0, expected %1</translation>
+    </message>
+    <message>
+        <source>неожиданное слово «%0»; возможно, имелось в виду «%1»</source>
+        <translation>unexpected word &quot;%0&quot;; did you mean &quot;%1&quot;?</translation>
+    </message>
+    <message>
+        <source>выражение</source>
+        <translation>an expression</translation>
+    </message>
+    <message>
+        <source>имя</source>
+        <translation>a name</translation>
+    </message>
+    <message>
+        <source>конец запроса</source>
+        <translation>the end of the statement</translation>
+    </message>
+    <message>
+        <source>запрос</source>
+        <translation>a query</translation>
+    </message>
+    <message>
+        <source>Into годится только в самом внешнем запросе</source>
+        <translation>Into can be used in the outermost query only</translation>
+    </message>
+    <message>
+        <source>неизвестная функция «%0»</source>
+        <translation>unknown function &quot;%0&quot;</translation>
+    </message>
+    <message>
+        <source>запрос обращается к выборке, но ни один объект не выбран</source>
+        <translation>the query uses the selection, but nothing is selected</translation>
+    </message>
+</context>
+</TS>
