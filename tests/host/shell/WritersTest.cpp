@@ -59,8 +59,8 @@ struct WriterCase {
     const char* expected;
 };
 
-std::ostream& operator<<(std::ostream& stream, const WriterCase& writerCase) {
-    return stream << writerCase.name;
+void PrintTo(const WriterCase& writerCase, std::ostream* stream) {
+    *stream << writerCase.name;
 }
 
 class Writers : public testing::TestWithParam<WriterCase> {};

@@ -1,0 +1,44 @@
+#include "host/shell/Program.h"
+
+#include <csignal>
+
+namespace orvane::shell {
+
+RunningProgram::RunningProgram(const QStringList& arguments, const QByteArray& input) {
+    auto environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
+    environment.remove(QStringLiteral("LANGUAGE"));
+    process_.setProcessEnvironment(environment);
+    process_.start(QStringLiteral(ORVANE_PROGRAM), arguments);
+    process_.waitForStarted();
+    process_.write(input);
+    process_.closeWriteChannel();
+}
+
+void RunningProgram::signal(int number) {
+    ::kill(static_cast<pid_t>(process_.processId()), number);
+}
+
+Answer RunningProgram::finish() {
+    const bool ended = process_.waitForFinished(120'000);
+    Answer answer;
+    if (ended && process_.exitStatus() == QProcess::NormalExit)
+        answer.status = process_.exitCode();
+    answer.output = process_.readAllStandardOutput().toStdString();
+    answer.errors = process_.readAllStandardError().toStdString();
+    return answer;
+}
+
+Answer runProgram(const QStringList& arguments, const QByteArray& input) {
+    return RunningProgram(arguments, input).finish();
+}
+
+int slowdown() {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    return 20;
+#else
+    return 1;
+#endif
+}
+
+} // namespace orvane::shell

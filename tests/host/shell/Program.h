@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QProcess>
+#include <QStringList>
+
+#include <string>
+
+namespace orvane::shell {
+
+/// What the program gave back.
+struct Answer {
+    int status = -1; ///< -1 when it crashed or did not end within two minutes
+    std::string output;
+    std::string errors;
+};
+
+/// The built program under way, with English messages and nothing from the tester's locale.
+class RunningProgram {
+public:
+    explicit RunningProgram(const QStringList& arguments, const QByteArray& input = {});
+    bool isRunning() const { return process_.state() == QProcess::Running; }
+    void waitFor(int milliseconds) { process_.waitForFinished(milliseconds); }
+    void signal(int number);
+    Answer finish();
+
+private:
+    QProcess process_;
+};
+
+Answer runProgram(const QStringList& arguments, const QByteArray& input = {});
+
+/// How much slower than usual things may be: more than 1 under a sanitizer.
+int slowdown();
+
+} // namespace orvane::shell
