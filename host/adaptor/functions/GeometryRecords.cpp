@@ -38,8 +38,7 @@ const FunctionRecord records[] = {
          "443.771"}),
     pureFunction("CartesianPerimeter", measures, Arity::between(1, 2), engine::cartesianPerimeter,
                  {"CartesianPerimeter(obj [, units])", "The length of the borders of areas in the plane.",
-                  "CartesianPerimeter(GeomFromText('POLYGON((0 0,4 0,4 3,0 3,0 0))'), 'ft')",
-                  "45.93175853018372"}),
+                  "CartesianPerimeter(GeomFromText('POLYGON((0 0,4 0,4 3,0 3,0 0))'), 'cm')", "1400.0"}),
     pureFunction("ObjectLen", measures, Arity::between(1, 2), engine::objectLen,
                  {"ObjectLen(obj [, units])",
                   "The length of lines: on the ellipsoid for geographic systems, else in the plane; metres "

@@ -8,7 +8,6 @@ namespace {
 
 TEST(GeometryRecords, ExamplesGiveTheirResults) {
     SqlDatabase database;
-    database.value("CreateMissingSystemTables()");
     for (const adaptor::FunctionRecord& record : adaptor::geometryRecords()) {
         std::string expression = record.example;
         if (expression.find("RoundBy") != std::string::npos) {
