@@ -17,11 +17,34 @@ using engine::utf8::readCharacter;
 
 namespace {
 
+/// Capital letters of Unicode 14, which the regular expressions know and Qt 5's tables do not.
+bool isNewCapital(std::uint32_t character) {
+    switch (character) {
+    case 0x2C2F:
+    case 0xA7C0:
+    case 0xA7D0:
+    case 0xA7D6:
+    case 0xA7D8: return true;
+    case 0x1057B:
+    case 0x1058B:
+    case 0x10593: return false;
+    default: return character >= 0x10570 && character <= 0x10595; // Vithkuqi
+    }
+}
+
+std::uint32_t smallOfNewCapital(std::uint32_t character) {
+    if (character == 0x2C2F) {
+        return 0x2C5F;
+    }
+    return character < 0x10000 ? character + 1 : character + 0x27;
+}
+
 std::uint32_t fold(std::uint32_t character) {
     if (character < 0x80) {
         return character >= 'A' && character <= 'Z' ? character + 0x20 : character;
     }
-    return QChar::toCaseFolded(character);
+    const std::uint32_t folded = QChar::toCaseFolded(character);
+    return folded == character && isNewCapital(character) ? smallOfNewCapital(character) : folded;
 }
 
 /// The characters with one folded form, beside that form itself, in the order of the forms.

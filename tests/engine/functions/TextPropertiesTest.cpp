@@ -1,0 +1,122 @@
+#include "SqlFunctions.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+using orvane::test::SqlFunctions;
+
+namespace {
+
+/// The text functions work on UTF-8 where that is the same; here they are held against the definition on
+/// UTF-16.
+class TextProperties : public testing::Test {
+protected:
+    /// Bytes of well-formed characters of every length, and now and then of none.
+    QByteArray randomBytes() {
+        static const std::vector<QByteArray> pieces = {"a",
+                                                       "b",
+                                                       "ab",
+                                                       "Z",
+                                                       " ",
+                                                       "1",
+                                                       "ж",
+                                                       "Ж",
+                                                       "ё",
+                                                       "ß",
+                                                       "İ",
+                                                       "€",
+                                                       "\u2028",
+                                                       "😀",
+                                                       "😁",
+                                                       "\xED\xA0\xBD",
+                                                       "\xC3",
+                                                       "\x80",
+                                                       "\xF0\x9F\x98",
+                                                       "\xEF\xBF\xBE",
+                                                       "\xC0\x80",
+                                                       "\uFFFD"};
+        QByteArray bytes;
+        const bool wellFormed = random_() % 4 != 0;
+        for (auto count = random_() % 8; count > 0; --count) {
+            bytes += pieces[random_() % (wellFormed ? 15 : pieces.size())];
+        }
+        return bytes;
+    }
+
+    /// The result of a function of one to three arguments, the first ones texts of any bytes.
+    QString call(const QByteArray& sql, const std::vector<QByteArray>& texts) const {
+        sqlite3_stmt* statement = nullptr;
+        sqlite3_prepare_v2(functions_.handle(), sql.constData(), -1, &statement, nullptr);
+        for (size_t i = 0; i < texts.size(); ++i) {
+            sqlite3_bind_text(statement, static_cast<int>(i) + 1, texts[i].constData(), texts[i].size(),
+                              SQLITE_TRANSIENT);
+        }
+        sqlite3_step(statement);
+        const bool isNull = sqlite3_column_type(statement, 0) == SQLITE_NULL;
+        const QString result(static_cast<const QChar*>(sqlite3_column_text16(statement, 0)));
+        sqlite3_finalize(statement);
+        return isNull ? QStringLiteral("NULL") : result;
+    }
+
+    QString utf16(const QByteArray& bytes) const { return call("Select ?1", {bytes}); }
+
+    SqlFunctions functions_;
+    std::mt19937 random_{7};
+};
+
+/// What SQLite makes of half a pair on the way through UTF-8 is its own matter.
+bool hasLoneSurrogate(const QString& text) {
+    return text.toUcs4().contains(0xFFFD) || QString::fromUtf8(text.toUtf8()) != text;
+}
+
+} // namespace
+
+TEST_F(TextProperties, CutsAndSearchesEqualThoseOnUtf16) {
+    for (int round = 0; round < 8000; ++round) {
+        const QByteArray bytes = randomBytes();
+        const QByteArray part =
+            round % 3 == 0 ? randomBytes() : bytes.mid(static_cast<int>(random_() % 4), 2);
+        const QString text = utf16(bytes);
+        const QString partText = utf16(part);
+        const int start = static_cast<int>(random_() % 10);
+        const int count = static_cast<int>(random_() % 6) + 1;
+        const QByteArray sqlEnd = ", " + QByteArray::number(start + 1) + ")";
+        const std::string context = bytes.toHex().toStdString() + ' ' + part.toHex().toStdString() + ' ' +
+                                    std::to_string(start) + ' ' + std::to_string(count);
+
+        ASSERT_EQ(QString::number(text.size()), call("Select Len(?1)", {bytes})) << context;
+        ASSERT_EQ(QString::number(text.isEmpty() ? 0 : text.at(0).unicode()), call("Select Asc(?1)", {bytes}))
+            << context;
+        const int found = start <= text.size() ? text.indexOf(partText, start) : -1;
+        ASSERT_EQ(QString::number(found + 1), call("Select InStr(?1, ?2" + sqlEnd, {bytes, part})) << context;
+
+        const QString left = text.left(count);
+        const QString right = text.right(count);
+        const QString mid = start < text.size() ? text.mid(start, count) : QStringLiteral("NULL");
+        const QByteArray counted = ", " + QByteArray::number(count) + ")";
+        if (!hasLoneSurrogate(left)) {
+            ASSERT_EQ(left, call("Select \"Left\"(?1" + counted, {bytes})) << context;
+        }
+        if (!hasLoneSurrogate(right)) {
+            ASSERT_EQ(right, call("Select \"Right\"(?1" + counted, {bytes})) << context;
+        }
+        if (!hasLoneSurrogate(mid)) {
+            ASSERT_EQ(mid, call("Select Mid(?1, " + QByteArray::number(start + 1) + counted, {bytes}))
+                << context;
+        }
+        if (!hasLoneSurrogate(text)) {
+            ASSERT_EQ(text.toUpper(), call("Select UpCase(?1)", {bytes})) << context;
+            ASSERT_EQ(text.toLower(), call("Select LoCase(?1)", {bytes})) << context;
+        }
+    }
+}
+
+TEST_F(TextProperties, LettersOfTheFirstAlphabetsFoldAsInUnicode) {
+    for (uint character = 1; character < 0x600; ++character) {
+        const QString text = QString::fromUcs4(&character, 1);
+        const QByteArray bytes = text.toUtf8();
+        ASSERT_EQ(text.toUpper(), call("Select UpCase(?1)", {bytes})) << character;
+        ASSERT_EQ(text.toLower(), call("Select LoCase(?1)", {bytes})) << character;
+    }
+}
