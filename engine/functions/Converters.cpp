@@ -60,6 +60,57 @@ Number toNumber(sqlite3_value* value, bool* ok, Number (*stored)(sqlite3_value*)
     return number.value_or(0);
 }
 
+/// The number in `count` digits; -1 where there are fewer. Stops at the end of the text, which is no digit.
+int digits(const char* at, int count) {
+    int number = 0;
+    for (int i = 0; i < count; ++i) {
+        if (at[i] < '0' || at[i] > '9') {
+            return -1;
+        }
+        number = number * 10 + (at[i] - '0');
+    }
+    return number;
+}
+
+/// "yyyy-MM-dd" at the beginning of a text, the form in which the database keeps nearly all dates; invalid
+/// otherwise.
+QDate commonDate(const char* text) {
+    const int year = digits(text, 4);
+    if (year < 0 || text[4] != '-') {
+        return {};
+    }
+    const int month = digits(text + 5, 2);
+    if (month < 0 || text[7] != '-') {
+        return {};
+    }
+    return QDate(year, month, digits(text + 8, 2));
+}
+
+/// "hh:mm:ss" or "hh:mm:ss.zzz", and nothing else; invalid otherwise.
+QTime commonTime(const char* text) {
+    const int hour = digits(text, 2);
+    if (hour < 0 || text[2] != ':') {
+        return {};
+    }
+    const int minute = digits(text + 3, 2);
+    if (minute < 0 || text[5] != ':') {
+        return {};
+    }
+    const int second = digits(text + 6, 2);
+    if (second < 0) {
+        return {};
+    }
+    if (text[8] == '\0') {
+        return QTime(hour, minute, second);
+    }
+    const int millisecond = text[8] == '.' ? digits(text + 9, 3) : -1;
+    return millisecond >= 0 && text[12] == '\0' ? QTime(hour, minute, second, millisecond) : QTime();
+}
+
+bool joinsDateAndTime(char separator) {
+    return separator == ' ' || separator == 'T';
+}
+
 QString latin1(sqlite3_value* value) {
     return QString::fromLatin1(utf8(value));
 }
@@ -108,6 +159,13 @@ QTime toTime(sqlite3_value* value) {
     if (sqlite3_value_type(value) == SQLITE_NULL) {
         return {};
     }
+    if (const char* common = utf8(value); common != nullptr) {
+        const bool hasDate = commonDate(common).isValid();
+        if (const QTime time = commonTime(hasDate && joinsDateAndTime(common[10]) ? common + 11 : common);
+            time.isValid()) {
+            return time;
+        }
+    }
     const QString text = latin1(value);
     if (const QTime time = QDateTime::fromString(text, Qt::ISODate).time(); time.isValid()) {
         return time;
@@ -121,6 +179,13 @@ QTime toTime(sqlite3_value* value) {
 QDate toDate(sqlite3_value* value) {
     if (sqlite3_value_type(value) == SQLITE_NULL) {
         return {};
+    }
+    if (const char* common = utf8(value); common != nullptr) {
+        const QDate date = commonDate(common);
+        if (date.isValid() &&
+            (common[10] == '\0' || (joinsDateAndTime(common[10]) && commonTime(common + 11).isValid()))) {
+            return date;
+        }
     }
     const QString text = latin1(value);
     const QDate date = QDateTime::fromString(text, Qt::ISODate).date();

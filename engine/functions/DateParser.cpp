@@ -186,9 +186,9 @@ QString parseDateText(const QString& text, const QDateTime& now) {
     if (!anyOf({DateField::Day, DateField::Month, DateField::Year, DateField::Weekday})) {
         return toString(time);
     }
-    const QDate date = DateResolver(fields, now.date()).resolve();
-    // Not through QDateTime: it would move times that the local clock skips.
-    return date.isValid() && time.isValid() ? toString(date) + QLatin1Char(' ') + toString(time) : QString();
+    // Not through QDateTime, which would move times that the local clock skips. Years of five digits have no text.
+    const QString date = toString(DateResolver(fields, now.date()).resolve());
+    return !date.isEmpty() && time.isValid() ? date + QLatin1Char(' ') + toString(time) : QString();
 }
 
 } // namespace orvane::engine

@@ -2,6 +2,7 @@
 
 #include "Barrier.h"
 #include "NumberPattern.h"
+#include "PreparedArgument.h"
 #include "TextArguments.h"
 #include "TimePattern.h"
 #include "platform/utils/Numbers.h"
@@ -66,10 +67,14 @@ void formatNumberByPattern(sqlite3_context* context, int, sqlite3_value** values
         if (!ok) {
             return;
         }
-        const NumberPattern pattern(toQString(values[1]));
-        if (pattern.isValid()) {
-            resultText(context, pattern.format(number, QLocale()));
-        }
+        withPrepared<NumberPattern>(
+            context, 1, [](const NumberPattern&) { return true; },
+            [&] { return NumberPattern(toQString(values[1])); },
+            [&](const NumberPattern& pattern) {
+                if (pattern.isValid()) {
+                    resultText(context, pattern.format(number, QLocale()));
+                }
+            });
     });
 }
 

@@ -2,15 +2,19 @@
 
 #include "Barrier.h"
 #include "TextArguments.h"
+#include "Utf8.h"
 
 #include <QString>
 #include <QVarLengthArray>
 
+#include <algorithm>
 #include <cstring>
 
 namespace orvane::engine {
 
 namespace {
+
+using utf8::wellFormedLength;
 
 /// Case mapping of what most texts are made of, ASCII and the Cyrillic alphabet (U+0400 to U+045F), where it
 /// is plain arithmetic and keeps the length in UTF-8. Qt's mapping agrees on them; everything else is left to
@@ -31,23 +35,37 @@ struct LowerCase {
     static QString whole(const QString& text) { return text.toLower(); }
 };
 
-/// Writes the mapped bytes; false at the first character that is neither.
+/// Bytes of a sign without case: U+0080 to U+00BF but the micro sign, U+2000 to U+2125 (dashes, quotes,
+/// currencies, letter-like signs); 0 for any other character.
+int caselessLength(const unsigned char* at) {
+    if (at[0] == 0xC2) {
+        return at[1] != 0xB5 && wellFormedLength(at) == 2 ? 2 : 0;
+    }
+    const bool isSign = at[0] == 0xE2 && (at[1] < 0x84 || (at[1] == 0x84 && at[2] < 0xA6));
+    return isSign && wellFormedLength(at) == 3 ? 3 : 0;
+}
+
+bool isCyrillic(const unsigned char* at) {
+    return (at[0] == 0xD0 || (at[0] == 0xD1 && at[1] < 0xA0)) && wellFormedLength(at) == 2;
+}
+
+/// Writes the mapped bytes; false at the first character that is left to Qt.
 template<typename Case>
 bool mapCommonLetters(const unsigned char* at, unsigned char* out) {
-    for (; *at != 0; ++at) {
+    while (*at != 0) {
         if (*at < 0x80) {
-            *out++ = static_cast<unsigned char>(Case::ascii(*at));
-            continue;
-        }
-        const bool isCyrillic = (at[0] == 0xD0 || (at[0] == 0xD1 && at[1] < 0xA0)) &&
-                                (at[1] & 0xC0) == 0x80 && (at[2] & 0xC0) != 0x80;
-        if (!isCyrillic) {
+            *out++ = static_cast<unsigned char>(Case::ascii(*at++));
+        } else if (isCyrillic(at)) {
+            const unsigned mapped = Case::cyrillic((at[0] & 0x1FU) << 6 | (at[1] & 0x3FU));
+            *out++ = static_cast<unsigned char>(0xC0 | mapped >> 6);
+            *out++ = static_cast<unsigned char>(0x80 | (mapped & 0x3F));
+            at += 2;
+        } else if (const int length = caselessLength(at); length != 0) {
+            out = std::copy_n(at, length, out);
+            at += length;
+        } else {
             return false;
         }
-        const unsigned mapped = Case::cyrillic((at[0] & 0x1FU) << 6 | (at[1] & 0x3FU));
-        *out++ = static_cast<unsigned char>(0xC0 | mapped >> 6);
-        *out++ = static_cast<unsigned char>(0x80 | (mapped & 0x3F));
-        ++at;
     }
     return true;
 }

@@ -1,6 +1,7 @@
 #include "host/adaptor/PatternMatch.h"
 
 #include "engine/functions/Barrier.h"
+#include "engine/functions/PreparedArgument.h"
 #include "engine/functions/Utf8.h"
 
 #include <QChar>
@@ -8,7 +9,6 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <memory>
 
 namespace orvane::adaptor {
 
@@ -115,6 +115,7 @@ PatternMatch PatternMatch::like(const unsigned char* pattern, std::uint32_t esca
             result.add(character == '_' ? anyCharacter : fold(character));
         }
     }
+    result.prepareSearch();
     return result;
 }
 
@@ -129,6 +130,7 @@ PatternMatch PatternMatch::glob(const unsigned char* pattern) {
         default: result.add(fold(character));
         }
     }
+    result.prepareSearch();
     return result;
 }
 
@@ -174,6 +176,12 @@ const unsigned char* PatternMatch::matchPiece(const Piece& piece, const unsigned
 
 const unsigned char* PatternMatch::findPiece(const Piece& piece, const unsigned char* at) const {
     while (true) {
+        if (piece.firstByte != 0) {
+            // A byte below 0x80 is a character wherever it stands.
+            while (*at != 0 && *at != piece.firstByte && *at != piece.otherFirstByte) {
+                ++at;
+            }
+        }
         if (const unsigned char* end = matchPiece(piece, at); end != nullptr) {
             return end;
         }
@@ -181,6 +189,18 @@ const unsigned char* PatternMatch::findPiece(const Piece& piece, const unsigned 
             return nullptr;
         }
         readCharacter(at);
+    }
+}
+
+void PatternMatch::prepareSearch() {
+    for (Piece& piece : pieces_) {
+        const Element first = piece.elements.empty() ? anyCharacter : piece.elements.front();
+        // The letters k and s have a third form outside ASCII.
+        if (first < 0x80 && first != 'k' && first != 's') {
+            piece.firstByte = static_cast<unsigned char>(first);
+            piece.otherFirstByte =
+                static_cast<unsigned char>(first >= 'a' && first <= 'z' ? first - 0x20 : first);
+        }
     }
 }
 
@@ -213,29 +233,21 @@ bool PatternMatch::matches(const unsigned char* text) const {
 
 namespace {
 
-/// The pattern of the call, read now or kept from an earlier row: SQLite keeps it as long as argument 0 is
-/// constant.
+/// Matches the text in argument 1 against the pattern in argument 0; NULL for NULL.
 template<typename Read>
 void matchPrepared(sqlite3_context* context, sqlite3_value** values, std::uint32_t escape, Read read) {
     engine::barrier(context, [&] {
-        const auto* prepared = static_cast<const PatternMatch*>(sqlite3_get_auxdata(context, 0));
-        std::unique_ptr<PatternMatch> made;
-        if (prepared == nullptr || prepared->escape() != escape) {
-            const unsigned char* pattern = sqlite3_value_text(values[0]);
-            if (pattern == nullptr) {
-                return;
-            }
-            made = std::make_unique<PatternMatch>(read(pattern));
-            prepared = made.get();
+        const unsigned char* pattern = sqlite3_value_text(values[0]);
+        const unsigned char* text = sqlite3_value_text(values[1]);
+        if (pattern == nullptr || text == nullptr) {
+            return;
         }
-        if (const unsigned char* text = sqlite3_value_text(values[1]); text != nullptr) {
-            sqlite3_result_int(context, prepared->matches(text) ? 1 : 0);
-        }
-        if (made != nullptr) {
-            // Last of all, since SQLite may drop it at once.
-            sqlite3_set_auxdata(context, 0, made.release(),
-                                [](void* kept) { delete static_cast<PatternMatch*>(kept); });
-        }
+        engine::withPrepared<PatternMatch>(
+            context, 0, [escape](const PatternMatch& prepared) { return prepared.escape() == escape; },
+            [&] { return read(pattern); },
+            [&](const PatternMatch& prepared) {
+                sqlite3_result_int(context, prepared.matches(text) ? 1 : 0);
+            });
     });
 }
 

@@ -40,10 +40,14 @@ private:
     /// What stands between two runs.
     struct Piece {
         std::vector<Element> elements;
+        /// The two bytes that its first character may be, where it is one of ASCII; 0 otherwise.
+        unsigned char firstByte = 0;
+        unsigned char otherFirstByte = 0;
     };
 
     void add(Element element) { pieces_.back().elements.push_back(element); }
     void addRun() { pieces_.emplace_back(); }
+    void prepareSearch();
     void readClass(const unsigned char*& at);
     bool matchesElement(Element element, std::uint32_t character) const;
     /// The end of the piece when it stands at `at`, else null.

@@ -128,7 +128,8 @@ TEST(PatternMatch, EveryLetterMatchesItsOtherCases) {
 
 TEST(PatternMatch, LettersThatQtDoesNotKnowYetMatchToo) {
     constexpr uint vithkuqi = 0x10570;
-    for (uint capital : {0x2C2FU, 0xA7C0U, 0xA7D0U, 0xA7D6U, 0xA7D8U, vithkuqi, vithkuqi + 0xB, vithkuqi + 0x25}) {
+    for (uint capital :
+         {0x2C2FU, 0xA7C0U, 0xA7D0U, 0xA7D6U, 0xA7D8U, vithkuqi, vithkuqi + 0xB, vithkuqi + 0x25}) {
         for (const uint small : {capital + 1, capital + 0x27, capital + 0x30}) {
             const QString pattern = QString::fromUcs4(&capital, 1);
             const QString text = QString::fromUcs4(&small, 1);

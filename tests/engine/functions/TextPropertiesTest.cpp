@@ -113,7 +113,7 @@ TEST_F(TextProperties, CutsAndSearchesEqualThoseOnUtf16) {
 }
 
 TEST_F(TextProperties, LettersOfTheFirstAlphabetsFoldAsInUnicode) {
-    for (uint character = 1; character < 0x600; ++character) {
+    for (uint character = 1; character < 0x2200; character = character == 0x5FF ? 0x1FF0 : character + 1) {
         const QString text = QString::fromUcs4(&character, 1);
         const QByteArray bytes = text.toUtf8();
         ASSERT_EQ(text.toUpper(), call("Select UpCase(?1)", {bytes})) << character;

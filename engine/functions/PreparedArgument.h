@@ -1,0 +1,27 @@
+#pragma once
+
+#include <sqlite3.h>
+
+#include <memory>
+#include <utility>
+
+namespace orvane::engine {
+
+/// Calls `use` with what `make` reads out of an argument of an SQL function. Where the argument is constant
+/// in the statement SQLite keeps the object for the next rows, as long as `isCurrent` says of it that it
+/// still serves.
+template<typename Prepared, typename IsCurrent, typename Make, typename Use>
+void withPrepared(sqlite3_context* context, int argument, IsCurrent isCurrent, Make make, Use use) {
+    if (const auto* kept = static_cast<const Prepared*>(sqlite3_get_auxdata(context, argument));
+        kept != nullptr && isCurrent(*kept)) {
+        use(*kept);
+        return;
+    }
+    auto made = std::make_unique<Prepared>(make());
+    use(std::as_const(*made));
+    // Last of all: SQLite may drop it at once.
+    sqlite3_set_auxdata(context, argument, made.release(),
+                        [](void* prepared) { delete static_cast<Prepared*>(prepared); });
+}
+
+} // namespace orvane::engine
