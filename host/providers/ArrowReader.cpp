@@ -83,6 +83,8 @@ std::unique_ptr<ArrowReader> ArrowReader::start(LayerScan& scan) {
 ArrowReader::~ArrowReader() {
     if (stream_.release)
         stream_.release(&stream_);
+    if (scan_.layer)
+        OGR_L_ResetReading(scan_.layer); // an unfinished query would keep the file locked for writers
 }
 
 bool ArrowReader::hasExpectedLayout(const LayerScan& scan) {

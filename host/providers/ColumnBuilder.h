@@ -2,6 +2,7 @@
 
 #include "host/providers/ColumnBatch.h"
 
+#include <optional>
 #include <string_view>
 
 namespace orvane::files {
@@ -38,6 +39,13 @@ public:
         } else {
             storage_->integers.push_back(0);
         }
+    }
+    template<class Number>
+    void appendOrNull(std::optional<Number> value) {
+        if (value)
+            append(*value);
+        else
+            appendNull();
     }
     /// Room for a value of that size, for the caller to fill in.
     char* appendSpace(std::size_t size) {

@@ -52,13 +52,16 @@ void DatasetPool::discardHandles() {
     const std::lock_guard lock(mutex_);
     ++generation_;
     discarded.swap(idle_);
+    if (source_.copy)
+        source_.copy->update();
 }
 
 DatasetHandle DatasetPool::open(unsigned flags) const {
     const auto drivers = nullTerminated(source_.drivers);
     const auto options = nullTerminated(source_.openOptions);
     const GdalErrorScope errors;
-    DatasetHandle dataset(GDALOpenEx(source_.path.constData(), GDAL_OF_VECTOR | GDAL_OF_VERBOSE_ERROR | flags,
+    const auto path = source_.copy ? source_.copy->path() : source_.path;
+    DatasetHandle dataset(GDALOpenEx(path.constData(), GDAL_OF_VECTOR | GDAL_OF_VERBOSE_ERROR | flags,
                                      source_.drivers.isEmpty() ? nullptr : drivers.data(), options.data(),
                                      nullptr));
     if (!dataset)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/providers/GdalHandles.h"
+#include "host/providers/TextEncoding.h"
 
 #include <QByteArray>
 #include <QCoreApplication>
@@ -22,6 +23,7 @@ public:
         QByteArray path;
         QList<QByteArray> drivers; ///< the only drivers to try, all when empty
         QList<QByteArray> openOptions;
+        std::shared_ptr<TranscodedFile> copy; ///< opened instead of the file unless null
     };
 
     /// A handle out of the pool; gives it back when it dies.

@@ -1,6 +1,7 @@
 #include "host/providers/FeatureReader.h"
 
 #include "host/providers/ColumnBuilder.h"
+#include "host/providers/CsvRules.h"
 #include "host/providers/GdalErrors.h"
 
 #include <ogr_feature.h>
@@ -64,6 +65,12 @@ void appendField(OGRFeatureH feature, const LayerColumn& column, ColumnBuilder& 
         builder.append(std::int64_t{OGR_F_GetFieldAsInteger64(feature, column.field)});
         return;
     case Reading::Real: builder.append(OGR_F_GetFieldAsDouble(feature, column.field)); return;
+    case Reading::IntegerText:
+        builder.appendOrNull(integerInText(OGR_F_GetFieldAsString(feature, column.field)));
+        return;
+    case Reading::RealText:
+        builder.appendOrNull(realInText(OGR_F_GetFieldAsString(feature, column.field)));
+        return;
     case Reading::Bytes: {
         int size = 0;
         const auto* bytes =
@@ -93,8 +100,10 @@ void appendValue(OGRFeatureH feature, const LayerColumn& column, ColumnBuilder& 
 
 ColumnKind builtKind(const LayerColumn& column) {
     switch (column.reading) {
-    case Reading::Integer: return ColumnKind::Int64;
-    case Reading::Real: return ColumnKind::Double;
+    case Reading::Integer:
+    case Reading::IntegerText: return ColumnKind::Int64;
+    case Reading::Real:
+    case Reading::RealText: return ColumnKind::Double;
     case Reading::Bytes: return ColumnKind::Bytes;
     case Reading::Geometry: return ColumnKind::Wkb;
     default: return ColumnKind::Text;
@@ -107,6 +116,10 @@ FeatureReader::FeatureReader(LayerScan scan) : scan_(std::move(scan)) {}
 
 FeatureReader::FeatureReader(LayerScan scan, std::vector<std::int64_t> ids)
     : scan_(std::move(scan)), readsIds_(true), ids_(std::move(ids)) {}
+
+FeatureReader::~FeatureReader() {
+    OGR_L_ResetReading(scan_.layer); // an unfinished query would keep the file locked for writers
+}
 
 FeatureHandle FeatureReader::nextFeature() {
     if (!readsIds_)

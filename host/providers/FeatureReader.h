@@ -13,6 +13,7 @@ class FeatureReader final : public BatchReader {
 public:
     explicit FeatureReader(LayerScan scan);
     FeatureReader(LayerScan scan, std::vector<std::int64_t> ids);
+    ~FeatureReader() override;
 
     bool next(ColumnBatch& batch) override;
 

@@ -11,7 +11,8 @@
 namespace orvane::files {
 
 struct OpenOptions {
-    /// Character set of a text file, e.g. "windows-1251"; empty to find out.
+    /// Character set of the texts, e.g. "windows-1251"; empty to find out. CSV files without a byte order
+    /// mark have to be UTF-8 unless it is given; other formats say it themselves.
     QString encoding;
     /// Open options of the GDAL driver, "NAME=VALUE".
     QStringList driverOptions;

@@ -17,24 +17,6 @@ constexpr std::int64_t MAX_BOX_ROWS = 200'000;
 /// Up to this many rows found in memory, the other columns are read feature by feature.
 constexpr std::size_t MAX_LOOKUPS = 4096;
 
-/// The layer of a handle; null when the file has no such layer any more.
-OGRLayerH findLayer(GDALDatasetH dataset, int index, const QByteArray& name) {
-    const OGRLayerH layer = GDALDatasetGetLayer(dataset, index);
-    return layer && name == OGR_L_GetName(layer) ? layer
-                                                 : GDALDatasetGetLayerByName(dataset, name.constData());
-}
-
-/// Whether the layer still has the fields that the schema was made of.
-bool hasFieldsOf(OGRLayerH layer, const LayerSchema& schema) {
-    const OGRFeatureDefnH definition = OGR_L_GetLayerDefn(layer);
-    const int fields = OGR_FD_GetFieldCount(definition);
-    return std::all_of(schema.columns.begin(), schema.columns.end(), [&](const LayerColumn& column) {
-        return column.source != LayerColumn::Source::Field ||
-               (column.field < fields &&
-                column.name == OGR_Fld_GetNameRef(OGR_FD_GetFieldDefn(definition, column.field)));
-    });
-}
-
 /// The identifiers among the values, each once, in ascending order, which is the fastest to read.
 std::vector<std::int64_t> sortedIds(const std::vector<dp::FeatureId>& ids) {
     std::vector<std::int64_t> sorted;
@@ -317,8 +299,10 @@ LayerScan LayerReader::makeScan(const std::vector<int>& attributes) {
 
 ValueClass LayerReader::valueClass(int attribute) const {
     switch (schema_->columns[static_cast<std::size_t>(attribute)].reading) {
-    case LayerColumn::Reading::Integer: return ValueClass::Integer;
-    case LayerColumn::Reading::Real: return ValueClass::Real;
+    case LayerColumn::Reading::Integer:
+    case LayerColumn::Reading::IntegerText: return ValueClass::Integer;
+    case LayerColumn::Reading::Real:
+    case LayerColumn::Reading::RealText: return ValueClass::Real;
     case LayerColumn::Reading::Bytes:
     case LayerColumn::Reading::Geometry: return ValueClass::Other;
     default: return ValueClass::Text;

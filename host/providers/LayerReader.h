@@ -23,7 +23,7 @@ public:
     LayerReader(const LayerReader&) = delete;
     LayerReader& operator=(const LayerReader&) = delete;
 
-    const LayerSchema& schema() const { return *schema_; }
+    const std::shared_ptr<const LayerSchema>& schema() const { return schema_; }
 
     std::unique_ptr<dp::Cursor> openCursor(const dp::ScanRequest& request);
     std::optional<std::int64_t> featureCount();

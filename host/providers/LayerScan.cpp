@@ -39,6 +39,22 @@ void prepareLayer(const LayerScan& scan) {
 
 } // namespace
 
+OGRLayerH findLayer(GDALDatasetH dataset, int index, const QByteArray& name) {
+    const OGRLayerH layer = GDALDatasetGetLayer(dataset, index);
+    return layer && name == OGR_L_GetName(layer) ? layer
+                                                 : GDALDatasetGetLayerByName(dataset, name.constData());
+}
+
+bool hasFieldsOf(OGRLayerH layer, const LayerSchema& schema) {
+    const OGRFeatureDefnH definition = OGR_L_GetLayerDefn(layer);
+    const int fields = OGR_FD_GetFieldCount(definition);
+    return std::all_of(schema.columns.begin(), schema.columns.end(), [&](const LayerColumn& column) {
+        return column.source != LayerColumn::Source::Field ||
+               (column.field < fields &&
+                column.name == OGR_Fld_GetNameRef(OGR_FD_GetFieldDefn(definition, column.field)));
+    });
+}
+
 std::unique_ptr<BatchReader> startScan(LayerScan scan) {
     prepareLayer(scan);
     if (ArrowReader::suits(scan)) {

@@ -18,6 +18,11 @@ struct LayerScan {
     std::int64_t batchRows = BATCH_ROWS;
 };
 
+/// The layer of a handle; null when the file has no such layer any more.
+OGRLayerH findLayer(GDALDatasetH dataset, int index, const QByteArray& name);
+/// Whether the layer still has the fields that the schema was made of.
+bool hasFieldsOf(OGRLayerH layer, const LayerSchema& schema);
+
 /// The reader that suits the driver and the columns: an Arrow stream where it is fast and exact, else
 /// features. Only the columns asked for are read from the file. Throws std::runtime_error when the driver
 /// refuses.

@@ -42,8 +42,12 @@ struct FieldType {
     bool isArrowExact;
 };
 
-FieldType fieldType(OGRFieldDefnH field) {
+FieldType fieldType(OGRFieldDefnH field, int position, const FieldReadings& readings) {
     using Reading = LayerColumn::Reading;
+    if (const auto other = readings.find(position); other != readings.end()) {
+        const bool isInteger = other->second == Reading::IntegerText;
+        return {isInteger ? QMetaType::LongLong : QMetaType::Double, other->second, ColumnKind::Text, false};
+    }
     const OGRFieldSubType subType = OGR_Fld_GetSubType(field);
     switch (OGR_Fld_GetType(field)) {
     case OFTInteger:
@@ -108,7 +112,8 @@ QStringList distinctNames(const QStringList& names) {
     return distinct;
 }
 
-LayerSchema describeLayer(OGRLayerH layer) {
+LayerSchema describeLayer(OGRLayerH layer, const FieldReadings& readings,
+                          const std::shared_ptr<cs::CoordSystem>& assumedCoordSystem) {
     const OGRFeatureDefnH definition = OGR_L_GetLayerDefn(layer);
     QStringList names;
     LayerSchema result;
@@ -124,7 +129,7 @@ LayerSchema describeLayer(OGRLayerH layer) {
             fidName);
     for (int i = 0; i < OGR_FD_GetFieldCount(definition); ++i) {
         const OGRFieldDefnH field = OGR_FD_GetFieldDefn(definition, i);
-        const auto type = fieldType(field);
+        const auto type = fieldType(field, i, readings);
         add({LayerColumn::Source::Field, type.reading, i, type.arrowKind, type.isArrowExact, {}},
             OGR_Fld_GetNameRef(field));
     }
@@ -145,6 +150,7 @@ LayerSchema describeLayer(OGRLayerH layer) {
     }
 
     const auto distinct = distinctNames(names);
+    const OGRSpatialReferenceH reference = OGR_L_GetSpatialRef(layer);
     QVector<dp::AttributeDefinitionPointer> attributes;
     for (int i = 0; i < distinct.size(); ++i) {
         const auto& column = result.columns[static_cast<std::size_t>(i)];
@@ -155,12 +161,13 @@ LayerSchema describeLayer(OGRLayerH layer) {
                                                           {.unique = true, .notNull = true});
             break;
         case LayerColumn::Source::Geometry:
-            attribute =
-                new dp::GeometryAttributeDefinition(distinct[i], coordSystemOf(OGR_L_GetSpatialRef(layer)));
+            attribute = new dp::GeometryAttributeDefinition(distinct[i], reference ? coordSystemOf(reference)
+                                                                                   : assumedCoordSystem);
             break;
         case LayerColumn::Source::Field: {
             const OGRFieldDefnH field = OGR_FD_GetFieldDefn(definition, column.field);
-            attribute = new dp::SimpleAttributeDefinition(distinct[i], fieldType(field).metaType,
+            attribute = new dp::SimpleAttributeDefinition(distinct[i],
+                                                          fieldType(field, column.field, readings).metaType,
                                                           {.length = OGR_Fld_GetWidth(field),
                                                            .precision = OGR_Fld_GetPrecision(field),
                                                            .unique = OGR_Fld_IsUnique(field) != 0,

@@ -1,18 +1,20 @@
 #include "host/providers/LayerTable.h"
 
+#include "host/providers/LayerEditor.h"
 #include "host/providers/LayerReader.h"
 
 namespace orvane::files {
 
 LayerTable::LayerTable(QString name, std::shared_ptr<DatasetPool> pool, int layerIndex, QByteArray layerName,
                        LayerSchema schema)
-    : Table(std::move(name)), reader_(std::make_unique<LayerReader>(
-                                  std::move(pool), layerIndex, std::move(layerName), std::move(schema))) {}
+    : Table(std::move(name)),
+      reader_(std::make_unique<LayerReader>(pool, layerIndex, layerName, std::move(schema))),
+      editor_(std::make_unique<LayerEditor>(pool, layerIndex, layerName, reader_->schema())) {}
 
 LayerTable::~LayerTable() = default;
 
 std::shared_ptr<const dp::TableSchema> LayerTable::schema() const {
-    return reader_->schema().schema;
+    return reader_->schema()->schema;
 }
 
 std::unique_ptr<dp::Cursor> LayerTable::openCursor(const dp::ScanRequest& request) {
@@ -33,6 +35,52 @@ bool LayerTable::usesTerm(int attribute, dp::Comparison comparison, dp::TextColl
 
 bool LayerTable::usesWindow() const {
     return reader_->usesWindow();
+}
+
+bool LayerTable::isReadOnly() const {
+    return editor_->isReadOnly();
+}
+
+void LayerTable::beginEdits() {
+    reader_->invalidate(); // idle handles must not hold the file
+    editor_->begin();
+    isInGroup_ = true;
+}
+
+void LayerTable::commitEdits() {
+    isInGroup_ = false;
+    edit([this] { editor_->commit(); });
+}
+
+void LayerTable::rollbackEdits() {
+    isInGroup_ = false;
+    edit([this] { editor_->rollback(); });
+}
+
+dp::FeatureId LayerTable::insertFeature(const dp::Feature& feature) {
+    return edit([&] { return dp::FeatureId(QVariant(static_cast<qlonglong>(editor_->insert(feature)))); });
+}
+
+void LayerTable::updateFeature(const dp::Feature& feature) {
+    edit([&] { editor_->update(feature); });
+}
+
+void LayerTable::deleteFeature(const dp::FeatureId& id) {
+    edit([&] { editor_->remove(id); });
+}
+
+/// Runs an edit; what was read before it is forgotten unless the end of the group is still to come.
+template<class Edit>
+std::invoke_result_t<Edit> LayerTable::edit(Edit edit) {
+    struct Invalidator {
+        LayerTable& table;
+        ~Invalidator() {
+            if (!table.isInGroup_)
+                table.reader_->invalidate();
+        }
+    };
+    const Invalidator invalidator{*this};
+    return edit();
 }
 
 } // namespace orvane::files

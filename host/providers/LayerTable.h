@@ -4,10 +4,12 @@
 #include "platform/dp/Table.h"
 
 #include <memory>
+#include <type_traits>
 
 namespace orvane::files {
 
 class DatasetPool;
+class LayerEditor;
 class LayerReader;
 struct LayerSchema;
 
@@ -34,8 +36,26 @@ public:
     /// True for GeoPackage layers with a spatial index.
     bool usesWindow() const override;
 
+    /// True when the driver, or the permissions of the file, allow no edit at all.
+    bool isReadOnly() const override;
+    /// Cursors see the edits of a group when it is committed. Formats without transactions write at once; for
+    /// them rollbackEdits() fails, and what was written stays. Outside a group each edit is committed by
+    /// itself.
+    void beginEdits() override;
+    void commitEdits() override;
+    void rollbackEdits() override;
+    /// A valid identifier of the feature is kept where the format allows it.
+    dp::FeatureId insertFeature(const dp::Feature& feature) override;
+    void updateFeature(const dp::Feature& feature) override;
+    void deleteFeature(const dp::FeatureId& id) override;
+
 private:
+    template<class Edit>
+    std::invoke_result_t<Edit> edit(Edit edit);
+
     std::unique_ptr<LayerReader> reader_;
+    std::unique_ptr<LayerEditor> editor_;
+    bool isInGroup_ = false;
 };
 
 } // namespace orvane::files

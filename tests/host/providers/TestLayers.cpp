@@ -91,7 +91,9 @@ DatasetOwner createDataset(const Format& format, const QString& path) {
 }
 
 DatasetOwner openDataset(const QString& path, unsigned flags) {
-    return DatasetOwner(GDALDataset::Open(path.toUtf8().constData(), GDAL_OF_VECTOR | flags));
+    const char* const options[] = {"@AUTODETECT_TYPE=YES", nullptr};
+    return DatasetOwner(
+        GDALDataset::Open(path.toUtf8().constData(), GDAL_OF_VECTOR | flags, nullptr, options));
 }
 
 void addLayerOfEveryType(GDALDataset& dataset, const char* layerName, const Format& format) {

@@ -20,8 +20,9 @@ struct Format {
 
 using DatasetOwner = std::unique_ptr<GDALDataset>;
 
-/// Creates a file through the driver. An empty list of options, or "NAME=VALUE".
+/// Creates a file through the driver.
 DatasetOwner createDataset(const Format& format, const QString& path);
+/// Text files are opened with the types of their columns found out.
 DatasetOwner openDataset(const QString& path, unsigned flags = 0);
 
 /// Adds a layer with one field of every type the driver takes, and rows of ordinary, extreme and NULL values.

@@ -1,0 +1,200 @@
+#include "host/providers/LayerEditor.h"
+
+#include "host/providers/FeatureWriter.h"
+#include "host/providers/GdalErrors.h"
+#include "host/providers/LayerScan.h"
+#include "platform/dp/Table.h"
+
+namespace orvane::files {
+
+namespace {
+
+/// Raises an edit error with GDAL's reason.
+[[noreturn]] void raise(const QString& what, const GdalErrorScope& errors) {
+    throw dp::EditError(
+        (errors.error().isEmpty() ? what : what + QStringLiteral(": ") + errors.error()).toStdString());
+}
+
+} // namespace
+
+LayerEditor::~LayerEditor() {
+    if (hasTransaction_) {
+        const GdalErrorScope errors;
+        GDALDatasetRollbackTransaction(dataset_.get());
+    }
+}
+
+bool LayerEditor::isReadOnly() {
+    if (!isReadOnly_) {
+        try {
+            open();
+            isReadOnly_ = !OGR_L_TestCapability(layer_, OLCSequentialWrite) &&
+                          !OGR_L_TestCapability(layer_, OLCRandomWrite) &&
+                          !OGR_L_TestCapability(layer_, OLCDeleteFeature);
+            if (!isInGroup_)
+                close();
+        } catch (const dp::EditError&) {
+            isReadOnly_ = true;
+        }
+    }
+    return *isReadOnly_;
+}
+
+void LayerEditor::begin() {
+    if (isInGroup_)
+        throw dp::EditError(
+            tr("Правка слоя «%1» уже начата").arg(QString::fromUtf8(layerName_)).toStdString());
+    open();
+    const GdalErrorScope errors;
+    if (GDALDatasetTestCapability(dataset_.get(), ODsCTransactions)) {
+        if (GDALDatasetStartTransaction(dataset_.get(), FALSE) != OGRERR_NONE) {
+            close();
+            raise(tr("Не удалось начать правку слоя «%1»").arg(QString::fromUtf8(layerName_)), errors);
+        }
+        hasTransaction_ = true;
+    }
+    isInGroup_ = true;
+}
+
+void LayerEditor::commit() {
+    if (!isInGroup_)
+        return;
+    const GdalErrorScope errors;
+    const bool isDone = !hasTransaction_ || GDALDatasetCommitTransaction(dataset_.get()) == OGRERR_NONE;
+    if (!isDone)
+        GDALDatasetRollbackTransaction(dataset_.get());
+    GDALFlushCache(dataset_.get());
+    close();
+    if (!isDone || !errors.error().isEmpty())
+        raise(tr("Правка слоя «%1» не записана").arg(QString::fromUtf8(layerName_)), errors);
+}
+
+void LayerEditor::rollback() {
+    if (!isInGroup_)
+        return;
+    const GdalErrorScope errors;
+    const bool hadTransaction = hasTransaction_;
+    const bool isDone = hadTransaction && GDALDatasetRollbackTransaction(dataset_.get()) == OGRERR_NONE;
+    close();
+    if (!hadTransaction)
+        throw dp::EditError(tr("Формат слоя «%1» не позволяет отменить правку: записанное осталось")
+                                .arg(QString::fromUtf8(layerName_))
+                                .toStdString());
+    if (!isDone)
+        raise(tr("Не удалось отменить правку слоя «%1»").arg(QString::fromUtf8(layerName_)), errors);
+}
+
+std::int64_t LayerEditor::insert(const dp::Feature& feature) {
+    return inGroup([&] {
+        requireCapability(OLCSequentialWrite);
+        const FeatureHandle target(OGR_F_Create(OGR_L_GetLayerDefn(layer_)));
+        bool isNumber = false;
+        const auto id = feature.id().value().toLongLong(&isNumber);
+        if (isNumber)
+            OGR_F_SetFID(target.get(), id);
+        setAttributes(target.get(), feature);
+        const GdalErrorScope errors;
+        if (OGR_L_CreateFeature(layer_, target.get()) != OGRERR_NONE)
+            raise(tr("Не удалось добавить запись в «%1»").arg(QString::fromUtf8(layerName_)), errors);
+        return std::int64_t{OGR_F_GetFID(target.get())};
+    });
+}
+
+void LayerEditor::update(const dp::Feature& feature) {
+    inGroup([&] {
+        requireCapability(OLCRandomWrite);
+        const FeatureHandle target(OGR_L_GetFeature(layer_, existingId(feature.id())));
+        setAttributes(target.get(), feature);
+        const GdalErrorScope errors;
+        if (OGR_L_SetFeature(layer_, target.get()) != OGRERR_NONE)
+            raise(tr("Не удалось изменить запись в «%1»").arg(QString::fromUtf8(layerName_)), errors);
+        return true;
+    });
+}
+
+void LayerEditor::remove(const dp::FeatureId& id) {
+    inGroup([&] {
+        requireCapability(OLCDeleteFeature);
+        const auto existing = existingId(id);
+        const GdalErrorScope errors;
+        if (OGR_L_DeleteFeature(layer_, existing) != OGRERR_NONE)
+            raise(tr("Не удалось удалить запись из «%1»").arg(QString::fromUtf8(layerName_)), errors);
+        return true;
+    });
+}
+
+void LayerEditor::open() {
+    if (dataset_)
+        return;
+    if (pool_->source().copy)
+        throw dp::EditError(tr("Файл «%1» не в UTF-8, его можно только читать")
+                                .arg(QString::fromUtf8(pool_->source().path))
+                                .toStdString());
+    try {
+        dataset_ = pool_->openForUpdate();
+    } catch (const std::runtime_error& error) {
+        throw dp::EditError(error.what());
+    }
+    layer_ = findLayer(dataset_.get(), layerIndex_, layerName_);
+    if (!layer_ || !hasFieldsOf(layer_, *schema_)) {
+        close();
+        throw dp::EditError(tr("Слой «%1» изменил своё строение, откройте файл заново")
+                                .arg(QString::fromUtf8(layerName_))
+                                .toStdString());
+    }
+}
+
+void LayerEditor::close() {
+    const GdalErrorScope errors;
+    layer_ = nullptr;
+    dataset_.reset();
+    isInGroup_ = false;
+    hasTransaction_ = false;
+}
+
+template<class Edit>
+std::invoke_result_t<Edit> LayerEditor::inGroup(Edit edit) {
+    if (isInGroup_)
+        return edit();
+    begin();
+    try {
+        const auto result = edit();
+        commit();
+        return result;
+    } catch (const dp::EditError&) {
+        if (hasTransaction_)
+            rollback();
+        close();
+        throw;
+    }
+}
+
+void LayerEditor::requireCapability(const char* capability) {
+    if (!OGR_L_TestCapability(layer_, capability))
+        throw dp::EditError(tr("Формат слоя «%1» не позволяет такую правку")
+                                .arg(QString::fromUtf8(layerName_))
+                                .toStdString());
+}
+
+void LayerEditor::setAttributes(OGRFeatureH target, const dp::Feature& feature) const {
+    const GdalErrorScope errors;
+    for (std::size_t i = 0; i < schema_->columns.size(); ++i) {
+        const auto& column = schema_->columns[i];
+        const auto position = static_cast<int>(i);
+        if (column.source != LayerColumn::Source::FeatureId)
+            writeValue(target, column, *schema_->schema->at(position), feature.getAttribute(position));
+    }
+}
+
+std::int64_t LayerEditor::existingId(const dp::FeatureId& id) {
+    bool isNumber = false;
+    const auto number = id.value().toLongLong(&isNumber);
+    const GdalErrorScope errors;
+    if (!isNumber || !FeatureHandle(OGR_L_GetFeature(layer_, number)))
+        throw dp::EditError(tr("В «%1» нет записи %2")
+                                .arg(QString::fromUtf8(layerName_), id.value().toString())
+                                .toStdString());
+    return number;
+}
+
+} // namespace orvane::files

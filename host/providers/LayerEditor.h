@@ -1,0 +1,58 @@
+#pragma once
+
+#include "host/providers/DatasetPool.h"
+#include "host/providers/LayerSchema.h"
+#include "platform/dp/Feature.h"
+
+#include <QCoreApplication>
+
+#include <optional>
+#include <type_traits>
+
+namespace orvane::files {
+
+/// Writes features to a layer through a handle of its own, which is open from the first edit to the end of
+/// the group. Outside a group each edit is one. Every failure is a dp::EditError. Used from one thread at a
+/// time.
+class LayerEditor {
+    Q_DECLARE_TR_FUNCTIONS(orvane::files::LayerEditor)
+public:
+    LayerEditor(std::shared_ptr<DatasetPool> pool, int layerIndex, QByteArray layerName,
+                std::shared_ptr<const LayerSchema> schema)
+        : pool_(std::move(pool)), layerIndex_(layerIndex), layerName_(std::move(layerName)),
+          schema_(std::move(schema)) {}
+    ~LayerEditor();
+
+    /// Whether the driver, or the permissions of the file, allow no edit of any kind.
+    bool isReadOnly();
+
+    void begin();
+    void commit();
+    /// Fails where the format has no transactions: what was written stays.
+    void rollback();
+
+    std::int64_t insert(const dp::Feature& feature);
+    void update(const dp::Feature& feature);
+    void remove(const dp::FeatureId& id);
+
+private:
+    void open();
+    void close();
+    template<class Edit>
+    std::invoke_result_t<Edit> inGroup(Edit edit);
+    void requireCapability(const char* capability);
+    void setAttributes(OGRFeatureH target, const dp::Feature& feature) const;
+    std::int64_t existingId(const dp::FeatureId& id);
+
+    std::shared_ptr<DatasetPool> pool_;
+    const int layerIndex_;
+    const QByteArray layerName_;
+    std::shared_ptr<const LayerSchema> schema_;
+    std::optional<bool> isReadOnly_;
+    DatasetHandle dataset_;
+    OGRLayerH layer_ = nullptr;
+    bool isInGroup_ = false;
+    bool hasTransaction_ = false;
+};
+
+} // namespace orvane::files

@@ -1,0 +1,146 @@
+#include "host/providers/FileSource.h"
+#include "host/providers/TestLayers.h"
+#include "platform/cs/CoordSystem.h"
+#include "platform/geometry/Geometry.h"
+#include "platform/geometry/GeometryFactory.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QDateTime>
+#include <QFile>
+#include <QTemporaryDir>
+
+namespace orvane::files {
+namespace {
+
+class Edits : public testing::Test {
+protected:
+    std::shared_ptr<LayerTable> tableOf(const Format& format) {
+        const auto path = directory_.filePath(QLatin1String("types.") + QLatin1String(format.extension));
+        addLayerOfEveryType(*createDataset(format, path), "types", format);
+        return openFile(path).front();
+    }
+    static std::shared_ptr<dp::Feature> firstFeature(LayerTable& table) {
+        dp::ScanRequest request;
+        const auto cursor = table.openCursor(request);
+        return cursor->next() && cursor->next() ? table.feature(cursor->featureId()) : nullptr;
+    }
+    static std::size_t rowCount(LayerTable& table) { return readRows(table, everything(table)).size(); }
+
+    QTemporaryDir directory_;
+};
+
+constexpr Format GEOPACKAGE{"GPKG", "gpkg"};
+
+class EditsInFormat : public Edits, public testing::WithParamInterface<Format> {};
+
+TEST_P(EditsInFormat, aCopiedFeatureEqualsItsOriginal) {
+    const auto table = tableOf(GetParam());
+    ASSERT_FALSE(table->isReadOnly());
+    const auto before = rowCount(*table);
+    const auto revision = table->revision();
+    const auto original = firstFeature(*table);
+    ASSERT_TRUE(original);
+    dp::Feature copy(*original);
+    copy.setId({});
+    const auto id = table->insertFeature(copy);
+    EXPECT_NE(table->revision(), revision);
+    const auto rows = readRows(*table, everything(*table));
+    ASSERT_EQ(rows.size(), before + 1);
+    const bool hasFid = table->schema()->at(0)->name() == QStringLiteral("fid") ||
+                        table->schema()->at(0)->name() == QStringLiteral("ogc_fid");
+    auto first = rows[1];
+    auto last = rows.back();
+    if (hasFid)
+        first.front() = last.front();
+    EXPECT_EQ(first, last);
+    EXPECT_TRUE(table->feature(id));
+    table->deleteFeature(id);
+    EXPECT_EQ(rowCount(*table), before);
+    EXPECT_FALSE(table->feature(id));
+}
+
+INSTANTIATE_TEST_SUITE_P(Drivers, EditsInFormat,
+                         testing::Values(GEOPACKAGE, Format{"SQLite", "sqlite"},
+                                         Format{"ESRI Shapefile", "shp"}),
+                         [](const auto& format) { return std::string(format.param.extension); });
+
+TEST_F(Edits, aGroupIsWrittenWholeOrNotAtAll) {
+    const auto table = tableOf(GEOPACKAGE);
+    const auto before = readRows(*table, everything(*table));
+    const auto feature = firstFeature(*table);
+    const int text = table->schema()->indexOf(QStringLiteral("text"));
+    dp::ScanRequest request;
+    const auto openMeanwhile = table->openCursor(request);
+    ASSERT_TRUE(openMeanwhile->next());
+
+    table->beginEdits();
+    feature->setAttribute(text, QStringLiteral("изменено"));
+    table->updateFeature(*feature);
+    table->deleteFeature(dp::FeatureId(QVariant(1)));
+    table->rollbackEdits();
+    EXPECT_EQ(readRows(*table, everything(*table)), before);
+
+    table->beginEdits();
+    table->updateFeature(*feature);
+    table->deleteFeature(dp::FeatureId(QVariant(1)));
+    table->commitEdits();
+    const auto after = readRows(*table, everything(*table));
+    ASSERT_EQ(after.size(), before.size() - 1);
+    EXPECT_EQ(after[0][static_cast<std::size_t>(text)], "t:изменено");
+}
+
+TEST_F(Edits, geometriesComeIntoTheSystemOfTheLayer) {
+    const auto table = tableOf(GEOPACKAGE);
+    const auto feature = firstFeature(*table);
+    const auto mercator = cs::CoordSysFactory::defaultCoordSysFactory()->createFromEpsg(3857);
+    const std::string_view wkb("\1\1\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0", 21); // POINT (0 0)
+    const std::shared_ptr<const geometry::Geometry> origin =
+        geometry::GeometryFactory::fromWkb(wkb, mercator);
+    const int geometry = table->schema()->geometryIndex();
+    feature->setAttribute(geometry, QVariant::fromValue(origin));
+    table->updateFeature(*feature);
+    dp::ScanRequest request;
+    request.attributes = {geometry};
+    request.ids.emplace({feature->id()});
+    EXPECT_THAT(readRows(*table, request).front().front(), testing::StartsWith("w:0101000000"));
+    EXPECT_NE(table->feature(feature->id())->getAttribute(geometry), QVariant());
+}
+
+TEST_F(Edits, valuesThatDoNotFitAreRefused) {
+    const auto table = tableOf(GEOPACKAGE);
+    const auto before = readRows(*table, everything(*table));
+    const std::pair<const char*, QVariant> unfit[] = {
+        {"whole", QStringLiteral("много")},
+        {"whole", 1LL << 40},
+        {"whole", 1.5},
+        {"real", QStringLiteral("x")},
+        {"day", QStringLiteral("вчера")},
+    };
+    for (const auto& [name, value] : unfit) {
+        const auto feature = firstFeature(*table);
+        feature->setAttribute(table->schema()->indexOf(QLatin1String(name)), value);
+        try {
+            table->updateFeature(*feature);
+            ADD_FAILURE() << name << " took " << value.toString().toStdString();
+        } catch (const dp::EditError& error) {
+            EXPECT_THAT(error.what(), testing::HasSubstr(name));
+        }
+    }
+    EXPECT_THROW(table->deleteFeature(dp::FeatureId(QVariant(999))), dp::EditError);
+    EXPECT_THROW(table->deleteFeature(dp::FeatureId(QVariant(QStringLiteral("x")))), dp::EditError);
+    EXPECT_EQ(readRows(*table, everything(*table)), before);
+}
+
+TEST_F(Edits, formatsWithoutTransactionsSayThatTheyCannotUndo) {
+    const auto table = tableOf({"GeoJSON", "geojson"});
+    const auto before = rowCount(*table);
+    table->beginEdits();
+    table->deleteFeature(firstFeature(*table)->id());
+    EXPECT_THROW(table->rollbackEdits(), dp::EditError);
+    EXPECT_EQ(rowCount(*table), before - 1);
+}
+
+} // namespace
+} // namespace orvane::files

@@ -1,0 +1,191 @@
+#include "host/providers/FileSource.h"
+#include "host/providers/TestLayers.h"
+#include "platform/cs/CoordSystem.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QTemporaryDir>
+
+namespace orvane::files {
+namespace {
+
+using Rows = std::vector<std::vector<std::string>>;
+
+class OpenFile : public testing::Test {
+protected:
+    QString write(const char* name, const QByteArray& content) {
+        const auto path = directory_.filePath(QString::fromUtf8(name));
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(content);
+        return path;
+    }
+    static QStringList names(const dp::Table& table) {
+        QStringList result;
+        for (const auto& attribute : table.schema()->attributes())
+            result.append(attribute->name());
+        return result;
+    }
+    static std::vector<int> types(const dp::Table& table) {
+        std::vector<int> result;
+        for (const auto& attribute : table.schema()->attributes())
+            result.push_back(attribute->type());
+        return result;
+    }
+    /// The message with which the source does not open, or does not read; empty when it does both.
+    static std::string failure(const QString& source) {
+        try {
+            for (const auto& table : openFile(source))
+                readRows(*table, everything(*table));
+        } catch (const std::runtime_error& error) {
+            return error.what();
+        }
+        return {};
+    }
+
+    QTemporaryDir directory_;
+};
+
+TEST_F(OpenFile, namesThatSqlCannotTellApartAreNumbered) {
+    const auto table =
+        openFile(write("names.geojson", R"({"type":"FeatureCollection","features":[{"type":"Feature",
+        "geometry":null,"properties":{"name":1,"Name":2,"NAME_2":3,"style":4,"Obj":5,"имя":6,"ИМЯ":7,"a b":8," a b":9,
+        "rowid":10}}]})"))
+            .front();
+    auto columns = names(*table);
+    columns.removeLast(); // the geometry
+    EXPECT_EQ(columns, QStringLiteral("name,Name_2,NAME_2_2,style_2,Obj_2,имя,ИМЯ_2,a b,a b_2,rowid_2")
+                           .split(QLatin1Char(',')));
+    EXPECT_EQ(readRows(*table, everything(*table)).front()[9], "i:10");
+}
+
+TEST_F(OpenFile, numbersWithMarksForMissingOnes) {
+    const auto table = openFile(write("gaps.csv", "name,whole,real,code,mixed,allna,day\n"
+                                                  "NA,NA,n/a,007,1,NA,2020-01-02\n"
+                                                  "b,-5,1e3,NA,NA,NA,\n"
+                                                  "c,,..,012,x,NA,1950-12-31\n"
+                                                  "d,9223372036854775807,NULL,1,2,NA,\n"))
+                           .front();
+    EXPECT_THAT(types(*table), testing::ElementsAre(QMetaType::QString, QMetaType::LongLong,
+                                                    QMetaType::Double, QMetaType::QString, QMetaType::QString,
+                                                    QMetaType::QString, QMetaType::QDate));
+    EXPECT_EQ(readRows(*table, everything(*table)),
+              (Rows{{"t:NA", "NULL", "NULL", "t:007", "t:1", "t:NA", "t:2020-01-02"},
+                    {"t:b", "i:-5", "r:1000", "t:NA", "t:NA", "t:NA", "NULL"},
+                    {"t:c", "NULL", "NULL", "t:012", "t:x", "t:NA", "t:1950-12-31"},
+                    {"t:d", "i:9223372036854775807", "NULL", "t:1", "t:2", "t:NA", "NULL"}}));
+}
+
+struct Coordinates {
+    const char* csv;
+    const char* wkb; ///< of the first row, empty for a table without geometry
+    int epsg;
+};
+
+class CoordinateColumns : public OpenFile, public testing::WithParamInterface<Coordinates> {};
+
+TEST_P(CoordinateColumns, makeGeometries) {
+    const auto table = openFile(write("places.csv", GetParam().csv)).front();
+    const int geometry = table->schema()->geometryIndex();
+    ASSERT_EQ(geometry >= 0, *GetParam().wkb != '\0');
+    if (geometry < 0)
+        return;
+    dp::ScanRequest request;
+    request.attributes = {geometry};
+    EXPECT_EQ(readRows(*table, request).front().front(), std::string("w:") + GetParam().wkb);
+    EXPECT_EQ(table->coordSystem() ? table->coordSystem()->epsg() : 0, GetParam().epsg);
+    EXPECT_GT(geometry, 1) << "the coordinates stay columns";
+}
+
+constexpr const char* POINT_1_2 = "0101000000000000000000f03f0000000000000040";
+INSTANTIATE_TEST_SUITE_P(Headers, CoordinateColumns,
+                         testing::Values(Coordinates{"name,LON,Lat\na,1,2\n", POINT_1_2, 4326},
+                                         Coordinates{"latitude;longitude;name\n2,0;1,0;a\n", POINT_1_2, 4326},
+                                         Coordinates{"x,y,name\n1,2,a\n", POINT_1_2, 0},
+                                         Coordinates{"долгота,широта\n1,2\n", POINT_1_2, 4326},
+                                         Coordinates{"name,WKT\na,POINT (1 2)\n", POINT_1_2, 0},
+                                         Coordinates{"name,the_geom,x,y\na,POINT (1 2),5,6\n", POINT_1_2, 0},
+                                         Coordinates{"name,x\na,1\n", "", 0},
+                                         Coordinates{"name,lon,y\na,1,2\n", "", 0}));
+
+TEST_F(OpenFile, characterSetsOfTexts) {
+    const Rows expected{{"t:Москва", "i:1"}};
+    const QByteArray windows1251("\xe8\xec\xff,n\n\xcc\xee\xf1\xea\xe2\xe0,1\n");
+    const auto path = write("cp1251.csv", windows1251);
+    EXPECT_THAT(failure(path), testing::HasSubstr("encoding=windows-1251"));
+    for (const auto& table : {openFile(path + QStringLiteral("|encoding=windows-1251")).front(),
+                              openFile(path, {QStringLiteral("CP1251"), {}}).front(),
+                              openFile(write("bom.csv", "\xef\xbb\xbfимя,n\nМосква,1\n")).front(),
+                              openFile(write("utf8.csv", "имя,n\nМосква,1\n")).front()}) {
+        EXPECT_EQ(names(*table).front(), QStringLiteral("имя"));
+        EXPECT_EQ(readRows(*table, everything(*table)), expected);
+    }
+    const auto text = QStringLiteral("\ufeffимя,n\nМосква,1\n");
+    const QByteArray utf16(reinterpret_cast<const char*>(text.utf16()), text.size() * 2);
+    const auto table = openFile(write("utf16.csv", utf16)).front();
+    EXPECT_EQ(table->name(), QStringLiteral("utf16"));
+    EXPECT_EQ(readRows(*table, everything(*table)), expected);
+    EXPECT_NE(failure(path + QStringLiteral("|encoding=klingon")), "");
+}
+
+TEST_F(OpenFile, shapefileInWindows1251) {
+    const auto path = directory_.filePath(QStringLiteral("Города.shp"));
+    {
+        const auto dataset = createDataset({"ESRI Shapefile", "shp"}, path);
+        const char* const options[] = {"ENCODING=CP1251", nullptr};
+        auto* layer = dataset->CreateLayer("Города", nullptr, wkbPoint, const_cast<char**>(options));
+        OGRFieldDefn field("имя", OFTString);
+        layer->CreateField(&field);
+        OGRFeature feature(layer->GetLayerDefn());
+        feature.SetField(0, "Москва");
+        ASSERT_EQ(layer->CreateFeature(&feature), OGRERR_NONE);
+    }
+    const auto table = openFile(path).front();
+    EXPECT_EQ(table->name(), QStringLiteral("Города"));
+    EXPECT_EQ(names(*table).front(), QStringLiteral("имя"));
+    EXPECT_EQ(readRows(*table, everything(*table)), (Rows{{"t:Москва", "NULL"}}));
+}
+
+TEST_F(OpenFile, layersOfOneFileAndTheirNames) {
+    const auto path = directory_.filePath(QStringLiteral("two.gpkg"));
+    {
+        const auto dataset = createDataset({"GPKG", "gpkg"}, path);
+        addLayerOfNumbers(*dataset, "Дороги 😀", 3);
+        dataset->CreateLayer("empty", nullptr, wkbNone, nullptr);
+    }
+    const auto tables = openFile(path);
+    ASSERT_EQ(tables.size(), 2U);
+    EXPECT_EQ(tables[0]->name(), QStringLiteral("Дороги 😀"));
+    EXPECT_EQ(tables[1]->featureCount(), 0);
+    EXPECT_EQ(tables[1]->schema()->geometryIndex(), -1);
+    EXPECT_EQ(readRows(*tables[1], everything(*tables[1])), Rows());
+    EXPECT_EQ(openFile(path + QStringLiteral("|EMPTY")).front()->name(), QStringLiteral("empty"));
+    EXPECT_EQ(openFile(path + QStringLiteral("|layername=empty")).size(), 1U);
+    EXPECT_THAT(failure(path + QStringLiteral("|roads")), testing::HasSubstr("Дороги 😀, empty"));
+
+    dp::DataCatalog catalog;
+    addToCatalog(catalog, tables);
+    addToCatalog(catalog, openFile(path));
+    EXPECT_TRUE(catalog.dataObject(QStringLiteral("empty_2")));
+    EXPECT_TRUE(catalog.dataObject(QStringLiteral("Дороги 😀_2")));
+}
+
+TEST_F(OpenFile, whatDoesNotOpenSaysWhy) {
+    for (const auto& path :
+         {directory_.filePath(QStringLiteral("absent.shp")), write("garbage.gpkg", "garbage"),
+          write("empty.csv", ""), write("broken.geojson", "{\"type\":\"FeatureColl"), directory_.path()})
+        EXPECT_THAT(failure(path), testing::HasSubstr(path.toStdString()));
+}
+
+TEST_F(OpenFile, aTruncatedFileIsNotTakenForAShortOne) {
+    const auto path = directory_.filePath(QStringLiteral("whole.gpkg"));
+    addLayerOfNumbers(*createDataset({"GPKG", "gpkg"}, path), "numbers", 60000);
+    QFile file(path);
+    ASSERT_TRUE(file.resize(file.size() / 4096 / 2 * 4096));
+    EXPECT_NE(failure(path), "");
+}
+
+} // namespace
+} // namespace orvane::files
