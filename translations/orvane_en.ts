@@ -462,6 +462,58 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
         <source>прервано</source>
         <translation>interrupted</translation>
     </message>
+    <message>
+        <source>Команды показывает .help, выход: Ctrl-D</source>
+        <translation>.help shows the commands, Ctrl-D leaves</translation>
+    </message>
+    <message>
+        <source>таблицы и число их строк</source>
+        <translation>the tables and their numbers of rows</translation>
+    </message>
+    <message>
+        <source>столбцы таблицы или всех таблиц</source>
+        <translation>the columns of a table or of all</translation>
+    </message>
+    <message>
+        <source>функции, в имени или описании которых есть TEXT</source>
+        <translation>the functions with TEXT in name or description</translation>
+    </message>
+    <message>
+        <source>команды или описание функции</source>
+        <translation>the commands, or what a function does</translation>
+    </message>
+    <message>
+        <source>запрос на языке SQLite</source>
+        <translation>the statement in SQLite SQL</translation>
+    </message>
+    <message>
+        <source>открыть слои файла</source>
+        <translation>open the layers of a file</translation>
+    </message>
+    <message>
+        <source>закрыть таблицу</source>
+        <translation>close a table</translation>
+    </message>
+    <message>
+        <source>выйти</source>
+        <translation>leave</translation>
+    </message>
+    <message>
+        <source>нет команды %0, все команды показывает .help</source>
+        <translation>there is no command %0; .help shows all</translation>
+    </message>
+    <message>
+        <source>нет команды %0; возможно, имелось в виду %1</source>
+        <translation>there is no command %0; did you mean %1?</translation>
+    </message>
+    <message>
+        <source>Запрос кончается точкой с запятой или пустой строкой. Tab дополняет слово, Ctrl-C прерывает запрос, Ctrl-D завершает работу.</source>
+        <translation>A statement ends with a semicolon or an empty line. Tab completes the word, Ctrl-C cancels the statement, Ctrl-D leaves.</translation>
+    </message>
+    <message>
+        <source>описания «%0» нет</source>
+        <translation>there is no description of &quot;%0&quot;</translation>
+    </message>
 </context>
 <context>
     <name>orvane::sql</name>

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <csignal>
 
+#include <sys/eventfd.h>
 #include <unistd.h>
 
 namespace orvane::shell {
@@ -21,7 +22,7 @@ sigset_t cancellingSignals() {
 
 } // namespace
 
-Interrupt::Interrupt() {
+Interrupt::Interrupt() : descriptor_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
     const sigset_t signals = cancellingSignals();
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     thread_ = std::thread([this] { wait(); });
@@ -31,6 +32,13 @@ Interrupt::~Interrupt() {
     ending_ = true;
     pthread_kill(thread_.native_handle(), SIGINT);
     thread_.join();
+    ::close(descriptor_);
+}
+
+void Interrupt::reset() {
+    requested_ = false;
+    eventfd_t requests = 0;
+    ::eventfd_read(descriptor_, &requests);
 }
 
 void Interrupt::setCancel(std::function<void()> cancel) {
@@ -52,6 +60,7 @@ void Interrupt::wait() {
         if (ending_)
             return;
         requested_ = true;
+        ::eventfd_write(descriptor_, 1);
         cancelUntilDone();
     }
 }

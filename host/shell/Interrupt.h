@@ -28,7 +28,9 @@ public:
     void setTemporaryFile(std::string path);
 
     bool requested() const { return requested_; }
-    void reset() { requested_ = false; }
+    /// Readable for as long as a request stands: to wait for input and for Ctrl-C at once.
+    int descriptor() const { return descriptor_; }
+    void reset();
 
 private:
     void wait();
@@ -41,6 +43,7 @@ private:
     std::atomic<bool> requested_{false};
     std::atomic<bool> exitsWhenStuck_{true};
     std::atomic<bool> ending_{false};
+    int descriptor_;
     std::thread thread_;
 };
 

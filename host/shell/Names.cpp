@@ -1,10 +1,13 @@
 #include "host/shell/Names.h"
 
+#include "host/adaptor/FunctionRegistry.h"
+
 #include "platform/dp/DataCatalog.h"
 #include "platform/sql/SqlStrings.h"
 #include <orvane/engine/ColumnNames.h>
 
 #include <array>
+#include <map>
 #include <memory>
 #include <utility>
 
@@ -66,10 +69,19 @@ QStringList Names::columns(const QString& table) const {
 }
 
 QStringList Names::functions() const {
-    QStringList names =
-        firstColumn("Select Distinct name From pragma_function_list Where name Glob '[a-z]*' Order By name");
+    // Those with a record have their names in the usual letter case; SQLite knows all, in lower case.
+    std::map<QString, QString> byLowercase;
+    for (const QString& name : firstColumn("Select name From pragma_function_list Where name Glob '[a-z]*'"))
+        byLowercase.emplace(name, name);
+    for (const adaptor::FunctionRecord& record : adaptor::allFunctionRecords()) {
+        const QString name = QLatin1String(record.name);
+        byLowercase[name.toLower()] = name;
+    }
     for (const auto& [name, called] : renamedFunctions)
-        names += QLatin1String(name);
+        byLowercase[QString(QLatin1String(name)).toLower()] = QLatin1String(name);
+    QStringList names;
+    for (const auto& [lowercase, name] : byLowercase)
+        names += name;
     return names;
 }
 

@@ -49,20 +49,6 @@ Value oneOf(const std::map<std::string, Value>& values, const std::string& word,
                               known.join(QStringLiteral(", "))));
 }
 
-/// NAME=FILE or NAME=FILE|LAYER.
-TableSource parseTable(const std::string& argument) {
-    const QString whole = QString::fromStdString(argument);
-    const int equals = whole.indexOf(QLatin1Char('='));
-    const int bar = whole.lastIndexOf(QLatin1Char('|'));
-    TableSource source;
-    source.name = whole.left(equals);
-    source.path = whole.mid(equals + 1, bar > equals ? bar - equals - 1 : -1);
-    source.layer = bar > equals ? whole.mid(bar + 1) : QString();
-    if (equals < 1 || source.path.isEmpty())
-        throw UsageError(Shell::tr("--table: ожидается ИМЯ=ФАЙЛ или ИМЯ=ФАЙЛ|СЛОЙ, а не «%0»").arg(whole));
-    return source;
-}
-
 /// TABLE=ID,ID,...; the name may hold equals signs of its own.
 SelectionSource parseSelection(const std::string& argument) {
     const std::size_t equals = argument.rfind('=');
@@ -125,6 +111,19 @@ QString localeOption(int argc, const char* const* argv) {
             return QString::fromUtf8(argv[i] + 9);
     }
     return {};
+}
+
+TableSource parseTable(const std::string& argument) {
+    const QString whole = QString::fromStdString(argument);
+    const int equals = whole.indexOf(QLatin1Char('='));
+    const int bar = whole.lastIndexOf(QLatin1Char('|'));
+    TableSource source;
+    source.name = whole.left(equals);
+    source.path = whole.mid(equals + 1, bar > equals ? bar - equals - 1 : -1);
+    source.layer = bar > equals ? whole.mid(bar + 1) : QString();
+    if (equals < 1 || source.path.isEmpty())
+        throw UsageError(Shell::tr("--table: ожидается ИМЯ=ФАЙЛ или ИМЯ=ФАЙЛ|СЛОЙ, а не «%0»").arg(whole));
+    return source;
 }
 
 std::optional<Options> parseOptions(int argc, const char* const* argv) {

@@ -53,6 +53,9 @@ struct Options {
 /// The value of --locale, which the language of everything else depends on; empty when it is not given.
 QString localeOption(int argc, const char* const* argv);
 
+/// NAME=FILE or NAME=FILE|LAYER in UTF-8. Throws UsageError.
+TableSource parseTable(const std::string& argument);
+
 /// Reads the command line; texts and paths are taken as UTF-8. Nothing when the user only asked for help or
 /// for the version, which are then printed on standard output. Throws UsageError.
 std::optional<Options> parseOptions(int argc, const char* const* argv);

@@ -8,6 +8,7 @@
 #include <cstring>
 #include <utility>
 
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -46,6 +47,11 @@ void TerminalOutput::discard() {
 void TerminalOutput::takeText() {
     writeAll(descriptor_, text_);
     text_.clear();
+}
+
+int terminalWidth() {
+    winsize size{};
+    return ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
 }
 
 HeldOutput::HeldOutput(int descriptor) : Output(std::size_t{64} << 20), descriptor_(descriptor) {}

@@ -66,6 +66,9 @@ private:
     int descriptor_;
 };
 
+/// Columns of the terminal that standard output is, now; 0 when it is none or does not tell.
+int terminalWidth();
+
 /// A pipe or a redirection: a result is held back until its statement is done, in memory up to 64 MiB, the
 /// rest in an unnamed temporary file.
 class HeldOutput : public Output {

@@ -101,6 +101,14 @@ void Session::select(const SelectionSource& source) {
     catalog_.setSelection({object, std::move(ids)});
 }
 
+bool Session::closeTable(const QString& name) {
+    const auto object = catalog_.dataObject(name);
+    if (!object || !catalog_.close(object->name()))
+        return false;
+    QCoreApplication::sendPostedEvents();
+    return true;
+}
+
 /// The catalogue announces new tables by queued signals; a failure to make one is thrown from their delivery.
 void Session::makeVirtualTables() {
     try {

@@ -34,6 +34,8 @@ public:
     /// Opens one layer under a name. Throws UsageError.
     void openTable(const TableSource& source);
     void select(const SelectionSource& source);
+    /// False when there is no such table.
+    bool closeTable(const QString& name);
 
     Engine& engine() const { return *engine_; }
     sqlite3* database() const { return database_; }

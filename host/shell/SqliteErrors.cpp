@@ -108,7 +108,7 @@ std::size_t charactersIn(const std::string& utf8, int bytes) {
 SqliteErrors::SqliteErrors(const sql::TokenizedText& statement, std::string sqliteText, int errorOffset,
                            const Names& names)
     : statement_(statement), sqliteText_(sql::tokenize(sqliteText)),
-      errorOffset_(charactersIn(sqliteText, errorOffset)), names_(names) {}
+      errorOffset_(charactersIn(sqliteText, errorOffset)), names_(names), used_(statement, names) {}
 
 Problem SqliteErrors::explain(const QString& message) const {
     using Explain = Problem (SqliteErrors::*)(const QString&) const;
@@ -150,8 +150,8 @@ Problem SqliteErrors::missingColumn(const QString& name) const {
     const QString qualifier = name.left(std::max(dot, 0));
     const QString column = userColumnName(name.mid(dot + 1));
     if (!qualifier.isEmpty()) {
-        const QString table = tableBehind(qualifier);
-        if (table.isEmpty() && !isDeclared(qualifier)) {
+        const QString table = used_.tableBehind(qualifier);
+        if (table.isEmpty() && !used_.isDeclared(qualifier)) {
             const QString message =
                 Shell::tr("нет таблицы «%0», из которой берётся столбец «%1»").arg(qualifier, column);
             return {message, placeOf(name, Role::Column)};
@@ -162,7 +162,7 @@ Problem SqliteErrors::missingColumn(const QString& name) const {
                 placeOf(name, Role::Column)};
     }
     QStringList known;
-    for (const QString& table : tablesOfStatement())
+    for (const QString& table : used_.tables())
         known += names_.columns(table);
     return {withSuggestion(Shell::tr("нет столбца «%0»").arg(column), nearestName(column, known)),
             placeOf(name, Role::Column)};
@@ -248,48 +248,6 @@ std::vector<std::size_t> SqliteErrors::occurrences(const sql::TokenizedText& tex
             found.push_back(start);
     }
     return found;
-}
-
-QString SqliteErrors::tableBehind(const QString& alias) const {
-    const QStringList tables = names_.tables();
-    const auto& tokens = statement_.tokens;
-    for (std::size_t i = 0; i + 1 < tokens.size(); ++i) {
-        if (!isName(tokens[i]))
-            continue;
-        const QString table = sql::fromSqlString(statement_.value(tokens[i]));
-        if (!tables.contains(table, Qt::CaseInsensitive))
-            continue;
-        std::size_t next = i + 1;
-        if (tokens[next].keyword == sql::Keyword::As && next + 1 < tokens.size())
-            ++next;
-        const bool isAlias =
-            isName(tokens[next]) &&
-            sql::fromSqlString(statement_.value(tokens[next])).compare(alias, Qt::CaseInsensitive) == 0;
-        if (isAlias || table.compare(alias, Qt::CaseInsensitive) == 0)
-            return table;
-    }
-    return {};
-}
-
-bool SqliteErrors::isDeclared(const QString& alias) const {
-    const auto& tokens = statement_.tokens;
-    for (std::size_t i = 0; i + 1 < tokens.size(); ++i) {
-        if (isName(tokens[i]) && tokens[i + 1].kind != sql::TokenKind::Dot &&
-            sql::fromSqlString(statement_.value(tokens[i])).compare(alias, Qt::CaseInsensitive) == 0)
-            return true;
-    }
-    return false;
-}
-
-QStringList SqliteErrors::tablesOfStatement() const {
-    QStringList used;
-    const QStringList tables = names_.tables();
-    for (const sql::Token& token : statement_.tokens) {
-        const QString name = isName(token) ? sql::fromSqlString(statement_.value(token)) : QString();
-        if (tables.contains(name, Qt::CaseInsensitive) && !used.contains(name, Qt::CaseInsensitive))
-            used += name;
-    }
-    return used;
 }
 
 } // namespace orvane::shell

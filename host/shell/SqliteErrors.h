@@ -2,6 +2,7 @@
 
 #include "host/shell/Names.h"
 #include "host/shell/Problem.h"
+#include "host/shell/StatementNames.h"
 
 #include "platform/sql/Lexer.h"
 
@@ -37,16 +38,11 @@ private:
     /// The tokens at which a name begins.
     std::vector<std::size_t> occurrences(const sql::TokenizedText& text, const QStringList& path,
                                          Role role) const;
-    /// The table that an alias, or the table's own name, stands for in the statement; empty when it is none.
-    QString tableBehind(const QString& alias) const;
-    /// Whether the statement gives that name to anything: a derived table, for instance.
-    bool isDeclared(const QString& alias) const;
-    QStringList tablesOfStatement() const;
-
     const sql::TokenizedText& statement_;
     sql::TokenizedText sqliteText_;
     std::size_t errorOffset_; ///< in characters of sqliteText_, npos for unknown
     const Names& names_;
+    StatementNames used_;
 };
 
 } // namespace orvane::shell

@@ -1,6 +1,7 @@
 #include "host/shell/Interrupt.h"
 #include "host/shell/Language.h"
 #include "host/shell/Options.h"
+#include "host/shell/Prompt.h"
 #include "host/shell/Session.h"
 #include "host/shell/Shell.h"
 #include "host/shell/StatementRunner.h"
@@ -16,7 +17,7 @@
 #include <iterator>
 
 #include <fcntl.h>
-#include <sys/ioctl.h>
+#include <langinfo.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -91,10 +92,8 @@ std::unique_ptr<Output> makeOutput(const Options& options, Interrupt& interrupt)
 
 StatementRunner::Settings runnerSettings(const Options& options, const Output& output) {
     StatementRunner::Settings settings;
-    settings.writer = {options.format, options.header, options.nullText, 0};
-    winsize size{};
-    if (output.isLive() && ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0)
-        settings.writer.terminalWidth = size.ws_col;
+    settings.writer = {options.format, options.header, options.nullText,
+                       output.isLive() ? terminalWidth() : 0};
     settings.translateOnly = options.translateOnly;
     settings.sqlite = options.sqlite;
     settings.timing = options.timing;
@@ -130,6 +129,11 @@ ExitStatus runInputs(const Options& options, const std::vector<Input>& inputs, I
     const Cancelling cancelling(interrupt, session.engine());
     session.open(options);
     StatementRunner runner(session, runnerSettings(options, *output), *output, interrupt);
+    if (options.statements.empty() && inputs.empty()) {
+        runPrompt(session, runner, interrupt);
+        output->finish();
+        return Done;
+    }
     for (const Input& input : inputs) {
         switch (runner.run({input.origin, input.text})) {
         case Outcome::Done: break;
@@ -165,8 +169,11 @@ int main(int argc, char** argv) {
     using namespace orvane::shell;
     Interrupt interrupt;
     QCoreApplication application(argc, argv);
-    // Qt has taken the locale of the environment; numbers are written and read the same everywhere.
+    // Qt has taken the locale of the environment; numbers are written and read the same everywhere, and texts
+    // are UTF-8.
     std::setlocale(LC_NUMERIC, "C");
+    if (std::strcmp(::nl_langinfo(CODESET), "UTF-8") != 0)
+        std::setlocale(LC_CTYPE, "C.UTF-8");
     for (const char* directory : {"/../plugins", "/../" ORVANE_LIBDIR "/orvane/plugins"})
         QCoreApplication::addLibraryPath(QCoreApplication::applicationDirPath() +
                                          QString::fromLatin1(directory));

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <histedit.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace orvane::shell {
+
+class Interrupt;
+
+/// What could stand in place of the word before the cursor.
+struct Completion {
+    std::size_t wordLength = 0;          ///< of that word, in characters
+    std::vector<std::string> candidates; ///< UTF-8
+};
+
+/// Reads lines from the terminal through libedit, with a history that is kept in a file. One at a time, on
+/// one thread.
+class LineEditor {
+public:
+    using Complete = std::function<Completion(const std::string& textBeforeCursor)>;
+    enum class Event { Line, Cancelled, End };
+
+    /// `historyPath` may be empty for a history that is not kept.
+    LineEditor(Interrupt& interrupt, std::string historyPath, Complete complete);
+    ~LineEditor();
+    LineEditor(const LineEditor&) = delete;
+    LineEditor& operator=(const LineEditor&) = delete;
+
+    /// The next line without its end. Ctrl-C cancels the line, Ctrl-D in an empty one ends the input.
+    Event read(const std::string& prompt, std::string& line);
+    void remember(const std::string& line);
+
+private:
+    struct EditCloser {
+        void operator()(EditLine* edit) const { el_end(edit); }
+    };
+    struct HistoryCloser {
+        void operator()(History* history) const { history_end(history); }
+    };
+
+    static LineEditor& self(EditLine* edit);
+    static char* promptOf(EditLine* edit);
+    static int readCharacter(EditLine* edit, wchar_t* character);
+    static unsigned char completeWord(EditLine* edit, int character);
+    unsigned char complete();
+    void listCandidates(const std::vector<std::string>& candidates) const;
+
+    Interrupt& interrupt_;
+    std::string historyPath_;
+    Complete complete_;
+    std::string prompt_;
+    bool cancelled_ = false;
+    std::unique_ptr<History, HistoryCloser> history_;
+    std::unique_ptr<EditLine, EditCloser> edit_;
+};
+
+} // namespace orvane::shell

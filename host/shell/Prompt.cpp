@@ -1,0 +1,71 @@
+#include "host/shell/Prompt.h"
+
+#include "host/shell/Interrupt.h"
+#include "host/shell/PromptCommands.h"
+#include "host/shell/Shell.h"
+#include "host/shell/WordCompletion.h"
+
+#include "platform/sql/Script.h"
+
+#include <QDir>
+#include <QStandardPaths>
+
+#include <cstdio>
+
+namespace orvane::shell {
+
+namespace {
+
+std::string historyPath() {
+    const QString directory =
+        QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + QStringLiteral("/orvane");
+    if (!QDir().mkpath(directory))
+        return {};
+    return (directory + QStringLiteral("/history")).toStdString();
+}
+
+/// Whether the lines read so far make a whole, so that they can run.
+bool isComplete(const std::string& text, const std::string& lastLine) {
+    const auto statements = sql::splitScript(text);
+    return statements.empty() || statements.back().terminated ||
+           lastLine.find_first_not_of(" \t") == std::string::npos;
+}
+
+} // namespace
+
+void runPrompt(Session& session, StatementRunner& runner, Interrupt& interrupt) {
+    interrupt.setExitsWhenStuck(false);
+    PromptCommands commands(session, runner);
+    std::string text;
+    LineEditor editor(interrupt, historyPath(), [&session, &text](const std::string& lineBeforeCursor) {
+        return completeStatement(text + lineBeforeCursor, session.names());
+    });
+    std::printf("%s\n", Shell::tr("Команды показывает .help, выход: Ctrl-D").toUtf8().constData());
+    std::string line;
+    while (true) {
+        const auto event = editor.read(text.empty() ? "orvane> " : "   ...> ", line);
+        if (event == LineEditor::Event::End)
+            break;
+        if (event == LineEditor::Event::Cancelled) {
+            text.clear();
+            continue;
+        }
+        if (line.find_first_not_of(" \t") != std::string::npos)
+            editor.remember(line);
+        if (text.empty() && line.rfind('.', 0) == 0) {
+            if (!commands.run(QString::fromStdString(line).trimmed()))
+                return;
+            continue;
+        }
+        text += line + '\n';
+        if (!isComplete(text, line))
+            continue;
+        runner.settings().writer.terminalWidth = terminalWidth(); // the user may have changed it
+        runner.run({QString(), text});
+        interrupt.reset();
+        text.clear();
+    }
+    std::fputc('\n', stdout);
+}
+
+} // namespace orvane::shell

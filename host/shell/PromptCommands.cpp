@@ -1,0 +1,205 @@
+#include "host/shell/PromptCommands.h"
+
+#include "host/adaptor/FunctionRegistry.h"
+#include "host/shell/NearestName.h"
+#include "host/shell/Shell.h"
+
+#include "platform/cs/CoordSystem.h"
+#include "platform/dp/Table.h"
+
+#include <cstdio>
+
+namespace orvane::shell {
+
+namespace {
+
+void print(const QString& text) {
+    const QByteArray utf8 = text.toUtf8();
+    std::fwrite(utf8.constData(), 1, static_cast<std::size_t>(utf8.size()), stdout);
+}
+
+void printLine(const QString& text) {
+    print(text + QLatin1Char('\n'));
+}
+
+void printError(const QString& text) {
+    std::fprintf(stderr, "orvane: %s\n", text.toUtf8().constData());
+}
+
+/// What a column holds, in the words of SQL.
+QString typeName(const dp::AttributeDefinition& attribute) {
+    if (const auto* geometry = dynamic_cast<const dp::GeometryAttributeDefinition*>(&attribute)) {
+        const auto system = geometry->coordSystem();
+        return system ? QStringLiteral("Geometry, ") + system->taggedString() : QStringLiteral("Geometry");
+    }
+    switch (attribute.type()) {
+    case QMetaType::Bool: return QStringLiteral("Boolean");
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::Short:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong: return QStringLiteral("Integer");
+    case QMetaType::Float:
+    case QMetaType::Double: return QStringLiteral("Real");
+    case QMetaType::QDate: return QStringLiteral("Date");
+    case QMetaType::QTime: return QStringLiteral("Time");
+    case QMetaType::QDateTime: return QStringLiteral("Timestamp");
+    case QMetaType::QByteArray: return QStringLiteral("Blob");
+    default: return QStringLiteral("Text");
+    }
+}
+
+} // namespace
+
+struct PromptCommands::Command {
+    const char* name;
+    const char* argument;
+    const char* summary;
+    void (PromptCommands::*run)(const QString& argument);
+};
+
+const std::vector<PromptCommands::Command>& PromptCommands::commands() {
+    static const std::vector<Command> all{
+        {".tables", "", QT_TRANSLATE_NOOP("orvane::shell::Shell", "таблицы и число их строк"),
+         &PromptCommands::showTables},
+        {".schema", "[TABLE]", QT_TRANSLATE_NOOP("orvane::shell::Shell", "столбцы таблицы или всех таблиц"),
+         &PromptCommands::showSchema},
+        {".functions", "[TEXT]",
+         QT_TRANSLATE_NOOP("orvane::shell::Shell", "функции, в имени или описании которых есть TEXT"),
+         &PromptCommands::showFunctions},
+        {".help", "[FUNCTION]", QT_TRANSLATE_NOOP("orvane::shell::Shell", "команды или описание функции"),
+         &PromptCommands::showHelp},
+        {".translate", "STATEMENT", QT_TRANSLATE_NOOP("orvane::shell::Shell", "запрос на языке SQLite"),
+         &PromptCommands::showTranslation},
+        {".open", "FILE | NAME=FILE[|LAYER]", QT_TRANSLATE_NOOP("orvane::shell::Shell", "открыть слои файла"),
+         &PromptCommands::open},
+        {".close", "TABLE", QT_TRANSLATE_NOOP("orvane::shell::Shell", "закрыть таблицу"),
+         &PromptCommands::close},
+        {".quit", "", QT_TRANSLATE_NOOP("orvane::shell::Shell", "выйти"), nullptr},
+    };
+    return all;
+}
+
+QStringList PromptCommands::names() {
+    QStringList names;
+    for (const Command& command : commands())
+        names += QLatin1String(command.name);
+    return names;
+}
+
+bool PromptCommands::run(const QString& line) {
+    const QString name = line.section(QLatin1Char(' '), 0, 0);
+    for (const Command& command : commands()) {
+        if (name.compare(QLatin1String(command.name), Qt::CaseInsensitive) != 0)
+            continue;
+        if (!command.run)
+            return false;
+        (this->*command.run)(line.mid(name.size()).trimmed());
+        std::fflush(stdout);
+        return true;
+    }
+    const QString nearest = nearestName(name, names());
+    printError(nearest.isEmpty()
+                   ? Shell::tr("нет команды %0, все команды показывает .help").arg(name)
+                   : Shell::tr("нет команды %0; возможно, имелось в виду %1").arg(name, nearest));
+    return true;
+}
+
+void PromptCommands::showTables(const QString&) {
+    for (const auto& object : session_.catalog().dataObjects()) {
+        const auto* table = qobject_cast<const dp::Table*>(object.get());
+        const auto count = table ? table->featureCount() : std::nullopt;
+        printLine(count ? QStringLiteral("%0  %1").arg(object->name(), QString::number(*count))
+                        : object->name());
+    }
+}
+
+void PromptCommands::showSchema(const QString& name) {
+    bool found = false;
+    for (const auto& object : session_.catalog().dataObjects()) {
+        const auto* table = qobject_cast<const dp::Table*>(object.get());
+        if (!table || (!name.isEmpty() && name.compare(table->name(), Qt::CaseInsensitive) != 0))
+            continue;
+        found = true;
+        printLine(table->name());
+        const auto schema = table->schema();
+        for (const auto& attribute : schema->attributes()) {
+            const bool isGeometry = dynamic_cast<const dp::GeometryAttributeDefinition*>(attribute.data());
+            printLine(QStringLiteral("  %0  %1")
+                          .arg(isGeometry ? QStringLiteral("obj") : attribute->name(), typeName(*attribute)));
+        }
+    }
+    if (!found && !name.isEmpty())
+        printError(Shell::tr("нет таблицы «%0»").arg(name));
+}
+
+void PromptCommands::showFunctions(const QString& pattern) {
+    QString group;
+    for (const adaptor::FunctionRecord& record : adaptor::allFunctionRecords()) {
+        const QString signature = QString::fromUtf8(record.signature);
+        const QString summary = QString::fromUtf8(record.summary);
+        if (!signature.contains(pattern, Qt::CaseInsensitive) &&
+            !summary.contains(pattern, Qt::CaseInsensitive))
+            continue;
+        if (group != QLatin1String(record.group)) {
+            group = QLatin1String(record.group);
+            printLine(group);
+        }
+        printLine(QStringLiteral("  %0  %1").arg(signature, summary));
+    }
+}
+
+void PromptCommands::showHelp(const QString& topic) {
+    if (topic.isEmpty()) {
+        for (const Command& command : commands())
+            printLine(QStringLiteral("%0 %1  %2")
+                          .arg(QLatin1String(command.name), QLatin1String(command.argument),
+                               Shell::tr(command.summary)));
+        printLine(Shell::tr(
+            "Запрос кончается точкой с запятой или пустой строкой. Tab дополняет слово, Ctrl-C прерывает "
+            "запрос, Ctrl-D завершает работу."));
+        return;
+    }
+    bool found = false;
+    for (const adaptor::FunctionRecord& record : adaptor::allFunctionRecords()) {
+        const QString name = QLatin1String(record.name);
+        if (topic.compare(name, Qt::CaseInsensitive) != 0 &&
+            topic.compare(userFunctionName(name), Qt::CaseInsensitive) != 0)
+            continue;
+        found = true;
+        printLine(QString::fromUtf8(record.signature));
+        printLine(QStringLiteral("  ") + QString::fromUtf8(record.summary));
+        if (record.example)
+            printLine(QStringLiteral("  %0%1").arg(
+                QString::fromUtf8(record.example),
+                record.result ? QStringLiteral(" = ") + QString::fromUtf8(record.result) : QString()));
+    }
+    if (!found)
+        printError(Shell::tr("описания «%0» нет").arg(topic));
+}
+
+void PromptCommands::showTranslation(const QString& statement) {
+    const std::string text = statement.toStdString();
+    StatementRunner::Settings& settings = runner_.settings();
+    settings.translateOnly = true;
+    runner_.run({QString(), text});
+    settings.translateOnly = false;
+}
+
+void PromptCommands::open(const QString& source) {
+    try {
+        if (source.contains(QLatin1Char('=')))
+            session_.openTable(parseTable(source.toStdString()));
+        else
+            session_.openFile(source);
+    } catch (const UsageError& error) {
+        printError(QString::fromUtf8(error.what()));
+    }
+}
+
+void PromptCommands::close(const QString& table) {
+    if (!session_.closeTable(table))
+        printError(Shell::tr("нет таблицы «%0»").arg(table));
+}
+
+} // namespace orvane::shell

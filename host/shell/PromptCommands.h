@@ -1,0 +1,36 @@
+#pragma once
+
+#include "host/shell/StatementRunner.h"
+
+namespace orvane::shell {
+
+/// The commands of the prompt, which begin with a dot. What they show goes to standard output.
+class PromptCommands {
+public:
+    /// Neither is owned.
+    PromptCommands(Session& session, StatementRunner& runner) : session_(session), runner_(runner) {}
+
+    /// Their names with the dot.
+    static QStringList names();
+
+    /// Carries a line out; one that is no command, or whose file does not open, is answered with a message on
+    /// standard error. False when the user wants to leave.
+    bool run(const QString& line);
+
+private:
+    struct Command;
+    static const std::vector<Command>& commands();
+
+    void showTables(const QString& argument);
+    void showSchema(const QString& table);
+    void showFunctions(const QString& pattern);
+    void showHelp(const QString& topic);
+    void showTranslation(const QString& statement);
+    void open(const QString& source);
+    void close(const QString& table);
+
+    Session& session_;
+    StatementRunner& runner_;
+};
+
+} // namespace orvane::shell
