@@ -90,7 +90,7 @@ INSTANTIATE_TEST_SUITE_P(
             "Where geonameid = 2950159) t",
             "{\"type\":\"FeatureCollection\",\"features\":[\n"
             "{\"type\":\"Feature\",\"geometry\":{\"type\":\"Point\",\"coordinates\":[13.41053,52.52437]},"
-            "\"properties\":{\"x\":13.411}}\n]}\n"},
+            "\"properties\":{\"x\":1492853.371}}\n]}\n"},
         AnswerCase{"a lone expression", "csv", "'Жуков' & ' 🗺 ' & (6 * 7)",
                    "'Жуков' & ' 🗺 ' & (6 * 7)\nЖуков 🗺 42\n"},
         AnswerCase{"columns under the user's words", "csv",

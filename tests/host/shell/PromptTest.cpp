@@ -1,0 +1,176 @@
+// Talks to the prompt through a pseudo-terminal.
+
+#include "host/shell/Program.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <chrono>
+#include <cstdlib>
+
+#include <poll.h>
+#include <pty.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace orvane::shell {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+using testing::HasSubstr;
+
+/// The program on a terminal of 80 columns.
+class Terminal {
+public:
+    Terminal(const std::string& home, std::vector<std::string> arguments) {
+        winsize size{24, 80, 0, 0};
+        process_ = ::forkpty(&descriptor_, nullptr, nullptr, &size);
+        if (process_ != 0)
+            return;
+        ::setenv("XDG_DATA_HOME", home.c_str(), 1);
+        ::setenv("LC_ALL", "C.UTF-8", 1);
+        ::setenv("TERM", "xterm", 1);
+        arguments.insert(arguments.begin(), ORVANE_PROGRAM);
+        std::vector<char*> pointers;
+        for (std::string& argument : arguments)
+            pointers.push_back(argument.data());
+        pointers.push_back(nullptr);
+        ::execv(ORVANE_PROGRAM, pointers.data());
+        ::_exit(127);
+    }
+    ~Terminal() {
+        ::close(descriptor_);
+        if (process_ > 0) {
+            ::kill(process_, SIGKILL);
+            ::waitpid(process_, nullptr, 0);
+        }
+    }
+    Terminal(const Terminal&) = delete;
+    Terminal& operator=(const Terminal&) = delete;
+
+    void type(const std::string& keys) {
+        ASSERT_EQ(::write(descriptor_, keys.data(), keys.size()), static_cast<ssize_t>(keys.size()));
+    }
+
+    /// What appears up to and with a text; everything when it does not come within half a minute.
+    std::string readUntil(const std::string& text) {
+        const auto end = steady_clock::now() + std::chrono::seconds(30);
+        while (steady_clock::now() < end) {
+            if (const std::size_t found = unread_.find(text); found != std::string::npos) {
+                const std::string read = unread_.substr(0, found + text.size());
+                unread_.erase(0, read.size());
+                return read;
+            }
+            pollfd source{descriptor_, POLLIN, 0};
+            char block[4096];
+            if (::poll(&source, 1, 100) <= 0)
+                continue;
+            const ssize_t size = ::read(descriptor_, block, sizeof block);
+            if (size <= 0)
+                break;
+            unread_.append(block, static_cast<std::size_t>(size));
+        }
+        ADD_FAILURE() << "\"" << text << "\" did not come:\n" << unread_;
+        return std::exchange(unread_, {});
+    }
+
+    int exitStatus() {
+        int status = 0;
+        ::waitpid(std::exchange(process_, 0), &status, 0);
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+private:
+    int descriptor_ = -1;
+    pid_t process_ = 0;
+    std::string unread_;
+};
+
+class Prompt : public testing::Test {
+protected:
+    Prompt() { terminal_.readUntil("orvane> "); }
+
+    QTemporaryDir home_;
+    Terminal terminal_{home_.path().toStdString(),
+                       {ORVANE_EXAMPLE_DATA "/countries.gpkg", ORVANE_EXAMPLE_DATA "/cities.shp"}};
+};
+
+TEST_F(Prompt, runsStatementsOverSeveralLines) {
+    terminal_.type("Select name_long As land\nFrom countries\nWhere pop > 1000000000 Order By pop;\n");
+    EXPECT_THAT(terminal_.readUntil("\r\nChina\r\n"), HasSubstr("land\r\n-----\r\nIndia"));
+    terminal_.type("6 * 7\n\n");
+    terminal_.readUntil("\r\n   42\r\n");
+    terminal_.type("Select 'жук 東京' As t;\n");
+    terminal_.readUntil("\r\nжук 東京\r\n");
+    terminal_.type("\x04");
+    EXPECT_EQ(terminal_.exitStatus(), 0);
+}
+
+TEST_F(Prompt, completesWords) {
+    terminal_.type("Select popul\t From cit\tWhere geonameid = 2950159;\n");
+    terminal_.readUntil("3426354");
+    terminal_.type("Select c.geon\tFrom cities c Where c.popu\tBetw\t3426354 And 3426354;\n");
+    terminal_.readUntil("2950159\r\n");
+    terminal_.type(".qui\t\n");
+    EXPECT_EQ(terminal_.exitStatus(), 0);
+}
+
+TEST_F(Prompt, survivesErrorsAndCancelledStatements) {
+    terminal_.type("Select nothing From cities;\n");
+    terminal_.readUntil("there is no column \"nothing\"");
+    terminal_.type("Select Count(*) From cities a, cities b, cities c Where a.population + b.population + "
+                   "c.population = -1;\n");
+    terminal_.readUntil(" s"); // the progress line
+    const auto start = steady_clock::now();
+    terminal_.type("\x03");
+    terminal_.readUntil("interrupted");
+    EXPECT_LT(steady_clock::now() - start, milliseconds(100 * slowdown()));
+    terminal_.readUntil("orvane> ");
+    terminal_.type("Select 1 +");
+    terminal_.readUntil("1 +");
+    terminal_.type("\x03");
+    terminal_.readUntil("^C\r\norvane> ");
+    terminal_.type("Select 6 * 7 As answer;\n");
+    terminal_.readUntil("\r\n    42\r\n");
+    terminal_.type(".quit\n");
+    EXPECT_EQ(terminal_.exitStatus(), 0);
+}
+
+TEST_F(Prompt, answersCommands) {
+    terminal_.type(".tables\n");
+    terminal_.readUntil("countries  177\r\n");
+    terminal_.type(".schema cities\n");
+    terminal_.readUntil("  obj  Geometry, epsg:4326\r\n");
+    terminal_.type(".translate Select 'a' & 'b'\n");
+    terminal_.readUntil("||");
+    terminal_.type(".close countries\n.open big places=" ORVANE_EXAMPLE_DATA
+                   "/cities.shp\n.open /no/such/file\n.table\n");
+    terminal_.readUntil("/no/such/file");
+    terminal_.readUntil("did you mean .tables");
+    terminal_.type("Select Count(*) As n From \"big places\";\n");
+    terminal_.readUntil("4442\r\n");
+    terminal_.type("Select 1 From countries;\n");
+    terminal_.readUntil("there is no table \"countries\"");
+    terminal_.type(".help Mid\n");
+    terminal_.readUntil("Mid(text, start, count)");
+    terminal_.type(".quit\n");
+    EXPECT_EQ(terminal_.exitStatus(), 0);
+}
+
+TEST_F(Prompt, keepsTheHistory) {
+    terminal_.type("Select 'remember me';\n");
+    terminal_.readUntil("\r\nremember me\r\n");
+    terminal_.type(".quit\n");
+    EXPECT_EQ(terminal_.exitStatus(), 0);
+    Terminal again(home_.path().toStdString(), {});
+    again.readUntil("orvane> ");
+    again.type("\x10\x10\n"); // twice back
+    again.readUntil("\r\nremember me\r\n");
+}
+
+} // namespace
+} // namespace orvane::shell
