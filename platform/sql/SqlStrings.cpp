@@ -45,6 +45,21 @@ constexpr int continuationCount(unsigned char first) {
     return first >= 0xF0 && first <= 0xF4 ? 3 : -1;
 }
 
+void appendSymbol(std::string& utf8, char32_t symbol) {
+    const auto continuation = [symbol](int shift) {
+        return static_cast<char>(0x80 | (symbol >> shift & 0x3F));
+    };
+    if (symbol < 0x80) {
+        utf8 += static_cast<char>(symbol);
+    } else if (symbol < 0x800) {
+        utf8 += {static_cast<char>(0xC0 | symbol >> 6), continuation(0)};
+    } else if (symbol < 0x10000) {
+        utf8 += {static_cast<char>(0xE0 | symbol >> 12), continuation(6), continuation(0)};
+    } else {
+        utf8 += {static_cast<char>(0xF0 | symbol >> 18), continuation(12), continuation(6), continuation(0)};
+    }
+}
+
 } // namespace
 
 std::wstring toSqlString(const QString& text) {
@@ -56,7 +71,20 @@ QString fromSqlString(const std::wstring& text) {
 }
 
 std::string toUtf8(std::wstring_view text) {
-    return QString::fromWCharArray(text.data(), static_cast<int>(text.size())).toStdString();
+    std::string utf8;
+    utf8.reserve(text.size());
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        auto symbol = static_cast<char32_t>(text[i]);
+        if (sizeof(wchar_t) == 2 && QChar::isHighSurrogate(symbol) && i + 1 < text.size() &&
+            QChar::isLowSurrogate(static_cast<char32_t>(text[i + 1]))) {
+            symbol = QChar::surrogateToUcs4(static_cast<ushort>(symbol), static_cast<ushort>(text[++i]));
+        }
+        if (symbol > 0x10FFFF || QChar::isSurrogate(symbol)) {
+            symbol = QChar::ReplacementCharacter;
+        }
+        appendSymbol(utf8, symbol);
+    }
+    return utf8;
 }
 
 std::wstring toLowercase(const std::wstring& text) {

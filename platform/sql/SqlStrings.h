@@ -12,6 +12,7 @@ namespace orvane::sql {
 
 ORVANE_PLATFORM_EXPORT std::wstring toSqlString(const QString& text);
 ORVANE_PLATFORM_EXPORT QString fromSqlString(const std::wstring& text);
+/// What is no character becomes U+FFFD.
 ORVANE_PLATFORM_EXPORT std::string toUtf8(std::wstring_view text);
 
 /// Every character by its simple lower-case mapping; the length stays.
