@@ -1,0 +1,1 @@
+Select c.name, Count(*) As n From cities c Left Join countries k On c.obj Within k.obj Where c.population > 1e6 Group By c.name Having Count(*) > 1 Order By n Desc Nulls Last Limit 10 Offset 2

@@ -1,0 +1,1 @@
+(Select a From t Order By a Limit 1) Union All Select b From u Intersect Table v

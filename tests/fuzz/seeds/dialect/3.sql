@@ -1,0 +1,1 @@
+With Recursive n(i) As (Select 1 Union All Select i + 1 From n Where i < 10) Select i From n

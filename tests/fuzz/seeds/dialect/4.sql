@@ -1,0 +1,1 @@
+Insert Into t (a, b) Values (1, 'it''s'), (?, :p)

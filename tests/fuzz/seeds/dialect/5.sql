@@ -1,0 +1,1 @@
+Update t p Set a = b ^ -2, (b, c) = (1, X'00ff') Where a Between 1 And 2 Or b Not Like 'x!%' Escape '!'

@@ -1,0 +1,1 @@
+Delete From t Where (a, b) In ((1, 2), (3, 4)) And c Is Not Distinct From 5

@@ -1,0 +1,1 @@
+Case a When 1 Then Cast(b As Decimal(10, 2)) Else Sum(a) Filter (Where b) Over (Partition By c Order By d Rows Between 2 Preceding And Current Row Exclude Ties) End

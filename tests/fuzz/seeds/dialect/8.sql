@@ -1,0 +1,1 @@
+Select "quoted ""name""", [x y], Имя /* note */ From (Select obj From t) d (obj) -- end

@@ -1,0 +1,1 @@
+obj Contains Part x And obj Contains part Or a Collate NoCase = 'x' And b Is Unknown
