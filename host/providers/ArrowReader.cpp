@@ -116,7 +116,7 @@ bool ArrowReader::hasExpectedLayout(const LayerScan& scan) {
 }
 
 bool ArrowReader::next(ColumnBatch& batch) {
-    const GdalErrorScope errors;
+    GdalErrorScope errors;
     const std::shared_ptr<ArrowArray> array(new ArrowArray{}, releaseArray);
     do {
         if (array->release)
@@ -132,6 +132,7 @@ bool ArrowReader::next(ColumnBatch& batch) {
             return false;
         }
     } while (array->length == 0);
+    errors.logError();
 
     batch.rows = array->length;
     batch.fids = makeChunk(ColumnKind::Int64, *array->children[0], array);

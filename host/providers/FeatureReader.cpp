@@ -134,7 +134,7 @@ FeatureHandle FeatureReader::nextFeature() {
 bool FeatureReader::next(ColumnBatch& batch) {
     if (isAtEnd_)
         return false;
-    const GdalErrorScope errors;
+    GdalErrorScope errors;
     ColumnBuilder fids(ColumnKind::Int64);
     std::vector<ColumnBuilder> builders;
     for (const auto* column : scan_.columns)
@@ -152,6 +152,7 @@ bool FeatureReader::next(ColumnBatch& batch) {
             isAtEnd_ = true;
             break;
         }
+        errors.logError();
         fids.append(std::int64_t{OGR_F_GetFID(feature.get())});
         bytes = 0;
         for (std::size_t i = 0; i < builders.size(); ++i) {

@@ -43,6 +43,13 @@ void GdalErrorScope::raise(const QString& what) const {
     throw std::runtime_error((error_.isEmpty() ? what : what + QStringLiteral(": ") + error_).toStdString());
 }
 
+void GdalErrorScope::logError() {
+    if (error_.isEmpty())
+        return;
+    logMessage(LogLevel::Warning, error_.toUtf8().constData());
+    error_.clear();
+}
+
 void GdalErrorScope::raiseIfFailed(const QString& what) const {
     if (!error_.isEmpty())
         raise(what);

@@ -23,6 +23,8 @@ public:
     const QString& error() const { return error_; }
     /// Throws std::runtime_error with `what`, and GDAL's text after a colon when there is one.
     [[noreturn]] void raise(const QString& what) const;
+    /// Logs the last error, if any, as a warning and forgets it: reading went on in spite of it.
+    void logError();
     /// raise() when an error was reported.
     void raiseIfFailed(const QString& what) const;
 

@@ -2,6 +2,7 @@
 
 #include "host/providers/BatchCursor.h"
 #include "host/providers/GdalErrors.h"
+#include "platform/dp/Cancellation.h"
 
 #include <algorithm>
 #include <numeric>
@@ -16,6 +17,8 @@ constexpr std::uint64_t SMALL_FILE = std::uint64_t{4} << 20;
 constexpr std::int64_t MAX_BOX_ROWS = 200'000;
 /// Up to this many rows found in memory, the other columns are read feature by feature.
 constexpr std::size_t MAX_LOOKUPS = 4096;
+/// Finding a feature by its identifier costs as much as scanning about so many rows.
+constexpr std::int64_t ROWS_PER_LOOKUP = 64;
 
 /// The identifiers among the values, each once, in ascending order, which is the fastest to read.
 std::vector<std::int64_t> sortedIds(const std::vector<dp::FeatureId>& ids) {
@@ -57,6 +60,12 @@ struct LayerReader::Query {
     std::optional<dp::ScanWindow> window;
     std::int64_t limit = -1;
 
+    std::vector<int> testedAttributes() const {
+        std::vector<int> attributes;
+        for (const auto& test : tests)
+            addDistinct(attributes, test.attribute);
+        return attributes;
+    }
     /// The tests on the first `columns` attributes of `needed`.
     RowFilter filter(std::size_t columns) const {
         RowFilter result;
@@ -106,7 +115,7 @@ std::unique_ptr<dp::Cursor> LayerReader::openCursor(const dp::ScanRequest& reque
     return openFullScan(query);
 }
 
-std::unique_ptr<dp::Cursor> LayerReader::makeCursor(Query& query, std::unique_ptr<BatchReader> reader,
+std::unique_ptr<dp::Cursor> LayerReader::makeCursor(const Query& query, std::unique_ptr<BatchReader> reader,
                                                     std::shared_ptr<const RowFilter> filter) {
     std::vector<int> slots(schema_->columns.size(), -1);
     for (std::size_t i = 0; i < query.requested.size(); ++i)
@@ -114,18 +123,33 @@ std::unique_ptr<dp::Cursor> LayerReader::makeCursor(Query& query, std::unique_pt
     return std::make_unique<BatchCursor>(std::move(reader), std::move(slots), std::move(filter));
 }
 
-std::unique_ptr<dp::Cursor> LayerReader::openById(Query& query, std::vector<std::int64_t> ids) {
-    auto cached = BatchCache::instance().find(*key_, query.requested);
-    if (cached && cached->rows->idsAscend) {
-        RowFilter filter;
-        filter.setIds(std::move(ids));
-        const auto shared = std::make_shared<const RowFilter>(std::move(filter));
-        return makeCursor(query, std::make_unique<CachedReader>(std::move(*cached), shared, nullptr), shared);
+std::unique_ptr<dp::Cursor> LayerReader::openById(const Query& query, std::vector<std::int64_t> ids) {
+    auto& cache = BatchCache::instance();
+    auto cached = cache.find(*key_, query.requested);
+    if (!cached && lookupsCostMoreThanAScan(ids.size())) {
+        load(query.requested);
+        cached = cache.find(*key_, query.requested);
     }
-    return makeCursor(query, startLookup(makeScan(query.requested), std::move(ids)), nullptr);
+    if (!cached || !cached->rows->idsAscend)
+        return makeCursor(query, startLookup(makeScan(query.requested), std::move(ids)), nullptr);
+    RowFilter filter;
+    filter.setIds(std::move(ids));
+    const auto shared = std::make_shared<const RowFilter>(std::move(filter));
+    return makeCursor(query, std::make_unique<CachedReader>(std::move(*cached), shared, nullptr), shared);
 }
 
-std::unique_ptr<dp::Cursor> LayerReader::openFromCache(Query& query) {
+bool LayerReader::lookupsCostMoreThanAScan(std::size_t count) {
+    lookups_ += static_cast<std::int64_t>(count);
+    const auto rows = featureCount();
+    const auto scan = makeScan({});
+    const bool isSlow = !OGR_L_TestCapability(scan.layer, OLCRandomRead);
+    if (!isSlow && (!rows || lookups_ < *rows / ROWS_PER_LOOKUP))
+        return false;
+    lookups_ = 0;
+    return true;
+}
+
+std::unique_ptr<dp::Cursor> LayerReader::openFromCache(const Query& query) {
     auto attributes = query.needed;
     const bool testsBoxes = query.window && usesWindow();
     int geometry = -1;
@@ -146,7 +170,7 @@ std::unique_ptr<dp::Cursor> LayerReader::openFromCache(Query& query) {
                       shared);
 }
 
-std::unique_ptr<dp::Cursor> LayerReader::openByDriver(Query& query) {
+std::unique_ptr<dp::Cursor> LayerReader::openByDriver(const Query& query) {
     const bool asksWindow = query.window && usesWindow();
     if ((!asksWindow && query.tests.empty()) || !sqlTraits().evaluatesSql)
         return nullptr;
@@ -167,10 +191,8 @@ std::unique_ptr<dp::Cursor> LayerReader::openByDriver(Query& query) {
         // answers the next query from memory.
         if (isNarrow(query.needed))
             return nullptr;
-        if (++driverFilters_ > 1) {
-            if (auto cursor = openByTestedColumns(query))
-                return cursor;
-        }
+        if (++driverFilters_ > 1 && loadTestedColumns(query))
+            return openByTestedColumns(query);
     }
     auto scan = makeScan(query.requested);
     scan.filter = std::move(sql);
@@ -179,26 +201,29 @@ std::unique_ptr<dp::Cursor> LayerReader::openByDriver(Query& query) {
     return makeCursor(query, startScan(std::move(scan)), shared);
 }
 
-std::unique_ptr<dp::Cursor> LayerReader::openByTestedColumns(Query& query) {
-    std::vector<int> tested;
+bool LayerReader::loadTestedColumns(const Query& query) {
+    const auto tested = query.testedAttributes();
+    auto& cache = BatchCache::instance();
+    if (!cache.find(*key_, tested))
+        load(tested);
+    return cache.find(*key_, tested).has_value();
+}
+
+std::unique_ptr<dp::Cursor> LayerReader::openByTestedColumns(const Query& query) {
+    auto columns = BatchCache::instance().find(*key_, query.testedAttributes());
+    if (!columns)
+        return openFullScan(query);
     RowFilter filter;
+    std::vector<int> tested;
     for (const auto& test : query.tests)
         filter.add(addDistinct(tested, test.attribute), test.condition);
-    auto& cache = BatchCache::instance();
-    auto columns = cache.find(*key_, tested);
-    if (!columns) {
-        load(tested);
-        columns = cache.find(*key_, tested);
-        if (!columns)
-            return nullptr;
-    }
     std::vector<std::int64_t> ids;
     std::vector<std::int32_t> rows;
     CachedReader reader(std::move(*columns), nullptr, nullptr);
     for (ColumnBatch batch; reader.next(batch);) {
         filter.select(batch, rows);
         if (ids.size() + rows.size() > MAX_LOOKUPS)
-            return nullptr;
+            return openFullScan(query);
         for (const auto row : rows)
             ids.push_back(batch.fids.number<std::int64_t>(row));
     }
@@ -206,7 +231,7 @@ std::unique_ptr<dp::Cursor> LayerReader::openByTestedColumns(Query& query) {
     return makeCursor(query, startLookup(makeScan(query.requested), std::move(ids)), nullptr);
 }
 
-std::unique_ptr<dp::Cursor> LayerReader::openFullScan(Query& query) {
+std::unique_ptr<dp::Cursor> LayerReader::openFullScan(const Query& query) {
     auto filter = query.filter(query.needed.size());
     const auto shared = filter.isEmpty() ? nullptr : std::make_shared<const RowFilter>(std::move(filter));
     if (query.limit < 0)
@@ -270,6 +295,7 @@ void LayerReader::invalidate() {
     sqlTraits_.reset();
     wholeWasTried_ = false;
     driverFilters_ = 0;
+    lookups_ = 0;
 }
 
 void LayerReader::followFile() {
@@ -325,7 +351,8 @@ std::unique_ptr<BatchReader> LayerReader::startCollectedScan(const std::vector<i
 
 void LayerReader::load(const std::vector<int>& attributes) {
     const auto reader = startCollectedScan(attributes);
-    for (ColumnBatch batch; reader->next(batch);) {
+    const dp::Cancellation cancellation;
+    for (ColumnBatch batch; !cancellation.isRequested() && reader->next(batch);) {
     }
 }
 

@@ -42,17 +42,21 @@ private:
     ValueClass valueClass(int attribute) const;
     bool isNarrow(const std::vector<int>& attributes) const;
 
-    std::unique_ptr<dp::Cursor> openById(Query& query, std::vector<std::int64_t> ids);
-    std::unique_ptr<dp::Cursor> openFromCache(Query& query);
-    std::unique_ptr<dp::Cursor> openByDriver(Query& query);
-    /// Tests the columns of the conditions in memory, reading them whole if need be, and looks the few rows
-    /// that pass up; null when they are many, or the columns do not fit into memory.
-    std::unique_ptr<dp::Cursor> openByTestedColumns(Query& query);
-    std::unique_ptr<dp::Cursor> openFullScan(Query& query);
-    std::unique_ptr<dp::Cursor> makeCursor(Query& query, std::unique_ptr<BatchReader> reader,
+    std::unique_ptr<dp::Cursor> openById(const Query& query, std::vector<std::int64_t> ids);
+    std::unique_ptr<dp::Cursor> openFromCache(const Query& query);
+    std::unique_ptr<dp::Cursor> openByDriver(const Query& query);
+    /// Whether the columns of the conditions are in memory, or could be read into it whole.
+    bool loadTestedColumns(const Query& query);
+    /// Tests these columns and looks the rows that pass up; reads the layer when they are many.
+    std::unique_ptr<dp::Cursor> openByTestedColumns(const Query& query);
+    std::unique_ptr<dp::Cursor> openFullScan(const Query& query);
+    std::unique_ptr<dp::Cursor> makeCursor(const Query& query, std::unique_ptr<BatchReader> reader,
                                            std::shared_ptr<const RowFilter> filter);
 
+    /// Counts look-ups of features; true when keeping their columns in memory has become cheaper.
+    bool lookupsCostMoreThanAScan(std::size_t count);
     std::unique_ptr<BatchReader> startCollectedScan(const std::vector<int>& attributes);
+    /// Reads columns into the cache, as far as there is room; stops when the query is cancelled.
     void load(const std::vector<int>& attributes);
     void loadWholeOnce();
 
@@ -67,6 +71,7 @@ private:
     std::optional<std::int64_t> featureCount_; ///< -1 when the driver does not know
     bool wholeWasTried_ = false;
     int driverFilters_ = 0; ///< scans that the driver filtered without an index
+    std::int64_t lookups_ = 0;
 };
 
 } // namespace orvane::files

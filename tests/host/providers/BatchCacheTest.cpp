@@ -114,6 +114,27 @@ TEST_F(Cache, aChangedFileIsReadAnew) {
     EXPECT_EQ(rows, 10) << "a cursor keeps what it began to read";
 }
 
+TEST_F(Cache, manyLookUpsMoveToMemory) {
+    cache().setCapacity(0);
+    const auto table = tableOf("lookups.gpkg", 9000);
+    dp::ScanRequest request;
+    request.attributes = {3, 1};
+    request.ids.emplace({dp::FeatureId(QVariant(1))});
+    readRows(*table, request);
+    cache().setCapacity(std::size_t{64} << 20);
+    for (int n = 0; n < 400; ++n) {
+        const int id = 1 + n * 7919 % 9000;
+        *request.ids = {dp::FeatureId(QVariant(id)), dp::FeatureId(QVariant(-5)),
+                        dp::FeatureId(QVariant(9001))};
+        const auto rows = readRows(*table, request);
+        ASSERT_EQ(rows.size(), 1U);
+        const bool isNull = (id - 1) % 7 == 3;
+        EXPECT_EQ(rows[0][1], isNull ? "NULL" : "i:" + std::to_string(id - 1));
+        EXPECT_EQ(rows[0][0], isNull ? "NULL" : "t:text " + std::to_string(id - 1));
+    }
+    EXPECT_TRUE(cache().find(table->revision(), request.attributes));
+}
+
 TEST_F(Cache, aCursorOutlivesItsTable) {
     auto table = tableOf("outlive.gpkg", 20000);
     dp::ScanRequest request;

@@ -143,9 +143,21 @@ QString makeEdgyLayer(const QString& path, const Format& format) {
     return path;
 }
 
-class Terms : public testing::TestWithParam<std::tuple<Format, std::size_t>> {
+/// Where the rows come from: a cache without room, one that holds small tables whole, and one that fills with
+/// what the queries need.
+enum class Memory { None, Whole, Growing };
+
+class Terms : public testing::TestWithParam<std::tuple<Format, Memory>> {
 protected:
-    void SetUp() override { BatchCache::instance().setCapacity(std::get<1>(GetParam())); }
+    std::shared_ptr<LayerTable> open(const QString& path) {
+        const auto memory = std::get<1>(GetParam());
+        BatchCache::instance().setCapacity(memory == Memory::Whole ? 1 << 20 : 0);
+        const auto table = openFile(path).front();
+        table->openCursor({});
+        if (memory == Memory::Growing)
+            BatchCache::instance().setCapacity(1 << 20);
+        return table;
+    }
     void TearDown() override { BatchCache::instance().setCapacity(std::size_t{256} << 20); }
 
     ScanValue randomOperand() {
@@ -179,11 +191,14 @@ TEST_P(Terms, neverLeaveOutARow) {
     const auto format = std::get<0>(GetParam());
     const auto path = makeEdgyLayer(
         directory_.filePath(QStringLiteral("edges.") + QLatin1String(format.extension)), format);
-    const auto table = openFile(path).front();
+    const auto whole = openFile(path).front();
+    auto table = open(path);
     const int attributes = table->schema()->numAttributes();
     SqliteJudge judge;
     int leftOut = 0;
     for (int round = 0; round < 400; ++round) {
+        if (round % 40 == 0)
+            table = open(path);
         dp::ScanRequest request;
         request.attributes = {static_cast<int>(random_() % static_cast<unsigned>(attributes))};
         request.terms.push_back(randomTerm(attributes));
@@ -191,7 +206,7 @@ TEST_P(Terms, neverLeaveOutARow) {
             request.terms.push_back(randomTerm(attributes));
 
         std::set<qlonglong> expected;
-        const auto all = table->openCursor(everything(*table));
+        const auto all = whole->openCursor(everything(*whole));
         int rows = 0;
         for (; all->next(); ++rows) {
             if (std::all_of(request.terms.begin(), request.terms.end(), [&](const dp::ScanTerm& term) {
@@ -212,14 +227,17 @@ TEST_P(Terms, neverLeaveOutARow) {
     EXPECT_GT(leftOut, 400 * 15) << "the terms are hardly used";
 }
 
+std::string nameOfTerms(const testing::TestParamInfo<Terms::ParamType>& test) {
+    static const char* const memories[] = {"None", "Whole", "Growing"};
+    return std::string(std::get<0>(test.param).extension) +
+           memories[static_cast<int>(std::get<1>(test.param))];
+}
+
 INSTANTIATE_TEST_SUITE_P(Drivers, Terms,
                          testing::Combine(testing::Values(Format{"GPKG", "gpkg"}, Format{"SQLite", "sqlite"},
                                                           Format{"FlatGeobuf", "fgb"}),
-                                          testing::Values(0, 1 << 20)),
-                         [](const auto& test) {
-                             return std::string(std::get<0>(test.param).extension) +
-                                    (std::get<1>(test.param) ? "FromMemory" : "FromFile");
-                         });
+                                          testing::Values(Memory::None, Memory::Whole, Memory::Growing)),
+                         nameOfTerms);
 
 class Windows : public testing::TestWithParam<std::size_t> {
 protected:
