@@ -57,7 +57,9 @@ QString joinExpected(const std::vector<std::wstring>& words) {
         if (shown.size() == listedWords) {
             return shown.join(QStringLiteral(", ")) + QStringLiteral(", …");
         }
-        shown.append(fromSqlString(word));
+        const bool isSymbol = !isNameStart(word.front());
+        const QString text = fromSqlString(word);
+        shown.append(isSymbol ? QCoreApplication::translate("orvane::sql", "«%0»").arg(text) : text);
     }
     const QString last = shown.takeLast();
     return shown.isEmpty() ? last
@@ -268,7 +270,7 @@ std::vector<std::wstring> Parser::Expectations::texts() const {
     }
     for (std::size_t i = 0; i < symbols.size(); ++i) {
         if (symbols.test(i)) {
-            result.push_back(L"«" + std::wstring(symbolText(static_cast<TokenKind>(i))) + L"»");
+            result.emplace_back(symbolText(static_cast<TokenKind>(i)));
         }
     }
     for (std::size_t i = 0; i < keywords.size(); ++i) {

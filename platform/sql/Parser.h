@@ -11,8 +11,8 @@
 namespace orvane::sql {
 
 /// The grammar, one function per rule, over the tokens of one statement. A rule that fails throws
-/// SqlSyntaxError; SqlParser catches it. Queries and statements are in QueryParser.cpp and
-/// StatementParser.cpp, expressions in ExpressionParser.cpp.
+/// SqlSyntaxError; SqlParser catches it. The rules are in StatementParser.cpp, QueryParser.cpp,
+/// ExpressionParser.cpp and FunctionParser.cpp; what they share is in Parser.cpp.
 class Parser {
 public:
     Parser(const TokenizedText& text, const ParseContext* context) : text_(text), context_(context) {}
