@@ -145,6 +145,13 @@
     </message>
 </context>
 <context>
+    <name>orvane::files::FeatureWriter</name>
+    <message>
+        <source>Значение «%1» не подходит полю «%2»</source>
+        <translation>The value &quot;%1&quot; does not fit the field &quot;%2&quot;</translation>
+    </message>
+</context>
+<context>
     <name>orvane::files::FileSource</name>
     <message>
         <source>В «%1» нет слоя «%2», есть: %3</source>
@@ -156,10 +163,80 @@
     </message>
 </context>
 <context>
+    <name>orvane::files::LayerEditor</name>
+    <message>
+        <source>Правка слоя «%1» уже начата</source>
+        <translation>An edit of the layer &quot;%1&quot; has begun already</translation>
+    </message>
+    <message>
+        <source>Не удалось начать правку слоя «%1»</source>
+        <translation>Cannot begin to edit the layer &quot;%1&quot;</translation>
+    </message>
+    <message>
+        <source>Правка слоя «%1» не записана</source>
+        <translation>The edit of the layer &quot;%1&quot; was not written</translation>
+    </message>
+    <message>
+        <source>Формат слоя «%1» не позволяет отменить правку: записанное осталось</source>
+        <translation>The format of the layer &quot;%1&quot; cannot undo an edit: what was written stays</translation>
+    </message>
+    <message>
+        <source>Не удалось отменить правку слоя «%1»</source>
+        <translation>Cannot undo the edit of the layer &quot;%1&quot;</translation>
+    </message>
+    <message>
+        <source>Не удалось добавить запись в «%1»</source>
+        <translation>Cannot add a feature to &quot;%1&quot;</translation>
+    </message>
+    <message>
+        <source>Не удалось изменить запись в «%1»</source>
+        <translation>Cannot change a feature of &quot;%1&quot;</translation>
+    </message>
+    <message>
+        <source>Не удалось удалить запись из «%1»</source>
+        <translation>Cannot delete a feature of &quot;%1&quot;</translation>
+    </message>
+    <message>
+        <source>Файл «%1» не в UTF-8, его можно только читать</source>
+        <translation>The file &quot;%1&quot; is not UTF-8; it can only be read</translation>
+    </message>
+    <message>
+        <source>Слой «%1» изменил своё строение, откройте файл заново</source>
+        <translation>The layer &quot;%1&quot; has changed its columns; open the file again</translation>
+    </message>
+    <message>
+        <source>Формат слоя «%1» не позволяет такую правку</source>
+        <translation>The format of the layer &quot;%1&quot; does not allow this edit</translation>
+    </message>
+    <message>
+        <source>В «%1» нет записи %2</source>
+        <translation>&quot;%1&quot; has no feature %2</translation>
+    </message>
+</context>
+<context>
     <name>orvane::files::LayerReader</name>
     <message>
         <source>Слой «%1» изменил своё строение, откройте файл заново</source>
         <translation>The layer &quot;%1&quot; has changed its columns; open the file again</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::files::TranscodedFile</name>
+    <message>
+        <source>Неизвестная кодировка «%1»</source>
+        <translation>Unknown character set &quot;%1&quot;</translation>
+    </message>
+    <message>
+        <source>Не удалось прочитать «%1»: %2</source>
+        <translation>Cannot read &quot;%1&quot;: %2</translation>
+    </message>
+    <message>
+        <source>Не удалось записать «%1»: %2</source>
+        <translation>Cannot write &quot;%1&quot;: %2</translation>
+    </message>
+    <message>
+        <source>Текст в «%1» не в UTF-8: укажите кодировку, например «%1|encoding=windows-1251»</source>
+        <translation>The text of &quot;%1&quot; is not UTF-8: name its character set, for example &quot;%1|encoding=windows-1251&quot;</translation>
     </message>
 </context>
 <context>
