@@ -247,13 +247,13 @@ void SqlStringBuilder::visit(const ast::SetClause& node) {
     push(std::move(text));
 }
 
+/// From is rendered before the assignments, which may refer to what it introduces.
 void SqlStringBuilder::visit(const ast::UpdateStatement& node) {
     std::wstring text = L"Update " + renderTarget(node.table);
+    const std::wstring from = node.from ? L" From " + render(node.from) : std::wstring();
     text += L" Set ";
     appendList(text, node.assignments);
-    if (node.from) {
-        text += L" From " + render(node.from);
-    }
+    text += from;
     onFrom(text);
     appendWhere(text, node.where);
     push(std::move(text));

@@ -98,6 +98,11 @@ TEST_F(SqliteStringBuilderTest, SelectionFilterRestrictsTheWholeConditionOfItsOw
         {"Select a From t \"" + s + " \"", "Select a From t \"" + s + " \""},
         {"Update " + s + " x Set a = 1 Where b = 2 Or c = 3",
          "Update cities As x Set a = 1 Where (b = 2 Or c = 3) And x.rowid In (1,2)"},
+        {"Update t Set a = " + s + ".a From " + s + " x",
+         "Update t Set a = x.a From cities x Where x.rowid In (1,2)"},
+        {"Select a From t Where a In " + s + "x Or a In (Select x.a From " + s + " x Union Table t)",
+         "Select a From t Where (a In (Select * From " + s +
+             "x) Or a In (Select x.a From cities x Where x.rowid In (1,2) Union Select * From t))"},
         {"Delete From " + s + " x", "Delete From cities As x Where x.rowid In (1,2)"},
         {"Insert Into t Select * From " + s + " x",
          "Insert Into t Select * From cities x Where x.rowid In (1,2)"}};
