@@ -54,10 +54,9 @@ private:
     alignas(16) quint64 words_[2];
 };
 
-/// The number in scientific string form ("to-scientific-string" of the General Decimal Arithmetic
-/// Specification): all digits of the coefficient, plain while the exponent is not positive and the first
-/// digit is at most six places behind the point, with "E+n" or "E-n" otherwise. "12.30", "1E+3", "1E-7",
-/// "-0", "Infinity", "NaN".
+/// The number in scientific string form ("to-scientific-string" of General Decimal Arithmetic): all digits of
+/// the coefficient, plain while the exponent is not positive and the first digit is at most six places behind
+/// the point, with "E+n" or "E-n" otherwise. "12.30", "1E+3", "1E-7", "-0", "Infinity", "NaN".
 ORVANE_PLATFORM_EXPORT QString decNumberToString(const QDecNumber& number);
 
 Q_DECLARE_METATYPE(QDecNumber)

@@ -12,7 +12,8 @@ namespace orvane::utils {
 ///
 /// The expression covers the whole text, line feeds included, counts characters (not code units), and never
 /// goes back over a run that it has settled: a match takes at most the length of the text times that of the
-/// pattern.
+/// pattern. The regular expression library gives up after ten million steps, without a match: longer texts
+/// may not be found.
 ORVANE_PLATFORM_EXPORT QString globToRegular(const QString& pattern);
 
 /// The same for a LIKE pattern: `%` any run, `_` one character. `escape` makes the next character literal;

@@ -20,8 +20,7 @@ std::string text(const QDecNumber& value) {
 } // namespace
 
 TEST(DecNumber, TextsKeepTheirDigits) {
-    // The examples of "to-scientific-string" and of numeric strings in the General Decimal Arithmetic
-    // Specification.
+    // The examples of numeric strings and of "to-scientific-string" in General Decimal Arithmetic.
     const std::pair<const char*, const char*> cases[] = {
         {"123", "123"},
         {"-123", "-123"},
