@@ -1,0 +1,287 @@
+#include "Kinds.h"
+#include "SqlDatabase.h"
+
+#include "platform/geometry/GeometryFactory.h"
+#include "platform/geometry/TextFormats.h"
+#include <orvane/engine/GeometryConversions.h>
+#include <orvane/engine/SpatialiteBlob.h>
+
+#include <spatialite/gaiageo.h>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <thread>
+
+namespace orvane::tests {
+
+namespace {
+
+using engine::EngineCache;
+using geometry::Dimensions;
+using geometry::GeometryPtr;
+
+dp::FeatureId id(const QVariant& value) { return dp::FeatureId(value); }
+
+std::shared_ptr<geometry::Geometry> pointIn(double x, int epsg) {
+    auto point = std::make_shared<geometry::Point>(x, 2);
+    point->setCoordSystem(cs::CoordSysFactory::defaultCoordSysFactory()->createFromEpsg(epsg));
+    return point;
+}
+
+TEST(EngineCache, RowNumbersAreDense) {
+    TestCache cache;
+    EXPECT_EQ(cache.assignIdToInt(id(100)), 0);
+    EXPECT_EQ(cache.assignIdToInt(id(QStringLiteral("ключ"))), 1);
+    EXPECT_EQ(cache.assignIdToInt(id(100)), 0);
+    EXPECT_EQ(cache.idLimit(), 2);
+    EXPECT_EQ(cache.intToId(1).value(), QVariant(QStringLiteral("ключ")));
+    EXPECT_FALSE(cache.intToId(2).isValid());
+    EXPECT_FALSE(cache.intToId(-1).isValid());
+    EXPECT_EQ(cache.idToInt(id(7), -1), -1);
+    EXPECT_EQ(cache.idLimit(), 2);
+    cache.clear();
+    EXPECT_EQ(cache.idToInt(id(100), -1), 0);
+}
+
+TEST(EngineCache, CoordinateSystemsAreShared) {
+    TestCache cache;
+    EXPECT_EQ(cache.get(4326), cache.get(4326));
+    EXPECT_EQ(cache.get(0), nullptr);
+    EXPECT_EQ(cache.get(999999), nullptr);
+    cache.save(999999, cache.get(4326)); // the remembered null stays
+    EXPECT_EQ(cache.get(999999), nullptr);
+    const auto local = cs::CoordSysFactory::defaultCoordSysFactory()->createFromTaggedString(
+        QStringLiteral("proj:+proj=laea +lat_0=61"));
+    cache.save(900001, local);
+    cache.save(900001, cache.get(4326));
+    EXPECT_EQ(cache.get(900001), local);
+    const QByteArray nonsense("nonsense");
+    EXPECT_EQ(cache.get(nonsense), nullptr);
+    cache.save(nonsense, local);
+    EXPECT_EQ(cache.get(nonsense), nullptr);
+    const QByteArray longKey(1000, 'x');
+    cache.save(longKey, local);
+    EXPECT_EQ(cache.get(longKey), local);
+}
+
+struct MemoCase {
+    EngineCache::GaiaCache mode;
+    bool useMemo;
+    bool remembers;
+};
+
+TEST(EngineCache, MemoModes) {
+    const MemoCase cases[] = {
+        {EngineCache::NoMemo, true, false},        {EngineCache::NoMemo, false, false},
+        {EngineCache::AlwaysMemo, true, true},     {EngineCache::AlwaysMemo, false, true},
+        {EngineCache::MemoOnRequest, true, true},  {EngineCache::MemoOnRequest, false, false},
+        {static_cast<EngineCache::GaiaCache>(7), false, true},
+    };
+    const QByteArray blob = engine::toGaia(pointIn(1, 4326), nullptr);
+    for (const MemoCase& entry : cases) {
+        TestCache cache;
+        EXPECT_EQ(cache.useGaiaCache(), EngineCache::MemoOnRequest);
+        cache.setUseGaiaCache(entry.mode);
+        const auto first = cache.geometryInfo(blob, entry.useMemo).geometry();
+        EXPECT_EQ(cache.geometryInfo(blob, entry.useMemo).geometry() == first, entry.remembers) << entry.mode;
+        cache.clear();
+        EXPECT_NE(cache.geometryInfo(blob, entry.useMemo).geometry(), first);
+        // What is saved under the bytes is found, unless nothing is remembered.
+        TestCache other;
+        other.setUseGaiaCache(entry.mode);
+        other.save(blob.constData(), static_cast<unsigned>(blob.size()), first);
+        EXPECT_EQ(other.geometryInfo(blob, true).geometry() == first, entry.mode != EngineCache::NoMemo) << entry.mode;
+    }
+}
+
+TEST(EngineGeometryMap, RemembersNulls) {
+    engine::EngineGeometryMap map;
+    int loads = 0;
+    const auto nothing = [&](const void*, unsigned int) {
+        ++loads;
+        return GeometryPtr();
+    };
+    const char bytes[35] = {};
+    EXPECT_EQ(map.get(bytes, 18, nothing), nullptr);
+    EXPECT_EQ(map.get(bytes, 18, nothing), nullptr);
+    EXPECT_EQ(loads, 1);
+    const GeometryPtr point = std::make_shared<geometry::Point>(1, 2);
+    map.set(bytes, 18, point);
+    EXPECT_EQ(map.get(bytes, 18, nothing), nullptr);
+    map.set(bytes, 35, point); // the same first bytes, another key
+    EXPECT_EQ(map.get(bytes, 35, nothing), point);
+    map.clearMap();
+    EXPECT_EQ(map.get(bytes, 35, nothing), nullptr);
+    EXPECT_EQ(loads, 2);
+    EXPECT_THROW(map.get("x", 1, nullptr), std::bad_function_call);
+}
+
+class Resembling : public geometry::ResemblanceExtension {
+public:
+    Resembling(GeometryPtr answer, double tolerance) : answer_(std::move(answer)), tolerance_(tolerance) {}
+    GeometryPtr resemblance(const GeometryPtr&, const Setup& setup) override {
+        seenTolerance = setup.tolerance;
+        return answer_;
+    }
+    void adjustSetup(Setup& setup) override { setup.tolerance += tolerance_; }
+    double seenTolerance = -1;
+
+private:
+    GeometryPtr answer_;
+    double tolerance_;
+};
+
+TEST(EngineCache, ResemblanceAsksInOrder) {
+    TestCache cache;
+    const GeometryPtr point = pointIn(1, 3857);
+    cache.addResemblanceExtension(nullptr);
+    EXPECT_EQ(cache.tryResemblance(point), nullptr);
+    const GeometryPtr copy = cache.resemblance(point);
+    EXPECT_NE(copy, point);
+    EXPECT_TRUE(copy->equals(*point));
+    EXPECT_EQ(copy->coordSystem(), point->coordSystem());
+    Resembling silent(nullptr, 1);
+    Resembling first(pointIn(7, 3857), 2);
+    Resembling second(pointIn(8, 3857), 4);
+    for (Resembling* extension : {&silent, &first, &second}) {
+        cache.addResemblanceExtension(extension);
+    }
+    EXPECT_EQ(geometry::toWkt(*cache.resemblance(point)), QStringLiteral("POINT(7 2)"));
+    EXPECT_EQ(silent.seenTolerance, 7);
+    EXPECT_EQ(second.seenTolerance, -1);
+}
+
+/// Every kind of blob comes back as what was put in, curves as their approximation.
+TEST(GeometryConversions, EveryKindOfBlob) {
+    TestCache cache;
+    for (const Dimensions dimensions : {Dimensions::XY, Dimensions::XYZ, Dimensions::XYM, Dimensions::XYZM}) {
+        for (const GeometryPtr& kind : linearKinds(dimensions)) {
+            const auto geometry = kind->clone();
+            geometry->setCoordSystem(cache.get(3857));
+            const auto engineForm = cache.geometryInfo(engine::toOrvGeo(geometry, &cache), true).geometry();
+            ASSERT_TRUE(engineForm);
+            EXPECT_TRUE(engineForm->equals(*geometry));
+            EXPECT_EQ(engineForm->coordSystem(), geometry->coordSystem());
+            const QByteArray blob = engine::toGaia(geometry, &cache);
+            if (!blob.isEmpty()) {
+                const auto back = cache.geometryInfo(blob, true).geometry();
+                ASSERT_TRUE(back);
+                EXPECT_TRUE(back->equals(*geometry));
+                EXPECT_EQ(back->coordSystem(), geometry->coordSystem());
+            }
+        }
+        for (const GeometryPtr& curve : curvedKinds(dimensions)) {
+            const auto back = cache.geometryInfo(engine::toGaia(curve, &cache), true).geometry();
+            const bool isNested = curve->type() == geometry::GeometryType::GeometryCollection;
+            ASSERT_EQ(back != nullptr, !isNested) << geometry::toWkt(*curve).toStdString();
+            EXPECT_TRUE(isNested || back->equals(*geometry::linearized(curve)));
+        }
+    }
+    EXPECT_TRUE(engine::toGaia(nullptr, &cache).isEmpty());
+}
+
+TEST(GeometryConversions, OtherBinaryForms) {
+    TestCache cache;
+    const GeometryPtr polygon = linearKinds(Dimensions::XYZ)[2];
+    EXPECT_TRUE(cache.geometryInfo(geometry::GeometryFactory::toWkb(polygon, QSysInfo::BigEndian), true)
+                    .geometry()
+                    ->equals(*polygon));
+    // FGF: kind 2, dimensions 1 (z), two positions.
+    QByteArray fgf = QByteArray::fromHex("02000000" "01000000" "02000000");
+    const double values[] = {1, 2, 3, 4, 5, 6};
+    fgf.append(reinterpret_cast<const char*>(values), sizeof values);
+    const auto line = cache.geometryInfo(fgf, true).geometry();
+    ASSERT_TRUE(line);
+    EXPECT_EQ(geometry::toWkt(*line), QStringLiteral("LINESTRING Z(1 2 3,4 5 6)"));
+    // Compressed by SpatiaLite; coordinates that floats hold come back as they were.
+    const QByteArray wkb = geometry::GeometryFactory::toWkb(polygon, QSysInfo::LittleEndian);
+    gaiaGeomCollPtr collection =
+        gaiaFromWkb(reinterpret_cast<const unsigned char*>(wkb.constData()), static_cast<unsigned>(wkb.size()));
+    unsigned char* bytes = nullptr;
+    int size = 0;
+    gaiaToCompressedBlobWkb(collection, &bytes, &size);
+    gaiaFreeGeomColl(collection);
+    EXPECT_TRUE(cache.geometryInfo(bytes, static_cast<unsigned>(size), true).geometry()->equals(*polygon));
+    std::free(bytes);
+}
+
+TEST(GeometryConversions, HostileBytesGiveNothing) {
+    TestCache cache;
+    const char* const hostile[] = {
+        "", "00", "0001", "0102000000ffffffff000000000000f03f", "0103000000ffffffffffffffff",
+        "02000000" "00000000" "ffffffff",           // FGF with a count of four billion
+        "04000000" "ffffffff" "01000000",           // and of parts
+        "010700000001000000010700000001000000",     // nested and cut off
+        "0001e6100000" "000000000000f03f" "0000000000000040" "000000000000f03f" "0000000000000040" "7c"
+        "02000000" "ffffff1f" "000000000000f03f" "fe", // 16 times the count is small in 32 bits
+        "0001e6100000" "000000000000f03f" "0000000000000040" "000000000000f03f" "0000000000000040" "7c"
+        "42420f00" "ffffff1f" "000000000000f03f" "fe",
+    };
+    for (const char* digits : hostile) {
+        const QByteArray bytes = QByteArray::fromHex(digits);
+        EXPECT_FALSE(cache.geometryInfo(bytes, true)) << digits;
+        EXPECT_EQ(engine::toGaia(reinterpret_cast<const unsigned char*>(bytes.constData()), bytes.size()), nullptr);
+    }
+}
+
+TEST(GeometryConversions, ColumnTexts) {
+    TestCache cache;
+    const auto system = cs::CoordSysFactory::defaultCoordSysFactory()->createFromEpsg(28404);
+    const auto text = [&](dp::AttributeDefinition* attribute) {
+        return engine::toString(dp::AttributeDefinitionPointer(attribute), &cache, '"').toStdString();
+    };
+    EXPECT_EQ(text(new dp::GeometryAttributeDefinition(QStringLiteral("obj"), system)),
+              "cd750f8a9a2b4fac9b9b05eb53795d97 Blob Null ");
+    EXPECT_EQ(text(new dp::RenditionAttributeDefinition(QStringLiteral("style"))),
+              "d39f65c319974aa198a899a89b1240c7 Text Null ");
+    dp::SimpleAttributeDefinition::Options options;
+    options.length = 30;
+    const std::string name = text(new dp::SimpleAttributeDefinition(QStringLiteral("На\"звание"), QMetaType::QString, options));
+    EXPECT_EQ(name.substr(0, name.find(' ')), "\"На\"\"звание\"");
+    EXPECT_EQ(name.substr(name.find('(')), "(30) Collate Locale");
+    options.unique = true;
+    const std::string key = text(new dp::SimpleAttributeDefinition(QStringLiteral("Id"), QMetaType::LongLong, options));
+    EXPECT_EQ(key.substr(key.size() - 8), " Unique ");
+}
+
+/// Fit for the thread sanitizer: everything at once.
+TEST(EngineCache, ManyThreads) {
+    TestCache cache;
+    cache.setUseGaiaCache(EngineCache::AlwaysMemo);
+    std::vector<QByteArray> blobs;
+    for (int i = 0; i < 20; ++i) {
+        blobs.push_back(engine::toGaia(pointIn(i, 32601 + i), nullptr));
+        blobs.push_back(engine::toOrvGeo(pointIn(i, 32701 + i), &cache));
+    }
+    std::atomic<int> wrong{0};
+    std::vector<std::thread> threads;
+    for (int number = 0; number < 4; ++number) {
+        threads.emplace_back([&] {
+            for (int round = 0; round < 50; ++round) {
+                for (int i = 0; i < 20; ++i) {
+                    const auto point = cache.geometryInfo(blobs[2 * i], true).geometry();
+                    wrong += point && point->coordSystem() == cache.get(32601 + i) ? 0 : 1;
+                    const auto own = cache.geometryInfo(blobs[2 * i + 1], true).geometry();
+                    wrong += own && own->coordSystem() == cache.get(32701 + i) ? 0 : 1;
+                    const qint64 row = cache.assignIdToInt(id(i));
+                    wrong += cache.intToId(row) == id(i) && cache.idToInt(id(i), -1) == row ? 0 : 1;
+                    engine::toOrvGeo(point, &cache);
+                }
+                if (round == 25) {
+                    cache.clear();
+                }
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(wrong, 0);
+    EXPECT_EQ(cache.idLimit(), 20);
+}
+
+} // namespace
+
+} // namespace orvane::tests

@@ -1,0 +1,177 @@
+#include "Kinds.h"
+
+#include "platform/cs/CoordSystem.h"
+#include "platform/cs/Transformer.h"
+#include "platform/geometry/GeometryFactory.h"
+#include "platform/geometry/TextFormats.h"
+#include <orvane/engine/SpatialiteBlob.h>
+
+#include <sqlite3.h>
+
+#include <spatialite/gaiageo.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+namespace orvane::tests {
+
+namespace {
+
+using geometry::Dimensions;
+using geometry::GeometryFactory;
+using geometry::GeometryPtr;
+
+constexpr Dimensions allDimensions[] = {Dimensions::XY, Dimensions::XYZ, Dimensions::XYM, Dimensions::XYZM};
+
+std::string_view view(const QByteArray& bytes) {
+    return {bytes.constData(), static_cast<std::size_t>(bytes.size())};
+}
+
+/// What SpatiaLite itself makes of the bytes; empty when it makes nothing.
+std::string gaiaBlob(const QByteArray& wkb, int srid) {
+    gaiaGeomCollPtr collection =
+        gaiaFromWkb(reinterpret_cast<const unsigned char*>(wkb.constData()), static_cast<unsigned>(wkb.size()));
+    if (!collection) {
+        return {};
+    }
+    collection->Srid = srid;
+    unsigned char* bytes = nullptr;
+    int size = 0;
+    gaiaToSpatiaLiteBlobWkb(collection, &bytes, &size);
+    gaiaFreeGeomColl(collection);
+    std::string blob(reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(bytes ? size : 0));
+    std::free(bytes);
+    return blob;
+}
+
+TEST(SpatialiteBlob, SameBytesAsSpatialite) {
+    for (const Dimensions dimensions : allDimensions) {
+        for (const GeometryPtr& geometry : linearKinds(dimensions)) {
+            const QByteArray little = GeometryFactory::toWkb(geometry, QSysInfo::LittleEndian);
+            const std::string expected = gaiaBlob(little, 4326);
+            for (const QSysInfo::Endian order : {QSysInfo::LittleEndian, QSysInfo::BigEndian}) {
+                std::string blob = "before";
+                const QByteArray wkb = GeometryFactory::toWkb(geometry, order);
+                EXPECT_EQ(engine::appendSpatialiteBlob(view(wkb), 4326, blob), !expected.empty())
+                    << geometry::toWkt(*geometry).toStdString();
+                EXPECT_EQ(QByteArray::fromStdString(blob).toHex(), QByteArray::fromStdString("before" + expected).toHex())
+                    << geometry::toWkt(*geometry).toStdString();
+            }
+        }
+    }
+}
+
+TEST(SpatialiteBlob, OtherBytesAreRefused) {
+    std::vector<QByteArray> refused;
+    for (const GeometryPtr& curve : curvedKinds(Dimensions::XY)) {
+        refused.push_back(GeometryFactory::toWkb(curve, QSysInfo::LittleEndian));
+    }
+    const GeometryPtr flat = std::make_shared<geometry::Point>(1, 2);
+    const auto collection = [](Dimensions dimensions, std::vector<GeometryPtr> parts) {
+        return std::make_shared<geometry::GeometryCollection>(geometry::GeometryType::GeometryCollection, dimensions,
+                                                              std::move(parts));
+    };
+    for (const GeometryPtr& geometry :
+         {collection(Dimensions::XYZ, {flat}), collection(Dimensions::XY, {collection(Dimensions::XY, {flat})})}) {
+        refused.push_back(GeometryFactory::toWkb(geometry, QSysInfo::LittleEndian));
+    }
+    const QByteArray polygon = GeometryFactory::toWkb(linearKinds(Dimensions::XYZ)[6], QSysInfo::LittleEndian);
+    for (int size = 0; size < polygon.size(); ++size) {
+        refused.push_back(polygon.left(size));
+    }
+    refused.push_back(polygon + '\0');
+    refused.push_back(QByteArray::fromHex("0102000000ffffffff"));
+    refused.push_back(QByteArray::fromHex("0103000000ffffffff00000000"));
+    refused.push_back(QByteArray::fromHex("0104000000ffffffff"));
+    for (const QByteArray& bytes : refused) {
+        std::string blob = "before";
+        EXPECT_FALSE(engine::appendSpatialiteBlob(view(bytes), 0, blob)) << bytes.toHex().toStdString();
+        EXPECT_EQ(blob, "before");
+    }
+}
+
+TEST(SpatialiteBlob, HeaderAndBody) {
+    for (const Dimensions dimensions : allDimensions) {
+        for (const GeometryPtr& geometry : linearKinds(dimensions)) {
+            std::string blob;
+            if (!engine::appendSpatialiteBlob(view(GeometryFactory::toWkb(geometry, QSysInfo::LittleEndian)), -1, blob)) {
+                continue;
+            }
+            const auto header = engine::readSpatialiteHeader(blob);
+            ASSERT_TRUE(header);
+            EXPECT_EQ(engine::spatialiteBlobSrid(blob), -1);
+            EXPECT_TRUE(engine::isSoundSpatialiteBody(*header));
+            EXPECT_EQ(header->envelope.isEmpty(), geometry->isEmpty());
+            if (!geometry->isEmpty()) {
+                EXPECT_EQ(header->envelope, geometry->envelope());
+            }
+            EXPECT_TRUE(GeometryFactory::fromSpatialiteBody(header->body, true, nullptr)->equals(*geometry));
+            double x = 0;
+            double y = 0;
+            EXPECT_EQ(engine::spatialiteBlobPoint(*header, x, y), geometry->type() == geometry::GeometryType::Point);
+            for (std::size_t size = 0; size < blob.size(); ++size) {
+                auto cut = engine::readSpatialiteHeader(blob.substr(0, size) + '\xFE');
+                EXPECT_TRUE(!cut || !engine::isSoundSpatialiteBody(*cut)) << size;
+            }
+        }
+    }
+    geometry::Envelope envelope;
+    EXPECT_FALSE(engine::spatialiteBlobEnvelope("no blob", envelope));
+}
+
+/// SpatiaLite's compressed kinds are sound as it writes them, and not when cut short.
+TEST(SpatialiteBlob, CompressedKinds) {
+    for (const Dimensions dimensions : allDimensions) {
+        for (const GeometryPtr& geometry : {linearKinds(dimensions)[1], linearKinds(dimensions)[2]}) {
+            const QByteArray wkb = GeometryFactory::toWkb(geometry, QSysInfo::LittleEndian);
+            gaiaGeomCollPtr collection = gaiaFromWkb(reinterpret_cast<const unsigned char*>(wkb.constData()),
+                                                     static_cast<unsigned>(wkb.size()));
+            unsigned char* bytes = nullptr;
+            int size = 0;
+            gaiaToCompressedBlobWkb(collection, &bytes, &size);
+            gaiaFreeGeomColl(collection);
+            const std::string blob(reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(size));
+            std::free(bytes);
+            ASSERT_TRUE(engine::readSpatialiteHeader(blob));
+            EXPECT_TRUE(engine::isSoundSpatialiteBody(*engine::readSpatialiteHeader(blob)));
+            const std::string cut = blob.substr(0, blob.size() - 2) + '\xFE';
+            EXPECT_FALSE(engine::isSoundSpatialiteBody(*engine::readSpatialiteHeader(cut)));
+        }
+    }
+}
+
+TEST(SpatialiteBlob, TransformedInPlaceEqualsTransformedObjects) {
+    const auto factory = cs::CoordSysFactory::defaultCoordSysFactory();
+    const auto source = factory->createFromEpsg(4326);
+    const auto target = factory->createFromEpsg(3857);
+    const auto transformer = cs::Transformer::between(*source, *target);
+    for (const Dimensions dimensions : allDimensions) {
+        for (const GeometryPtr& geometry : linearKinds(dimensions)) {
+            std::string blob;
+            if (!engine::appendSpatialiteBlob(view(GeometryFactory::toWkb(geometry, QSysInfo::LittleEndian)), 4326, blob)) {
+                continue;
+            }
+            const auto inSystem = geometry->clone();
+            inSystem->setCoordSystem(source);
+            std::string expected;
+            const QByteArray wkb = GeometryFactory::toWkb(inSystem->transformed(target), QSysInfo::LittleEndian);
+            ASSERT_TRUE(engine::appendSpatialiteBlob(view(wkb), 3857, expected));
+            std::string transformed;
+            EXPECT_EQ(engine::appendTransformedBlob(*engine::readSpatialiteHeader(blob), *transformer, 3857, transformed),
+                      engine::BlobTransformation::Done);
+            EXPECT_EQ(transformed, expected) << geometry::toWkt(*geometry).toStdString();
+        }
+    }
+    std::string nowhere;
+    const QByteArray wkb = GeometryFactory::toWkb(std::make_shared<geometry::Point>(0, 1e30), QSysInfo::LittleEndian);
+    ASSERT_TRUE(engine::appendSpatialiteBlob(view(wkb), 4326, nowhere));
+    std::string out = "before";
+    EXPECT_EQ(engine::appendTransformedBlob(*engine::readSpatialiteHeader(nowhere), *transformer, 3857, out),
+              engine::BlobTransformation::NoImage);
+    EXPECT_EQ(out, "before");
+}
+
+} // namespace
+
+} // namespace orvane::tests

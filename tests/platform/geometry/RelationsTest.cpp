@@ -1,0 +1,180 @@
+#include "Kinds.h"
+#include "Wkt.h"
+
+#include "platform/geometry/Relations.h"
+#include "platform/geometry/TextFormats.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+#include <thread>
+
+namespace orvane::tests {
+
+namespace {
+
+using namespace geometry;
+
+const char* const square = "POLYGON((0 0,4 0,4 4,0 4,0 0))";
+
+struct RelationCase {
+    const char* a;
+    const char* b;
+    bool intersects;
+    bool contains;
+    bool containsCentroid;
+};
+
+TEST(Relations, Table) {
+    const RelationCase cases[] = {
+        {square, "POINT(1 1)", true, true, true},
+        {square, "POINT(0 1)", true, false, false}, // on the border
+        {square, "POINT(5 1)", false, false, false},
+        {square, "LINESTRING(1 1,9 1)", true, false, false},
+        {square, "LINESTRING(1 1,6 1)", true, false, true},
+        {square, "POLYGON((0 0,4 0,4 4,0 4,0 0))", true, true, true},
+        {square, "GEOMETRYCOLLECTION(POINT(1 1),LINESTRING(2 2,3 3))", true, true, true},
+        {square, "GEOMETRYCOLLECTION(POINT(1 1),LINESTRING(2 2,5 5))", true, false, true},
+        {"GEOMETRYCOLLECTION(POLYGON((0 0,4 0,4 4,0 4,0 0)),LINESTRING(4 2,9 2))", "LINESTRING(1 2,8 2)", true, true,
+         true},
+        {"GEOMETRYCOLLECTION(POLYGON((0 0,4 0,4 4,0 4,0 0)),LINESTRING(4 2,9 2))", "LINESTRING(1 2,8 3)", true, false,
+         false},
+        {"GEOMETRYCOLLECTION(POINT(7 7),POLYGON((0 0,4 0,4 4,0 4,0 0)))", "POINT(7 7)", true, true, true},
+        {"LINESTRING(0 0,4 4)", "POINT(1 1)", true, true, true},
+        {"POINT(1 1)", "POINT(1 1)", true, true, true},
+        {"POLYGON EMPTY", "POINT(1 1)", false, false, false},
+        {square, "POINT EMPTY", false, false, false},
+        {square, "GEOMETRYCOLLECTION EMPTY", false, false, false},
+        // Not valid: a bow tie, and a ring that crosses itself.
+        {"POLYGON((0 0,4 4,4 0,0 4,0 0))", "POINT(3 2)", true, true, true},
+        {"POLYGON((0 0,4 4,4 0,0 4,0 0))", "POLYGON((0 0,4 4,4 0,0 4,0 0))", true, true, false},
+    };
+    for (const RelationCase& entry : cases) {
+        const auto a = fromWkt(entry.a);
+        const auto b = fromWkt(entry.b);
+        for (int round = 0; round < 3; ++round) { // plain first, prepared from the second time on
+            EXPECT_EQ(Intersects(*a, *b), entry.intersects) << entry.a << ' ' << entry.b << ' ' << round;
+            EXPECT_EQ(Intersects(*b, *a), entry.intersects) << entry.a << ' ' << entry.b << ' ' << round;
+            EXPECT_EQ(Contains(*a, *b), entry.contains) << entry.a << ' ' << entry.b << ' ' << round;
+            EXPECT_EQ(ContainsCentroid(*a, *b), entry.containsCentroid) << entry.a << ' ' << entry.b << ' ' << round;
+        }
+    }
+}
+
+TEST(Relations, MixedSystems) {
+    const auto area = fromWkt("POLYGON((3300000 8200000,3500000 8200000,3500000 8500000,3300000 8500000,3300000 8200000))",
+                              3857);
+    const auto inside = fromWkt("POINT(30.5 60)", 4326);
+    EXPECT_TRUE(Contains(*area, *inside));
+    EXPECT_TRUE(Intersects(*inside, *area));
+    EXPECT_FALSE(Contains(*area, *fromWkt("POINT(30.5 60)")));
+    // A position without a place in the system of the other.
+    EXPECT_FALSE(Intersects(*fromWkt("POLYGON((0 0,1 0,1 1,0 0))", 3857), *fromWkt("POINT(0 1e30)", 4326)));
+}
+
+TEST(Relations, NothingIsRelatedToNowhere) {
+    const auto area = fromWkt(square);
+    const Point nowhere(1, INFINITY);
+    EXPECT_FALSE(Intersects(*area, nowhere));
+    EXPECT_FALSE(Contains(*area, nowhere));
+    EXPECT_FALSE(containsPosition(*area, NAN, 1));
+    EXPECT_EQ(centroid(nowhere), nullptr);
+    EXPECT_THROW(normalizedGeometry(std::make_shared<Point>(nowhere)), std::runtime_error);
+}
+
+/// Random and degenerate pairs: on a small grid shapes touch, overlap and repeat vertices all the time.
+TEST(Relations, AgreeWithGeosOnRandomPairs) {
+    std::mt19937 random(20261122);
+    const auto number = [&](int most) { return static_cast<int>(random() % static_cast<unsigned>(most)); };
+    const auto position = [&] { return std::to_string(number(6)) + ' ' + std::to_string(number(6)); };
+    const auto shape = [&]() -> std::string {
+        const std::string first = position();
+        switch (number(4)) {
+        case 0: return "POINT(" + first + ")";
+        case 1: return "LINESTRING(" + first + "," + position() + "," + position() + ")";
+        case 2: return "MULTIPOINT((" + first + "),(" + position() + "))";
+        default: return "POLYGON((" + first + "," + position() + "," + position() + "," + position() + "," + first + "))";
+        }
+    };
+    const GEOSContextHandle_t context = GEOS_init_r();
+    int compared = 0;
+    for (int round = 0; round < 3000; ++round) {
+        const std::string textA = shape();
+        const std::string textB = shape();
+        GEOSGeometry* geosA = GEOSGeomFromWKT_buf_r(context, textA.c_str());
+        GEOSGeometry* geosB = GEOSGeomFromWKT_buf_r(context, textB.c_str());
+        if (GEOSisValid_r(context, geosA) == 1 && GEOSisValid_r(context, geosB) == 1) {
+            ++compared;
+            const auto a = fromWkt(textA);
+            const auto b = fromWkt(textB);
+            for (int again = 0; again < 2; ++again) {
+                EXPECT_EQ(Intersects(*a, *b), GEOSIntersects_r(context, geosA, geosB) == 1) << textA << ' ' << textB;
+                EXPECT_EQ(Contains(*a, *b), GEOSContains_r(context, geosA, geosB) == 1) << textA << ' ' << textB;
+            }
+        } else {
+            EXPECT_NO_THROW(Intersects(*fromWkt(textA), *fromWkt(textB))) << textA << ' ' << textB;
+            EXPECT_NO_THROW(Contains(*fromWkt(textA), *fromWkt(textB))) << textA << ' ' << textB;
+        }
+        GEOSGeom_destroy_r(context, geosA);
+        GEOSGeom_destroy_r(context, geosB);
+    }
+    GEOS_finish_r(context);
+    EXPECT_GT(compared, 1000);
+}
+
+TEST(Relations, OneGeometryForManyThreads) {
+    const auto area = fromWkt(square);
+    const auto other = fromWkt("POLYGON((1 1,2 1,2 2,1 2,1 1))");
+    std::vector<std::thread> threads;
+    std::atomic<int> wrong{0};
+    for (int number = 0; number < 4; ++number) {
+        threads.emplace_back([&, number] {
+            for (int i = 0; i < 300; ++i) {
+                wrong += containsPosition(*area, 0.5 + i % 3, 1.5) ? 0 : 1;
+                wrong += number % 2 == 0 ? !Contains(*area, *other) : Contains(*other, *area);
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(wrong, 0);
+}
+
+struct ValidCase {
+    const char* source;
+    const char* expected;
+};
+
+TEST(Normalized, Table) {
+    const ValidCase cases[] = {
+        {"POLYGON((0 0,2 2,2 0,0 2,0 0))", "MULTIPOLYGON(((0 2,1 1,0 0,0 2)),((2 0,1 1,2 2,2 0)))"},
+        {"POLYGON((0 0,1 0,2 0,0 0))", "LINESTRING(0 0,1 0,2 0)"},
+        {"LINESTRING(1 1,1 1)", "POINT(1 1)"},
+        {square, square},
+    };
+    for (const ValidCase& entry : cases) {
+        EXPECT_EQ(toWkt(*normalizedGeometry(fromWkt(entry.source))).toStdString(), entry.expected) << entry.source;
+    }
+    const GeometryPtr valid = fromWkt(square);
+    EXPECT_EQ(normalizedGeometry(valid), valid);
+    // A ring that is not closed is closed.
+    const double open[] = {0, 0, 2, 0, 2, 2};
+    const auto triangle = std::make_shared<Polygon>(
+        Dimensions::XY, std::vector{CoordinateSequence(Dimensions::XY, open)});
+    EXPECT_EQ(toWkt(*normalizedGeometry(triangle)).toStdString(), "POLYGON((0 0,2 0,2 2,0 0))");
+}
+
+TEST(Points, CentroidAndPointOnSurface) {
+    const auto ring = fromWkt("POLYGON((0 0,10 0,10 10,0 10,0 0),(1 1,9 1,9 9,1 9,1 1))", 4326);
+    EXPECT_EQ(toWkt(*centroid(*ring)).toStdString(), "POINT(5 5)");
+    EXPECT_TRUE(Contains(*ring, *PointOnSurface(*ring)));
+    EXPECT_EQ(PointOnSurface(*ring)->coordSystem(), ring->coordSystem());
+    EXPECT_EQ(centroid(*fromWkt("MULTIPOINT EMPTY")), nullptr);
+    EXPECT_EQ(PointOnSurface(*fromWkt("POLYGON EMPTY")), nullptr);
+}
+
+} // namespace
+
+} // namespace orvane::tests

@@ -1,0 +1,123 @@
+#include "Kinds.h"
+
+#include "platform/cs/CoordSystem.h"
+#include "platform/geometry/GeometryFactory.h"
+#include "platform/geometry/TextFormats.h"
+
+#include <gtest/gtest.h>
+
+namespace orvane::tests {
+
+namespace {
+
+using namespace geometry;
+
+QByteArray hex(const char* digits) { return QByteArray::fromHex(digits); }
+
+TEST(Wkb, EveryKindComesBackInBothByteOrders) {
+    for (const Dimensions dimensions : {Dimensions::XY, Dimensions::XYZ, Dimensions::XYM, Dimensions::XYZM}) {
+        std::vector<GeometryPtr> all = linearKinds(dimensions);
+        const std::vector<GeometryPtr> curved = curvedKinds(dimensions);
+        all.insert(all.end(), curved.begin(), curved.end());
+        for (const GeometryPtr& geometry : all) {
+            for (const QSysInfo::Endian order : {QSysInfo::LittleEndian, QSysInfo::BigEndian}) {
+                const QByteArray wkb = GeometryFactory::toWkb(geometry, order);
+                const auto back = GeometryFactory::fromWkb(wkb, nullptr);
+                EXPECT_TRUE(back->equals(*geometry)) << toWkt(*geometry).toStdString();
+                EXPECT_EQ(GeometryFactory::toWkb(back, order), wkb);
+            }
+        }
+    }
+}
+
+TEST(Wkb, GoldenBytes) {
+    EXPECT_EQ(GeometryFactory::toWkb(std::make_shared<Point>(1, 2), QSysInfo::BigEndian),
+              hex("00 00000001 3ff0000000000000 4000000000000000"));
+    EXPECT_TRUE(GeometryFactory::toWkb(nullptr, QSysInfo::LittleEndian).isEmpty());
+    // Parts may have byte orders of their own.
+    const auto mixed = GeometryFactory::fromWkb(
+        hex("00 00000004 00000002 01 01000000 000000000000f03f 0000000000000040 00 00000001 3ff0000000000000 "
+            "4000000000000000"),
+        nullptr);
+    EXPECT_EQ(toWkt(*mixed).toStdString(), "MULTIPOINT((1 2),(1 2))");
+}
+
+TEST(Wkb, ExtendedFormIsUnderstood) {
+    const auto point = GeometryFactory::fromWkb(
+        hex("01 010000a0 e6100000 000000000000f03f 0000000000000040 0000000000000840"), nullptr);
+    EXPECT_EQ(toWkt(*point).toStdString(), "POINT Z(1 2 3)");
+    ASSERT_TRUE(point->coordSystem());
+    EXPECT_EQ(point->coordSystem()->epsg(), 4326);
+}
+
+TEST(Wkb, BrokenBytesRaise) {
+    const char* const broken[] = {
+        "",
+        "02 01000000 000000000000f03f 0000000000000040",   // byte order
+        "01 63000000 000000000000f03f 0000000000000040",   // kind
+        "01 01000000 000000000000f03f 00000000000040",     // one byte short
+        "01 01000000 000000000000f03f 0000000000000040 00", // one byte left
+        "01 02000000 ffffffff 000000000000f03f",           // count beyond the end
+        "01 03000000 ffffff7f 00000000",
+        "01 07000000 ffffffff",
+        "01 08000000 02000000 000000000000f03f 0000000000000040 000000000000f03f 0000000000000040", // half an arc
+        "01 04000000 01000000 01 02000000 00000000",       // a line among points
+    };
+    for (const char* digits : broken) {
+        EXPECT_THROW(GeometryFactory::fromWkb(hex(digits), nullptr), std::exception) << digits;
+    }
+    QByteArray nested;
+    for (int level = 0; level < 100000; ++level) {
+        nested += hex("01 07000000 01000000");
+    }
+    EXPECT_THROW(GeometryFactory::fromWkb(nested, nullptr), std::runtime_error);
+}
+
+TEST(Wkb, EveryPrefixRaises) {
+    for (const GeometryPtr& geometry : curvedKinds(Dimensions::XYZ)) {
+        const QByteArray wkb = GeometryFactory::toWkb(geometry, QSysInfo::LittleEndian);
+        for (int size = 0; size < wkb.size(); ++size) {
+            EXPECT_THROW(GeometryFactory::fromWkb(wkb.left(size), nullptr), std::exception);
+        }
+    }
+}
+
+struct TextCase {
+    GeometryPtr geometry;
+    const char* wkt;
+    const char* geoJson;
+};
+
+TEST(TextFormats, WktAndGeoJson) {
+    const auto z = Dimensions::XYZ;
+    const double ordinates[] = {0.1, -1e-7, 1e300};
+    const GeometryPtr point = std::make_shared<Point>(2.35, 48.85);
+    const GeometryPtr line = std::make_shared<LineString>(ring(Dimensions::XY, 0, 0, 1));
+    const TextCase cases[] = {
+        {point, "POINT(2.35 48.85)", R"({"type":"Point","coordinates":[2.35,48.85]})"},
+        {std::make_shared<Point>(z, ordinates), "POINT Z(0.1 -0.0000001 1e+300)",
+         R"({"type":"Point","coordinates":[0.1,-0.0000001,1e+300]})"},
+        {std::make_shared<Point>(), "POINT EMPTY", R"({"type":"Point","coordinates":[]})"},
+        {std::make_shared<Polygon>(Dimensions::XY, std::vector{ring(Dimensions::XY, 0, 0, 2)}),
+         "POLYGON((0 0,2 0,2 2,0 2,0 0))",
+         R"({"type":"Polygon","coordinates":[[[0,0],[2,0],[2,2],[0,2],[0,0]]]})"},
+        {std::make_shared<GeometryCollection>(GeometryType::GeometryCollection, Dimensions::XY,
+                                              std::vector{point, line}),
+         "GEOMETRYCOLLECTION(POINT(2.35 48.85),LINESTRING(0 0,1 0,1 1,0 1,0 0))",
+         R"({"type":"GeometryCollection","geometries":[{"type":"Point","coordinates":[2.35,48.85]},)"
+         R"({"type":"LineString","coordinates":[[0,0],[1,0],[1,1],[0,1],[0,0]]}]})"},
+        {std::make_shared<GeometryCollection>(GeometryType::MultiPoint, Dimensions::XY,
+                                              std::vector<GeometryPtr>{point, std::make_shared<Point>()}),
+         "MULTIPOINT((2.35 48.85),EMPTY)", R"({"type":"MultiPoint","coordinates":[[2.35,48.85],[]]})"},
+        {std::make_shared<RoundedRectangle>(Envelope{0, 0, 2, 1}, 0, 0), "POLYGON((0 0,2 0,2 1,0 1,0 0))",
+         R"({"type":"Polygon","coordinates":[[[0,0],[2,0],[2,1],[0,1],[0,0]]]})"},
+    };
+    for (const TextCase& entry : cases) {
+        EXPECT_EQ(toWkt(*entry.geometry).toStdString(), entry.wkt);
+        EXPECT_EQ(toGeoJson(*entry.geometry).toStdString(), entry.geoJson);
+    }
+}
+
+} // namespace
+
+} // namespace orvane::tests
