@@ -4,8 +4,8 @@
 #include "platform/geometry/Curves.h"
 #include "platform/geometry/GeometryFactory.h"
 #include "platform/utils/MetaTypes.h"
-#include <orvane/engine/EngineCache.h>
 #include <orvane/engine/ColumnNames.h>
+#include <orvane/engine/EngineCache.h>
 #include <orvane/engine/SpatialiteBlob.h>
 #include <orvane/engine/functions/Converters.h>
 
@@ -37,66 +37,95 @@ bool isSoundWkb(std::string_view bytes) {
     }
 }
 
-/// Whether the counts in FGF (little-endian: kind, dimensions, counts, doubles; parts whole) agree with its
-/// length.
-class FgfCheck {
+/// Rewrites FGF (little-endian: kind, dimensions, counts, doubles; parts whole) as well-known binary.
+/// SpatiaLite's own reader of it does not check counts and reads lines with heights beyond the end of the
+/// bytes.
+class FgfReader {
 public:
-    explicit FgfCheck(std::string_view bytes) : bytes_(bytes) {}
+    explicit FgfReader(std::string_view bytes) : bytes_(bytes) {}
 
-    bool isSound() { return walk(true) && bytes_.empty(); }
+    /// Empty when the bytes are no FGF.
+    QByteArray toWkb() { return readGeometry(true) && bytes_.empty() ? wkb_ : QByteArray(); }
 
 private:
+    bool take(std::size_t size, const char*& data) {
+        if (size > bytes_.size()) {
+            return false;
+        }
+        data = bytes_.data();
+        bytes_.remove_prefix(size);
+        return true;
+    }
+
     bool takeUInt32(std::uint32_t& value) {
-        if (bytes_.size() < 4) {
+        const char* data = nullptr;
+        if (!take(4, data)) {
             return false;
         }
-        value = qFromLittleEndian<quint32>(bytes_.data());
-        bytes_.remove_prefix(4);
+        value = qFromLittleEndian<quint32>(data);
         return true;
     }
 
-    bool skipPositions(std::size_t count, std::size_t positionSize) {
-        if (count > bytes_.size() / positionSize) {
+    void put(std::uint32_t value) {
+        char bytes[4];
+        qToLittleEndian<quint32>(value, bytes);
+        wkb_.append(bytes, sizeof bytes);
+    }
+
+    bool copyCount(std::uint32_t& count) {
+        const bool taken = takeUInt32(count);
+        put(count);
+        return taken;
+    }
+
+    bool copyPositions(std::size_t count, std::size_t positionSize) {
+        const char* data = nullptr;
+        if (count > bytes_.size() / positionSize || !take(count * positionSize, data)) {
             return false;
         }
-        bytes_.remove_prefix(count * positionSize);
+        wkb_.append(data, static_cast<int>(count * positionSize));
         return true;
     }
 
-    bool walk(bool mayHaveParts) {
-        std::uint32_t kind = 0;
-        std::uint32_t dimensions = 0;
+    bool copySequence(std::size_t positionSize) {
         std::uint32_t count = 0;
-        if (!takeUInt32(kind)) {
+        return copyCount(count) && copyPositions(count, positionSize);
+    }
+
+    bool readGeometry(bool mayHaveParts) {
+        std::uint32_t kind = 0;
+        std::uint32_t count = 0;
+        if (!takeUInt32(kind) || kind < 1 || kind > 7) {
             return false;
         }
-        if (kind >= 4 && kind <= 7) {
-            bool sound = mayHaveParts && takeUInt32(count);
-            for (std::uint32_t i = 0; sound && i < count; ++i) {
-                sound = walk(false);
+        const bool hasParts = kind >= 4;
+        std::uint32_t dimensions = 0;
+        if ((hasParts && !mayHaveParts) || (!hasParts && (!takeUInt32(dimensions) || dimensions > 3))) {
+            return false;
+        }
+        wkb_.append(1);
+        put(kind + 1000 * dimensions);
+        if (hasParts) {
+            bool complete = copyCount(count);
+            for (std::uint32_t i = 0; complete && i < count; ++i) {
+                complete = readGeometry(false);
             }
-            return sound;
-        }
-        if (kind < 1 || kind > 3 || !takeUInt32(dimensions) || dimensions > 3) {
-            return false;
+            return complete;
         }
         const std::size_t size =
             geometry::strideOf(static_cast<geometry::Dimensions>(dimensions)) * sizeof(double);
-        if (kind == 1) {
-            return skipPositions(1, size);
+        if (kind < 3) {
+            return kind == 1 ? copyPositions(1, size) : copySequence(size);
         }
-        if (kind == 2) {
-            return takeUInt32(count) && skipPositions(count, size);
+        bool complete = copyCount(count);
+        for (std::uint32_t i = 0; complete && i < count; ++i) {
+            complete = copySequence(size);
         }
-        std::uint32_t rings = 0;
-        bool sound = takeUInt32(rings);
-        for (std::uint32_t i = 0; sound && i < rings; ++i) {
-            sound = takeUInt32(count) && skipPositions(count, size);
-        }
-        return sound;
+        return complete;
     }
 
     std::string_view bytes_;
+    QByteArray wkb_;
 };
 
 /// The blob through SpatiaLite's own reader and writer; empty when they fail.
@@ -145,8 +174,12 @@ gaiaGeomCollStruct* toGaia(const unsigned char* blob, int size) {
     if (!collection && isSoundWkb(bytes)) {
         collection = gaiaFromWkb(blob, count);
     }
-    if (!collection && FgfCheck(bytes).isSound()) {
-        collection = gaiaFromFgf(blob, count);
+    if (!collection) {
+        const QByteArray wkb = FgfReader(bytes).toWkb();
+        if (isSoundWkb({wkb.constData(), static_cast<std::size_t>(wkb.size())})) {
+            collection = gaiaFromWkb(reinterpret_cast<const unsigned char*>(wkb.constData()),
+                                     static_cast<unsigned int>(wkb.size()));
+        }
     }
     return collection;
 }

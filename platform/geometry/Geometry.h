@@ -90,7 +90,7 @@ protected:
     Geometry(GeometryType type, Dimensions dimensions) : type_(type), dimensions_(dimensions) {}
     Geometry(const Geometry& other);
 
-    /// Archive helpers: the coordinate system behind the content of every geometry.
+    /// The coordinate system, which stands behind the content of every archived geometry.
     void saveCoordSystem(serialization::TrackingOutputArchive& archive) const;
 
 private:

@@ -29,7 +29,7 @@ class EngineCache;
 // function.
 
 /// A geometry collection of SpatiaLite from a SpatiaLite blob, WKB or FGF; null for anything else, also for
-/// bytes whose counts do not agree with their length, which SpatiaLite's readers do not check well. The
+/// bytes whose counts do not agree with their length, which the readers of SpatiaLite do not check. The
 /// caller frees it with gaiaFreeGeomColl.
 ORVANE_ENGINE_EXPORT gaiaGeomCollStruct* toGaia(const unsigned char* blob, int size);
 

@@ -22,7 +22,9 @@ using engine::EngineCache;
 using geometry::Dimensions;
 using geometry::GeometryPtr;
 
-dp::FeatureId id(const QVariant& value) { return dp::FeatureId(value); }
+dp::FeatureId id(const QVariant& value) {
+    return dp::FeatureId(value);
+}
 
 std::shared_ptr<geometry::Geometry> pointIn(double x, int epsg) {
     auto point = std::make_shared<geometry::Point>(x, 2);
@@ -74,9 +76,12 @@ struct MemoCase {
 
 TEST(EngineCache, MemoModes) {
     const MemoCase cases[] = {
-        {EngineCache::NoMemo, true, false},        {EngineCache::NoMemo, false, false},
-        {EngineCache::AlwaysMemo, true, true},     {EngineCache::AlwaysMemo, false, true},
-        {EngineCache::MemoOnRequest, true, true},  {EngineCache::MemoOnRequest, false, false},
+        {EngineCache::NoMemo, true, false},
+        {EngineCache::NoMemo, false, false},
+        {EngineCache::AlwaysMemo, true, true},
+        {EngineCache::AlwaysMemo, false, true},
+        {EngineCache::MemoOnRequest, true, true},
+        {EngineCache::MemoOnRequest, false, false},
         {static_cast<EngineCache::GaiaCache>(7), false, true},
     };
     const QByteArray blob = engine::toGaia(pointIn(1, 4326), nullptr);
@@ -92,7 +97,8 @@ TEST(EngineCache, MemoModes) {
         TestCache other;
         other.setUseGaiaCache(entry.mode);
         other.save(blob.constData(), static_cast<unsigned>(blob.size()), first);
-        EXPECT_EQ(other.geometryInfo(blob, true).geometry() == first, entry.mode != EngineCache::NoMemo) << entry.mode;
+        EXPECT_EQ(other.geometryInfo(blob, true).geometry() == first, entry.mode != EngineCache::NoMemo)
+            << entry.mode;
     }
 }
 
@@ -148,7 +154,7 @@ TEST(EngineCache, ResemblanceAsksInOrder) {
     for (Resembling* extension : {&silent, &first, &second}) {
         cache.addResemblanceExtension(extension);
     }
-    EXPECT_EQ(geometry::toWkt(*cache.resemblance(point)), QStringLiteral("POINT(7 2)"));
+    EXPECT_EQ(geometry::toWkt(*cache.resemblance(point)).toStdString(), "POINT(7 2)");
     EXPECT_EQ(silent.seenTolerance, 7);
     EXPECT_EQ(second.seenTolerance, -1);
 }
@@ -189,16 +195,27 @@ TEST(GeometryConversions, OtherBinaryForms) {
                     .geometry()
                     ->equals(*polygon));
     // FGF: kind 2, dimensions 1 (z), two positions.
-    QByteArray fgf = QByteArray::fromHex("02000000" "01000000" "02000000");
+    QByteArray fgf = QByteArray::fromHex("02000000"
+                                         "01000000"
+                                         "02000000");
     const double values[] = {1, 2, 3, 4, 5, 6};
     fgf.append(reinterpret_cast<const char*>(values), sizeof values);
     const auto line = cache.geometryInfo(fgf, true).geometry();
     ASSERT_TRUE(line);
-    EXPECT_EQ(geometry::toWkt(*line), QStringLiteral("LINESTRING Z(1 2 3,4 5 6)"));
+    EXPECT_EQ(geometry::toWkt(*line).toStdString(), "LINESTRING Z(1 2 3,4 5 6)");
+    // A multi: its kind, a count, whole parts.
+    QByteArray points = QByteArray::fromHex("04000000"
+                                            "01000000"
+                                            "01000000"
+                                            "00000000");
+    points.append(reinterpret_cast<const char*>(values), 2 * sizeof(double));
+    const auto multi = cache.geometryInfo(points, true).geometry();
+    ASSERT_TRUE(multi);
+    EXPECT_EQ(geometry::toWkt(*multi).toStdString(), "MULTIPOINT((1 2))");
     // Compressed by SpatiaLite; coordinates that floats hold come back as they were.
     const QByteArray wkb = geometry::GeometryFactory::toWkb(polygon, QSysInfo::LittleEndian);
-    gaiaGeomCollPtr collection =
-        gaiaFromWkb(reinterpret_cast<const unsigned char*>(wkb.constData()), static_cast<unsigned>(wkb.size()));
+    gaiaGeomCollPtr collection = gaiaFromWkb(reinterpret_cast<const unsigned char*>(wkb.constData()),
+                                             static_cast<unsigned>(wkb.size()));
     unsigned char* bytes = nullptr;
     int size = 0;
     gaiaToCompressedBlobWkb(collection, &bytes, &size);
@@ -210,19 +227,44 @@ TEST(GeometryConversions, OtherBinaryForms) {
 TEST(GeometryConversions, HostileBytesGiveNothing) {
     TestCache cache;
     const char* const hostile[] = {
-        "", "00", "0001", "0102000000ffffffff000000000000f03f", "0103000000ffffffffffffffff",
-        "02000000" "00000000" "ffffffff",           // FGF with a count of four billion
-        "04000000" "ffffffff" "01000000",           // and of parts
-        "010700000001000000010700000001000000",     // nested and cut off
-        "0001e6100000" "000000000000f03f" "0000000000000040" "000000000000f03f" "0000000000000040" "7c"
-        "02000000" "ffffff1f" "000000000000f03f" "fe", // 16 times the count is small in 32 bits
-        "0001e6100000" "000000000000f03f" "0000000000000040" "000000000000f03f" "0000000000000040" "7c"
-        "42420f00" "ffffff1f" "000000000000f03f" "fe",
+        "",
+        "00",
+        "0001",
+        "0102000000ffffffff000000000000f03f",
+        "0103000000ffffffffffffffff",
+        "02000000"
+        "00000000"
+        "ffffffff", // FGF with a count of four billion
+        "04000000"
+        "ffffffff"
+        "01000000",                             // and of parts
+        "010700000001000000010700000001000000", // nested and cut off
+        "0001e6100000"
+        "000000000000f03f"
+        "0000000000000040"
+        "000000000000f03f"
+        "0000000000000040"
+        "7c"
+        "02000000"
+        "ffffff1f"
+        "000000000000f03f"
+        "fe", // 16 times the count is small in 32 bits
+        "0001e6100000"
+        "000000000000f03f"
+        "0000000000000040"
+        "000000000000f03f"
+        "0000000000000040"
+        "7c"
+        "42420f00"
+        "ffffff1f"
+        "000000000000f03f"
+        "fe",
     };
     for (const char* digits : hostile) {
         const QByteArray bytes = QByteArray::fromHex(digits);
         EXPECT_FALSE(cache.geometryInfo(bytes, true)) << digits;
-        EXPECT_EQ(engine::toGaia(reinterpret_cast<const unsigned char*>(bytes.constData()), bytes.size()), nullptr);
+        EXPECT_EQ(engine::toGaia(reinterpret_cast<const unsigned char*>(bytes.constData()), bytes.size()),
+                  nullptr);
     }
 }
 
@@ -238,11 +280,13 @@ TEST(GeometryConversions, ColumnTexts) {
               "d39f65c319974aa198a899a89b1240c7 Text Null ");
     dp::SimpleAttributeDefinition::Options options;
     options.length = 30;
-    const std::string name = text(new dp::SimpleAttributeDefinition(QStringLiteral("На\"звание"), QMetaType::QString, options));
+    const std::string name =
+        text(new dp::SimpleAttributeDefinition(QStringLiteral("На\"звание"), QMetaType::QString, options));
     EXPECT_EQ(name.substr(0, name.find(' ')), "\"На\"\"звание\"");
     EXPECT_EQ(name.substr(name.find('(')), "(30) Collate Locale");
     options.unique = true;
-    const std::string key = text(new dp::SimpleAttributeDefinition(QStringLiteral("Id"), QMetaType::LongLong, options));
+    const std::string key =
+        text(new dp::SimpleAttributeDefinition(QStringLiteral("Id"), QMetaType::LongLong, options));
     EXPECT_EQ(key.substr(key.size() - 8), " Unique ");
 }
 

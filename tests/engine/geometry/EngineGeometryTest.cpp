@@ -15,10 +15,16 @@ using geometry::Dimensions;
 using geometry::GeometryPtr;
 using CoordSystemPtr = std::shared_ptr<cs::CoordSystem>;
 
-CoordSystemPtr epsg(int code) { return cs::CoordSysFactory::defaultCoordSysFactory()->createFromEpsg(code); }
+CoordSystemPtr epsg(int code) {
+    return cs::CoordSysFactory::defaultCoordSysFactory()->createFromEpsg(code);
+}
 
-CoordSystemPtr noLookup(const void*, int) { return nullptr; }
-void notWritten(const CoordSystemPtr&, const QByteArray&) { FAIL() << "there is no coordinate system"; }
+CoordSystemPtr noLookup(const void*, int) {
+    return nullptr;
+}
+void notWritten(const CoordSystemPtr&, const QByteArray&) {
+    FAIL() << "there is no coordinate system";
+}
 
 /// A section as the format says it: tag, little-endian length of `lengthSize` bytes, payload.
 QByteArray section(unsigned kind, unsigned lengthSize, const QByteArray& payload) {
@@ -40,10 +46,11 @@ Blob pointBlob(double x) {
     geometry::Point point(x, 2);
     point.setCoordSystem(epsg(3857));
     Blob blob;
-    blob.whole = EngineGeometry(point.clone()).serialize([&](const CoordSystemPtr& system, const QByteArray& payload) {
-        EXPECT_EQ(system, epsg(3857));
-        blob.systemPayload = payload;
-    });
+    blob.whole =
+        EngineGeometry(point.clone()).serialize([&](const CoordSystemPtr& system, const QByteArray& payload) {
+            EXPECT_EQ(system, epsg(3857));
+            blob.systemPayload = payload;
+        });
     const int size = static_cast<unsigned char>(blob.whole[1]);
     blob.geometryPayload = blob.whole.mid(2, size);
     return blob;
@@ -55,17 +62,20 @@ std::string wktOf(const QByteArray& bytes, const EngineGeometry::CoordSystemLook
         return "none";
     }
     const auto system = geometry->coordSystem();
-    return geometry::toWkt(*geometry).toStdString() + (system ? " " + system->taggedString().toStdString() : "");
+    return geometry::toWkt(*geometry).toStdString() +
+           (system ? " " + system->taggedString().toStdString() : "");
 }
 
 TEST(EngineGeometry, Framing) {
     const Blob blob = pointBlob(1);
     EXPECT_EQ(blob.whole, section(0, 1, blob.geometryPayload) + section(1, 1, blob.systemPayload));
     // The payloads: the archived point, and a version with the tagged string.
-    EXPECT_EQ(blob.geometryPayload.toHex(),
-              "010e" + QByteArray("geometry.Point").toHex() + "0000" + "15000000" +
-                  "0101000000000000000000f03f0000000000000040" + "00");
-    EXPECT_EQ(blob.systemPayload.toHex(), "0000" "09000000" + QByteArray("epsg:3857").toHex());
+    EXPECT_EQ(blob.geometryPayload.toHex(), "010e" + QByteArray("geometry.Point").toHex() + "0000" +
+                                                "15000000" + "0101000000000000000000f03f0000000000000040" +
+                                                "00");
+    EXPECT_EQ(blob.systemPayload.toHex(), "0000"
+                                          "09000000" +
+                                              QByteArray("epsg:3857").toHex());
     EXPECT_EQ(wktOf(blob.whole), "POINT(1 2) epsg:3857");
     const QByteArray bare = EngineGeometry(std::make_shared<geometry::Point>(1, 2)).serialize(notWritten);
     EXPECT_EQ(bare, section(0, 1, blob.geometryPayload));
@@ -105,11 +115,11 @@ TEST(EngineGeometry, SectionsInAnyOrder) {
         {g1 + g2, "POINT(1 2)"},
         {g1 + g2 + system, "POINT(1 2) epsg:3857"},
         {junk + g1 + junk + system, "POINT(1 2) epsg:3857"},
-        {section(0, 1, "geometry.") + g1, "POINT(1 2)"},           // a section that holds nothing readable
+        {section(0, 1, "geometry.") + g1, "POINT(1 2)"}, // a section that holds nothing readable
         {section(1, 1, "nonsense") + g1 + system, "POINT(1 2) epsg:3857"},
-        {g1 + system.left(system.size() - 1), "POINT(1 2)"},       // the last section is cut off
+        {g1 + system.left(system.size() - 1), "POINT(1 2)"}, // the last section is cut off
         {g1.left(g1.size() - 1), "none"},
-        {g1 + system + g2, "POINT(1 2) epsg:3857"},                // nothing behind is looked at
+        {g1 + system + g2, "POINT(1 2) epsg:3857"}, // nothing behind is looked at
         {QByteArray(), "none"},
         {QByteArray("\x00\x01\x00\x00", 4), "none"},
     };

@@ -30,8 +30,8 @@ std::string_view view(const QByteArray& bytes) {
 
 /// What SpatiaLite itself makes of the bytes; empty when it makes nothing.
 std::string gaiaBlob(const QByteArray& wkb, int srid) {
-    gaiaGeomCollPtr collection =
-        gaiaFromWkb(reinterpret_cast<const unsigned char*>(wkb.constData()), static_cast<unsigned>(wkb.size()));
+    gaiaGeomCollPtr collection = gaiaFromWkb(reinterpret_cast<const unsigned char*>(wkb.constData()),
+                                             static_cast<unsigned>(wkb.size()));
     if (!collection) {
         return {};
     }
@@ -55,7 +55,8 @@ TEST(SpatialiteBlob, SameBytesAsSpatialite) {
                 const QByteArray wkb = GeometryFactory::toWkb(geometry, order);
                 EXPECT_EQ(engine::appendSpatialiteBlob(view(wkb), 4326, blob), !expected.empty())
                     << geometry::toWkt(*geometry).toStdString();
-                EXPECT_EQ(QByteArray::fromStdString(blob).toHex(), QByteArray::fromStdString("before" + expected).toHex())
+                EXPECT_EQ(QByteArray::fromStdString(blob).toHex(),
+                          QByteArray::fromStdString("before" + expected).toHex())
                     << geometry::toWkt(*geometry).toStdString();
             }
         }
@@ -68,15 +69,16 @@ TEST(SpatialiteBlob, OtherBytesAreRefused) {
         refused.push_back(GeometryFactory::toWkb(curve, QSysInfo::LittleEndian));
     }
     const GeometryPtr flat = std::make_shared<geometry::Point>(1, 2);
-    const auto collection = [](Dimensions dimensions, std::vector<GeometryPtr> parts) {
-        return std::make_shared<geometry::GeometryCollection>(geometry::GeometryType::GeometryCollection, dimensions,
-                                                              std::move(parts));
+    const auto collection = [](Dimensions dimensions, std::vector<GeometryPtr> parts) -> GeometryPtr {
+        return std::make_shared<geometry::GeometryCollection>(geometry::GeometryType::GeometryCollection,
+                                                              dimensions, std::move(parts));
     };
-    for (const GeometryPtr& geometry :
-         {collection(Dimensions::XYZ, {flat}), collection(Dimensions::XY, {collection(Dimensions::XY, {flat})})}) {
+    for (const GeometryPtr& geometry : {collection(Dimensions::XYZ, {flat}),
+                                        collection(Dimensions::XY, {collection(Dimensions::XY, {flat})})}) {
         refused.push_back(GeometryFactory::toWkb(geometry, QSysInfo::LittleEndian));
     }
-    const QByteArray polygon = GeometryFactory::toWkb(linearKinds(Dimensions::XYZ)[6], QSysInfo::LittleEndian);
+    const QByteArray polygon =
+        GeometryFactory::toWkb(linearKinds(Dimensions::XYZ)[6], QSysInfo::LittleEndian);
     for (int size = 0; size < polygon.size(); ++size) {
         refused.push_back(polygon.left(size));
     }
@@ -95,7 +97,8 @@ TEST(SpatialiteBlob, HeaderAndBody) {
     for (const Dimensions dimensions : allDimensions) {
         for (const GeometryPtr& geometry : linearKinds(dimensions)) {
             std::string blob;
-            if (!engine::appendSpatialiteBlob(view(GeometryFactory::toWkb(geometry, QSysInfo::LittleEndian)), -1, blob)) {
+            if (!engine::appendSpatialiteBlob(view(GeometryFactory::toWkb(geometry, QSysInfo::LittleEndian)),
+                                              -1, blob)) {
                 continue;
             }
             const auto header = engine::readSpatialiteHeader(blob);
@@ -109,9 +112,10 @@ TEST(SpatialiteBlob, HeaderAndBody) {
             EXPECT_TRUE(GeometryFactory::fromSpatialiteBody(header->body, true, nullptr)->equals(*geometry));
             double x = 0;
             double y = 0;
-            EXPECT_EQ(engine::spatialiteBlobPoint(*header, x, y), geometry->type() == geometry::GeometryType::Point);
-            for (std::size_t size = 0; size < blob.size(); ++size) {
-                auto cut = engine::readSpatialiteHeader(blob.substr(0, size) + '\xFE');
+            EXPECT_EQ(engine::spatialiteBlobPoint(*header, x, y),
+                      geometry->type() == geometry::GeometryType::Point);
+            for (std::size_t size = 0; size + 1 < blob.size(); ++size) {
+                const auto cut = engine::readSpatialiteHeader(blob.substr(0, size) + '\xFE');
                 EXPECT_TRUE(!cut || !engine::isSoundSpatialiteBody(*cut)) << size;
             }
         }
@@ -149,22 +153,26 @@ TEST(SpatialiteBlob, TransformedInPlaceEqualsTransformedObjects) {
     for (const Dimensions dimensions : allDimensions) {
         for (const GeometryPtr& geometry : linearKinds(dimensions)) {
             std::string blob;
-            if (!engine::appendSpatialiteBlob(view(GeometryFactory::toWkb(geometry, QSysInfo::LittleEndian)), 4326, blob)) {
+            if (!engine::appendSpatialiteBlob(view(GeometryFactory::toWkb(geometry, QSysInfo::LittleEndian)),
+                                              4326, blob)) {
                 continue;
             }
             const auto inSystem = geometry->clone();
             inSystem->setCoordSystem(source);
             std::string expected;
-            const QByteArray wkb = GeometryFactory::toWkb(inSystem->transformed(target), QSysInfo::LittleEndian);
+            const QByteArray wkb =
+                GeometryFactory::toWkb(inSystem->transformed(target), QSysInfo::LittleEndian);
             ASSERT_TRUE(engine::appendSpatialiteBlob(view(wkb), 3857, expected));
             std::string transformed;
-            EXPECT_EQ(engine::appendTransformedBlob(*engine::readSpatialiteHeader(blob), *transformer, 3857, transformed),
+            EXPECT_EQ(engine::appendTransformedBlob(*engine::readSpatialiteHeader(blob), *transformer, 3857,
+                                                    transformed),
                       engine::BlobTransformation::Done);
             EXPECT_EQ(transformed, expected) << geometry::toWkt(*geometry).toStdString();
         }
     }
     std::string nowhere;
-    const QByteArray wkb = GeometryFactory::toWkb(std::make_shared<geometry::Point>(0, 1e30), QSysInfo::LittleEndian);
+    const QByteArray wkb =
+        GeometryFactory::toWkb(std::make_shared<geometry::Point>(0, 1e30), QSysInfo::LittleEndian);
     ASSERT_TRUE(engine::appendSpatialiteBlob(view(wkb), 4326, nowhere));
     std::string out = "before";
     EXPECT_EQ(engine::appendTransformedBlob(*engine::readSpatialiteHeader(nowhere), *transformer, 3857, out),

@@ -35,8 +35,8 @@ public:
         spatialite_init_ex(handle_, spatialite_, 0);
         for (const adaptor::FunctionRecord& record : adaptor::geometryRecords()) {
             for (int arity = record.arity.minimum; arity <= record.arity.maximum; ++arity) {
-                sqlite3_create_function_v2(handle_, record.name, arity, record.encoding, &cache_, record.scalar, nullptr,
-                                           nullptr, nullptr);
+                sqlite3_create_function_v2(handle_, record.name, arity, record.encoding, &cache_,
+                                           record.scalar, nullptr, nullptr, nullptr);
             }
         }
     }

@@ -13,7 +13,9 @@ namespace {
 
 using namespace cs;
 
-const CoordSysFactory& factory() { return *CoordSysFactory::defaultCoordSysFactory(); }
+const CoordSysFactory& factory() {
+    return *CoordSysFactory::defaultCoordSysFactory();
+}
 
 std::shared_ptr<CoordSystem> tagged(const char* text) {
     return factory().createFromTaggedString(QString::fromUtf8(text));
@@ -26,8 +28,9 @@ const char* const lambertWkt =
     R"(PARAMETER["false_northing",0],UNIT["metre",1]])";
 
 TEST(CoordSysFactory, TaggedStringsComeBack) {
-    for (const char* text : {"epsg:4326", "epsg:3857", "epsg:28404", "epsg:2263", "proj:+proj=laea +lat_0=61 +lon_0=31",
-                             "proj:+proj=longlat +ellps=krass +no_defs", lambertWkt}) {
+    for (const char* text :
+         {"epsg:4326", "epsg:3857", "epsg:28404", "epsg:2263", "proj:+proj=laea +lat_0=61 +lon_0=31",
+          "proj:+proj=longlat +ellps=krass +no_defs", lambertWkt}) {
         const auto system = tagged(text);
         ASSERT_TRUE(system) << text;
         EXPECT_EQ(system->taggedString().toStdString(), text);
@@ -37,9 +40,10 @@ TEST(CoordSysFactory, TaggedStringsComeBack) {
 }
 
 TEST(CoordSysFactory, OtherTextsGiveNothing) {
-    for (const char* text : {"", "4326", "epsg:", "epsg:abc", "epsg:-1", "epsg:0", "epsg:999999", "epsg:4326x",
-                             "epsg:99999999999", "proj:", "proj:+proj=nonsense", "proj:EPSG:4326", "wkt:", "wkt:PROJCS[",
-                             "wkt:epsg:4326", "epsg:5711", "wkt:GEOGCS"}) {
+    for (const char* text :
+         {"", "4326", "epsg:", "epsg:abc", "epsg:-1", "epsg:0", "epsg:999999", "epsg:4326x",
+          "epsg:99999999999", "proj:", "proj:+proj=nonsense", "proj:EPSG:4326", "wkt:", "wkt:PROJCS[",
+          "wkt:epsg:4326", "epsg:5711", "wkt:GEOGCS"}) {
         EXPECT_EQ(tagged(text), nullptr) << text;
     }
     EXPECT_THROW(factory().createFromEpsg(999999), std::runtime_error);
@@ -151,7 +155,10 @@ TEST(CoordSystem, ManyThreads) {
                 wrong += system->isGeographic() ? 1 : 0;
                 double position[] = {zone * 6.0 - 183, 0};
                 const auto transformer = Transformer::between(*factory().createFromEpsg(4326), *system);
-                wrong += transformer->transform(position, 1, 2, false) && std::abs(position[0] - 500000) < 1e-6 ? 0 : 1;
+                wrong +=
+                    transformer->transform(position, 1, 2, false) && std::abs(position[0] - 500000) < 1e-6
+                        ? 0
+                        : 1;
             }
         });
     }

@@ -34,7 +34,8 @@ TEST(Curves, ChordsStayWithinTheTolerance) {
         const CoordinateSequence& positions = lineOf(line);
         for (std::size_t i = 1; i < positions.size(); ++i) {
             EXPECT_NEAR(std::hypot(positions.x(i), positions.y(i)), 1000, 1e-9);
-            const double middle = std::hypot(positions.x(i) + positions.x(i - 1), positions.y(i) + positions.y(i - 1)) / 2;
+            const double middle =
+                std::hypot(positions.x(i) + positions.x(i - 1), positions.y(i) + positions.y(i - 1)) / 2;
             EXPECT_LE(1000 - middle, std::min(tolerance, 293.0) + 1e-9);
         }
         // Not many more than needed either.
@@ -129,7 +130,8 @@ TEST(Curves, InvalidShapesAreRefused) {
     EXPECT_THROW(Ellipse(0, 0, INFINITY, 1), std::invalid_argument);
     EXPECT_THROW(RoundedRectangle(Envelope(), 0, 0), std::invalid_argument);
     EXPECT_THROW(CompoundCurve(Dimensions::XY, {std::make_shared<Point>(1, 2)}), std::invalid_argument);
-    EXPECT_THROW(GeometryCollection(GeometryType::MultiPoint, Dimensions::XY, {nullptr}), std::invalid_argument);
+    EXPECT_THROW(GeometryCollection(GeometryType::MultiPoint, Dimensions::XY, {nullptr}),
+                 std::invalid_argument);
     EXPECT_THROW(GeometryCollection(GeometryType::Point, Dimensions::XY, {}), std::invalid_argument);
 }
 

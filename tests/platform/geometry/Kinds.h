@@ -6,7 +6,8 @@
 
 namespace orvane::tests {
 
-inline geometry::CoordinateSequence positions(geometry::Dimensions dimensions, std::size_t count, double start) {
+inline geometry::CoordinateSequence positions(geometry::Dimensions dimensions, std::size_t count,
+                                              double start) {
     return geometry::CoordinateSequence(dimensions, count, [&](double* target) {
         for (std::size_t i = 0; i < count * strideOf(dimensions); ++i) {
             target[i] = start + static_cast<double>(i * i % 17) * 0.37;
@@ -35,7 +36,8 @@ inline std::vector<geometry::GeometryPtr> linearKinds(geometry::Dimensions dimen
     const GeometryPtr point = std::make_shared<Point>(dimensions, ordinates);
     const GeometryPtr line = std::make_shared<LineString>(positions(dimensions, 7, -3));
     const GeometryPtr polygon = std::make_shared<Polygon>(
-        dimensions, std::vector{ring(dimensions, 0, 0, 10), ring(dimensions, 2, 2, 3), ring(dimensions, 6, 6, 1)});
+        dimensions,
+        std::vector{ring(dimensions, 0, 0, 10), ring(dimensions, 2, 2, 3), ring(dimensions, 6, 6, 1)});
     const auto collection = [&](GeometryType type, std::vector<GeometryPtr> parts) {
         return std::make_shared<GeometryCollection>(type, dimensions, std::move(parts));
     };

@@ -48,7 +48,8 @@ struct MeasureCase {
 };
 
 TEST(Measures, KnownValues) {
-    const char* const square = "POLYGON((0 0,1000 0,1000 1000,0 1000,0 0),(100 100,200 100,200 200,100 200,100 100))";
+    const char* const square =
+        "POLYGON((0 0,1000 0,1000 1000,0 1000,0 0),(100 100,200 100,200 200,100 200,100 100))";
     const char* const cell = "POLYGON((0 0,1 0,1 1,0 1,0 0))";
     const MeasureCase cases[] = {
         // Areas and perimeters of C. F. F. Karney's planimeter tests: a polar cap, a rhombus, an octant.
@@ -64,7 +65,8 @@ TEST(Measures, KnownValues) {
         {cell, 4326, area, "га", 1230877.8361, 1e-4},
         {cell, 4326, cartesianArea, "", 1, 0},
         {cell, 4326, cartesianPerimeter, "degrees", 4, 0},
-        {"MULTILINESTRING((0 0,0 1),(0 0,1 0))", 4326, length, "m", 110574.388557799 + 111319.490793274, 1e-8},
+        {"MULTILINESTRING((0 0,0 1),(0 0,1 0))", 4326, length, "m", 110574.388557799 + 111319.490793274,
+         1e-8},
         {square, 32636, area, "", 990000, 0},
         {square, 32636, cartesianArea, "ha", 99, 1e-12},
         {square, 32636, perimeter, "Километров", 4.4, 1e-12},
@@ -77,11 +79,12 @@ TEST(Measures, KnownValues) {
         {"POINT(1 2)", 4326, length, "", 0, 0},
         {"POLYGON EMPTY", 4326, area, "", 0, 0},
         // Web Mercator stretches by 1 / cos(latitude); the ellipsoid does not.
-        {"LINESTRING(0 8399737.889818,111319.490793 8399737.889818)", 3857, sphericalLength, "", 55799.98, 10},
+        {"LINESTRING(0 8399737.889818,111319.490793 8399737.889818)", 3857, sphericalLength, "", 55799.98,
+         10},
     };
     for (const MeasureCase& entry : cases) {
-        EXPECT_NEAR(entry.measure(*fromWkt(entry.wkt, entry.epsg), QString::fromUtf8(entry.units)), entry.expected,
-                    entry.tolerance)
+        EXPECT_NEAR(entry.measure(*fromWkt(entry.wkt, entry.epsg), QString::fromUtf8(entry.units)),
+                    entry.expected, entry.tolerance)
             << entry.wkt << ' ' << entry.epsg << ' ' << entry.units;
     }
 }
@@ -124,20 +127,25 @@ TEST(Distances, KnownValues) {
     const QString metres = QStringLiteral("m");
     const auto moscow = fromWkt("POINT(37.62 55.75)", 4326);
     // geod -I +ellps=WGS84 for 55.75 37.62 59.94 30.31
-    EXPECT_NEAR(sphericalObjectDistance(*moscow, *fromWkt("POINT(30.31 59.94)", 4326), metres), 636657.266, 5e-4);
+    EXPECT_NEAR(sphericalObjectDistance(*moscow, *fromWkt("POINT(30.31 59.94)", 4326), metres), 636657.266,
+                5e-4);
     // The foot of the way to a meridian that both ends see far off.
     const auto meridian = fromWkt("LINESTRING(0 -60,0 60)", 4326);
-    EXPECT_NEAR(sphericalObjectDistance(*meridian, *fromWkt("POINT(1 0)", 4326), metres), 111319.490793, 1e-5);
+    EXPECT_NEAR(sphericalObjectDistance(*meridian, *fromWkt("POINT(1 0)", 4326), metres), 111319.490793,
+                1e-5);
     // Across the antimeridian, and inside.
-    EXPECT_NEAR(sphericalObjectDistance(*fromWkt("POINT(179.5 0)", 4326), *fromWkt("POINT(-179.5 0)", 4326), metres),
-                111319.490793, 1e-5);
+    EXPECT_NEAR(
+        sphericalObjectDistance(*fromWkt("POINT(179.5 0)", 4326), *fromWkt("POINT(-179.5 0)", 4326), metres),
+        111319.490793, 1e-5);
     EXPECT_EQ(sphericalObjectDistance(*fromWkt("POLYGON((170 -10,190 -10,190 10,170 10,170 -10))", 4326),
                                       *fromWkt("POINT(-175 0)", 4326), metres),
               0);
-    EXPECT_EQ(cartesianObjectDistance(*fromWkt("LINESTRING(0 0,10 0)"), *fromWkt("POINT(5 3)"), QString()), 3);
+    EXPECT_EQ(cartesianObjectDistance(*fromWkt("LINESTRING(0 0,10 0)"), *fromWkt("POINT(5 3)"), QString()),
+              3);
     // Different systems meet in the first one's.
-    EXPECT_NEAR(cartesianObjectDistance(*fromWkt("POINT(0 0)", 3857), *fromWkt("POINT(1 0)", 4326), QString()),
-                111319.490793, 1e-5);
+    EXPECT_NEAR(
+        cartesianObjectDistance(*fromWkt("POINT(0 0)", 3857), *fromWkt("POINT(1 0)", 4326), QString()),
+        111319.490793, 1e-5);
     EXPECT_THROW(sphericalObjectDistance(*moscow, *fromWkt("POINT EMPTY", 4326), metres), std::runtime_error);
 }
 
@@ -156,22 +164,25 @@ TEST(Distances, NearestOfRandomLines) {
     geod_geodesic ellipsoid;
     geod_init(&ellipsoid, 6378137, 1 / 298.257223563);
     for (int round = 0; round < 20; ++round) {
-        LineString a(wander(20, 50, 150));
-        LineString b(wander(60, 20 + round, 90));
+        LineString a(wander(20, 50, 70));
+        LineString b(wander(60, 20 + round, 45));
         a.setCoordSystem(cs::CoordSysFactory::defaultCoordSysFactory()->createFromEpsg(4326));
         b.setCoordSystem(a.coordSystem());
         double nearest = INFINITY;
         const auto tryAll = [&](const CoordinateSequence& ends, const CoordinateSequence& edges) {
             for (std::size_t i = 1; i < edges.size(); ++i) {
                 geod_geodesicline line;
-                geod_inverseline(&line, &ellipsoid, edges.y(i - 1), edges.x(i - 1), edges.y(i), edges.x(i), 0);
+                geod_inverseline(&line, &ellipsoid, edges.y(i - 1), edges.x(i - 1), edges.y(i), edges.x(i),
+                                 0);
                 for (std::size_t part = 0; part <= 4; ++part) {
                     double latitude = 0;
                     double longitude = 0;
-                    geod_position(&line, line.s13 * static_cast<double>(part) / 4, &latitude, &longitude, nullptr);
-                    for (std::size_t k = 0; k < ends.size(); k += 3) {
+                    geod_position(&line, line.s13 * static_cast<double>(part) / 4, &latitude, &longitude,
+                                  nullptr);
+                    for (std::size_t k = 0; k < ends.size(); ++k) {
                         double distance = 0;
-                        geod_inverse(&ellipsoid, latitude, longitude, ends.y(k), ends.x(k), &distance, nullptr, nullptr);
+                        geod_inverse(&ellipsoid, latitude, longitude, ends.y(k), ends.x(k), &distance,
+                                     nullptr, nullptr);
                         nearest = std::min(nearest, distance);
                     }
                 }
@@ -181,7 +192,7 @@ TEST(Distances, NearestOfRandomLines) {
         tryAll(b.coordinates(), a.coordinates());
         const double found = sphericalObjectDistance(a, b, QString());
         EXPECT_LE(found, nearest + 1e-6);
-        EXPECT_GT(found, nearest - 30000); // samples are up to a fifth of an edge and two vertices apart
+        EXPECT_GT(found, nearest - 100); // samples are up to 16 km beside the foot, 2000 km away
     }
 }
 

@@ -12,7 +12,9 @@ namespace {
 
 using namespace geometry;
 
-QByteArray hex(const char* digits) { return QByteArray::fromHex(digits); }
+QByteArray hex(const char* digits) {
+    return QByteArray::fromHex(digits);
+}
 
 TEST(Wkb, EveryKindComesBackInBothByteOrders) {
     for (const Dimensions dimensions : {Dimensions::XY, Dimensions::XYZ, Dimensions::XYM, Dimensions::XYZM}) {
@@ -53,15 +55,15 @@ TEST(Wkb, ExtendedFormIsUnderstood) {
 TEST(Wkb, BrokenBytesRaise) {
     const char* const broken[] = {
         "",
-        "02 01000000 000000000000f03f 0000000000000040",   // byte order
-        "01 63000000 000000000000f03f 0000000000000040",   // kind
-        "01 01000000 000000000000f03f 00000000000040",     // one byte short
+        "02 01000000 000000000000f03f 0000000000000040",    // byte order
+        "01 63000000 000000000000f03f 0000000000000040",    // kind
+        "01 01000000 000000000000f03f 00000000000040",      // one byte short
         "01 01000000 000000000000f03f 0000000000000040 00", // one byte left
-        "01 02000000 ffffffff 000000000000f03f",           // count beyond the end
-        "01 03000000 ffffff7f 00000000",
-        "01 07000000 ffffffff",
-        "01 08000000 02000000 000000000000f03f 0000000000000040 000000000000f03f 0000000000000040", // half an arc
-        "01 04000000 01000000 01 02000000 00000000",       // a line among points
+        "01 02000000 ffffffff 000000000000f03f",            // count beyond the end
+        "01 03000000 ffffff7f 00000000", "01 07000000 ffffffff",
+        "01 08000000 02000000 000000000000f03f 0000000000000040 000000000000f03f 0000000000000040", // half an
+                                                                                                    // arc
+        "01 04000000 01000000 01 02000000 00000000", // a line among points
     };
     for (const char* digits : broken) {
         EXPECT_THROW(GeometryFactory::fromWkb(hex(digits), nullptr), std::exception) << digits;

@@ -14,7 +14,7 @@ namespace orvane::tests {
 /// A linear geometry from text, read by GEOS and handed over as well-known binary.
 inline std::shared_ptr<geometry::Geometry> fromWkt(const std::string& text, int epsg = 0) {
     const GEOSContextHandle_t context = GEOS_init_r();
-    GEOSGeometry* geos = GEOSGeomFromWKT_buf_r(context, text.c_str());
+    GEOSGeometry* geos = GEOSGeomFromWKT_r(context, text.c_str());
     if (!geos) {
         throw std::runtime_error("no geometry: " + text);
     }

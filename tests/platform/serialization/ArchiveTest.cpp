@@ -16,7 +16,7 @@ using namespace serialization;
 using geometry::Dimensions;
 using geometry::GeometryPtr;
 
-template <typename Write>
+template<typename Write>
 QByteArray written(const Write& write) {
     QByteArray bytes;
     QDataStream stream(&bytes, QIODevice::WriteOnly);
@@ -25,7 +25,7 @@ QByteArray written(const Write& write) {
     return bytes;
 }
 
-template <typename Read>
+template<typename Read>
 auto readFrom(const QByteArray& bytes, const Read& read) {
     QDataStream stream(bytes);
     BinaryInputArchive archive(&stream);
@@ -48,7 +48,8 @@ TEST(Archive, NumbersAndTextsAreLittleEndian) {
         archive.saveDouble(1.0);
         archive.saveString(QStringLiteral("я"));
     });
-    EXPECT_EQ(bytes.toHex(), "0201070403020100000000000" "0f03f02000000d18f");
+    EXPECT_EQ(bytes.toHex(), "0201070403020100000000000"
+                             "0f03f02000000d18f");
     readFrom(bytes, [](BinaryInputArchive& archive) {
         EXPECT_EQ(archive.loadVersion(), 0x0102);
         EXPECT_EQ(archive.loadUInt8(), 7);
@@ -66,9 +67,10 @@ TEST(Archive, EveryGeometryComesBack) {
         const std::vector<GeometryPtr> curved = curvedKinds(dimensions);
         all.insert(all.end(), curved.begin(), curved.end());
         all.push_back(std::make_shared<geometry::Ellipse>(1, 2, 3, 4, 5));
-        all.push_back(std::make_shared<geometry::RoundedRectangle>(geometry::Envelope{0, 1, 2, 3}, 0.5, 0.25));
-        all.push_back(std::make_shared<geometry::GeometryCollection>(geometry::GeometryType::GeometryCollection,
-                                                                     dimensions, all));
+        all.push_back(
+            std::make_shared<geometry::RoundedRectangle>(geometry::Envelope{0, 1, 2, 3}, 0.5, 0.25));
+        all.push_back(std::make_shared<geometry::GeometryCollection>(
+            geometry::GeometryType::GeometryCollection, dimensions, all));
         for (const GeometryPtr& geometry : all) {
             const std::shared_ptr<geometry::Geometry> copy = geometry->clone();
             copy->setCoordSystem(cs::CoordSysFactory::defaultCoordSysFactory()->createFromEpsg(3857));
@@ -82,14 +84,16 @@ TEST(Archive, EveryGeometryComesBack) {
 
 TEST(Archive, ObjectsMetTwiceAreWrittenOnce) {
     const GeometryPtr line = std::make_shared<geometry::LineString>(positions(Dimensions::XY, 1000, 0));
-    const geometry::GeometryCollection twice(geometry::GeometryType::GeometryCollection, Dimensions::XY, {line, line});
+    const geometry::GeometryCollection twice(geometry::GeometryType::GeometryCollection, Dimensions::XY,
+                                             {line, line});
     const QByteArray bytes = saved(twice);
     EXPECT_LT(bytes.size(), 17000);
     const auto back = std::dynamic_pointer_cast<geometry::GeometryCollection>(load(bytes));
     ASSERT_TRUE(back);
     EXPECT_EQ(back->parts()[0], back->parts()[1]);
     EXPECT_TRUE(back->equals(twice));
-    EXPECT_EQ(load(written([](BinaryOutputArchive& archive) { archive.saveSerializable(nullptr); })), nullptr);
+    EXPECT_EQ(load(written([](BinaryOutputArchive& archive) { archive.saveSerializable(nullptr); })),
+              nullptr);
 }
 
 TEST(Archive, BrokenBytesRaise) {
@@ -128,18 +132,22 @@ TEST(Archive, ReferencesDoNotMultiply) {
 }
 
 TEST(CoordSystemArchive, TaggedStrings) {
-    const auto system =
-        cs::CoordSysFactory::defaultCoordSysFactory()->createFromTaggedString(QStringLiteral("proj:+proj=sinu"));
+    const auto system = cs::CoordSysFactory::defaultCoordSysFactory()->createFromTaggedString(
+        QStringLiteral("proj:+proj=sinu"));
     for (const std::shared_ptr<cs::CoordSystem>& source : {system, std::shared_ptr<cs::CoordSystem>()}) {
         const QByteArray bytes = written([&](BinaryOutputArchive& archive) { save(archive, source, 0); });
         std::shared_ptr<cs::CoordSystem> back;
-        readFrom(bytes, [&](BinaryInputArchive& archive) { return serialization::load(archive, back, 0), 0; });
+        readFrom(bytes,
+                 [&](BinaryInputArchive& archive) { return serialization::load(archive, back, 0), 0; });
         EXPECT_EQ(back, source);
     }
     std::shared_ptr<cs::CoordSystem> none;
-    const QByteArray nonsense = written([](BinaryOutputArchive& archive) { archive.saveString(QStringLiteral("x")); });
-    EXPECT_THROW(readFrom(nonsense, [&](auto& archive) { return serialization::load(archive, none, 0), 0; }), ArchiveError);
-    EXPECT_THROW(readFrom(nonsense, [&](auto& archive) { return serialization::load(archive, none, 9), 0; }), ArchiveError);
+    const QByteArray nonsense =
+        written([](BinaryOutputArchive& archive) { archive.saveString(QStringLiteral("x")); });
+    EXPECT_THROW(readFrom(nonsense, [&](auto& archive) { return serialization::load(archive, none, 0), 0; }),
+                 ArchiveError);
+    EXPECT_THROW(readFrom(nonsense, [&](auto& archive) { return serialization::load(archive, none, 9), 0; }),
+                 ArchiveError);
 }
 
 } // namespace

@@ -1,0 +1,77 @@
+// Every decoder of geometries over arbitrary bytes: each gives a geometry, nothing, or one of its own
+// exceptions, and what it gives can be written, measured and related.
+
+#include "platform/geometry/Curves.h"
+#include "platform/geometry/GeometryFactory.h"
+#include "platform/geometry/Measures.h"
+#include "platform/geometry/Relations.h"
+#include "platform/geometry/TextFormats.h"
+#include <orvane/engine/EngineCache.h>
+#include <orvane/engine/GeometryConversions.h>
+#include <orvane/engine/SpatialiteBlob.h>
+
+#include <cstdint>
+#include <cstdlib>
+
+namespace {
+
+using namespace orvane;
+
+struct Cache : engine::EngineCache {
+    Cache() { setUseGaiaCache(NoMemo); }
+    std::shared_ptr<cs::CoordSystem> tableCS(const QString&) override { return nullptr; }
+};
+
+void require(bool condition) {
+    if (!condition) {
+        std::abort();
+    }
+}
+
+/// Exceptions are what the functions are allowed to end in.
+template<typename Operation>
+void attempt(const Operation& operation) {
+    try {
+        operation();
+    } catch (const std::exception&) {
+        // Reported to the caller, as it should be.
+    }
+}
+
+void use(const geometry::GeometryPtr& geometry, Cache& cache) {
+    constexpr std::uint64_t mostWork = 200;
+    attempt([&] {
+        const QByteArray wkb = geometry::GeometryFactory::toWkb(geometry, QSysInfo::BigEndian);
+        require(!wkb.isEmpty());
+        geometry::GeometryFactory::fromWkb(wkb, nullptr);
+    });
+    if (geometry->weight() > mostWork) {
+        return;
+    }
+    attempt([&] {
+        const auto back = cache.geometryInfo(engine::toOrvGeo(geometry, &cache), false).geometry();
+        require(back && back->equals(*geometry));
+    });
+    attempt([&] { geometry::toWkt(*geometry); });
+    attempt([&] { geometry::toGeoJson(*geometry); });
+    attempt([&] { geometry::area(*geometry, QString()); });
+    attempt([&] { geometry::cartesianLength(*geometry, QString()); });
+    attempt([&] { geometry::Intersects(*geometry, geometry::Point(1, 2)); });
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static Cache cache;
+    const std::string_view bytes(reinterpret_cast<const char*>(data), size);
+    if (const auto geometry = cache.geometryInfo(data, static_cast<unsigned int>(size), false).geometry()) {
+        use(geometry, cache);
+    }
+    attempt([&] { use(geometry::GeometryFactory::fromWkb(bytes, nullptr), cache); });
+    std::string blob;
+    if (engine::appendSpatialiteBlob(bytes, 4326, blob)) {
+        const auto header = engine::readSpatialiteHeader(blob);
+        require(header && engine::isSoundSpatialiteBody(*header));
+    }
+    return 0;
+}
