@@ -186,7 +186,8 @@ QString parseDateText(const QString& text, const QDateTime& now) {
     if (!anyOf({DateField::Day, DateField::Month, DateField::Year, DateField::Weekday})) {
         return toString(time);
     }
-    // Not through QDateTime, which would move times that the local clock skips. Years of five digits have no text.
+    // Not through QDateTime, which would move times that the local clock skips. Years of five digits have no
+    // text.
     const QString date = toString(DateResolver(fields, now.date()).resolve());
     return !date.isEmpty() && time.isValid() ? date + QLatin1Char(' ') + toString(time) : QString();
 }

@@ -91,6 +91,9 @@ TEST_F(TextProperties, CutsAndSearchesEqualThoseOnUtf16) {
         const int found = start <= text.size() ? text.indexOf(partText, start) : -1;
         ASSERT_EQ(QString::number(found + 1), call("Select InStr(?1, ?2" + sqlEnd, {bytes, part})) << context;
 
+        if (const QString joined = text + partText; !hasLoneSurrogate(joined)) {
+            ASSERT_EQ(joined, call("Select concat(?1, ?2)", {bytes, part})) << context;
+        }
         const QString left = text.left(count);
         const QString right = text.right(count);
         const QString mid = start < text.size() ? text.mid(start, count) : QStringLiteral("NULL");
