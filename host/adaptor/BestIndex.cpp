@@ -17,6 +17,8 @@ using Kind = TableDeclaration::Kind;
 constexpr double assumedRows = 100'000;
 /// What fetching one row by its identifier costs, in rows of a scan.
 constexpr double fetchCost = 10;
+/// Rows that share one value, in a table of any size.
+constexpr double assumedGroup = 25;
 /// The share of a layer that stands in a relation to one geometry.
 constexpr double relatedShare = 0.01;
 
@@ -76,7 +78,7 @@ dp::ScanValue scanValue(sqlite3_value* value) {
 class Planner {
 public:
     Planner(const VirtualTable& table, sqlite3_index_info& info)
-        : table_(table.table()), declaration_(table.declaration()), info_(info),
+        : virtual_(table), table_(table.table()), declaration_(table.declaration()), info_(info),
           rows_(std::max(1.0, static_cast<double>(
                                   table_.featureCount().value_or(static_cast<std::int64_t>(assumedRows))))),
           passing_(rows_), scanned_(rows_) {
@@ -146,14 +148,31 @@ private:
                                         TermFilter::isExact(column.kind == Kind::Text, scanValue(operand)));
         hand(i, exact);
         plan_.terms.push_back({constraint(i).iColumn, comparison, *collation});
-        const bool single =
-            column.unique && (comparison == Comparison::Equal || comparison == Comparison::Is);
-        const double share = single ? 1 / rows_ : selectivity(comparison);
+        // Texts that a file keeps apart may be equal under the collation, so only numbers are known to be
+        // unique.
+        const bool equality = comparison == Comparison::Equal || comparison == Comparison::Is;
+        const bool single = equality && column.unique && column.kind == Kind::Number;
+        const double share = single ? 1 / rows_ : shareOf(column, comparison);
         passing_ *= share;
         unique_ = unique_ || single;
+        if (equality && AttributeIndexing::serves(column, *collation, rows_) &&
+            (!operand || virtual_.averageGroup(column.attribute))) {
+            looksUp_ = true; // at once, or soon: a join that repeats the scan gets its index
+        }
         if (table_.usesTerm(column.attribute, comparison, *collation)) {
             scanned_ *= share;
         }
+    }
+
+    /// What an attribute index knows of the values, else a guess.
+    double shareOf(const TableDeclaration::Column& column, Comparison comparison) const {
+        if (comparison == Comparison::Equal || comparison == Comparison::Is) {
+            if (const auto group = virtual_.averageGroup(column.attribute)) {
+                return *group / rows_;
+            }
+            return std::min(selectivity(comparison), assumedGroup / rows_);
+        }
+        return selectivity(comparison);
     }
 
     void takeRowNumber() {
@@ -203,10 +222,11 @@ private:
         std::memcpy(info_.idxStr, text.c_str(), text.size() + 1);
         info_.needToFreeIdxStr = 1;
         info_.estimatedRows = static_cast<sqlite3_int64>(std::max(1.0, passing_));
-        info_.estimatedCost = 1 + scanned_ + passing_;
+        info_.estimatedCost = 1 + (looksUp_ ? std::min(scanned_, passing_ * fetchCost) : scanned_) + passing_;
         info_.idxFlags = unique_ ? SQLITE_INDEX_SCAN_UNIQUE : 0;
     }
 
+    const VirtualTable& virtual_;
     dp::Table& table_;
     const TableDeclaration& declaration_;
     sqlite3_index_info& info_;
@@ -215,6 +235,7 @@ private:
     double passing_; ///< rows that the terms let pass
     double scanned_; ///< rows that have to be read for it
     bool unique_ = false;
+    bool looksUp_ = false; ///< an attribute index answers
     int arguments_ = 0;
     int conditions_ = 0; ///< constraints on columns, taken over or not
     int limit_ = -1;

@@ -4,10 +4,6 @@
 
 namespace orvane::adaptor {
 
-[[gnu::weak]] std::span<const FunctionRecord> geometryRecords() {
-    return {};
-}
-
 std::vector<FunctionRecord> allFunctionRecords() {
     std::vector<FunctionRecord> records;
     for (const std::span<const FunctionRecord> family :

@@ -65,7 +65,7 @@ TableDeclaration::TableDeclaration(const dp::TableSchema& schema) {
         }
         const TypeName type = typeName(simple->type());
         sql_ += quotedIdentifier(simple->name()) + type.sql + ',';
-        columns_.push_back({position, type.kind, simple->isUnique(), simple->isNotNull()});
+        columns_.push_back({position, type.kind, simple->type() == QMetaType::QString, simple->isUnique()});
     }
     const int geometry = schema.geometryIndex();
     const int style = schema.styleIndex();

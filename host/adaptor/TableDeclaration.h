@@ -18,8 +18,8 @@ public:
     struct Column {
         int attribute = -1; ///< position in the schema, -1 for a column that the table does not have
         Kind kind = Kind::Other;
+        bool isLocaleText = false; ///< compared under Locale unless a query says otherwise
         bool unique = false;
-        bool notNull = false;
     };
 
     explicit TableDeclaration(const dp::TableSchema& schema);

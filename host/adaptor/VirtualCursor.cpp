@@ -190,7 +190,14 @@ void VirtualCursor::filter(const char* planText, std::span<sqlite3_value*> argum
     if (filter_.matchesNothing()) {
         return;
     }
-    rows_ = table_.table().openCursor(request_);
+    dp::Table& table = table_.table();
+    if (!request_.ids && !related_) {
+        request_.ids = table_.findByIndex(request_.terms, cancellation_);
+        if (request_.ids && request_.ids->empty()) {
+            return;
+        }
+    }
+    rows_ = table.openCursor(request_);
 }
 
 bool VirtualCursor::accepts() {

@@ -6,9 +6,21 @@
 
 namespace orvane::adaptor {
 
-VirtualTable::VirtualTable(QString name, std::shared_ptr<dp::Table> table, engine::EngineCache& cache)
+VirtualTable::VirtualTable(QString name, std::shared_ptr<dp::Table> table, engine::EngineCache& cache,
+                           IndexStore indexStore)
     : sqlite3_vtab{}, name_(std::move(name)), table_(std::move(table)), declaration_(*table_->schema()),
-      cache_(cache) {}
+      cache_(cache), indexStore_(std::move(indexStore)), indexing_(declaration_, cache_) {}
+
+std::optional<std::vector<dp::FeatureId>> VirtualTable::findByIndex(std::span<const dp::ScanTerm> terms,
+                                                                    const dp::Cancellation& cancellation) {
+    engine::EngineIndices* store = terms.empty() ? nullptr : indexStore_(table_);
+    return store ? indexing_.find(table(), *store, terms, cancellation) : std::nullopt;
+}
+
+std::optional<double> VirtualTable::averageGroup(int attribute) const {
+    const engine::EngineIndices* store = indexStore_(table_);
+    return store ? indexing_.averageGroup(attribute, *store) : std::nullopt;
+}
 
 dp::Table& VirtualTable::table() const {
     if (!table_) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/adaptor/AttributeIndexing.h"
 #include "host/adaptor/ScanPlan.h"
 #include "host/adaptor/SpatialIndex.h"
 #include "host/adaptor/TableDeclaration.h"
@@ -11,7 +12,10 @@
 
 #include <sqlite3.h>
 
+#include <functional>
 #include <memory>
+#include <optional>
+#include <span>
 
 namespace orvane {
 class Engine;
@@ -26,7 +30,11 @@ namespace orvane::adaptor {
 /// through the base.
 class VirtualTable : public sqlite3_vtab {
 public:
-    VirtualTable(QString name, std::shared_ptr<dp::Table> table, engine::EngineCache& cache);
+    /// Answers the index store of a table; null without an engine.
+    using IndexStore = std::function<engine::EngineIndices*(const std::shared_ptr<dp::Table>&)>;
+
+    VirtualTable(QString name, std::shared_ptr<dp::Table> table, engine::EngineCache& cache,
+                 IndexStore indexStore);
 
     const QString& name() const { return name_; }
     void setName(QString name) { name_ = std::move(name); }
@@ -43,6 +51,13 @@ public:
     /// The spatial index of the table as it is now, made when first asked for.
     SpatialIndex& spatialIndex(const dp::Cancellation& cancellation);
 
+    /// The features that can satisfy the terms, where an attribute index tells.
+    std::optional<std::vector<dp::FeatureId>> findByIndex(std::span<const dp::ScanTerm> terms,
+                                                          const dp::Cancellation& cancellation);
+    /// Rows that an equality on the attribute finds on average; nothing when it is not known.
+    std::optional<double> averageGroup(int attribute) const;
+    void forgetIndices() { indexing_.forget(); }
+
     /// Decides which constraints a scan takes over (xBestIndex).
     void plan(sqlite3_index_info& info) const;
 
@@ -51,6 +66,8 @@ private:
     std::shared_ptr<dp::Table> table_;
     TableDeclaration declaration_;
     engine::EngineCache& cache_;
+    IndexStore indexStore_;
+    AttributeIndexing indexing_;
     std::unique_ptr<SpatialIndex> spatialIndex_;
     std::uint64_t spatialIndexRevision_ = 0;
 };
@@ -62,7 +79,7 @@ public:
 
     void detach() override { table_.detach(); }
     QString tableName() const override { return table_.name(); }
-    void indicesCleared() override {}
+    void indicesCleared() override { table_.forgetIndices(); }
     std::shared_ptr<cs::CoordSystem> coordSystem() override;
 
 private:

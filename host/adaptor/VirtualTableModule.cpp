@@ -36,7 +36,12 @@ struct ModuleContext {
 class ModuleTable : public VirtualTable {
 public:
     ModuleTable(QString name, std::shared_ptr<dp::Table> source, const ModuleContext& context)
-        : VirtualTable(std::move(name), std::move(source), *context.cache), context_(context) {}
+        : VirtualTable(std::move(name), std::move(source), *context.cache,
+                       [&context](const std::shared_ptr<dp::Table>& table) -> engine::EngineIndices* {
+                           Engine* engine = context.engine();
+                           return engine ? engine->indices(table) : nullptr;
+                       }),
+          context_(context) {}
 
     void announce() {
         if (Engine* engine = context_.engine()) {

@@ -1,0 +1,271 @@
+#include "host/adaptor/AttributeIndexing.h"
+
+#include <orvane/engine/EngineCache.h>
+
+#include <QCoreApplication>
+#include <QMetaType>
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace orvane::adaptor {
+
+namespace {
+
+using dp::Comparison;
+using engine::EngineIndices;
+using Kind = TableDeclaration::Kind;
+
+/// Below this a scan is as fast as a look-up.
+constexpr std::int64_t fewestRows = 1000;
+/// Costs in nanoseconds, measured: of a scan per row, by the kind of column, and of making an index.
+constexpr double numberScanCost = 2;
+constexpr double textScanCost = 15;
+constexpr double buildCostPerRow = 1000;
+constexpr double buildCostOfStorage = 4e6;
+/// A look-up that finds more than this part of the table gives way to a scan, and is not tried again after
+/// some times.
+constexpr std::size_t scanShare = 64;
+constexpr int mostFailures = 3;
+constexpr std::size_t mostAttributes = 3;
+constexpr std::size_t mostLookups = 10'000; ///< combinations of In lists
+constexpr unsigned rowsBetweenChecks = 1024;
+
+bool isEquality(Comparison comparison) {
+    return comparison == Comparison::Equal || comparison == Comparison::Is || comparison == Comparison::In;
+}
+
+bool isRange(Comparison comparison) {
+    return comparison == Comparison::Greater || comparison == Comparison::GreaterOrEqual ||
+           comparison == Comparison::Less || comparison == Comparison::LessOrEqual;
+}
+
+std::uint8_t operationOf(Comparison comparison) {
+    return comparison == Comparison::In ? static_cast<std::uint8_t>(Comparison::Equal)
+                                        : static_cast<std::uint8_t>(comparison);
+}
+
+/// An index compares numbers as numbers and texts under Locale. Whatever is compared otherwise it would
+/// answer wrongly.
+bool comparesAlike(const TableDeclaration::Column& column, dp::TextCollation collation) {
+    return column.kind == Kind::Number || (column.isLocaleText && collation == dp::TextCollation::Locale);
+}
+
+dp::Cell cellOf(const dp::ScanValue& value) {
+    if (const auto* integer = std::get_if<std::int64_t>(&value)) {
+        return dp::Cell::ofInteger(*integer);
+    }
+    if (const auto* real = std::get_if<double>(&value)) {
+        return dp::Cell::ofReal(*real);
+    }
+    if (const auto* text = std::get_if<std::string>(&value)) {
+        return dp::Cell::ofText(*text);
+    }
+    return {};
+}
+
+} // namespace
+
+const TableDeclaration::Column& AttributeIndexing::column(int attribute) const {
+    const auto& columns = declaration_.columns();
+    return *std::find_if(columns.begin(), columns.end(), [attribute](const TableDeclaration::Column& each) {
+        return each.attribute == attribute;
+    });
+}
+
+double AttributeIndexing::scanCost(const Attributes& attributes, double rows) const {
+    double perRow = 0;
+    for (const int attribute : attributes) {
+        perRow += column(attribute).kind == Kind::Number ? numberScanCost : textScanCost;
+    }
+    return perRow * rows;
+}
+
+bool AttributeIndexing::serves(const TableDeclaration::Column& column, dp::TextCollation collation,
+                               double rows) {
+    return rows >= static_cast<double>(fewestRows) && comparesAlike(column, collation);
+}
+
+bool AttributeIndexing::isServed(const dp::ScanTerm& term) const {
+    if (!isEquality(term.comparison) && !isRange(term.comparison)) {
+        return false;
+    }
+    const TableDeclaration::Column& asked = column(term.attribute);
+    const bool isText = asked.kind == Kind::Text;
+    if (!comparesAlike(asked, term.collation)) {
+        return false;
+    }
+    return std::all_of(term.operands.begin(), term.operands.end(), [isText](const dp::ScanValue& operand) {
+        return std::holds_alternative<std::string>(operand) == isText &&
+               !std::holds_alternative<std::monostate>(operand);
+    });
+}
+
+/// The equalities, or else what bounds the first attribute with a range.
+std::vector<const dp::ScanTerm*> AttributeIndexing::chooseTerms(std::span<const dp::ScanTerm> terms) const {
+    std::vector<const dp::ScanTerm*> equalities, ranges;
+    std::size_t combinations = 1;
+    for (const dp::ScanTerm& term : terms) {
+        if (!isServed(term)) {
+            continue;
+        }
+        const auto sameAttribute = [&term](const dp::ScanTerm* other) {
+            return other->attribute == term.attribute;
+        };
+        if (isRange(term.comparison)) {
+            if (ranges.empty() || sameAttribute(ranges.front())) {
+                ranges.push_back(&term);
+            }
+        } else if (equalities.size() < mostAttributes &&
+                   std::none_of(equalities.begin(), equalities.end(), sameAttribute) &&
+                   term.operands.size() <= mostLookups / combinations) {
+            combinations *= std::max<std::size_t>(term.operands.size(), 1);
+            equalities.push_back(&term);
+        }
+    }
+    auto& chosen = equalities.empty() ? ranges : equalities;
+    std::sort(chosen.begin(), chosen.end(),
+              [](const auto* a, const auto* b) { return a->attribute < b->attribute; });
+    return chosen;
+}
+
+void AttributeIndexing::follow(const dp::Table& table, EngineIndices& store) {
+    const std::uint64_t revision = table.revision();
+    if (revision_ != revision || (!demands_.empty() && !store.isCorrect())) {
+        demands_.clear();
+        store.dropStorage();
+        revision_ = revision;
+    }
+}
+
+std::optional<std::vector<dp::FeatureId>> AttributeIndexing::find(dp::Table& table, EngineIndices& store,
+                                                                  std::span<const dp::ScanTerm> terms,
+                                                                  const dp::Cancellation& cancellation) {
+    const auto chosen = chooseTerms(terms);
+    const auto rows = chosen.empty() ? std::nullopt : table.featureCount();
+    if (!rows || *rows < fewestRows) {
+        return std::nullopt;
+    }
+    follow(table, store);
+    Attributes attributes;
+    for (const dp::ScanTerm* term : chosen) {
+        if (attributes.empty() || attributes.back() != term->attribute) {
+            attributes.push_back(term->attribute);
+        }
+    }
+    Demand& demand = demands_[attributes];
+    if (demand.index < 0) {
+        const auto count = static_cast<double>(*rows);
+        demand.scanCost += scanCost(attributes, count);
+        if (demand.scanCost < buildCostOfStorage + count * buildCostPerRow ||
+            !build(demand, attributes, table, store, cancellation)) {
+            return std::nullopt;
+        }
+    }
+    Lookup& search = lookup(demand, chosen, store);
+    std::vector<qint64> found;
+    if (!search.rows || search.tooMany >= mostFailures) {
+        return std::nullopt;
+    }
+    if (!collect(*search.rows, chosen, static_cast<std::size_t>(*rows) / scanShare, found)) {
+        ++search.tooMany;
+        return std::nullopt;
+    }
+    std::vector<dp::FeatureId> ids;
+    ids.reserve(found.size());
+    for (const qint64 row : found) {
+        ids.push_back(cache_.intToId(row));
+    }
+    return ids;
+}
+
+bool AttributeIndexing::build(Demand& demand, const Attributes& attributes, dp::Table& table,
+                              EngineIndices& store, const dp::Cancellation& cancellation) {
+    if (!store.isCorrect() && !store.createStorage(*table.schema())) {
+        return false;
+    }
+    std::vector<EngineIndices::Column> columns;
+    for (const int attribute : attributes) {
+        columns.push_back({static_cast<quint32>(attribute), EngineIndices::Equal});
+    }
+    const int index = store.addIndex(columns);
+    const auto loader = store.getLoader(index);
+    if (!loader) {
+        return false;
+    }
+    dp::ScanRequest request;
+    request.attributes = attributes;
+    const auto cursor = table.openCursor(request);
+    std::vector<dp::Cell> values(attributes.size());
+    for (unsigned row = 1; cursor->next(); ++row) {
+        if (row % rowsBetweenChecks == 0 && cancellation.isRequested()) {
+            throw std::runtime_error(
+                QCoreApplication::translate("orvane::adaptor", "Запрос прерван").toStdString());
+        }
+        std::transform(attributes.begin(), attributes.end(), values.begin(),
+                       [&cursor](int attribute) { return cursor->cell(attribute); });
+        loader->addRow(cache_.assignIdToInt(cursor->featureId()), values);
+    }
+    loader->finish();
+    demand.index = index;
+    return true;
+}
+
+AttributeIndexing::Lookup& AttributeIndexing::lookup(Demand& demand,
+                                                     const std::vector<const dp::ScanTerm*>& terms,
+                                                     const EngineIndices& store) {
+    std::vector<std::uint8_t> operations;
+    std::vector<EngineIndices::Column> columns;
+    for (const dp::ScanTerm* term : terms) {
+        operations.push_back(operationOf(term->comparison));
+        columns.push_back({static_cast<quint32>(term->attribute), operations.back()});
+    }
+    Lookup& kept = demand.lookups[operations];
+    if (!kept.rows) {
+        kept.rows = store.getLookup(demand.index, columns);
+    }
+    return kept;
+}
+
+bool AttributeIndexing::collect(EngineIndices::RowLookup& rowLookup,
+                                const std::vector<const dp::ScanTerm*>& terms, std::size_t most,
+                                std::vector<qint64>& rows) {
+    std::vector<std::size_t> choice(terms.size(), 0);
+    if (std::any_of(terms.begin(), terms.end(), [](const auto* term) { return term->operands.empty(); })) {
+        return true; // an empty list
+    }
+    std::vector<dp::Cell> operands(terms.size());
+    for (bool more = true; more;) {
+        for (std::size_t i = 0; i < terms.size(); ++i) {
+            operands[i] = cellOf(terms[i]->operands[choice[i]]);
+        }
+        rowLookup.start(operands);
+        for (qint64 row = 0; rowLookup.next(row);) {
+            if (rows.size() == most) {
+                return false;
+            }
+            rows.push_back(row);
+        }
+        more = false;
+        for (std::size_t i = 0; i < terms.size() && !more; ++i) {
+            more = ++choice[i] < terms[i]->operands.size();
+            choice[i] = more ? choice[i] : 0;
+        }
+    }
+    std::sort(rows.begin(), rows.end()); // operands that are equal under the collation find the same rows
+    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+    return true;
+}
+
+std::optional<double> AttributeIndexing::averageGroup(int attribute, const EngineIndices& store) const {
+    const auto demand = demands_.find({attribute});
+    if (demand == demands_.end() || demand->second.index < 0) {
+        return std::nullopt;
+    }
+    const unsigned long long groups = store.groups(demand->second.index);
+    return groups == 0 ? std::nullopt
+                       : std::optional(static_cast<double>(store.statistics(demand->second.index).rows) /
+                                       static_cast<double>(groups));
+}
+
+} // namespace orvane::adaptor

@@ -1,0 +1,83 @@
+#pragma once
+
+#include "host/adaptor/TableDeclaration.h"
+
+#include "platform/dp/Cancellation.h"
+#include "platform/dp/Table.h"
+#include <orvane/engine/EngineIndices.h>
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace orvane::engine {
+class EngineCache;
+}
+
+namespace orvane::adaptor {
+
+/// Answers the terms of scans from attribute indices, and decides when one is made: once the scans that it
+/// would have saved are worth what making it costs. So a table that is asked once is scanned, a table in the
+/// inner loop of a join is indexed after a moment, and no run of queries costs much more than twice the
+/// better way. Indices are made of the table as it is and dropped when it changes. Used from the thread of
+/// the engine.
+class AttributeIndexing {
+public:
+    AttributeIndexing(const TableDeclaration& declaration, engine::EngineCache& cache)
+        : declaration_(declaration), cache_(cache) {}
+
+    /// Whether an index on the column can serve equalities under a collation, in a table of so many rows.
+    static bool serves(const TableDeclaration::Column& column, dp::TextCollation collation, double rows);
+
+    /// Finds the features that can satisfy the terms, a superset of those that do. Nothing when no index
+    /// serves them yet, or when so many rows would be found that a scan is faster. Throws std::runtime_error
+    /// when the table cannot be read or the work is cancelled.
+    std::optional<std::vector<dp::FeatureId>> find(dp::Table& table, engine::EngineIndices& store,
+                                                   std::span<const dp::ScanTerm> terms,
+                                                   const dp::Cancellation& cancellation);
+
+    /// Rows that an equality on the attribute finds on average; nothing before there is an index.
+    std::optional<double> averageGroup(int attribute, const engine::EngineIndices& store) const;
+
+    /// Forgets the indices: their storage is gone.
+    void forget() { demands_.clear(); }
+
+private:
+    using Attributes = std::vector<int>;
+
+    struct Lookup {
+        std::unique_ptr<engine::EngineIndices::RowLookup> rows;
+        int tooMany = 0; ///< how often it found too many rows
+    };
+    /// One set of attributes that an index would serve, or serves.
+    struct Demand {
+        double scanCost = 0; ///< of the scans so far, in nanoseconds
+        int index = -1;
+        std::map<std::vector<std::uint8_t>, Lookup> lookups; ///< by the comparisons of the attributes
+    };
+
+    const TableDeclaration::Column& column(int attribute) const;
+    bool isServed(const dp::ScanTerm& term) const;
+    std::vector<const dp::ScanTerm*> chooseTerms(std::span<const dp::ScanTerm> terms) const;
+    double scanCost(const Attributes& attributes, double rows) const;
+    void follow(const dp::Table& table, engine::EngineIndices& store);
+    bool build(Demand& demand, const Attributes& attributes, dp::Table& table, engine::EngineIndices& store,
+               const dp::Cancellation& cancellation);
+    static Lookup& lookup(Demand& demand, const std::vector<const dp::ScanTerm*>& terms,
+                          const engine::EngineIndices& store);
+    /// Runs the look-up for every combination of the operands of In lists; false when more than `most` rows
+    /// were found.
+    static bool collect(engine::EngineIndices::RowLookup& lookup,
+                        const std::vector<const dp::ScanTerm*>& terms, std::size_t most,
+                        std::vector<qint64>& rows);
+
+    const TableDeclaration& declaration_;
+    engine::EngineCache& cache_;
+    std::map<Attributes, Demand> demands_;
+    std::optional<std::uint64_t> revision_; ///< of the table that the indices were made of
+};
+
+} // namespace orvane::adaptor
