@@ -210,11 +210,16 @@ void sqrt(sqlite3_context* context, int, sqlite3_value** values) {
     });
 }
 
-void roundTo(sqlite3_context* context, int, sqlite3_value** values) {
+void roundTo(sqlite3_context* context, int count, sqlite3_value** values) {
     barrier(context, [&] {
-        withNumbers(values, [&](double x, double step) {
+        const auto round = [context](double x, double step) {
             sqlite3_result_double(context, step == 0.0 ? std::round(x) : std::round(x / step) * step);
-        });
+        };
+        if (count > 1) {
+            withNumbers(values, round);
+        } else {
+            withNumber(values, [&round](double x) { round(x, 0.0); });
+        }
     });
 }
 

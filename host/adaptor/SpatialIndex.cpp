@@ -6,6 +6,11 @@
 
 #include <QCoreApplication>
 
+#define BOOST_ALLOW_DEPRECATED_HEADERS // Boost's own, of each other
+#include <boost/geometry/geometries/box.hpp>
+#include <boost/geometry/geometries/point.hpp>
+#include <boost/geometry/index/rtree.hpp>
+
 #include <sqlite3.h>
 
 #include <array>
@@ -19,6 +24,9 @@ namespace {
 
 namespace bg = boost::geometry;
 using geometry::GeometryPtr;
+using Corner = bg::model::point<double, 2, bg::cs::cartesian>;
+using Box = bg::model::box<Corner>;
+using Node = std::pair<Box, std::uint32_t>;
 
 /// Positions in the geometries that an index keeps decoded: some 200 megabytes with what GEOS makes of them.
 constexpr std::uint64_t mostWeight = 2'000'000;
@@ -61,6 +69,17 @@ std::optional<bool> holdsOnPosition(SpatialRelation relation, const geometry::Ge
 
 } // namespace
 
+struct SpatialIndex::Tree {
+    bg::index::rtree<Node, bg::index::rstar<16>> nodes;
+    std::vector<Node> candidates; ///< reused from search to search
+};
+
+/// One feature, by its position in the lists of the index.
+struct SpatialIndex::Entry {
+    std::uint32_t position;
+    double x, y; ///< the lower corner of the envelope: the place of a position
+};
+
 const char* functionName(SpatialRelation relation) {
     return functionNames.at(static_cast<std::size_t>(relation));
 }
@@ -93,7 +112,10 @@ bool holds(SpatialRelation relation, const geometry::Geometry& a, const geometry
     return false;
 }
 
-SpatialIndex::SpatialIndex(dp::Table& table, const dp::Cancellation& cancellation) {
+SpatialIndex::~SpatialIndex() = default;
+
+SpatialIndex::SpatialIndex(dp::Table& table, const dp::Cancellation& cancellation)
+    : tree_(std::make_unique<Tree>()) {
     const int attribute = table.schema()->geometryIndex();
     const auto coordSystem = table.coordSystem();
     dp::ScanRequest request;
@@ -125,14 +147,13 @@ SpatialIndex::SpatialIndex(dp::Table& table, const dp::Cancellation& cancellatio
         ids_.push_back(rows->featureId());
         isPosition_.push_back(position);
     }
-    tree_ = Tree(nodes); // packed
+    tree_->nodes = {nodes.begin(), nodes.end()}; // packed
 }
 
-GeometryPtr SpatialIndex::geometryOf(const Node& candidate, dp::Table& table) {
-    const std::uint32_t entry = candidate.second;
+GeometryPtr SpatialIndex::geometryOf(const Entry& candidate, dp::Table& table) {
+    const std::uint32_t entry = candidate.position;
     if (isPosition_[entry]) {
-        const Point& corner = candidate.first.min_corner();
-        auto point = std::make_shared<geometry::Point>(bg::get<0>(corner), bg::get<1>(corner));
+        auto point = std::make_shared<geometry::Point>(candidate.x, candidate.y);
         point->setCoordSystem(table.coordSystem());
         return point;
     }
@@ -160,11 +181,10 @@ GeometryPtr SpatialIndex::geometryOf(const Node& candidate, dp::Table& table) {
     return decoded;
 }
 
-bool SpatialIndex::holds(SpatialRelation relation, const Node& candidate, const GeometryPtr& b,
+bool SpatialIndex::holds(SpatialRelation relation, const Entry& candidate, const GeometryPtr& b,
                          dp::Table& table) {
-    if (isPosition_[candidate.second]) {
-        const Point& corner = candidate.first.min_corner();
-        if (const auto known = holdsForPosition(relation, bg::get<0>(corner), bg::get<1>(corner), *b)) {
+    if (isPosition_[candidate.position]) {
+        if (const auto known = holdsForPosition(relation, candidate.x, candidate.y, *b)) {
             return *known;
         }
     }
@@ -187,12 +207,15 @@ void SpatialIndex::search(SpatialRelation relation, const GeometryPtr& b, dp::Ta
     if (envelope.isEmpty()) {
         return;
     }
-    candidates_.clear();
-    tree_.query(bg::index::intersects(Box({envelope.minX, envelope.minY}, {envelope.maxX, envelope.maxY})),
-                std::back_inserter(candidates_));
-    for (const Node& candidate : candidates_) {
+    auto& candidates = tree_->candidates;
+    candidates.clear();
+    tree_->nodes.query(
+        bg::index::intersects(Box({envelope.minX, envelope.minY}, {envelope.maxX, envelope.maxY})),
+        std::back_inserter(candidates));
+    for (const auto& [box, position] : candidates) {
+        const Entry candidate{position, bg::get<0>(box.min_corner()), bg::get<1>(box.min_corner())};
         if (holds(relation, candidate, b, table)) {
-            found.push_back(ids_[candidate.second]);
+            found.push_back(ids_[position]);
         }
     }
 }

@@ -6,10 +6,6 @@
 #include "platform/dp/Table.h"
 #include "platform/geometry/Geometry.h"
 
-#include <boost/geometry/geometries/box.hpp>
-#include <boost/geometry/geometries/point.hpp>
-#include <boost/geometry/index/rtree.hpp>
-
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -26,7 +22,9 @@ public:
     /// work is cancelled.
     SpatialIndex(dp::Table& table, const dp::Cancellation& cancellation);
 
-    std::size_t size() const { return ids_.size(); }
+    ~SpatialIndex();
+    SpatialIndex(const SpatialIndex&) = delete;
+    SpatialIndex& operator=(const SpatialIndex&) = delete;
 
     /// Appends the features a for which the relation(a, b) holds. Both in one coordinate system, or one
     /// without.
@@ -34,21 +32,18 @@ public:
                 std::vector<dp::FeatureId>& found);
 
 private:
-    using Point = boost::geometry::model::point<double, 2, boost::geometry::cs::cartesian>;
-    using Box = boost::geometry::model::box<Point>;
-    using Node = std::pair<Box, std::uint32_t>;
-    using Tree = boost::geometry::index::rtree<Node, boost::geometry::index::rstar<16>>;
+    struct Tree;
+    struct Entry;
 
-    bool holds(SpatialRelation relation, const Node& candidate, const geometry::GeometryPtr& b,
+    bool holds(SpatialRelation relation, const Entry& candidate, const geometry::GeometryPtr& b,
                dp::Table& table);
-    geometry::GeometryPtr geometryOf(const Node& candidate, dp::Table& table);
+    geometry::GeometryPtr geometryOf(const Entry& candidate, dp::Table& table);
 
-    Tree tree_;
+    std::unique_ptr<Tree> tree_;
     std::vector<dp::FeatureId> ids_;
     std::vector<bool> isPosition_;                  ///< the envelope is the whole geometry
     std::vector<geometry::GeometryPtr> geometries_; ///< decoded so far; empty while none is
     std::uint64_t keptWeight_ = 0;
-    std::vector<Node> candidates_; ///< reused from search to search
 };
 
 /// The geometry of a cell; null when the bytes are none.

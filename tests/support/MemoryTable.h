@@ -23,6 +23,7 @@ public:
     std::optional<std::int64_t> featureCount() const override {
         return static_cast<std::int64_t>(rows_.size());
     }
+    std::uint64_t revision() const override { return revision_; }
     bool isReadOnly() const override { return false; }
 
     std::unique_ptr<dp::Cursor> openCursor(const dp::ScanRequest& request) override {
@@ -33,15 +34,23 @@ public:
 
     void beginEdits() override { before_ = rows_; }
     void commitEdits() override { before_.clear(); }
-    void rollbackEdits() override { rows_ = before_; }
+    void rollbackEdits() override {
+        rows_ = before_;
+        ++revision_;
+    }
     dp::FeatureId insertFeature(const dp::Feature& feature) override {
+        ++revision_;
         rows_[nextId_] = values(feature);
         return dp::FeatureId(nextId_++);
     }
     void updateFeature(const dp::Feature& feature) override {
+        ++revision_;
         rows_.at(feature.id().value().toLongLong()) = values(feature);
     }
-    void deleteFeature(const dp::FeatureId& id) override { rows_.erase(id.value().toLongLong()); }
+    void deleteFeature(const dp::FeatureId& id) override {
+        ++revision_;
+        rows_.erase(id.value().toLongLong());
+    }
 
     dp::ScanRequest lastRequest;
     int scans = 0;
@@ -92,6 +101,7 @@ private:
 
     std::shared_ptr<const dp::TableSchema> schema_;
     std::map<qint64, Row> rows_, before_;
+    std::uint64_t revision_ = 1;
     qint64 nextId_ = 100; ///< far from the row numbers that the engine assigns
 };
 

@@ -1,14 +1,8 @@
-#include "support/Application.h"
-#include "support/MemoryTable.h"
-#include "support/Query.h"
+#include "AdaptorFixture.h"
 
-#include "host/adaptor/Adaptor.h"
-#include "platform/log/Logger.h"
-#include <orvane/EngineExtension.h>
 #include <orvane/engine/EngineCache.h>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <QDate>
 #include <QSqlDriver>
@@ -21,78 +15,20 @@ using testing::attribute;
 using ::testing::HasSubstr;
 using testing::MemoryTable;
 
-/// Serves every memory table through the adaptor's module.
-class MemoryExtension : public EngineExtension {
-    Q_OBJECT
-public:
-    explicit MemoryExtension(bool renames) : EngineExtension(nullptr), renames_(renames) {
-        testing::Application::instance().core.pluginManager()->registerExtension(this);
-    }
-    using EngineExtension::handleDataObject;
-    using EngineExtension::rename;
-
+class CatalogueTest : public testing::AdaptorTest {
 protected:
-    QString virtualTableModule(const dp::DataObject* object, QList<QVariant>& moduleArguments) override {
-        if (!dynamic_cast<const MemoryTable*>(object)) {
-            return {};
-        }
-        moduleArguments << object->name();
-        return QString::fromLatin1(adaptor::moduleName());
-    }
-    bool renameRealized() const override { return renames_; }
-
-private:
-    bool renames_;
-};
-
-class CatalogueTest : public ::testing::Test {
-protected:
-    static void SetUpTestSuite() {
-        auto& application = testing::Application::instance();
-        application.engine->loadTableAdapterModule(&application.core, adaptor::initialise);
-    }
-
-    void SetUp() override { link(false); }
-    void TearDown() override {
-        for (const auto& object : catalog().dataObjects()) {
-            catalog().close(object->name());
-        }
-        QCoreApplication::processEvents();
-    }
-
-    void link(bool renames) {
-        extension_ = std::make_unique<MemoryExtension>(renames);
-        extension_->linkDataCatalog();
-        QObject::disconnect(&catalog(), &dp::DataCatalog::dataObjectRenamed, nullptr, nullptr);
-        QObject::connect(&catalog(), &dp::DataCatalog::dataObjectRenamed, extension_.get(),
-                         &MemoryExtension::rename);
-    }
-
-    static dp::DataCatalog& catalog() { return testing::Application::instance().catalog; }
-    static Engine& engine() { return *testing::Application::instance().engine; }
-
     /// Opens a table of towns under a name.
     static std::shared_ptr<MemoryTable> openTowns(const char* name = "towns") {
-        auto table = std::make_shared<MemoryTable>(
-            QString::fromUtf8(name),
-            QVector<dp::AttributeDefinitionPointer>{
-                attribute("name", QMetaType::QString), attribute("people", QMetaType::LongLong),
-                attribute("height", QMetaType::Double), attribute("founded", QMetaType::QDate)},
+        return open(
+            name,
+            {attribute("name", QMetaType::QString), attribute("people", QMetaType::LongLong),
+             attribute("height", QMetaType::Double), attribute("founded", QMetaType::QDate)},
             std::vector<MemoryTable::Row>{{QStringLiteral("Paris"), 2148000LL, 35.0, QDate(508, 1, 1)},
                                           {QStringLiteral("МОСКВА"), 12655050LL, 156.0, QDate(1147, 4, 4)},
                                           {QStringLiteral("москва"), 3700LL, 180.5, QVariant()},
                                           {QVariant(), QVariant(), QVariant(), QVariant()},
                                           {QStringLiteral("O'Neill"), 3705LL, -1.5, QDate(1881, 5, 5)}});
-        EXPECT_TRUE(catalog().add(table));
-        QCoreApplication::processEvents();
-        return table;
     }
-
-    static std::string ask(const char* sql) {
-        return testing::answer(engine().engineDatabase(), QString::fromUtf8(sql));
-    }
-
-    std::unique_ptr<MemoryExtension> extension_;
 };
 
 } // namespace
@@ -224,7 +160,8 @@ TEST_F(CatalogueTest, EditsReachTheTableOrLeaveItAlone) {
     };
     for (const auto& test : cases) {
         const std::string given = ask(test.sql);
-        EXPECT_TRUE(*test.answer ? given.starts_with(test.answer) : given.empty()) << test.sql << " -> " << given;
+        EXPECT_TRUE(*test.answer ? given.starts_with(test.answer) : given.empty())
+            << test.sql << " -> " << given;
         EXPECT_EQ(ask("Select Count(*), Sum(people) From towns"), test.after) << test.sql;
     }
 }
@@ -273,5 +210,3 @@ TEST_F(CatalogueTest, ModuleArgumentsAreQuotedWhereTheyMustBe) {
 }
 
 } // namespace orvane
-
-#include "CatalogueTest.moc"

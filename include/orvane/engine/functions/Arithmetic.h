@@ -35,8 +35,8 @@ ORVANE_ENGINE_EXPORT void truncate(sqlite3_context* context, int count, sqlite3_
 ORVANE_ENGINE_EXPORT void floor(sqlite3_context* context, int count, sqlite3_value** values);
 /// "Square root from negative value" for every argument that is no number from 0 up, NULL included.
 ORVANE_ENGINE_EXPORT void sqrt(sqlite3_context* context, int count, sqlite3_value** values);
-/// The multiple of the second argument that is nearest to the first, halves away from zero; step 0 stands
-/// for 1.
+/// The multiple of the second argument that is nearest to the first, halves away from zero; step 0, or no
+/// second argument, stands for 1.
 ORVANE_ENGINE_EXPORT void roundTo(sqlite3_context* context, int count, sqlite3_value** values);
 /// utils::getRound to the decimal places of the second argument, 0 when there is none.
 ORVANE_ENGINE_EXPORT void roundBy(sqlite3_context* context, int count, sqlite3_value** values);
