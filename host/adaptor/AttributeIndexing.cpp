@@ -21,8 +21,8 @@ constexpr std::int64_t fewestRows = 1000;
 /// Costs in nanoseconds, measured: of a scan per row, by the kind of column, and of making an index.
 constexpr double numberScanCost = 2;
 constexpr double textScanCost = 15;
-constexpr double buildCostPerRow = 1000;
-constexpr double buildCostOfStorage = 4e6;
+constexpr double buildCostPerRow = 700;
+constexpr double buildCostOfStorage = 1e6;
 /// A look-up that finds more than this part of the table gives way to a scan, and is not tried again after
 /// some times.
 constexpr std::size_t scanShare = 64;
@@ -131,7 +131,10 @@ std::vector<const dp::ScanTerm*> AttributeIndexing::chooseTerms(std::span<const 
 
 void AttributeIndexing::follow(const dp::Table& table, EngineIndices& store) {
     const std::uint64_t revision = table.revision();
-    if (revision_ != revision || (!demands_.empty() && !store.isCorrect())) {
+    const bool storageIsLost =
+        !store.isCorrect() && std::any_of(demands_.begin(), demands_.end(),
+                                          [](const auto& demand) { return demand.second.index >= 0; });
+    if (revision_ != revision || storageIsLost) {
         demands_.clear();
         store.dropStorage();
         revision_ = revision;

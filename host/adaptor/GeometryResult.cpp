@@ -1,7 +1,7 @@
 #include "host/adaptor/GeometryResult.h"
 
+#include "host/adaptor/SpatialIndex.h"
 #include "platform/cs/CoordSystem.h"
-#include "platform/geometry/GeometryFactory.h"
 #include <orvane/engine/EngineCache.h>
 #include <orvane/engine/GeometryConversions.h>
 #include <orvane/engine/SpatialiteBlob.h>
@@ -25,8 +25,7 @@ void GeometryResult::set(sqlite3_context* context, std::string_view wkb) {
         sqlite3_result_blob64(context, blob_.data(), blob_.size(), SQLITE_TRANSIENT);
         return;
     }
-    const auto geometry = geometry::GeometryFactory::fromWkb(
-        QByteArray::fromRawData(wkb.data(), static_cast<int>(wkb.size())), coordSystem_);
+    const auto geometry = decodeWkb(wkb, coordSystem_);
     engine::toOrvGeo(geometry, context, &cache_, false);
 }
 

@@ -58,18 +58,24 @@ public:
 private:
     class RowCursor : public dp::Cursor {
     public:
-        RowCursor(const MemoryTable& table, const dp::ScanRequest& request) {
-            for (const auto& [id, row] : table.rows_) {
-                if (!request.ids || std::find(request.ids->begin(), request.ids->end(), dp::FeatureId(id)) !=
-                                        request.ids->end()) {
-                    rows_.emplace_back(id, row);
+        RowCursor(const MemoryTable& table, const dp::ScanRequest& request) : rows_(&table.rows_) {
+            if (request.ids) {
+                for (const dp::FeatureId& id : *request.ids) {
+                    if (const auto found = rows_->find(id.value().toLongLong()); found != rows_->end()) {
+                        chosen_.insert(*found);
+                    }
                 }
+                rows_ = &chosen_;
             }
         }
-        bool next() override { return ++at_ < static_cast<int>(rows_.size()); }
-        dp::FeatureId featureId() override { return dp::FeatureId(rows_.at(at()).first); }
+        bool next() override {
+            at_ = started_ ? std::next(at_) : rows_->begin();
+            started_ = true;
+            return at_ != rows_->end();
+        }
+        dp::FeatureId featureId() override { return dp::FeatureId(at_->first); }
         dp::Cell cell(int attribute) override {
-            const QVariant& value = rows_.at(at()).second.at(static_cast<std::size_t>(attribute));
+            const QVariant& value = at_->second.at(static_cast<std::size_t>(attribute));
             switch (value.userType()) {
             case QMetaType::UnknownType: return {};
             case QMetaType::Int:
@@ -85,9 +91,10 @@ private:
         }
 
     private:
-        std::size_t at() const { return static_cast<std::size_t>(at_); }
-        std::vector<std::pair<qint64, Row>> rows_;
-        int at_ = -1;
+        const std::map<qint64, Row>* rows_;
+        std::map<qint64, Row> chosen_;
+        std::map<qint64, Row>::const_iterator at_;
+        bool started_ = false;
         QByteArray text_;
     };
 
