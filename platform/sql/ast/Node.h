@@ -42,12 +42,12 @@ enum class NodeKind {
 /// 16): lengths and offsets count its units.
 struct ORVANE_PLATFORM_EXPORT Node {
     virtual ~Node();
+    Node& operator=(const Node&) = delete;
     const NodeKind kind;
 
 protected:
     explicit Node(NodeKind nodeKind) : kind(nodeKind) {}
     Node(const Node&) = default;
-    Node& operator=(const Node&) = delete;
 };
 
 using NodePtr = std::shared_ptr<Node>;
