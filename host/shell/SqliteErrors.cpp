@@ -55,8 +55,6 @@ constexpr PlainMessage plainMessages[] = {
      QT_TRANSLATE_NOOP("orvane::shell::Shell", "Having без Group By и без функций по многим строкам")},
     {"^table (.*) may not be modified$",
      QT_TRANSLATE_NOOP("orvane::shell::Shell", "таблица «%1» только для чтения")},
-    {"^table (.*) has no column named",
-     QT_TRANSLATE_NOOP("orvane::shell::Shell", "в таблице «%1» нет такого столбца")},
     {"^table (.*) already exists$", QT_TRANSLATE_NOOP("orvane::shell::Shell", "таблица «%1» уже есть")},
     {"^(.*) values for (?:\\d+) columns$",
      QT_TRANSLATE_NOOP("orvane::shell::Shell", "число значений (%1) не равно числу столбцов")},
@@ -118,6 +116,7 @@ Problem SqliteErrors::explain(const QString& message) const {
         {"^no such function: (.*)$", &SqliteErrors::missingFunction},
         {"^wrong number of arguments to function (.*)\\(\\)$", &SqliteErrors::wrongArguments},
         {"^ambiguous column name: (.*)$", &SqliteErrors::ambiguousColumn},
+        {"^table (.* has no column named .*)$", &SqliteErrors::missingTargetColumn},
     };
     for (const auto& [pattern, explainName] : named) {
         const auto match = QRegularExpression(QLatin1String(pattern)).match(message);
@@ -161,11 +160,24 @@ Problem SqliteErrors::missingColumn(const QString& name) const {
         return {withSuggestion(message, nearestName(column, names_.columns(table))),
                 placeOf(name, Role::Column)};
     }
+    const auto place = placeOf(name, Role::Column);
+    if (place && isQuoted(*place)) {
+        const QString message = Shell::tr("нет столбца «%0»; тексты пишутся в апострофах: '%0'").arg(column);
+        return {message, place};
+    }
     QStringList known;
     for (const QString& table : used_.tables())
         known += names_.columns(table);
-    return {withSuggestion(Shell::tr("нет столбца «%0»").arg(column), nearestName(column, known)),
-            placeOf(name, Role::Column)};
+    return {withSuggestion(Shell::tr("нет столбца «%0»").arg(column), nearestName(column, known)), place};
+}
+
+Problem SqliteErrors::missingTargetColumn(const QString& tableAndColumn) const {
+    const QString separator = QStringLiteral(" has no column named ");
+    const QString table = tableAndColumn.section(separator, 0, 0);
+    const QString column = userColumnName(tableAndColumn.section(separator, 1));
+    return {withSuggestion(Shell::tr("в таблице «%0» нет столбца «%1»").arg(table, column),
+                           nearestName(column, names_.columns(table))),
+            placeOf(column, Role::Column)};
 }
 
 Problem SqliteErrors::missingFunction(const QString& name) const {
@@ -226,6 +238,15 @@ TextPlace SqliteErrors::placeOfTokens(std::size_t first, std::size_t last) const
     const sql::Token& end = statement_.tokens[last];
     const sql::TextPosition position = statement_.position(begin.offset);
     return {position.line, position.column, static_cast<int>(end.offset + end.length - begin.offset)};
+}
+
+bool SqliteErrors::isQuoted(const TextPlace& place) const {
+    for (const sql::Token& token : statement_.tokens) {
+        const sql::TextPosition position = statement_.position(token.offset);
+        if (position.line == place.line && position.column == place.column)
+            return token.kind == sql::TokenKind::QuotedName;
+    }
+    return false;
 }
 
 std::vector<std::size_t> SqliteErrors::occurrences(const sql::TokenizedText& text, const QStringList& path,

@@ -27,6 +27,8 @@ private:
 
     Problem missingTable(const QString& name) const;
     Problem missingColumn(const QString& name) const;
+    /// "table has no column named column", the columns being those that a statement writes to.
+    Problem missingTargetColumn(const QString& tableAndColumn) const;
     Problem missingFunction(const QString& name) const;
     Problem wrongArguments(const QString& name) const;
     Problem ambiguousColumn(const QString& name) const;
@@ -34,6 +36,7 @@ private:
     /// Where the user wrote a name, given as SQLite knows it ("a.b" for a column of a table).
     std::optional<TextPlace> placeOf(const QString& name, Role role) const;
     std::optional<TextPlace> placeOfPath(const QStringList& path, Role role) const;
+    bool isQuoted(const TextPlace& place) const;
     TextPlace placeOfTokens(std::size_t first, std::size_t last) const;
     /// The tokens at which a name begins.
     std::vector<std::size_t> occurrences(const sql::TokenizedText& text, const QStringList& path,

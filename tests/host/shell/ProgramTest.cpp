@@ -144,6 +144,20 @@ INSTANTIATE_TEST_SUITE_P(
                   "line 1, column 8: there is no function \"Uper\"; did you mean \"upper\"?\n"
                   "  Select Uper(name) From cities\n"
                   "         ^^^^\n"},
+        FaultCase{
+            "Select 1 From cities Where name = \"Berlin\"",
+            "line 1, column 35: there is no column \"Berlin\"; texts are written in apostrophes: 'Berlin'\n"
+            "  Select 1 From cities Where name = \"Berlin\"\n"
+            "                                    ^^^^^^^^\n"},
+        FaultCase{"Insert Into cities (nmae) Values ('x')",
+                  "line 1, column 21: the table \"cities\" has no column \"nmae\"; did you mean \"name\"?\n"
+                  "  Insert Into cities (nmae) Values ('x')\n"
+                  "                      ^^^^\n"},
+        FaultCase{"Select a.name, b.name From cities a, cities b Where a.populaton > b.population",
+                  "line 1, column 53: the table \"cities\" has no column \"populaton\"; did you mean "
+                  "\"population\"?\n"
+                  "  Select a.name, b.name From cities a, cities b Where a.populaton > b.population\n"
+                  "                                                      ^^^^^^^^^^^\n"},
         FaultCase{"Select iso_a2 From countries, indicators",
                   "line 1, column 8: several tables have a column \"iso_a2\": put the table before it\n"
                   "  Select iso_a2 From countries, indicators\n"
