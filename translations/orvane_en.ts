@@ -444,10 +444,6 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
         <translation>the table &quot;%1&quot; is read-only</translation>
     </message>
     <message>
-        <source>в таблице «%1» нет такого столбца</source>
-        <translation>the table &quot;%1&quot; has no such column</translation>
-    </message>
-    <message>
         <source>таблица «%1» уже есть</source>
         <translation>there is a table &quot;%1&quot; already</translation>
     </message>
@@ -591,6 +587,10 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
         <source>описания «%0» нет</source>
         <translation>there is no description of &quot;%0&quot;</translation>
     </message>
+    <message>
+        <source>нет столбца «%0»; тексты пишутся в апострофах: &apos;%0&apos;</source>
+        <translation>there is no column &quot;%0&quot;; texts are written in apostrophes: &apos;%0&apos;</translation>
+    </message>
 </context>
 <context>
     <name>orvane::sql</name>
@@ -713,6 +713,10 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
     <message>
         <source>запрос обращается к выборке, но ни один объект не выбран</source>
         <translation>the query uses the selection, but nothing is selected</translation>
+    </message>
+    <message>
+        <source>«%0»</source>
+        <translation>&quot;%0&quot;</translation>
     </message>
 </context>
 </TS>

@@ -49,14 +49,15 @@ std::string underlined(std::string_view line, const TextPlace& place) {
     std::string after = withoutControls(line.substr(end));
 
     // The place stays in sight with what surrounds it.
-    for (std::size_t drop = 0; displayWidth(before) > shownWidth / 2; before.erase(0, drop)) {
+    const bool isLong = displayWidth(line) > shownWidth;
+    for (std::size_t drop = 0; isLong && displayWidth(before) > shownWidth / 2; before.erase(0, drop)) {
         drop = 0;
         nextCharacter(before, drop);
     }
     if (before.size() < start)
         before.insert(0, "…");
     const int room = std::max(shownWidth - displayWidth(before) - displayWidth(marked), 10);
-    if (displayWidth(after) > room)
+    if (isLong && displayWidth(after) > room)
         after = after.substr(0, prefixOfWidth(after, room)) + "…";
 
     std::string shown(indentation);
