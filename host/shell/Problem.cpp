@@ -40,25 +40,27 @@ std::string withoutControls(std::string_view text) {
     return shown;
 }
 
+std::string shortened(std::string text, int columns) {
+    if (displayWidth(text) <= columns)
+        return text;
+    return text.substr(0, prefixOfWidth(text, columns)) + "…";
+}
+
 /// The line and the mark below it.
 std::string underlined(std::string_view line, const TextPlace& place) {
     const std::size_t start = offsetOfCharacter(line, place.column - 1);
     const std::size_t end = start + offsetOfCharacter(line.substr(start), place.length);
     std::string before = withoutControls(line.substr(0, start));
-    const std::string marked = withoutControls(line.substr(start, end - start));
+    std::string marked = withoutControls(line.substr(start, end - start));
     std::string after = withoutControls(line.substr(end));
-
-    // The place stays in sight with what surrounds it.
-    const bool isLong = displayWidth(line) > shownWidth;
-    for (std::size_t drop = 0; isLong && displayWidth(before) > shownWidth / 2; before.erase(0, drop)) {
-        drop = 0;
-        nextCharacter(before, drop);
+    if (displayWidth(line) > shownWidth) {
+        // The place stays in sight with what surrounds it.
+        constexpr int half = shownWidth / 2;
+        if (const int excess = displayWidth(before) - half; excess > 0)
+            before = "…" + before.substr(prefixOfWidth(before, excess));
+        marked = shortened(std::move(marked), half);
+        after = shortened(std::move(after), std::max(shownWidth - displayWidth(before + marked), 10));
     }
-    if (before.size() < start)
-        before.insert(0, "…");
-    const int room = std::max(shownWidth - displayWidth(before) - displayWidth(marked), 10);
-    if (isLong && displayWidth(after) > room)
-        after = after.substr(0, prefixOfWidth(after, room)) + "…";
 
     std::string shown(indentation);
     shown += before + marked + after + '\n';
