@@ -1,99 +1,82 @@
 #include "engine/indices/RowSorter.h"
 
+#include <QtEndian>
+
 #include <algorithm>
 #include <bit>
 #include <cstring>
-#include <limits>
 
 namespace orvane::engine {
 
 namespace {
 
-constexpr int headBytes = 8;
-constexpr int headUnits = 4;
-/// About what a sort key takes: two blocks, and as many bytes again as the text.
-constexpr std::size_t sortKeySize = 96;
+constexpr std::size_t headSize = 8;
+/// Keys that agree in so many bytes are compared as a whole from there on.
+constexpr std::size_t headedSize = 8 * headSize;
 
-QString toText(std::string_view utf8) {
-    return QString::fromUtf8(utf8.data(), static_cast<int>(utf8.size()));
+/// The first byte of a value in a key.
+enum KeyClass : char { NullKey = 1, NumberKey = 2, TextKey = 3, BytesKey = 4 };
+
+template<typename Integer>
+void appendBigEndian(Integer value, std::string& bytes) {
+    const Integer swapped = qToBigEndian(value);
+    bytes.append(reinterpret_cast<const char*>(&swapped), sizeof swapped);
 }
 
-quint32 valueClass(const dp::Cell& value) {
-    switch (value.type()) {
-    case dp::CellType::Null: return 0;
-    case dp::CellType::Integer:
-    case dp::CellType::Real: return 1;
-    case dp::CellType::Text: return 2;
-    case dp::CellType::Bytes:
-    case dp::CellType::Wkb: break;
-    }
-    return 3;
-}
-
-/// The bits of a double in an order that unsigned comparison keeps.
-quint64 headOfNumber(double value) {
+/// The bits of the double, mapped so that unsigned comparison keeps the order.
+void appendReal(double value, std::string& bytes) {
     constexpr quint64 sign = quint64(1) << 63;
     const auto bits = std::bit_cast<quint64>(value + 0.0); // no negative zero
-    return (bits & sign) ? ~bits : bits | sign;
+    appendBigEndian((bits & sign) ? ~bits : bits | sign, bytes);
 }
 
-quint64 headOfBytes(std::string_view bytes) {
-    quint64 head = 0;
-    for (int i = 0; i < headBytes; ++i) {
-        head = (head << 8) | (static_cast<std::size_t>(i) < bytes.size() ? static_cast<quint8>(bytes[i]) : 0);
+/// What the double nearest to an integer lacks: at most 512 in either direction.
+quint16 remainder(std::int64_t value) {
+    constexpr int middle = 0x8000;
+    const long double nearest = static_cast<double>(value);
+    return static_cast<quint16>(middle + static_cast<int>(static_cast<long double>(value) - nearest));
+}
+
+void appendNumber(const dp::Cell& value, std::string& bytes) {
+    const bool isInteger = value.type() == dp::CellType::Integer;
+    appendReal(isInteger ? static_cast<double>(value.integer()) : value.real(), bytes);
+    appendBigEndian(remainder(isInteger ? value.integer() : 0), bytes);
+}
+
+/// The bytes with an end mark of one zero. The two lowest bytes are written as two, so that the mark is
+/// lower.
+void appendBytes(std::string_view value, std::string& bytes) {
+    for (const char byte : value) {
+        if (byte == 0 || byte == 1) {
+            bytes += '\1';
+            bytes += static_cast<char>(byte + 1);
+        } else {
+            bytes += byte;
+        }
     }
-    return head;
-}
-
-/// The first codes of the case-folded text. Codes from the surrogates on are left to the full comparison.
-quint64 headOfFoldedText(const QString& text) {
-    constexpr quint64 firstSurrogate = 0xd800;
-    quint64 head = 0;
-    bool isOpen = true;
-    for (int i = 0; i < headUnits; ++i) {
-        quint64 unit = i < text.size() ? text.at(i).toCaseFolded().unicode() : 0;
-        isOpen = isOpen && unit < firstSurrogate;
-        unit = isOpen ? unit : 0xffff;
-        head = (head << 16) | unit;
-    }
-    return head;
-}
-
-template<typename Value>
-int threeWay(Value a, Value b) {
-    return a < b ? -1 : (b < a ? 1 : 0);
-}
-
-int compareNumbers(const dp::Cell& a, const dp::Cell& b) {
-    if (a.type() == dp::CellType::Integer && b.type() == dp::CellType::Integer) {
-        return threeWay(a.integer(), b.integer());
-    }
-    const auto real = [](const dp::Cell& value) {
-        return value.type() == dp::CellType::Integer ? static_cast<double>(value.integer()) : value.real();
-    };
-    return threeWay(real(a), real(b));
+    bytes += '\0';
 }
 
 } // namespace
 
-RowSorter::RowSorter(std::vector<bool> collated, const QCollator& collator)
-    : collated_(std::move(collated)), collator_(collator),
-      foldsCase_(collator.locale().language() == QLocale::C) {}
+RowSorter::RowSorter(std::vector<bool> collated, const QCollator& collator) : collated_(std::move(collated)) {
+    if (std::find(collated_.begin(), collated_.end(), true) != collated_.end()) {
+        textOrder_ = std::make_unique<TextOrder>(collator);
+    }
+}
 
 std::size_t RowSorter::size() const {
-    return rows_.size() * (sizeof(Row) + sizeof(qint64)) + values_.size() * sizeof(Value) + texts_.size() +
-           sortKeys_.size() * sortKeySize;
+    return rows_.size() * (sizeof(Row) + sizeof(Stored)) + values_.size() * sizeof(Value) + keys_.size() +
+           texts_.size();
 }
 
 void RowSorter::add(qint64 row, std::span<const dp::Cell> values) {
-    const auto ordinal = static_cast<quint32>(ids_.size());
-    ids_.push_back(row);
-    rows_.push_back({head(values.front()), valueClass(values.front()), ordinal});
-    for (const dp::Cell& value : values) {
-        Value& stored = values_.emplace_back();
-        stored.type = value.type();
-        stored.size = 0;
-        stored.integer = 0;
+    rows_.push_back({0, static_cast<quint32>(stored_.size())});
+    stored_.push_back({row, keys_.size()});
+    for (std::size_t column = 0; column < values.size(); ++column) {
+        const dp::Cell& value = values[column];
+        appendKey(value, collated_[column]);
+        Value& stored = values_.emplace_back(Value{value.type(), 0, {0}});
         if (value.type() == dp::CellType::Integer) {
             stored.integer = value.integer();
         } else if (value.type() == dp::CellType::Real) {
@@ -106,28 +89,33 @@ void RowSorter::add(qint64 row, std::span<const dp::Cell> values) {
     }
 }
 
-quint64 RowSorter::head(const dp::Cell& value) {
-    const bool isText = value.type() == dp::CellType::Text;
-    if (collated_.front() && !foldsCase_) {
-        sortKeys_.push_back(collator_.sortKey(isText ? toText(value.view()) : QString()));
-        if (isText) {
-            return 0;
-        }
-    }
+void RowSorter::appendKey(const dp::Cell& value, bool isCollated) {
     switch (value.type()) {
-    case dp::CellType::Null: return 0;
-    case dp::CellType::Integer: return headOfNumber(static_cast<double>(value.integer()));
-    case dp::CellType::Real: return headOfNumber(value.real());
+    case dp::CellType::Null: keys_ += NullKey; return;
+    case dp::CellType::Integer:
+    case dp::CellType::Real:
+        keys_ += NumberKey;
+        appendNumber(value, keys_);
+        return;
     case dp::CellType::Text:
-        return collated_.front() ? headOfFoldedText(toText(value.view())) : headOfBytes(value.view());
+        keys_ += TextKey;
+        if (isCollated) {
+            textOrder_->append(value.view(), keys_);
+            keys_.append(2, '\0');
+        } else {
+            appendBytes(value.view(), keys_);
+        }
+        return;
     case dp::CellType::Bytes:
-    case dp::CellType::Wkb: break;
+    case dp::CellType::Wkb:
+        keys_ += BytesKey;
+        appendBytes(value.view(), keys_);
+        return;
     }
-    return headOfBytes(value.view());
 }
 
-dp::Cell RowSorter::cell(std::size_t ordinal, std::size_t column) const {
-    const Value& value = values_[ordinal * collated_.size() + column];
+dp::Cell RowSorter::value(std::size_t position, std::size_t column) const {
+    const Value& value = values_[rows_[position].ordinal * collated_.size() + column];
     switch (value.type) {
     case dp::CellType::Null: return {};
     case dp::CellType::Integer: return dp::Cell::ofInteger(value.integer);
@@ -139,57 +127,59 @@ dp::Cell RowSorter::cell(std::size_t ordinal, std::size_t column) const {
     return dp::Cell::ofBytes({texts_.data() + value.offset, value.size});
 }
 
+std::string_view RowSorter::key(std::size_t ordinal) const {
+    const std::size_t begin = stored_[ordinal].key;
+    const std::size_t end = ordinal + 1 < stored_.size() ? stored_[ordinal + 1].key : keys_.size();
+    return {keys_.data() + begin, end - begin};
+}
+
 void RowSorter::sort() {
-    std::sort(rows_.begin(), rows_.end(), [this](const Row& a, const Row& b) {
-        if (a.valueClass != b.valueClass) {
-            return a.valueClass < b.valueClass;
+    sortFrom(rows_, 0);
+}
+
+/// Orders rows whose keys agree in the first `depth` bytes: by the next eight, which are brought to the rows
+/// so that sorting stays off the keys, and then group by group. No key is the beginning of another one, so a
+/// group is all equal once one of its keys has ended.
+void RowSorter::sortFrom(RowSpan rows, std::size_t depth) {
+    if (rows.size() < 2) {
+        return;
+    }
+    if (depth >= headedSize || depth >= key(rows.front().ordinal).size()) {
+        sortRest(rows, depth);
+        return;
+    }
+    for (Row& row : rows) {
+        const std::string_view rest = key(row.ordinal).substr(depth, headSize);
+        std::array<char, headSize> bytes{};
+        std::copy(rest.begin(), rest.end(), bytes.begin());
+        row.head = qFromBigEndian<quint64>(bytes.data());
+    }
+    std::sort(rows.begin(), rows.end(), [](const Row& a, const Row& b) { return a.head < b.head; });
+    for (std::size_t begin = 0; begin < rows.size();) {
+        std::size_t end = begin + 1;
+        while (end < rows.size() && rows[end].head == rows[begin].head) {
+            ++end;
         }
-        if (a.head != b.head) {
-            return a.head < b.head;
-        }
-        const int order = compareValues(a.ordinal, b.ordinal);
-        return order < 0 || (order == 0 && ids_[a.ordinal] < ids_[b.ordinal]);
+        sortFrom(rows.subspan(begin, end - begin), depth + headSize);
+        begin = end;
+    }
+}
+
+void RowSorter::sortRest(RowSpan rows, std::size_t depth) {
+    std::sort(rows.begin(), rows.end(), [this, depth](const Row& a, const Row& b) {
+        const std::string_view keyA = key(a.ordinal);
+        const std::string_view keyB = key(b.ordinal);
+        const int order =
+            depth < keyA.size() && depth < keyB.size() ? keyA.substr(depth).compare(keyB.substr(depth)) : 0;
+        return order < 0 || (order == 0 && stored_[a.ordinal].id < stored_[b.ordinal].id);
     });
-}
-
-bool RowSorter::isSameGroup(std::size_t positionA, std::size_t positionB) const {
-    const Row& a = rows_[positionA];
-    const Row& b = rows_[positionB];
-    return a.valueClass == b.valueClass && a.head == b.head && compareValues(a.ordinal, b.ordinal) == 0;
-}
-
-int RowSorter::compareValues(std::size_t ordinalA, std::size_t ordinalB) const {
-    for (std::size_t column = 0; column < collated_.size(); ++column) {
-        const dp::Cell a = cell(ordinalA, column);
-        const dp::Cell b = cell(ordinalB, column);
-        int order = threeWay(valueClass(a), valueClass(b));
-        if (order == 0 && valueClass(a) == 1) {
-            order = compareNumbers(a, b);
-        } else if (order == 0 && a.type() == dp::CellType::Text) {
-            order = column == 0 && !sortKeys_.empty() ? sortKeys_[ordinalA].compare(sortKeys_[ordinalB])
-                                                      : compareTexts(a.view(), b.view(), column);
-        } else if (order == 0 && !a.isNull()) {
-            order = a.view().compare(b.view());
-        }
-        if (order != 0) {
-            return order;
-        }
-    }
-    return 0;
-}
-
-int RowSorter::compareTexts(std::string_view a, std::string_view b, std::size_t column) const {
-    if (!collated_[column] || a == b) {
-        return a.compare(b);
-    }
-    return collator_.compare(toText(a), toText(b));
 }
 
 void RowSorter::clear() {
     rows_.clear();
-    ids_.clear();
+    stored_.clear();
     values_.clear();
-    sortKeys_.clear();
+    keys_.clear();
     texts_.clear();
 }
 

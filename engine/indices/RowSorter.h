@@ -1,25 +1,23 @@
 #pragma once
 
+#include "engine/indices/TextOrder.h"
 #include "platform/dp/Cursor.h"
 
-#include <QCollator>
-
+#include <memory>
 #include <span>
-#include <string>
 #include <vector>
 
 namespace orvane::engine {
 
-/// Rows of typed values in memory, and their order as SQLite orders them in an index: NULL, numbers, texts,
-/// bytes; texts by their bytes or, where the column says so, by a collator. Memory is proportional to the
-/// rows; size() tells when to let go of them.
+/// Rows of typed values in memory, and their order in an index: NULL, numbers, texts, bytes; texts by their
+/// bytes or by a TextOrder. Each row has a key of bytes that is ordered as its values are. Memory is
+/// proportional to the rows; size() tells when to let go of them.
 class RowSorter {
 public:
     /// `collated` has one entry per column: whether its texts are ordered by the collator.
     RowSorter(std::vector<bool> collated, const QCollator& collator);
 
     std::size_t columnCount() const { return collated_.size(); }
-    bool isEmpty() const { return rows_.empty(); }
     /// Bytes in use, about.
     std::size_t size() const;
 
@@ -29,20 +27,23 @@ public:
     void clear();
 
     std::size_t rowCount() const { return rows_.size(); }
-    qint64 row(std::size_t position) const { return ids_[rows_[position].ordinal]; }
+    qint64 row(std::size_t position) const { return stored_[rows_[position].ordinal].id; }
     /// Whether the rows at both positions agree in every value.
-    bool isSameGroup(std::size_t positionA, std::size_t positionB) const;
-    /// The views are valid until rows are added or cleared.
-    dp::Cell value(std::size_t position, std::size_t column) const {
-        return cell(rows_[position].ordinal, column);
+    bool isSameGroup(std::size_t positionA, std::size_t positionB) const {
+        return key(rows_[positionA].ordinal) == key(rows_[positionB].ordinal);
     }
+    /// The view is valid until rows are added or cleared.
+    dp::Cell value(std::size_t position, std::size_t column) const;
 
 private:
-    /// Ordered by class and head first; only rows that agree in both are compared value by value.
+    /// What is moved while sorting: eight bytes of the key, and which row it is.
     struct Row {
         quint64 head;
-        quint32 valueClass;
         quint32 ordinal;
+    };
+    struct Stored {
+        qint64 id;
+        std::size_t key; ///< where it begins in keys_; it ends where the next one begins
     };
     struct Value {
         dp::CellType type;
@@ -50,23 +51,22 @@ private:
         union {
             std::int64_t integer;
             double real;
-            std::size_t offset;
+            std::size_t offset; ///< in texts_
         };
     };
+    using RowSpan = std::span<Row>;
 
-    dp::Cell cell(std::size_t ordinal, std::size_t column) const;
-    quint64 head(const dp::Cell& value);
-    int compareValues(std::size_t ordinalA, std::size_t ordinalB) const;
-    int compareTexts(std::string_view a, std::string_view b, std::size_t column) const;
+    std::string_view key(std::size_t ordinal) const;
+    void appendKey(const dp::Cell& value, bool isCollated);
+    void sortFrom(RowSpan rows, std::size_t depth);
+    void sortRest(RowSpan rows, std::size_t depth);
 
     std::vector<bool> collated_;
-    QCollator collator_;
-    bool foldsCase_; ///< the collator compares code by code: its order has heads, but no sort keys
+    std::unique_ptr<TextOrder> textOrder_; ///< null when no column is collated
     std::vector<Row> rows_;
-    std::vector<qint64> ids_;
+    std::vector<Stored> stored_;
     std::vector<Value> values_;
-    std::vector<QCollatorSortKey>
-        sortKeys_; ///< of the texts of the first column, if a collator with rules orders them
+    std::string keys_;
     std::string texts_;
 };
 

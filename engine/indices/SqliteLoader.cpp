@@ -10,17 +10,29 @@ namespace orvane::engine {
 namespace {
 
 /// Rows are gathered up to this size before they are sorted and stored.
-constexpr std::size_t portionSize = std::size_t(64) << 20;
-constexpr std::size_t rowsBetweenChecks = 4096;
+constexpr std::size_t portionSize = std::size_t(128) << 20;
+constexpr std::size_t rowsPerStatement = 256;
+/// SQLite's default limit of parameters in a statement is 32766.
+static_assert(rowsPerStatement * 33 < 32766, "the columns of an index are few");
 
-QString insertSql(int index, const IndexColumns& columns) {
+QString insertSql(int index, const IndexColumns& columns, std::size_t numRows) {
     QString names;
-    QString parameters;
+    QString row;
     for (const qint32 column : columns) {
         names += indexColumn(column) + QLatin1Char(',');
-        parameters += QLatin1String("?,");
+        row += QLatin1String("?,");
     }
-    return QStringLiteral("Insert Into %1(%2id) Values(%3?)").arg(indexTable(index), names, parameters);
+    QStringList rows;
+    for (std::size_t i = 0; i < numRows; ++i) {
+        rows.append(QLatin1Char('(') + row + QLatin1String("?)"));
+    }
+    return QStringLiteral("Insert Into %1(%2id) Values").arg(indexTable(index), names) +
+           rows.join(QLatin1Char(','));
+}
+
+dp::SqliteStatement insertStatement(dp::SqliteDatabaseAccess& database, int index,
+                                    const IndexColumns& columns, std::size_t numRows) {
+    return database.query(insertSql(index, columns, numRows), dp::SqliteStatement::Use::Repeated);
 }
 
 bool isEmpty(dp::SqliteDatabaseAccess& database, int index) {
@@ -32,8 +44,9 @@ bool isEmpty(dp::SqliteDatabaseAccess& database, int index) {
 SqliteLoader::SqliteLoader(std::shared_ptr<dp::SqliteDatabaseAccess> database, int index,
                            const IndexColumns& columns, RowSorter sorter, Stored stored)
     : database_(std::move(database)), work_(database_->open(QStringLiteral("addRows"))),
-      insert_(database_->query(insertSql(index, columns), dp::SqliteStatement::Use::Repeated)),
-      sorter_(std::move(sorter)), stored_(std::move(stored)), isCounting_(isEmpty(*database_, index)) {}
+      insertMany_(insertStatement(*database_, index, columns, rowsPerStatement)),
+      insertOne_(insertStatement(*database_, index, columns, 1)), sorter_(std::move(sorter)),
+      stored_(std::move(stored)), isCounting_(isEmpty(*database_, index)) {}
 
 SqliteLoader::~SqliteLoader() = default;
 
@@ -74,18 +87,34 @@ void SqliteLoader::storePortion() {
     if (isCounting_) {
         countGroups();
     }
-    const int idParameter = static_cast<int>(sorter_.columnCount()) + 1;
-    for (std::size_t position = 0; position < sorter_.rowCount(); ++position) {
-        if (position % rowsBetweenChecks == 0 && cancellation_.isRequested()) {
-            throw std::runtime_error("interrupted");
-        }
-        for (std::size_t column = 0; column < sorter_.columnCount(); ++column) {
-            insert_.bind(static_cast<int>(column) + 1, sorter_.value(position, column));
-        }
-        insert_.bind(idParameter, sorter_.row(position));
-        insert_.run();
+    const std::size_t numRows = sorter_.rowCount();
+    std::size_t position = 0;
+    for (; numRows - position >= rowsPerStatement; position += rowsPerStatement) {
+        checkCancellation();
+        insert(insertMany_, position, rowsPerStatement);
+    }
+    checkCancellation();
+    for (; position < numRows; ++position) {
+        insert(insertOne_, position, 1);
     }
     sorter_.clear();
+}
+
+void SqliteLoader::checkCancellation() const {
+    if (cancellation_.isRequested()) {
+        throw std::runtime_error("interrupted");
+    }
+}
+
+void SqliteLoader::insert(dp::SqliteStatement& statement, std::size_t first, std::size_t count) {
+    int parameter = 0;
+    for (std::size_t position = first; position < first + count; ++position) {
+        for (std::size_t column = 0; column < sorter_.columnCount(); ++column) {
+            statement.bindView(++parameter, sorter_.value(position, column));
+        }
+        statement.bind(++parameter, sorter_.row(position));
+    }
+    statement.run();
 }
 
 } // namespace orvane::engine

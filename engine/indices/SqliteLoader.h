@@ -35,10 +35,14 @@ public:
 private:
     void storePortion();
     void countGroups();
+    void checkCancellation() const;
+    /// Binds and runs a statement of `count` rows.
+    void insert(dp::SqliteStatement& statement, std::size_t first, std::size_t count);
 
     std::shared_ptr<dp::SqliteDatabaseAccess> database_;
     dp::SqliteDatabaseAccess::UnitOfWork work_;
-    dp::SqliteStatement insert_;
+    dp::SqliteStatement insertMany_;
+    dp::SqliteStatement insertOne_;
     RowSorter sorter_;
     Stored stored_;
     bool isCounting_;

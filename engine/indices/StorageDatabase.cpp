@@ -6,32 +6,43 @@
 #include <orvane/engine/Collator.h>
 #include <orvane/engine/functions/Text.h>
 
-#include <QVarLengthArray>
-
 #include <sqlite3.h>
 
+#include <algorithm>
+#include <array>
 #include <cstring>
 
 namespace orvane::engine {
 
 namespace {
 
-constexpr int inlineUnits = 128;
-using Utf16 = QVarLengthArray<QChar, inlineUnits>;
-
-/// UTF-16 of a text of the database, without a heap block for the usual lengths.
-void toUtf16(const char* text, int length, Utf16& utf16) {
-    utf16.resize(length);
-    for (int i = 0; i < length; ++i) {
-        if (static_cast<unsigned char>(text[i]) >= 0x80) {
-            const QString converted = QString::fromUtf8(text, length);
-            utf16.resize(converted.size());
-            std::copy(converted.begin(), converted.end(), utf16.begin());
+/// A text of the database in UTF-16, without a heap block for the usual lengths.
+class Utf16View {
+public:
+    Utf16View(const char* utf8, int length) {
+        const auto isAscii = [](char byte) { return static_cast<signed char>(byte) >= 0; };
+        if (length > maxInline || !std::all_of(utf8, utf8 + length, isAscii)) {
+            converted_ = QString::fromUtf8(utf8, length);
             return;
         }
-        utf16[i] = QLatin1Char(text[i]);
+        std::copy(utf8, utf8 + length, inline_.begin());
+        inlineLength_ = length;
     }
-}
+
+    const void* data() const {
+        return inlineLength_ < 0 ? static_cast<const void*>(converted_.utf16()) : inline_.data();
+    }
+    int bytes() const {
+        return (inlineLength_ < 0 ? converted_.size() : inlineLength_) * int(sizeof(char16_t));
+    }
+
+private:
+    static constexpr int maxInline = 64;
+
+    std::array<char16_t, maxInline> inline_;
+    int inlineLength_ = -1; ///< -1 when the text is in converted_
+    QString converted_;
+};
 
 int compareUtf16(void* collator, int length1, const void* text1, int length2, const void* text2) {
     return collatorCompare(*static_cast<const QCollator*>(collator), length1, text1, length2, text2);
@@ -43,12 +54,9 @@ int compareUtf8(void* collator, int length1, const void* text1, int length2, con
     if (length1 == length2 && std::memcmp(text1, text2, static_cast<std::size_t>(length1)) == 0) {
         return 0;
     }
-    constexpr int unit = static_cast<int>(sizeof(QChar));
-    Utf16 a;
-    Utf16 b;
-    toUtf16(static_cast<const char*>(text1), length1, a);
-    toUtf16(static_cast<const char*>(text2), length2, b);
-    return compareUtf16(collator, a.size() * unit, a.constData(), b.size() * unit, b.constData());
+    const Utf16View a(static_cast<const char*>(text1), length1);
+    const Utf16View b(static_cast<const char*>(text2), length2);
+    return compareUtf16(collator, a.bytes(), a.data(), b.bytes(), b.data());
 }
 
 void deleteCollator(void* collator) {

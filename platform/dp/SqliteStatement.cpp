@@ -66,17 +66,27 @@ void SqliteStatement::bind(int parameter, std::string_view utf8) {
 }
 
 void SqliteStatement::bind(int parameter, const Cell& cell) {
+    bindCell(parameter, cell, SQLITE_TRANSIENT);
+}
+
+void SqliteStatement::bindView(int parameter, const Cell& cell) {
+    bindCell(parameter, cell, SQLITE_STATIC);
+}
+
+void SqliteStatement::bindCell(int parameter, const Cell& cell, void (*destructor)(void*)) {
+    // An empty view may carry a null pointer, which would bind NULL.
+    const char* data = cell.isNull() || cell.view().empty() ? "" : cell.view().data();
     switch (cell.type()) {
     case CellType::Null: return bindNull(parameter);
     case CellType::Integer: return bind(parameter, qint64{cell.integer()});
     case CellType::Real: return bind(parameter, cell.real());
-    case CellType::Text: return bind(parameter, cell.view());
+    case CellType::Text:
+        return check(sqlite3_bind_text64(statement_.get(), parameter, data, cell.view().size(), destructor,
+                                         SQLITE_UTF8));
     case CellType::Bytes:
     case CellType::Wkb: break;
     }
-    const std::string_view bytes = cell.view();
-    check(sqlite3_bind_blob64(statement_.get(), parameter, bytes.empty() ? "" : bytes.data(), bytes.size(),
-                              SQLITE_TRANSIENT));
+    check(sqlite3_bind_blob64(statement_.get(), parameter, data, cell.view().size(), destructor));
 }
 
 bool SqliteStatement::next() {

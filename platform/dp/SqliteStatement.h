@@ -15,8 +15,8 @@ struct sqlite3_stmt;
 namespace orvane::dp {
 
 /// A prepared statement of a SqliteDatabaseAccess: bind, step through the rows with next, read columns.
-/// Columns count from 0, parameters from 1. Bound texts are copied. Failures are err::SqliteException. Has to
-/// be destroyed before its database.
+/// Columns count from 0, parameters from 1. Bound texts are copied, but for bindView. Failures are
+/// err::SqliteException. Has to be destroyed before its database.
 class ORVANE_PLATFORM_EXPORT SqliteStatement {
 public:
     /// Whether the statement is kept for many executions.
@@ -39,6 +39,8 @@ public:
     void bind(int parameter, std::u16string_view text);
     void bind(int parameter, std::string_view utf8);
     void bind(int parameter, const Cell& cell);
+    /// Without a copy: what the cell shows has to stay until the statement has run or is bound anew.
+    void bindView(int parameter, const Cell& cell);
 
     /// Moves to the next row; false at the end.
     bool next();
@@ -59,6 +61,7 @@ private:
         void operator()(sqlite3_stmt* statement) const;
     };
 
+    void bindCell(int parameter, const Cell& cell, void (*destructor)(void*));
     void check(int code) const;
 
     std::unique_ptr<sqlite3_stmt, Finalizer> statement_;

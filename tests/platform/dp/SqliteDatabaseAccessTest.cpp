@@ -95,7 +95,7 @@ TEST_F(SqliteDatabaseAccessTest, KeepsALongStatementOutOfTheMessage) {
 TEST_F(SqliteDatabaseAccessTest, PutsTemporaryTablesBesideTheDatabaseAndLeavesNothing) {
     access_.exec(QStringLiteral("Create Temporary Table t(a)"));
     // More than the page cache holds, so that the pages have to go somewhere.
-    access_.exec(QStringLiteral("With n(i) As (Select 1 Union All Select i + 1 From n Where i < 50000) "
+    access_.exec(QStringLiteral("With n(i) As (Select 1 Union All Select i + 1 From n Where i < 40000) "
                                 "Insert Into t Select randomblob(1000) From n"));
     bool found = false;
     const auto descriptors = QDir(QStringLiteral("/proc/self/fd")).entryInfoList(QDir::Files | QDir::System);
