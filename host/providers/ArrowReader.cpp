@@ -37,14 +37,16 @@ int streamOrder(const LayerColumn& column) {
     return column.source == LayerColumn::Source::Geometry ? std::numeric_limits<int>::max() : column.field;
 }
 
-ColumnChunk makeChunk(ColumnKind kind, const ArrowArray& array, const std::shared_ptr<const void>& owner) {
+/// `capacity` is the number of rows for which the driver took memory.
+ColumnChunk makeChunk(ColumnKind kind, const ArrowArray& array, std::int64_t capacity,
+                      const std::shared_ptr<const void>& owner) {
     ColumnChunk chunk;
     chunk.kind = kind;
     chunk.first = array.offset;
     if (array.null_count != 0)
         chunk.validity = static_cast<const std::uint8_t*>(array.buffers[0]);
     chunk.values = array.buffers[1];
-    chunk.bytes = static_cast<std::size_t>(array.length) * rowBytes(kind);
+    chunk.bytes = static_cast<std::size_t>(capacity) * rowBytes(kind);
     if (kind >= ColumnKind::Text) {
         chunk.data = static_cast<const char*>(array.buffers[2]);
         chunk.bytes += static_cast<std::size_t>(
@@ -135,11 +137,11 @@ bool ArrowReader::next(ColumnBatch& batch) {
     errors.logError();
 
     batch.rows = array->length;
-    batch.fids = makeChunk(ColumnKind::Int64, *array->children[0], array);
+    batch.fids = makeChunk(ColumnKind::Int64, *array->children[0], scan_.batchRows, array);
     batch.columns.clear();
     for (std::size_t i = 0; i < children_.size(); ++i) {
         const auto kind = children_[i] == 0 ? ColumnKind::Int64 : scan_.columns[i]->arrowKind;
-        batch.columns.push_back(makeChunk(kind, *array->children[children_[i]], array));
+        batch.columns.push_back(makeChunk(kind, *array->children[children_[i]], scan_.batchRows, array));
     }
     return true;
 }

@@ -1,4 +1,4 @@
-#include "host/providers/RowFilter.h"
+#include "host/providers/Condition.h"
 
 #include <algorithm>
 #include <cmath>

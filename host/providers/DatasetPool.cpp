@@ -6,8 +6,9 @@ namespace orvane::files {
 
 namespace {
 
-/// More than a query with many joins needs; each holds a file open.
-constexpr std::size_t MAX_IDLE = 8;
+/// Enough for a query with several joins; each holds a file open, and some drivers keep all features in
+/// memory.
+constexpr std::size_t MAX_IDLE = 4;
 
 std::vector<const char*> nullTerminated(const QList<QByteArray>& texts) {
     std::vector<const char*> pointers;

@@ -2,6 +2,7 @@
 
 #include "host/providers/BatchCursor.h"
 #include "host/providers/GdalErrors.h"
+#include "host/providers/RowFilter.h"
 #include "platform/dp/Cancellation.h"
 
 #include <algorithm>
@@ -360,7 +361,7 @@ void LayerReader::loadWholeOnce() {
     if (wholeWasTried_)
         return;
     wholeWasTried_ = true;
-    if (stamp_.size() > SMALL_FILE)
+    if (stamp_.size() == 0 || stamp_.size() > SMALL_FILE)
         return;
     std::vector<int> all(schema_->columns.size());
     std::iota(all.begin(), all.end(), 0);

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "host/providers/Condition.h"
 #include "host/providers/LayerSchema.h"
-#include "host/providers/RowFilter.h"
 
 #include <gdal.h>
 

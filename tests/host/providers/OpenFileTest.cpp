@@ -61,6 +61,19 @@ TEST_F(OpenFile, namesThatSqlCannotTellApartAreNumbered) {
     EXPECT_EQ(readRows(*table, everything(*table)).front()[9], "i:10");
 }
 
+TEST_F(OpenFile, dateTimesStandAsWritten) {
+    const auto table = openFile(write("times.geojson", R"({"type":"FeatureCollection","features":[
+        {"type":"Feature","geometry":null,"properties":{"t":"2020-01-01T00:30:00+03:00"}},
+        {"type":"Feature","geometry":null,"properties":{"t":"1900-12-31T23:59:59.5Z"}},
+        {"type":"Feature","geometry":null,"properties":{"t":"2020-06-01T12:00:00"}}]})"))
+                           .front();
+    dp::ScanRequest request;
+    request.attributes = {0};
+    EXPECT_EQ(
+        readRows(*table, request),
+        (Rows{{"t:2020-01-01 00:30:00.000"}, {"t:1900-12-31 23:59:59.500"}, {"t:2020-06-01 12:00:00.000"}}));
+}
+
 TEST_F(OpenFile, numbersWithMarksForMissingOnes) {
     const auto table = openFile(write("gaps.csv", "name,whole,real,code,mixed,allna,day\n"
                                                   "NA,NA,n/a,007,1,NA,2020-01-02\n"
