@@ -49,10 +49,10 @@ std::string_view trimmed(std::string_view text) {
 }
 
 bool isMissing(std::string_view text) {
-    static constexpr const char* MARKS[] = {"", "na", "n/a", "#n/a", "null", "nan", "-", ".."};
-    return std::any_of(std::begin(MARKS), std::end(MARKS), [text](const char* mark) {
-        return std::string_view(mark).size() == text.size() && EQUALN(mark, text.data(), text.size());
-    });
+    static constexpr const char* MARKS[] = {"na", "n/a", "#n/a", "null", "nan", "-", ".."};
+    return text.empty() || std::any_of(std::begin(MARKS), std::end(MARKS), [text](const char* mark) {
+               return std::string_view(mark).size() == text.size() && EQUALN(mark, text.data(), text.size());
+           });
 }
 
 bool hasNeedlessZero(std::string_view number) {
