@@ -30,11 +30,11 @@ Database open(bool ours) {
         throw std::runtime_error("no database");
     }
     Database database(raw);
-    run(raw, ("Create Table texts(latin Text, cyrillic Text);"
+    run(raw, ("Create Table texts(latin Text, cyrillic Text, date Text);"
               "With Recursive n(i) As (Select 0 Union All Select i + 1 From n Where i < " +
               std::to_string(rows - 1) +
               ") Insert Into texts Select 'Street No. ' || i || ' of the old town', 'Улица № ' || i || ' "
-              "Старого города' From n")
+              "Старого города', date('1990-01-01', '+' || (i % 9000) || ' days') From n")
                  .c_str());
     if (ours) {
         const std::vector<orvane::adaptor::FunctionRecord> records = orvane::adaptor::allFunctionRecords();
@@ -82,7 +82,9 @@ void scan(benchmark::State& state, const char* ours, const char* builtIn) {
         {"like_cyrillic", "cyrillic Like '%города'", "cyrillic Like '%города'"},
         {"glob", "latin Glob '*[0-9]99*'", "latin Glob '*[0-9]99*'"},
         {"divide", "divide(rowid, 7)", "rowid * 1.0 / 7"},
-        {"day", "Day('2021-03-04')", "strftime('%d', '2021-03-04')"},
+        {"day", "Day(date)", "strftime('%d', date)"},
+        {"concat", "concat(latin, date)", "latin || date"},
+        {"string_to_date", "StringToDate(date)", "julianday(date)"},
         {"format", "Format(rowid, '#,##0.00')", "printf('%,.2f', rowid * 1.0)"},
     };
     for (const Pair& pair : pairs) {

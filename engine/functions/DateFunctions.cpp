@@ -90,7 +90,7 @@ void curDateTime(sqlite3_context* context, int, sqlite3_value**) {
 
 void stringToDate(sqlite3_context* context, int, sqlite3_value** values) {
     barrier(context,
-            [&] { resultText(context, parseDateText(toQString(values[0]), QDateTime::currentDateTime())); });
+            [&] { resultText(context, parseDateText(toQString(values[0]), &QDateTime::currentDateTime)); });
 }
 
 void numberToDate(sqlite3_context* context, int, sqlite3_value** values) {

@@ -1,6 +1,5 @@
 #include "DateParser.h"
 
-#include "DateTokens.h"
 #include <orvane/engine/functions/Converters.h>
 
 #include <QVarLengthArray>
@@ -61,16 +60,16 @@ int normalizedYear(int year) {
 /// Chooses the day, the month and the year among their candidates. A token serves one field.
 class DateResolver {
 public:
-    DateResolver(FieldCandidates& candidates, QDate today)
-        : day_{candidates[0], undecidedPart, today.day()},
-          month_{candidates[1], undecidedPart, today.month()}, year_{candidates[2], undecidedYear,
-                                                                     today.year()},
+    DateResolver(FieldCandidates& candidates, CallTime& callTime)
+        : callTime_(callTime), day_{candidates[0], undecidedPart, &QDate::day},
+          month_{candidates[1], undecidedPart, &QDate::month}, year_{candidates[2], undecidedYear,
+                                                                     &QDate::year},
           weekday_(candidates[static_cast<size_t>(DateField::Weekday)]) {}
 
     QDate resolve() {
         for (Part* part : parts_) {
             if (part->candidates.list.isEmpty()) {
-                part->value = part->today;
+                part->value = today(*part);
             }
         }
         eliminate();
@@ -94,7 +93,7 @@ private:
     struct Part {
         Candidates& candidates;
         int undecided;
-        int today;
+        int (QDate::*ofDate)() const;
         int value = undecided;
 
         bool isUndecided() const { return value == undecided; }
@@ -112,12 +111,14 @@ private:
         }
     };
 
+    int today(const Part& part) const { return (callTime_.today().*part.ofDate)(); }
+
     static QDate date(int year, int month, int day) { return QDate(normalizedYear(year), month, day); }
 
     /// The first candidate, which is then none of the other parts; today's value where none is left.
     void take(Part& part) {
         if (part.candidates.list.isEmpty()) {
-            part.value = part.today;
+            part.value = today(part);
             return;
         }
         const Candidate chosen = part.candidates.list.first();
@@ -160,6 +161,7 @@ private:
         return {};
     }
 
+    CallTime& callTime_;
     Part day_;
     Part month_;
     Part year_;
@@ -169,8 +171,9 @@ private:
 
 } // namespace
 
-QString parseDateText(const QString& text, const QDateTime& now) {
-    FieldCandidates fields = candidatesOf(dateTokens(text.trimmed().toLower(), now));
+QString parseDateText(const QString& text, CallTime::Clock clock) {
+    CallTime callTime(clock);
+    FieldCandidates fields = candidatesOf(dateTokens(text.trimmed().toLower(), callTime));
     const auto of = [&fields](DateField field) -> const Candidates& {
         return fields[static_cast<size_t>(field)];
     };
@@ -181,14 +184,14 @@ QString parseDateText(const QString& text, const QDateTime& now) {
     const QTime time(of(DateField::Hour).first(), of(DateField::Minute).first(),
                      of(DateField::Second).first(), of(DateField::Millisecond).first());
     if (!anyOf({DateField::Hour, DateField::Minute, DateField::Second, DateField::Millisecond})) {
-        return toString(DateResolver(fields, now.date()).resolve());
+        return toString(DateResolver(fields, callTime).resolve());
     }
     if (!anyOf({DateField::Day, DateField::Month, DateField::Year, DateField::Weekday})) {
         return toString(time);
     }
     // Not through QDateTime, which would move times that the local clock skips. Years of five digits have no
     // text.
-    const QString date = toString(DateResolver(fields, now.date()).resolve());
+    const QString date = toString(DateResolver(fields, callTime).resolve());
     return !date.isEmpty() && time.isValid() ? date + QLatin1Char(' ') + toString(time) : QString();
 }
 

@@ -168,14 +168,14 @@ int endOfRun(const QString& text, int at, bool digits) {
 
 } // namespace
 
-DateTokens dateTokens(const QString& text, const QDateTime& now) {
-    const QDate today = now.date();
+DateTokens dateTokens(const QString& text, CallTime& callTime) {
     DateTokens tokens;
     if (text == QLatin1String("now") || text == QLatin1String("today")) {
+        const QDate today = callTime.today();
         tokens = {certainToken(DateField::Day, today.day()), certainToken(DateField::Month, today.month()),
                   certainToken(DateField::Year, today.year())};
         if (text == QLatin1String("now")) {
-            const QTime time = now.time();
+            const QTime time = callTime.now().time();
             tokens.insert(tokens.end(), {certainToken(DateField::Hour, time.hour()),
                                          certainToken(DateField::Minute, time.minute()),
                                          certainToken(DateField::Second, time.second()),

@@ -8,6 +8,26 @@
 
 namespace orvane::engine {
 
+/// The local time of one call, read from the clock when first asked for: most texts need none, and the system
+/// looks its time zone up on every reading.
+class CallTime {
+public:
+    using Clock = QDateTime (*)();
+
+    explicit CallTime(Clock clock) : clock_(clock) {}
+    const QDateTime& now() {
+        if (now_.isNull()) {
+            now_ = clock_();
+        }
+        return now_;
+    }
+    QDate today() { return now().date(); }
+
+private:
+    Clock clock_;
+    QDateTime now_;
+};
+
 enum class DateField { Day, Month, Year, Hour, Minute, Second, Millisecond, Weekday };
 constexpr size_t dateFieldCount = 8;
 
@@ -27,6 +47,6 @@ struct DateToken {
 using DateTokens = std::vector<DateToken>;
 
 /// The tokens of a text in lower case without white space around, in their order.
-DateTokens dateTokens(const QString& text, const QDateTime& now);
+DateTokens dateTokens(const QString& text, CallTime& callTime);
 
 } // namespace orvane::engine
