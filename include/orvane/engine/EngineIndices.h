@@ -76,15 +76,18 @@ public:
         virtual int indexId() const = 0;
     };
 
-    /// Loads many rows into one index: sorted in memory in portions of bounded size, all of them or none. May
-    /// outlive its store, not for any use.
+    /// Loads many rows into one index, all of them or none: sorted in memory in portions of about 128 MiB.
+    /// One loader of a store at a time, and no change of its indices meanwhile. Work that a dp::Cancellation
+    /// ends is a std::runtime_error. May outlive its store, not for any use.
     class ORVANE_ENGINE_EXPORT RowLoader {
     public:
         virtual ~RowLoader();
         /// One value per column of the index, in index order. Geometries are not indexed. The views are
         /// copied.
         virtual void addRow(qint64 row, std::span<const dp::Cell> values) = 0;
-        /// Stores what was added and brings the statistics up to date. Without it nothing is stored.
+        /// Stores what was added and brings the statistics up to date. Without it nothing is stored. Groups
+        /// are counted by the sorter when it had all rows at once: there texts agree if they do so letter by
+        /// letter.
         virtual void finish() = 0;
     };
 
