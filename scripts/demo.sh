@@ -4,11 +4,12 @@ set -eu
 cd "$(dirname "$0")/.."
 
 scripts/setup.sh
-cmake --preset release >build-demo.log 2>&1 && cmake --build --preset release --target orvane qtsqlite >>build-demo.log 2>&1 || {
-    tail -n 20 build-demo.log >&2
+log=$(mktemp)
+trap 'rm -f "$log"' EXIT
+if ! { cmake --preset release && cmake --build --preset release --target orvane qtsqlite; } >"$log" 2>&1; then
+    tail -n 20 "$log" >&2
     exit 1
-}
-rm -f build-demo.log
+fi
 
 for query in examples/queries/*.sql; do
     printf '\n%s\n\n' "$(basename "$query" .sql)"
