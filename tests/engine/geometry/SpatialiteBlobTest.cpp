@@ -115,7 +115,8 @@ TEST(SpatialiteBlob, HeaderAndBody) {
             EXPECT_EQ(engine::spatialiteBlobPoint(*header, x, y),
                       geometry->type() == geometry::GeometryType::Point);
             for (std::size_t size = 0; size + 1 < blob.size(); ++size) {
-                const auto cut = engine::readSpatialiteHeader(blob.substr(0, size) + '\xFE');
+                const std::string bytes = blob.substr(0, size) + '\xFE';
+                const auto cut = engine::readSpatialiteHeader(bytes);
                 EXPECT_TRUE(!cut || !engine::isSoundSpatialiteBody(*cut)) << size;
             }
         }
