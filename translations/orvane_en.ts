@@ -590,6 +590,16 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
     <message>
         <source>нет столбца «%0»; тексты пишутся в апострофах: &apos;%0&apos;</source>
         <translation>there is no column &quot;%0&quot;; texts are written in apostrophes: &apos;%0&apos;</translation>
+        <source>описание функции</source>
+        <translation>describe a function</translation>
+    </message>
+    <message>
+        <source>нет описания функции «%0»</source>
+        <translation>no function &quot;%0&quot; is described</translation>
+    </message>
+    <message>
+        <source>нет описания функции «%0»; возможно, «%1»</source>
+        <translation>no function &quot;%0&quot; is described; did you mean &quot;%1&quot;?</translation>
     </message>
 </context>
 <context>

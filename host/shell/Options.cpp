@@ -1,5 +1,8 @@
 #include "host/shell/Options.h"
 
+#include "host/adaptor/FunctionReference.h"
+#include "host/adaptor/FunctionRegistry.h"
+#include "host/shell/NearestName.h"
 #include "host/shell/Shell.h"
 
 #include <CLI/CLI.hpp>
@@ -18,7 +21,7 @@ namespace {
 /// What CLI11 fills in, before the texts are taken apart.
 struct RawOptions {
     std::vector<std::string> files, tables, commands, scripts;
-    std::string format = "table", memo = "off", log = "warning", locale, output, null, selection;
+    std::string format = "table", memo = "off", log = "warning", locale, output, null, selection, function;
     bool noHeader = false, translate = false, sqlite = false, timing = false;
 };
 
@@ -100,6 +103,20 @@ UsageError usageError(const CLI::ParseError& error) {
     return UsageError(QStringLiteral("%0; %1").arg(details, hint));
 }
 
+/// What --help-function prints. Throws UsageError for a function that has no description.
+std::string describeFunction(const std::string& name) {
+    if (std::string help = adaptor::functionHelp(name); !help.empty())
+        return help;
+    QStringList known;
+    for (const adaptor::FunctionRecord& record : adaptor::allFunctionRecords())
+        known += QString::fromUtf8(record.name);
+    const QString asked = QString::fromStdString(name);
+    const QString nearest = nearestName(asked, known);
+    throw UsageError(nearest.isEmpty()
+                         ? Shell::tr("нет описания функции «%0»").arg(asked)
+                         : Shell::tr("нет описания функции «%0»; возможно, «%1»").arg(asked, nearest));
+}
+
 } // namespace
 
 QString localeOption(int argc, const char* const* argv) {
@@ -162,6 +179,7 @@ std::optional<Options> parseOptions(int argc, const char* const* argv) {
     value("--memo", raw.memo, Shell::tr("запоминать ли разобранные геометрии"), "off|always|request");
     value("--log", raw.log, Shell::tr("с какого уровня показывать журнал"), "trace|debug|info|warning");
     app.add_flag("--timing", raw.timing, text(Shell::tr("время каждого запроса в стандартный вывод ошибок")));
+    const auto* function = value("--help-function", raw.function, Shell::tr("описание функции"), "NAME");
     app.set_version_flag("--version", "orvane " ORVANE_VERSION, text(Shell::tr("показать версию")));
     app.set_help_flag("-h,--help", text(Shell::tr("показать эту справку")));
 
@@ -172,6 +190,11 @@ std::optional<Options> parseOptions(int argc, const char* const* argv) {
         return std::nullopt;
     } catch (const CLI::ParseError& error) {
         throw usageError(error);
+    }
+
+    if (function->count() != 0) {
+        std::cout << describeFunction(raw.function);
+        return std::nullopt;
     }
 
     Options options;

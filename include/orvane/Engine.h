@@ -1,12 +1,16 @@
 #pragma once
 
+#include "platform/sql/FunctionInfo.h"
+#include <orvane/engine/CaseInsensitiveLess.h>
 #include <orvane/engine/Export.h>
 
 #include <QObject>
 #include <QSqlDatabase>
 #include <QString>
+#include <QStringList>
 
 #include <memory>
+#include <set>
 #include <string>
 
 struct sqlite3;
@@ -64,6 +68,16 @@ public:
     void loadDatabaseModule(const char* path);
     /// Lets the table adaptor install itself. Throws err::SqliteException with the adaptor's text.
     void loadTableAdapterModule(Core* core, TableAdapterInit init);
+
+    /// The dialect's functions of the given kinds that the engine database has, as the dialect spells them.
+    std::set<QString, engine::caseInsensitiveLess>
+    functionSet(QFlags<sql::FunctionInfo::TypeMask> mask) const;
+    /// The same in the set's order.
+    QStringList functionList(QFlags<sql::FunctionInfo::TypeMask> mask) const;
+    /// The dialect's functions of the given kinds, whether the database has them or not.
+    sql::FunctionSet sqlFunctionSet(QFlags<sql::FunctionInfo::TypeMask> mask);
+    /// The operators that the engine translates.
+    sql::OperatorSet operatorList() const;
 
     /// Translates dialect text into the builder; true when the builder then holds a query. Errors stay in the
     /// builder, nothing is thrown.

@@ -1,0 +1,78 @@
+#include <orvane/Engine.h>
+
+#include "engine/service/EngineInternal.h"
+
+#include <QBitArray>
+#include <QSqlQuery>
+
+#include <map>
+#include <vector>
+
+namespace orvane {
+
+namespace {
+
+using TypeMasks = QFlags<sql::FunctionInfo::TypeMask>;
+
+constexpr int typeShift = 10; ///< bits 0 to 9 hold the code of a function, bits 10 to 13 its types
+constexpr int operatorBits = 44;
+
+/// One word per dialect function: its code and its types.
+const std::vector<quint16>& functionTypeTable() {
+    static const std::vector<quint16> table = [] {
+        std::vector<quint16> words;
+        for (const sql::FunctionInfo& info : sql::functionInfos()) {
+            words.push_back(static_cast<quint16>(static_cast<int>(info.code) | info.types << typeShift));
+        }
+        return words;
+    }();
+    return table;
+}
+
+} // namespace
+
+std::set<QString, engine::caseInsensitiveLess> Engine::functionSet(TypeMasks mask) const {
+    std::map<QString, TypeMasks, engine::caseInsensitiveLess> types;
+    for (const quint16 word : functionTypeTable()) {
+        const auto code = static_cast<sql::FunctionName>(word & ((1 << typeShift) - 1));
+        types[QString::fromUtf8(sql::FunctionNameInfo::name(code))] = TypeMasks(word >> typeShift);
+    }
+    std::set<QString, engine::caseInsensitiveLess> names;
+    QSqlQuery query(QStringLiteral("Pragma function_list;"), internal_->database());
+    while (query.next()) {
+        const QString name = query.value(0).toString();
+        if (names.count(name) != 0) {
+            continue;
+        }
+        if (const auto found = types.find(name); found != types.end() && (found->second & mask)) {
+            names.insert(found->first);
+        }
+    }
+    return names;
+}
+
+QStringList Engine::functionList(TypeMasks mask) const {
+    QStringList names;
+    for (const QString& name : functionSet(mask)) {
+        names << name;
+    }
+    return names;
+}
+
+sql::FunctionSet Engine::sqlFunctionSet(TypeMasks mask) {
+    sql::FunctionSet functions;
+    functions.reserve(sql::functionNameLimit);
+    functions.fillByMask(mask, true);
+    return functions;
+}
+
+sql::OperatorSet Engine::operatorList() const {
+    QBitArray codes(operatorBits, true);
+    for (const int noOperator :
+         {0, static_cast<int>(sql::OperationCode::Case), static_cast<int>(sql::OperationCode::Cast)}) {
+        codes.clearBit(noOperator);
+    }
+    return sql::OperatorSet(codes);
+}
+
+} // namespace orvane

@@ -1,0 +1,94 @@
+#include "AdaptorFixture.h"
+
+#include "host/adaptor/FunctionReference.h"
+#include "host/adaptor/FunctionRegistry.h"
+
+#include <gmock/gmock.h>
+
+#include <QFile>
+#include <QLocale>
+#include <QSqlDriver>
+
+#include <iostream>
+
+namespace orvane {
+
+namespace {
+
+class FunctionReferenceTest : public testing::AdaptorTest {
+protected:
+    static sqlite3* database() {
+        return *static_cast<sqlite3* const*>(engine().engineDatabase().driver()->handle().constData());
+    }
+    void SetUp() override {
+        AdaptorTest::SetUp();
+        QLocale::setDefault(QLocale::c());
+    }
+};
+
+constexpr int everyKind = 11;
+
+} // namespace
+
+TEST_F(FunctionReferenceTest, EveryExampleRunsAndGivesItsResult) {
+    for (const adaptor::FunctionRecord& record : adaptor::allFunctionRecords()) {
+        const QString sql = engine().translate(std::string("Select ") + record.example);
+        const std::string given = testing::answer(engine().engineDatabase(), sql);
+        if (record.result) {
+            EXPECT_EQ(given, record.result) << record.name << ": " << sql.toStdString();
+        } else {
+            EXPECT_THAT(given, ::testing::Not(::testing::StartsWith("error"))) << record.name;
+        }
+    }
+}
+
+/// ORVANE_WRITE_REFERENCE=1 writes the file instead.
+TEST_F(FunctionReferenceTest, TheReferenceIsThatOfTheRunningEngine) {
+    const std::string reference = adaptor::functionReference(database());
+    QFile file(QStringLiteral(ORVANE_DOCS "/functions.md"));
+    if (qEnvironmentVariableIsSet("ORVANE_WRITE_REFERENCE")) {
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(reference.data(), static_cast<qint64>(reference.size()));
+        return;
+    }
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(file.readAll().toStdString() == reference)
+        << "docs/functions.md is stale: run this test with ORVANE_WRITE_REFERENCE=1";
+}
+
+TEST_F(FunctionReferenceTest, HelpKnowsTheNamesOfTheDialect) {
+    EXPECT_THAT(adaptor::functionHelp("round"), ::testing::StartsWith("RoundTo(x"));
+    EXPECT_THAT(adaptor::functionHelp("AREA"), ::testing::HasSubstr("ObjectArea"));
+    EXPECT_EQ(adaptor::functionHelp("nothing"), "");
+}
+
+TEST_F(FunctionReferenceTest, NearlyEveryFunctionOfTheDialectIsThere) {
+    const auto present = engine().functionSet(sql::FunctionInfo::TypeMasks(everyKind));
+    std::size_t missing = 0;
+    for (const sql::FunctionInfo& info : sql::functionInfos()) {
+        if (present.count(QString::fromUtf8(info.name)) == 0) {
+            std::cout << "not in this database: " << info.name << '\n';
+            ++missing;
+        }
+    }
+    EXPECT_EQ(sql::functionInfos().size(), 697u);
+    EXPECT_LE(missing, 697u / 20);
+}
+
+TEST_F(FunctionReferenceTest, TheCatalogueTellsKindsApart) {
+    using Info = sql::FunctionInfo;
+    EXPECT_EQ(engine().functionList(Info::Window).size(), 11);
+    const auto scalar = engine().functionSet(Info::Scalar), aggregate = engine().functionSet(Info::Aggregate);
+    EXPECT_TRUE(scalar.count(QStringLiteral("MAX")) && aggregate.count(QStringLiteral("max")));
+    EXPECT_TRUE(aggregate.count(QStringLiteral("wtavg")) && !scalar.count(QStringLiteral("wtavg")));
+    EXPECT_TRUE(engine().sqlFunctionSet(Info::Scalar).contains(static_cast<sql::FunctionName>(1)));
+    const QStringList names = engine().functionList(Info::Scalar);
+    EXPECT_TRUE(std::is_sorted(names.begin(), names.end(), engine::caseInsensitiveLess()));
+    const sql::OperatorSet operators = engine().operatorList();
+    EXPECT_EQ(operators.count(), 41);
+    EXPECT_FALSE(operators.contains(sql::OperationCode::Case) ||
+                 operators.contains(sql::OperationCode::Cast));
+    EXPECT_TRUE(operators.contains(static_cast<sql::OperationCode>(43)));
+}
+
+} // namespace orvane
