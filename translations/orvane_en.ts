@@ -590,6 +590,8 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
     <message>
         <source>нет столбца «%0»; тексты пишутся в апострофах: &apos;%0&apos;</source>
         <translation>there is no column &quot;%0&quot;; texts are written in apostrophes: &apos;%0&apos;</translation>
+    </message>
+    <message>
         <source>описание функции</source>
         <translation>describe a function</translation>
     </message>
@@ -604,6 +606,10 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
 </context>
 <context>
     <name>orvane::sql</name>
+    <message>
+        <source>«%0»</source>
+        <translation>&quot;%0&quot;</translation>
+    </message>
     <message>
         <source>строка %0, столбец %1: %2</source>
         <translation>line %0, column %1: %2</translation>

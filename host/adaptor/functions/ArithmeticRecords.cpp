@@ -45,11 +45,12 @@ const FunctionRecord records[] = {
                  {"Sqrt(x)",
                   "The square root; an error for a negative number and for anything that is no number.",
                   "Sqrt(2.25)", "1.5"}),
-    pureFunction("RoundTo", arithmetic, Arity::between(1, 2), engine::roundTo,
-                 {"RoundTo(x[, step])",
-                  "The multiple of the step that is nearest to the number; step 0, or none, rounds to whole numbers. "
-                  "Round in the dialect.",
-                  "RoundTo(17, 5)", "15.0"}),
+    pureFunction(
+        "RoundTo", arithmetic, Arity::between(1, 2), engine::roundTo,
+        {"RoundTo(x[, step])",
+         "The multiple of the step that is nearest to the number; step 0, or none, rounds to whole numbers. "
+         "Round in the dialect.",
+         "RoundTo(17, 5)", "15.0"}),
     pureFunction(
         "RoundBy", arithmetic, Arity::between(1, 2), engine::roundBy,
         {"RoundBy(x [, digits])",
