@@ -607,10 +607,6 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
 <context>
     <name>orvane::sql</name>
     <message>
-        <source>«%0»</source>
-        <translation>&quot;%0&quot;</translation>
-    </message>
-    <message>
         <source>строка %0, столбец %1: %2</source>
         <translation>line %0, column %1: %2</translation>
     </message>
