@@ -41,8 +41,6 @@ Session::Session() {
     engine_ = Engine::load(&core_);
     engine_->loadTableAdapterModule(&core_, adaptor::initialise);
     database_ = *static_cast<sqlite3* const*>(engine_->engineDatabase().driver()->handle().constData());
-    // Without this a name in double quotes that nothing bears would silently be a text.
-    sqlite3_db_config(database_, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
     files_ = std::make_unique<files::FilesExtension>(nullptr);
     core_.pluginManager()->registerExtension(files_.get());
     files_->linkDataCatalog();
