@@ -31,8 +31,8 @@ ast::QueryExpression* asQueryExpression(const ast::NodePtr& query) {
 }
 
 bool hasWith(const ast::NodePtr& query) {
-    const auto* specification = ast::nodeAs<ast::QuerySpecification>(query);
-    return specification && !specification->with.empty();
+    const auto* select = ast::nodeAs<ast::QuerySpecification>(query);
+    return select && !select->with.empty();
 }
 
 bool isOrderedOrLimited(const ast::NodePtr& query) {
@@ -127,23 +127,23 @@ ast::NodePtr Parser::parseWithQuery() {
     } while (accept(TokenKind::Comma));
 
     ast::NodePtr body = parseQueryBody();
-    auto specification = body->kind == ast::NodeKind::QuerySpecification && !hasWith(body)
-                             ? std::static_pointer_cast<ast::QuerySpecification>(body)
-                             : nullptr;
-    if (!specification) {
+    auto select = body->kind == ast::NodeKind::QuerySpecification && !hasWith(body)
+                      ? std::static_pointer_cast<ast::QuerySpecification>(body)
+                      : nullptr;
+    if (!select) {
         // The order belongs outside: the order of a derived table does not bind the query around it.
         ast::QueryExpression* inner = asQueryExpression(body);
-        specification = selectAllFrom(body);
+        select = selectAllFrom(body);
         if (inner) {
-            specification->orderBy = std::move(inner->orderBy);
-            specification->limit = std::move(inner->limit);
-            specification->offset = std::move(inner->offset);
+            select->orderBy = std::move(inner->orderBy);
+            select->limit = std::move(inner->limit);
+            select->offset = std::move(inner->offset);
             inner->orderBy.clear();
         }
     }
-    specification->with = std::move(tables);
-    specification->recursive = recursive;
-    return specification;
+    select->with = std::move(tables);
+    select->recursive = recursive;
+    return select;
 }
 
 ast::CommonTable Parser::parseCommonTable() {
@@ -265,19 +265,19 @@ ast::NodePtr Parser::parseJoinedTable() {
     ast::NodePtr left = parseTablePrimary();
     while (const std::optional<JoinWords> words = parseJoinWords()) {
         ast::NodePtr right = parseTablePrimary();
-        ast::NodePtr specification;
+        ast::NodePtr matching;
         if (words->cross) {
             // Not "Cross Join", by which SQLite forbids itself to choose the order of the tables.
-            specification = std::make_shared<ast::JoinCondition>(
+            matching = std::make_shared<ast::JoinCondition>(
                 std::make_shared<ast::TernaryLogicNode>(TernaryLogic::True));
         } else if (accept(Keyword::Using)) {
-            specification = std::make_shared<ast::NamedColumnsJoin>(parseColumnNames());
+            matching = std::make_shared<ast::NamedColumnsJoin>(parseColumnNames());
         } else if (!words->natural) {
             expect(Keyword::On);
-            specification = std::make_shared<ast::JoinCondition>(parseExpression());
+            matching = std::make_shared<ast::JoinCondition>(parseExpression());
         }
         left = std::make_shared<ast::JoinNode>(words->kind, words->natural, std::move(left), std::move(right),
-                                               std::move(specification));
+                                               std::move(matching));
         grow();
     }
     return left;

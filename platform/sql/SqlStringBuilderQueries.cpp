@@ -13,7 +13,7 @@ bool readsSourcesBefore(const ast::NodePtr& source) {
     if (!join) {
         return false;
     }
-    const bool byNames = join->natural || ast::nodeAs<ast::NamedColumnsJoin>(join->specification);
+    const bool byNames = join->natural || ast::nodeAs<ast::NamedColumnsJoin>(join->matching);
     return byNames || join->join == ast::JoinKind::Right || join->join == ast::JoinKind::Full ||
            readsSourcesBefore(join->left);
 }
@@ -75,8 +75,8 @@ void SqlStringBuilder::visit(const ast::JoinNode& node) {
     text += kinds[static_cast<int>(node.join)];
     const bool rightIsJoin = node.right && node.right->kind == ast::NodeKind::JoinNode;
     text += rightIsJoin ? L'(' + render(node.right) + L')' : render(node.right);
-    if (node.specification) {
-        text += L' ' + render(node.specification);
+    if (node.matching) {
+        text += L' ' + render(node.matching);
     }
     push(std::move(text));
 }

@@ -58,16 +58,15 @@ enum class JoinKind { Inner, Left, Right, Full };
 
 /// Two joined sources.
 struct ORVANE_PLATFORM_EXPORT JoinNode : NodeOfKind<NodeKind::JoinNode> {
-    JoinNode(JoinKind joinKind, bool isNatural, NodePtr leftSource, NodePtr rightSource,
-             NodePtr joinSpecification)
+    JoinNode(JoinKind joinKind, bool isNatural, NodePtr leftSource, NodePtr rightSource, NodePtr joinMatching)
         : join(joinKind), natural(isNatural), left(std::move(leftSource)), right(std::move(rightSource)),
-          specification(std::move(joinSpecification)) {}
+          matching(std::move(joinMatching)) {}
 
     JoinKind join;
     bool natural;
     NodePtr left;
     NodePtr right;
-    NodePtr specification; ///< JoinCondition or NamedColumnsJoin; null for a natural join
+    NodePtr matching; ///< JoinCondition or NamedColumnsJoin; null for a natural join
 };
 
 /// The sources after From, separated by commas.

@@ -23,7 +23,7 @@ public:
     void visit(const IntoClause& n) override { add(L"into", n.name); }
     void visit(const JoinCondition& n) override { add(L"on", n.condition); }
     void visit(const JoinNode& n) override {
-        add(L"join", static_cast<int>(n.join), n.natural, n.left, n.right, n.specification);
+        add(L"join", static_cast<int>(n.join), n.natural, n.left, n.right, n.matching);
     }
     void visit(const NamedColumnsJoin& n) override { add(L"using", n.columns); }
     void visit(const Number& n) override { add(L"number", n.text); }

@@ -234,13 +234,13 @@ NodePtr TreeGenerator::setOperation(int depth) {
 NodePtr TreeGenerator::source(int depth) {
     if (depth > 0 && chance(50)) {
         const bool natural = chance(20);
-        NodePtr specification;
+        NodePtr matching;
         if (!natural) {
-            specification = chance(50) ? NodePtr(std::make_shared<JoinCondition>(expression(depth - 1)))
-                                       : std::make_shared<NamedColumnsJoin>(columns());
+            matching = chance(50) ? NodePtr(std::make_shared<JoinCondition>(expression(depth - 1)))
+                                  : std::make_shared<NamedColumnsJoin>(columns());
         }
         return std::make_shared<JoinNode>(static_cast<JoinKind>(below(4)), natural, source(depth - 1),
-                                          source(depth - 1), std::move(specification));
+                                          source(depth - 1), std::move(matching));
     }
     if (depth > 0 && chance(30)) {
         return std::make_shared<DerivedTable>(query(depth - 1), maybeName());
