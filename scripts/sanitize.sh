@@ -7,5 +7,5 @@ cmake --preset asan
 cmake --build --preset asan
 ctest --preset asan -j "$(nproc)" "$@"
 cmake --preset tsan
-cmake --build --preset tsan --target test_engine_geometry
-ctest --preset tsan -R '^test_engine_geometry$'
+cmake --build --preset tsan --target engine_geometry_test
+ctest --preset tsan -R '^engine_geometry_test$'
