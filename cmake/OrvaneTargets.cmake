@@ -23,6 +23,10 @@ function(orvane_target_defaults target)
         target_compile_options(${target} PRIVATE -fsanitize=${ORVANE_SANITIZE} -fno-sanitize-recover=all
             -fno-omit-frame-pointer)
         target_link_options(${target} PRIVATE -fsanitize=${ORVANE_SANITIZE})
+        if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+            # GCC takes the checks that a sanitizer adds for uses of what is not initialised.
+            target_compile_options(${target} PRIVATE -Wno-maybe-uninitialized)
+        endif()
     endif()
 endfunction()
 
@@ -48,5 +52,5 @@ function(orvane_test name)
         ORVANE_EXAMPLE_DATA="${PROJECT_SOURCE_DIR}/examples/data")
     add_test(NAME ${name} COMMAND ${name})
     set_tests_properties(${name} PROPERTIES LABELS "${ARG_LABELS}" TIMEOUT 300
-        ENVIRONMENT "QT_PLUGIN_PATH=${PROJECT_BINARY_DIR}/plugins")
+        ENVIRONMENT "QT_PLUGIN_PATH=${PROJECT_BINARY_DIR}/plugins;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp")
 endfunction()

@@ -17,17 +17,23 @@ namespace {
 /// Rows between two looks at the cancellation.
 constexpr unsigned rowsBetweenChecks = 1024;
 
-/// The operand of a term; nothing for a value that only SQLite can compare with the column.
-std::optional<dp::ScanValue> operandOf(sqlite3_value* value) {
+/// Appends the operand of a term; false for a value that only SQLite can compare with the column.
+bool appendOperand(sqlite3_value* value, std::vector<dp::ScanValue>& operands) {
     switch (sqlite3_value_type(value)) {
-    case SQLITE_NULL: return dp::ScanValue();
-    case SQLITE_INTEGER: return dp::ScanValue(static_cast<std::int64_t>(sqlite3_value_int64(value)));
-    case SQLITE_FLOAT: return dp::ScanValue(sqlite3_value_double(value));
+    case SQLITE_NULL: operands.emplace_back(); return true;
+    case SQLITE_INTEGER:
+        operands.emplace_back(std::in_place_type<std::int64_t>, sqlite3_value_int64(value));
+        return true;
+    case SQLITE_FLOAT:
+        operands.emplace_back(std::in_place_type<double>, sqlite3_value_double(value));
+        return true;
     case SQLITE_TEXT: {
         const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(value));
-        return dp::ScanValue(std::string(text, static_cast<std::size_t>(sqlite3_value_bytes(value))));
+        operands.emplace_back(std::in_place_type<std::string>, text,
+                              static_cast<std::size_t>(sqlite3_value_bytes(value)));
+        return true;
     }
-    default: return std::nullopt;
+    default: return false;
     }
 }
 
@@ -146,13 +152,7 @@ bool VirtualCursor::readArguments(std::span<sqlite3_value*> arguments) {
         term.attribute = table_.declaration().columns()[static_cast<std::size_t>(planned.column)].attribute;
         term.comparison = planned.comparison;
         term.collation = planned.collation;
-        const auto add = [&term](sqlite3_value* item) {
-            auto operand = operandOf(item);
-            if (operand) {
-                term.operands.push_back(std::move(*operand));
-            }
-            return operand.has_value();
-        };
+        const auto add = [&term](sqlite3_value* item) { return appendOperand(item, term.operands); };
         const bool comparable =
             planned.comparison == dp::Comparison::In ? eachInList(value, add) : add(value);
         if (comparable || term.comparison == dp::Comparison::IsNull ||
