@@ -8,9 +8,8 @@
 #include <orvane/engine/GeometryConversions.h>
 #include <orvane/engine/SpatialiteBlob.h>
 
+#include "engine/geometry/Locking.h"
 #include <QDataStream>
-#include <QReadLocker>
-#include <QWriteLocker>
 
 #include <sqlite3.h>
 
@@ -38,7 +37,7 @@ struct FreeDeleter {
 template<typename Map, typename Key, typename Make>
 CoordSystemPtr findOrMake(Map& map, QReadWriteLock& lock, const Key& key, const Make& make) {
     {
-        const QReadLocker reading(&lock);
+        const ReadLocked reading(&lock);
         if (const auto found = map.find(key); found != map.end()) {
             return found->second;
         }
@@ -49,7 +48,7 @@ CoordSystemPtr findOrMake(Map& map, QReadWriteLock& lock, const Key& key, const 
     } catch (const std::exception&) {
         // Remembered as null.
     }
-    const QWriteLocker writing(&lock);
+    const WriteLocked writing(&lock);
     return map.emplace(key, std::move(made)).first->second;
 }
 
@@ -105,7 +104,7 @@ CoordSystemPtr EngineCache::get(int code) {
 }
 
 void EngineCache::save(int code, const CoordSystemPtr& coordSystem) {
-    const QWriteLocker lock(&csByCodeLock_);
+    const WriteLocked lock(&csByCodeLock_);
     csByCode_.emplace(code, coordSystem);
 }
 
@@ -123,12 +122,12 @@ CoordSystemPtr EngineCache::get(const QByteArray& payload) {
 void EngineCache::save(const QByteArray& payload, const CoordSystemPtr& coordSystem) {
     PayloadKey key = keyOf<PayloadKey>(payload);
     {
-        const QReadLocker lock(&csByPayloadLock_);
+        const ReadLocked lock(&csByPayloadLock_);
         if (csByPayload_.find(key) != csByPayload_.end()) {
             return;
         }
     }
-    const QWriteLocker lock(&csByPayloadLock_);
+    const WriteLocked lock(&csByPayloadLock_);
     csByPayload_.emplace(std::move(key), coordSystem);
 }
 
@@ -186,12 +185,12 @@ std::shared_ptr<const geometry::Geometry> EngineCache::decodeSpatialite(const vo
 
 qint64 EngineCache::assignIdToInt(dp::FeatureId id) {
     {
-        const QReadLocker lock(&idLock_);
+        const ReadLocked lock(&idLock_);
         if (const auto found = intById_.find(id); found != intById_.end()) {
             return found->second;
         }
     }
-    const QWriteLocker lock(&idLock_);
+    const WriteLocked lock(&idLock_);
     const auto number = static_cast<qint64>(intById_.size());
     const auto [position, isNew] = intById_.emplace(std::move(id), number);
     if (isNew) {
@@ -201,19 +200,19 @@ qint64 EngineCache::assignIdToInt(dp::FeatureId id) {
 }
 
 qint64 EngineCache::idToInt(dp::FeatureId id, qint64 defaultValue) {
-    const QReadLocker lock(&idLock_);
+    const ReadLocked lock(&idLock_);
     const auto found = intById_.find(id);
     return found == intById_.end() ? defaultValue : found->second;
 }
 
 dp::FeatureId EngineCache::intToId(qint64 number) {
-    const QReadLocker lock(&idLock_);
+    const ReadLocked lock(&idLock_);
     const auto found = idByInt_.find(number);
     return found == idByInt_.end() ? dp::FeatureId() : found->second->first;
 }
 
 qint64 EngineCache::idLimit() {
-    const QReadLocker lock(&idLock_);
+    const ReadLocked lock(&idLock_);
     return static_cast<qint64>(intById_.size());
 }
 

@@ -1,7 +1,6 @@
 #include <orvane/engine/EngineGeometryMap.h>
 
-#include <QReadLocker>
-#include <QWriteLocker>
+#include "engine/geometry/Locking.h"
 
 #include <cstring>
 
@@ -21,13 +20,13 @@ EngineGeometryMap::GeometryPointer EngineGeometryMap::get(const void* data, unsi
                                                           const Loader& loader) {
     const std::string_view key(static_cast<const char*>(data), size);
     {
-        const QReadLocker lock(&lock_);
+        const ReadLocked lock(&lock_);
         if (const auto found = map_.find(key); found != map_.end()) {
             return found->second;
         }
     }
     GeometryPointer loaded = loader(data, size);
-    const QWriteLocker lock(&lock_);
+    const WriteLocked lock(&lock_);
     if (const auto found = map_.find(key); found != map_.end()) {
         return found->second;
     }
@@ -36,14 +35,14 @@ EngineGeometryMap::GeometryPointer EngineGeometryMap::get(const void* data, unsi
 
 void EngineGeometryMap::set(const void* data, unsigned int size, const GeometryPointer& geometry) {
     const std::string_view key(static_cast<const char*>(data), size);
-    const QWriteLocker lock(&lock_);
+    const WriteLocked lock(&lock_);
     if (map_.find(key) == map_.end()) {
         map_.emplace(key, geometry);
     }
 }
 
 void EngineGeometryMap::clearMap() {
-    const QWriteLocker lock(&lock_);
+    const WriteLocked lock(&lock_);
     map_.clear();
 }
 
