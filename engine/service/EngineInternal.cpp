@@ -54,6 +54,9 @@ Engine::Internal::Internal(Engine* owner)
     initialiseSpatialite();
     setUseGaiaCache(NoMemo);
     sqlite3_create_collation(db, "Locale", SQLITE_UTF16, this, &Internal::localeCollation);
+    // The database holds its texts in UTF-8: without this form SQLite would convert both texts for every
+    // comparison.
+    sqlite3_create_collation(db, "Locale", SQLITE_UTF8, this, &Internal::localeCollationUtf8);
 }
 
 Engine::Internal::~Internal() {
@@ -99,6 +102,16 @@ int Engine::Internal::localeCollation(void* userData, int length1, const void* t
         return engine::collatorCompare(self->collator_, length1, text1, length2, text2);
     }
     return engine::collatorCompare(engine::collator(), length1, text1, length2, text2);
+}
+
+int Engine::Internal::localeCollationUtf8(void* userData, int length1, const void* text1, int length2,
+                                          const void* text2) {
+    auto* self = static_cast<Internal*>(userData);
+    if (!self->localeOrder_) {
+        self->localeOrder_ = std::make_unique<engine::LocaleOrder>(self->collator_);
+    }
+    return self->localeOrder_->compare({static_cast<const char*>(text1), static_cast<std::size_t>(length1)},
+                                       {static_cast<const char*>(text2), static_cast<std::size_t>(length2)});
 }
 
 } // namespace orvane

@@ -3,6 +3,7 @@
 #include <orvane/Engine.h>
 #include <orvane/engine/EngineCache.h>
 #include <orvane/engine/EngineIndices.h>
+#include <orvane/engine/LocaleOrder.h>
 #include <orvane/engine/TableManagement.h>
 
 #include <QCollator>
@@ -35,11 +36,14 @@ public:
 private:
     static int localeCollation(void* userData, int length1, const void* text1, int length2,
                                const void* text2);
+    static int localeCollationUtf8(void* userData, int length1, const void* text1, int length2,
+                                   const void* text2);
 
     void initialiseSpatialite();
 
     QSqlDatabase database_;
     QCollator collator_;
+    std::unique_ptr<engine::LocaleOrder> localeOrder_; ///< made when texts are first compared
     void* spatialiteConnection_ = nullptr;
     sql::SqlRuntime* runtime_ = nullptr;
     std::map<QString, std::unique_ptr<engine::EngineIndices>> tableIndices_;

@@ -1,11 +1,5 @@
 #include "host/adaptor/TermFilter.h"
 
-#include <orvane/engine/Collator.h>
-
-#include <QChar>
-#include <QLocale>
-#include <QString>
-
 #include <algorithm>
 #include <cmath>
 
@@ -22,10 +16,6 @@ using dp::TextCollation;
 /// In lists with more operands that no look-up serves leave the row to SQLite, which searches a sorted list.
 constexpr std::size_t scannedOperands = 32;
 
-bool isPrintableAscii(std::string_view text) {
-    return std::all_of(text.begin(), text.end(), [](char c) { return c >= 0x20 && c <= 0x7e; });
-}
-
 char foldAscii(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
@@ -40,44 +30,6 @@ int compareFolded(std::string_view a, std::string_view b) {
         }
     }
     return a.size() < b.size() ? -1 : a.size() > b.size();
-}
-
-constexpr char32_t replacementCharacter = 0xfffd;
-
-/// Takes one character off the front of a text that is not empty; what is no UTF-8 becomes U+FFFD, byte by
-/// byte.
-char32_t takeCharacter(std::string_view& utf8) {
-    const auto byte = [&utf8](std::size_t i) { return static_cast<unsigned char>(utf8[i]); };
-    const unsigned char first = byte(0);
-    std::size_t length = 1;
-    char32_t character = first;
-    if (first >= 0x80) {
-        length = first >= 0xf0 ? 4 : first >= 0xe0 ? 3 : first >= 0xc2 ? 2 : 0;
-        character = length == 0 ? replacementCharacter : first & (0x7fu >> length);
-        for (std::size_t i = 1; i < length; ++i) {
-            if (i >= utf8.size() || (byte(i) & 0xc0) != 0x80) {
-                length = 0;
-                character = replacementCharacter;
-                break;
-            }
-            character = (character << 6) | (byte(i) & 0x3fu);
-        }
-    }
-    utf8.remove_prefix(std::max<std::size_t>(length, 1));
-    return character <= 0x10ffff ? character : replacementCharacter;
-}
-
-void toUtf16(std::string_view utf8, std::u16string& out) {
-    out.clear();
-    while (!utf8.empty()) {
-        const char32_t character = takeCharacter(utf8);
-        if (character < 0x10000) {
-            out.push_back(static_cast<char16_t>(character));
-        } else {
-            out.push_back(QChar::highSurrogate(character));
-            out.push_back(QChar::lowSurrogate(character));
-        }
-    }
 }
 
 /// Exact three-way comparison of a 64-bit integer with a double that is a number.
@@ -150,56 +102,6 @@ bool isOrdering(Comparison comparison) {
 
 } // namespace
 
-namespace {
-
-/// Turkic languages tell "I" from "i"; Hungarian contractions make different ASCII texts equal ("ccs" sorts
-/// as "cscs").
-bool foldsAsciiAsUsual(const QCollator& collator) {
-    for (ushort letter = 'a'; letter <= 'z'; ++letter) {
-        if (collator.compare(QString(QChar(letter)), QString(QChar(letter).toUpper())) != 0) {
-            return false;
-        }
-    }
-    return collator.locale().language() != QLocale::Hungarian;
-}
-
-/// Making a collator costs more than a small query, so the last one of the thread is kept.
-struct SharedCollator {
-    QLocale locale;
-    QCollator collator = engine::collator();
-    bool foldsAscii = foldsAsciiAsUsual(collator);
-};
-
-const SharedCollator& sharedCollator() {
-    thread_local SharedCollator shared;
-    if (shared.locale != QLocale()) {
-        shared = SharedCollator();
-    }
-    return shared;
-}
-
-} // namespace
-
-LocaleComparator::LocaleComparator()
-    : collator_(sharedCollator().collator), foldsAscii_(sharedCollator().foldsAscii) {}
-
-int LocaleComparator::compare(std::string_view a, std::string_view b) {
-    toUtf16(a, left_);
-    toUtf16(b, right_);
-    return engine::collatorCompare(collator_, static_cast<int>(left_.size() * sizeof(char16_t)), left_.data(),
-                                   static_cast<int>(right_.size() * sizeof(char16_t)), right_.data());
-}
-
-bool LocaleComparator::equal(std::string_view a, std::string_view b) {
-    if (a == b) {
-        return true;
-    }
-    if (foldsAscii_ && isPrintableAscii(a) && isPrintableAscii(b)) {
-        return a.size() == b.size() && compareFolded(a, b) == 0;
-    }
-    return compare(a, b) == 0;
-}
-
 bool TermFilter::isExact(bool textColumn, const dp::ScanValue& operand) {
     return textColumn ? std::holds_alternative<std::string>(operand) : isNumber(operand);
 }
@@ -212,9 +114,7 @@ void TermFilter::assign(std::span<const ScanTerm> terms) {
     for (std::size_t i = 0; i < terms.size(); ++i) {
         const ScanTerm& term = terms[i];
         if (term.comparison == Comparison::In) {
-            lists_[i] = std::make_unique<InList>(
-                arrange(term, term.collation == TextCollation::NoCase ||
-                                  (term.collation == TextCollation::Locale && locale_.foldsAscii())));
+            lists_[i] = std::make_unique<InList>(arrange(term));
         } else if (!term.operands.empty() && std::holds_alternative<std::monostate>(term.operands.front()) &&
                    (isOrdering(term.comparison) || term.comparison == Comparison::Equal ||
                     term.comparison == Comparison::NotEqual)) {
@@ -223,7 +123,7 @@ void TermFilter::assign(std::span<const ScanTerm> terms) {
     }
 }
 
-TermFilter::InList TermFilter::arrange(const ScanTerm& term, bool foldTexts) {
+TermFilter::InList TermFilter::arrange(const ScanTerm& term) {
     InList list;
     for (const dp::ScanValue& operand : term.operands) {
         if (const auto* integer = std::get_if<std::int64_t>(&operand)) {
@@ -231,12 +131,8 @@ TermFilter::InList TermFilter::arrange(const ScanTerm& term, bool foldTexts) {
         } else if (const auto* real = std::get_if<double>(&operand)) {
             list.reals.push_back(*real);
         } else if (const auto* text = std::get_if<std::string>(&operand)) {
-            if (term.collation == TextCollation::Binary) {
-                list.asciiTexts.insert(*text);
-            } else if (foldTexts && isPrintableAscii(*text)) {
-                std::string folded = *text;
-                std::transform(folded.begin(), folded.end(), folded.begin(), foldAscii);
-                list.asciiTexts.insert(std::move(folded));
+            if (makeKey(term.collation, *text)) {
+                list.keyedTexts.emplace(key_, *text);
             } else {
                 list.otherTexts.push_back(*text);
             }
@@ -245,6 +141,18 @@ TermFilter::InList TermFilter::arrange(const ScanTerm& term, bool foldTexts) {
     std::sort(list.integers.begin(), list.integers.end());
     std::sort(list.reals.begin(), list.reals.end());
     return list;
+}
+
+/// Writes a key that texts share when they are equal; false for a text whose equals only a comparison finds.
+bool TermFilter::makeKey(TextCollation collation, std::string_view text) {
+    if (collation == TextCollation::Locale) {
+        return locale_->plainKey(text, key_);
+    }
+    key_.assign(text);
+    if (collation == TextCollation::NoCase) {
+        std::transform(key_.begin(), key_.end(), key_.begin(), foldAscii);
+    }
+    return true;
 }
 
 bool TermFilter::accepts(dp::Cursor& cursor) {
@@ -293,7 +201,7 @@ bool TermFilter::inList(const ScanTerm& term, const Cell& cell, const InList& li
         // A number in the list is compared with the text by rules that only SQLite knows the operands of.
         return !list.integers.empty() || !list.reals.empty() || inTextList(term, cell.view(), list);
     }
-    if (!isNumber(cell) || !list.asciiTexts.empty() || !list.otherTexts.empty()) {
+    if (!isNumber(cell) || !list.keyedTexts.empty() || !list.otherTexts.empty()) {
         return true;
     }
     if (cell.type() == CellType::Integer) {
@@ -307,33 +215,27 @@ bool TermFilter::inList(const ScanTerm& term, const Cell& cell, const InList& li
 }
 
 bool TermFilter::inTextList(const ScanTerm& term, std::string_view text, const InList& list) {
-    if (term.collation == TextCollation::Binary) {
-        folded_.assign(text);
-        return list.asciiTexts.count(folded_) != 0;
-    }
-    if (isPrintableAscii(text)) {
-        folded_.resize(text.size());
-        std::transform(text.begin(), text.end(), folded_.begin(), foldAscii);
-        if (list.asciiTexts.count(folded_) != 0) {
+    const auto equalsText = [&](std::string_view operand) {
+        return equalTexts(term.collation, text, operand);
+    };
+    if (makeKey(term.collation, text)) {
+        if (list.keyedTexts.count(key_) != 0) {
             return true;
         }
-    } else if (list.asciiTexts.size() > scannedOperands) {
-        return true;
-    } else if (std::any_of(list.asciiTexts.begin(), list.asciiTexts.end(), [&](const std::string& operand) {
-                   return equalTexts(term.collation, text, operand);
-               })) {
+    } else if (list.keyedTexts.size() > scannedOperands ||
+               std::any_of(list.keyedTexts.begin(), list.keyedTexts.end(),
+                           [&](const auto& keyed) { return equalsText(keyed.second); })) {
         return true;
     }
     return list.otherTexts.size() > scannedOperands ||
-           std::any_of(list.otherTexts.begin(), list.otherTexts.end(),
-                       [&](std::string_view operand) { return equalTexts(term.collation, text, operand); });
+           std::any_of(list.otherTexts.begin(), list.otherTexts.end(), equalsText);
 }
 
 int TermFilter::compareTexts(TextCollation collation, std::string_view a, std::string_view b) {
     switch (collation) {
     case TextCollation::Binary: return a.compare(b);
     case TextCollation::NoCase: return compareFolded(a, b);
-    case TextCollation::Locale: return locale_.compare(a, b);
+    case TextCollation::Locale: return locale_->compare(a, b);
     }
     return 0;
 }
@@ -342,7 +244,7 @@ bool TermFilter::equalTexts(TextCollation collation, std::string_view a, std::st
     switch (collation) {
     case TextCollation::Binary: return a == b;
     case TextCollation::NoCase: return a.size() == b.size() && compareFolded(a, b) == 0;
-    case TextCollation::Locale: return locale_.equal(a, b);
+    case TextCollation::Locale: return locale_->equal(a, b);
     }
     return false;
 }

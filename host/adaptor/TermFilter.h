@@ -3,35 +3,16 @@
 #include "platform/dp/Cursor.h"
 #include "platform/dp/ScanRequest.h"
 #include <host/adaptor/Export.h>
-
-#include <QCollator>
+#include <orvane/engine/LocaleOrder.h>
 
 #include <memory>
 #include <span>
 #include <string>
 #include <string_view>
-#include <unordered_set>
+#include <unordered_map>
 #include <vector>
 
 namespace orvane::adaptor {
-
-/// Compares UTF-8 texts as the collation "Locale" does, without taking memory per comparison for texts of
-/// ordinary length. Not for two threads at once.
-class ORVANE_ADAPTOR_EXPORT LocaleComparator {
-public:
-    LocaleComparator();
-
-    int compare(std::string_view a, std::string_view b);
-    bool equal(std::string_view a, std::string_view b);
-
-    /// Whether two texts of printable ASCII are equal exactly when they are equal with letter case folded.
-    bool foldsAscii() const { return foldsAscii_; }
-
-private:
-    QCollator collator_;
-    bool foldsAscii_;
-    std::u16string left_, right_; ///< reused for the UTF-16 forms
-};
 
 /// Checks the terms of a scan on the cells of a cursor, before SQLite sees the row. Where a cell and the
 /// operand are both numbers or both texts, the answer is the one SQLite would give, except that a long In
@@ -54,13 +35,15 @@ public:
 private:
     /// The operands of an In list, arranged for look-ups.
     struct InList {
-        std::vector<std::int64_t> integers;         ///< sorted
-        std::vector<double> reals;                  ///< sorted
-        std::unordered_set<std::string> asciiTexts; ///< folded where the collation folds
+        std::vector<std::int64_t> integers; ///< sorted
+        std::vector<double> reals;          ///< sorted
+        /// Texts by a key that they share with their equals under the collation.
+        std::unordered_map<std::string, std::string_view> keyedTexts;
         std::vector<std::string_view> otherTexts;
     };
 
-    static InList arrange(const dp::ScanTerm& term, bool foldAscii);
+    InList arrange(const dp::ScanTerm& term);
+    bool makeKey(dp::TextCollation collation, std::string_view text);
     bool accepts(const dp::ScanTerm& term, const dp::Cell& cell, const InList* list);
     bool inList(const dp::ScanTerm& term, const dp::Cell& cell, const InList& list);
     bool inTextList(const dp::ScanTerm& term, std::string_view text, const InList& list);
@@ -69,8 +52,8 @@ private:
 
     std::span<const dp::ScanTerm> terms_;
     std::vector<std::unique_ptr<InList>> lists_; ///< parallel to the terms; null where the term is no In list
-    LocaleComparator locale_;
-    std::string folded_; ///< reused for look-ups of folded texts
+    std::shared_ptr<const engine::LocaleOrder> locale_ = engine::LocaleOrder::current();
+    std::string key_; ///< of the last text, reused
     bool matchesNothing_ = false;
 };
 

@@ -220,27 +220,6 @@ TEST_F(TermFilterTest, InListsNeverLoseARow) {
     EXPECT_GT(leftOut, 2000); // it has to leave rows out to be of use
 }
 
-TEST_F(TermFilterTest, PrintableAsciiFoldsInEveryLocaleThatSaysSo) {
-    int folding = 0;
-    for (const QLocale& locale :
-         QLocale::matchingLocales(QLocale::AnyLanguage, QLocale::AnyScript, QLocale::AnyCountry)) {
-        QLocale::setDefault(locale);
-        if (!LocaleComparator().foldsAscii()) {
-            continue;
-        }
-        ++folding;
-        const QCollator collator = engine::collator();
-        for (ushort a = 0x20; a < 0x7f; ++a) {
-            for (ushort b = static_cast<ushort>(a + 1); b < 0x7f; ++b) {
-                const bool equal = collator.compare(QString(QChar(a)), QString(QChar(b))) == 0;
-                ASSERT_EQ(equal, QChar(a).toLower() == QChar(b).toLower())
-                    << locale.name().toStdString() << " " << char(a) << char(b);
-            }
-        }
-    }
-    EXPECT_GT(folding, 100);
-}
-
 TEST_F(TermFilterTest, PairsOfDifferentKindsAreLeftToSqlite) {
     const ScanValue five = std::int64_t{5};
     EXPECT_TRUE(accepts({0, Comparison::Equal, TextCollation::Binary, {std::string("5")}}, five));

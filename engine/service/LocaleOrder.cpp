@@ -1,0 +1,218 @@
+#include <orvane/engine/LocaleOrder.h>
+
+#include <orvane/engine/Collator.h>
+
+#include <QLocale>
+#include <QString>
+#include <QVarLengthArray>
+
+#include <algorithm>
+#include <vector>
+
+namespace orvane::engine {
+
+namespace {
+
+using Utf16 = QVarLengthArray<char16_t, 256>;
+
+constexpr char32_t replacementCharacter = 0xfffd;
+
+/// Takes one character off the front of a text that is not empty.
+char32_t takeCharacter(std::string_view& utf8) {
+    const auto byte = [&utf8](std::size_t i) { return static_cast<unsigned char>(utf8[i]); };
+    const unsigned char first = byte(0);
+    std::size_t length = 1;
+    char32_t character = first;
+    if (first >= 0x80) {
+        length = first >= 0xf0 ? 4 : first >= 0xe0 ? 3 : first >= 0xc2 ? 2 : 0;
+        character = length == 0 ? replacementCharacter : first & (0x7fu >> length);
+        for (std::size_t i = 1; i < length; ++i) {
+            if (i >= utf8.size() || (byte(i) & 0xc0) != 0x80) {
+                length = 0;
+                character = replacementCharacter;
+                break;
+            }
+            character = (character << 6) | (byte(i) & 0x3fu);
+        }
+    }
+    utf8.remove_prefix(std::max<std::size_t>(length, 1));
+    return character <= 0x10ffff ? character : replacementCharacter;
+}
+
+void toUtf16(std::string_view utf8, Utf16& out) {
+    out.reserve(static_cast<int>(utf8.size()));
+    while (!utf8.empty()) {
+        const char32_t character = takeCharacter(utf8);
+        if (character < 0x10000) {
+            out.push_back(static_cast<char16_t>(character));
+        } else {
+            out.push_back(QChar::highSurrogate(character));
+            out.push_back(QChar::lowSurrogate(character));
+        }
+    }
+}
+
+/// The lead bytes of U+0400 to U+047F in UTF-8 are 0xd0 and 0xd1.
+bool leadsCyrillic(unsigned char byte) {
+    return (byte & 0xfe) == 0xd0;
+}
+
+} // namespace
+
+LocaleOrder::LocaleOrder(QCollator collator) : collator_(std::move(collator)) {
+    ranks_.fill(noRank);
+    rankCharacters();
+    excludeDigraphs();
+}
+
+std::shared_ptr<const LocaleOrder> LocaleOrder::current() {
+    struct Made {
+        QLocale locale;
+        std::shared_ptr<const LocaleOrder> order;
+    };
+    thread_local Made made;
+    if (!made.order || made.locale != QLocale()) {
+        made = {QLocale(), std::make_shared<const LocaleOrder>(collator())};
+    }
+    return made.order;
+}
+
+QChar LocaleOrder::rankedCharacter(std::size_t position) {
+    return QChar(static_cast<ushort>(position < numAscii ? position : firstCyrillic + position - numAscii));
+}
+
+/// Gives ranks to the characters that differ in their first weight, so that no character behind them can turn
+/// the order round: "ё" after "е" is no such difference where "её" comes before "ёа".
+void LocaleOrder::rankCharacters() {
+    std::vector<std::size_t> candidates;
+    for (std::size_t position = 0x20; position < numRanked; ++position) {
+        if (rankedCharacter(position).isPrint()) {
+            candidates.push_back(position);
+        }
+    }
+    const auto text = [](std::size_t position) { return QString(rankedCharacter(position)); };
+    std::stable_sort(candidates.begin(), candidates.end(),
+                     [&](std::size_t a, std::size_t b) { return collator_.compare(text(a), text(b)) < 0; });
+    const QString low = QStringLiteral("0");
+    const QString high = QStringLiteral("1");
+    QString last;
+    std::uint8_t rank = endRank;
+    for (const std::size_t candidate : candidates) {
+        const QString each = text(candidate);
+        const bool isFirst = rank == endRank;
+        if (!isFirst && collator_.compare(last, each) == 0) {
+            ranks_[candidate] = rank;
+        } else if ((isFirst || collator_.compare(last + high, each + low) < 0) && rank + 1 < noRank) {
+            ranks_[candidate] = ++rank;
+            last = each;
+        }
+    }
+}
+
+/// Letters that a locale orders as one when they stand together (Czech "ch", Danish "aa") lose their ranks.
+/// Such a pair is out of place among the pairs with the same first letter.
+void LocaleOrder::excludeDigraphs() {
+    std::vector<std::size_t> letters;
+    for (std::size_t position = 0; position < numRanked; ++position) {
+        const QChar letter = rankedCharacter(position);
+        if (ranks_[position] != noRank && letter.isLetter() && letter.isLower()) {
+            letters.push_back(position);
+        }
+    }
+    std::stable_sort(letters.begin(), letters.end(),
+                     [this](std::size_t a, std::size_t b) { return ranks_[a] < ranks_[b]; });
+    std::array<bool, numRanked> isJoined{};
+    for (std::size_t first = 0; first + 1 < letters.size(); ++first) {
+        const QChar letter = rankedCharacter(letters[first]);
+        const QString after(rankedCharacter(letters[first + 1]));
+        QString last(letter);
+        for (const std::size_t second : letters) {
+            if (rankedCharacter(second).script() != letter.script()) {
+                continue;
+            }
+            const QString pair = QString(letter) + rankedCharacter(second);
+            if (collator_.compare(last, pair) < 0 && collator_.compare(pair, after) < 0) {
+                last = pair;
+            } else {
+                isJoined[ranks_[letters[first]]] = true;
+                isJoined[ranks_[second]] = true;
+            }
+        }
+    }
+    for (std::uint8_t& rank : ranks_) {
+        rank = rank != noRank && isJoined[rank] ? noRank : rank;
+    }
+}
+
+inline std::uint8_t LocaleOrder::nextRank(const std::array<std::uint8_t, numRanked>& ranks, const char*& at,
+                                          const char* end) {
+    if (at == end) {
+        return endRank;
+    }
+    const auto first = static_cast<unsigned char>(*at);
+    if (first < numAscii) {
+        ++at;
+        return ranks[first];
+    }
+    if (!leadsCyrillic(first) || end - at < 2 || (static_cast<unsigned char>(at[1]) & 0xc0) != 0x80) {
+        return noRank;
+    }
+    const auto second = static_cast<unsigned char>(at[1]);
+    at += 2;
+    return ranks[numAscii + ((first & 1u) << 6 | (second & 0x3fu))];
+}
+
+/// Whether what follows may change the character before it, as a combining mark does. The precomposed Latin
+/// letters up to U+024F do not.
+bool LocaleOrder::mayJoin(const char* at, const char* end) const {
+    const char* next = at;
+    const bool isLatinLetter = at != end && *at >= '\xc3' && *at <= '\xc9';
+    return !isLatinLetter && nextRank(ranks_, next, end) == noRank;
+}
+
+int LocaleOrder::compare(std::string_view a, std::string_view b) const {
+    const char* atA = a.data();
+    const char* atB = b.data();
+    const char* const endA = atA + a.size();
+    const char* const endB = atB + b.size();
+    std::uint8_t rankA = endRank, rankB = endRank;
+    do {
+        rankA = nextRank(ranks_, atA, endA);
+        rankB = nextRank(ranks_, atB, endB);
+        if (rankA == noRank || rankB == noRank) {
+            return a == b ? 0 : compareByCollator(a, b);
+        }
+    } while (rankA == rankB && rankA != endRank);
+    if (rankA == rankB) {
+        return 0;
+    }
+    if (mayJoin(atA, endA) || mayJoin(atB, endB)) {
+        return compareByCollator(a, b);
+    }
+    return rankA < rankB ? -1 : 1;
+}
+
+int LocaleOrder::compareByCollator(std::string_view a, std::string_view b) const {
+    Utf16 left, right;
+    toUtf16(a, left);
+    toUtf16(b, right);
+    constexpr int unit = sizeof(char16_t);
+    return collatorCompare(collator_, left.size() * unit, left.constData(), right.size() * unit,
+                           right.constData());
+}
+
+bool LocaleOrder::plainKey(std::string_view text, std::string& key) const {
+    key.clear();
+    const char* at = text.data();
+    const char* const end = at + text.size();
+    while (at != end) {
+        const std::uint8_t rank = nextRank(ranks_, at, end);
+        if (rank == noRank) {
+            return false;
+        }
+        key.push_back(static_cast<char>(rank));
+    }
+    return true;
+}
+
+} // namespace orvane::engine
