@@ -5,6 +5,7 @@
 #include "platform/sql/SqlStrings.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace orvane::shell {
 
@@ -31,12 +32,31 @@ bool endsSelectList(const sql::Token& token) {
     }
 }
 
+/// The first token of the outermost query's Select list, behind the named queries of a With; none when the
+/// statement is of another form.
+std::optional<std::size_t> beginOfSelectList(const std::vector<sql::Token>& tokens) {
+    std::size_t i = 0;
+    if (tokens.front().keyword == sql::Keyword::With) {
+        int depth = 0;
+        while (tokens[i].kind != sql::TokenKind::End &&
+               (depth != 0 || tokens[i].keyword != sql::Keyword::Select)) {
+            if (tokens[i].kind == sql::TokenKind::LeftParenthesis)
+                ++depth;
+            else if (tokens[i].kind == sql::TokenKind::RightParenthesis)
+                --depth;
+            ++i;
+        }
+    }
+    return tokens[i].keyword == sql::Keyword::Select ? std::optional(i + 1) : std::nullopt;
+}
+
 /// The expressions between Select and From of the outermost query; none when the statement is of another
 /// form.
 std::vector<TokenRange> selectList(const std::vector<sql::Token>& tokens) {
-    if (tokens.front().keyword != sql::Keyword::Select)
+    const auto first = beginOfSelectList(tokens);
+    if (!first)
         return {};
-    std::size_t begin = 1;
+    std::size_t begin = *first;
     if (tokens[begin].keyword == sql::Keyword::Distinct || tokens[begin].keyword == sql::Keyword::All)
         ++begin;
     std::vector<TokenRange> list;

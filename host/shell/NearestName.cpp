@@ -12,7 +12,7 @@ QString nearestName(const QString& word, const QStringList& known) {
     QString nearest;
     int nearestDistance = 0;
     for (const QString& name : known) {
-        const int allowed = std::max(1, std::min(name.size(), word.size()) / 3);
+        const int allowed = std::max(1, std::max(name.size(), word.size()) / 3);
         const int distance = sql::editDistance(wanted, sql::toSqlString(name), allowed);
         if (distance <= allowed && (nearest.isEmpty() || distance < nearestDistance)) {
             nearest = name;

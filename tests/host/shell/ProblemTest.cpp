@@ -53,6 +53,7 @@ TEST(NearestName, forgivesAThirdOfTheLettersOrTheRestOfTheName) {
     const std::pair<const char*, const char*> cases[] = {{"citeis", "cities"},
                                                          {"CITEES", "cities"},
                                                          {"contries", "countries"},
+                                                         {"citys", "cities"},
                                                          {"насиление", "население"},
                                                          {"roads", ""},
                                                          {"countr", "countries"},

@@ -98,6 +98,9 @@ INSTANTIATE_TEST_SUITE_P(
                    "countries "
                    "Where name_long = 'Germany'",
                    "\"Round(Area(obj, 'sq km'), 1) > 300000\",люди,Count(*) Over ()\n1,80982500,1\n"},
+        AnswerCase{"columns under the user's words behind With", "csv",
+                   "With n(i) As (Select 1 Union Select 2) Select i ^ 2, Max(i) From n Group By i",
+                   "i ^ 2,Max(i)\n1,1\n4,2\n"},
         AnswerCase{"a statement without rows", "table",
                    "Select name, population From cities Where population < 0",
                    "name | population\n-----+-----------\n"}));
