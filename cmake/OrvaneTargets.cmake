@@ -28,6 +28,11 @@ function(orvane_target_defaults target)
             target_compile_options(${target} PRIVATE -Wno-maybe-uninitialized)
         endif()
     endif()
+    if(ORVANE_BUILD_FUZZERS)
+        # Branches of the libraries guide the search too. Exported types keep their own type information in
+        # each library, which the checks of virtual calls take for a fault.
+        target_compile_options(${target} PRIVATE -fsanitize=fuzzer-no-link -fno-sanitize=vptr,function)
+    endif()
 endfunction()
 
 # orvane_library(NAME EXPORT_HEADER path/below/generated MACRO prefix)

@@ -1,5 +1,6 @@
 #!/bin/sh
-# The tests under AddressSanitizer and UndefinedBehaviorSanitizer, then the cache's concurrency under ThreadSanitizer.
+# The tests under AddressSanitizer and UndefinedBehaviorSanitizer, then the cache's concurrency under ThreadSanitizer,
+# then every fuzz target for a minute.
 set -eu
 cd "$(dirname "$0")/.."
 scripts/setup.sh
@@ -9,3 +10,4 @@ ctest --preset asan -j "$(nproc)" "$@"
 cmake --preset tsan
 cmake --build --preset tsan --target engine_geometry_test
 ctest --preset tsan -R '^engine_geometry_test$'
+scripts/fuzz.sh 60
