@@ -3,6 +3,7 @@
 #include <orvane/engine/EngineCache.h>
 
 #include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QMetaType>
 
 #include <algorithm>
@@ -86,13 +87,21 @@ bool AttributeIndexing::serves(const TableDeclaration::Column& column, dp::TextC
     return rows >= static_cast<double>(fewestRows) && comparesAlike(column, collation);
 }
 
-bool AttributeIndexing::isServed(const dp::ScanTerm& term) const {
-    if (!isEquality(term.comparison) && !isRange(term.comparison)) {
-        return false;
+IndexUse::Outcome AttributeIndexing::judge(const TableDeclaration::Column& column, Comparison comparison,
+                                           dp::TextCollation collation) {
+    if (!isEquality(comparison) && !isRange(comparison)) {
+        return IndexUse::Outcome::Comparison;
     }
+    if (column.kind != Kind::Number && !column.isLocaleText) {
+        return IndexUse::Outcome::ColumnType;
+    }
+    return comparesAlike(column, collation) ? IndexUse::Outcome::Used : IndexUse::Outcome::Collation;
+}
+
+bool AttributeIndexing::isServed(const dp::ScanTerm& term) const {
     const TableDeclaration::Column& asked = column(term.attribute);
     const bool isText = asked.kind == Kind::Text;
-    if (!comparesAlike(asked, term.collation)) {
+    if (judge(asked, term.comparison, term.collation) != IndexUse::Outcome::Used) {
         return false;
     }
     return std::all_of(term.operands.begin(), term.operands.end(), [isText](const dp::ScanValue& operand) {
@@ -144,9 +153,12 @@ void AttributeIndexing::follow(const dp::Table& table, EngineIndices& store) {
 std::optional<std::vector<dp::FeatureId>> AttributeIndexing::find(dp::Table& table, EngineIndices& store,
                                                                   std::span<const dp::ScanTerm> terms,
                                                                   const dp::Cancellation& cancellation) {
+    using Outcome = IndexUse::Outcome;
+    use_ = {};
     const auto chosen = chooseTerms(terms);
     const auto rows = chosen.empty() ? std::nullopt : table.featureCount();
     if (!rows || *rows < fewestRows) {
+        use_.outcome = chosen.empty() ? Outcome::Operand : rows ? Outcome::SmallTable : Outcome::UnknownSize;
         return std::nullopt;
     }
     follow(table, store);
@@ -156,16 +168,29 @@ std::optional<std::vector<dp::FeatureId>> AttributeIndexing::find(dp::Table& tab
             attributes.push_back(term->attribute);
         }
     }
-    Demand& demand = demands_[attributes];
+    const auto known = demands_.try_emplace(attributes).first;
+    Demand& demand = known->second;
+    use_.attributes = &known->first;
     if (demand.index < 0) {
         const auto count = static_cast<double>(*rows);
         demand.scanCost += scanCost(attributes, count);
-        if (demand.scanCost < buildCostOfStorage + count * buildCostPerRow ||
-            !build(demand, attributes, table, store, cancellation)) {
+        use_.scanCost = demand.scanCost;
+        use_.makingCost = buildCostOfStorage + count * buildCostPerRow;
+        if (use_.scanCost < use_.makingCost) {
+            use_.outcome = Outcome::ScansCheaper;
             return std::nullopt;
         }
+        QElapsedTimer timer;
+        timer.start();
+        use_.isMade = build(demand, attributes, table, store, cancellation);
+        if (!use_.isMade) {
+            use_.outcome = Outcome::NoStorage;
+            return std::nullopt;
+        }
+        use_.makingCost = static_cast<double>(timer.nsecsElapsed());
     }
     Lookup& search = lookup(demand, chosen, store);
+    use_.outcome = Outcome::FindsMuch;
     std::vector<qint64> found;
     if (!search.rows || search.tooMany >= mostFailures) {
         return std::nullopt;
@@ -174,6 +199,7 @@ std::optional<std::vector<dp::FeatureId>> AttributeIndexing::find(dp::Table& tab
         ++search.tooMany;
         return std::nullopt;
     }
+    use_.outcome = Outcome::Used;
     std::vector<dp::FeatureId> ids;
     ids.reserve(found.size());
     for (const qint64 row : found) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/adaptor/IndexUse.h"
 #include "host/adaptor/TableDeclaration.h"
 
 #include "platform/dp/Cancellation.h"
@@ -29,6 +30,9 @@ public:
     AttributeIndexing(const TableDeclaration& declaration, engine::EngineCache& cache)
         : declaration_(declaration), cache_(cache) {}
 
+    /// Why an index on the column cannot serve a comparison under a collation; Used when it can.
+    static IndexUse::Outcome judge(const TableDeclaration::Column& column, dp::Comparison comparison,
+                                   dp::TextCollation collation);
     /// Whether an index on the column can serve equalities under a collation, in a table of so many rows.
     static bool serves(const TableDeclaration::Column& column, dp::TextCollation collation, double rows);
 
@@ -38,6 +42,9 @@ public:
     std::optional<std::vector<dp::FeatureId>> find(dp::Table& table, engine::EngineIndices& store,
                                                    std::span<const dp::ScanTerm> terms,
                                                    const dp::Cancellation& cancellation);
+
+    /// What came of the last find.
+    const IndexUse& lastUse() const { return use_; }
 
     /// Rows that an equality on the attribute finds on average; nothing before there is an index.
     std::optional<double> averageGroup(int attribute, const engine::EngineIndices& store) const;
@@ -77,6 +84,7 @@ private:
     const TableDeclaration& declaration_;
     engine::EngineCache& cache_;
     std::map<Attributes, Demand> demands_;
+    IndexUse use_;
     std::optional<std::uint64_t> revision_; ///< of the table that the indices were made of
 };
 

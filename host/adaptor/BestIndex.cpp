@@ -51,6 +51,24 @@ std::optional<dp::TextCollation> collationOf(const char* name) {
     return std::nullopt;
 }
 
+const char* operatorText(unsigned char operation) {
+    switch (operation) {
+    case SQLITE_INDEX_CONSTRAINT_EQ: return "=";
+    case SQLITE_INDEX_CONSTRAINT_GT: return ">";
+    case SQLITE_INDEX_CONSTRAINT_LE: return "<=";
+    case SQLITE_INDEX_CONSTRAINT_LT: return "<";
+    case SQLITE_INDEX_CONSTRAINT_GE: return ">=";
+    case SQLITE_INDEX_CONSTRAINT_NE: return "<>";
+    case SQLITE_INDEX_CONSTRAINT_IS: return "Is";
+    case SQLITE_INDEX_CONSTRAINT_ISNOT: return "Is Not";
+    case SQLITE_INDEX_CONSTRAINT_ISNULL: return "Is Null";
+    case SQLITE_INDEX_CONSTRAINT_ISNOTNULL: return "Is Not Null";
+    case SQLITE_INDEX_CONSTRAINT_LIKE: return "Like";
+    case SQLITE_INDEX_CONSTRAINT_GLOB: return "Glob";
+    default: return "?";
+    }
+}
+
 /// The share of rows that a term lets pass, as far as nothing is known of the values.
 double selectivity(Comparison comparison) {
     switch (comparison) {
@@ -113,6 +131,9 @@ private:
     void take(int i) {
         const int column = constraint(i).iColumn;
         const std::optional<Comparison> comparison = comparisonOf(constraint(i).op);
+        if (recorder_ && column >= 0) {
+            takeDown(i, declaration_.columns()[static_cast<std::size_t>(column)], comparison);
+        }
         if (constraint(i).op == SQLITE_INDEX_CONSTRAINT_LIMIT) {
             limit_ = i;
         } else if (constraint(i).op == SQLITE_INDEX_CONSTRAINT_OFFSET) {
@@ -124,6 +145,23 @@ private:
         } else if (column >= 0 && comparison) {
             takeTerm(i, declaration_.columns()[static_cast<std::size_t>(column)], *comparison);
         }
+    }
+
+    /// Notes a condition on a plain attribute for whoever asks how the statement is answered.
+    void takeDown(int i, const TableDeclaration::Column& column, std::optional<Comparison> comparison) {
+        if (column.attribute < 0 || column.kind == Kind::Geometry || column.kind == Kind::Style) {
+            return;
+        }
+        const char* text = sqlite3_vtab_in(&info_, i, -1) ? "In" : operatorText(constraint(i).op);
+        PlannedCondition& noted = planned_.conditions.emplace_back();
+        noted.text = table_.schema()->at(column.attribute)->name() + QLatin1Char(' ') + QLatin1String(text);
+        const auto collation = collationOf(sqlite3_vtab_collation(&info_, i));
+        if (!comparison || !collation) {
+            noted.index = comparison ? IndexUse::Outcome::Collation : IndexUse::Outcome::Comparison;
+            return;
+        }
+        noted.index = AttributeIndexing::judge(column, *comparison, *collation);
+        noted.isForSource = table_.usesTerm(column.attribute, *comparison, *collation);
     }
 
     void takeTerm(int i, const TableDeclaration::Column& column, Comparison comparison) {
@@ -214,6 +252,13 @@ private:
     }
 
     void store() {
+        const double expected = std::max(1.0, passing_);
+        if (recorder_) {
+            planned_.table = virtual_.name();
+            planned_.tableRows = static_cast<double>(table_.featureCount().value_or(0));
+            planned_.expectedRows = expected;
+            plan_.number = recorder_->add(std::move(planned_));
+        }
         const std::string text = plan_.toText();
         info_.idxStr = static_cast<char*>(sqlite3_malloc64(text.size() + 1));
         if (!info_.idxStr) {
@@ -221,7 +266,7 @@ private:
         }
         std::memcpy(info_.idxStr, text.c_str(), text.size() + 1);
         info_.needToFreeIdxStr = 1;
-        info_.estimatedRows = static_cast<sqlite3_int64>(std::max(1.0, passing_));
+        info_.estimatedRows = static_cast<sqlite3_int64>(expected);
         info_.estimatedCost = 1 + (looksUp_ ? std::min(scanned_, passing_ * fetchCost) : scanned_) + passing_;
         info_.idxFlags = unique_ ? SQLITE_INDEX_SCAN_UNIQUE : 0;
     }
@@ -231,6 +276,8 @@ private:
     const TableDeclaration& declaration_;
     sqlite3_index_info& info_;
     ScanPlan plan_;
+    ScanRecorder* const recorder_ = ScanRecorder::current();
+    PlannedScan planned_; ///< kept for the recorder only
     const double rows_;
     double passing_; ///< rows that the terms let pass
     double scanned_; ///< rows that have to be read for it

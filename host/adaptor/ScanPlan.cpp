@@ -26,6 +26,7 @@ std::uint64_t takeNumber(std::string_view& text) {
 
 std::string ScanPlan::toText() const {
     std::string text;
+    appendNumber(text, number);
     appendNumber(text, columnsUsed);
     appendNumber(text, static_cast<std::uint64_t>(rowNumber));
     appendNumber(text, relation ? 1 + static_cast<std::uint64_t>(*relation) : 0);
@@ -41,6 +42,7 @@ std::string ScanPlan::toText() const {
 
 ScanPlan ScanPlan::fromText(std::string_view text) {
     ScanPlan plan;
+    plan.number = takeNumber(text);
     plan.columnsUsed = takeNumber(text);
     plan.rowNumber = static_cast<RowNumber>(takeNumber(text));
     if (const std::uint64_t relation = takeNumber(text); relation > 0) {

@@ -24,6 +24,7 @@ struct ScanPlan {
     };
     enum class RowNumber : std::uint8_t { None, Equal, In };
 
+    std::uint64_t number = 0;      ///< of what a ScanRecorder took down, 0 when there is none
     std::uint64_t columnsUsed = 0; ///< SQLite's mask: bit 63 stands for every column from 63 on
     std::vector<Term> terms;
     RowNumber rowNumber = RowNumber::None;

@@ -5,6 +5,9 @@
 #include <orvane/engine/EngineCache.h>
 #include <orvane/engine/SpatialiteBlob.h>
 
+#include <QElapsedTimer>
+
+#include <algorithm>
 #include <cmath>
 #include <optional>
 
@@ -93,6 +96,8 @@ VirtualCursor::VirtualCursor(VirtualTable& table)
 void VirtualCursor::readPlan(const char* planText) {
     plan_ = ScanPlan::fromText(planText);
     planText_ = planText;
+    const ScanRecorder* recorder = ScanRecorder::current();
+    report_ = recorder ? recorder->report(plan_.number) : nullptr;
     request_.attributes.clear();
     const auto& columns = table_.declaration().columns();
     for (std::size_t i = 0; i < columns.size(); ++i) {
@@ -136,8 +141,19 @@ bool VirtualCursor::readRelation(sqlite3_value* value) {
         return true;
     }
     auto& ids = request_.ids.emplace();
-    table_.spatialIndex(cancellation_).search(*plan_.relation, related, table, ids);
+    spatialIndex().search(*plan_.relation, related, table, ids);
     return !ids.empty();
+}
+
+SpatialIndex& VirtualCursor::spatialIndex() {
+    if (!report_ || table_.hasSpatialIndex()) {
+        return table_.spatialIndex(cancellation_);
+    }
+    QElapsedTimer timer;
+    timer.start();
+    SpatialIndex& index = table_.spatialIndex(cancellation_);
+    report_->makingMs = static_cast<double>(timer.nsecsElapsed()) / 1e6;
+    return index;
 }
 
 bool VirtualCursor::readArguments(std::span<sqlite3_value*> arguments) {
@@ -183,6 +199,13 @@ void VirtualCursor::filter(const char* planText, std::span<sqlite3_value*> argum
     if (planText != planText_) {
         readPlan(planText);
     }
+    openRows(arguments);
+    if (report_) {
+        report();
+    }
+}
+
+void VirtualCursor::openRows(std::span<sqlite3_value*> arguments) {
     if (!readArguments(arguments)) {
         return;
     }
@@ -200,6 +223,28 @@ void VirtualCursor::filter(const char* planText, std::span<sqlite3_value*> argum
     rows_ = table.openCursor(request_);
 }
 
+void VirtualCursor::report() {
+    ScanReport& report = *report_;
+    const auto note = [&report](Access access) { ++report.scansBy(access); };
+    if (related_) {
+        note(Access::Relation);
+    } else if (!rows_ && !request_.ids) {
+        ++report.emptyScans;
+    } else if (plan_.rowNumber != ScanPlan::RowNumber::None) {
+        note(Access::RowNumber);
+    } else if (plan_.relation) {
+        note(Access::SpatialIndex);
+    } else {
+        const bool isFiltered =
+            std::any_of(report.planned.conditions.begin(), report.planned.conditions.end(),
+                        [](const PlannedCondition& condition) { return condition.isForSource; });
+        note(request_.ids ? Access::AttributeIndex : isFiltered ? Access::SourceFilter : Access::WholeTable);
+        if (!request_.terms.empty()) {
+            report.take(table_.lastIndexUse(), *table_.table().schema());
+        }
+    }
+}
+
 bool VirtualCursor::accepts() {
     if (!filter_.isEmpty() && !filter_.accepts(*rows_)) {
         return false;
@@ -214,13 +259,21 @@ bool VirtualCursor::accepts() {
 }
 
 int VirtualCursor::next() {
-    for (unsigned row = 1; rows_->next(); ++row) {
+    unsigned row = 1;
+    for (; rows_->next(); ++row) {
         if (accepts()) {
+            if (report_) {
+                report_->rowsRead += row;
+                ++report_->rowsPassed;
+            }
             return SQLITE_OK;
         }
         if (row % rowsBetweenChecks == 0 && cancellation_.isRequested()) {
             return SQLITE_INTERRUPT;
         }
+    }
+    if (report_) {
+        report_->rowsRead += row - 1;
     }
     rows_.reset();
     return cancellation_.isRequested() ? SQLITE_INTERRUPT : SQLITE_OK;

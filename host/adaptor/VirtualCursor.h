@@ -35,7 +35,12 @@ private:
     bool readArguments(std::span<sqlite3_value*> arguments);
     bool readRowNumbers(sqlite3_value* value);
     bool readRelation(sqlite3_value* value);
+    SpatialIndex& spatialIndex();
     bool accepts();
+    /// Opens the rows that can match, if there can be any.
+    void openRows(std::span<sqlite3_value*> arguments);
+    /// Tells the report how the scan that was just started gets its rows.
+    void report();
 
     VirtualTable& table_;
     const char* planText_ = nullptr; ///< the text of plan_; SQLite keeps it as long as the statement
@@ -45,6 +50,7 @@ private:
     geometry::GeometryPtr related_;    ///< set when each row's relation to it has to be tested
     std::unique_ptr<dp::Cursor> rows_; ///< null at the end
     GeometryResult geometry_;
+    std::shared_ptr<ScanReport> report_; ///< null when nobody asks how the statement is answered
     dp::Cancellation cancellation_;
 };
 

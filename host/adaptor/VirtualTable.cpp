@@ -31,8 +31,8 @@ dp::Table& VirtualTable::table() const {
 }
 
 SpatialIndex& VirtualTable::spatialIndex(const dp::Cancellation& cancellation) {
-    const std::uint64_t revision = table().revision();
-    if (!spatialIndex_ || spatialIndexRevision_ != revision) {
+    if (!hasSpatialIndex()) {
+        const std::uint64_t revision = table().revision();
         spatialIndex_ = std::make_unique<SpatialIndex>(table(), cancellation);
         spatialIndexRevision_ = revision;
     }

@@ -2,6 +2,7 @@
 
 #include "host/adaptor/AttributeIndexing.h"
 #include "host/adaptor/ScanPlan.h"
+#include "host/adaptor/ScanReport.h"
 #include "host/adaptor/SpatialIndex.h"
 #include "host/adaptor/TableDeclaration.h"
 
@@ -48,12 +49,16 @@ public:
     /// Lets go of the table. Cursors that are open keep what they read from.
     void detach() { table_.reset(); }
 
+    /// Whether the spatial index of the table as it is now is there already.
+    bool hasSpatialIndex() const { return spatialIndex_ && spatialIndexRevision_ == table().revision(); }
     /// The spatial index of the table as it is now, made when first asked for.
     SpatialIndex& spatialIndex(const dp::Cancellation& cancellation);
 
     /// The features that can satisfy the terms, where an attribute index tells.
     std::optional<std::vector<dp::FeatureId>> findByIndex(std::span<const dp::ScanTerm> terms,
                                                           const dp::Cancellation& cancellation);
+    /// What came of the last findByIndex.
+    const IndexUse& lastIndexUse() const { return indexing_.lastUse(); }
     /// Rows that an equality on the attribute finds on average; nothing when it is not known.
     std::optional<double> averageGroup(int attribute) const;
     void forgetIndices() { indexing_.forget(); }

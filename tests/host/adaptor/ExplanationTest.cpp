@@ -1,0 +1,115 @@
+#include "AdaptorFixture.h"
+
+#include "host/adaptor/StatementExplanation.h"
+
+#include <QRegularExpression>
+#include <QSqlDriver>
+
+namespace orvane {
+
+namespace {
+
+using testing::attribute;
+using testing::MemoryTable;
+
+class ExplanationTest : public testing::AdaptorTest {
+protected:
+    void SetUp() override {
+        AdaptorTest::SetUp();
+        std::vector<MemoryTable::Row> rows;
+        for (qlonglong i = 0; i < 4000; ++i) {
+            rows.push_back({i / 2, QStringLiteral("имя%0").arg(i), QByteArray("x"), QVariant()});
+        }
+        const auto open = [this](const char* name, std::vector<MemoryTable::Row> with) {
+            return AdaptorTest::open(
+                name,
+                {attribute("number", QMetaType::LongLong), attribute("word", QMetaType::QString),
+                 attribute("bytes", QMetaType::QByteArray),
+                 dp::AttributeDefinitionPointer(
+                     new dp::GeometryAttributeDefinition(QStringLiteral("shape"), nullptr))},
+                std::move(with));
+        };
+        items_ = open("items", rows);
+        open("few", {rows.begin(), rows.begin() + 3});
+    }
+
+    static QString explain(const char* sql) {
+        auto* database =
+            *static_cast<sqlite3* const*>(engine().engineDatabase().driver()->handle().constData());
+        const adaptor::StatementExplanation explanation(database, sql);
+        ask(sql);
+        return explanation.lines().join(QLatin1Char('\n'));
+    }
+
+    std::shared_ptr<MemoryTable> items_;
+};
+
+} // namespace
+
+TEST_F(ExplanationTest, TellsHowEachTableWasAnsweredAndWhyNotBetter) {
+    struct Case {
+        const char* sql;
+        const char* pattern; ///< of the whole explanation
+    };
+    const Case cases[] = {
+        {"Select 1", "одна строка без таблицы"},
+        {"Select * From items", "items: просмотр всей таблицы\n  строк 4000, ожидалось 4000"},
+        {"Select * From items i Where i.rowid = 5",
+         "items i: поиск по номеру строки\n  строк [01], ожидалось 1"},
+        {"Select * From items Where number = NULL", "items: условие не выполнимо\n  строк 0, ожидалось 25"},
+        {"Select * From items Where number = 7",
+         "items: просмотр всей таблицы\n  строк 2, ожидалось 25, прочитано 4000\n"
+         "  нет индекса для number: просмотры пока дешевле \\(0.\\d+ мс\\), чем его сделать \\(3.80 мс\\)"},
+        {"Select * From items Where word = 'имя7' Collate Binary",
+         "items: .*\n  .*\n  нет индекса для word =: тексты сравниваются не по Locale"},
+        {"Select * From items Where word Like 'имя1_' And bytes > 1",
+         "items: .*\n  .*\n  нет индекса для bytes >: столбцы этого типа не индексируются\n"
+         "  нет индекса для word Like: такое сравнение он не ускоряет"},
+        {"Select * From items Where number > 'слово'",
+         "items: .*\n  .*\n  нет индекса для number >: значение не того типа, что столбец"},
+        {"Select * From few Where number In (1, 2)",
+         "few: .*\n  .*\n  нет индекса для number In: таблица мала"},
+        {"Select * From few, items Where items.number = few.number + 0.5",
+         "few: просмотр всей таблицы\n  .*\n"
+         "items: просмотр всей таблицы, раз: 3\n  строк 0, ожидалось 25 на раз, прочитано 12000\n"
+         "  нет индекса для number: просмотры пока дешевле .*"},
+        {"Select * From (Select Max(number) n From items) a, few Where few.rowid = a.n Order By few.word",
+         "запрос a:\n  items: .*\n    .*\na: все строки\nfew: (?:.|\n)*\nсортировка для ORDER BY"},
+        {"Select (Select Count(*) From items i Where i.number = f.number) From few f",
+         "few f: .*\n  .*\nподзапрос 1, заново для каждой строки:\n  items i: .*\n    (?:.|\n)*"},
+        {"Select * From few a Left Join items b On b.number = a.number And a.number < 0",
+         "few a: .*\n  .*\nitems b: (?:.|\n)*"},
+    };
+    for (const Case& each : cases) {
+        const QString text = explain(each.sql);
+        const QRegularExpression whole(QRegularExpression::anchoredPattern(QString::fromUtf8(each.pattern)));
+        EXPECT_TRUE(whole.match(text).hasMatch()) << each.sql << "\n" << text.toStdString();
+    }
+}
+
+TEST_F(ExplanationTest, TellsAnIndexThatWasMadeFromOneThatWasThere) {
+    const char* sql = "Select Count(*) From items a, few b Where a.number = b.number";
+    QString text;
+    for (int round = 0; round < 3000 && !text.contains(QStringLiteral("сделан")); ++round) {
+        text = explain(sql);
+    }
+    EXPECT_TRUE(
+        text.contains(QRegularExpression(QStringLiteral("индекс по number \\(сделан сейчас за .* мс\\)"))))
+        << text.toStdString();
+    EXPECT_TRUE(explain(sql).contains(
+        QStringLiteral("items a: индекс по number (был), раз: 3\n  строк 6, ожидалось 2 на раз")))
+        << explain(sql).toStdString();
+    EXPECT_TRUE(
+        explain("Select * From items Where number > 5")
+            .contains(QStringLiteral("индекс по number не годится: он нашёл бы слишком много строк")));
+}
+
+TEST_F(ExplanationTest, RecordsOnlyTheStatementThatWasAskedFor) {
+    auto* database = *static_cast<sqlite3* const*>(engine().engineDatabase().driver()->handle().constData());
+    const adaptor::StatementExplanation broken(database, "Select nothing From nowhere");
+    EXPECT_TRUE(broken.lines().isEmpty());
+    const adaptor::StatementExplanation unused(database, "Select * From items; Select * From few");
+    EXPECT_EQ(unused.lines(), QStringList{QStringLiteral("items: не понадобилась")});
+}
+
+} // namespace orvane
