@@ -108,6 +108,130 @@
         <source>Номера строк назначает таблица</source>
         <translation>Row numbers are given by the table</translation>
     </message>
+    <message>
+        <source>сделан сейчас за %0 мс</source>
+        <translation>made now in %0 ms</translation>
+    </message>
+    <message>
+        <source>был</source>
+        <translation>there before</translation>
+    </message>
+    <message>
+        <source>просмотр всей таблицы</source>
+        <translation>scan of the whole table</translation>
+    </message>
+    <message>
+        <source>фильтр источника: %0</source>
+        <translation>filter of the source: %0</translation>
+    </message>
+    <message>
+        <source>поиск по номеру строки</source>
+        <translation>look-up by row number</translation>
+    </message>
+    <message>
+        <source>индекс по %0 (%1)</source>
+        <translation>index on %0 (%1)</translation>
+    </message>
+    <message>
+        <source>R-дерево по геометрии (%0)</source>
+        <translation>R-tree of the geometry (%0)</translation>
+    </message>
+    <message>
+        <source>просмотр всей таблицы: у геометрий разные системы координат</source>
+        <translation>scan of the whole table: the geometries have different coordinate systems</translation>
+    </message>
+    <message>
+        <source>%0, раз: %1</source>
+        <translation>%0, %1 times</translation>
+    </message>
+    <message>
+        <source>условие не выполнимо</source>
+        <translation>no row can match</translation>
+    </message>
+    <message>
+        <source>не понадобилась</source>
+        <translation>not needed</translation>
+    </message>
+    <message>
+        <source>строк %0, ожидалось %1 на раз</source>
+        <translation>%0 rows, %1 expected each time</translation>
+    </message>
+    <message>
+        <source>строк %0, ожидалось %1</source>
+        <translation>%0 rows, %1 expected</translation>
+    </message>
+    <message>
+        <source>, прочитано %0</source>
+        <translation>, %0 read</translation>
+    </message>
+    <message>
+        <source>нет индекса для %0: такое сравнение он не ускоряет</source>
+        <translation>no index for %0: an index does not answer this comparison</translation>
+    </message>
+    <message>
+        <source>нет индекса для %0: столбцы этого типа не индексируются</source>
+        <translation>no index for %0: columns of this type are not indexed</translation>
+    </message>
+    <message>
+        <source>нет индекса для %0: тексты сравниваются не по Locale</source>
+        <translation>no index for %0: the texts are not compared under Locale</translation>
+    </message>
+    <message>
+        <source>нет индекса для %0: значение не того типа, что столбец</source>
+        <translation>no index for %0: the value is not of the column&#x27;s type</translation>
+    </message>
+    <message>
+        <source>нет индекса для %0: таблица мала</source>
+        <translation>no index for %0: the table is small</translation>
+    </message>
+    <message>
+        <source>нет индекса для %0: число строк неизвестно</source>
+        <translation>no index for %0: the number of rows is not known</translation>
+    </message>
+    <message>
+        <source>нет индекса для %0: просмотры пока дешевле (%1 мс), чем его сделать (%2 мс)</source>
+        <translation>no index for %0: the scans so far were cheaper (%1 ms) than making it (%2 ms)</translation>
+    </message>
+    <message>
+        <source>индекс по %0 не годится: он нашёл бы слишком много строк</source>
+        <translation>the index on %0 is no use: it would find too many rows</translation>
+    </message>
+    <message>
+        <source>нет индекса для %0: негде хранить</source>
+        <translation>no index for %0: there is nowhere to keep it</translation>
+    </message>
+    <message>
+        <source>нет индекса для %0: индексы выключены</source>
+        <translation>no index for %0: indices are switched off</translation>
+    </message>
+    <message>
+        <source>сортировка для %0</source>
+        <translation>sorting for %0</translation>
+    </message>
+    <message>
+        <source>запрос %0:</source>
+        <translation>query %0:</translation>
+    </message>
+    <message>
+        <source>подзапрос %0, заново для каждой строки:</source>
+        <translation>subquery %0, again for every row:</translation>
+    </message>
+    <message>
+        <source>подзапрос %0, один раз:</source>
+        <translation>subquery %0, once:</translation>
+    </message>
+    <message>
+        <source>%0: временный индекс SQLite</source>
+        <translation>%0: temporary index of SQLite</translation>
+    </message>
+    <message>
+        <source>одна строка без таблицы</source>
+        <translation>one row without a table</translation>
+    </message>
+    <message>
+        <source>%0: все строки</source>
+        <translation>%0: all rows</translation>
+    </message>
 </context>
 <context>
     <name>orvane::dp::Table</name>
@@ -602,6 +726,14 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
     <message>
         <source>нет описания функции «%0»; возможно, «%1»</source>
         <translation>no function &quot;%0&quot; is described; did you mean &quot;%1&quot;?</translation>
+    </message>
+    <message>
+        <source>чем получен ответ каждого запроса, в стандартный вывод ошибок</source>
+        <translation>how each statement was answered, on standard error</translation>
+    </message>
+    <message>
+        <source>выполнить запрос и показать, чем получен ответ</source>
+        <translation>run a statement and show how it was answered</translation>
     </message>
 </context>
 <context>

@@ -22,7 +22,7 @@ namespace {
 struct RawOptions {
     std::vector<std::string> files, tables, commands, scripts;
     std::string format = "table", memo = "off", log = "warning", locale, output, null, selection, function;
-    bool noHeader = false, translate = false, sqlite = false, timing = false;
+    bool noHeader = false, translate = false, sqlite = false, timing = false, explain = false;
 };
 
 const std::map<std::string, Format> formats{
@@ -179,6 +179,8 @@ std::optional<Options> parseOptions(int argc, const char* const* argv) {
     value("--memo", raw.memo, Shell::tr("запоминать ли разобранные геометрии"), "off|always|request");
     value("--log", raw.log, Shell::tr("с какого уровня показывать журнал"), "trace|debug|info|warning");
     app.add_flag("--timing", raw.timing, text(Shell::tr("время каждого запроса в стандартный вывод ошибок")));
+    app.add_flag("--explain", raw.explain,
+                 text(Shell::tr("чем получен ответ каждого запроса, в стандартный вывод ошибок")));
     const auto* function = value("--help-function", raw.function, Shell::tr("описание функции"), "NAME");
     app.set_version_flag("--version", "orvane " ORVANE_VERSION, text(Shell::tr("показать версию")));
     app.set_help_flag("-h,--help", text(Shell::tr("показать эту справку")));
@@ -214,6 +216,7 @@ std::optional<Options> parseOptions(int argc, const char* const* argv) {
     options.translateOnly = raw.translate;
     options.sqlite = raw.sqlite;
     options.timing = raw.timing;
+    options.explain = raw.explain;
     options.memo = oneOf(memoModes, raw.memo, "--memo");
     options.logLevel = oneOf(logLevels, raw.log, "--log");
     return options;

@@ -46,6 +46,7 @@ struct Options {
     bool translateOnly = false;
     bool sqlite = false;
     bool timing = false;
+    bool explain = false;
     engine::EngineCache::GaiaCache memo = engine::EngineCache::NoMemo;
     LogLevel logLevel = LogLevel::Warning;
 };

@@ -8,6 +8,7 @@
 #include "platform/dp/Table.h"
 
 #include <cstdio>
+#include <utility>
 
 namespace orvane::shell {
 
@@ -71,6 +72,9 @@ const std::vector<PromptCommands::Command>& PromptCommands::commands() {
          &PromptCommands::showHelp},
         {".translate", "STATEMENT", QT_TRANSLATE_NOOP("orvane::shell::Shell", "запрос на языке SQLite"),
          &PromptCommands::showTranslation},
+        {".explain", "STATEMENT",
+         QT_TRANSLATE_NOOP("orvane::shell::Shell", "выполнить запрос и показать, чем получен ответ"),
+         &PromptCommands::explain},
         {".open", "FILE | NAME=FILE[|LAYER]", QT_TRANSLATE_NOOP("orvane::shell::Shell", "открыть слои файла"),
          &PromptCommands::open},
         {".close", "TABLE", QT_TRANSLATE_NOOP("orvane::shell::Shell", "закрыть таблицу"),
@@ -184,6 +188,14 @@ void PromptCommands::showTranslation(const QString& statement) {
     settings.translateOnly = true;
     runner_.run({QString(), text});
     settings.translateOnly = false;
+}
+
+void PromptCommands::explain(const QString& statement) {
+    StatementRunner::Settings& settings = runner_.settings();
+    const bool always = std::exchange(settings.explain, true);
+    const std::string text = statement.toStdString();
+    runner_.run({QString(), text});
+    settings.explain = always;
 }
 
 void PromptCommands::open(const QString& source) {

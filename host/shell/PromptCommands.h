@@ -26,6 +26,7 @@ private:
     void showFunctions(const QString& pattern);
     void showHelp(const QString& topic);
     void showTranslation(const QString& statement);
+    void explain(const QString& statement);
     void open(const QString& source);
     void close(const QString& table);
 

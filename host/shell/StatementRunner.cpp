@@ -1,5 +1,6 @@
 #include "host/shell/StatementRunner.h"
 
+#include "host/adaptor/StatementExplanation.h"
 #include "host/shell/ColumnTitles.h"
 #include "host/shell/Interrupt.h"
 #include "host/shell/Progress.h"
@@ -15,6 +16,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <memory>
+#include <optional>
 
 namespace orvane::shell {
 
@@ -119,6 +121,10 @@ Outcome StatementRunner::runSqlite(Statement& statement, const std::string& sqli
     const char* const end = begin + sqliteText.size();
     for (const char* rest = begin; rest != end;) {
         const auto offset = static_cast<std::size_t>(rest - begin);
+        std::optional<adaptor::StatementExplanation> explanation;
+        if (settings_.explain)
+            explanation.emplace(session_.database(),
+                                std::string_view(rest, static_cast<std::size_t>(end - rest)));
         const auto prepareBegin = Clock::now();
         sqlite3_stmt* handle = nullptr;
         const int code =
@@ -133,9 +139,12 @@ Outcome StatementRunner::runSqlite(Statement& statement, const std::string& sqli
             return failSqlite(statement, sqliteText, offset);
         else if (outcome == Outcome::Cancelled)
             return cancel();
+        if (explanation)
+            statement.explanation += explanation->lines();
         if (settings_.sqlite) {
             finish(statement);
             statement.times = Times();
+            statement.explanation.clear();
         }
     }
     return settings_.sqlite ? Outcome::Done : finish(statement);
@@ -171,9 +180,11 @@ Outcome StatementRunner::execute(Statement& statement, sqlite3_stmt* prepared,
 
 Outcome StatementRunner::finish(Statement& statement) {
     output_.commit();
+    const Times& times = statement.times;
+    const double totalMs = millisecondsSince(times.begin);
+    for (const QString& line : statement.explanation)
+        std::fprintf(stderr, "%s\n", line.toUtf8().constData());
     if (settings_.timing) {
-        const Times& times = statement.times;
-        const double totalMs = millisecondsSince(times.begin);
         std::fprintf(stderr, "translate_ms=%.3f prepare_ms=%.3f first_row_ms=%.3f total_ms=%.3f rows=%lld\n",
                      times.translateMs, times.prepareMs, times.rows != 0 ? times.firstRowMs : totalMs,
                      totalMs, static_cast<long long>(times.rows));

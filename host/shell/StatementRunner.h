@@ -25,6 +25,7 @@ public:
         bool translateOnly = false; ///< write the SQLite text instead of running it
         bool sqlite = false;        ///< the texts are SQLite's already
         bool timing = false;
+        bool explain = false; ///< tell how each statement was answered
     };
 
     StatementRunner(Session& session, Settings settings, Output& output, const Interrupt& interrupt);
@@ -51,6 +52,7 @@ private:
         std::string text;          ///< the user's
         TextPlace start;           ///< of that text in the source
         bool isExpression = false; ///< not a statement but a value
+        QStringList explanation{}; ///< of its SQLite statements
         Times times = {};
     };
 

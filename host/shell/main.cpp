@@ -97,6 +97,7 @@ StatementRunner::Settings runnerSettings(const Options& options, const Output& o
     settings.translateOnly = options.translateOnly;
     settings.sqlite = options.sqlite;
     settings.timing = options.timing;
+    settings.explain = options.explain;
     return settings;
 }
 

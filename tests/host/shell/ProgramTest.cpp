@@ -291,6 +291,23 @@ TEST(Program, timesEachStatementOnStandardError) {
     EXPECT_THAT(answer.errors, MatchesRegex(times + "177\n" + times + "0\n"));
 }
 
+TEST(Program, explainsInTheUsersLanguageHowEachStatementWasAnswered) {
+    const QStringList question{QStringLiteral("--explain"), QStringLiteral("-F"), QStringLiteral("csv"),
+                               QStringLiteral("-c"),
+                               QStringLiteral("Select Count(*) As n From countries k, cities c Where c.obj "
+                                              "Within k.obj And k.iso_a2 = 'DE'; Select 1 As one")};
+    const Answer english = ask(question);
+    EXPECT_EQ(english.output, "n\n99\none\n1\n");
+    EXPECT_THAT(english.errors, MatchesRegex("countries k: scan of the whole table\n"
+                                             "  1 rows, [0-9]+ expected, 177 read\n"
+                                             "  no index for iso_a2 =: the table is small\n"
+                                             "cities c: R-tree of the geometry \\(made now in [0-9.]+ ms\\)\n"
+                                             "  99 rows, [0-9]+ expected\n"
+                                             "one row without a table\n"));
+    const Answer russian = ask(question + QStringList{QStringLiteral("--locale"), QStringLiteral("ru_RU")});
+    EXPECT_THAT(russian.errors, HasSubstr("\ncities c: R-дерево по геометрии (сделан сейчас за "));
+}
+
 TEST(Program, endsWithinATenthOfASecondOfCtrlC) {
     RunningProgram program({data("cities.shp"), QStringLiteral("-c"),
                             QStringLiteral("Select Count(*) From cities a, cities b, cities c Where "
