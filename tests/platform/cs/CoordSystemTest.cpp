@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QFile>
+
 #include <cmath>
 #include <thread>
 #include <vector>
@@ -126,6 +128,42 @@ TEST(Transformer, KnownValues) {
         EXPECT_NEAR(position[1], entry.expectedY, entry.tolerance) << entry.from << ' ' << entry.to;
         EXPECT_EQ(position[2], 7) << "systems without heights leave z alone";
     }
+}
+
+/// Published positions of seven kinds of projection, there and back.
+TEST(Transformer, PublishedPositions) {
+    QFile file(QStringLiteral(ORVANE_TEST_DATA "/geometry/projections.txt"));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    constexpr double degreesInMetre = 360 / 40075016.7;
+    std::shared_ptr<const Transformer> forward;
+    std::shared_ptr<const Transformer> back;
+    double tolerance = 0;
+    int positions = 0;
+    for (int number = 1; !file.atEnd(); ++number) {
+        const QList<QByteArray> fields = file.readLine().simplified().split(' ');
+        if (fields[0] == "@") {
+            const auto geographic = tagged(QByteArray(fields[1]).replace("+", " +").constData());
+            const auto projected = tagged(QByteArray(fields[2]).replace("+", " +").constData());
+            ASSERT_TRUE(geographic && projected) << "projections.txt:" << number;
+            forward = Transformer::between(*geographic, *projected);
+            back = Transformer::between(*projected, *geographic);
+            tolerance = fields[3].toDouble();
+        } else if (fields[0] != "#") {
+            const double longitude = fields[0].toDouble();
+            const double latitude = fields[1].toDouble();
+            double position[] = {longitude, latitude};
+            EXPECT_TRUE(forward->transform(position, 1, 2, false));
+            EXPECT_NEAR(position[0], fields[2].toDouble(), tolerance) << "projections.txt:" << number;
+            EXPECT_NEAR(position[1], fields[3].toDouble(), tolerance) << "projections.txt:" << number;
+            EXPECT_TRUE(back->transform(position, 1, 2, false));
+            const double turns = std::round((longitude - position[0]) / 360);
+            EXPECT_NEAR(position[0] + turns * 360, longitude, tolerance * degreesInMetre)
+                << "projections.txt:" << number;
+            EXPECT_NEAR(position[1], latitude, tolerance * degreesInMetre) << "projections.txt:" << number;
+            ++positions;
+        }
+    }
+    EXPECT_GT(positions, 150);
 }
 
 TEST(Transformer, PositionsWithoutImage) {

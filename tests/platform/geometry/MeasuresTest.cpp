@@ -6,12 +6,14 @@
 
 #include <geodesic.h>
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 
 #include <QFile>
-#include <QTextStream>
 
 #include <cmath>
+#include <optional>
 #include <random>
+#include <vector>
 
 namespace orvane::tests {
 
@@ -19,23 +21,56 @@ namespace {
 
 using namespace geometry;
 
-TEST(Geodesics, PublishedLengths) {
+struct PublishedGeodesic {
+    int line; ///< of the file
+    double latitude1, longitude1, latitude2, longitude2;
+    double length;
+    std::optional<double> areaToEquator;
+};
+
+std::vector<PublishedGeodesic> publishedGeodesics() {
     QFile file(QStringLiteral(ORVANE_TEST_DATA "/geometry/geodesics.txt"));
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    int cases = 0;
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+    std::vector<PublishedGeodesic> geodesics;
     for (int number = 1; !file.atEnd(); ++number) {
         const QList<QByteArray> fields = file.readLine().simplified().split(' ');
-        if (fields.size() != 5 || fields[0] == "#") {
+        if (fields[0] != "#") {
+            geodesics.push_back({number, fields[0].toDouble(), fields[1].toDouble(), fields[2].toDouble(),
+                                 fields[3].toDouble(), fields[4].toDouble(),
+                                 fields.size() > 5 ? std::optional(fields[5].toDouble()) : std::nullopt});
+        }
+    }
+    return geodesics;
+}
+
+TEST(Geodesics, PublishedLengthsAndAreas) {
+    const auto wgs84 = cs::CoordSysFactory::defaultCoordSysFactory()->createFromEpsg(4326);
+    int lengths = 0;
+    int areas = 0;
+    for (const PublishedGeodesic& entry : publishedGeodesics()) {
+        const double ends[] = {entry.longitude1, entry.latitude1, entry.longitude2, entry.latitude2};
+        LineString line(CoordinateSequence(Dimensions::XY, ends));
+        line.setCoordSystem(wgs84);
+        EXPECT_NEAR(length(line, QString()), entry.length, 3e-8) << "geodesics.txt:" << entry.line;
+        ++lengths;
+        // Nearly antipodal ends do not hold the digits on which the area hangs, and beyond 179 degrees the
+        // equator itself may be no shortest way any more.
+        if (!entry.areaToEquator || entry.length > 19.9e6 || entry.longitude2 > 179) {
             continue;
         }
-        const double values[] = {fields[1].toDouble(), fields[0].toDouble(), fields[3].toDouble(),
-                                 fields[2].toDouble()};
-        LineString line(CoordinateSequence(Dimensions::XY, values));
-        line.setCoordSystem(cs::CoordSysFactory::defaultCoordSysFactory()->createFromEpsg(4326));
-        EXPECT_NEAR(length(line, QString()), fields[4].toDouble(), 2e-8) << "geodesics.txt:" << number;
-        ++cases;
+        const double corners[] = {entry.longitude1, entry.latitude1,
+                                  entry.longitude2, entry.latitude2,
+                                  entry.longitude2, 0,
+                                  entry.longitude1, 0,
+                                  entry.longitude1, entry.latitude1};
+        Polygon below(Dimensions::XY, {CoordinateSequence(Dimensions::XY, corners)});
+        below.setCoordSystem(wgs84);
+        EXPECT_NEAR(area(below, QString()), std::abs(*entry.areaToEquator), 1)
+            << "geodesics.txt:" << entry.line;
+        ++areas;
     }
-    EXPECT_EQ(cases, 20);
+    EXPECT_GT(lengths, 280);
+    EXPECT_GT(areas, 130);
 }
 
 struct MeasureCase {
@@ -86,6 +121,64 @@ TEST(Measures, KnownValues) {
         EXPECT_NEAR(entry.measure(*fromWkt(entry.wkt, entry.epsg), QString::fromUtf8(entry.units)),
                     entry.expected, entry.tolerance)
             << entry.wkt << ' ' << entry.epsg << ' ' << entry.units;
+    }
+}
+
+/// The geometries of a GeoPackage's layer. A value is a header, whose flags tell the size of the envelope in
+/// it, and well-known binary.
+std::vector<std::shared_ptr<Geometry>> geometriesOfGeoPackage(const char* file, const char* sql) {
+    constexpr int envelopeSizes[] = {0, 32, 48, 48, 64};
+    std::vector<std::shared_ptr<Geometry>> geometries;
+    sqlite3* database = nullptr;
+    sqlite3_stmt* statement = nullptr;
+    sqlite3_open_v2(file, &database, SQLITE_OPEN_READONLY, nullptr);
+    sqlite3_prepare_v2(database, sql, -1, &statement, nullptr);
+    while (sqlite3_step(statement) == SQLITE_ROW) {
+        const std::string_view blob(static_cast<const char*>(sqlite3_column_blob(statement, 0)),
+                                    static_cast<std::size_t>(sqlite3_column_bytes(statement, 0)));
+        const auto header = static_cast<std::size_t>(8 + envelopeSizes[blob[3] >> 1 & 7]);
+        geometries.push_back(GeometryFactory::fromWkb(
+            blob.substr(header), cs::CoordSysFactory::defaultCoordSysFactory()->createFromEpsg(4326)));
+    }
+    sqlite3_finalize(statement);
+    sqlite3_close(database);
+    return geometries;
+}
+
+/// The area inside one ring by PROJ's planimeter.
+double planimeterArea(const CoordinateSequence& ring) {
+    geod_geodesic ellipsoid;
+    geod_init(&ellipsoid, 6378137, 1 / 298.257223563);
+    geod_polygon polygon;
+    geod_polygon_init(&polygon, 0);
+    for (std::size_t i = 0; i + 1 < ring.size(); ++i) {
+        geod_polygon_addpoint(&ellipsoid, &polygon, ring.y(i), ring.x(i));
+    }
+    double area = 0;
+    geod_polygon_compute(&ellipsoid, &polygon, 0, 1, &area, nullptr);
+    return std::abs(area);
+}
+
+TEST(Measures, AreasOfTheCountries) {
+    const auto countries =
+        geometriesOfGeoPackage(ORVANE_EXAMPLE_DATA "/countries.gpkg", "Select geom From countries");
+    EXPECT_GT(countries.size(), 150U);
+    for (const auto& country : countries) {
+        double expected = 0;
+        const auto addPolygon = [&expected](const Geometry& part) {
+            const auto& rings = dynamic_cast<const Polygon&>(part).rings();
+            for (std::size_t i = 0; i < rings.size(); ++i) {
+                expected += i == 0 ? planimeterArea(rings[i]) : -planimeterArea(rings[i]);
+            }
+        };
+        if (const auto* collection = dynamic_cast<const GeometryCollection*>(country.get())) {
+            for (const GeometryPtr& part : collection->parts()) {
+                addPolygon(*part);
+            }
+        } else {
+            addPolygon(*country);
+        }
+        EXPECT_NEAR(area(*country, QString()), expected, expected * 1e-12);
     }
 }
 
