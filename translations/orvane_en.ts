@@ -57,10 +57,6 @@
 <context>
     <name>orvane::adaptor</name>
     <message>
-        <source>Запрос прерван</source>
-        <translation>The query was interrupted</translation>
-    </message>
-    <message>
         <source>Столбец %0: ожидается %1, а не «%2»</source>
         <translation>Column %0: expected %1, not &quot;%2&quot;</translation>
     </message>
@@ -231,6 +227,33 @@
     <message>
         <source>%0: все строки</source>
         <translation>%0: all rows</translation>
+    </message>
+    <message>
+        <source>Негде хранить индекс %0</source>
+        <translation>There is nowhere to keep the index %0</translation>
+    </message>
+    <message>
+        <source>индекс %0</source>
+        <translation>index %0</translation>
+    </message>
+    <message>
+        <source>Индекс %0: строк %1, %2 мс</source>
+        <translation>Index %0: %1 rows, %2 ms</translation>
+    </message>
+    <message>
+        <source>Индекс %0 не сделан: %1</source>
+        <translation>The index %0 was not made: %1</translation>
+    </message>
+    <message>
+        <source>R-дерево таблицы %0</source>
+        <translation>R-tree of the table %0</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::dp</name>
+    <message>
+        <source>Запрос прерван</source>
+        <translation>The query was interrupted</translation>
     </message>
 </context>
 <context>
@@ -734,6 +757,26 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
     <message>
         <source>выполнить запрос и показать, чем получен ответ</source>
         <translation>run a statement and show how it was answered</translation>
+    </message>
+    <message>
+        <source>не делать индексов по столбцам</source>
+        <translation>do not make indices of columns</translation>
+    </message>
+    <message>
+        <source>где хранить индексы, пока работает программа</source>
+        <translation>where to keep indices while the program runs</translation>
+    </message>
+    <message>
+        <source>--index-directory: нет папки «%0»</source>
+        <translation>--index-directory: there is no directory &quot;%0&quot;</translation>
+    </message>
+    <message>
+        <source>%0: %1 %</source>
+        <translation>%0: %1 %</translation>
+    </message>
+    <message>
+        <source>%0: %1 строк</source>
+        <translation>%0: %1 rows</translation>
     </message>
 </context>
 <context>

@@ -341,7 +341,7 @@ void EngineIndicesSqlite::enumColumns(int index, const std::function<Status(int)
     }
 }
 
-std::unique_ptr<EngineIndices::RowLoader> EngineIndicesSqlite::getLoader(int index) {
+std::unique_ptr<EngineIndices::RowLoader> EngineIndicesSqlite::getLoader(int index, dp::Progress* progress) {
     const IndexEntry* entry = internal_->find(index);
     if (!isCorrect() || !entry || entry->columns.isEmpty()) {
         return nullptr;
@@ -353,7 +353,7 @@ std::unique_ptr<EngineIndices::RowLoader> EngineIndicesSqlite::getLoader(int ind
     return std::make_unique<SqliteLoader>(
         internal_->database, index, entry->columns,
         RowSorter(std::move(collated), internal_->options.collator),
-        [this, index](const GroupCounts* counts) { internal_->resetStatistics(index, counts); });
+        [this, index](const GroupCounts* counts) { internal_->resetStatistics(index, counts); }, progress);
 }
 
 std::unique_ptr<EngineIndices::RowLookup>

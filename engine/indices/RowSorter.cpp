@@ -133,17 +133,18 @@ std::string_view RowSorter::key(std::size_t ordinal) const {
     return {keys_.data() + begin, end - begin};
 }
 
-void RowSorter::sort() {
-    sortFrom(rows_, 0);
+void RowSorter::sort(const dp::Cancellation& cancellation) {
+    sortFrom(rows_, 0, cancellation);
 }
 
 /// Orders rows whose keys agree in the first `depth` bytes: by the next eight, which are brought to the rows
 /// so that sorting stays off the keys, and then group by group. No key is the beginning of another one, so a
 /// group is all equal once one of its keys has ended.
-void RowSorter::sortFrom(RowSpan rows, std::size_t depth) {
+void RowSorter::sortFrom(RowSpan rows, std::size_t depth, const dp::Cancellation& cancellation) {
     if (rows.size() < 2) {
         return;
     }
+    cancellation.check();
     if (depth >= headedSize || depth >= key(rows.front().ordinal).size()) {
         sortRest(rows, depth);
         return;
@@ -160,7 +161,7 @@ void RowSorter::sortFrom(RowSpan rows, std::size_t depth) {
         while (end < rows.size() && rows[end].head == rows[begin].head) {
             ++end;
         }
-        sortFrom(rows.subspan(begin, end - begin), depth + headSize);
+        sortFrom(rows.subspan(begin, end - begin), depth + headSize, cancellation);
         begin = end;
     }
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/indices/TextOrder.h"
+#include "platform/dp/Cancellation.h"
 #include "platform/dp/Cursor.h"
 
 #include <memory>
@@ -23,7 +24,8 @@ public:
 
     /// Copies what the views show. As many values as columns.
     void add(qint64 row, std::span<const dp::Cell> values);
-    void sort();
+    /// Throws dp::Cancelled; the order is then open.
+    void sort(const dp::Cancellation& cancellation);
     void clear();
 
     std::size_t rowCount() const { return rows_.size(); }
@@ -58,7 +60,7 @@ private:
 
     std::string_view key(std::size_t ordinal) const;
     void appendKey(const dp::Cell& value, bool isCollated);
-    void sortFrom(RowSpan rows, std::size_t depth);
+    void sortFrom(RowSpan rows, std::size_t depth, const dp::Cancellation& cancellation);
     void sortRest(RowSpan rows, std::size_t depth);
 
     std::vector<bool> collated_;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <stdexcept>
+#include <utility>
 
 namespace orvane::engine {
 
@@ -12,6 +13,7 @@ namespace {
 /// Rows are gathered up to this size before they are sorted and stored.
 constexpr std::size_t portionSize = std::size_t(128) << 20;
 constexpr std::size_t rowsPerStatement = 256;
+constexpr qint64 rowsPerReport = 4096;
 /// SQLite's default limit of parameters in a statement is 32766.
 static_assert(rowsPerStatement * 33 < 32766, "the columns of an index are few");
 
@@ -42,11 +44,12 @@ bool isEmpty(dp::SqliteDatabaseAccess& database, int index) {
 } // namespace
 
 SqliteLoader::SqliteLoader(std::shared_ptr<dp::SqliteDatabaseAccess> database, int index,
-                           const IndexColumns& columns, RowSorter sorter, Stored stored)
+                           const IndexColumns& columns, RowSorter sorter, Stored stored,
+                           dp::Progress* progress)
     : database_(std::move(database)), work_(database_->open(QStringLiteral("addRows"))),
       insertMany_(insertStatement(*database_, index, columns, rowsPerStatement)),
       insertOne_(insertStatement(*database_, index, columns, 1)), sorter_(std::move(sorter)),
-      stored_(std::move(stored)), isCounting_(isEmpty(*database_, index)) {}
+      stored_(std::move(stored)), isCounting_(isEmpty(*database_, index)), progress_(progress) {}
 
 SqliteLoader::~SqliteLoader() = default;
 
@@ -55,6 +58,10 @@ void SqliteLoader::addRow(qint64 row, std::span<const dp::Cell> values) {
         throw std::logic_error("an index row has one value per column");
     }
     sorter_.add(row, values);
+    if (++unreported_ == rowsPerReport) {
+        cancellation_.check();
+        report(std::exchange(unreported_, 0));
+    }
     if (sorter_.size() >= portionSize) {
         storePortion();
         isCounting_ = false;
@@ -83,26 +90,30 @@ void SqliteLoader::countGroups() {
 }
 
 void SqliteLoader::storePortion() {
-    sorter_.sort();
+    report(std::exchange(unreported_, 0));
+    sorter_.sort(cancellation_);
     if (isCounting_) {
         countGroups();
     }
     const std::size_t numRows = sorter_.rowCount();
     std::size_t position = 0;
     for (; numRows - position >= rowsPerStatement; position += rowsPerStatement) {
-        checkCancellation();
+        cancellation_.check();
         insert(insertMany_, position, rowsPerStatement);
+        report(rowsPerStatement);
     }
-    checkCancellation();
+    cancellation_.check();
+    const std::size_t rest = numRows - position;
     for (; position < numRows; ++position) {
         insert(insertOne_, position, 1);
     }
+    report(static_cast<qint64>(rest));
     sorter_.clear();
 }
 
-void SqliteLoader::checkCancellation() const {
-    if (cancellation_.isRequested()) {
-        throw std::runtime_error("interrupted");
+void SqliteLoader::report(qint64 rows) {
+    if (progress_) {
+        progress_->advance(rows);
     }
 }
 

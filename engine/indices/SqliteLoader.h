@@ -3,6 +3,7 @@
 #include "engine/indices/IndexMatching.h"
 #include "engine/indices/RowSorter.h"
 #include "platform/dp/Cancellation.h"
+#include "platform/dp/Progress.h"
 #include "platform/dp/SqliteDatabaseAccess.h"
 
 #include <functional>
@@ -26,7 +27,7 @@ public:
     using Stored = std::function<void(const GroupCounts* counts)>;
 
     SqliteLoader(std::shared_ptr<dp::SqliteDatabaseAccess> database, int index, const IndexColumns& columns,
-                 RowSorter sorter, Stored stored);
+                 RowSorter sorter, Stored stored, dp::Progress* progress);
     ~SqliteLoader() override;
 
     void addRow(qint64 row, std::span<const dp::Cell> values) override;
@@ -35,7 +36,7 @@ public:
 private:
     void storePortion();
     void countGroups();
-    void checkCancellation() const;
+    void report(qint64 rows);
     /// Binds and runs a statement of `count` rows.
     void insert(dp::SqliteStatement& statement, std::size_t first, std::size_t count);
 
@@ -48,6 +49,8 @@ private:
     bool isCounting_;
     GroupCounts counts_;
     dp::Cancellation cancellation_;
+    dp::Progress* progress_;
+    qint64 unreported_ = 0; ///< rows added since the progress was told
 };
 
 } // namespace orvane::engine

@@ -1,13 +1,13 @@
 #include "host/adaptor/AttributeIndexing.h"
 
+#include "host/adaptor/IndexBuilder.h"
+
 #include <orvane/engine/EngineCache.h>
 
-#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QMetaType>
 
 #include <algorithm>
-#include <stdexcept>
 
 namespace orvane::adaptor {
 
@@ -30,7 +30,6 @@ constexpr std::size_t scanShare = 64;
 constexpr int mostFailures = 3;
 constexpr std::size_t mostAttributes = 3;
 constexpr std::size_t mostLookups = 10'000; ///< combinations of In lists
-constexpr unsigned rowsBetweenChecks = 1024;
 
 bool isEquality(Comparison comparison) {
     return comparison == Comparison::Equal || comparison == Comparison::Is || comparison == Comparison::In;
@@ -180,10 +179,13 @@ std::optional<std::vector<dp::FeatureId>> AttributeIndexing::find(dp::Table& tab
             use_.outcome = Outcome::ScansCheaper;
             return std::nullopt;
         }
+        cancellation.check();
         QElapsedTimer timer;
         timer.start();
-        use_.isMade = build(demand, attributes, table, store, cancellation);
+        demand.index = buildIndex(attributes, table, store, cache_);
+        use_.isMade = demand.index >= 0;
         if (!use_.isMade) {
+            demand.scanCost = 0; // tried again when as much has been spent once more
             use_.outcome = Outcome::NoStorage;
             return std::nullopt;
         }
@@ -206,38 +208,6 @@ std::optional<std::vector<dp::FeatureId>> AttributeIndexing::find(dp::Table& tab
         ids.push_back(cache_.intToId(row));
     }
     return ids;
-}
-
-bool AttributeIndexing::build(Demand& demand, const Attributes& attributes, dp::Table& table,
-                              EngineIndices& store, const dp::Cancellation& cancellation) {
-    if (!store.isCorrect() && !store.createStorage(*table.schema())) {
-        return false;
-    }
-    std::vector<EngineIndices::Column> columns;
-    for (const int attribute : attributes) {
-        columns.push_back({static_cast<quint32>(attribute), EngineIndices::Equal});
-    }
-    const int index = store.addIndex(columns);
-    const auto loader = store.getLoader(index);
-    if (!loader) {
-        return false;
-    }
-    dp::ScanRequest request;
-    request.attributes = attributes;
-    const auto cursor = table.openCursor(request);
-    std::vector<dp::Cell> values(attributes.size());
-    for (unsigned row = 1; cursor->next(); ++row) {
-        if (row % rowsBetweenChecks == 0 && cancellation.isRequested()) {
-            throw std::runtime_error(
-                QCoreApplication::translate("orvane::adaptor", "Запрос прерван").toStdString());
-        }
-        std::transform(attributes.begin(), attributes.end(), values.begin(),
-                       [&cursor](int attribute) { return cursor->cell(attribute); });
-        loader->addRow(cache_.assignIdToInt(cursor->featureId()), values);
-    }
-    loader->finish();
-    demand.index = index;
-    return true;
 }
 
 AttributeIndexing::Lookup& AttributeIndexing::lookup(Demand& demand,

@@ -71,8 +71,6 @@ private:
     std::vector<const dp::ScanTerm*> chooseTerms(std::span<const dp::ScanTerm> terms) const;
     double scanCost(const Attributes& attributes, double rows) const;
     void follow(const dp::Table& table, engine::EngineIndices& store);
-    bool build(Demand& demand, const Attributes& attributes, dp::Table& table, engine::EngineIndices& store,
-               const dp::Cancellation& cancellation);
     static Lookup& lookup(Demand& demand, const std::vector<const dp::ScanTerm*>& terms,
                           const engine::EngineIndices& store);
     /// Runs the look-up for every combination of the operands of In lists; false when more than `most` rows

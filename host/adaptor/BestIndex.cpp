@@ -193,7 +193,7 @@ private:
         const double share = single ? 1 / rows_ : shareOf(column, comparison);
         passing_ *= share;
         unique_ = unique_ || single;
-        if (equality && AttributeIndexing::serves(column, *collation, rows_) &&
+        if (equality && virtual_.makesIndices() && AttributeIndexing::serves(column, *collation, rows_) &&
             (!operand || virtual_.averageGroup(column.attribute))) {
             looksUp_ = true; // at once, or soon: a join that repeats the scan gets its index
         }

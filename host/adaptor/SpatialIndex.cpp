@@ -1,5 +1,6 @@
 #include "host/adaptor/SpatialIndex.h"
 
+#include "platform/dp/Progress.h"
 #include "platform/geometry/GeometryFactory.h"
 #include "platform/geometry/Relations.h"
 #include "platform/geometry/Shapes.h"
@@ -121,11 +122,14 @@ SpatialIndex::SpatialIndex(dp::Table& table, const dp::Cancellation& cancellatio
     dp::ScanRequest request;
     request.attributes = {attribute};
     const auto rows = table.openCursor(request);
+    dp::Progress progress(
+        QCoreApplication::translate("orvane::adaptor", "R-дерево таблицы %0").arg(table.name()),
+        table.featureCount().value_or(0));
     std::vector<Node> nodes;
     for (unsigned row = 1; rows->next(); ++row) {
-        if (row % rowsBetweenChecks == 0 && cancellation.isRequested()) {
-            throw std::runtime_error(
-                QCoreApplication::translate("orvane::adaptor", "Запрос прерван").toStdString());
+        if (row % rowsBetweenChecks == 0) {
+            cancellation.check();
+            progress.advance(rowsBetweenChecks);
         }
         const dp::Cell cell = rows->cell(attribute);
         if (cell.type() != dp::CellType::Wkb) {

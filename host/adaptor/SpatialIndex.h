@@ -18,8 +18,8 @@ namespace orvane::adaptor {
 /// made; used from one thread.
 class SpatialIndex {
 public:
-    /// Reads the geometry of every feature. Throws std::runtime_error when the table cannot be read or the
-    /// work is cancelled.
+    /// Reads the geometry of every feature, with a dp::Progress. Throws std::runtime_error when the table
+    /// cannot be read, dp::Cancelled when the work is cancelled.
     SpatialIndex(dp::Table& table, const dp::Cancellation& cancellation);
 
     ~SpatialIndex();

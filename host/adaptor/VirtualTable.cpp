@@ -13,13 +13,17 @@ VirtualTable::VirtualTable(QString name, std::shared_ptr<dp::Table> table, engin
 
 std::optional<std::vector<dp::FeatureId>> VirtualTable::findByIndex(std::span<const dp::ScanTerm> terms,
                                                                     const dp::Cancellation& cancellation) {
-    engine::EngineIndices* store = terms.empty() ? nullptr : indexStore_(table_);
+    engine::EngineIndices* store = terms.empty() || !makesIndices() ? nullptr : indexStore_(table_);
     return store ? indexing_.find(table(), *store, terms, cancellation) : std::nullopt;
 }
 
 std::optional<double> VirtualTable::averageGroup(int attribute) const {
-    const engine::EngineIndices* store = indexStore_(table_);
+    const engine::EngineIndices* store = makesIndices() ? indexStore_(table_) : nullptr;
     return store ? indexing_.averageGroup(attribute, *store) : std::nullopt;
+}
+
+IndexUse VirtualTable::lastIndexUse() const {
+    return makesIndices() ? indexing_.lastUse() : IndexUse{IndexUse::Outcome::SwitchedOff};
 }
 
 dp::Table& VirtualTable::table() const {

@@ -31,7 +31,8 @@ namespace orvane::adaptor {
 /// through the base.
 class VirtualTable : public sqlite3_vtab {
 public:
-    /// Answers the index store of a table; null without an engine.
+    /// Answers the index store of a table; null without an engine. No function at all where no index is to be
+    /// made.
     using IndexStore = std::function<engine::EngineIndices*(const std::shared_ptr<dp::Table>&)>;
 
     VirtualTable(QString name, std::shared_ptr<dp::Table> table, engine::EngineCache& cache,
@@ -57,8 +58,10 @@ public:
     /// The features that can satisfy the terms, where an attribute index tells.
     std::optional<std::vector<dp::FeatureId>> findByIndex(std::span<const dp::ScanTerm> terms,
                                                           const dp::Cancellation& cancellation);
+    /// Whether attribute indices are made of the table when they pay.
+    bool makesIndices() const { return indexStore_ != nullptr; }
     /// What came of the last findByIndex.
-    const IndexUse& lastIndexUse() const { return indexing_.lastUse(); }
+    IndexUse lastIndexUse() const;
     /// Rows that an equality on the attribute finds on average; nothing when it is not known.
     std::optional<double> averageGroup(int attribute) const;
     void forgetIndices() { indexing_.forget(); }

@@ -6,6 +6,9 @@
 #include "host/adaptor/VirtualTable.h"
 
 #include "platform/core/Core.h"
+#include "platform/core/TypedSettings.h"
+#include "platform/di/ServiceLocator.h"
+#include "platform/dp/Cancellation.h"
 #include "platform/dp/DataCatalog.h"
 #include <orvane/Engine.h>
 
@@ -36,11 +39,7 @@ struct ModuleContext {
 class ModuleTable : public VirtualTable {
 public:
     ModuleTable(QString name, std::shared_ptr<dp::Table> source, const ModuleContext& context)
-        : VirtualTable(std::move(name), std::move(source), *context.cache,
-                       [&context](const std::shared_ptr<dp::Table>& table) -> engine::EngineIndices* {
-                           Engine* engine = context.engine();
-                           return engine ? engine->indices(table) : nullptr;
-                       }),
+        : VirtualTable(std::move(name), std::move(source), *context.cache, indexStore(context)),
           context_(context) {}
 
     void announce() {
@@ -55,6 +54,17 @@ public:
     }
 
 private:
+    static IndexStore indexStore(const ModuleContext& context) {
+        const auto settings = serviceLocator().find<TypedSettings>();
+        if (settings && settings->value(DefaultSettingsList::NoAttributeIndices).toBool()) {
+            return nullptr;
+        }
+        return [&context](const std::shared_ptr<dp::Table>& table) -> engine::EngineIndices* {
+            Engine* engine = context.engine();
+            return engine ? engine->indices(table) : nullptr;
+        };
+    }
+
     const ModuleContext& context_;
 };
 
@@ -79,6 +89,9 @@ int barrier(char** message, Work work) {
         return work();
     } catch (const std::bad_alloc&) {
         return SQLITE_NOMEM;
+    } catch (const dp::Cancelled& cancelled) {
+        setMessage(message, cancelled.what());
+        return SQLITE_INTERRUPT;
     } catch (const std::exception& exception) {
         setMessage(message, exception.what());
     } catch (...) {

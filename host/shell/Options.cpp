@@ -21,8 +21,10 @@ namespace {
 /// What CLI11 fills in, before the texts are taken apart.
 struct RawOptions {
     std::vector<std::string> files, tables, commands, scripts;
-    std::string format = "table", memo = "off", log = "warning", locale, output, null, selection, function;
-    bool noHeader = false, translate = false, sqlite = false, timing = false, explain = false;
+    std::string format = "table", memo = "off", log = "warning", locale, output, null, selection, function,
+                indexDirectory;
+    bool noHeader = false, translate = false, sqlite = false, timing = false, explain = false,
+         noIndices = false;
 };
 
 const std::map<std::string, Format> formats{
@@ -181,6 +183,9 @@ std::optional<Options> parseOptions(int argc, const char* const* argv) {
     app.add_flag("--timing", raw.timing, text(Shell::tr("время каждого запроса в стандартный вывод ошибок")));
     app.add_flag("--explain", raw.explain,
                  text(Shell::tr("чем получен ответ каждого запроса, в стандартный вывод ошибок")));
+    app.add_flag("--no-indices", raw.noIndices, text(Shell::tr("не делать индексов по столбцам")));
+    value("--index-directory", raw.indexDirectory, Shell::tr("где хранить индексы, пока работает программа"),
+          "DIRECTORY");
     const auto* function = value("--help-function", raw.function, Shell::tr("описание функции"), "NAME");
     app.set_version_flag("--version", "orvane " ORVANE_VERSION, text(Shell::tr("показать версию")));
     app.set_help_flag("-h,--help", text(Shell::tr("показать эту справку")));
@@ -217,6 +222,8 @@ std::optional<Options> parseOptions(int argc, const char* const* argv) {
     options.sqlite = raw.sqlite;
     options.timing = raw.timing;
     options.explain = raw.explain;
+    options.noIndices = raw.noIndices;
+    options.indexDirectory = QString::fromStdString(raw.indexDirectory);
     options.memo = oneOf(memoModes, raw.memo, "--memo");
     options.logLevel = oneOf(logLevels, raw.log, "--log");
     return options;

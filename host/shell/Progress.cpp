@@ -4,6 +4,7 @@
 
 #include <QLocale>
 
+#include <algorithm>
 #include <cstdio>
 
 #include <unistd.h>
@@ -11,13 +12,19 @@
 namespace orvane::shell {
 
 Progress::Progress() {
-    if (::isatty(STDERR_FILENO))
-        thread_ = std::thread([this] { show(); });
+    if (!::isatty(STDERR_FILENO))
+        return;
+    dp::Progress::exchangeWatcher([this](const dp::Progress::State& state) {
+        const std::lock_guard lock(mutex_);
+        work_ = state;
+    });
+    thread_ = std::thread([this] { show(); });
 }
 
 void Progress::stop() {
     if (!thread_.joinable())
         return;
+    dp::Progress::exchangeWatcher({});
     {
         const std::lock_guard lock(mutex_);
         stopping_ = true;
@@ -26,18 +33,26 @@ void Progress::stop() {
     thread_.join();
 }
 
+QString Progress::line() const {
+    if (!work_.work.isEmpty())
+        return work_.total > 0
+                   ? Shell::tr("%0: %1 %")
+                         .arg(work_.work)
+                         .arg(std::min<qint64>(100, 100 * work_.done / work_.total))
+                   : Shell::tr("%0: %1 строк").arg(work_.work, QLocale().toString(qlonglong(work_.done)));
+    const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start_;
+    return Shell::tr("%0 строк, %1 с")
+        .arg(QLocale().toString(static_cast<qlonglong>(rows_.load(std::memory_order_relaxed))),
+             QString::number(time.count(), 'f', 1));
+}
+
 void Progress::show() {
     using namespace std::chrono;
     std::unique_lock lock(mutex_);
     bool shown = false;
     while (!stopped_.wait_for(lock, shown ? milliseconds(200) : milliseconds(500),
                               [this] { return stopping_; })) {
-        const double seconds = duration<double>(steady_clock::now() - start_).count();
-        const QString line =
-            Shell::tr("%0 строк, %1 с")
-                .arg(QLocale().toString(static_cast<qlonglong>(rows_.load(std::memory_order_relaxed))),
-                     QString::number(seconds, 'f', 1));
-        std::fprintf(stderr, "\r\033[K%s", line.toUtf8().constData());
+        std::fprintf(stderr, "\r\033[K%s", line().toUtf8().constData());
         std::fflush(stderr);
         shown = true;
     }

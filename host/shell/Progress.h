@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/dp/Progress.h"
+
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
@@ -9,9 +11,9 @@
 
 namespace orvane::shell {
 
-/// A line on standard error, where that is a terminal, that shows how far a statement is: it appears after
-/// half a second and is wiped when the object goes or stop() is called. Elsewhere nothing is shown and no
-/// thread is started.
+/// A line on standard error, where that is a terminal, that shows how far a statement is, or the work that it
+/// waits for: it appears after half a second and is wiped when the object goes or stop() is called. Elsewhere
+/// nothing is shown and no thread is started.
 class Progress {
 public:
     Progress();
@@ -24,12 +26,14 @@ public:
 
 private:
     void show();
+    QString line() const;
 
     std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
     std::atomic<std::int64_t> rows_{0};
     std::mutex mutex_;
     std::condition_variable stopped_;
     bool stopping_ = false;
+    dp::Progress::State work_; ///< long work inside the statement, such as making an index
     std::thread thread_;
 };
 

@@ -5,9 +5,11 @@
 #include "host/providers/FilesExtension.h"
 #include "host/shell/NearestName.h"
 #include "host/shell/Shell.h"
+#include "platform/di/ServiceLocator.h"
 
 #include <orvane/Engine.h>
 
+#include <QFileInfo>
 #include <QSqlDriver>
 
 namespace orvane::shell {
@@ -37,6 +39,7 @@ std::vector<std::shared_ptr<files::LayerTable>> openLayers(const QString& source
 } // namespace
 
 Session::Session() {
+    serviceLocator().exchange(settings_);
     core_.registerService(&catalog_);
     engine_ = Engine::load(&core_);
     engine_->loadTableAdapterModule(&core_, adaptor::initialise);
@@ -46,16 +49,26 @@ Session::Session() {
     files_->linkDataCatalog();
 }
 
-Session::~Session() = default;
+Session::~Session() {
+    serviceLocator().exchange<TypedSettings>(nullptr);
+}
 
 void Session::open(const Options& options) {
-    engine_->cache()->setUseGaiaCache(options.memo);
+    apply(options);
     for (const QString& path : options.files)
         openFile(path);
     for (const TableSource& table : options.tables)
         openTable(table);
     if (options.selection)
         select(*options.selection);
+}
+
+void Session::apply(const Options& options) {
+    if (!options.indexDirectory.isEmpty() && !QFileInfo(options.indexDirectory).isDir())
+        throw UsageError(Shell::tr("--index-directory: нет папки «%0»").arg(options.indexDirectory));
+    settings_->setValue(DefaultSettingsList::IndexDirectory, options.indexDirectory);
+    settings_->setValue(DefaultSettingsList::NoAttributeIndices, options.noIndices);
+    engine_->cache()->setUseGaiaCache(options.memo);
 }
 
 void Session::openFile(const QString& path) {

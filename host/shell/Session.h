@@ -4,6 +4,7 @@
 #include "host/shell/Options.h"
 
 #include "platform/core/Core.h"
+#include "platform/core/TypedSettings.h"
 #include "platform/dp/DataCatalogWithSelection.h"
 
 #include <memory>
@@ -43,9 +44,12 @@ public:
     Names names() const { return {database_, catalog_}; }
 
 private:
+    void apply(const Options& options);
     void makeVirtualTables();
 
     dp::DataCatalogWithSelection catalog_; ///< outlives the engine, whose tables look into it
+    std::shared_ptr<TypedSettings> settings_ =
+        std::make_shared<TypedSettings>(); ///< a service of the process
     Core core_;
     Engine* engine_ = nullptr; ///< a child of the core
     sqlite3* database_ = nullptr;

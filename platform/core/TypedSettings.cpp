@@ -10,6 +10,7 @@ namespace orvane {
 int DefaultSettingsList::type(Key key) {
     switch (key) {
     case IndexDirectory: return QMetaType::QString;
+    case NoAttributeIndices: return QMetaType::Bool;
     }
     return QMetaType::UnknownType;
 }

@@ -14,6 +14,7 @@ namespace orvane {
 struct DefaultSettingsList {
     enum Key : int {
         IndexDirectory = 48, ///< QString: where attribute indices are kept; empty for the temporary directory
+        NoAttributeIndices = 49, ///< bool: tables opened from then on are scanned, no index is made of them
     };
 
     /// Qt meta-type of the values of a key; QMetaType::UnknownType for a number that is no key.

@@ -1,5 +1,7 @@
 #include "platform/dp/Cancellation.h"
 
+#include <QCoreApplication>
+
 #include <atomic>
 
 namespace orvane::dp {
@@ -8,10 +10,19 @@ namespace {
 std::atomic<std::uint64_t> cancellations{0};
 }
 
+Cancelled::Cancelled()
+    : std::runtime_error(QCoreApplication::translate("orvane::dp", "Запрос прерван").toStdString()) {}
+
 Cancellation::Cancellation() : since_(cancellations.load(std::memory_order_relaxed)) {}
 
 bool Cancellation::isRequested() const {
     return cancellations.load(std::memory_order_relaxed) != since_;
+}
+
+void Cancellation::check() const {
+    if (isRequested()) {
+        throw Cancelled();
+    }
 }
 
 void Cancellation::cancelAll() {

@@ -3,8 +3,15 @@
 #include "platform/Export.h"
 
 #include <cstdint>
+#include <stdexcept>
 
 namespace orvane::dp {
+
+/// Long work was cancelled. The text is UTF-8 for the user.
+class ORVANE_PLATFORM_EXPORT Cancelled : public std::runtime_error {
+public:
+    Cancelled();
+};
 
 /// Lets long work that runs inside one step of a statement notice that the user cancelled. Made when the work
 /// begins; a cancellation before that moment has no effect on it. Any thread.
@@ -14,6 +21,8 @@ public:
 
     /// Whether cancelAll was called since this object was made. Costs one relaxed atomic load.
     bool isRequested() const;
+    /// Throws Cancelled when it was.
+    void check() const;
 
     /// Cancels all work that is under way.
     static void cancelAll();

@@ -102,7 +102,7 @@ TEST_F(RowLoaderTest, StoresAllOrNothing) {
         const auto loader = store_->getLoader(index);
         loader->addRow(5, cells);
         dp::Cancellation::cancelAll();
-        EXPECT_THROW(loader->finish(), std::runtime_error);
+        EXPECT_THROW(loader->finish(), dp::Cancelled);
     }
     EXPECT_THROW(store_->getLoader(index)->addRow(5, Cells{}), std::logic_error);
     EXPECT_EQ(all(index), std::vector<qint64>{0});

@@ -1,0 +1,147 @@
+#include "AdaptorFixture.h"
+
+#include "host/adaptor/StatementExplanation.h"
+#include "platform/core/TypedSettings.h"
+#include "platform/di/ServiceLocator.h"
+#include "platform/dp/Cancellation.h"
+#include "platform/dp/Progress.h"
+#include "platform/log/Logger.h"
+
+#include <QDir>
+#include <QSqlDriver>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QTemporaryDir>
+
+#include <sqlite3.h>
+
+namespace orvane {
+
+namespace {
+
+using testing::attribute;
+using testing::MemoryTable;
+
+/// Settings as a host has them, and a log that can be read.
+class IndexBuildingTest : public testing::AdaptorTest {
+protected:
+    void SetUp() override {
+        AdaptorTest::SetUp();
+        settings_->setValue(DefaultSettingsList::IndexDirectory, directory_.path());
+        serviceLocator().exchange(settings_);
+        sink_ = loggerInstance()->exchangeSink([this](const LogEntry& entry) { log_ += entry.text; });
+    }
+    void TearDown() override {
+        dp::Progress::exchangeWatcher({});
+        loggerInstance()->exchangeSink(sink_);
+        serviceLocator().exchange<TypedSettings>(nullptr);
+        AdaptorTest::TearDown();
+    }
+
+    /// 6,000 rows under a name of their own: the engine keeps a store per name.
+    std::shared_ptr<MemoryTable> openItems(const char* name) {
+        std::vector<MemoryTable::Row> rows;
+        for (qlonglong i = 0; i < 6'000; ++i) {
+            rows.push_back({i / 2});
+        }
+        return open(name, {attribute("number", QMetaType::LongLong)}, std::move(rows));
+    }
+
+    /// Looks every sixth number up, in one statement that is worth an index.
+    static std::string joinOf(const char* name) {
+        return std::string("With Recursive n(i) As (Select 0 Union All Select i + 1 From n Where i < 499) "
+                           "Select Count(*) From n Join ") +
+               name + " t On t.number = n.i * 6";
+    }
+
+    static QString explanation(const std::string& sql) {
+        auto* database =
+            *static_cast<sqlite3* const*>(engine().engineDatabase().driver()->handle().constData());
+        const adaptor::StatementExplanation explanation(database, sql);
+        EXPECT_EQ(ask(sql), "1000");
+        return explanation.lines().join(QLatin1Char('\n'));
+    }
+
+    QStringList files() const { return QDir(directory_.path()).entryList(QDir::Files); }
+
+    std::shared_ptr<TypedSettings> settings_ = std::make_shared<TypedSettings>();
+    QTemporaryDir directory_;
+    CuteMessageLogger::Sink sink_;
+    QStringList log_;
+};
+
+} // namespace
+
+TEST_F(IndexBuildingTest, TellsHowFarItIsAndLogsWhatItMade) {
+    const auto table = openItems("told");
+    std::vector<dp::Progress::State> states;
+    dp::Progress::exchangeWatcher([&states](const dp::Progress::State& state) { states.push_back(state); });
+    EXPECT_TRUE(explanation(joinOf("told")).contains(QStringLiteral("сделан сейчас")));
+    ASSERT_GT(states.size(), 10U);
+    EXPECT_EQ(states.front().work, QStringLiteral("индекс told(number)"));
+    EXPECT_EQ(states.front().total, 12'000);
+    for (std::size_t i = 1; i + 1 < states.size(); ++i) {
+        EXPECT_GE(states[i].done, states[i - 1].done);
+        EXPECT_LE(states[i].done, 12'000);
+    }
+    EXPECT_EQ(states[states.size() - 2].done, 12'000);
+    EXPECT_TRUE(states.back().work.isEmpty());
+    ASSERT_EQ(log_.size(), 1);
+    EXPECT_TRUE(log_.front().startsWith(QStringLiteral("Индекс told(number): строк 6000, ")));
+    EXPECT_EQ(files().size(), 1);
+}
+
+TEST_F(IndexBuildingTest, EndsWhenTheQueryIsCancelledAndBeginsAfresh) {
+    const auto table = openItems("stopped");
+    for (const qint64 from : {1, 7'000}) { // while rows are read, while they are stored
+        bool stopped = false;
+        dp::Progress::exchangeWatcher([&stopped, from](const dp::Progress::State& state) {
+            if (state.done >= from && !stopped) {
+                stopped = true;
+                dp::Cancellation::cancelAll();
+            }
+        });
+        QSqlQuery query(engine().engineDatabase());
+        EXPECT_FALSE(query.exec(QString::fromStdString(joinOf("stopped"))) && query.next());
+        EXPECT_TRUE(stopped);
+        EXPECT_EQ(query.lastError().nativeErrorCode(), QString::number(SQLITE_INTERRUPT));
+    }
+    dp::Progress::exchangeWatcher({});
+    EXPECT_TRUE(explanation(joinOf("stopped")).contains(QStringLiteral("индекс по number (сделан сейчас")));
+}
+
+TEST_F(IndexBuildingTest, WithoutAPlaceForItQueriesAreAnsweredAllTheSame) {
+    settings_->setValue(DefaultSettingsList::IndexDirectory, QStringLiteral("/proc"));
+    const auto table = openItems("homeless");
+    EXPECT_TRUE(explanation(joinOf("homeless")).contains(QStringLiteral("нет индекса для number: ")));
+    ASSERT_FALSE(log_.isEmpty());
+    EXPECT_EQ(log_.front(), QStringLiteral("Негде хранить индекс homeless(number)"));
+    EXPECT_LT(log_.size(), 20) << "it is not tried at every scan";
+}
+
+TEST_F(IndexBuildingTest, IsLeftOutWhenTheHostSwitchesItOff) {
+    settings_->setValue(DefaultSettingsList::NoAttributeIndices, true);
+    const auto table = openItems("scanned");
+    EXPECT_TRUE(explanation(joinOf("scanned"))
+                    .contains(QStringLiteral("просмотр всей таблицы, раз: 500\n"
+                                             "  строк 1000, ожидалось 25 на раз, прочитано 3000000\n"
+                                             "  нет индекса для number =: индексы выключены")));
+    EXPECT_TRUE(files().isEmpty());
+}
+
+TEST_F(IndexBuildingTest, GoesWithItsFileWhenTheTableChanges) {
+    const auto table = openItems("edited");
+    EXPECT_TRUE(explanation(joinOf("edited")).contains(QStringLiteral("сделан сейчас")));
+    EXPECT_EQ(files().size(), 1);
+    const QStringList first = files();
+    ask("Delete From edited Where number >= 2700");
+    EXPECT_EQ(ask("Select Count(*) From edited Where number = 5"), "2");
+    EXPECT_TRUE(files().isEmpty());
+    EXPECT_EQ(ask(joinOf("edited")), "900");
+    EXPECT_EQ(files().size(), 1);
+    EXPECT_NE(files(), first);
+    engine().clearIndices(table);
+    EXPECT_TRUE(files().isEmpty());
+}
+
+} // namespace orvane
