@@ -1,6 +1,7 @@
 #include <orvane/engine/SqliteStringBuilder.h>
 
 #include "platform/sql/SqlStrings.h"
+#include <orvane/engine/FunctionNames.h>
 
 #include <utility>
 
@@ -88,8 +89,7 @@ std::wstring SqliteStringBuilder::ternaryToString(TernaryLogic::Value value) {
 }
 
 void SqliteStringBuilder::visit(const ast::Function& node) {
-    const std::wstring name = toLowercase(node.name);
-    if (name == L"rownum") {
+    if (toLowercase(node.name) == L"rownum") {
         return push(L"row_number() Over (Order By 1)");
     }
     if (!whiteList_.empty()) {
@@ -98,12 +98,12 @@ void SqliteStringBuilder::visit(const ast::Function& node) {
             unsupported_.insert(written);
         }
     }
-    const bool measure = name == L"area" || name == L"perimeter";
-    if (!measure && name != L"round" && name != L"makevalid") {
+    std::wstring name = sqlFunctionName(node.name);
+    if (name == node.name) {
         return SqlStringBuilder::visit(node);
     }
     ast::Function renamed = node;
-    renamed.name = measure ? L"Object" + node.name : node.name + (name == L"round" ? L"To" : L"Geo");
+    renamed.name = std::move(name);
     SqlStringBuilder::visit(renamed);
 }
 

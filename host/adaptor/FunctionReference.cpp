@@ -2,15 +2,12 @@
 
 #include "host/adaptor/FunctionRegistry.h"
 #include "platform/sql/FunctionInfo.h"
+#include <orvane/engine/FunctionNames.h>
 
 #include <sqlite3.h>
 
-#include <algorithm>
-#include <array>
 #include <memory>
 #include <set>
-#include <utility>
-#include <vector>
 
 namespace orvane::adaptor {
 
@@ -23,18 +20,8 @@ struct NameLess {
 };
 using Names = std::set<std::string, NameLess>;
 
-/// What the dialect calls functions whose SQL names differ: the translation renames the calls.
-constexpr std::array<std::pair<const char*, const char*>, 4> dialectNames = {
-    {{"ObjectArea", "Area"},
-     {"ObjectPerimeter", "Perimeter"},
-     {"RoundTo", "Round"},
-     {"MakeValidGeo", "MakeValid"}}};
-
-const char* dialectName(const char* sqlName) {
-    const auto found = std::find_if(dialectNames.begin(), dialectNames.end(), [sqlName](const auto& names) {
-        return sqlite3_stricmp(names.first, sqlName) == 0;
-    });
-    return found == dialectNames.end() ? sqlName : found->second;
+std::string dialectName(const char* sqlName) {
+    return engine::dialectFunctionName(QString::fromLatin1(sqlName)).toStdString();
 }
 
 /// The names of all functions of a connection.
@@ -51,8 +38,8 @@ Names functionsOf(sqlite3* database) {
 
 void appendEntry(std::string& text, const FunctionRecord& record) {
     text += std::string("**`") + record.signature + "`** " + record.summary;
-    if (const char* name = dialectName(record.name); name != record.name) {
-        text += std::string(" In the dialect: `") + name + "`.";
+    if (const std::string name = dialectName(record.name); name != record.name) {
+        text += " In the dialect: `" + name + "`.";
     }
     text += std::string("  \n`") + record.example + '`';
     if (record.result) {
@@ -116,7 +103,7 @@ std::string functionHelp(std::string_view name) {
     std::string text;
     for (const FunctionRecord& record : allFunctionRecords()) {
         if (sqlite3_stricmp(record.name, asked.c_str()) != 0 &&
-            sqlite3_stricmp(dialectName(record.name), asked.c_str()) != 0) {
+            sqlite3_stricmp(dialectName(record.name).c_str(), asked.c_str()) != 0) {
             continue;
         }
         text += std::string(record.signature) + "\n  " + record.summary + "\n  " + record.example;

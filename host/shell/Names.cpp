@@ -5,11 +5,10 @@
 #include "platform/dp/DataCatalog.h"
 #include "platform/sql/SqlStrings.h"
 #include <orvane/engine/ColumnNames.h>
+#include <orvane/engine/FunctionNames.h>
 
-#include <array>
 #include <map>
 #include <memory>
-#include <utility>
 
 namespace orvane::shell {
 
@@ -18,13 +17,6 @@ namespace {
 struct StatementFinalizer {
     void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
 };
-
-/// Names of the dialect and of the SQL functions that the translation calls for them.
-constexpr std::array<std::pair<const char*, const char*>, 4> renamedFunctions{
-    {{"Area", "ObjectArea"},
-     {"Perimeter", "ObjectPerimeter"},
-     {"Round", "RoundTo"},
-     {"MakeValid", "MakeValidGeo"}}};
 
 } // namespace
 
@@ -37,14 +29,6 @@ QString userColumnName(const QString& column) {
         return QStringLiteral("style");
     }
     return column;
-}
-
-QString userFunctionName(const QString& function) {
-    for (const auto& [name, called] : renamedFunctions) {
-        if (function.compare(QLatin1String(called), Qt::CaseInsensitive) == 0)
-            return QLatin1String(name);
-    }
-    return function;
 }
 
 QStringList Names::tables() const {
@@ -74,11 +58,10 @@ QStringList Names::functions() const {
     for (const QString& name : firstColumn("Select name From pragma_function_list Where name Glob '[a-z]*'"))
         byLowercase.emplace(name, name);
     for (const adaptor::FunctionRecord& record : adaptor::allFunctionRecords()) {
-        const QString name = QLatin1String(record.name);
-        byLowercase[name.toLower()] = name;
+        const QString called = QLatin1String(record.name);
+        for (const QString& name : {called, engine::dialectFunctionName(called)})
+            byLowercase[name.toLower()] = name;
     }
-    for (const auto& [name, called] : renamedFunctions)
-        byLowercase[QString(QLatin1String(name)).toLower()] = QLatin1String(name);
     QStringList names;
     for (const auto& [lowercase, name] : byLowercase)
         names += name;

@@ -13,8 +13,6 @@ namespace orvane::shell {
 
 /// What the user calls a column of the engine database: "obj" and "style" for the two fixed columns.
 QString userColumnName(const QString& column);
-/// What the user calls a function of the engine database: "Area" for ObjectArea and the like.
-QString userFunctionName(const QString& function);
 
 /// The names that statements can use now, as the user writes them. For messages and completion: each question
 /// is a query. Neither database nor catalogue is owned; both are used from the thread of the engine.

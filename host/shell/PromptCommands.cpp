@@ -6,6 +6,7 @@
 
 #include "platform/cs/CoordSystem.h"
 #include "platform/dp/Table.h"
+#include <orvane/engine/FunctionNames.h>
 
 #include <cstdio>
 #include <utility>
@@ -168,7 +169,7 @@ void PromptCommands::showHelp(const QString& topic) {
     for (const adaptor::FunctionRecord& record : adaptor::allFunctionRecords()) {
         const QString name = QLatin1String(record.name);
         if (topic.compare(name, Qt::CaseInsensitive) != 0 &&
-            topic.compare(userFunctionName(name), Qt::CaseInsensitive) != 0)
+            topic.compare(engine::dialectFunctionName(name), Qt::CaseInsensitive) != 0)
             continue;
         found = true;
         printLine(QString::fromUtf8(record.signature));

@@ -5,6 +5,7 @@
 #include "host/shell/Shell.h"
 
 #include "platform/sql/SqlStrings.h"
+#include <orvane/engine/FunctionNames.h>
 
 #include <QRegularExpression>
 
@@ -85,7 +86,7 @@ bool isName(const sql::Token& token) {
 /// Whether the user's word stands for that name of the engine database.
 bool means(const QString& word, const QString& name) {
     const auto same = [&word](const QString& other) { return word.compare(other, Qt::CaseInsensitive) == 0; };
-    if (same(name) || same(userFunctionName(name)))
+    if (same(name) || same(engine::dialectFunctionName(name)))
         return true;
     const QString column = userColumnName(name);
     return same(column) ||
@@ -130,7 +131,7 @@ Problem SqliteErrors::explain(const QString& message) const {
         const QString name = match.captured(1);
         const QString text = Shell::tr(plain.text);
         const auto place = name.isEmpty() ? std::nullopt : placeOf(name, Role::Function);
-        return {text.contains(QLatin1String("%1")) ? text.arg(userFunctionName(name)) : text,
+        return {text.contains(QLatin1String("%1")) ? text.arg(engine::dialectFunctionName(name)) : text,
                 place || name.isEmpty() ? place : placeOf(name, Role::Table)};
     }
     return {message, std::nullopt};
@@ -181,13 +182,13 @@ Problem SqliteErrors::missingTargetColumn(const QString& tableAndColumn) const {
 }
 
 Problem SqliteErrors::missingFunction(const QString& name) const {
-    return {withSuggestion(Shell::tr("нет функции «%0»").arg(userFunctionName(name)),
+    return {withSuggestion(Shell::tr("нет функции «%0»").arg(engine::dialectFunctionName(name)),
                            nearestName(name, names_.functions())),
             placeOf(name, Role::Function)};
 }
 
 Problem SqliteErrors::wrongArguments(const QString& name) const {
-    QString message = Shell::tr("у функции %0 не столько аргументов").arg(userFunctionName(name));
+    QString message = Shell::tr("у функции %0 не столько аргументов").arg(engine::dialectFunctionName(name));
     for (const adaptor::FunctionRecord& record : adaptor::allFunctionRecords()) {
         if (name.compare(QLatin1String(record.name), Qt::CaseInsensitive) == 0 && record.signature) {
             message =
