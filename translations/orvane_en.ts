@@ -387,6 +387,49 @@
     </message>
 </context>
 <context>
+    <name>orvane::geometry</name>
+    <message>
+        <source>Неизвестная единица длины «%0». Известные единицы: %1.</source>
+        <translation>Unknown unit of length &quot;%0&quot;. Known units: %1.</translation>
+    </message>
+    <message>
+        <source>Неизвестная единица площади «%0». Известные единицы: %1.</source>
+        <translation>Unknown unit of area &quot;%0&quot;. Known units: %1.</translation>
+    </message>
+    <message>
+        <source>Единица «%0» здесь не имеет смысла: мера на эллипсоиде не угловая.</source>
+        <translation>The unit &quot;%0&quot; has no meaning here: a measure on the ellipsoid is no angle.</translation>
+    </message>
+    <message>
+        <source>Единица «%0» здесь не имеет смысла: координаты угловые; годятся градусы или мера на эллипсоиде.</source>
+        <translation>The unit &quot;%0&quot; has no meaning here: the coordinates are angles; use degrees or a spherical measure.</translation>
+    </message>
+    <message>
+        <source>Единица «%0» здесь не имеет смысла: координаты не угловые.</source>
+        <translation>The unit &quot;%0&quot; has no meaning here: the coordinates are no angles.</translation>
+    </message>
+    <message>
+        <source>Геометрии не приводятся к одной системе координат.</source>
+        <translation>The geometries cannot be brought to one coordinate system.</translation>
+    </message>
+    <message>
+        <source>У пустой геометрии нет расстояния до другой.</source>
+        <translation>An empty geometry is at no distance from anything.</translation>
+    </message>
+    <message>
+        <source>Для меры на эллипсоиде нужна система координат геометрии.</source>
+        <translation>A spherical measure needs a geometry with a coordinate system.</translation>
+    </message>
+    <message>
+        <source>У точки геометрии нет долготы и широты.</source>
+        <translation>A position of the geometry has no longitude and latitude.</translation>
+    </message>
+    <message>
+        <source>Координата геометрии не конечное число.</source>
+        <translation>A coordinate of the geometry is not finite.</translation>
+    </message>
+</context>
+<context>
     <name>orvane::shell::Shell</name>
     <message>
         <source>геометрия не переводится в WGS 84 из %0, а geojson иных координат не знает</source>

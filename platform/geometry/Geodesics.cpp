@@ -3,10 +3,10 @@
 #include "platform/cs/CoordSystem.h"
 #include "platform/cs/Transformer.h"
 #include "platform/geometry/Curves.h"
+#include "platform/geometry/Failure.h"
 
 #include <cmath>
 #include <numbers>
-#include <stdexcept>
 
 namespace orvane::geometry {
 
@@ -74,7 +74,7 @@ double sumOver(const Geometry& geometry, const Measure& measure) {
 GeographicShape onEllipsoid(const Geometry& geometry) {
     const auto system = geometry.coordSystem();
     if (!system) {
-        throw std::runtime_error("A spherical measure needs a geometry with a coordinate system.");
+        throw failure("Для меры на эллипсоиде нужна система координат геометрии.");
     }
     GeographicShape shape;
     shape.equatorialRadius = system->semiMajorAxis();
@@ -97,7 +97,7 @@ GeographicShape onEllipsoid(const Geometry& geometry) {
             });
     }
     if (!shape.geometry) {
-        throw std::runtime_error("A position of the geometry has no longitude and latitude.");
+        throw failure("У точки геометрии нет долготы и широты.");
     }
     return shape;
 }

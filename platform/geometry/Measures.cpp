@@ -1,6 +1,7 @@
 #include "platform/geometry/Measures.h"
 
 #include "platform/cs/CoordSystem.h"
+#include "platform/geometry/Failure.h"
 #include "platform/geometry/Geodesics.h"
 #include "platform/geometry/GeosForm.h"
 #include "platform/geometry/PlanarMeasures.h"
@@ -9,7 +10,6 @@
 
 #include <cmath>
 #include <numbers>
-#include <stdexcept>
 
 namespace orvane::geometry {
 
@@ -25,12 +25,6 @@ double raised(double factor, Power power) {
     return power == Power::Length ? factor : factor * factor;
 }
 
-[[noreturn]] void throwMeaningless(const QString& units, const char* reason) {
-    const QString message =
-        QStringLiteral("The unit \"%1\" has no meaning here: %2").arg(units, QLatin1String(reason));
-    throw std::runtime_error(message.toStdString());
-}
-
 /// Metres or square metres in the units.
 double fromMetres(double value, const QString& units, Power power) {
     if (units.trimmed().isEmpty()) {
@@ -38,7 +32,7 @@ double fromMetres(double value, const QString& units, Power power) {
     }
     const Unit unit = unitOf(units, power);
     if (unit.isAngular) {
-        throwMeaningless(units, "a measure on the ellipsoid is no angle.");
+        throw failure("Единица «%0» здесь не имеет смысла: мера на эллипсоиде не угловая.", units);
     }
     return value / unit.factor;
 }
@@ -51,8 +45,10 @@ double fromPlane(double value, const cs::CoordSystem* system, const QString& uni
     const Unit unit = unitOf(units, power);
     const bool inDegrees = system && system->isGeographic();
     if (inDegrees != unit.isAngular) {
-        throwMeaningless(units, inDegrees ? "the coordinates are angles; use degrees or a spherical measure."
-                                          : "the coordinates are no angles.");
+        throw failure(inDegrees ? "Единица «%0» здесь не имеет смысла: координаты угловые; годятся градусы "
+                                  "или мера на эллипсоиде."
+                                : "Единица «%0» здесь не имеет смысла: координаты не угловые.",
+                      units);
     }
     double factor = system ? system->unitFactor() : 1.0;
     if (inDegrees) {
@@ -92,14 +88,14 @@ GeometryPtr inSystemOf(const Geometry& a, const Geometry& b) {
     }
     GeometryPtr transformed = b.transformed(systemA);
     if (!transformed) {
-        throw std::runtime_error("The geometries cannot be brought to one coordinate system.");
+        throw failure("Геометрии не приводятся к одной системе координат.");
     }
     return transformed;
 }
 
 void checkNotEmpty(const Geometry& a, const Geometry& b) {
     if (a.isEmpty() || b.isEmpty()) {
-        throw std::runtime_error("An empty geometry is at no distance from anything.");
+        throw failure("У пустой геометрии нет расстояния до другой.");
     }
 }
 

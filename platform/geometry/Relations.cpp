@@ -2,6 +2,7 @@
 
 #include "platform/cs/CoordSystem.h"
 #include "platform/geometry/Curves.h"
+#include "platform/geometry/Failure.h"
 #include "platform/geometry/GeosForm.h"
 
 #include <cmath>
@@ -150,6 +151,21 @@ bool askPlain(const GEOSGeometry* a, const GEOSGeometry* b, const Ask& ask) {
     }
 }
 
+/// Asks with both forms locked and b in the system of a. False when it has no place there, and where one of
+/// the two has no form.
+template<typename Ask>
+bool askInOneSystem(const Geometry& a, const Geometry& b, const Ask& ask) {
+    GeometryPtr holder;
+    const Geometry* other = inSystemOf(a, b, holder);
+    if (!other) {
+        return false;
+    }
+    const PairLock lock(a.geosForm(), other->geosForm());
+    const GEOSGeometry* plainA = a.geosForm().plain(a);
+    const GEOSGeometry* plainB = other->geosForm().plain(*other);
+    return plainA && plainB && ask(plainA, *other, plainB);
+}
+
 /// The answer about a position: the prepared form when there is one.
 template<typename Ask>
 bool askPosition(const Geometry& a, double x, double y, PreparedPredicate predicate, const Ask& ask) {
@@ -219,39 +235,23 @@ bool hasProperRings(const Geometry& geometry) {
 } // namespace
 
 bool Intersects(const Geometry& a, const Geometry& b) {
-    GeometryPtr holder;
-    const Geometry* other = inSystemOf(a, b, holder);
-    if (!other) {
-        return false;
-    }
-    const PairLock lock(a.geosForm(), other->geosForm());
-    const GEOSGeometry* plainA = a.geosForm().plain(a);
-    const GEOSGeometry* plainB = other->geosForm().plain(*other);
-    if (!plainA || !plainB) {
-        return false;
-    }
-    char answer = askPrepared(a, plainB, GEOSPreparedIntersects_r);
-    if (answer == geosFailed) {
-        answer = askPrepared(*other, plainA, GEOSPreparedIntersects_r);
-    }
-    return answer == geosFailed ? askPlain(plainA, plainB, intersectsGeos) : answer == 1;
+    return askInOneSystem(
+        a, b, [&a](const GEOSGeometry* plainA, const Geometry& other, const GEOSGeometry* plainB) {
+            char answer = askPrepared(a, plainB, GEOSPreparedIntersects_r);
+            if (answer == geosFailed) {
+                answer = askPrepared(other, plainA, GEOSPreparedIntersects_r);
+            }
+            return answer == geosFailed ? askPlain(plainA, plainB, intersectsGeos) : answer == 1;
+        });
 }
 
 bool Contains(const Geometry& a, const Geometry& b) {
-    GeometryPtr holder;
-    const Geometry* other = inSystemOf(a, b, holder);
-    if (!other) {
-        return false;
-    }
-    const PairLock lock(a.geosForm(), other->geosForm());
-    const GEOSGeometry* plainA = a.geosForm().plain(a);
-    const GEOSGeometry* plainB = other->geosForm().plain(*other);
-    if (!plainA || !plainB) {
-        return false;
-    }
-    const bool byParts = isCollection(plainA) || isCollection(plainB);
-    const char answer = byParts ? geosFailed : askPrepared(a, plainB, GEOSPreparedContains_r);
-    return answer == geosFailed ? askPlain(plainA, plainB, containsGeos) : answer == 1;
+    return askInOneSystem(
+        a, b, [&a](const GEOSGeometry* plainA, const Geometry&, const GEOSGeometry* plainB) {
+            const bool byParts = isCollection(plainA) || isCollection(plainB);
+            const char answer = byParts ? geosFailed : askPrepared(a, plainB, GEOSPreparedContains_r);
+            return answer == geosFailed ? askPlain(plainA, plainB, containsGeos) : answer == 1;
+        });
 }
 
 bool ContainsCentroid(const Geometry& a, const Geometry& b) {
@@ -272,7 +272,7 @@ double planarDistance(const Geometry& a, const Geometry& b) {
     const GEOSGeometry* plainA = a.geosForm().plain(a);
     const GEOSGeometry* plainB = b.geosForm().plain(b);
     if (!plainA || !plainB) {
-        throw std::runtime_error("A coordinate of the geometry is not finite.");
+        throw failure("Координата геометрии не конечное число.");
     }
     double distance = 0.0;
     if (GEOSDistance_r(geosContext(), plainA, plainB, &distance) != 1) {
@@ -297,7 +297,7 @@ std::shared_ptr<const Geometry> normalizedGeometry(const std::shared_ptr<const G
     const std::lock_guard lock(form.mutex());
     const GEOSGeometry* plain = form.plain(*geometry);
     if (!plain) {
-        throw std::runtime_error("A coordinate of the geometry is not finite.");
+        throw failure("Координата геометрии не конечное число.");
     }
     if (checked(GEOSisValid_r(geosContext(), plain)) && hasProperRings(*geometry)) {
         return geometry;

@@ -1,14 +1,16 @@
 #include "platform/geometry/Units.h"
 
+#include "platform/geometry/Failure.h"
+
 #include <QHash>
 
-#include <stdexcept>
+#include <algorithm>
 
 namespace orvane::geometry {
 
 namespace {
 
-/// Names parted by "|", the first one for lists.
+/// Names parted by "|", English ones first. Lists show the first of each language.
 struct NamedUnit {
     const char16_t* names;
     double factor;
@@ -25,10 +27,11 @@ constexpr NamedUnit lengthUnits[] = {
     {u"mm|millimetre|millimetres|millimeter|millimeters|мм|миллиметр|миллиметра|миллиметры|миллиметров",
      0.001},
     {u"mi|mile|miles|миля|мили|миль", 1609.344},
-    {u"nmi|nautical mi|nautical mile|nautical miles|морская миля|морские мили|морских миль", 1852.0},
+    {u"nmi|nautical mi|nautical mile|nautical miles|морская миля|морской мили|морские мили|морских миль",
+     1852.0},
     {u"ft|foot|feet|фут|фута|футы|футов", 0.3048},
     {u"survey ft|survey foot|survey feet|us survey ft|us survey foot|us survey feet|геодезический фут|"
-     u"геодезические футы|геодезических футов",
+     u"геодезического фута|геодезические футы|геодезических футов",
      1200.0 / 3937.0},
     {u"yd|yard|yards|ярд|ярда|ярды|ярдов", 0.9144},
     {u"in|inch|inches|дюйм|дюйма|дюймы|дюймов", 0.0254},
@@ -43,9 +46,9 @@ constexpr NamedUnit areaOnlyUnits[] = {
 };
 
 // Also with a full stop behind the short ones.
-constexpr const char16_t* squarePrefixes[] = {u"sq",         u"sq.",        u"square",     u"кв",
-                                              u"кв.",        u"квадратный", u"квадратная", u"квадратные",
-                                              u"квадратных", u"квадратного"};
+constexpr const char16_t* squarePrefixes[] = {u"sq",         u"sq.",         u"square",     u"кв",
+                                              u"кв.",        u"квадратный",  u"квадратная", u"квадратные",
+                                              u"квадратных", u"квадратного", u"квадратной"};
 
 using UnitTable = QHash<QString, Unit>;
 
@@ -83,32 +86,39 @@ UnitTable makeAreaTable() {
     return table;
 }
 
-Unit find(const UnitTable& table, const QString& name, const char* quantity, QStringList (*known)()) {
+Unit find(const UnitTable& table, const QString& name, const char* unknown, QStringList (*known)()) {
     const auto found = table.constFind(name.simplified().toLower());
     if (found == table.constEnd()) {
-        const QString message = QStringLiteral("Unknown unit of %1 \"%2\". Known units: %3.")
-                                    .arg(QLatin1String(quantity), name, known().join(QLatin1String(", ")));
-        throw std::runtime_error(message.toStdString());
+        throw failure(unknown, name, known().join(QLatin1String(", ")));
     }
     return *found;
+}
+
+/// The name of a unit in each language, with what stands before it there.
+QStringList listedNames(const NamedUnit& unit, const QString& english = {}, const QString& russian = {}) {
+    const QStringList names = namesOf(unit);
+    const auto isRussian = [](const QString& name) {
+        return name.front().script() == QChar::Script_Cyrillic;
+    };
+    return {english + names.first(), russian + *std::find_if(names.begin(), names.end(), isRussian)};
 }
 
 } // namespace
 
 Unit lengthUnit(const QString& name) {
     static const UnitTable table = makeLengthTable();
-    return find(table, name, "length", lengthUnitNames);
+    return find(table, name, "Неизвестная единица длины «%0». Известные единицы: %1.", lengthUnitNames);
 }
 
 Unit areaUnit(const QString& name) {
     static const UnitTable table = makeAreaTable();
-    return find(table, name, "area", areaUnitNames);
+    return find(table, name, "Неизвестная единица площади «%0». Известные единицы: %1.", areaUnitNames);
 }
 
 QStringList lengthUnitNames() {
     QStringList names;
     for (const NamedUnit& unit : lengthUnits) {
-        names.append(namesOf(unit).first());
+        names += listedNames(unit);
     }
     return names;
 }
@@ -116,10 +126,10 @@ QStringList lengthUnitNames() {
 QStringList areaUnitNames() {
     QStringList names;
     for (const NamedUnit& unit : lengthUnits) {
-        names.append(QLatin1String("sq ") + namesOf(unit).first());
+        names += listedNames(unit, QStringLiteral("sq "), QStringLiteral("кв. "));
     }
     for (const NamedUnit& unit : areaOnlyUnits) {
-        names.append(namesOf(unit).first());
+        names += listedNames(unit);
     }
     return names;
 }

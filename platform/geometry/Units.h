@@ -20,7 +20,7 @@ ORVANE_PLATFORM_EXPORT Unit lengthUnit(const QString& name);
 /// acres, ares.
 ORVANE_PLATFORM_EXPORT Unit areaUnit(const QString& name);
 
-/// One name for each unit, as lists of them show it.
+/// The names that lists of units show: an English and a Russian one for each.
 ORVANE_PLATFORM_EXPORT QStringList lengthUnitNames();
 ORVANE_PLATFORM_EXPORT QStringList areaUnitNames();
 

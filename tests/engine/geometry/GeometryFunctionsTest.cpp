@@ -118,21 +118,28 @@ TEST(GeometryFunctions, Usage) {
 
 TEST(GeometryFunctions, MeasuresAndDistances) {
     SqlDatabase database;
-    check(database,
-          {{"ObjectArea(NULL, 'parsecs')", "NULL"},
-           {"substr('x' || ObjectArea(MakePoint(1,1), 'parsecs'), 1)",
-            "error: Unknown unit of area \"parsecs\". Known units: sq m, sq km, sq cm, sq mm, sq mi, sq nmi, "
-            "sq ft, "
-            "sq survey ft, sq yd, sq in, sq deg, ha, acre, are."},
-           {"SphericalObjectDistance(MakePoint(1,1), MakePoint(2,2), 'm')", "-1.0"},
-           {"CartesianObjectDistance(MakePoint(1,1), MakePoint(2,2), 'parsecs')", "-1.0"},
-           // Exactly one carries a system: the other is taken to be in it.
-           {"Round(SphericalObjectDistance(MakePoint(0,0,4326), MakePoint(1,0), 'km'), 3)", "111.319"},
-           {"Round(SphericalObjectDistance(MakePoint(0,0), MakePoint(1,0,4326), 'km'), 3)", "111.319"},
-           {"ObjectArea(BuildMbr(0,0,1000,1000,32636))", "1000000.0"},
-           {"ObjectArea(BuildMbr(0,0,1000,1000,32636), NULL)", "1000000.0"},
-           {"CentroidX(GeomFromText('LINESTRING(0 0,4 2)'))", "2.0"},
-           {"CentroidY(GeomFromText('GEOMETRYCOLLECTION(POINT(9 9),LINESTRING(0 0,4 2))'))", "1.0"}});
+    check(
+        database,
+        {{"ObjectArea(NULL, 'parsecs')", "NULL"},
+         {"substr('x' || ObjectArea(MakePoint(1,1), 'parsecs'), 1)",
+          "error: Неизвестная единица площади «parsecs». Известные единицы: sq m, кв. м, sq km, кв. км, sq "
+          "cm, "
+          "кв. см, sq mm, кв. мм, sq mi, кв. миля, sq nmi, кв. морская миля, sq ft, кв. фут, sq survey ft, "
+          "кв. геодезический фут, sq yd, кв. ярд, sq in, кв. дюйм, sq deg, кв. градус, ha, га, acre, акр, "
+          "are, "
+          "ар."},
+         {"ObjectLen(MakePoint(1,1), '%1')",
+          "error: Неизвестная единица длины «%1». Известные единицы: m, м, km, км, cm, см, mm, мм, mi, миля, "
+          "nmi, морская миля, ft, фут, survey ft, геодезический фут, yd, ярд, in, дюйм, deg, градус."},
+         {"SphericalObjectDistance(MakePoint(1,1), MakePoint(2,2), 'm')", "-1.0"},
+         {"CartesianObjectDistance(MakePoint(1,1), MakePoint(2,2), 'parsecs')", "-1.0"},
+         // Exactly one carries a system: the other is taken to be in it.
+         {"Round(SphericalObjectDistance(MakePoint(0,0,4326), MakePoint(1,0), 'km'), 3)", "111.319"},
+         {"Round(SphericalObjectDistance(MakePoint(0,0), MakePoint(1,0,4326), 'km'), 3)", "111.319"},
+         {"ObjectArea(BuildMbr(0,0,1000,1000,32636))", "1000000.0"},
+         {"ObjectArea(BuildMbr(0,0,1000,1000,32636), NULL)", "1000000.0"},
+         {"CentroidX(GeomFromText('LINESTRING(0 0,4 2)'))", "2.0"},
+         {"CentroidY(GeomFromText('GEOMETRYCOLLECTION(POINT(9 9),LINESTRING(0 0,4 2))'))", "1.0"}});
 }
 
 TEST(GeometryFunctions, RelationsOfEveryKindOfValue) {
