@@ -86,8 +86,16 @@ std::shared_ptr<Polygon> polygonOf(std::vector<double> values) {
 
 } // namespace
 
+std::shared_ptr<Geometry> ApproximableCurve::mapped(const PositionMap& map) const {
+    return approximateGeometry(QSizeF())->mapped(map);
+}
+
+std::shared_ptr<Geometry> ApproximableSurface::mapped(const PositionMap& map) const {
+    return approximateGeometry(QSizeF())->mapped(map);
+}
+
 CircularString::CircularString(CoordinateSequence coordinates)
-    : ApproximableCurve(GeometryType::CircularString, coordinates.dimensions()),
+    : GeometryKind(GeometryType::CircularString, coordinates.dimensions()),
       coordinates_(std::move(coordinates)) {
     if (coordinates_.size() == 1 || (coordinates_.size() != 0 && coordinates_.size() % 2 == 0)) {
         throw std::invalid_argument("a circular string takes an odd number of positions from three up");
@@ -96,10 +104,6 @@ CircularString::CircularString(CoordinateSequence coordinates)
 
 GeometryPtr CircularString::approximateGeometry(QSizeF tolerance) const {
     return inSystemOf(*this, std::make_shared<LineString>(approximated(*this, tolerance)));
-}
-
-std::shared_ptr<Geometry> CircularString::clone() const {
-    return std::make_shared<CircularString>(*this);
 }
 
 Envelope CircularString::envelope() const {
@@ -117,12 +121,8 @@ bool CircularString::equals(const Geometry& other) const {
     return other.type() == type() && static_cast<const CircularString&>(other).coordinates_ == coordinates_;
 }
 
-std::shared_ptr<Geometry> CircularString::mapped(const PositionMap& map) const {
-    return approximateGeometry(QSizeF())->mapped(map);
-}
-
 CompoundCurve::CompoundCurve(Dimensions dimensions, std::vector<GeometryPtr> parts)
-    : ApproximableCurve(GeometryType::CompoundCurve, dimensions), parts_(std::move(parts)) {
+    : GeometryKind(GeometryType::CompoundCurve, dimensions), parts_(std::move(parts)) {
     for (const GeometryPtr& part : parts_) {
         if (!part || part->dimensions() != dimensions ||
             (part->type() != GeometryType::LineString && part->type() != GeometryType::CircularString)) {
@@ -134,10 +134,6 @@ CompoundCurve::CompoundCurve(Dimensions dimensions, std::vector<GeometryPtr> par
 
 GeometryPtr CompoundCurve::approximateGeometry(QSizeF tolerance) const {
     return inSystemOf(*this, std::make_shared<LineString>(approximated(*this, tolerance)));
-}
-
-std::shared_ptr<Geometry> CompoundCurve::clone() const {
-    return std::make_shared<CompoundCurve>(*this);
 }
 
 bool CompoundCurve::isEmpty() const {
@@ -165,12 +161,8 @@ bool CompoundCurve::equals(const Geometry& other) const {
            sameParts(parts_, static_cast<const CompoundCurve&>(other).parts_);
 }
 
-std::shared_ptr<Geometry> CompoundCurve::mapped(const PositionMap& map) const {
-    return approximateGeometry(QSizeF())->mapped(map);
-}
-
 CurvePolygon::CurvePolygon(Dimensions dimensions, std::vector<GeometryPtr> rings)
-    : ApproximableSurface(GeometryType::CurvePolygon, dimensions), rings_(std::move(rings)) {
+    : GeometryKind(GeometryType::CurvePolygon, dimensions), rings_(std::move(rings)) {
     for (const GeometryPtr& ring : rings_) {
         if (!ring || ring->dimensions() != dimensions ||
             !GeometryCollection::takes(GeometryType::MultiCurve, ring->type())) {
@@ -186,10 +178,6 @@ GeometryPtr CurvePolygon::approximateGeometry(QSizeF tolerance) const {
         rings.push_back(approximated(*ring, tolerance));
     }
     return inSystemOf(*this, std::make_shared<Polygon>(dimensions(), std::move(rings)));
-}
-
-std::shared_ptr<Geometry> CurvePolygon::clone() const {
-    return std::make_shared<CurvePolygon>(*this);
 }
 
 bool CurvePolygon::isEmpty() const {
@@ -217,12 +205,8 @@ bool CurvePolygon::equals(const Geometry& other) const {
            sameParts(rings_, static_cast<const CurvePolygon&>(other).rings_);
 }
 
-std::shared_ptr<Geometry> CurvePolygon::mapped(const PositionMap& map) const {
-    return approximateGeometry(QSizeF())->mapped(map);
-}
-
 Ellipse::Ellipse(double centreX, double centreY, double semiAxisA, double semiAxisB, double rotation)
-    : ApproximableSurface(GeometryType::Ellipse, Dimensions::XY), centreX_(centreX), centreY_(centreY),
+    : GeometryKind(GeometryType::Ellipse, Dimensions::XY), centreX_(centreX), centreY_(centreY),
       semiAxisA_(semiAxisA), semiAxisB_(semiAxisB), rotation_(rotation) {
     const bool isFinite = std::isfinite(centreX) && std::isfinite(centreY) && std::isfinite(semiAxisA) &&
                           std::isfinite(semiAxisB) && std::isfinite(rotation);
@@ -236,10 +220,6 @@ GeometryPtr Ellipse::approximateGeometry(QSizeF tolerance) const {
     appendEllipse(centreX_, centreY_, semiAxisA_, semiAxisB_, rotation_ * std::numbers::pi / 180.0, 0.0,
                   2.0 * std::numbers::pi, tolerance, values);
     return inSystemOf(*this, polygonOf(std::move(values)));
-}
-
-std::shared_ptr<Geometry> Ellipse::clone() const {
-    return std::make_shared<Ellipse>(*this);
 }
 
 Envelope Ellipse::envelope() const {
@@ -258,12 +238,8 @@ bool Ellipse::equals(const Geometry& other) const {
            semiAxisB_ == e.semiAxisB_ && rotation_ == e.rotation_;
 }
 
-std::shared_ptr<Geometry> Ellipse::mapped(const PositionMap& map) const {
-    return approximateGeometry(QSizeF())->mapped(map);
-}
-
 RoundedRectangle::RoundedRectangle(const Envelope& rectangle, double radiusX, double radiusY)
-    : ApproximableSurface(GeometryType::RoundedRectangle, Dimensions::XY), rectangle_(rectangle),
+    : GeometryKind(GeometryType::RoundedRectangle, Dimensions::XY), rectangle_(rectangle),
       radiusX_(std::min(radiusX, (rectangle.maxX - rectangle.minX) / 2.0)),
       radiusY_(std::min(radiusY, (rectangle.maxY - rectangle.minY) / 2.0)) {
     const bool isFinite = std::isfinite(rectangle.maxX - rectangle.minX) && std::isfinite(radiusX_) &&
@@ -295,20 +271,12 @@ GeometryPtr RoundedRectangle::approximateGeometry(QSizeF tolerance) const {
     return inSystemOf(*this, polygonOf(std::move(values)));
 }
 
-std::shared_ptr<Geometry> RoundedRectangle::clone() const {
-    return std::make_shared<RoundedRectangle>(*this);
-}
-
 bool RoundedRectangle::equals(const Geometry& other) const {
     if (other.type() != type()) {
         return false;
     }
     const auto& r = static_cast<const RoundedRectangle&>(other);
     return rectangle_ == r.rectangle_ && radiusX_ == r.radiusX_ && radiusY_ == r.radiusY_;
-}
-
-std::shared_ptr<Geometry> RoundedRectangle::mapped(const PositionMap& map) const {
-    return approximateGeometry(QSizeF())->mapped(map);
 }
 
 } // namespace orvane::geometry

@@ -16,6 +16,7 @@ public:
     /// more than 65,536 segments. Ends of arcs are kept exactly, z and m are interpolated, the coordinate
     /// system stays.
     virtual std::shared_ptr<const Geometry> approximateGeometry(QSizeF tolerance) const = 0;
+    std::shared_ptr<Geometry> mapped(const PositionMap& map) const final;
 
 protected:
     using Geometry::Geometry;
@@ -26,6 +27,7 @@ class ORVANE_PLATFORM_EXPORT ApproximableSurface : public Geometry {
 public:
     /// As ApproximableCurve::approximateGeometry.
     virtual std::shared_ptr<const Geometry> approximateGeometry(QSizeF tolerance) const = 0;
+    std::shared_ptr<Geometry> mapped(const PositionMap& map) const final;
 
 protected:
     using Geometry::Geometry;
@@ -34,7 +36,7 @@ protected:
 /// Circular arcs, each through three positions: begin, any on the arc, end, which begins the next. Three on
 /// one straight line are a straight segment; an end that equals the begin makes a full circle, the middle
 /// being opposite.
-class ORVANE_PLATFORM_EXPORT CircularString final : public ApproximableCurve {
+class ORVANE_PLATFORM_EXPORT CircularString final : public GeometryKind<CircularString, ApproximableCurve> {
 public:
     /// Throws std::invalid_argument for an even number of positions, and for one.
     explicit CircularString(CoordinateSequence coordinates);
@@ -42,21 +44,17 @@ public:
     const CoordinateSequence& coordinates() const { return coordinates_; }
 
     std::shared_ptr<const Geometry> approximateGeometry(QSizeF tolerance) const override;
-    std::shared_ptr<Geometry> clone() const override;
     bool isEmpty() const override { return coordinates_.isEmpty(); }
     Envelope envelope() const override;
     std::uint64_t weight() const override { return 1 + coordinates_.size(); }
     bool equals(const Geometry& other) const override;
-    std::shared_ptr<Geometry> mapped(const PositionMap& map) const override;
-    std::string_view archiveName() const override;
-    void save(serialization::TrackingOutputArchive& archive) const override;
 
 private:
     CoordinateSequence coordinates_;
 };
 
 /// Lines and circular strings, each beginning where the one before ends.
-class ORVANE_PLATFORM_EXPORT CompoundCurve final : public ApproximableCurve {
+class ORVANE_PLATFORM_EXPORT CompoundCurve final : public GeometryKind<CompoundCurve, ApproximableCurve> {
 public:
     /// Throws std::invalid_argument for a part of another kind, and for null.
     CompoundCurve(Dimensions dimensions, std::vector<GeometryPtr> parts);
@@ -64,21 +62,17 @@ public:
     const std::vector<GeometryPtr>& parts() const { return parts_; }
 
     std::shared_ptr<const Geometry> approximateGeometry(QSizeF tolerance) const override;
-    std::shared_ptr<Geometry> clone() const override;
     bool isEmpty() const override;
     Envelope envelope() const override;
     std::uint64_t weight() const override;
     bool equals(const Geometry& other) const override;
-    std::shared_ptr<Geometry> mapped(const PositionMap& map) const override;
-    std::string_view archiveName() const override;
-    void save(serialization::TrackingOutputArchive& archive) const override;
 
 private:
     std::vector<GeometryPtr> parts_;
 };
 
 /// A polygon whose rings are lines, circular strings or compound curves: the shell, then holes.
-class ORVANE_PLATFORM_EXPORT CurvePolygon final : public ApproximableSurface {
+class ORVANE_PLATFORM_EXPORT CurvePolygon final : public GeometryKind<CurvePolygon, ApproximableSurface> {
 public:
     /// Throws std::invalid_argument for a ring of another kind, and for null.
     CurvePolygon(Dimensions dimensions, std::vector<GeometryPtr> rings);
@@ -86,21 +80,17 @@ public:
     const std::vector<GeometryPtr>& rings() const { return rings_; }
 
     std::shared_ptr<const Geometry> approximateGeometry(QSizeF tolerance) const override;
-    std::shared_ptr<Geometry> clone() const override;
     bool isEmpty() const override;
     Envelope envelope() const override;
     std::uint64_t weight() const override;
     bool equals(const Geometry& other) const override;
-    std::shared_ptr<Geometry> mapped(const PositionMap& map) const override;
-    std::string_view archiveName() const override;
-    void save(serialization::TrackingOutputArchive& archive) const override;
 
 private:
     std::vector<GeometryPtr> rings_;
 };
 
 /// The area inside an ellipse.
-class ORVANE_PLATFORM_EXPORT Ellipse final : public ApproximableSurface {
+class ORVANE_PLATFORM_EXPORT Ellipse final : public GeometryKind<Ellipse, ApproximableSurface> {
 public:
     /// The first semi-axis is turned by `rotation` degrees, anticlockwise from east. Throws
     /// std::invalid_argument for semi-axes that are not positive and finite.
@@ -114,21 +104,20 @@ public:
     bool isCircle() const { return semiAxisA_ == semiAxisB_; }
 
     std::shared_ptr<const Geometry> approximateGeometry(QSizeF tolerance) const override;
-    std::shared_ptr<Geometry> clone() const override;
     bool isEmpty() const override { return false; }
     Envelope envelope() const override;
     std::uint64_t weight() const override { return 1; }
     bool equals(const Geometry& other) const override;
-    std::shared_ptr<Geometry> mapped(const PositionMap& map) const override;
-    std::string_view archiveName() const override;
-    void save(serialization::TrackingOutputArchive& archive) const override;
 
 private:
+    void saveShape(serialization::TrackingOutputArchive& archive) const override;
+
     double centreX_, centreY_, semiAxisA_, semiAxisB_, rotation_;
 };
 
 /// A rectangle along the axes whose corners are quarters of an ellipse; with radii of 0 a plain rectangle.
-class ORVANE_PLATFORM_EXPORT RoundedRectangle final : public ApproximableSurface {
+class ORVANE_PLATFORM_EXPORT RoundedRectangle final
+    : public GeometryKind<RoundedRectangle, ApproximableSurface> {
 public:
     /// Radii are cut to half the sides. Throws std::invalid_argument for an empty or infinite rectangle and
     /// for negative radii.
@@ -139,16 +128,14 @@ public:
     double radiusY() const { return radiusY_; }
 
     std::shared_ptr<const Geometry> approximateGeometry(QSizeF tolerance) const override;
-    std::shared_ptr<Geometry> clone() const override;
     bool isEmpty() const override { return false; }
     Envelope envelope() const override { return rectangle_; }
     std::uint64_t weight() const override { return 1; }
     bool equals(const Geometry& other) const override;
-    std::shared_ptr<Geometry> mapped(const PositionMap& map) const override;
-    std::string_view archiveName() const override;
-    void save(serialization::TrackingOutputArchive& archive) const override;
 
 private:
+    void saveShape(serialization::TrackingOutputArchive& archive) const override;
+
     Envelope rectangle_;
     double radiusX_, radiusY_;
 };

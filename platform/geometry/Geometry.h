@@ -86,18 +86,34 @@ public:
     /// the map gave up.
     virtual std::shared_ptr<Geometry> mapped(const PositionMap& map) const = 0;
 
+    std::string_view archiveName() const final;
+    void save(serialization::TrackingOutputArchive& archive) const final;
+
 protected:
     Geometry(GeometryType type, Dimensions dimensions) : type_(type), dimensions_(dimensions) {}
     Geometry(const Geometry& other);
 
-    /// The coordinate system, which stands behind the content of every archived geometry.
-    void saveCoordSystem(serialization::TrackingOutputArchive& archive) const;
+    /// What stands in archives before the coordinate system: well-known binary, which holds most kinds whole.
+    virtual void saveShape(serialization::TrackingOutputArchive& archive) const;
 
 private:
     std::shared_ptr<cs::CoordSystem> coordSystem_;
     mutable std::atomic<GeosForm*> geosForm_{nullptr};
     GeometryType type_;
     Dimensions dimensions_;
+};
+
+/// What a kind of geometry gets by saying which class it is. `Base` is Geometry or an abstract class below
+/// it.
+template<typename Kind, typename Base = Geometry>
+class GeometryKind : public Base {
+public:
+    std::shared_ptr<Geometry> clone() const final {
+        return std::make_shared<Kind>(static_cast<const Kind&>(*this));
+    }
+
+protected:
+    using Base::Base;
 };
 
 } // namespace orvane::geometry

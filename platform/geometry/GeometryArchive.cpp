@@ -17,12 +17,6 @@ using serialization::ArchiveError;
 using serialization::TrackingInputArchive;
 using serialization::TrackingOutputArchive;
 
-void saveAsWkb(const Geometry& geometry, TrackingOutputArchive& archive) {
-    const GeometryPtr borrowed(std::shared_ptr<void>(), &geometry);
-    const QByteArray wkb = GeometryFactory::toWkb(borrowed, QSysInfo::LittleEndian);
-    archive.saveBytes({wkb.constData(), static_cast<std::size_t>(wkb.size())});
-}
-
 void loadCoordSystem(TrackingInputArchive& archive, Geometry& geometry) {
     if (archive.loadUInt8() == 0) {
         return;
@@ -98,27 +92,48 @@ std::shared_ptr<serialization::Serializable> loadRoundedRectangle(TrackingInputA
     return rectangle;
 }
 
-constexpr std::string_view pointName = "geometry.Point";
-constexpr std::string_view lineStringName = "geometry.LineString";
-constexpr std::string_view polygonName = "geometry.Polygon";
-constexpr std::string_view multiName = "geometry.Multi";
-constexpr std::string_view collectionName = "geometry.Collection";
-constexpr std::string_view circularStringName = "geometry.CircularString";
-constexpr std::string_view compoundCurveName = "geometry.CompoundCurve";
-constexpr std::string_view curvePolygonName = "geometry.CurvePolygon";
-constexpr std::string_view ellipseName = "geometry.Ellipse";
-constexpr std::string_view roundedRectangleName = "geometry.RoundedRectangle";
+/// The class names in archives, the same for ever.
+std::string_view archiveNameOf(GeometryType type) {
+    switch (type) {
+    case GeometryType::Point: return "geometry.Point";
+    case GeometryType::LineString: return "geometry.LineString";
+    case GeometryType::Polygon: return "geometry.Polygon";
+    case GeometryType::MultiPoint:
+    case GeometryType::MultiLineString:
+    case GeometryType::MultiPolygon: return "geometry.Multi";
+    case GeometryType::GeometryCollection:
+    case GeometryType::MultiCurve:
+    case GeometryType::MultiSurface: return "geometry.Collection";
+    case GeometryType::CircularString: return "geometry.CircularString";
+    case GeometryType::CompoundCurve: return "geometry.CompoundCurve";
+    case GeometryType::CurvePolygon: return "geometry.CurvePolygon";
+    case GeometryType::Ellipse: return "geometry.Ellipse";
+    case GeometryType::RoundedRectangle: return "geometry.RoundedRectangle";
+    }
+    return {};
+}
 
-const bool registered = serialization::registerSerializable(pointName, loadWkb<Point>) &&
-                        serialization::registerSerializable(lineStringName, loadWkb<LineString>) &&
-                        serialization::registerSerializable(polygonName, loadWkb<Polygon>) &&
-                        serialization::registerSerializable(multiName, loadWkb<GeometryCollection>) &&
-                        serialization::registerSerializable(collectionName, loadCollection) &&
-                        serialization::registerSerializable(circularStringName, loadWkb<CircularString>) &&
-                        serialization::registerSerializable(compoundCurveName, loadWkb<CompoundCurve>) &&
-                        serialization::registerSerializable(curvePolygonName, loadWkb<CurvePolygon>) &&
-                        serialization::registerSerializable(ellipseName, loadEllipse) &&
-                        serialization::registerSerializable(roundedRectangleName, loadRoundedRectangle);
+struct Loader {
+    GeometryType type; ///< one of those that share the name
+    serialization::SerializableLoader load;
+};
+
+constexpr Loader loaders[] = {
+    {GeometryType::Point, loadWkb<Point>},
+    {GeometryType::LineString, loadWkb<LineString>},
+    {GeometryType::Polygon, loadWkb<Polygon>},
+    {GeometryType::MultiPoint, loadWkb<GeometryCollection>},
+    {GeometryType::GeometryCollection, loadCollection},
+    {GeometryType::CircularString, loadWkb<CircularString>},
+    {GeometryType::CompoundCurve, loadWkb<CompoundCurve>},
+    {GeometryType::CurvePolygon, loadWkb<CurvePolygon>},
+    {GeometryType::Ellipse, loadEllipse},
+    {GeometryType::RoundedRectangle, loadRoundedRectangle},
+};
+
+const bool registered = std::all_of(std::begin(loaders), std::end(loaders), [](const Loader& loader) {
+    return serialization::registerSerializable(archiveNameOf(loader.type), loader.load);
+});
 
 /// Whether well-known binary holds the collection as it is.
 bool isPlainMulti(GeometryType type) {
@@ -128,7 +143,12 @@ bool isPlainMulti(GeometryType type) {
 
 } // namespace
 
-void Geometry::saveCoordSystem(TrackingOutputArchive& archive) const {
+std::string_view Geometry::archiveName() const {
+    return archiveNameOf(type_);
+}
+
+void Geometry::save(TrackingOutputArchive& archive) const {
+    saveShape(archive);
     const std::shared_ptr<cs::CoordSystem> system = coordSystem();
     archive.saveUInt8(system ? 1 : 0);
     if (system) {
@@ -137,91 +157,36 @@ void Geometry::saveCoordSystem(TrackingOutputArchive& archive) const {
     }
 }
 
-std::string_view Point::archiveName() const {
-    return pointName;
-}
-std::string_view LineString::archiveName() const {
-    return lineStringName;
-}
-std::string_view Polygon::archiveName() const {
-    return polygonName;
-}
-std::string_view GeometryCollection::archiveName() const {
-    return isPlainMulti(type()) ? multiName : collectionName;
-}
-std::string_view CircularString::archiveName() const {
-    return circularStringName;
-}
-std::string_view CompoundCurve::archiveName() const {
-    return compoundCurveName;
-}
-std::string_view CurvePolygon::archiveName() const {
-    return curvePolygonName;
-}
-std::string_view Ellipse::archiveName() const {
-    return ellipseName;
-}
-std::string_view RoundedRectangle::archiveName() const {
-    return roundedRectangleName;
+void Geometry::saveShape(TrackingOutputArchive& archive) const {
+    const GeometryPtr borrowed(std::shared_ptr<void>(), this);
+    const QByteArray wkb = GeometryFactory::toWkb(borrowed, QSysInfo::LittleEndian);
+    archive.saveBytes({wkb.constData(), static_cast<std::size_t>(wkb.size())});
 }
 
-void Point::save(TrackingOutputArchive& archive) const {
-    saveAsWkb(*this, archive);
-    saveCoordSystem(archive);
-}
-
-void LineString::save(TrackingOutputArchive& archive) const {
-    saveAsWkb(*this, archive);
-    saveCoordSystem(archive);
-}
-
-void Polygon::save(TrackingOutputArchive& archive) const {
-    saveAsWkb(*this, archive);
-    saveCoordSystem(archive);
-}
-
-void GeometryCollection::save(TrackingOutputArchive& archive) const {
+void GeometryCollection::saveShape(TrackingOutputArchive& archive) const {
     if (isPlainMulti(type())) {
-        saveAsWkb(*this, archive);
-    } else {
-        archive.saveUInt8(static_cast<std::uint8_t>(type()));
-        archive.saveUInt8(static_cast<std::uint8_t>(dimensions()));
-        archive.saveUInt32(static_cast<std::uint32_t>(parts_.size()));
-        for (const GeometryPtr& part : parts_) {
-            archive.saveSerializable(part.get());
-        }
+        Geometry::saveShape(archive);
+        return;
     }
-    saveCoordSystem(archive);
+    archive.saveUInt8(static_cast<std::uint8_t>(type()));
+    archive.saveUInt8(static_cast<std::uint8_t>(dimensions()));
+    archive.saveUInt32(static_cast<std::uint32_t>(parts_.size()));
+    for (const GeometryPtr& part : parts_) {
+        archive.saveSerializable(part.get());
+    }
 }
 
-void CircularString::save(TrackingOutputArchive& archive) const {
-    saveAsWkb(*this, archive);
-    saveCoordSystem(archive);
-}
-
-void CompoundCurve::save(TrackingOutputArchive& archive) const {
-    saveAsWkb(*this, archive);
-    saveCoordSystem(archive);
-}
-
-void CurvePolygon::save(TrackingOutputArchive& archive) const {
-    saveAsWkb(*this, archive);
-    saveCoordSystem(archive);
-}
-
-void Ellipse::save(TrackingOutputArchive& archive) const {
+void Ellipse::saveShape(TrackingOutputArchive& archive) const {
     for (const double value : {centreX_, centreY_, semiAxisA_, semiAxisB_, rotation_}) {
         archive.saveDouble(value);
     }
-    saveCoordSystem(archive);
 }
 
-void RoundedRectangle::save(TrackingOutputArchive& archive) const {
+void RoundedRectangle::saveShape(TrackingOutputArchive& archive) const {
     for (const double value :
          {rectangle_.minX, rectangle_.minY, rectangle_.maxX, rectangle_.maxY, radiusX_, radiusY_}) {
         archive.saveDouble(value);
     }
-    saveCoordSystem(archive);
 }
 
 } // namespace orvane::geometry

@@ -23,20 +23,16 @@ std::optional<CoordinateSequence> mappedSequence(const CoordinateSequence& sourc
 
 } // namespace
 
-Point::Point(Dimensions dimensions) : Geometry(GeometryType::Point, dimensions) {
+Point::Point(Dimensions dimensions) : GeometryKind(GeometryType::Point, dimensions) {
     ordinates_.fill(std::numeric_limits<double>::quiet_NaN());
 }
 
 Point::Point(double x, double y)
-    : Geometry(GeometryType::Point, Dimensions::XY), ordinates_{x, y, 0.0, 0.0} {}
+    : GeometryKind(GeometryType::Point, Dimensions::XY), ordinates_{x, y, 0.0, 0.0} {}
 
 Point::Point(Dimensions dimensions, const double* ordinates)
-    : Geometry(GeometryType::Point, dimensions), ordinates_{} {
+    : GeometryKind(GeometryType::Point, dimensions), ordinates_{} {
     std::copy_n(ordinates, strideOf(dimensions), ordinates_.begin());
-}
-
-std::shared_ptr<Geometry> Point::clone() const {
-    return std::make_shared<Point>(*this);
 }
 
 bool Point::isEmpty() const {
@@ -68,10 +64,7 @@ std::shared_ptr<Geometry> Point::mapped(const PositionMap& map) const {
 }
 
 LineString::LineString(CoordinateSequence coordinates)
-    : Geometry(GeometryType::LineString, coordinates.dimensions()), coordinates_(std::move(coordinates)) {}
-
-std::shared_ptr<Geometry> LineString::clone() const {
-    return std::make_shared<LineString>(*this);
+    : GeometryKind(GeometryType::LineString, coordinates.dimensions()), coordinates_(std::move(coordinates)) {
 }
 
 bool LineString::equals(const Geometry& other) const {
@@ -84,11 +77,7 @@ std::shared_ptr<Geometry> LineString::mapped(const PositionMap& map) const {
 }
 
 Polygon::Polygon(Dimensions dimensions, std::vector<CoordinateSequence> rings)
-    : Geometry(GeometryType::Polygon, dimensions), rings_(std::move(rings)) {}
-
-std::shared_ptr<Geometry> Polygon::clone() const {
-    return std::make_shared<Polygon>(*this);
-}
+    : GeometryKind(GeometryType::Polygon, dimensions), rings_(std::move(rings)) {}
 
 bool Polygon::isEmpty() const {
     return rings_.empty() || rings_.front().isEmpty();
@@ -146,7 +135,7 @@ bool GeometryCollection::takes(GeometryType collection, GeometryType part) {
 
 GeometryCollection::GeometryCollection(GeometryType type, Dimensions dimensions,
                                        std::vector<GeometryPtr> parts)
-    : Geometry(type, dimensions), parts_(std::move(parts)) {
+    : GeometryKind(type, dimensions), parts_(std::move(parts)) {
     constexpr std::uint64_t most = std::numeric_limits<std::uint64_t>::max();
     for (const GeometryPtr& part : parts_) {
         if (!part || !takes(type, part->type())) {
@@ -159,10 +148,6 @@ GeometryCollection::GeometryCollection(GeometryType type, Dimensions dimensions,
         !takes(type, GeometryType::LineString) && !takes(type, GeometryType::Polygon)) {
         throw std::invalid_argument("not a type of collections");
     }
-}
-
-std::shared_ptr<Geometry> GeometryCollection::clone() const {
-    return std::make_shared<GeometryCollection>(*this);
 }
 
 bool GeometryCollection::isEmpty() const {
