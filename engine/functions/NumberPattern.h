@@ -47,8 +47,9 @@ struct PatternSection {
 /// shows all its digits, and a single zero only where "0" was used). "." is the decimal point, "," between
 /// placeholders groups thousands and behind them divides by 1000, "%" and "‰" multiply and stand for
 /// themselves, "E+0" and "E-0" behind a placeholder write an exponent, "\" takes the next character
-/// literally; what is none of these is literal too. With two sections the second is for negative numbers,
-/// with three the third for zero; these get the absolute value.
+/// literally; what is none of these is literal too. Literals before the first placeholder stand in front of
+/// the whole number, however many digits it has. With two sections the second is for negative numbers, with
+/// three the third for zero; these get the absolute value.
 class NumberPattern {
 public:
     explicit NumberPattern(const QString& pattern);

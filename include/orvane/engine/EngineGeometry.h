@@ -31,8 +31,8 @@ public:
     std::shared_ptr<const geometry::Geometry> geometry() const { return geometry_; }
     explicit operator bool() const { return geometry_ != nullptr; }
 
-    /// The blob of a geometry, which must not be null and is modified during the call: its coordinate system
-    /// is detached and put back. `written` receives the coordinate system and its payload when there is one.
+    /// The blob of a geometry that is not null. `written` receives the coordinate system and its payload when
+    /// there is one, and must then not be empty.
     static QByteArray serialize(const std::shared_ptr<geometry::Geometry>& geometry,
                                 const CoordSystemWritten& written);
     QByteArray serialize(const CoordSystemWritten& written) const;

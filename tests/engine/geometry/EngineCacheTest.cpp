@@ -1,6 +1,7 @@
 #include "Kinds.h"
 #include "SqlDatabase.h"
 
+#include "platform/decimal/QDecNumber.h"
 #include "platform/geometry/GeometryFactory.h"
 #include "platform/geometry/TextFormats.h"
 #include <orvane/engine/GeometryConversions.h>
@@ -285,6 +286,11 @@ TEST(GeometryConversions, ColumnTexts) {
     EXPECT_EQ(name.substr(0, name.find(' ')), "\"На\"\"звание\"");
     EXPECT_EQ(name.substr(name.find('(')), "(30) Collate Locale");
     options.unique = true;
+    options.length = 12;
+    options.precision = 2;
+    const std::string price = text(new dp::SimpleAttributeDefinition(
+        QStringLiteral("Price"), qRegisterMetaType<QDecNumber>("QDecNumber"), options));
+    EXPECT_EQ(price.substr(price.find('(')), "(12, 2)  Unique ");
     const std::string key =
         text(new dp::SimpleAttributeDefinition(QStringLiteral("Id"), QMetaType::LongLong, options));
     EXPECT_EQ(key.substr(key.size() - 8), " Unique ");
