@@ -92,6 +92,37 @@ TEST(GeometryFunctions, ValuesThatAreNoGeometry) {
     }
 }
 
+/// A geometry of every kind, in every form, as any argument: a value or NULL, never an error.
+TEST(GeometryFunctions, GeometriesOfEveryKind) {
+    SqlDatabase database;
+    std::vector<std::string> values;
+    for (const auto dimensions : {geometry::Dimensions::XY, geometry::Dimensions::XYZM}) {
+        std::vector<geometry::GeometryPtr> kinds = linearKinds(dimensions);
+        const std::vector<geometry::GeometryPtr> curves = curvedKinds(dimensions);
+        kinds.insert(kinds.end(), curves.begin(), curves.end());
+        for (const geometry::GeometryPtr& kind : kinds) {
+            const auto inSystem = kind->clone();
+            inSystem->setCoordSystem(database.cache().get(3857));
+            for (const QByteArray& blob : {engine::toOrvGeo(inSystem, &database.cache()),
+                                           engine::toGaia(inSystem, &database.cache())}) {
+                values.push_back("x'" + blob.toHex().toStdString() + "'");
+            }
+        }
+    }
+    const auto call = [](const adaptor::FunctionRecord& record, const std::string& a, const std::string& b) {
+        const std::string name = record.name;
+        const bool takesSystem = name.rfind("TransformTo", 0) == 0 || name == "ToOrvGeo";
+        const bool takesTwo = std::string(record.group) == "Relations" || name.find("Distance") != name.npos;
+        return name + "(" + a + (takesSystem ? ",'epsg:4326'" : takesTwo ? "," + b : "") + ")";
+    };
+    for (const adaptor::FunctionRecord& record : adaptor::geometryRecords()) {
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            const std::string expression = call(record, values[i], values[(i * 7 + 3) % values.size()]);
+            EXPECT_NE(database.value(expression).rfind("error", 0), 0U) << expression;
+        }
+    }
+}
+
 struct SqlCase {
     const char* expression;
     const char* expected;
