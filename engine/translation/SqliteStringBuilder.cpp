@@ -82,7 +82,8 @@ std::shared_ptr<ast::QuerySpecification> SqliteStringBuilder::adapted(const ast:
         return *copy;
     };
     if (const auto* into = ast::nodeAs<ast::IntoClause>(node.into)) {
-        intoTable_ = into->name;
+        const bool isFile = into->target == ast::IntoClause::Target::File;
+        (isFile ? intoFile_ : intoTable_) = into->name;
         change().into = nullptr;
     }
     for (std::size_t i = 0; i < node.columns.size(); ++i) {

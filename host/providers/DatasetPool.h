@@ -6,6 +6,7 @@
 #include <QByteArray>
 #include <QCoreApplication>
 #include <QList>
+#include <QTemporaryDir>
 
 #include <memory>
 #include <mutex>
@@ -24,6 +25,8 @@ public:
         QList<QByteArray> drivers; ///< the only drivers to try, all when empty
         QList<QByteArray> openOptions;
         std::shared_ptr<TranscodedFile> copy; ///< opened instead of the file unless null
+        /// Goes when nobody reads the file any more; null for a file of the user's.
+        std::shared_ptr<QTemporaryDir> temporaryDirectory = nullptr;
     };
 
     /// A handle out of the pool; gives it back when it dies.

@@ -9,7 +9,6 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 
-#include <mutex>
 #include <stdexcept>
 
 namespace orvane::files {
@@ -19,14 +18,6 @@ namespace {
 struct Texts {
     Q_DECLARE_TR_FUNCTIONS(orvane::files::FileSource)
 };
-
-void registerDrivers() {
-    static std::once_flag once;
-    std::call_once(once, [] {
-        GDALAllRegister();
-        routeGdalMessagesToLogger();
-    });
-}
 
 struct SourceName {
     QString path;

@@ -2,6 +2,8 @@
 
 #include "platform/log/Logger.h"
 
+#include <gdal.h>
+
 #include <mutex>
 #include <stdexcept>
 
@@ -26,9 +28,12 @@ void CPL_STDCALL logOutsideScopes(CPLErr level, CPLErrorNum, const char* text) {
 
 } // namespace
 
-void routeGdalMessagesToLogger() {
+void registerDrivers() {
     static std::once_flag once;
-    std::call_once(once, [] { CPLSetErrorHandler(logOutsideScopes); });
+    std::call_once(once, [] {
+        GDALAllRegister();
+        CPLSetErrorHandler(logOutsideScopes);
+    });
 }
 
 GdalErrorScope::GdalErrorScope() {

@@ -6,9 +6,9 @@
 
 namespace orvane::files {
 
-/// Sends what GDAL reports outside any GdalErrorScope, also from its worker threads, to the logger instead of
-/// standard error. Done once per process.
-void routeGdalMessagesToLogger();
+/// Registers GDAL's drivers, and sends what GDAL reports outside any GdalErrorScope, also from its worker
+/// threads, to the logger instead of standard error. Done once per process.
+void registerDrivers();
 
 /// Collects what GDAL reports on this thread while the scope lives: warnings go to the logger (the first few,
 /// a damaged file can have one per row), the last error is kept. Scopes nest.

@@ -218,7 +218,9 @@ ast::NodePtr Parser::parseSelect() {
                    QCoreApplication::translate("orvane::sql", "Into годится только в самом внешнем запросе"));
         }
         advance();
-        query->into = std::make_shared<ast::IntoClause>(expectName());
+        using Target = ast::IntoClause::Target;
+        query->into = at(TokenKind::Text) ? std::make_shared<ast::IntoClause>(takeValue(), Target::File)
+                                          : std::make_shared<ast::IntoClause>(expectName());
     }
     if (accept(Keyword::From)) {
         query->from = parseFrom();

@@ -92,7 +92,11 @@ void SqlStringBuilder::visit(const ast::DerivedColumn& node) {
 
 void SqlStringBuilder::visit(const ast::IntoClause& node) {
     std::wstring text = L"Into ";
-    appendName(text, node.name);
+    if (node.target == ast::IntoClause::Target::File) {
+        text += render(std::make_shared<ast::String>(node.name));
+    } else {
+        appendName(text, node.name);
+    }
     push(std::move(text));
 }
 

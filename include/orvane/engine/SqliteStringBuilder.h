@@ -80,6 +80,8 @@ public:
     /// The table that the result is to become (Select … Into name); empty when the statement says nothing of
     /// it. The rendered text is the query alone.
     const std::wstring& intoTable() const { return intoTable_; }
+    /// The file that the result is to become (Select … Into 'path'), likewise.
+    const std::wstring& intoFile() const { return intoFile_; }
     const Errors& errors() const { return errors_; }
     const FunctionNames& unsupportedList() const { return unsupported_; }
     /// Whether the statement calls a function that the white list does not admit. Says nothing of errors().
@@ -137,6 +139,7 @@ private:
     bool isAggregate_ = false;
     bool isIdUsed_ = false;
     std::wstring intoTable_;
+    std::wstring intoFile_;
 };
 
 } // namespace orvane::engine

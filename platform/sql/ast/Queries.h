@@ -76,11 +76,15 @@ struct ORVANE_PLATFORM_EXPORT FromSource : NodeOfKind<NodeKind::FromSource> {
     NodeList sources; ///< TablePrimary, DerivedTable or JoinNode
 };
 
-/// `Into name`: the table that the result of the query becomes.
+/// `Into name` or `Into 'path'`: the table or the file that the result of the query becomes.
 struct ORVANE_PLATFORM_EXPORT IntoClause : NodeOfKind<NodeKind::IntoClause> {
-    explicit IntoClause(std::wstring tableName) : name(std::move(tableName)) {}
+    enum class Target { Table, File };
+
+    explicit IntoClause(std::wstring targetName, Target intoTarget = Target::Table)
+        : name(std::move(targetName)), target(intoTarget) {}
 
     std::wstring name;
+    Target target;
 };
 
 /// One term of Order By.

@@ -20,7 +20,7 @@ public:
     void visit(const ExplicitTable& n) override { add(L"table", n.name); }
     void visit(const FromSource& n) override { add(L"from", n.sources); }
     void visit(const InsertStatement& n) override { add(L"insert", n.table, n.columns, n.source); }
-    void visit(const IntoClause& n) override { add(L"into", n.name); }
+    void visit(const IntoClause& n) override { add(L"into", n.name, static_cast<int>(n.target)); }
     void visit(const JoinCondition& n) override { add(L"on", n.condition); }
     void visit(const JoinNode& n) override {
         add(L"join", static_cast<int>(n.join), n.natural, n.left, n.right, n.matching);

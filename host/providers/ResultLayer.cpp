@@ -1,0 +1,345 @@
+#include "host/providers/ResultLayer.h"
+
+#include "host/providers/GdalErrors.h"
+#include "host/providers/GdalHandles.h"
+#include "host/providers/LayerSchema.h"
+#include "platform/cs/CoordSystem.h"
+#include "platform/dp/Cancellation.h"
+#include "platform/geometry/GeometryFactory.h"
+#include "platform/geometry/TextFormats.h"
+#include <orvane/engine/SpatialiteBlob.h>
+
+#include <ogr_srs_api.h>
+
+#include <QCoreApplication>
+
+#include <array>
+#include <charconv>
+#include <stdexcept>
+
+namespace orvane::files {
+
+namespace {
+
+using Kind = ResultCell::Kind;
+
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(orvane::files::ResultLayer)
+};
+
+struct ReferenceReleaser {
+    void operator()(OGRSpatialReferenceH reference) const { OSRRelease(reference); }
+};
+using ReferenceHandle = std::unique_ptr<std::remove_pointer_t<OGRSpatialReferenceH>, ReferenceReleaser>;
+
+struct FieldDestroyer {
+    void operator()(OGRFieldDefnH field) const { OGR_Fld_Destroy(field); }
+};
+using FieldHandle = std::unique_ptr<std::remove_pointer_t<OGRFieldDefnH>, FieldDestroyer>;
+
+/// An option of GDAL for this thread while the object lives.
+class ThreadOption {
+public:
+    ThreadOption(const char* name, const char* value) : name_(name) {
+        CPLSetThreadLocalConfigOption(name, value);
+    }
+    ~ThreadOption() { CPLSetThreadLocalConfigOption(name_, nullptr); }
+    ThreadOption(const ThreadOption&) = delete;
+    ThreadOption& operator=(const ThreadOption&) = delete;
+
+private:
+    const char* name_;
+};
+
+CPLStringList optionList(const std::vector<const char*>& options) {
+    CPLStringList list;
+    for (const char* option : options)
+        list.AddString(option);
+    return list;
+}
+
+/// Whether a list of the driver's, words between blanks, has the word.
+bool lists(GDALDriverH driver, const char* item, const char* word) {
+    const CPLStringList words(CSLTokenizeString(GDALGetMetadataItem(driver, item, nullptr)));
+    return words.FindString(word) >= 0;
+}
+
+struct FieldKind {
+    OGRFieldType type;
+    OGRFieldSubType subType;
+};
+
+FieldKind fieldKind(int metaType) {
+    switch (metaType) {
+    case QMetaType::Bool: return {OFTInteger, OFSTBoolean};
+    case QMetaType::Short: return {OFTInteger, OFSTInt16};
+    case QMetaType::Int: return {OFTInteger, OFSTNone};
+    case QMetaType::LongLong: return {OFTInteger64, OFSTNone};
+    case QMetaType::Float: return {OFTReal, OFSTFloat32};
+    case QMetaType::Double: return {OFTReal, OFSTNone};
+    case QMetaType::QDate: return {OFTDate, OFSTNone};
+    case QMetaType::QTime: return {OFTTime, OFSTNone};
+    case QMetaType::QDateTime: return {OFTDateTime, OFSTNone};
+    case QMetaType::QByteArray: return {OFTBinary, OFSTNone};
+    default: return {OFTString, OFSTNone};
+    }
+}
+
+/// The nearest that the driver has: text holds everything.
+FieldKind supportedKind(GDALDriverH driver, FieldKind wanted) {
+    if (!lists(driver, GDAL_DMD_CREATIONFIELDDATATYPES, OGR_GetFieldTypeName(wanted.type)))
+        return {OFTString, OFSTNone};
+    const bool hasSubType = wanted.subType == OFSTNone || lists(driver, GDAL_DMD_CREATIONFIELDDATASUBTYPES,
+                                                                OGR_GetFieldSubTypeName(wanted.subType));
+    return {wanted.type, hasSubType ? wanted.subType : OFSTNone};
+}
+
+ReferenceHandle referenceOf(const std::shared_ptr<cs::CoordSystem>& system) {
+    if (!system)
+        return nullptr;
+    ReferenceHandle reference(OSRNewSpatialReference(nullptr));
+    QString definition = system->taggedString();
+    const QString tag = definition.section(QLatin1Char(':'), 0, 0);
+    if (tag != QLatin1String("epsg"))
+        definition = definition.mid(tag.size() + 1);
+    if (OSRSetFromUserInput(reference.get(), definition.toUtf8().constData()) != OGRERR_NONE)
+        return nullptr;
+    OSRSetAxisMappingStrategy(reference.get(), OAMS_TRADITIONAL_GIS_ORDER);
+    return reference;
+}
+
+constexpr std::uint32_t bit(std::uint32_t kind) {
+    return std::uint32_t{1} << kind;
+}
+
+/// The kinds as a driver without curves sees them.
+std::uint32_t linearKinds(std::uint32_t kinds) {
+    constexpr std::array<std::array<std::uint32_t, 2>, 5> pairs{{{8, 2}, {9, 2}, {10, 3}, {11, 5}, {12, 6}}};
+    for (const auto& [curved, linear] : pairs) {
+        if (kinds & bit(curved))
+            kinds = (kinds & ~bit(curved)) | bit(linear);
+    }
+    return kinds;
+}
+
+/// One kind, its multiple form when both occur, any geometry otherwise.
+OGRwkbGeometryType layerType(const ResultColumn& column, bool hasCurves) {
+    const std::uint32_t kinds = hasCurves ? column.geometryKinds : linearKinds(column.geometryKinds);
+    std::uint32_t chosen = wkbUnknown;
+    for (std::uint32_t kind = wkbPoint; kind <= wkbMultiSurface; ++kind) {
+        const bool isMultiple = kind >= wkbMultiPoint && kind <= wkbMultiPolygon;
+        if (kinds == bit(kind) || (isMultiple && kinds == (bit(kind) | bit(kind - 3))))
+            chosen = kind;
+    }
+    return OGR_GT_SetModifier(static_cast<OGRwkbGeometryType>(chosen), column.hasZ, column.hasM);
+}
+
+/// A column of the result on its way into a field of the layer.
+struct FieldWriter {
+    std::size_t column;
+    int field;
+    OGRFieldType type;
+    bool keepsBlobs;
+    const cs::CoordSystem* coordSystem;
+
+    void write(OGRFeatureH feature, const ResultCell& cell, std::string& text) const;
+    void writeNumber(OGRFeatureH feature, const ResultCell& cell, std::string& text) const;
+    void writeBytes(OGRFeatureH feature, const ResultCell& cell, std::string& text) const;
+};
+
+template<class Number>
+void appendNumber(std::string& text, Number number) {
+    std::array<char, 32> digits;
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+    text.append(digits.data(), end);
+}
+
+void FieldWriter::writeNumber(OGRFeatureH feature, const ResultCell& cell, std::string& text) const {
+    const bool isInteger = cell.kind == Kind::Integer;
+    switch (type) {
+    case OFTInteger: OGR_F_SetFieldInteger(feature, field, static_cast<int>(cell.integer)); return;
+    case OFTInteger64: OGR_F_SetFieldInteger64(feature, field, cell.integer); return;
+    case OFTReal:
+        OGR_F_SetFieldDouble(feature, field, isInteger ? static_cast<double>(cell.integer) : cell.real);
+        return;
+    default: break;
+    }
+    text.clear();
+    isInteger ? appendNumber(text, cell.integer) : appendNumber(text, cell.real);
+    OGR_F_SetFieldString(feature, field, text.c_str());
+}
+
+void FieldWriter::writeBytes(OGRFeatureH feature, const ResultCell& cell, std::string& text) const {
+    text.clear();
+    if (cell.kind == Kind::Geometry && keepsBlobs) {
+        if (!engine::appendSpatialiteBlob(cell.bytes, coordSystem ? coordSystem->epsg() : 0, text))
+            text = cell.bytes;
+    } else if (cell.kind == Kind::Geometry) {
+        geometry::appendWkt(*geometry::GeometryFactory::fromWkb(cell.bytes, nullptr), text);
+    } else if (type == OFTBinary) {
+        text = cell.bytes;
+    } else {
+        const auto bytes = QByteArray::fromRawData(cell.bytes.data(), static_cast<int>(cell.bytes.size()));
+        text = bytes.toHex().toUpper().toStdString();
+    }
+    if (type == OFTBinary)
+        OGR_F_SetFieldBinary(feature, field, static_cast<int>(text.size()), text.data());
+    else
+        OGR_F_SetFieldString(feature, field, text.c_str());
+}
+
+void FieldWriter::write(OGRFeatureH feature, const ResultCell& cell, std::string& text) const {
+    switch (cell.kind) {
+    case Kind::Null: OGR_F_SetFieldNull(feature, field); return;
+    case Kind::Integer:
+    case Kind::Real: writeNumber(feature, cell, text); return;
+    case Kind::Text: // dates and times too: the driver reads their fixed form
+        text = cell.bytes;
+        OGR_F_SetFieldString(feature, field, text.c_str());
+        return;
+    case Kind::Bytes:
+    case Kind::Geometry: writeBytes(feature, cell, text); return;
+    }
+}
+
+/// The layer that is being written.
+class LayerWriter {
+public:
+    LayerWriter(ResultRows& rows, const ResultFormat& format, const QString& path, const QString& layerName,
+                bool keepsBlobs)
+        : rows_(rows), keepsBlobs_(keepsBlobs), driver_(GDALGetDriverByName(format.driver)) {
+        createLayer(format, path, layerName);
+        createFields();
+    }
+
+    void writeRows();
+    const QVector<dp::AttributeDefinitionPointer>& attributes() const { return attributes_; }
+
+private:
+    void createLayer(const ResultFormat& format, const QString& path, const QString& layerName);
+    void createFields();
+    void createField(std::size_t column, dp::AttributeDefinitionPointer attribute);
+    void writeRow(const std::vector<ResultCell>& cells);
+    void writeGeometry(OGRFeatureH feature, const ResultCell& cell) const;
+
+    GdalErrorScope errors_;
+    ResultRows& rows_;
+    const bool keepsBlobs_;
+    const GDALDriverH driver_;
+    const ThreadOption withoutWaiting_{"OGR_SQLITE_SYNCHRONOUS", "OFF"}; // nobody knows the file yet
+    DatasetHandle dataset_;
+    OGRLayerH layer_ = nullptr;
+    OGRwkbGeometryType type_ = wkbNone;
+    QVector<dp::AttributeDefinitionPointer> attributes_;
+    std::vector<FieldWriter> fields_;
+    std::string text_;
+};
+
+void LayerWriter::createLayer(const ResultFormat& format, const QString& path, const QString& layerName) {
+    const int position = rows_.geometryColumn();
+    if (format.needsGeometry && position < 0)
+        throw std::runtime_error(Texts::tr("в ответе нет геометрии, без неё файл .%1 не бывает")
+                                     .arg(QLatin1String(format.suffix))
+                                     .toStdString());
+    auto datasetOptions = optionList(format.datasetOptions);
+    dataset_.reset(
+        GDALCreate(driver_, path.toUtf8().constData(), 0, 0, 0, GDT_Unknown, datasetOptions.List()));
+    if (!dataset_)
+        errors_.raise(Texts::tr("файл не создаётся"));
+    ReferenceHandle reference;
+    if (position >= 0) {
+        const ResultColumn& column = rows_.columns()[static_cast<std::size_t>(position)];
+        type_ = layerType(column, GDALGetMetadataItem(driver_, "DCAP_CURVE_GEOMETRIES", nullptr) != nullptr);
+        reference = referenceOf(column.coordSystem);
+    }
+    auto layerOptions = optionList(format.layerOptions);
+    layer_ = GDALDatasetCreateLayer(dataset_.get(), layerName.toUtf8().constData(), reference.get(), type_,
+                                    layerOptions.List());
+    if (!layer_)
+        errors_.raise(Texts::tr("слой не создаётся"));
+}
+
+void LayerWriter::createFields() {
+    QStringList names;
+    std::vector<std::size_t> columns;
+    for (std::size_t i = 0; i < rows_.columns().size(); ++i) {
+        if (static_cast<int>(i) != rows_.geometryColumn()) {
+            columns.push_back(i);
+            names += rows_.columns()[i].name;
+        }
+    }
+    names = distinctNames(names);
+    for (std::size_t i = 0; i < columns.size(); ++i)
+        createField(columns[i], rows_.columns()[columns[i]].attribute(names[static_cast<int>(i)]));
+}
+
+void LayerWriter::createField(std::size_t column, dp::AttributeDefinitionPointer attribute) {
+    const auto& simple = static_cast<const dp::SimpleAttributeDefinition&>(*attribute);
+    const bool becomesText = rows_.columns()[column].geometryKinds != 0 && !keepsBlobs_;
+    const FieldKind kind =
+        supportedKind(driver_, fieldKind(becomesText ? QMetaType::QString : attribute->type()));
+    const FieldHandle field(OGR_Fld_Create(attribute->name().toUtf8().constData(), kind.type));
+    OGR_Fld_SetSubType(field.get(), kind.subType);
+    if (kind.type == OFTString || kind.type == OFTReal) {
+        OGR_Fld_SetWidth(field.get(), simple.length());
+        OGR_Fld_SetPrecision(field.get(), simple.precision());
+    }
+    if (OGR_L_CreateField(layer_, field.get(), TRUE) != OGRERR_NONE)
+        errors_.raise(Texts::tr("поле «%1» не создаётся").arg(attribute->name()));
+    const int position = OGR_FD_GetFieldCount(OGR_L_GetLayerDefn(layer_)) - 1;
+    fields_.push_back({column, position, kind.type, keepsBlobs_, rows_.columns()[column].coordSystem.get()});
+    attributes_ += std::move(attribute);
+}
+
+void LayerWriter::writeGeometry(OGRFeatureH feature, const ResultCell& cell) const {
+    OGRGeometryH geometry = nullptr;
+    if (OGR_G_CreateFromWkb(cell.bytes.data(), nullptr, &geometry, static_cast<int>(cell.bytes.size())) !=
+        OGRERR_NONE)
+        errors_.raise(Texts::tr("геометрия не записывается"));
+    if (OGR_GT_Flatten(type_) != wkbUnknown && OGR_G_GetGeometryType(geometry) != type_)
+        geometry = OGR_G_ForceTo(geometry, type_, nullptr);
+    OGR_F_SetGeometryDirectly(feature, geometry);
+}
+
+void LayerWriter::writeRow(const std::vector<ResultCell>& cells) {
+    const FeatureHandle feature(OGR_F_Create(OGR_L_GetLayerDefn(layer_)));
+    for (const FieldWriter& field : fields_)
+        field.write(feature.get(), cells[field.column], text_);
+    if (const int position = rows_.geometryColumn(); position >= 0) {
+        const ResultCell& cell = cells[static_cast<std::size_t>(position)];
+        if (cell.kind == Kind::Geometry)
+            writeGeometry(feature.get(), cell);
+    }
+    if (OGR_L_CreateFeature(layer_, feature.get()) != OGRERR_NONE)
+        errors_.raise(Texts::tr("запись не добавляется"));
+}
+
+void LayerWriter::writeRows() {
+    const dp::Cancellation cancellation;
+    const bool hasTransactions = GDALDatasetTestCapability(dataset_.get(), ODsCTransactions) != 0;
+    if (hasTransactions && GDALDatasetStartTransaction(dataset_.get(), FALSE) != OGRERR_NONE)
+        errors_.raise(Texts::tr("слой не записывается"));
+    rows_.forEachRow([&](const std::vector<ResultCell>& cells) {
+        writeRow(cells);
+        return !cancellation.isRequested();
+    });
+    if (cancellation.isRequested())
+        throw std::runtime_error(Texts::tr("прервано").toStdString());
+    if (hasTransactions && GDALDatasetCommitTransaction(dataset_.get()) != OGRERR_NONE)
+        errors_.raise(Texts::tr("слой не записывается"));
+    dataset_.reset(); // many drivers write only now
+    errors_.raiseIfFailed(Texts::tr("слой не записывается"));
+}
+
+} // namespace
+
+QVector<dp::AttributeDefinitionPointer> writeLayer(ResultRows& rows, const ResultFormat& format,
+                                                   const QString& path, const QString& layerName,
+                                                   bool keepsBlobs) {
+    registerDrivers();
+    LayerWriter writer(rows, format, path, layerName, keepsBlobs);
+    writer.writeRows();
+    return writer.attributes();
+}
+
+} // namespace orvane::files
