@@ -368,6 +368,79 @@
     </message>
 </context>
 <context>
+    <name>orvane::files::ResultFile</name>
+    <message>
+        <source>файлы пишутся с окончаниями %1</source>
+        <translation>files are written with the endings %1</translation>
+    </message>
+    <message>
+        <source>файл уже есть; с --overwrite он заменяется</source>
+        <translation>the file exists; --overwrite replaces it</translation>
+    </message>
+    <message>
+        <source>имя занято не файлом</source>
+        <translation>the name is taken by something else than a file</translation>
+    </message>
+    <message>
+        <source>таблица уже есть</source>
+        <translation>the table exists</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::files::ResultLayer</name>
+    <message>
+        <source>в ответе нет геометрии, без неё файл .%1 не бывает</source>
+        <translation>the result has no geometry, and a .%1 file cannot be without</translation>
+    </message>
+    <message>
+        <source>файл не создаётся</source>
+        <translation>the file cannot be created</translation>
+    </message>
+    <message>
+        <source>слой не создаётся</source>
+        <translation>the layer cannot be created</translation>
+    </message>
+    <message>
+        <source>поле «%1» не создаётся</source>
+        <translation>the field &quot;%1&quot; cannot be created</translation>
+    </message>
+    <message>
+        <source>геометрия не записывается</source>
+        <translation>a geometry cannot be written</translation>
+    </message>
+    <message>
+        <source>запись не добавляется</source>
+        <translation>a row cannot be added</translation>
+    </message>
+    <message>
+        <source>слой не записывается</source>
+        <translation>the layer cannot be written</translation>
+    </message>
+    <message>
+        <source>прервано</source>
+        <translation>interrupted</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::files::ResultRows</name>
+    <message>
+        <source>временный файл не создаётся</source>
+        <translation>a temporary file cannot be created</translation>
+    </message>
+    <message>
+        <source>временный файл не записывается</source>
+        <translation>a temporary file cannot be written</translation>
+    </message>
+    <message>
+        <source>временный файл не читается</source>
+        <translation>a temporary file cannot be read</translation>
+    </message>
+    <message>
+        <source>столбец «%1»: геометрия не переводится в систему координат «%2»</source>
+        <translation>column &quot;%1&quot;: a geometry cannot be transformed to the coordinate system &quot;%2&quot;</translation>
+    </message>
+</context>
+<context>
     <name>orvane::files::TranscodedFile</name>
     <message>
         <source>Неизвестная кодировка «%1»</source>
@@ -820,6 +893,22 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
     <message>
         <source>%0: %1 строк</source>
         <translation>%0: %1 rows</translation>
+    </message>
+    <message>
+        <source>таблица не может называться «%0»</source>
+        <translation>a table cannot be called &quot;%0&quot;</translation>
+    </message>
+    <message>
+        <source>в файл данных записывается только один ответ</source>
+        <translation>a data file takes one result only</translation>
+    </message>
+    <message>
+        <source>записать ответ в файл; он появится, когда выполнены все запросы. Без --format окончания %0 дают файл данных с типами и системой координат</source>
+        <translation>write the result to a file, which appears when all statements are done. Without --format the endings %0 give a data file with types and coordinate system</translation>
+    </message>
+    <message>
+        <source>заменять файлы данных, которые уже есть, в --output и Into</source>
+        <translation>replace data files that exist, in --output and Into</translation>
     </message>
 </context>
 <context>

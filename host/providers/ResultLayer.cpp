@@ -280,10 +280,8 @@ void LayerWriter::createField(std::size_t column, dp::AttributeDefinitionPointer
         supportedKind(driver_, fieldKind(becomesText ? QMetaType::QString : attribute->type()));
     const FieldHandle field(OGR_Fld_Create(attribute->name().toUtf8().constData(), kind.type));
     OGR_Fld_SetSubType(field.get(), kind.subType);
-    if (kind.type == OFTString || kind.type == OFTReal) {
-        OGR_Fld_SetWidth(field.get(), simple.length());
-        OGR_Fld_SetPrecision(field.get(), simple.precision());
-    }
+    OGR_Fld_SetWidth(field.get(), simple.length());
+    OGR_Fld_SetPrecision(field.get(), simple.precision());
     if (OGR_L_CreateField(layer_, field.get(), TRUE) != OGRERR_NONE)
         errors_.raise(Texts::tr("поле «%1» не создаётся").arg(attribute->name()));
     const int position = OGR_FD_GetFieldCount(OGR_L_GetLayerDefn(layer_)) - 1;

@@ -130,9 +130,10 @@ dp::SimpleAttributeDefinition::Options widthOf(const ResultColumn& column,
         return options;
     }
     const int decimals = source.precision() > 0 ? source.precision() + 1 : 0; // with their point
+    const int sign = column.hasNegatives ? 1 : 0;
     const bool isKept = source.type() == QMetaType::QString
                             ? column.longestText <= static_cast<std::size_t>(source.length())
-                            : column.largest < std::pow(10.0, source.length() - decimals);
+                            : column.largest < std::pow(10.0, source.length() - decimals - sign);
     if (isKept) {
         options.length = source.length();
         options.precision = source.precision();
@@ -211,12 +212,14 @@ void ResultRows::append(ResultColumn& column, int index) {
         column.least = column.hasIntegers ? std::min(column.least, value) : value;
         column.greatest = column.hasIntegers ? std::max(column.greatest, value) : value;
         column.largest = std::max(column.largest, std::fabs(static_cast<double>(value)));
+        column.hasNegatives = column.hasNegatives || value < 0;
         column.hasIntegers = true;
         return appendCell(Kind::Integer, bytesOf(value));
     }
     case SQLITE_FLOAT: {
         const double value = sqlite3_column_double(statement_, index);
         column.hasReals = true;
+        column.hasNegatives = column.hasNegatives || value < 0;
         column.largest = std::max(column.largest, std::fabs(value));
         column.isSingle = column.isSingle && static_cast<double>(static_cast<float>(value)) == value;
         return appendCell(Kind::Real, bytesOf(value));

@@ -50,6 +50,7 @@ struct ResultColumn {
     bool hasBytes = false;
     bool isSingle = true;   ///< every number is a float
     bool areMoments = true; ///< every text has the form of the source's date, time or both
+    bool hasNegatives = false;
     std::int64_t least = 0;
     std::int64_t greatest = 0;
     double largest = 0;          ///< of the numbers, without sign

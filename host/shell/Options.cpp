@@ -2,6 +2,7 @@
 
 #include "host/adaptor/FunctionReference.h"
 #include "host/adaptor/FunctionRegistry.h"
+#include "host/providers/ResultFile.h"
 #include "host/shell/NearestName.h"
 #include "host/shell/Shell.h"
 
@@ -23,8 +24,8 @@ struct RawOptions {
     std::vector<std::string> files, tables, commands, scripts;
     std::string format = "table", memo = "off", log = "warning", locale, output, null, selection, function,
                 indexDirectory;
-    bool noHeader = false, translate = false, sqlite = false, timing = false, explain = false,
-         noIndices = false;
+    bool overwrite = false, noHeader = false, translate = false, sqlite = false, timing = false,
+         explain = false, noIndices = false;
 };
 
 const std::map<std::string, Format> formats{
@@ -167,10 +168,15 @@ std::optional<Options> parseOptions(int argc, const char* const* argv) {
     list("-t,--table", raw.tables, Shell::tr("открыть один слой под именем NAME"), "NAME=FILE[|LAYER]");
     const auto* command = list("-c,--command", raw.commands, Shell::tr("выполнить запрос"), "TEXT");
     const auto* script = list("-f,--script", raw.scripts, Shell::tr("выполнить запросы из файла"), "FILE");
-    value("-F,--format", raw.format, Shell::tr("вид ответа"), "table|csv|json|geojson");
+    const auto* format = value("-F,--format", raw.format, Shell::tr("вид ответа"), "table|csv|json|geojson");
     const auto* output =
         value("-o,--output", raw.output,
-              Shell::tr("записать ответ в файл; он появится, когда выполнены все запросы"), "FILE");
+              Shell::tr("записать ответ в файл; он появится, когда выполнены все запросы. Без --format "
+                        "окончания %0 дают файл данных с типами и системой координат")
+                  .arg(files::ResultFile::endings().join(QStringLiteral(", "))),
+              "FILE");
+    app.add_flag("--overwrite", raw.overwrite,
+                 text(Shell::tr("заменять файлы данных, которые уже есть, в --output и Into")));
     app.add_flag("--no-header", raw.noHeader, text(Shell::tr("без строки заголовков")));
     const auto* null = value("--null", raw.null, Shell::tr("чем обозначить NULL в table и csv"), "TEXT");
     app.add_flag("--translate", raw.translate,
@@ -215,6 +221,10 @@ std::optional<Options> parseOptions(int argc, const char* const* argv) {
     options.format = oneOf(formats, raw.format, "--format");
     if (output->count() != 0)
         options.outputPath = raw.output;
+    options.overwrite = raw.overwrite;
+    options.outputIsData = options.outputPath && format->count() == 0 && !raw.translate &&
+                           files::ResultFile::isKnown(QString::fromStdString(raw.output)) &&
+                           !raw.output.starts_with("/dev/");
     if (null->count() != 0)
         options.nullText = raw.null;
     options.header = !raw.noHeader;

@@ -41,6 +41,9 @@ struct Options {
     std::optional<SelectionSource> selection;
     Format format = Format::Table;
     std::optional<std::string> outputPath;
+    /// The output is a table or layer in a format of GDAL's, told by its ending, not text.
+    bool outputIsData = false;
+    bool overwrite = false; ///< data files that exist may be replaced
     std::optional<std::string> nullText;
     bool header = true;
     bool translateOnly = false;

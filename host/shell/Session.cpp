@@ -3,6 +3,7 @@
 #include "host/adaptor/Adaptor.h"
 #include "host/providers/FileSource.h"
 #include "host/providers/FilesExtension.h"
+#include "host/providers/ResultFile.h"
 #include "host/shell/NearestName.h"
 #include "host/shell/Shell.h"
 #include "platform/di/ServiceLocator.h"
@@ -110,6 +111,19 @@ void Session::select(const SelectionSource& source) {
     for (const qint64 id : source.ids)
         ids.emplace_back(QVariant(id));
     catalog_.setSelection({object, std::move(ids)});
+}
+
+void Session::addResult(const QString& name, files::ResultRows& rows) {
+    if (dp::DataObject::makeValidObjectName(name) != name ||
+        name.compare(dp::DataCatalogWithSelection::selectionTableName(), Qt::CaseInsensitive) == 0)
+        throw std::runtime_error(Shell::tr("таблица не может называться «%0»").arg(name).toStdString());
+    files::addResultTable(catalog_, name, rows);
+    try {
+        makeVirtualTables();
+    } catch (...) {
+        catalog_.close(name);
+        throw;
+    }
 }
 
 bool Session::closeTable(const QString& name) {

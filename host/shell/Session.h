@@ -14,7 +14,8 @@ class Engine;
 }
 namespace orvane::files {
 class FilesExtension;
-}
+class ResultRows;
+} // namespace orvane::files
 
 namespace orvane::shell {
 
@@ -35,6 +36,8 @@ public:
     /// Opens one layer under a name. Throws UsageError.
     void openTable(const TableSource& source);
     void select(const SelectionSource& source);
+    /// Makes a result an open table. Throws std::runtime_error: name taken, no room.
+    void addResult(const QString& name, files::ResultRows& rows);
     /// False when there is no such table.
     bool closeTable(const QString& name);
 

@@ -2,6 +2,7 @@
 
 #include "host/adaptor/StatementExplanation.h"
 #include "host/shell/ColumnTitles.h"
+#include "host/shell/DataWriter.h"
 #include "host/shell/Interrupt.h"
 #include "host/shell/Progress.h"
 #include "host/shell/Shell.h"
@@ -17,6 +18,7 @@
 #include <cstdio>
 #include <memory>
 #include <optional>
+#include <utility>
 
 namespace orvane::shell {
 
@@ -44,6 +46,19 @@ Problem problemOf(const sql::SqlError& error) {
             problem.message.remove(0, prefix.size());
     }
     return problem;
+}
+
+/// Where the name after Into stands.
+std::optional<TextPlace> placeOfInto(const std::string& statement) {
+    const sql::TokenizedText text = sql::tokenize(statement);
+    for (std::size_t i = 0; i + 1 < text.tokens.size(); ++i) {
+        if (text.tokens[i].keyword != sql::Keyword::Into)
+            continue;
+        const sql::Token& name = text.tokens[i + 1];
+        const sql::TextPosition position = text.position(name.offset);
+        return TextPlace{position.line, position.column, static_cast<int>(name.length)};
+    }
+    return std::nullopt;
 }
 
 /// Where a word of the statement stands, letter case ignored.
@@ -109,10 +124,49 @@ std::string StatementRunner::translate(Statement& statement) {
         fail(statement, std::move(problem));
         return {};
     }
+    if (!readInto(statement, builder))
+        return {};
     const std::string text = sql::toUtf8(builder.query());
     // An expression by itself is a question for its value.
     statement.isExpression = parser.result().isExpression();
     return statement.isExpression ? "Select " + text : text;
+}
+
+bool StatementRunner::readInto(Statement& statement, const engine::SqliteStringBuilder& builder) {
+    const bool isFile = !builder.intoFile().empty();
+    IntoTarget into{sql::fromSqlString(isFile ? builder.intoFile() : builder.intoTable()), isFile,
+                    placeOfInto(statement.text)};
+    if (into.name.isEmpty())
+        return true;
+    if (!isFile && session_.names().tables().contains(into.name, Qt::CaseInsensitive)) {
+        fail(statement, {Shell::tr("таблица «%1» уже есть").arg(into.name), into.place});
+        return false;
+    }
+    statement.into = std::move(into);
+    return true;
+}
+
+std::unique_ptr<ResultWriter> StatementRunner::makeWriter(const Statement& statement,
+                                                          sqlite3_stmt* prepared) {
+    DataWriter::Target target;
+    if (statement.into && statement.into->isFile) {
+        const auto file = std::make_shared<files::ResultFile>(statement.into->name, settings_.overwrite);
+        target = [file](files::ResultRows& rows) {
+            file->write(rows);
+            file->publish();
+        };
+    } else if (statement.into) {
+        target = [this, name = statement.into->name](files::ResultRows& rows) {
+            session_.addResult(name, rows);
+        };
+    } else if (settings_.dataFile) {
+        if (std::exchange(dataFileIsTaken_, true))
+            throw DataError(Shell::tr("в файл данных записывается только один ответ").toStdString());
+        target = [this](files::ResultRows& rows) { settings_.dataFile->write(rows); };
+    } else {
+        return makeResultWriter(settings_.writer, output_);
+    }
+    return std::make_unique<DataWriter>(prepared, session_, std::move(target), output_);
 }
 
 Outcome StatementRunner::runSqlite(Statement& statement, const std::string& sqliteText) {
@@ -136,7 +190,8 @@ Outcome StatementRunner::runSqlite(Statement& statement, const std::string& sqli
         if (!prepared)
             continue; // a comment or nothing
         if (const Outcome outcome = execute(statement, prepared.get(), userText); outcome == Outcome::Failed)
-            return failSqlite(statement, sqliteText, offset);
+            return statement.problem ? fail(statement, *statement.problem)
+                                     : failSqlite(statement, sqliteText, offset);
         else if (outcome == Outcome::Cancelled)
             return cancel();
         if (explanation)
@@ -152,13 +207,31 @@ Outcome StatementRunner::runSqlite(Statement& statement, const std::string& sqli
 
 Outcome StatementRunner::execute(Statement& statement, sqlite3_stmt* prepared,
                                  const sql::TokenizedText& userText) {
-    Progress progress;
-    std::unique_ptr<ResultWriter> writer;
-    const ResultRow row(prepared, session_.engine().cache());
-    if (row.size() != 0) {
-        writer = makeResultWriter(settings_.writer, output_);
-        writer->begin(columnTitles(prepared, settings_.sqlite ? nullptr : &userText, statement.isExpression));
+    int code = SQLITE_DONE;
+    try {
+        std::unique_ptr<ResultWriter> writer;
+        if (sqlite3_column_count(prepared) != 0) {
+            writer = makeWriter(statement, prepared);
+            writer->begin(
+                columnTitles(prepared, settings_.sqlite ? nullptr : &userText, statement.isExpression));
+        }
+        code = writeRows(statement, prepared, writer.get());
+        if (writer && code == SQLITE_DONE && !interrupt_.requested())
+            writer->end();
+    } catch (const OutputError&) {
+        throw; // no statement is at fault
+    } catch (const std::runtime_error& error) {
+        statement.problem = {QString::fromUtf8(error.what()),
+                             statement.into ? statement.into->place : std::nullopt};
     }
+    if (code == SQLITE_INTERRUPT || interrupt_.requested())
+        return Outcome::Cancelled;
+    return code == SQLITE_DONE && !statement.problem ? Outcome::Done : Outcome::Failed;
+}
+
+int StatementRunner::writeRows(Statement& statement, sqlite3_stmt* prepared, ResultWriter* writer) {
+    Progress progress;
+    const ResultRow row(prepared, session_.engine().cache());
     int code = SQLITE_DONE;
     while (!interrupt_.requested() && (code = sqlite3_step(prepared)) == SQLITE_ROW) {
         if (statement.times.rows++ == 0) {
@@ -169,13 +242,7 @@ Outcome StatementRunner::execute(Statement& statement, sqlite3_stmt* prepared,
         progress.setRows(statement.times.rows);
         writer->row(row);
     }
-    if (code == SQLITE_INTERRUPT || interrupt_.requested())
-        return Outcome::Cancelled;
-    if (code != SQLITE_DONE)
-        return Outcome::Failed;
-    if (writer)
-        writer->end();
-    return Outcome::Done;
+    return code;
 }
 
 Outcome StatementRunner::finish(Statement& statement) {

@@ -4,10 +4,16 @@
 #include "host/shell/ResultWriter.h"
 #include "host/shell/Session.h"
 
+#include "host/providers/ResultFile.h"
 #include "platform/sql/Lexer.h"
 
 #include <chrono>
+#include <memory>
 #include <string>
+
+namespace orvane::engine {
+class SqliteStringBuilder;
+}
 
 namespace orvane::shell {
 
@@ -25,6 +31,9 @@ public:
         bool translateOnly = false; ///< write the SQLite text instead of running it
         bool sqlite = false;        ///< the texts are SQLite's already
         bool timing = false;
+        bool overwrite = false; ///< Into may replace a file
+        /// Takes the result instead of the output; only one result fits. Null for none.
+        std::shared_ptr<files::ResultFile> dataFile;
         bool explain = false; ///< tell how each statement was answered
     };
 
@@ -46,6 +55,13 @@ private:
         std::int64_t rows = 0;
     };
 
+    /// What Into names.
+    struct IntoTarget {
+        QString name;
+        bool isFile = false;
+        std::optional<TextPlace> place = std::nullopt; ///< of the name
+    };
+
     /// The statement that runs.
     struct Statement {
         const StatementText& source;
@@ -53,15 +69,22 @@ private:
         TextPlace start;           ///< of that text in the source
         bool isExpression = false; ///< not a statement but a value
         QStringList explanation{}; ///< of its SQLite statements
+        std::optional<IntoTarget> into = {};
+        std::optional<Problem> problem = {}; ///< of a failure that is not SQLite's
         Times times = {};
     };
 
     Outcome runDialect(Statement& statement);
     /// The SQLite text; empty, and the reason is reported, when there is none.
     std::string translate(Statement& statement);
+    /// Notes what Into names, and whether it is free; otherwise reports that and answers false.
+    bool readInto(Statement& statement, const engine::SqliteStringBuilder& builder);
+    std::unique_ptr<ResultWriter> makeWriter(const Statement& statement, sqlite3_stmt* prepared);
     /// Runs the SQLite statements of a text. They count as one statement, unless the user wrote them.
     Outcome runSqlite(Statement& statement, const std::string& sqliteText);
     Outcome execute(Statement& statement, sqlite3_stmt* prepared, const sql::TokenizedText& userText);
+    /// Steps to the end; answers SQLite's code.
+    int writeRows(Statement& statement, sqlite3_stmt* prepared, ResultWriter* writer);
     Outcome finish(Statement& statement);
 
     /// Reports what the database says; `offset` is where the failed one of the SQLite statements begins.
@@ -73,6 +96,7 @@ private:
     Settings settings_;
     Output& output_;
     const Interrupt& interrupt_;
+    bool dataFileIsTaken_ = false;
 };
 
 } // namespace orvane::shell

@@ -69,7 +69,7 @@ bool isOtherThanFile(const std::string& path) {
 }
 
 std::unique_ptr<Output> makeOutput(const Options& options, Interrupt& interrupt) {
-    if (!options.outputPath) {
+    if (!options.outputPath || options.outputIsData) {
         if (::isatty(STDOUT_FILENO))
             return std::make_unique<TerminalOutput>(STDOUT_FILENO);
         return std::make_unique<HeldOutput>(STDOUT_FILENO);
@@ -90,6 +90,17 @@ std::unique_ptr<Output> makeOutput(const Options& options, Interrupt& interrupt)
     }
 }
 
+std::shared_ptr<files::ResultFile> makeDataFile(const Options& options) {
+    if (!options.outputIsData)
+        return nullptr;
+    try {
+        return std::make_shared<files::ResultFile>(QString::fromStdString(*options.outputPath),
+                                                   options.overwrite);
+    } catch (const std::runtime_error& error) {
+        throw UsageError(QString::fromUtf8(error.what()));
+    }
+}
+
 StatementRunner::Settings runnerSettings(const Options& options, const Output& output) {
     StatementRunner::Settings settings;
     settings.writer = {options.format, options.header, options.nullText,
@@ -98,6 +109,8 @@ StatementRunner::Settings runnerSettings(const Options& options, const Output& o
     settings.sqlite = options.sqlite;
     settings.timing = options.timing;
     settings.explain = options.explain;
+    settings.overwrite = options.overwrite;
+    settings.dataFile = makeDataFile(options);
     return settings;
 }
 
@@ -124,6 +137,13 @@ private:
     Interrupt& interrupt_;
 };
 
+/// All statements have succeeded: what they wrote takes its place.
+void finishOutput(StatementRunner& runner, Output& output) {
+    if (runner.settings().dataFile)
+        runner.settings().dataFile->publish();
+    output.finish();
+}
+
 ExitStatus runInputs(const Options& options, const std::vector<Input>& inputs, Interrupt& interrupt) {
     const auto output = makeOutput(options, interrupt);
     Session session;
@@ -132,7 +152,7 @@ ExitStatus runInputs(const Options& options, const std::vector<Input>& inputs, I
     StatementRunner runner(session, runnerSettings(options, *output), *output, interrupt);
     if (options.statements.empty() && inputs.empty()) {
         runPrompt(session, runner, interrupt);
-        output->finish();
+        finishOutput(runner, *output);
         return Done;
     }
     for (const Input& input : inputs) {
@@ -142,7 +162,7 @@ ExitStatus runInputs(const Options& options, const std::vector<Input>& inputs, I
         case Outcome::Cancelled: return Interrupted;
         }
     }
-    output->finish();
+    finishOutput(runner, *output);
     return Done;
 }
 
