@@ -137,6 +137,10 @@
         <translation>scan of the whole table: the geometries have different coordinate systems</translation>
     </message>
     <message>
+        <source>строки в памяти</source>
+        <translation>rows kept in memory</translation>
+    </message>
+    <message>
         <source>%0, раз: %1</source>
         <translation>%0, %1 times</translation>
     </message>

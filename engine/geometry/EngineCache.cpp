@@ -95,6 +95,11 @@ bool EngineCache::PayloadLess::operator()(const PayloadKey& a, const PayloadKey&
 }
 
 bool EngineCache::IdLess::operator()(const dp::FeatureId& a, const dp::FeatureId& b) const {
+    constexpr int usual = QMetaType::LongLong;
+    if (a.value().userType() == usual && b.value().userType() == usual) {
+        return *static_cast<const qint64*>(a.value().constData()) <
+               *static_cast<const qint64*>(b.value().constData());
+    }
     return utils::compare(a.value(), b.value()) < 0;
 }
 
@@ -192,9 +197,10 @@ qint64 EngineCache::assignIdToInt(dp::FeatureId id) {
     }
     const WriteLocked lock(&idLock_);
     const auto number = static_cast<qint64>(intById_.size());
-    const auto [position, isNew] = intById_.emplace(std::move(id), number);
-    if (isNew) {
-        idByInt_.emplace_hint(idByInt_.end(), number, position);
+    // Providers deliver identifiers in ascending order, so the place behind the last one is the likely one.
+    const auto position = intById_.emplace_hint(intById_.end(), std::move(id), number);
+    if (position->second == number) {
+        idByInt_.push_back(position);
     }
     return position->second;
 }
@@ -207,8 +213,8 @@ qint64 EngineCache::idToInt(dp::FeatureId id, qint64 defaultValue) {
 
 dp::FeatureId EngineCache::intToId(qint64 number) {
     const ReadLocked lock(&idLock_);
-    const auto found = idByInt_.find(number);
-    return found == idByInt_.end() ? dp::FeatureId() : found->second->first;
+    const bool isAssigned = number >= 0 && number < static_cast<qint64>(idByInt_.size());
+    return isAssigned ? idByInt_[static_cast<std::size_t>(number)]->first : dp::FeatureId();
 }
 
 qint64 EngineCache::idLimit() {

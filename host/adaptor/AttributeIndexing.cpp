@@ -1,6 +1,7 @@
 #include "host/adaptor/AttributeIndexing.h"
 
 #include "host/adaptor/IndexBuilder.h"
+#include "host/adaptor/ValueOrder.h"
 
 #include <orvane/engine/EngineCache.h>
 
@@ -49,19 +50,6 @@ std::uint8_t operationOf(Comparison comparison) {
 /// answer wrongly.
 bool comparesAlike(const TableDeclaration::Column& column, dp::TextCollation collation) {
     return column.kind == Kind::Number || (column.isLocaleText && collation == dp::TextCollation::Locale);
-}
-
-dp::Cell cellOf(const dp::ScanValue& value) {
-    if (const auto* integer = std::get_if<std::int64_t>(&value)) {
-        return dp::Cell::ofInteger(*integer);
-    }
-    if (const auto* real = std::get_if<double>(&value)) {
-        return dp::Cell::ofReal(*real);
-    }
-    if (const auto* text = std::get_if<std::string>(&value)) {
-        return dp::Cell::ofText(*text);
-    }
-    return {};
 }
 
 } // namespace

@@ -47,6 +47,7 @@ QString describe(Access access, const ScanReport& report) {
         return Words::tr("индекс по %0 (%1)")
             .arg(report.indexColumns.join(QStringLiteral(", ")), origin(report));
     case Access::SpatialIndex: return Words::tr("R-дерево по геометрии (%0)").arg(origin(report));
+    case Access::Memory: return Words::tr("строки в памяти");
     case Access::Relation: return Words::tr("просмотр всей таблицы: у геометрий разные системы координат");
     }
     return {};

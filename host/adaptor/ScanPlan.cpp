@@ -32,6 +32,11 @@ std::string ScanPlan::toText() const {
     appendNumber(text, relation ? 1 + static_cast<std::uint64_t>(*relation) : 0);
     appendNumber(text, limit);
     appendNumber(text, offset);
+    appendNumber(text, order.size());
+    for (const Order& each : order) {
+        appendNumber(text, static_cast<std::uint64_t>(each.column));
+        appendNumber(text, each.isDescending);
+    }
     for (const Term& term : terms) {
         appendNumber(text, static_cast<std::uint64_t>(term.column));
         appendNumber(text, static_cast<std::uint64_t>(term.comparison));
@@ -50,6 +55,11 @@ ScanPlan ScanPlan::fromText(std::string_view text) {
     }
     plan.limit = takeNumber(text) != 0;
     plan.offset = takeNumber(text) != 0;
+    for (std::uint64_t left = takeNumber(text); left > 0 && !text.empty(); --left) {
+        Order& each = plan.order.emplace_back();
+        each.column = static_cast<int>(takeNumber(text));
+        each.isDescending = takeNumber(text) != 0;
+    }
     while (!text.empty()) {
         Term term;
         term.column = static_cast<int>(takeNumber(text));

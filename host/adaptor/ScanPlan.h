@@ -22,6 +22,11 @@ struct ScanPlan {
         dp::TextCollation collation = dp::TextCollation::Binary;
         bool operator==(const Term&) const = default;
     };
+    struct Order {
+        int column = 0; ///< position in the virtual table's declaration
+        bool isDescending = false;
+        bool operator==(const Order&) const = default;
+    };
     enum class RowNumber : std::uint8_t { None, Equal, In };
 
     std::uint64_t number = 0;      ///< of what a ScanRecorder took down, 0 when there is none
@@ -29,6 +34,7 @@ struct ScanPlan {
     std::vector<Term> terms;
     RowNumber rowNumber = RowNumber::None;
     std::optional<SpatialRelation> relation; ///< of the geometry column to the value
+    std::vector<Order> order; ///< in which the scan delivers its rows, first column first; any when empty
     bool limit = false;
     bool offset = false;
 

@@ -38,9 +38,10 @@ enum class Access : std::uint8_t {
     RowNumber,
     AttributeIndex,
     SpatialIndex,
-    Relation
+    Relation,
+    Memory ///< rows kept for a scan that is made again and again
 };
-constexpr std::size_t accessCount = 6;
+constexpr std::size_t accessCount = 7;
 
 /// How one table of a statement was answered. The inner table of a join is scanned many times.
 struct ScanReport {

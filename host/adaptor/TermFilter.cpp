@@ -1,5 +1,7 @@
 #include "host/adaptor/TermFilter.h"
 
+#include "host/adaptor/ValueOrder.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -15,67 +17,6 @@ using dp::TextCollation;
 
 /// In lists with more operands that no look-up serves leave the row to SQLite, which searches a sorted list.
 constexpr std::size_t scannedOperands = 32;
-
-char foldAscii(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-int compareFolded(std::string_view a, std::string_view b) {
-    const std::size_t common = std::min(a.size(), b.size());
-    for (std::size_t i = 0; i < common; ++i) {
-        const int difference =
-            static_cast<unsigned char>(foldAscii(a[i])) - static_cast<unsigned char>(foldAscii(b[i]));
-        if (difference != 0) {
-            return difference;
-        }
-    }
-    return a.size() < b.size() ? -1 : a.size() > b.size();
-}
-
-/// Exact three-way comparison of a 64-bit integer with a double that is a number.
-int compareNumbers(std::int64_t a, double b) {
-    constexpr double limit = 9223372036854775808.0; // 2^63
-    if (b >= limit) {
-        return -1;
-    }
-    if (b < -limit) {
-        return 1;
-    }
-    const double whole = std::trunc(b);
-    const auto integer = static_cast<std::int64_t>(whole);
-    if (a != integer) {
-        return a < integer ? -1 : 1;
-    }
-    return whole < b ? -1 : whole > b;
-}
-
-template<class Number>
-int compareSame(Number a, Number b) {
-    return a < b ? -1 : a > b;
-}
-
-/// Compares a number cell with a number operand.
-int compareNumbers(const Cell& cell, const dp::ScanValue& operand) {
-    if (cell.type() == CellType::Integer) {
-        if (const auto* integer = std::get_if<std::int64_t>(&operand)) {
-            return compareSame(cell.integer(), *integer);
-        }
-        return compareNumbers(cell.integer(), std::get<double>(operand));
-    }
-    if (const auto* real = std::get_if<double>(&operand)) {
-        return compareSame(cell.real(), *real);
-    }
-    return -compareNumbers(std::get<std::int64_t>(operand), cell.real());
-}
-
-bool isNull(const Cell& cell) {
-    return cell.isNull() ||
-           (cell.type() == CellType::Real && std::isnan(cell.real())); // SQLite stores NaN as NULL
-}
-
-bool isNumber(const Cell& cell) {
-    return cell.type() == CellType::Integer || cell.type() == CellType::Real;
-}
 
 bool isNumber(const dp::ScanValue& value) {
     return std::holds_alternative<std::int64_t>(value) || std::holds_alternative<double>(value);
@@ -184,7 +125,7 @@ bool TermFilter::accepts(const ScanTerm& term, const Cell& cell, const InList* l
         return false;
     }
     if (isNumber(cell) && isNumber(operand)) {
-        return holds(term.comparison, compareNumbers(cell, operand));
+        return holds(term.comparison, compareNumbers(cell, cellOf(operand)));
     }
     const auto* text = std::get_if<std::string>(&operand);
     if (cell.type() != CellType::Text || !text) {
@@ -207,11 +148,12 @@ bool TermFilter::inList(const ScanTerm& term, const Cell& cell, const InList& li
     if (cell.type() == CellType::Integer) {
         return std::binary_search(list.integers.begin(), list.integers.end(), cell.integer()) ||
                std::any_of(list.reals.begin(), list.reals.end(),
-                           [&cell](double real) { return compareNumbers(cell.integer(), real) == 0; });
+                           [&cell](double real) { return compareNumbers(cell, Cell::ofReal(real)) == 0; });
     }
     return std::binary_search(list.reals.begin(), list.reals.end(), cell.real()) ||
-           std::any_of(list.integers.begin(), list.integers.end(),
-                       [&cell](std::int64_t integer) { return compareNumbers(integer, cell.real()) == 0; });
+           std::any_of(list.integers.begin(), list.integers.end(), [&cell](std::int64_t integer) {
+               return compareNumbers(cell, Cell::ofInteger(integer)) == 0;
+           });
 }
 
 bool TermFilter::inTextList(const ScanTerm& term, std::string_view text, const InList& list) {

@@ -20,20 +20,21 @@ namespace {
 /// Rows between two looks at the cancellation.
 constexpr unsigned rowsBetweenChecks = 1024;
 
-/// Appends the operand of a term; false for a value that only SQLite can compare with the column.
-bool appendOperand(sqlite3_value* value, std::vector<dp::ScanValue>& operands) {
+/// Sets an operand, reusing the memory of the text that was there; false for a value that only SQLite can
+/// compare with the column.
+bool setOperand(sqlite3_value* value, dp::ScanValue& operand) {
     switch (sqlite3_value_type(value)) {
-    case SQLITE_NULL: operands.emplace_back(); return true;
-    case SQLITE_INTEGER:
-        operands.emplace_back(std::in_place_type<std::int64_t>, sqlite3_value_int64(value));
-        return true;
-    case SQLITE_FLOAT:
-        operands.emplace_back(std::in_place_type<double>, sqlite3_value_double(value));
-        return true;
+    case SQLITE_NULL: operand = std::monostate(); return true;
+    case SQLITE_INTEGER: operand.emplace<std::int64_t>(sqlite3_value_int64(value)); return true;
+    case SQLITE_FLOAT: operand.emplace<double>(sqlite3_value_double(value)); return true;
     case SQLITE_TEXT: {
         const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(value));
-        operands.emplace_back(std::in_place_type<std::string>, text,
-                              static_cast<std::size_t>(sqlite3_value_bytes(value)));
+        const auto size = static_cast<std::size_t>(sqlite3_value_bytes(value));
+        if (auto* known = std::get_if<std::string>(&operand)) {
+            known->assign(text, size);
+        } else {
+            operand.emplace<std::string>(text, size);
+        }
         return true;
     }
     default: return false;
@@ -91,19 +92,28 @@ void textResult(sqlite3_context* context, std::string_view text) {
 } // namespace
 
 VirtualCursor::VirtualCursor(VirtualTable& table)
-    : sqlite3_vtab_cursor{}, table_(table), geometry_(table.table().coordSystem(), table.cache()) {}
+    : sqlite3_vtab_cursor{}, table_(table), coordSystem_(table.table().coordSystem()),
+      geometryAttribute_(table.table().schema()->geometryIndex()), repeated_(table.declaration()),
+      geometry_(coordSystem_, table.cache()) {}
 
 void VirtualCursor::readPlan(const char* planText) {
     plan_ = ScanPlan::fromText(planText);
     planText_ = planText;
     const ScanRecorder* recorder = ScanRecorder::current();
     report_ = recorder ? recorder->report(plan_.number) : nullptr;
-    request_.attributes.clear();
+    repeated_.restart();
+    request_ = {};
     const auto& columns = table_.declaration().columns();
     for (std::size_t i = 0; i < columns.size(); ++i) {
         if (columns[i].attribute >= 0 && plan_.usesColumn(static_cast<int>(i))) {
             request_.attributes.push_back(columns[i].attribute);
         }
+    }
+    for (const ScanPlan::Term& planned : plan_.terms) {
+        dp::ScanTerm& term = request_.terms.emplace_back();
+        term.attribute = columns[static_cast<std::size_t>(planned.column)].attribute;
+        term.comparison = planned.comparison;
+        term.collation = planned.collation;
     }
 }
 
@@ -132,16 +142,16 @@ bool VirtualCursor::readRelation(sqlite3_value* value) {
     if (!related) {
         return false;
     }
-    dp::Table& table = table_.table();
-    const auto own = table.coordSystem();
     const auto other = related->coordSystem();
-    if (own && other && own != other && !own->equals(*other)) {
+    if (coordSystem_ && other && coordSystem_ != other && !coordSystem_->equals(*other)) {
         related_ = related;
-        request_.attributes.push_back(table.schema()->geometryIndex());
+        if (!plan_.usesColumn(table_.declaration().geometryColumn())) {
+            request_.attributes.push_back(geometryAttribute_);
+        }
         return true;
     }
     auto& ids = request_.ids.emplace();
-    spatialIndex().search(*plan_.relation, related, table, ids);
+    spatialIndex().search(*plan_.relation, related, table_.table(), ids);
     return !ids.empty();
 }
 
@@ -156,24 +166,29 @@ SpatialIndex& VirtualCursor::spatialIndex() {
     return index;
 }
 
+bool VirtualCursor::readOperands(sqlite3_value* value, dp::ScanTerm& term) {
+    switch (term.comparison) {
+    case dp::Comparison::IsNull:
+    case dp::Comparison::IsNotNull: return true;
+    case dp::Comparison::In:
+        term.operands.clear();
+        return eachInList(
+            value, [&term](sqlite3_value* item) { return setOperand(item, term.operands.emplace_back()); });
+    default: term.operands.resize(1); return setOperand(value, term.operands.front());
+    }
+}
+
 bool VirtualCursor::readArguments(std::span<sqlite3_value*> arguments) {
-    request_.terms.clear();
     request_.ids.reset();
     related_.reset();
     request_.limit = -1;
     std::size_t next = 0;
-    for (const ScanPlan::Term& planned : plan_.terms) {
-        sqlite3_value* value = arguments[next++];
-        dp::ScanTerm term;
-        term.attribute = table_.declaration().columns()[static_cast<std::size_t>(planned.column)].attribute;
-        term.comparison = planned.comparison;
-        term.collation = planned.collation;
-        const auto add = [&term](sqlite3_value* item) { return appendOperand(item, term.operands); };
-        const bool comparable =
-            planned.comparison == dp::Comparison::In ? eachInList(value, add) : add(value);
-        if (comparable || term.comparison == dp::Comparison::IsNull ||
-            term.comparison == dp::Comparison::IsNotNull) {
-            request_.terms.push_back(std::move(term));
+    for (std::size_t term = 0; next < plan_.terms.size(); ++next) {
+        if (readOperands(arguments[next], request_.terms[term])) {
+            ++term;
+        } else {
+            request_.terms.erase(request_.terms.begin() + static_cast<std::ptrdiff_t>(term));
+            planText_ = nullptr; // the next scan takes all terms again
         }
     }
     if (plan_.rowNumber != ScanPlan::RowNumber::None && !readRowNumbers(arguments[next++])) {
@@ -193,8 +208,10 @@ bool VirtualCursor::readArguments(std::span<sqlite3_value*> arguments) {
     return true;
 }
 
-void VirtualCursor::filter(const char* planText, std::span<sqlite3_value*> arguments) {
-    rows_.reset();
+int VirtualCursor::filter(const char* planText, std::span<sqlite3_value*> arguments) {
+    rows_ = nullptr;
+    scan_.reset();
+    ordered_.reset();
     cancellation_ = {};
     if (planText != planText_) {
         readPlan(planText);
@@ -203,6 +220,7 @@ void VirtualCursor::filter(const char* planText, std::span<sqlite3_value*> argum
     if (report_) {
         report();
     }
+    return rows_ && !plan_.order.empty() ? arrange() : SQLITE_OK;
 }
 
 void VirtualCursor::openRows(std::span<sqlite3_value*> arguments) {
@@ -213,14 +231,57 @@ void VirtualCursor::openRows(std::span<sqlite3_value*> arguments) {
     if (filter_.matchesNothing()) {
         return;
     }
+    if (request_.ids || related_) {
+        scan_ = table_.table().openCursor(request_);
+        rows_ = scan_.get();
+    } else {
+        openTerms();
+    }
+}
+
+/// From memory, through an attribute index, or from the table.
+void VirtualCursor::openTerms() {
     dp::Table& table = table_.table();
-    if (!request_.ids && !related_) {
-        request_.ids = table_.findByIndex(request_.terms, cancellation_);
-        if (request_.ids && request_.ids->empty()) {
-            return;
+    const bool mayRepeat = plan_.order.empty() && !request_.terms.empty();
+    rows_ = mayRepeat ? repeated_.find(table, request_, cancellation_) : nullptr;
+    if (rows_) {
+        return;
+    }
+    request_.ids = table_.findByIndex(request_.terms, cancellation_);
+    if (request_.ids) {
+        repeated_.countLookup(request_.ids->size());
+    } else {
+        repeated_.countScan(table);
+    }
+    if (!request_.ids || !request_.ids->empty()) {
+        scan_ = table.openCursor(request_);
+        rows_ = scan_.get();
+    }
+}
+
+int VirtualCursor::arrange() {
+    const auto& columns = table_.declaration().columns();
+    std::vector<ArrangedRows::Key> keys;
+    for (const ScanPlan::Order& each : plan_.order) {
+        const TableDeclaration::Column& column = columns[static_cast<std::size_t>(each.column)];
+        const auto collation = column.isLocaleText ? dp::TextCollation::Locale : dp::TextCollation::Binary;
+        keys.push_back({column.attribute, collation, each.isDescending});
+    }
+    ArrangedRows ordered(request_.attributes, std::move(keys));
+    for (int code = next(); rows_ || code != SQLITE_OK; code = next()) {
+        if (code != SQLITE_OK) {
+            return code;
+        }
+        ordered.add(*rows_);
+        if (ordered.rowCount() % rowsBetweenChecks == 0 && cancellation_.isRequested()) {
+            return SQLITE_INTERRUPT;
         }
     }
-    rows_ = table.openCursor(request_);
+    ordered.arrangeInOrder();
+    ordered_.emplace(std::move(ordered));
+    orderedRows_.start(*ordered_, ordered_->all());
+    rows_ = &orderedRows_;
+    return SQLITE_OK;
 }
 
 void VirtualCursor::report() {
@@ -234,6 +295,8 @@ void VirtualCursor::report() {
         note(Access::RowNumber);
     } else if (plan_.relation) {
         note(Access::SpatialIndex);
+    } else if (rows_ && !scan_) {
+        note(Access::Memory);
     } else {
         const bool isFiltered =
             std::any_of(report.planned.conditions.begin(), report.planned.conditions.end(),
@@ -252,13 +315,16 @@ bool VirtualCursor::accepts() {
     if (!related_) {
         return true;
     }
-    const dp::Cell cell = rows_->cell(table_.table().schema()->geometryIndex());
-    const GeometryPtr own =
-        cell.type() == dp::CellType::Wkb ? decodeWkb(cell.view(), table_.table().coordSystem()) : nullptr;
+    const dp::Cell cell = rows_->cell(geometryAttribute_);
+    const GeometryPtr own = cell.type() == dp::CellType::Wkb ? decodeWkb(cell.view(), coordSystem_) : nullptr;
     return own && holds(*plan_.relation, *own, *related_);
 }
 
 int VirtualCursor::next() {
+    if (ordered_) {
+        rows_ = rows_->next() ? rows_ : nullptr;
+        return SQLITE_OK;
+    }
     unsigned row = 1;
     for (; rows_->next(); ++row) {
         if (accepts()) {
@@ -275,7 +341,7 @@ int VirtualCursor::next() {
     if (report_) {
         report_->rowsRead += row - 1;
     }
-    rows_.reset();
+    rows_ = nullptr;
     return cancellation_.isRequested() ? SQLITE_INTERRUPT : SQLITE_OK;
 }
 

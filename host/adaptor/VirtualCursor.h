@@ -1,6 +1,8 @@
 #pragma once
 
+#include "host/adaptor/ArrangedRows.h"
 #include "host/adaptor/GeometryResult.h"
+#include "host/adaptor/RepeatedScan.h"
 #include "host/adaptor/ScanPlan.h"
 #include "host/adaptor/TermFilter.h"
 #include "host/adaptor/VirtualTable.h"
@@ -10,6 +12,7 @@
 #include <sqlite3.h>
 
 #include <memory>
+#include <optional>
 #include <span>
 
 namespace orvane::adaptor {
@@ -20,8 +23,9 @@ class VirtualCursor : public sqlite3_vtab_cursor {
 public:
     explicit VirtualCursor(VirtualTable& table);
 
-    /// Starts a scan by a plan that xBestIndex wrote and the values that go with it (xFilter).
-    void filter(const char* planText, std::span<sqlite3_value*> arguments);
+    /// Starts a scan by a plan that xBestIndex wrote and the values that go with it (xFilter). Returns
+    /// SQLITE_INTERRUPT as next does.
+    int filter(const char* planText, std::span<sqlite3_value*> arguments);
     /// Moves to the next row that the terms let pass. Returns SQLITE_INTERRUPT when the query was cancelled
     /// meanwhile.
     int next();
@@ -31,6 +35,8 @@ public:
 
 private:
     void readPlan(const char* planText);
+    /// Puts the argument of a term into the request; false when it is for SQLite to compare with the column.
+    static bool readOperands(sqlite3_value* value, dp::ScanTerm& term);
     /// Turns the arguments into the terms, identifiers and limit of the request; false when no row can match.
     bool readArguments(std::span<sqlite3_value*> arguments);
     bool readRowNumbers(sqlite3_value* value);
@@ -39,6 +45,9 @@ private:
     bool accepts();
     /// Opens the rows that can match, if there can be any.
     void openRows(std::span<sqlite3_value*> arguments);
+    void openTerms();
+    /// Reads all rows and puts them into the plan's order.
+    int arrange();
     /// Tells the report how the scan that was just started gets its rows.
     void report();
 
@@ -47,8 +56,14 @@ private:
     ScanPlan plan_;
     dp::ScanRequest request_;
     TermFilter filter_;
-    geometry::GeometryPtr related_;    ///< set when each row's relation to it has to be tested
-    std::unique_ptr<dp::Cursor> rows_; ///< null at the end
+    geometry::GeometryPtr related_; ///< set when each row's relation to it has to be tested
+    const std::shared_ptr<cs::CoordSystem> coordSystem_;
+    const int geometryAttribute_;
+    dp::Cursor* rows_ = nullptr; ///< one of those below; null at the end
+    std::unique_ptr<dp::Cursor> scan_;
+    RepeatedScan repeated_;
+    std::optional<ArrangedRows> ordered_; ///< the rows of a scan in the plan's order
+    ArrangedCursor orderedRows_;
     GeometryResult geometry_;
     std::shared_ptr<ScanReport> report_; ///< null when nobody asks how the statement is answered
     dp::Cancellation cancellation_;

@@ -184,8 +184,8 @@ int xNext(sqlite3_vtab_cursor* cursor) {
 
 int xFilter(sqlite3_vtab_cursor* cursor, int, const char* planText, int argc, sqlite3_value** argv) {
     return barrier(cursor, [&] {
-        cursorOf(cursor).filter(planText, {argv, static_cast<std::size_t>(argc)});
-        return cursorOf(cursor).atEnd() ? SQLITE_OK : cursorOf(cursor).next();
+        const int code = cursorOf(cursor).filter(planText, {argv, static_cast<std::size_t>(argc)});
+        return code != SQLITE_OK || cursorOf(cursor).atEnd() ? code : cursorOf(cursor).next();
     });
 }
 

@@ -94,7 +94,7 @@ private:
     std::map<int, std::shared_ptr<cs::CoordSystem>> csByCode_;
     std::map<PayloadKey, std::shared_ptr<cs::CoordSystem>, PayloadLess> csByPayload_;
     IntById intById_;
-    std::map<qint64, IntById::const_iterator> idByInt_;
+    std::vector<IntById::const_iterator> idByInt_; ///< by number: they are given without gaps
     std::vector<geometry::ResemblanceExtension*> resemblanceExtensions_;
     geometry::ResemblanceExtension::Setup resemblanceSetup_{0.0};
     QReadWriteLock csByCodeLock_;

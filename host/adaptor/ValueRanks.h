@@ -1,0 +1,61 @@
+#pragma once
+
+#include "host/adaptor/ByteArena.h"
+
+#include "platform/dp/Cursor.h"
+#include "platform/dp/ScanRequest.h"
+#include <orvane/engine/LocaleOrder.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace orvane::adaptor {
+
+/// The different values of a column, and their order as SQLite has it: NULL, then numbers or texts. Each
+/// value gets a code when it is added and, once all are there, a rank, which is the same for values that are
+/// equal under the collation.
+class ValueRanks {
+public:
+    using Code = std::uint32_t;
+    using Rank = std::uint32_t;
+
+    /// Texts are compared under the collation; numbers by their value, whether integer or real.
+    explicit ValueRanks(dp::TextCollation collation);
+
+    /// The code of a value: 0 for NULL, else from 1 on.
+    Code add(const dp::Cell& value, ByteArena& texts);
+    /// Gives the ranks; no more values come.
+    void finish();
+
+    const dp::Cell& value(Code code) const { return values_[code]; }
+    Rank rank(Code code) const { return ranks_[code]; }
+    /// Ranks go from 0, which is for NULL, to below this.
+    Rank rankEnd() const { return rankEnd_; }
+    /// The rank of the values that are equal to the operand; nothing when there are none. NULL is equal to
+    /// NULL.
+    std::optional<Rank> find(const dp::ScanValue& operand) const;
+
+private:
+    int compare(const dp::Cell& a, const dp::Cell& b) const;
+    int compareTexts(std::string_view a, std::string_view b) const;
+    std::optional<Rank> findText(std::string_view text) const;
+    /// The code under a key, a new one when there is none.
+    template<class Map, class Key>
+    Code codeOf(Map& codes, const Key& key, const dp::Cell& value);
+
+    dp::TextCollation collation_;
+    std::shared_ptr<const engine::LocaleOrder> locale_;
+    std::unordered_map<std::int64_t, Code> integers_; ///< and reals without a fraction
+    std::unordered_map<double, Code> reals_;
+    std::unordered_map<std::string_view, Code> texts_;
+    std::vector<dp::Cell> values_{dp::Cell()}; ///< by code
+    std::vector<Rank> ranks_;                  ///< by code
+    std::vector<Code> sorted_;                 ///< all codes but that of NULL, by rank
+    Rank rankEnd_ = 1;
+};
+
+} // namespace orvane::adaptor
