@@ -47,11 +47,12 @@ protected:
         return open(name, {attribute("number", QMetaType::LongLong)}, std::move(rows));
     }
 
-    /// Looks every sixth number up, in one statement that is worth an index.
-    static std::string joinOf(const char* name) {
+    /// Looks every sixth number up, in one statement that is worth an index. Each look-up has a cursor of its
+    /// own, so that the rows are not kept as those of a join are.
+    static std::string lookupsIn(const char* name) {
         return std::string("With Recursive n(i) As (Select 0 Union All Select i + 1 From n Where i < 499) "
-                           "Select Count(*) From n Join ") +
-               name + " t On t.number = n.i * 6";
+                           "Select Sum((Select Count(*) From ") +
+               name + " t Where t.number = n.i * 6)) From n";
     }
 
     static QString explanation(const std::string& sql) {
@@ -76,7 +77,7 @@ TEST_F(IndexBuildingTest, TellsHowFarItIsAndLogsWhatItMade) {
     const auto table = openItems("told");
     std::vector<dp::Progress::State> states;
     dp::Progress::exchangeWatcher([&states](const dp::Progress::State& state) { states.push_back(state); });
-    EXPECT_TRUE(explanation(joinOf("told")).contains(QStringLiteral("сделан сейчас")));
+    EXPECT_TRUE(explanation(lookupsIn("told")).contains(QStringLiteral("сделан сейчас")));
     ASSERT_GT(states.size(), 10U);
     EXPECT_EQ(states.front().work, QStringLiteral("индекс told(number)"));
     EXPECT_EQ(states.front().total, 12'000);
@@ -102,18 +103,19 @@ TEST_F(IndexBuildingTest, EndsWhenTheQueryIsCancelledAndBeginsAfresh) {
             }
         });
         QSqlQuery query(engine().engineDatabase());
-        EXPECT_FALSE(query.exec(QString::fromStdString(joinOf("stopped"))) && query.next());
+        EXPECT_FALSE(query.exec(QString::fromStdString(lookupsIn("stopped"))) && query.next());
         EXPECT_TRUE(stopped);
         EXPECT_EQ(query.lastError().nativeErrorCode(), QString::number(SQLITE_INTERRUPT));
     }
     dp::Progress::exchangeWatcher({});
-    EXPECT_TRUE(explanation(joinOf("stopped")).contains(QStringLiteral("индекс по number (сделан сейчас")));
+    EXPECT_TRUE(
+        explanation(lookupsIn("stopped")).contains(QStringLiteral("индекс по number (сделан сейчас")));
 }
 
 TEST_F(IndexBuildingTest, WithoutAPlaceForItQueriesAreAnsweredAllTheSame) {
     settings_->setValue(DefaultSettingsList::IndexDirectory, QStringLiteral("/proc"));
     const auto table = openItems("homeless");
-    EXPECT_TRUE(explanation(joinOf("homeless")).contains(QStringLiteral("нет индекса для number: ")));
+    EXPECT_TRUE(explanation(lookupsIn("homeless")).contains(QStringLiteral("нет индекса для number: ")));
     ASSERT_FALSE(log_.isEmpty());
     EXPECT_EQ(log_.front(), QStringLiteral("Негде хранить индекс homeless(number)"));
     EXPECT_LT(log_.size(), 20) << "it is not tried at every scan";
@@ -122,22 +124,23 @@ TEST_F(IndexBuildingTest, WithoutAPlaceForItQueriesAreAnsweredAllTheSame) {
 TEST_F(IndexBuildingTest, IsLeftOutWhenTheHostSwitchesItOff) {
     settings_->setValue(DefaultSettingsList::NoAttributeIndices, true);
     const auto table = openItems("scanned");
-    EXPECT_TRUE(explanation(joinOf("scanned"))
-                    .contains(QStringLiteral("просмотр всей таблицы, раз: 500\n"
-                                             "  строк 1000, ожидалось 25 на раз, прочитано 3000000\n"
-                                             "  нет индекса для number =: индексы выключены")));
+    const QString told = explanation(lookupsIn("scanned")).simplified();
+    EXPECT_TRUE(told.contains(QStringLiteral("просмотр всей таблицы, раз: 500 "
+                                             "строк 1000, ожидалось 25 на раз, прочитано 3000000 "
+                                             "нет индекса для number =: индексы выключены")))
+        << told.toStdString();
     EXPECT_TRUE(files().isEmpty());
 }
 
 TEST_F(IndexBuildingTest, GoesWithItsFileWhenTheTableChanges) {
     const auto table = openItems("edited");
-    EXPECT_TRUE(explanation(joinOf("edited")).contains(QStringLiteral("сделан сейчас")));
+    EXPECT_TRUE(explanation(lookupsIn("edited")).contains(QStringLiteral("сделан сейчас")));
     EXPECT_EQ(files().size(), 1);
     const QStringList first = files();
     ask("Delete From edited Where number >= 2700");
     EXPECT_EQ(ask("Select Count(*) From edited Where number = 5"), "2");
     EXPECT_TRUE(files().isEmpty());
-    EXPECT_EQ(ask(joinOf("edited")), "900");
+    EXPECT_EQ(ask(lookupsIn("edited")), "900");
     EXPECT_EQ(files().size(), 1);
     EXPECT_NE(files(), first);
     engine().clearIndices(table);
