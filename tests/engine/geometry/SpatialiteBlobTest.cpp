@@ -12,6 +12,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QDataStream>
+
 #include <cstdlib>
 
 namespace orvane::tests {
@@ -28,6 +30,17 @@ std::string_view view(const QByteArray& bytes) {
     return {bytes.constData(), static_cast<std::size_t>(bytes.size())};
 }
 
+/// SpatiaLite's own blob of a collection, which it frees.
+std::string blobOf(gaiaGeomCollPtr collection) {
+    unsigned char* bytes = nullptr;
+    int size = 0;
+    gaiaToSpatiaLiteBlobWkb(collection, &bytes, &size);
+    gaiaFreeGeomColl(collection);
+    std::string blob(reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(bytes ? size : 0));
+    std::free(bytes);
+    return blob;
+}
+
 /// What SpatiaLite itself makes of the bytes; empty when it makes nothing.
 std::string gaiaBlob(const QByteArray& wkb, int srid) {
     gaiaGeomCollPtr collection = gaiaFromWkb(reinterpret_cast<const unsigned char*>(wkb.constData()),
@@ -36,13 +49,7 @@ std::string gaiaBlob(const QByteArray& wkb, int srid) {
         return {};
     }
     collection->Srid = srid;
-    unsigned char* bytes = nullptr;
-    int size = 0;
-    gaiaToSpatiaLiteBlobWkb(collection, &bytes, &size);
-    gaiaFreeGeomColl(collection);
-    std::string blob(reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(bytes ? size : 0));
-    std::free(bytes);
-    return blob;
+    return blobOf(collection);
 }
 
 TEST(SpatialiteBlob, SameBytesAsSpatialite) {
@@ -179,6 +186,44 @@ TEST(SpatialiteBlob, TransformedInPlaceEqualsTransformedObjects) {
     EXPECT_EQ(engine::appendTransformedBlob(*engine::readSpatialiteHeader(nowhere), *transformer, 3857, out),
               engine::BlobTransformation::NoImage);
     EXPECT_EQ(out, "before");
+}
+
+/// Blobs of machines with the other byte order: SpatiaLite reads them, so do we, to the same geometry.
+TEST(SpatialiteBlob, BigEndianBlobs) {
+    for (const Dimensions dimensions : allDimensions) {
+        const std::vector<GeometryPtr> kinds = linearKinds(dimensions);
+        for (const GeometryPtr& geometry : {kinds[0], kinds[1], kinds[2]}) {
+            // Behind the byte order the body of one part is as in well-known binary.
+            const QByteArray body = GeometryFactory::toWkb(geometry, QSysInfo::BigEndian).mid(1);
+            const geometry::Envelope envelope = geometry->envelope();
+            QByteArray bytes;
+            QDataStream stream(&bytes, QIODevice::WriteOnly);
+            stream << quint8(0x00) << quint8(0) << qint32(4326) << envelope.minX << envelope.minY
+                   << envelope.maxX << envelope.maxY << quint8(0x7C);
+            stream.writeRawData(body.constData(), body.size());
+            stream << quint8(0xFE);
+            std::string little;
+            ASSERT_TRUE(engine::appendSpatialiteBlob(
+                view(GeometryFactory::toWkb(geometry, QSysInfo::LittleEndian)), 4326, little));
+
+            gaiaGeomCollPtr collection =
+                gaiaFromSpatiaLiteBlobWkb(reinterpret_cast<const unsigned char*>(bytes.constData()),
+                                          static_cast<unsigned>(bytes.size()));
+            ASSERT_TRUE(collection);
+            EXPECT_EQ(blobOf(collection), little);
+
+            const auto header = engine::readSpatialiteHeader(view(bytes));
+            ASSERT_TRUE(header);
+            EXPECT_EQ(header->srid, 4326);
+            EXPECT_EQ(header->envelope, envelope);
+            EXPECT_TRUE(engine::isSoundSpatialiteBody(*header));
+            EXPECT_TRUE(GeometryFactory::fromSpatialiteBody(header->body, false, nullptr)->equals(*geometry));
+            double x = 0;
+            double y = 0;
+            EXPECT_EQ(engine::spatialiteBlobPoint(*header, x, y), geometry == kinds[0]);
+            EXPECT_TRUE(geometry != kinds[0] || (x == -1.5 && y == 2.25));
+        }
+    }
 }
 
 } // namespace
