@@ -48,7 +48,7 @@ ORVANE_ENGINE_EXPORT bool isSoundSpatialiteBody(const SpatialiteHeader& header);
 enum class BlobTransformation {
     Done,
     NoImage,  ///< a position has no place in the target
-    NotLinear ///< broken, or a kind that this way does not know
+    NotLinear ///< broken, big-endian, or a kind that this way does not know
 };
 
 /// Appends the blob with its coordinates transformed and another SRID. `out` is as it was unless Done.
