@@ -1,0 +1,81 @@
+#pragma once
+
+#include "platform/geometry/Coordinates.h"
+
+#include <QtEndian>
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+/// How SpatiaLite's BLOB-Geometry is laid out, for the sources that write and read it.
+namespace orvane::engine::spatialite {
+
+using geometry::Dimensions;
+using geometry::Envelope;
+using geometry::strideOf;
+
+inline constexpr char startMark = 0x00;
+inline constexpr char envelopeMark = 0x7C;
+inline constexpr char partMark = 0x69;
+inline constexpr char endMark = static_cast<char>(0xFE);
+inline constexpr std::size_t envelopeOffset = 6;
+inline constexpr std::size_t bodyOffset = 39;
+/// Header, kind, end mark.
+inline constexpr std::size_t leastSize = bodyOffset + 4 + 1;
+/// A blob has this many bytes more than the well-known binary of the same geometry.
+inline constexpr std::size_t sizeBeyondWkb = bodyOffset + 1 - 1;
+
+enum Kind : std::uint32_t {
+    Point = 1,
+    LineString = 2,
+    Polygon = 3,
+    MultiPoint = 4,
+    MultiLineString = 5,
+    MultiPolygon = 6,
+    GeometryCollection = 7
+};
+
+template<typename Number>
+Number readNumber(const char* data, bool littleEndian) {
+    return littleEndian ? qFromLittleEndian<Number>(data) : qFromBigEndian<Number>(data);
+}
+
+inline std::optional<Dimensions> dimensionsOf(std::uint32_t kind) {
+    return kind < 4000 ? std::optional(static_cast<Dimensions>(kind / 1000)) : std::nullopt;
+}
+
+/// Bytes read from front to back; false once they do not suffice.
+class Bytes {
+public:
+    explicit Bytes(std::string_view bytes) : bytes_(bytes) {}
+
+    bool isAtEnd() const { return bytes_.empty(); }
+    std::size_t left() const { return bytes_.size(); }
+    std::string_view rest() const { return bytes_; }
+
+    const char* take(std::size_t size) {
+        if (size > bytes_.size()) {
+            return nullptr;
+        }
+        const char* data = bytes_.data();
+        bytes_.remove_prefix(size);
+        return data;
+    }
+
+    bool takeUInt32(bool littleEndian, std::uint32_t& value) {
+        const char* data = take(4);
+        if (data) {
+            value = readNumber<quint32>(data, littleEndian);
+        }
+        return data != nullptr;
+    }
+
+private:
+    std::string_view bytes_;
+};
+
+/// Writes all that stands before the kind.
+void putHeader(char* target, int srid, const Envelope& envelope);
+
+} // namespace orvane::engine::spatialite
