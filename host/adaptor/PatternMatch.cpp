@@ -145,7 +145,9 @@ void PatternMatch::readClass(const unsigned char*& at) {
         const bool isClosing = *at == ']'; // the first one of a class is a member, but starts no range
         const std::uint32_t character = readCharacter(at);
         if (character == '-' && mayStartRange && *at != ']' && *at != 0) {
-            members.ranges.back().last = readCharacter(at);
+            // Of a range that runs backwards only the first character is a member.
+            Range& range = members.ranges.back();
+            range.last = std::max(range.first, readCharacter(at));
             mayStartRange = false;
         } else {
             members.ranges.push_back({character, character});
