@@ -38,8 +38,8 @@ Names functionsOf(sqlite3* database) {
 
 void appendEntry(std::string& text, const FunctionRecord& record) {
     text += std::string("**`") + record.signature + "`** " + record.summary;
-    if (const std::string name = dialectName(record.name); name != record.name) {
-        text += " In the dialect: `" + name + "`.";
+    if (dialectName(record.name) != record.name) {
+        text += std::string(" In SQL: `") + record.name + "`.";
     }
     text += std::string("  \n`") + record.example + '`';
     if (record.result) {

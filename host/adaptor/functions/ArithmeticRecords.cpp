@@ -47,9 +47,8 @@ const FunctionRecord records[] = {
                   "Sqrt(2.25)", "1.5"}),
     pureFunction(
         "RoundTo", arithmetic, Arity::between(1, 2), engine::roundTo,
-        {"RoundTo(x[, step])",
-         "The multiple of the step that is nearest to the number; step 0, or none, rounds to whole numbers. "
-         "Round in the dialect.",
+        {"Round(x [, step])",
+         "The multiple of the step that is nearest to the number; step 0, or none, rounds to whole numbers.",
          "RoundTo(17, 5)", "15.0"}),
     pureFunction(
         "RoundBy", arithmetic, Arity::between(1, 2), engine::roundBy,

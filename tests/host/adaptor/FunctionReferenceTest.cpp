@@ -57,7 +57,7 @@ TEST_F(FunctionReferenceTest, TheReferenceIsThatOfTheRunningEngine) {
 }
 
 TEST_F(FunctionReferenceTest, HelpKnowsTheNamesOfTheDialect) {
-    EXPECT_THAT(adaptor::functionHelp("round"), ::testing::StartsWith("RoundTo(x"));
+    EXPECT_THAT(adaptor::functionHelp("round"), ::testing::StartsWith("Round(x"));
     EXPECT_THAT(adaptor::functionHelp("AREA"), ::testing::HasSubstr("ObjectArea"));
     EXPECT_EQ(adaptor::functionHelp("nothing"), "");
 }
