@@ -37,6 +37,21 @@ bool isSoundWkb(std::string_view bytes) {
     }
 }
 
+/// Null also for the kinds that SpatiaLite does not know (curves, the extended form), of which it makes
+/// collections without parts.
+gaiaGeomCollPtr collectionFromWkb(std::string_view bytes) {
+    if (!isSoundWkb(bytes)) {
+        return nullptr;
+    }
+    gaiaGeomCollPtr collection = gaiaFromWkb(reinterpret_cast<const unsigned char*>(bytes.data()),
+                                             static_cast<unsigned int>(bytes.size()));
+    if (collection && !collection->FirstPoint && !collection->FirstLinestring && !collection->FirstPolygon) {
+        gaiaFreeGeomColl(collection);
+        return nullptr;
+    }
+    return collection;
+}
+
 /// Rewrites FGF (little-endian: kind, dimensions, counts, doubles; parts whole) as well-known binary.
 /// SpatiaLite's own reader of it does not check counts and reads lines with heights beyond the end of the
 /// bytes.
@@ -171,15 +186,12 @@ gaiaGeomCollStruct* toGaia(const unsigned char* blob, int size) {
             collection = gaiaFromSpatiaLiteBlobWkbEx(blob, count, 0, 0);
         }
     }
-    if (!collection && isSoundWkb(bytes)) {
-        collection = gaiaFromWkb(blob, count);
+    if (!collection) {
+        collection = collectionFromWkb(bytes);
     }
     if (!collection) {
         const QByteArray wkb = FgfReader(bytes).toWkb();
-        if (isSoundWkb({wkb.constData(), static_cast<std::size_t>(wkb.size())})) {
-            collection = gaiaFromWkb(reinterpret_cast<const unsigned char*>(wkb.constData()),
-                                     static_cast<unsigned int>(wkb.size()));
-        }
+        collection = collectionFromWkb({wkb.constData(), static_cast<std::size_t>(wkb.size())});
     }
     return collection;
 }

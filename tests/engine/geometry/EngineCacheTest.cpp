@@ -225,7 +225,7 @@ TEST(GeometryConversions, OtherBinaryForms) {
     std::free(bytes);
 }
 
-TEST(GeometryConversions, HostileBytesGiveNothing) {
+TEST(GeometryConversions, OtherBytesGiveNothing) {
     TestCache cache;
     const char* const hostile[] = {
         "",
@@ -233,6 +233,9 @@ TEST(GeometryConversions, HostileBytesGiveNothing) {
         "0001",
         "0102000000ffffffff000000000000f03f",
         "0103000000ffffffffffffffff",
+        "0101000020e6100000000000000000f03f0000000000000040", // the extended form of WKB
+        "01080000000300000000000000000000000000000000000000000000000000f03f000000000000f03f"
+        "00000000000000400000000000000000", // arcs in WKB
         "02000000"
         "00000000"
         "ffffffff", // FGF with a count of four billion
