@@ -80,10 +80,7 @@ void ArrangedRows::add(dp::Cursor& row) {
     ids_.push_back(row.featureId());
 }
 
-void ArrangedRows::finishKeys() {
-    for (KeyColumn& column : keys_) {
-        column.ranks.finish();
-    }
+void ArrangedRows::placeAsTheyCame() {
     order_.resize(ids_.size());
     std::iota(order_.begin(), order_.end(), std::uint32_t{0});
 }
@@ -109,14 +106,18 @@ void ArrangedRows::sortBy(const KeyColumn& column) {
 }
 
 void ArrangedRows::arrangeInOrder() {
-    finishKeys();
+    placeAsTheyCame();
     for (auto column = keys_.rbegin(); column != keys_.rend(); ++column) {
+        column->ranks.finishInOrder();
         sortBy(*column);
     }
 }
 
 std::size_t ArrangedRows::arrangeForLookups() {
-    finishKeys();
+    placeAsTheyCame();
+    for (KeyColumn& column : keys_) {
+        column.ranks.finishForLookups();
+    }
     const auto best =
         std::max_element(keys_.begin(), keys_.end(), [](const KeyColumn& a, const KeyColumn& b) {
             return a.ranks.rankEnd() < b.ranks.rankEnd();

@@ -72,7 +72,7 @@ private:
     static constexpr int none = -1;
 
     Value kept(const dp::Cell& cell);
-    void finishKeys();
+    void placeAsTheyCame();
     void sortBy(const KeyColumn& column);
 
     std::vector<KeyColumn> keys_;

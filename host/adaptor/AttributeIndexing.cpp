@@ -22,12 +22,12 @@ using Kind = TableDeclaration::Kind;
 constexpr std::int64_t fewestRows = 1000;
 /// Costs in nanoseconds, measured: of a scan per row, by the kind of column, and of making an index.
 constexpr double numberScanCost = 2;
-constexpr double textScanCost = 15;
+constexpr double textScanCost = 35;
 constexpr double buildCostPerRow = 700;
 constexpr double buildCostOfStorage = 1e6;
 /// A look-up that finds more than this part of the table gives way to a scan, and is not tried again after
 /// some times.
-constexpr std::size_t scanShare = 64;
+constexpr std::size_t scanShare = 16;
 constexpr int mostFailures = 3;
 constexpr std::size_t mostAttributes = 3;
 constexpr std::size_t mostLookups = 10'000; ///< combinations of In lists

@@ -135,7 +135,9 @@ private:
     void take(int i) {
         const int column = constraint(i).iColumn;
         const std::optional<Comparison> comparison = comparisonOf(constraint(i).op);
-        if (recorder_ && column >= 0) {
+        const bool isLimit = constraint(i).op == SQLITE_INDEX_CONSTRAINT_LIMIT ||
+                             constraint(i).op == SQLITE_INDEX_CONSTRAINT_OFFSET;
+        if (recorder_ && column >= 0 && !isLimit) {
             takeDown(i, declaration_.columns()[static_cast<std::size_t>(column)], comparison);
         }
         if (constraint(i).op == SQLITE_INDEX_CONSTRAINT_LIMIT) {

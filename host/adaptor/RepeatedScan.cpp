@@ -15,6 +15,8 @@ constexpr double scanCostPerRow = 40;
 constexpr double foundCostPerRow = 500;
 constexpr double keptCostPerRow = 40;
 constexpr double keptCostPerValue = 20;
+/// Above this, keeping the rows anew for each statement costs more than an index does in the long run.
+constexpr double mostRowsBeforeIndex = 200'000;
 constexpr unsigned rowsBetweenChecks = 1024;
 
 } // namespace
@@ -22,10 +24,12 @@ constexpr unsigned rowsBetweenChecks = 1024;
 void RepeatedScan::restart() {
     spent_ = 0;
     isGivenUp_ = false;
+    mayBeLarge_ = false;
     rows_.reset();
 }
 
-void RepeatedScan::countScan(const dp::Table& table) {
+void RepeatedScan::countScan(const dp::Table& table, IndexUse::Outcome index) {
+    mayBeLarge_ = index != IndexUse::Outcome::ScansCheaper && index != IndexUse::Outcome::Used;
     spent_ += openingCost + scanCostPerRow * static_cast<double>(table.featureCount().value_or(0));
 }
 
@@ -75,7 +79,8 @@ bool RepeatedScan::keep(dp::Table& table, const dp::ScanRequest& request,
     }
     const auto count = static_cast<double>(table.featureCount().value_or(0));
     const auto values = static_cast<double>(whole.attributes.size());
-    if (keys.empty() || spent_ < count * (keptCostPerRow + keptCostPerValue * values)) {
+    if (keys.empty() || (count > mostRowsBeforeIndex && !mayBeLarge_) ||
+        spent_ < count * (keptCostPerRow + keptCostPerValue * values)) {
         return false;
     }
     isGivenUp_ = true; // unless all goes well

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/adaptor/ArrangedRows.h"
+#include "host/adaptor/IndexUse.h"
 #include "host/adaptor/TableDeclaration.h"
 
 #include "platform/dp/Cancellation.h"
@@ -15,7 +16,8 @@ namespace orvane::adaptor {
 /// The scans that one cursor makes again and again with other operands, as the inner side of a join does.
 /// Once they have cost what reading the rows once and for all would have, the rows are kept in memory,
 /// arranged by an attribute that is tested for equality, up to `mostBytes`. They go with the cursor, that is
-/// with the statement.
+/// with the statement. In a large table an attribute index, which stays, comes first; its rows are kept where
+/// look-ups in the index find too many.
 class RepeatedScan {
 public:
     static constexpr std::size_t mostBytes = std::size_t{128} << 20;
@@ -27,7 +29,7 @@ public:
     dp::Cursor* find(dp::Table& table, const dp::ScanRequest& request, const dp::Cancellation& cancellation);
 
     /// Counts a scan over the table, or a look-up that found so many rows.
-    void countScan(const dp::Table& table);
+    void countScan(const dp::Table& table, IndexUse::Outcome index);
     void countLookup(std::size_t rows);
 
     /// Whether the rows are in memory.
@@ -42,6 +44,7 @@ private:
     const TableDeclaration& declaration_;
     double spent_ = 0; ///< on scans and look-ups, in nanoseconds
     bool isGivenUp_ = false;
+    bool mayBeLarge_ = false; ///< no index will answer
     std::optional<ArrangedRows> rows_;
     ArrangedRows::Key key_; ///< of rows_
     ArrangedCursor cursor_;

@@ -3,6 +3,8 @@
 #include "host/adaptor/ValueOrder.h"
 
 #include <algorithm>
+#include <bit>
+#include <functional>
 #include <numeric>
 
 namespace orvane::adaptor {
@@ -22,10 +24,33 @@ std::optional<std::int64_t> wholeNumber(double real) {
     return static_cast<double>(integer) == real ? std::optional(integer) : std::nullopt;
 }
 
-template<class Map, class Key>
-std::optional<ValueRanks::Code> knownCode(const Map& codes, const Key& key) {
-    const auto found = codes.find(key);
-    return found == codes.end() ? std::nullopt : std::optional(found->second);
+/// The form in which numbers are the same exactly when they are equal.
+Cell normalForm(const Cell& value) {
+    const auto whole = value.type() == CellType::Real ? wholeNumber(value.real()) : std::nullopt;
+    return whole ? Cell::ofInteger(*whole) : value;
+}
+
+/// Both in normal form.
+bool isSame(const Cell& a, const Cell& b) {
+    if (a.type() != b.type()) {
+        return false;
+    }
+    switch (a.type()) {
+    case CellType::Integer: return a.integer() == b.integer();
+    case CellType::Real: return a.real() == b.real();
+    default: return a.view() == b.view();
+    }
+}
+
+/// Of a value in normal form; all bits of the result depend on all of the value.
+std::size_t hashOf(const Cell& value) {
+    if (!isNumber(value)) {
+        return std::hash<std::string_view>()(value.view());
+    }
+    const auto bits = value.type() == CellType::Integer ? static_cast<std::uint64_t>(value.integer())
+                                                        : std::bit_cast<std::uint64_t>(value.real());
+    const std::uint64_t mixed = (bits ^ (bits >> 32)) * 0x9e3779b97f4a7c15U; // 2^64 / golden ratio
+    return mixed ^ (mixed >> 32);
 }
 
 } // namespace
@@ -34,32 +59,37 @@ ValueRanks::ValueRanks(dp::TextCollation collation)
     : collation_(collation),
       locale_(collation == dp::TextCollation::Locale ? engine::LocaleOrder::current() : nullptr) {}
 
-template<class Map, class Key>
-ValueRanks::Code ValueRanks::codeOf(Map& codes, const Key& key, const Cell& value) {
-    const auto [place, isNew] = codes.try_emplace(key, static_cast<Code>(values_.size()));
-    if (isNew) {
-        values_.push_back(value);
+std::size_t ValueRanks::slotOf(const Cell& value) const {
+    const std::size_t mask = slots_.size() - 1;
+    std::size_t slot = hashOf(value) & mask;
+    while (slots_[slot] != 0 && !isSame(normalForm(values_[slots_[slot]]), value)) {
+        slot = (slot + 1) & mask;
     }
-    return place->second;
+    return slot;
+}
+
+void ValueRanks::growSlots() {
+    constexpr std::size_t fewestSlots = 64;
+    slots_.assign(std::max(fewestSlots, slots_.size() * 2), 0);
+    for (Code code = 1; code < values_.size(); ++code) {
+        slots_[slotOf(normalForm(values_[code]))] = code;
+    }
 }
 
 ValueRanks::Code ValueRanks::add(const Cell& value, ByteArena& texts) {
     if (isNull(value)) {
         return 0;
     }
-    if (value.type() == CellType::Integer) {
-        return codeOf(integers_, value.integer(), value);
+    if (values_.size() * 2 > slots_.size()) {
+        growSlots();
     }
-    if (value.type() == CellType::Real) {
-        const auto whole = wholeNumber(value.real());
-        return whole ? codeOf(integers_, *whole, value) : codeOf(reals_, value.real(), value);
+    Code& code = slots_[slotOf(normalForm(value))];
+    if (code == 0) {
+        code = static_cast<Code>(values_.size());
+        values_.push_back(isNumber(value) ? value : Cell::ofText(texts.copy(value.view())));
+        hasTexts_ = hasTexts_ || !isNumber(value);
     }
-    const auto known = texts_.find(value.view());
-    if (known != texts_.end()) {
-        return known->second;
-    }
-    const std::string_view kept = texts.copy(value.view());
-    return codeOf(texts_, kept, Cell::ofText(kept));
+    return code;
 }
 
 int ValueRanks::compareTexts(std::string_view a, std::string_view b) const {
@@ -78,7 +108,15 @@ int ValueRanks::compare(const Cell& a, const Cell& b) const {
     return isNumber(a) ? compareNumbers(a, b) : compareTexts(a.view(), b.view());
 }
 
-void ValueRanks::finish() {
+void ValueRanks::finishForLookups() {
+    if (hasTexts_ && collation_ != dp::TextCollation::Binary) {
+        finishInOrder();
+    } else {
+        rankEnd_ = static_cast<Rank>(values_.size());
+    }
+}
+
+void ValueRanks::finishInOrder() {
     sorted_.resize(values_.size() - 1);
     std::iota(sorted_.begin(), sorted_.end(), Code{1});
     std::sort(sorted_.begin(), sorted_.end(),
@@ -91,33 +129,19 @@ void ValueRanks::finish() {
     }
 }
 
-std::optional<ValueRanks::Rank> ValueRanks::findText(std::string_view text) const {
-    if (const auto code = knownCode(texts_, text)) {
-        return ranks_[*code];
+std::optional<ValueRanks::Rank> ValueRanks::find(const dp::ScanValue& operand) const {
+    const Cell wanted = normalForm(cellOf(operand));
+    if (isNull(wanted)) {
+        return 0;
     }
-    if (collation_ == dp::TextCollation::Binary) {
-        return std::nullopt;
+    if (const Code code = slots_.empty() ? 0 : slots_[slotOf(wanted)]; code != 0) {
+        return rank(code);
     }
-    const Cell wanted = Cell::ofText(text);
     const auto found =
         std::lower_bound(sorted_.begin(), sorted_.end(), wanted,
                          [this](Code code, const Cell& cell) { return compare(values_[code], cell) < 0; });
-    return found != sorted_.end() && compare(values_[*found], wanted) == 0 ? std::optional(ranks_[*found])
+    return found != sorted_.end() && compare(values_[*found], wanted) == 0 ? std::optional(rank(*found))
                                                                            : std::nullopt;
-}
-
-std::optional<ValueRanks::Rank> ValueRanks::find(const dp::ScanValue& operand) const {
-    const Cell cell = cellOf(operand);
-    if (isNull(cell)) {
-        return 0;
-    }
-    if (cell.type() == CellType::Text) {
-        return findText(cell.view());
-    }
-    const auto whole =
-        cell.type() == CellType::Integer ? std::optional(cell.integer()) : wholeNumber(cell.real());
-    const auto code = whole ? knownCode(integers_, *whole) : knownCode(reals_, cell.real());
-    return code ? std::optional(ranks_[*code]) : std::nullopt;
 }
 
 } // namespace orvane::adaptor

@@ -6,11 +6,11 @@
 #include "platform/dp/ScanRequest.h"
 #include <orvane/engine/LocaleOrder.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace orvane::adaptor {
@@ -28,11 +28,13 @@ public:
 
     /// The code of a value: 0 for NULL, else from 1 on.
     Code add(const dp::Cell& value, ByteArena& texts);
-    /// Gives the ranks; no more values come.
-    void finish();
+    /// Gives the ranks, in order; no more values come.
+    void finishInOrder();
+    /// The same with ranks that tell only which values are equal; costs less where these have one code.
+    void finishForLookups();
 
     const dp::Cell& value(Code code) const { return values_[code]; }
-    Rank rank(Code code) const { return ranks_[code]; }
+    Rank rank(Code code) const { return ranks_.empty() ? code : ranks_[code]; }
     /// Ranks go from 0, which is for NULL, to below this.
     Rank rankEnd() const { return rankEnd_; }
     /// The rank of the values that are equal to the operand; nothing when there are none. NULL is equal to
@@ -42,19 +44,17 @@ public:
 private:
     int compare(const dp::Cell& a, const dp::Cell& b) const;
     int compareTexts(std::string_view a, std::string_view b) const;
-    std::optional<Rank> findText(std::string_view text) const;
-    /// The code under a key, a new one when there is none.
-    template<class Map, class Key>
-    Code codeOf(Map& codes, const Key& key, const dp::Cell& value);
+    /// The slot of a value or, when it has none, the free one for it.
+    std::size_t slotOf(const dp::Cell& value) const;
+    void growSlots();
 
     dp::TextCollation collation_;
     std::shared_ptr<const engine::LocaleOrder> locale_;
-    std::unordered_map<std::int64_t, Code> integers_; ///< and reals without a fraction
-    std::unordered_map<double, Code> reals_;
-    std::unordered_map<std::string_view, Code> texts_;
+    bool hasTexts_ = false;
     std::vector<dp::Cell> values_{dp::Cell()}; ///< by code
-    std::vector<Rank> ranks_;                  ///< by code
-    std::vector<Code> sorted_;                 ///< all codes but that of NULL, by rank
+    std::vector<Code> slots_;  ///< a hash table of the codes by value, 0 for a free slot; a power of two
+    std::vector<Rank> ranks_;  ///< by code; empty when each code is its rank
+    std::vector<Code> sorted_; ///< all codes but that of NULL, by rank; empty when each code is its rank
     Rank rankEnd_ = 1;
 };
 

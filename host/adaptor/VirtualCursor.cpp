@@ -251,7 +251,7 @@ void VirtualCursor::openTerms() {
     if (request_.ids) {
         repeated_.countLookup(request_.ids->size());
     } else {
-        repeated_.countScan(table);
+        repeated_.countScan(table, table_.lastIndexUse().outcome);
     }
     if (!request_.ids || !request_.ids->empty()) {
         scan_ = table.openCursor(request_);

@@ -1,6 +1,7 @@
 #include "host/providers/LayerReader.h"
 
 #include "host/providers/BatchCursor.h"
+#include "host/providers/CountingCursor.h"
 #include "host/providers/GdalErrors.h"
 #include "host/providers/RowFilter.h"
 #include "platform/dp/Cancellation.h"
@@ -91,6 +92,8 @@ LayerReader::~LayerReader() {
 
 std::unique_ptr<dp::Cursor> LayerReader::openCursor(const dp::ScanRequest& request) {
     followFile();
+    if (auto cursor = openForCounting(request))
+        return cursor;
     loadWholeOnce();
 
     Query query;
@@ -114,6 +117,16 @@ std::unique_ptr<dp::Cursor> LayerReader::openCursor(const dp::ScanRequest& reque
     if (auto cursor = openByDriver(query))
         return cursor;
     return openFullScan(query);
+}
+
+std::unique_ptr<dp::Cursor> LayerReader::openForCounting(const dp::ScanRequest& request) {
+    if (!request.attributes.empty() || !request.terms.empty() || request.window || request.ids)
+        return nullptr;
+    const auto rows = featureCount();
+    auto scan = makeScan({});
+    const bool isExact =
+        BatchCache::instance().rowCount(*key_) || OGR_L_TestCapability(scan.layer, OLCFastFeatureCount);
+    return rows && isExact ? std::make_unique<CountingCursor>(*rows, std::move(scan)) : nullptr;
 }
 
 std::unique_ptr<dp::Cursor> LayerReader::makeCursor(const Query& query, std::unique_ptr<BatchReader> reader,

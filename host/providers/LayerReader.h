@@ -42,6 +42,8 @@ private:
     ValueClass valueClass(int attribute) const;
     bool isNarrow(const std::vector<int>& attributes) const;
 
+    /// When no value is asked for and the driver knows the number of rows.
+    std::unique_ptr<dp::Cursor> openForCounting(const dp::ScanRequest& request);
     std::unique_ptr<dp::Cursor> openById(const Query& query, std::vector<std::int64_t> ids);
     std::unique_ptr<dp::Cursor> openFromCache(const Query& query);
     std::unique_ptr<dp::Cursor> openByDriver(const Query& query);

@@ -103,6 +103,28 @@ TEST_F(Geopackage, manyBatches) {
     EXPECT_FALSE(cursor->next());
 }
 
+TEST_F(Geopackage, rowsAreCountedWithoutReadingThemAndStillHaveTheirIdentifiers) {
+    constexpr int rows = 20000;
+    addLayerOfNumbers(*createDataset(GEOPACKAGE, path()), "numbers", rows);
+    const auto table = openFile(path()).front();
+    const auto cursor = table->openCursor({});
+    for (int row = 0; row < rows; ++row) {
+        ASSERT_TRUE(cursor->next());
+        if (row >= 12000 && row % 3 == 0) {
+            ASSERT_EQ(cursor->featureId().value(), QVariant(row + 1));
+        }
+    }
+    EXPECT_FALSE(cursor->next());
+    dp::Feature feature(table->schema(), {});
+    table->insertFeature(feature);
+    table->deleteFeature(dp::FeatureId(QVariant(1)));
+    const auto changed = table->openCursor({});
+    ASSERT_TRUE(changed->next());
+    EXPECT_EQ(changed->featureId().value(), QVariant(2));
+    table->deleteFeature(dp::FeatureId(QVariant(2)));
+    EXPECT_EQ(readRows(*table, {}).size(), rows - 1);
+}
+
 TEST_F(Geopackage, identifiersAreReadOnceAndMissingOnesLeftOut) {
     addLayerOfNumbers(*createDataset(GEOPACKAGE, path()), "numbers", 10);
     const auto table = openFile(path()).front();
