@@ -50,9 +50,10 @@ EngineIndices::Conformance matchIndex(const IndexColumns& index, const std::vect
     if (matched == equalities && !index.isEmpty() && holds(firstOther, normalized.end(), index.last())) {
         ++matched;
     }
-    if (matched == 0) {
+    if (matched == 0 && wanted > 0) {
         return {};
     }
+    // Where nothing is wanted every index serves.
     const double score = matched == wanted ? 1.0 : static_cast<double>(matched) / static_cast<double>(wanted);
     return {score, equalities == wanted};
 }

@@ -51,6 +51,7 @@ TEST(MatchIndex, ScoresTheLeadingEqualitiesAndOneColumnMore) {
     };
     const std::vector<Case> cases = {
         {{3}, {{3, 1}}, 1.0, true},
+        {{3}, {}, 1.0, true}, // no condition
         {{3}, {{3, 1}, {5, 1}}, 0.5, true},
         {{3, 5}, {{5, 1}, {3, 1}}, 1.0, true}, // the order of the request does not matter
         {{3, 5, 7}, {{3, 1}}, 1.0, true},      // a longer index serves, too

@@ -41,8 +41,8 @@ TEST_F(IndexStore, ReusesAnIndexThatServesEveryConditionAndNumbersNewOnes) {
     EXPECT_EQ(store_->addIndex({{3, 1}, {5, 1}}), 2);
     EXPECT_EQ(store_->addIndex({{5, 2}, {3, 1}}), 2);
     EXPECT_EQ(store_->addIndex({{3, 1}, {5, 9}}), 2);
-    EXPECT_EQ(store_->addIndex({{99, 1}}), -1);
-    EXPECT_EQ(store_->addIndex({{0, 1}}), 4); // the number of the failure is used up
+    EXPECT_EQ(store_->addIndex({{99, 1}}), 1); // no condition is left, so every index serves
+    EXPECT_EQ(store_->addIndex({{0, 1}}), 3);
 
     EngineIndices::Conformance conformance;
     EXPECT_EQ(store_->findIndex({{3, 1}, {5, 1}}, &conformance), 2);
@@ -55,10 +55,11 @@ TEST_F(IndexStore, ReusesAnIndexThatServesEveryConditionAndNumbersNewOnes) {
     store_->dropIndex(2);
     EXPECT_EQ(store_->findIndex({{3, 1}, {5, 1}}, &conformance), 1);
     EXPECT_EQ(conformance.score, 0.5);
-    EXPECT_EQ(store_->addIndex({{3, 1}, {5, 1}}), 5);
+    EXPECT_EQ(store_->addIndex({{3, 1}, {5, 1}}), 4);
     ASSERT_TRUE(store_->createStorage(makeSchema({QMetaType::Int})));
     EXPECT_EQ(store_->findIndex({{0, 1}}), -1);
-    EXPECT_EQ(store_->addIndex({{0, 1}}), 6);
+    EXPECT_EQ(store_->addIndex({{99, 1}}), -1);
+    EXPECT_EQ(store_->addIndex({{0, 1}}), 6); // the number of the failure is used up
 }
 
 TEST_F(IndexStore, EnumeratesTheColumnsOfAnIndexUntilItIsStopped) {
