@@ -63,7 +63,6 @@ TEST(MatchIndex, ScoresTheLeadingEqualitiesAndOneColumnMore) {
         {{5}, {{5, 9}, {7, 3}}, 1.0, false}, // one of several ranges is all that an index can serve
         {{3}, {{1, 1}, {3, 5}}, 0.0, false}, // a range without the equality
         {{}, {{3, 1}}, 0.0, false},
-        {{3}, {}, 0.0, false},
     };
     for (const Case& test : cases) {
         const EngineIndices::Conformance match = matchIndex(test.index, test.wanted);

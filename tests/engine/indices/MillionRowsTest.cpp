@@ -1,12 +1,24 @@
 #include "IndexFixture.h"
 
+#include "platform/dp/Cancellation.h"
+
 #include <QFile>
 
-#include <random>
+#include <chrono>
+#include <thread>
 
 namespace orvane::engine {
 
 namespace {
+
+/// How much slower than usual things may be: unoptimised code, and code under a sanitizer.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr int slowdown = 30;
+#elif !defined(__OPTIMIZE__)
+constexpr int slowdown = 10;
+#else
+constexpr int slowdown = 3; // for a busy machine
+#endif
 
 /// The largest resident size of this process so far, in KiB (proc(5), VmHWM).
 qint64 peakMemory() {
@@ -20,21 +32,30 @@ qint64 peakMemory() {
     return 0;
 }
 
+constexpr int numRows = 1'000'000;
+constexpr unsigned numNames = 400'000;
+
+std::string nameOf(unsigned number) {
+    return "Участок №" + std::to_string(number * 7919 % numNames);
+}
+
 class MillionRows : public IndexFixture {};
 
 TEST_F(MillionRows, AreLoadedInBoundedMemoryAndAllFoundAgain) {
-    constexpr int numRows = 1'000'000;
-    constexpr unsigned numNames = 400'000;
     [[maybe_unused]] const qint64 before = peakMemory();
     ASSERT_TRUE(store_->createStorage(makeSchema({QMetaType::QString, QMetaType::LongLong})));
     const int byName = store_->addIndex({{0, Operation::Equal}, {1, Operation::Equal}});
     const int byNumber = store_->addIndex({{1, Operation::Equal}});
-    const auto nameOf = [](unsigned number) {
-        return "Участок №" + std::to_string(number * 7919 % numNames);
-    };
 
     std::map<unsigned, std::vector<qint64>> sample; ///< the rows of some names
-    auto names = store_->getLoader(byName);
+    std::int64_t reported = 0;
+    std::int64_t largestReport = 0;
+    dp::Progress::exchangeWatcher([&](const dp::Progress::State& state) {
+        largestReport = std::max(largestReport, state.done - reported);
+        reported = std::max(reported, state.done);
+    });
+    dp::Progress progress(QStringLiteral("индекс"), 2 * numRows);
+    auto names = store_->getLoader(byName, &progress);
     for (int row = 0; row < numRows; ++row) {
         const unsigned number = unsigned(row) % numNames;
         const std::string name = nameOf(number);
@@ -45,6 +66,9 @@ TEST_F(MillionRows, AreLoadedInBoundedMemoryAndAllFoundAgain) {
     }
     names->finish();
     names.reset();
+    dp::Progress::exchangeWatcher({});
+    EXPECT_EQ(reported, 2 * numRows);
+    EXPECT_LE(largestReport, numRows / 100) << "at least a hundred reports on the way";
     auto numbers = store_->getLoader(byNumber);
     for (int row = 0; row < numRows; ++row) {
         numbers->addRow(row, Cells{dp::Cell::ofInteger(qint64(row) * 31 % 1000)});
@@ -70,6 +94,29 @@ TEST_F(MillionRows, AreLoadedInBoundedMemoryAndAllFoundAgain) {
     constexpr qint64 limit = 256 * 1024;
     EXPECT_LT(peakMemory() - before, limit);
 #endif
+}
+
+TEST_F(MillionRows, StopLoadingWithinATenthOfASecond) {
+    ASSERT_TRUE(store_->createStorage(makeSchema({QMetaType::QString})));
+    const int byName = store_->addIndex({{0, Operation::Equal}});
+    for (const auto delay : {std::chrono::milliseconds(40), std::chrono::milliseconds(400)}) {
+        const auto loader = store_->getLoader(byName);
+        for (int row = 0; row < numRows; ++row) {
+            loader->addRow(row, Cells{dp::Cell::ofText(nameOf(unsigned(row)))});
+        }
+        std::chrono::steady_clock::time_point cancelled;
+        std::thread user([&cancelled, delay] { // while rows are sorted, while they are stored
+            std::this_thread::sleep_for(delay);
+            cancelled = std::chrono::steady_clock::now();
+            dp::Cancellation::cancelAll();
+        });
+        EXPECT_THROW(loader->finish(), dp::Cancelled);
+        const auto stopped = std::chrono::steady_clock::now();
+        user.join();
+        EXPECT_LT(stopped - cancelled, std::chrono::milliseconds(100 * slowdown));
+    }
+    EXPECT_EQ(store_->statistics(byName).known, 0U);
+    EXPECT_TRUE(rowsOf(*store_->getLookup(byName, {}), {}).empty());
 }
 
 } // namespace
