@@ -42,6 +42,8 @@ public:
     /// Puts the rows in the order of the keys, the first one first; rows that agree in all stay in the order
     /// in which they came. NULL comes before all values.
     void arrangeInOrder();
+    /// Puts the rows in the given order: their positions as they came.
+    void arrange(std::vector<std::uint32_t> order) { order_ = std::move(order); }
     /// Arranges for find by the key with the most different values, and answers its position.
     std::size_t arrangeForLookups();
 

@@ -23,6 +23,7 @@ constexpr std::int64_t fewestRows = 1000;
 /// Costs in nanoseconds, measured: of a scan per row, by the kind of column, and of making an index.
 constexpr double numberScanCost = 2;
 constexpr double textScanCost = 35;
+constexpr double sortCostPerRow = 100; ///< for the first rows in order only
 constexpr double buildCostPerRow = 700;
 constexpr double buildCostOfStorage = 1e6;
 /// A look-up that finds more than this part of the table gives way to a scan, and is not tried again after
@@ -158,26 +159,9 @@ std::optional<std::vector<dp::FeatureId>> AttributeIndexing::find(dp::Table& tab
     const auto known = demands_.try_emplace(attributes).first;
     Demand& demand = known->second;
     use_.attributes = &known->first;
-    if (demand.index < 0) {
-        const auto count = static_cast<double>(*rows);
-        demand.scanCost += scanCost(attributes, count);
-        use_.scanCost = demand.scanCost;
-        use_.makingCost = buildCostOfStorage + count * buildCostPerRow;
-        if (use_.scanCost < use_.makingCost) {
-            use_.outcome = Outcome::ScansCheaper;
-            return std::nullopt;
-        }
-        cancellation.check();
-        QElapsedTimer timer;
-        timer.start();
-        demand.index = buildIndex(attributes, table, store, cache_);
-        use_.isMade = demand.index >= 0;
-        if (!use_.isMade) {
-            demand.scanCost = 0; // tried again when as much has been spent once more
-            use_.outcome = Outcome::NoStorage;
-            return std::nullopt;
-        }
-        use_.makingCost = static_cast<double>(timer.nsecsElapsed());
+    const double savedCost = scanCost(attributes, static_cast<double>(*rows));
+    if (!ensure(demand, attributes, savedCost, table, store, cancellation)) {
+        return std::nullopt;
     }
     Lookup& search = lookup(demand, chosen, store);
     use_.outcome = Outcome::FindsMuch;
@@ -196,6 +180,67 @@ std::optional<std::vector<dp::FeatureId>> AttributeIndexing::find(dp::Table& tab
         ids.push_back(cache_.intToId(row));
     }
     return ids;
+}
+
+bool AttributeIndexing::ensure(Demand& demand, const Attributes& attributes, double savedCost,
+                               dp::Table& table, EngineIndices& store, const dp::Cancellation& cancellation) {
+    if (demand.index >= 0) {
+        return true;
+    }
+    demand.scanCost += savedCost;
+    use_.scanCost = demand.scanCost;
+    use_.makingCost =
+        buildCostOfStorage + static_cast<double>(table.featureCount().value_or(0)) * buildCostPerRow;
+    if (use_.scanCost < use_.makingCost) {
+        use_.outcome = IndexUse::Outcome::ScansCheaper;
+        return false;
+    }
+    cancellation.check();
+    QElapsedTimer timer;
+    timer.start();
+    demand.index = buildIndex(attributes, table, store, cache_);
+    use_.isMade = demand.index >= 0;
+    if (!use_.isMade) {
+        demand.scanCost = 0; // tried again when as much has been spent once more
+        use_.outcome = IndexUse::Outcome::NoStorage;
+        return false;
+    }
+    use_.makingCost = static_cast<double>(timer.nsecsElapsed());
+    return true;
+}
+
+bool AttributeIndexing::hasOrder(const dp::Table& table, int attribute) const {
+    const auto demand = demands_.find({attribute});
+    return demand != demands_.end() && demand->second.index >= 0 && revision_ == table.revision();
+}
+
+std::unique_ptr<EngineIndices::RowLookup> AttributeIndexing::inOrder(const dp::Table& table,
+                                                                     const EngineIndices& store,
+                                                                     int attribute, bool isDescending) {
+    if (!hasOrder(table, attribute) || !store.isCorrect()) {
+        return nullptr;
+    }
+    const auto known = demands_.find({attribute});
+    auto rows = store.getLookup(known->second.index, {},
+                                isDescending ? EngineIndices::RowOrder::Descending
+                                             : EngineIndices::RowOrder::Ascending);
+    use_ = {};
+    use_.attributes = &known->first;
+    use_.outcome = rows ? IndexUse::Outcome::Used : IndexUse::Outcome::NoStorage;
+    return rows;
+}
+
+void AttributeIndexing::countSort(dp::Table& table, EngineIndices& store, int attribute,
+                                  const dp::Cancellation& cancellation) {
+    const auto rows = table.featureCount().value_or(0);
+    if (rows < fewestRows) {
+        return;
+    }
+    use_ = {};
+    follow(table, store);
+    const auto known = demands_.try_emplace({attribute}).first;
+    ensure(known->second, known->first, sortCostPerRow * static_cast<double>(rows), table, store,
+           cancellation);
 }
 
 AttributeIndexing::Lookup& AttributeIndexing::lookup(Demand& demand,

@@ -43,6 +43,15 @@ public:
                                                    std::span<const dp::ScanTerm> terms,
                                                    const dp::Cancellation& cancellation);
 
+    /// Whether an index holds the rows of the table as it is now in the order of the attribute.
+    bool hasOrder(const dp::Table& table, int attribute) const;
+    /// The row numbers in that order, NULL first, or the reverse; null when there is no such index.
+    std::unique_ptr<engine::EngineIndices::RowLookup>
+    inOrder(const dp::Table& table, const engine::EngineIndices& store, int attribute, bool isDescending);
+    /// Counts a sort that an index on the attribute would have saved, and makes the index once that pays.
+    void countSort(dp::Table& table, engine::EngineIndices& store, int attribute,
+                   const dp::Cancellation& cancellation);
+
     /// What came of the last find.
     const IndexUse& lastUse() const { return use_; }
 
@@ -70,6 +79,9 @@ private:
     bool isServed(const dp::ScanTerm& term) const;
     std::vector<const dp::ScanTerm*> chooseTerms(std::span<const dp::ScanTerm> terms) const;
     double scanCost(const Attributes& attributes, double rows) const;
+    /// Adds a cost that the index would have saved, and makes it when that pays; whether there is one.
+    bool ensure(Demand& demand, const Attributes& attributes, double savedCost, dp::Table& table,
+                engine::EngineIndices& store, const dp::Cancellation& cancellation);
     void follow(const dp::Table& table, engine::EngineIndices& store);
     static Lookup& lookup(Demand& demand, const std::vector<const dp::ScanTerm*>& terms,
                           const engine::EngineIndices& store);

@@ -262,34 +262,61 @@ private:
     }
 
     /// Group By and Distinct come cheaper from rows put in order here, by ranks of the different values, than
-    /// from SQLite's sorter, which compares the texts. A plain Order By is SQLite's: it may end with a limit
-    /// that it does not tell. Rows that are asked for anew for every row of another table are never many.
+    /// from SQLite's sorter, which compares the texts. A plain Order By is SQLite's, unless an index has the
+    /// order and the first rows are likely all that is wanted. Rows that are asked for anew for every row of
+    /// another table are never many.
     void takeOrder() {
-        const bool isWanted = info_.nOrderBy > 0 && sqlite3_vtab_distinct(&info_) > 0;
-        if (!isWanted || hasOpenOperand_ || limit_ >= 0) {
+        if (info_.nOrderBy == 0 || hasOpenOperand_) {
             return;
         }
-        std::vector<ScanPlan::Order> order;
         for (int i = 0; i < info_.nOrderBy; ++i) {
             const int column = info_.aOrderBy[i].iColumn;
             if (column < 0 || !isPlain(declaration_.columns()[static_cast<std::size_t>(column)])) {
+                plan_.order.clear();
                 return;
             }
-            order.push_back({column, info_.aOrderBy[i].desc != 0});
+            plan_.order.push_back({column, info_.aOrderBy[i].desc != 0});
         }
+        plan_.ordering = chooseOrdering();
+        if (plan_.ordering == ScanPlan::Ordering::None) {
+            plan_.order.clear();
+        }
+        info_.orderByConsumed =
+            plan_.ordering == ScanPlan::Ordering::InMemory || plan_.ordering == ScanPlan::Ordering::ByIndex;
+    }
+
+    ScanPlan::Ordering chooseOrdering() const {
+        using Ordering = ScanPlan::Ordering;
+        if (sqlite3_vtab_distinct(&info_) > 0) {
+            return limit_ < 0 && isArrangeable() ? Ordering::InMemory : Ordering::None;
+        }
+        const TableDeclaration::Column& column =
+            declaration_.columns()[static_cast<std::size_t>(plan_.order.front().column)];
+        const int position = plan_.order.front().column;
+        const bool isOnlyColumn = position < 63 && info_.colUsed == std::uint64_t{1} << position;
+        const bool wantsFew = limit_ >= 0 || (isOnlyColumn && plan_.order.front().isDescending); // or Max
+        const bool isServed = plan_.order.size() == 1 && conditions_ == 0 && virtual_.makesIndices() &&
+                              (column.kind == Kind::Number || column.isLocaleText);
+        if (!isServed || !wantsFew) {
+            return Ordering::None;
+        }
+        return virtual_.hasOrder(column.attribute) ? Ordering::ByIndex
+               : limit_ >= 0                       ? Ordering::WantsIndex
+                                                   : Ordering::None;
+    }
+
+    /// Whether the rows go into memory with all columns used.
+    bool isArrangeable() const {
         std::size_t used = 0;
         for (std::size_t column = 0; column < declaration_.columns().size(); ++column) {
             if (plan_.usesColumn(static_cast<int>(column))) {
                 ++used;
                 if (!isPlain(declaration_.columns()[column])) {
-                    return;
+                    return false;
                 }
             }
         }
-        if (ArrangedRows::expectedBytes(passing_, used, order.size()) <= mostOrderedBytes) {
-            plan_.order = std::move(order);
-            info_.orderByConsumed = 1;
-        }
+        return ArrangedRows::expectedBytes(passing_, used, plan_.order.size()) <= mostOrderedBytes;
     }
 
     static bool isPlain(const TableDeclaration::Column& column) {

@@ -32,6 +32,7 @@ std::string ScanPlan::toText() const {
     appendNumber(text, relation ? 1 + static_cast<std::uint64_t>(*relation) : 0);
     appendNumber(text, limit);
     appendNumber(text, offset);
+    appendNumber(text, static_cast<std::uint64_t>(ordering));
     appendNumber(text, order.size());
     for (const Order& each : order) {
         appendNumber(text, static_cast<std::uint64_t>(each.column));
@@ -55,6 +56,7 @@ ScanPlan ScanPlan::fromText(std::string_view text) {
     }
     plan.limit = takeNumber(text) != 0;
     plan.offset = takeNumber(text) != 0;
+    plan.ordering = static_cast<Ordering>(takeNumber(text));
     for (std::uint64_t left = takeNumber(text); left > 0 && !text.empty(); --left) {
         Order& each = plan.order.emplace_back();
         each.column = static_cast<int>(takeNumber(text));

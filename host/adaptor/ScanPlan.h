@@ -27,6 +27,12 @@ struct ScanPlan {
         bool isDescending = false;
         bool operator==(const Order&) const = default;
     };
+    enum class Ordering : std::uint8_t {
+        None,
+        InMemory,   ///< the rows are read and put in order
+        ByIndex,    ///< the same, or an attribute index delivers them in order if it is still there
+        WantsIndex, ///< SQLite sorts, which an index would save; the scan is not ordered
+    };
     enum class RowNumber : std::uint8_t { None, Equal, In };
 
     std::uint64_t number = 0;      ///< of what a ScanRecorder took down, 0 when there is none
@@ -34,7 +40,8 @@ struct ScanPlan {
     std::vector<Term> terms;
     RowNumber rowNumber = RowNumber::None;
     std::optional<SpatialRelation> relation; ///< of the geometry column to the value
-    std::vector<Order> order; ///< in which the scan delivers its rows, first column first; any when empty
+    Ordering ordering = Ordering::None;
+    std::vector<Order> order; ///< first column first
     bool limit = false;
     bool offset = false;
 

@@ -220,7 +220,9 @@ int VirtualCursor::filter(const char* planText, std::span<sqlite3_value*> argume
     if (report_) {
         report();
     }
-    return rows_ && !plan_.order.empty() ? arrange() : SQLITE_OK;
+    const bool arrives = !rows_ || plan_.ordering == ScanPlan::Ordering::None ||
+                         plan_.ordering == ScanPlan::Ordering::WantsIndex || isInIndexOrder_;
+    return arrives ? SQLITE_OK : arrange();
 }
 
 void VirtualCursor::openRows(std::span<sqlite3_value*> arguments) {
@@ -242,7 +244,10 @@ void VirtualCursor::openRows(std::span<sqlite3_value*> arguments) {
 /// From memory, through an attribute index, or from the table.
 void VirtualCursor::openTerms() {
     dp::Table& table = table_.table();
-    const bool mayRepeat = plan_.order.empty() && !request_.terms.empty();
+    if (openInOrder()) {
+        return;
+    }
+    const bool mayRepeat = plan_.ordering == ScanPlan::Ordering::None && !request_.terms.empty();
     rows_ = mayRepeat ? repeated_.find(table, request_, cancellation_) : nullptr;
     if (rows_) {
         return;
@@ -257,6 +262,24 @@ void VirtualCursor::openTerms() {
         scan_ = table.openCursor(request_);
         rows_ = scan_.get();
     }
+}
+
+/// What the plan says of an attribute index for the order of the rows; false when the scan has to be made.
+bool VirtualCursor::openInOrder() {
+    isInIndexOrder_ = false;
+    if (plan_.ordering != ScanPlan::Ordering::ByIndex && plan_.ordering != ScanPlan::Ordering::WantsIndex) {
+        return false;
+    }
+    const ScanPlan::Order& order = plan_.order.front();
+    const int attribute = table_.declaration().columns()[static_cast<std::size_t>(order.column)].attribute;
+    if (plan_.ordering == ScanPlan::Ordering::WantsIndex) {
+        table_.countSort(attribute, cancellation_);
+        return false;
+    }
+    scan_ = table_.openInOrder(request_.attributes, attribute, order.isDescending);
+    rows_ = scan_.get();
+    isInIndexOrder_ = rows_ != nullptr;
+    return isInIndexOrder_;
 }
 
 int VirtualCursor::arrange() {
@@ -297,6 +320,9 @@ void VirtualCursor::report() {
         note(Access::SpatialIndex);
     } else if (rows_ && !scan_) {
         note(Access::Memory);
+    } else if (isInIndexOrder_) {
+        note(Access::AttributeIndex);
+        report.take(table_.lastIndexUse(), *table_.table().schema());
     } else {
         const bool isFiltered =
             std::any_of(report.planned.conditions.begin(), report.planned.conditions.end(),

@@ -46,6 +46,7 @@ private:
     /// Opens the rows that can match, if there can be any.
     void openRows(std::span<sqlite3_value*> arguments);
     void openTerms();
+    bool openInOrder();
     /// Reads all rows and puts them into the plan's order.
     int arrange();
     /// Tells the report how the scan that was just started gets its rows.
@@ -64,6 +65,7 @@ private:
     RepeatedScan repeated_;
     std::optional<ArrangedRows> ordered_; ///< the rows of a scan in the plan's order
     ArrangedCursor orderedRows_;
+    bool isInIndexOrder_ = false;
     GeometryResult geometry_;
     std::shared_ptr<ScanReport> report_; ///< null when nobody asks how the statement is answered
     dp::Cancellation cancellation_;

@@ -1,5 +1,7 @@
 #include "host/adaptor/VirtualTable.h"
 
+#include "host/adaptor/IndexOrderCursor.h"
+
 #include <QCoreApplication>
 
 #include <stdexcept>
@@ -20,6 +22,23 @@ std::optional<std::vector<dp::FeatureId>> VirtualTable::findByIndex(std::span<co
 std::optional<double> VirtualTable::averageGroup(int attribute) const {
     const engine::EngineIndices* store = makesIndices() ? indexStore_(table_) : nullptr;
     return store ? indexing_.averageGroup(attribute, *store) : std::nullopt;
+}
+
+bool VirtualTable::hasOrder(int attribute) const {
+    return makesIndices() && indexing_.hasOrder(table(), attribute);
+}
+
+std::unique_ptr<dp::Cursor> VirtualTable::openInOrder(const std::vector<int>& attributes, int orderAttribute,
+                                                      bool isDescending) {
+    const engine::EngineIndices* store = makesIndices() ? indexStore_(table_) : nullptr;
+    auto order = store ? indexing_.inOrder(table(), *store, orderAttribute, isDescending) : nullptr;
+    return order ? std::make_unique<IndexOrderCursor>(table_, cache_, std::move(order), attributes) : nullptr;
+}
+
+void VirtualTable::countSort(int attribute, const dp::Cancellation& cancellation) {
+    if (engine::EngineIndices* store = makesIndices() ? indexStore_(table_) : nullptr) {
+        indexing_.countSort(table(), *store, attribute, cancellation);
+    }
 }
 
 IndexUse VirtualTable::lastIndexUse() const {

@@ -58,6 +58,11 @@ public:
     /// The features that can satisfy the terms, where an attribute index tells.
     std::optional<std::vector<dp::FeatureId>> findByIndex(std::span<const dp::ScanTerm> terms,
                                                           const dp::Cancellation& cancellation);
+    /// As the functions of AttributeIndexing; no order and nothing counted where no index is to be made.
+    bool hasOrder(int attribute) const;
+    std::unique_ptr<dp::Cursor> openInOrder(const std::vector<int>& attributes, int orderAttribute,
+                                            bool isDescending);
+    void countSort(int attribute, const dp::Cancellation& cancellation);
     /// Whether attribute indices are made of the table when they pay.
     bool makesIndices() const { return indexStore_ != nullptr; }
     /// What came of the last findByIndex.

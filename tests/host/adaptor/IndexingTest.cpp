@@ -4,6 +4,8 @@
 #include "platform/geometry/GeometryFactory.h"
 #include "platform/geometry/Shapes.h"
 
+#include <QSqlQuery>
+
 #include <random>
 
 namespace orvane {
@@ -94,6 +96,34 @@ TEST_F(IndexingTest, EditsAreSeenAtOnce) {
     EXPECT_FALSE(table->lastRequest.ids);
     ask("Delete From items Where number = 1500");
     EXPECT_EQ(ask(sql), "0");
+}
+
+TEST_F(IndexingTest, FirstRowsInOrderComeFromAnIndex) {
+    const auto table = openItems();
+    for (const char* query : {"Select word From items Order By word Limit 60",
+                              "Select word From items Order By word Desc Limit 9 Offset 4",
+                              "Select number From items Order By number Limit 500",
+                              "Select size, size * 2 From items Order By size Desc Limit 5"}) {
+        askUntilIndexed(*table, query);
+    }
+    EXPECT_EQ(ask("Select Max(number) From items"), "1999");
+    EXPECT_EQ(table->lastRequest.ids->size(), 16);
+    const std::string last = ask("Select word From items Order By word Desc Limit 1");
+    ask("Insert Into items(word) Values('" + last + "я')");
+    EXPECT_EQ(ask("Select word From items Order By word Desc Limit 1"), last + "я");
+}
+
+TEST_F(IndexingTest, OrderThatWasPromisedHoldsWhenTheIndexIsGone) {
+    const auto table = openItems();
+    const std::string sql = "Select size From items Order By size Desc Limit 4";
+    askUntilIndexed(*table, sql);
+    QSqlQuery prepared(engine().engineDatabase());
+    ASSERT_TRUE(prepared.prepare(QString::fromStdString(sql)));
+    engine().clearIndices(table);
+    ASSERT_TRUE(prepared.exec() && prepared.next());
+    EXPECT_EQ(prepared.value(0).toDouble(), 999.75);
+    ASSERT_TRUE(prepared.next());
+    EXPECT_EQ(prepared.value(0).toDouble(), 999.5);
 }
 
 TEST_F(IndexingTest, ClearedIndicesAreMadeAgain) {

@@ -13,6 +13,8 @@ TEST(ScanPlan, SurvivesTheWayThroughSqlite) {
     plan.rowNumber = ScanPlan::RowNumber::In;
     plan.relation = orvane::adaptor::SpatialRelation::Intersects;
     plan.limit = plan.offset = true;
+    plan.ordering = ScanPlan::Ordering::ByIndex;
+    plan.order = {{3, true}, {70, false}};
     plan.terms = {{0, Comparison::Equal, TextCollation::Locale},
                   {1999, Comparison::In, TextCollation::Binary}};
     EXPECT_EQ(ScanPlan::fromText(plan.toText()), plan);
