@@ -16,8 +16,16 @@ using Kind = TableDeclaration::Kind;
 
 /// Rows of a table whose size nobody knows.
 constexpr double assumedRows = 100'000;
-/// What fetching one row by its identifier costs, in rows of a scan.
-constexpr double fetchCost = 10;
+// Costs are in rows that a scan hands to SQLite, some 100 ns each.
+/// What fetching one row by its identifier costs besides.
+constexpr double fetchCost = 3;
+/// What a row costs that the scan leaves out, by a number or by a text.
+constexpr double numberFilterCost = 0.02;
+constexpr double textFilterCost = 0.15;
+/// What making an index costs per row of the table, and the look-ups that share it while there is none yet: a
+/// few look-ups in a large table are dear, so what one scan of it finds comes first.
+constexpr double makingCost = 5;
+constexpr double assumedLookups = 10'000;
 /// Rows that share one value, in a table of any size.
 constexpr double assumedGroup = 25;
 /// The share of a layer that stands in a relation to one geometry.
@@ -204,7 +212,9 @@ private:
         if (equality && virtual_.makesIndices() && AttributeIndexing::serves(column, *collation, rows_) &&
             (!operand || virtual_.averageGroup(column.attribute))) {
             looksUp_ = true; // at once, or soon: a join that repeats the scan gets its index
+            hasIndex_ = hasIndex_ || virtual_.averageGroup(column.attribute);
         }
+        filterCost_ = std::max(filterCost_, column.kind == Kind::Number ? numberFilterCost : textFilterCost);
         if (table_.usesTerm(column.attribute, comparison, *collation)) {
             scanned_ *= share;
         }
@@ -229,7 +239,7 @@ private:
         hand(rowNumber_, false);
         plan_.rowNumber = list ? ScanPlan::RowNumber::In : ScanPlan::RowNumber::Equal;
         passing_ = std::min(passing_, list ? 25.0 : 1.0);
-        scanned_ = passing_ * fetchCost;
+        fetches_ = true;
         unique_ = unique_ || !list;
         hasOpenOperand_ = true;
     }
@@ -244,7 +254,7 @@ private:
         hand(relation_, true);
         hasOpenOperand_ = true;
         passing_ = std::max(1.0, passing_ * relatedShare);
-        scanned_ = passing_ * fetchCost;
+        fetches_ = true;
     }
 
     /// A limit counts rows of the result. They are rows of the scan only when nothing sorts or drops rows
@@ -339,8 +349,19 @@ private:
         std::memcpy(info_.idxStr, text.c_str(), text.size() + 1);
         info_.needToFreeIdxStr = 1;
         info_.estimatedRows = static_cast<sqlite3_int64>(expected);
-        info_.estimatedCost = 1 + (looksUp_ ? std::min(scanned_, passing_ * fetchCost) : scanned_) + passing_;
+        info_.estimatedCost = 1 + expected + findingCost();
         info_.idxFlags = unique_ ? SQLITE_INDEX_SCAN_UNIQUE : 0;
+    }
+
+    /// What finding the rows costs besides handing them on.
+    double findingCost() const {
+        const double fetching = passing_ * fetchCost;
+        const double scanning = scanned_ * filterCost_;
+        if (fetches_) {
+            return fetching;
+        }
+        const double making = hasIndex_ ? 0 : rows_ * makingCost / assumedLookups;
+        return looksUp_ ? std::min(scanning, fetching + making) : scanning;
     }
 
     const VirtualTable& virtual_;
@@ -356,6 +377,9 @@ private:
     bool unique_ = false;
     bool hasOpenOperand_ = false; ///< some operand is known only when the scan starts
     bool looksUp_ = false;        ///< an attribute index answers
+    bool hasIndex_ = false;       ///< and is there already
+    bool fetches_ = false;        ///< the rows are known by their identifiers
+    double filterCost_ = 0;       ///< of each row that is scanned
     int arguments_ = 0;
     int conditions_ = 0; ///< constraints on columns, taken over or not
     int limit_ = -1;
