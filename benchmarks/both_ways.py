@@ -1,0 +1,127 @@
+#!/usr/bin/env python3
+"""Runs queries with automatic attribute indices and without (--no-indices), in turns, and prints the ratio of the
+times: what the indices cost where they do not help, and what they save where they do. Making an index counts.
+Processor time of whole processes, the least of several, so that a busy machine disturbs little.
+
+Use: benchmarks/both_ways.py [options] [-- arguments of orvane that open tables]
+Without arguments the queries of examples/queries and docs/dialect.md run over examples/data, and the queries below
+over a table that is made for it. With arguments the statements of --statements run over the tables they open.
+The exit code is 1 when a query is slower by more than --bound."""
+import argparse, os, random, re, subprocess, sys, tempfile
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parent.parent
+MADE = {
+    "one number": "Select name From points Where id = 777",
+    "one text": "Select id From points Where name = 'name 777'",
+    "few texts": "Select Count(*) From points Where name In ('name 1', 'NAME 2', 'none')",
+    "narrow range": "Select Count(*) From points Where price Between 100 And 101",
+    "wide range": "Select Count(*) From points Where price > 10",
+    "frequent text": "Select Count(*) From points Where kind = 'kind 3'",
+    "two terms": "Select Count(*) From points Where kind = 'kind 3' And size = 12",
+    "join on a unique number": "Select Count(*) From points a Join points b On b.id = a.id + 1 Where a.price < 5",
+    "join on a number shared by 10": "Select Count(*) From points a Join points b On b.size = a.id Where a.price < 5",
+    "join on a text shared by 1000": "Select Count(*) From kinds k Join points p On p.kind = k.kind",
+    "join of few rows": "Select Count(*) From kinds k Join points p On p.id = k.id",
+    "left join": "Select Count(p.id) From kinds k Left Join points p On p.id = k.id",
+    "exists": "Select Count(*) From kinds k Where Exists (Select 1 From points p Where p.size = k.id)",
+    "subquery per row": "Select Sum((Select Max(price) From points p Where p.kind = k.kind)) From kinds k",
+    "in a subquery": "Select Count(*) From points Where size In (Select id From kinds)",
+}
+
+
+def make_tables(directory, rows):
+    """`points` with unique, shared and frequent values in no order, and `kinds` with 20 rows."""
+    numbers = random.Random(1)
+    order = list(range(rows))
+    numbers.shuffle(order)
+    with open(directory / "points.csv", "w") as file:
+        file.write("id,name,kind,size,price\n")
+        for i in order:
+            file.write(f"{i},name {i},kind {i % (rows // 1000)},{i // 10},{numbers.random() * 1000:.3f}\n")
+    with open(directory / "kinds.csv", "w") as file:
+        file.write("id,kind\n" + "".join(f"{i * 7},kind {i}\n" for i in range(20)))
+    subprocess.run(["ogr2ogr", "-f", "GPKG", directory / "points.gpkg", directory / "points.csv",
+                    "-oo", "AUTODETECT_TYPE=YES"], check=True)
+    return [directory / "points.gpkg", directory / "kinds.csv"]
+
+
+def statements_of(text):
+    return [s.strip() for s in re.split(r";\s*(?:\n|$)", text) if s.strip()]
+
+
+def documented():
+    data = ROOT / "examples" / "data"
+    tables = [data / "cities.shp", data / "countries.gpkg", data / "indicators.csv"]
+    queries = {path.stem: path.read_text() for path in sorted((ROOT / "examples" / "queries").glob("*.sql"))}
+    blocks = re.findall(r"^```sql\n(.*?)^```", (ROOT / "docs" / "dialect.md").read_text(), re.M | re.S)
+    queries.update({f"dialect.md, example {i}": block for i, block in enumerate(blocks, 1)})
+    return tables, queries
+
+
+def run(options, tables, query, repetitions, *more):
+    """The milliseconds of processor time of a process that answers the query so many times, and the answer."""
+    with (tempfile.NamedTemporaryFile("w", suffix=".sql") as script, tempfile.TemporaryFile("w+") as answer,
+          tempfile.TemporaryFile("w+") as errors):
+        script.write((query.strip().rstrip(";") + ";\n") * repetitions)
+        script.flush()
+        process = subprocess.Popen([options.orvane, "-F", "csv", *more, *map(str, tables), "-f", script.name],
+                                   stdin=subprocess.DEVNULL, stdout=answer, stderr=errors)
+        _, status, usage = os.wait4(process.pid, 0)
+        answer.seek(0)
+        errors.seek(0)
+        if status:
+            sys.exit(f"{query}\n{errors.read()}")
+        return (usage.ru_utime + usage.ru_stime) * 1000, answer.read()
+
+
+def repetitions_of(options, tables, query):
+    """Enough for the query to outweigh the start of the process."""
+    few, _ = run(options, tables, query, 1, "--no-indices")
+    more, _ = run(options, tables, query, 6, "--no-indices")
+    return max(options.least, min(options.most, int(options.enough / max((more - few) / 5, 0.01))))
+
+
+def compare(options, tables, queries):
+    good = True
+    for name, query in queries.items():
+        repetitions = repetitions_of(options, tables, query)
+        times = {"with": [], "without": []}
+        for _ in range(options.turns):
+            with_ms, answer = run(options, tables, query, repetitions)
+            without_ms, scanned = run(options, tables, query, repetitions, "--no-indices")
+            if sorted(answer.splitlines()) != sorted(scanned.splitlines()):
+                sys.exit(f"{query}\nThe answers differ.")
+            times["with"].append(with_ms)
+            times["without"].append(without_ms)
+        with_ms, without_ms = min(times["with"]), min(times["without"])
+        slower = with_ms > without_ms * options.bound
+        good = good and not slower
+        print(f"{name:44.44} {repetitions:6} {with_ms:10.0f} {without_ms:10.0f} {with_ms / without_ms:7.2f}"
+              f"{'  slower' if slower else ''}", flush=True)
+    return good
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("--orvane", default=str(ROOT / "build" / "release" / "bin" / "orvane"))
+    parser.add_argument("--rows", type=int, default=100_000, help="of the table that is made")
+    parser.add_argument("--least", type=int, default=3, help="repetitions of a query in one process")
+    parser.add_argument("--most", type=int, default=300, help="repetitions of a query in one process")
+    parser.add_argument("--enough", type=float, default=200, help="milliseconds that all repetitions shall take")
+    parser.add_argument("--turns", type=int, default=3, help="processes for each way")
+    parser.add_argument("--bound", type=float, default=1.1)
+    parser.add_argument("--statements", type=Path, help="a script to run instead, over the tables that follow --")
+    parser.add_argument("tables", nargs="*")
+    options = parser.parse_args()
+    print(f"{'query':44} {'times':>6} {'with ms':>10} {'without ms':>10} {'ratio':>7}")
+    if options.statements:
+        queries = {query.replace("\n", " "): query for query in statements_of(options.statements.read_text())}
+        return compare(options, options.tables, queries)
+    with tempfile.TemporaryDirectory() as directory:
+        made = compare(options, make_tables(Path(directory), options.rows), MADE)
+    return compare(options, *documented()) and made
+
+
+if __name__ == "__main__":
+    sys.exit(0 if main() else 1)
