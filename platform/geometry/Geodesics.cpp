@@ -74,7 +74,8 @@ double sumOver(const Geometry& geometry, const Measure& measure) {
 GeographicShape onEllipsoid(const Geometry& geometry) {
     const auto system = geometry.coordSystem();
     if (!system) {
-        throw failure("Для меры на эллипсоиде нужна система координат геометрии.");
+        throw failure(QT_TRANSLATE_NOOP("orvane::geometry",
+                                        "Для меры на эллипсоиде нужна система координат геометрии."));
     }
     GeographicShape shape;
     shape.equatorialRadius = system->semiMajorAxis();
@@ -97,7 +98,7 @@ GeographicShape onEllipsoid(const Geometry& geometry) {
             });
     }
     if (!shape.geometry) {
-        throw failure("У точки геометрии нет долготы и широты.");
+        throw failure(QT_TRANSLATE_NOOP("orvane::geometry", "У точки геометрии нет долготы и широты."));
     }
     return shape;
 }

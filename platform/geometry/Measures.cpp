@@ -32,7 +32,9 @@ double fromMetres(double value, const QString& units, Power power) {
     }
     const Unit unit = unitOf(units, power);
     if (unit.isAngular) {
-        throw failure("Единица «%0» здесь не имеет смысла: мера на эллипсоиде не угловая.", units);
+        throw failure(QT_TRANSLATE_NOOP("orvane::geometry",
+                                        "Единица «%0» здесь не имеет смысла: мера на эллипсоиде не угловая."),
+                      units);
     }
     return value / unit.factor;
 }
@@ -45,10 +47,14 @@ double fromPlane(double value, const cs::CoordSystem* system, const QString& uni
     const Unit unit = unitOf(units, power);
     const bool inDegrees = system && system->isGeographic();
     if (inDegrees != unit.isAngular) {
-        throw failure(inDegrees ? "Единица «%0» здесь не имеет смысла: координаты угловые; годятся градусы "
-                                  "или мера на эллипсоиде."
-                                : "Единица «%0» здесь не имеет смысла: координаты не угловые.",
-                      units);
+        throw failure(
+            inDegrees
+                ? QT_TRANSLATE_NOOP("orvane::geometry",
+                                    "Единица «%0» здесь не имеет смысла: координаты угловые; годятся градусы "
+                                    "или мера на эллипсоиде.")
+                : QT_TRANSLATE_NOOP("orvane::geometry",
+                                    "Единица «%0» здесь не имеет смысла: координаты не угловые."),
+            units);
     }
     double factor = system ? system->unitFactor() : 1.0;
     if (inDegrees) {
@@ -88,14 +94,15 @@ GeometryPtr inSystemOf(const Geometry& a, const Geometry& b) {
     }
     GeometryPtr transformed = b.transformed(systemA);
     if (!transformed) {
-        throw failure("Геометрии не приводятся к одной системе координат.");
+        throw failure(
+            QT_TRANSLATE_NOOP("orvane::geometry", "Геометрии не приводятся к одной системе координат."));
     }
     return transformed;
 }
 
 void checkNotEmpty(const Geometry& a, const Geometry& b) {
     if (a.isEmpty() || b.isEmpty()) {
-        throw failure("У пустой геометрии нет расстояния до другой.");
+        throw failure(QT_TRANSLATE_NOOP("orvane::geometry", "У пустой геометрии нет расстояния до другой."));
     }
 }
 

@@ -272,7 +272,7 @@ double planarDistance(const Geometry& a, const Geometry& b) {
     const GEOSGeometry* plainA = a.geosForm().plain(a);
     const GEOSGeometry* plainB = b.geosForm().plain(b);
     if (!plainA || !plainB) {
-        throw failure("Координата геометрии не конечное число.");
+        throw failure(QT_TRANSLATE_NOOP("orvane::geometry", "Координата геометрии не конечное число."));
     }
     double distance = 0.0;
     if (GEOSDistance_r(geosContext(), plainA, plainB, &distance) != 1) {
@@ -297,7 +297,7 @@ std::shared_ptr<const Geometry> normalizedGeometry(const std::shared_ptr<const G
     const std::lock_guard lock(form.mutex());
     const GEOSGeometry* plain = form.plain(*geometry);
     if (!plain) {
-        throw failure("Координата геометрии не конечное число.");
+        throw failure(QT_TRANSLATE_NOOP("orvane::geometry", "Координата геометрии не конечное число."));
     }
     if (checked(GEOSisValid_r(geosContext(), plain)) && hasProperRings(*geometry)) {
         return geometry;

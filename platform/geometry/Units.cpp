@@ -107,12 +107,18 @@ QStringList listedNames(const NamedUnit& unit, const QString& english = {}, cons
 
 Unit lengthUnit(const QString& name) {
     static const UnitTable table = makeLengthTable();
-    return find(table, name, "Неизвестная единица длины «%0». Известные единицы: %1.", lengthUnitNames);
+    return find(
+        table, name,
+        QT_TRANSLATE_NOOP("orvane::geometry", "Неизвестная единица длины «%0». Известные единицы: %1."),
+        lengthUnitNames);
 }
 
 Unit areaUnit(const QString& name) {
     static const UnitTable table = makeAreaTable();
-    return find(table, name, "Неизвестная единица площади «%0». Известные единицы: %1.", areaUnitNames);
+    return find(
+        table, name,
+        QT_TRANSLATE_NOOP("orvane::geometry", "Неизвестная единица площади «%0». Известные единицы: %1."),
+        areaUnitNames);
 }
 
 QStringList lengthUnitNames() {
