@@ -291,7 +291,8 @@ NodePtr TreeGenerator::statement() {
     case 3: return expression(4);
     case 4: {
         auto node = std::static_pointer_cast<QuerySpecification>(select(2));
-        node->into = std::make_shared<IntoClause>(name(), chance(50) ? IntoClause::Target::Table : IntoClause::Target::File);
+        node->into = std::make_shared<IntoClause>(name(), chance(50) ? IntoClause::Target::Table
+                                                                     : IntoClause::Target::File);
         return node;
     }
     default: return query(4);
