@@ -58,7 +58,8 @@ public:
 private:
     class RowCursor : public dp::Cursor {
     public:
-        RowCursor(const MemoryTable& table, const dp::ScanRequest& request) : rows_(&table.rows_) {
+        RowCursor(const MemoryTable& table, const dp::ScanRequest& request)
+            : geometry_(table.schema_->geometryIndex()), rows_(&table.rows_) {
             if (request.ids) {
                 for (const dp::FeatureId& id : *request.ids) {
                     if (const auto found = rows_->find(id.value().toLongLong()); found != rows_->end()) {
@@ -83,14 +84,15 @@ private:
             case QMetaType::Double: return dp::Cell::ofReal(value.toDouble());
             case QMetaType::QByteArray:
                 text_ = value.toByteArray();
-                return dp::Cell::ofWkb({text_.constData(), static_cast<std::size_t>(text_.size())});
-            default:
-                text_ = value.toString().toUtf8();
-                return dp::Cell::ofText({text_.constData(), static_cast<std::size_t>(text_.size())});
+                return attribute == geometry_ ? dp::Cell::ofWkb(bytes()) : dp::Cell::ofBytes(bytes());
+            default: text_ = value.toString().toUtf8(); return dp::Cell::ofText(bytes());
             }
         }
 
     private:
+        std::string_view bytes() const { return {text_.constData(), static_cast<std::size_t>(text_.size())}; }
+
+        const int geometry_;
         const std::map<qint64, Row>* rows_;
         std::map<qint64, Row> chosen_;
         std::map<qint64, Row>::const_iterator at_;
