@@ -57,8 +57,8 @@
 <context>
     <name>orvane::adaptor</name>
     <message>
-        <source>Столбец %0: ожидается %1, а не «%2»</source>
-        <translation>Column %0: expected %1, not &quot;%2&quot;</translation>
+        <source>Таблица %0, столбец %1: ожидается %2, а не «%3»</source>
+        <translation>Table %0, column %1: expected %2, not &quot;%3&quot;</translation>
     </message>
     <message>
         <source>целое число от %0 до %1</source>
@@ -252,6 +252,18 @@
         <source>R-дерево таблицы %0</source>
         <translation>R-tree of the table %0</translation>
     </message>
+    <message>
+        <source>выбирать может один Select из таблицы, без Group By и без функций по многим строкам</source>
+        <translation>a selection is made by one Select from a table, without Group By and without functions over many rows</translation>
+    </message>
+    <message>
+        <source>Таблица %0: %1</source>
+        <translation>Table %0: %1</translation>
+    </message>
+    <message>
+        <source>текст до %0 символов</source>
+        <translation>text of up to %0 characters</translation>
+    </message>
 </context>
 <context>
     <name>orvane::dp</name>
@@ -362,6 +374,14 @@
     <message>
         <source>В «%1» нет записи %2</source>
         <translation>&quot;%1&quot; has no feature %2</translation>
+    </message>
+    <message>
+        <source>Столбец «%1»: нужно значение</source>
+        <translation>Column &quot;%1&quot;: a value is needed</translation>
+    </message>
+    <message>
+        <source>Столбец «%1»: значение «%2» уже есть</source>
+        <translation>Column &quot;%1&quot;: the value &quot;%2&quot; is there already</translation>
     </message>
 </context>
 <context>
@@ -521,8 +541,8 @@
         <translation>--table: expected NAME=FILE or NAME=FILE|LAYER, not &quot;%0&quot;</translation>
     </message>
     <message>
-        <source>--select: ожидается ТАБЛИЦА=НОМЕР,НОМЕР,..., а не «%0»</source>
-        <translation>--select: expected TABLE=ID,ID,..., not &quot;%0&quot;</translation>
+        <source>--select: ожидается ТАБЛИЦА=НОМЕР,НОМЕР,... или Select, а не «%0»</source>
+        <translation>--select: expected TABLE=ID,ID,... or Select, not &quot;%0&quot;</translation>
     </message>
     <message>
         <source>справка: orvane --help</source>
@@ -583,8 +603,8 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
         <translation>the text is SQLite SQL already: run it untranslated</translation>
     </message>
     <message>
-        <source>текущая выборка</source>
-        <translation>the current selection</translation>
+        <source>текущая выборка: строки таблицы или то, что находит запрос</source>
+        <translation>the current selection: rows of a table, or what a query finds</translation>
     </message>
     <message>
         <source>язык сообщений и порядок сравнения текстов</source>
@@ -913,6 +933,110 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
     <message>
         <source>заменять файлы данных, которые уже есть, в --output и Into</source>
         <translation>replace data files that exist, in --output and Into</translation>
+    </message>
+    <message>
+        <source>у запроса «%1» другое число столбцов</source>
+        <translation>the query &quot;%1&quot; has another number of columns</translation>
+    </message>
+    <message>
+        <source>число значений не равно числу столбцов таблицы «%1»</source>
+        <translation>the number of values is not the number of columns of the table &quot;%1&quot;</translation>
+    </message>
+    <message>
+        <source>слева и справа от знака равенства разное число значений</source>
+        <translation>the sides of the equals sign have different numbers of values</translation>
+    </message>
+    <message>
+        <source>в строках после Values разное число значений</source>
+        <translation>the rows after Values have different numbers of values</translation>
+    </message>
+    <message>
+        <source>в списке In элементы с разным числом значений</source>
+        <translation>the elements of an In list have different numbers of values</translation>
+    </message>
+    <message>
+        <source>запрос «%1» назван дважды</source>
+        <translation>two queries are called &quot;%1&quot;</translation>
+    </message>
+    <message>
+        <source>в Group By недопустимы функции по многим строкам</source>
+        <translation>functions over many rows cannot be used in Group By</translation>
+    </message>
+    <message>
+        <source>запрос «%1» ссылается на себя больше одного раза</source>
+        <translation>the query &quot;%1&quot; refers to itself more than once</translation>
+    </message>
+    <message>
+        <source>рекурсивный запрос не может считать по многим строкам</source>
+        <translation>a recursive query cannot calculate over many rows</translation>
+    </message>
+    <message>
+        <source>в рекурсивном запросе недопустимы оконные функции</source>
+        <translation>window functions cannot be used in a recursive query</translation>
+    </message>
+    <message>
+        <source>Range со сдвигом требует одного выражения после Order By</source>
+        <translation>Range with an offset needs one expression after Order By</translation>
+    </message>
+    <message>
+        <source>такие границы окна недопустимы</source>
+        <translation>these bounds of the window are not possible</translation>
+    </message>
+    <message>
+        <source>сдвиг границы окна должен быть неотрицательным числом</source>
+        <translation>the offset of a bound of a window has to be a number of at least 0</translation>
+    </message>
+    <message>
+        <source>аргумент функции %1 должен быть положительным целым числом</source>
+        <translation>the argument of the function %1 has to be a positive whole number</translation>
+    </message>
+    <message>
+        <source>второй аргумент функции %1 должен быть положительным целым числом</source>
+        <translation>the second argument of the function %1 has to be a positive whole number</translation>
+    </message>
+    <message>
+        <source>после Limit и Offset нужны целые числа</source>
+        <translation>whole numbers are needed after Limit and Offset</translation>
+    </message>
+    <message>
+        <source>у функции %1 слишком много аргументов</source>
+        <translation>the function %1 has too many arguments</translation>
+    </message>
+    <message>
+        <source>слишком длинный список: %1</source>
+        <translation>too long a list: %1</translation>
+    </message>
+    <message>
+        <source>слишком много таблиц после From</source>
+        <translation>too many tables after From</translation>
+    </message>
+    <message>
+        <source>номер параметра слишком велик</source>
+        <translation>the number of a parameter is too large</translation>
+    </message>
+    <message>
+        <source>после Escape нужен один символ</source>
+        <translation>one character is needed after Escape</translation>
+    </message>
+    <message>
+        <source>образец слишком длинный</source>
+        <translation>the pattern is too long</translation>
+    </message>
+    <message>
+        <source>на диске нет места</source>
+        <translation>the disk is full</translation>
+    </message>
+    <message>
+        <source>ошибка чтения или записи на диске</source>
+        <translation>the disk cannot be read or written</translation>
+    </message>
+    <message>
+        <source>слишком глубоко вложено: SQLite допускает около 20 вызовов функций или операторов + / \ ^ друг в друге; вычислите внутреннюю часть во вложенном запросе (With или From)</source>
+        <translation>nested too deeply: SQLite takes about 20 function calls or operators + / \ ^ within one another; calculate the inner part in a query within (With or From)</translation>
+    </message>
+    <message>
+        <source>таблицы «%0» нет после From</source>
+        <translation>the table &quot;%0&quot; is not after From</translation>
     </message>
 </context>
 <context>

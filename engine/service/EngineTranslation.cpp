@@ -7,9 +7,33 @@
 #include "platform/sql/SqlParser.h"
 #include "platform/sql/SqlRuntime.h"
 #include "platform/sql/SqlStrings.h"
+#include <orvane/engine/ColumnNames.h>
 #include <orvane/engine/SqliteStringBuilder.h>
 
+#include <QSqlQuery>
+#include <QVariant>
+
 namespace orvane {
+
+namespace {
+
+/// The columns of a table of the engine database, hidden ones, geometry and style left out.
+std::vector<std::wstring> joinableColumns(const QSqlDatabase& database, const std::wstring& table) {
+    QSqlQuery query(database);
+    query.setForwardOnly(true);
+    query.prepare(QStringLiteral("Select name From pragma_table_xinfo(?) Where hidden = 0"));
+    query.addBindValue(sql::fromSqlString(table));
+    std::vector<std::wstring> columns;
+    for (query.exec(); query.next();) {
+        std::wstring name = sql::toSqlString(query.value(0).toString());
+        if (name != engine::geometryColumnName() && name != engine::styleColumnName()) {
+            columns.push_back(std::move(name));
+        }
+    }
+    return columns;
+}
+
+} // namespace
 
 bool Engine::tryToTranslate(const std::string& text, engine::SqliteStringBuilder& builder,
                             CheckParseResults check) const {
@@ -22,7 +46,10 @@ bool Engine::tryToTranslate(const std::string& text, engine::SqliteStringBuilder
             std::make_shared<sql::UnexpectedParseResult>(sql::toSqlString(QObject::tr("Выражение"))));
     } else {
         builder.setCollate(QStringLiteral("Locale"));
+        builder.setTableColumns(
+            [this](const std::wstring& table) { return joinableColumns(internal_->database(), table); });
         std::wstring query = builder.buildString(*parser.result().node());
+        builder.setTableColumns(nullptr);
         if (builder.hasErrors()) {
             builder.addTranslateErrors();
         } else {

@@ -8,6 +8,7 @@
 
 #include <QUuid>
 
+#include <algorithm>
 #include <utility>
 
 // Columns and tables: geometry, style, row numbers, and the selection as a table.
@@ -127,6 +128,46 @@ void SqliteStringBuilder::visitSelectionTable(const ast::TablePrimary& node) {
     isIdUsed_ = true;
     recordTable(table);
     SqlStringBuilder::visit(table);
+}
+
+/// The columns of a source that a natural join may match; empty when they are not known.
+std::vector<std::wstring> SqliteStringBuilder::columnsOf(const ast::NodePtr& source) const {
+    if (const auto* table = ast::nodeAs<ast::TablePrimary>(source)) {
+        const bool isSelection = table->name == selectionTableName() && selectionObject_;
+        return tableColumns_(isSelection ? toSqlString(selectionObject_->name()) : table->name);
+    }
+    if (const auto* join = ast::nodeAs<ast::JoinNode>(source)) {
+        std::vector<std::wstring> columns = columnsOf(join->left);
+        const std::vector<std::wstring> right = columnsOf(join->right);
+        if (columns.empty() || right.empty()) {
+            return {};
+        }
+        columns.insert(columns.end(), right.begin(), right.end());
+        return columns;
+    }
+    return {};
+}
+
+/// A natural join of tables whose columns are known names the columns that it matches.
+void SqliteStringBuilder::visit(const ast::JoinNode& node) {
+    const std::vector<std::wstring> left =
+        node.natural && tableColumns_ ? columnsOf(node.left) : std::vector<std::wstring>();
+    const std::vector<std::wstring> right = left.empty() ? left : columnsOf(node.right);
+    if (right.empty()) {
+        return SqlStringBuilder::visit(node);
+    }
+    ast::NodeList common;
+    for (const std::wstring& name : right) {
+        const bool isCommon = std::any_of(left.begin(), left.end(), [&name](const std::wstring& other) {
+            return toLowercase(other) == toLowercase(name);
+        });
+        if (isCommon) {
+            common.push_back(std::make_shared<ast::ColumnReference>(std::wstring(), name));
+        }
+    }
+    const auto matching =
+        common.empty() ? nullptr : std::make_shared<ast::NamedColumnsJoin>(std::move(common));
+    SqlStringBuilder::visit(ast::JoinNode(node.join, false, node.left, node.right, matching));
 }
 
 void SqliteStringBuilder::recordTable(const ast::TablePrimary& node) {

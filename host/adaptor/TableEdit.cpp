@@ -21,21 +21,26 @@ QString valueText(sqlite3_value* value) {
     return QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_value_text(value)));
 }
 
-[[noreturn]] void refuse(const dp::AttributeDefinition& attribute, const QString& expected,
-                         sqlite3_value* value) {
-    throw EditError(QCoreApplication::translate("orvane::adaptor", "Столбец %0: ожидается %1, а не «%2»")
-                        .arg(attribute.name(), expected, valueText(value))
-                        .toStdString());
+/// Where a value goes.
+struct Target {
+    QString table;
+    const dp::AttributeDefinition& attribute;
+};
+
+[[noreturn]] void refuse(const Target& target, const QString& expected, sqlite3_value* value) {
+    throw EditError(
+        QCoreApplication::translate("orvane::adaptor", "Таблица %0, столбец %1: ожидается %2, а не «%3»")
+            .arg(target.table, target.attribute.name(), expected, valueText(value))
+            .toStdString());
 }
 
-QVariant wholeNumber(const dp::AttributeDefinition& attribute, sqlite3_value* value, qint64 least,
-                     qint64 most) {
+QVariant wholeNumber(const Target& target, sqlite3_value* value, qint64 least, qint64 most) {
     const int type = sqlite3_value_numeric_type(value);
     const qint64 number = sqlite3_value_int64(value);
     const bool whole = type == SQLITE_INTEGER ||
                        (type == SQLITE_FLOAT && static_cast<double>(number) == sqlite3_value_double(value));
     if (!whole || number < least || number > most) {
-        refuse(attribute,
+        refuse(target,
                QCoreApplication::translate("orvane::adaptor", "целое число от %0 до %1").arg(least).arg(most),
                value);
     }
@@ -43,60 +48,66 @@ QVariant wholeNumber(const dp::AttributeDefinition& attribute, sqlite3_value* va
 }
 
 template<class Type>
-QVariant wholeNumber(const dp::AttributeDefinition& attribute, sqlite3_value* value) {
-    return wholeNumber(attribute, value, std::numeric_limits<Type>::min(), std::numeric_limits<Type>::max());
+QVariant wholeNumber(const Target& target, sqlite3_value* value) {
+    return wholeNumber(target, value, std::numeric_limits<Type>::min(), std::numeric_limits<Type>::max());
 }
 
-QVariant realNumber(const dp::AttributeDefinition& attribute, sqlite3_value* value) {
+QVariant realNumber(const Target& target, sqlite3_value* value) {
     const int type = sqlite3_value_numeric_type(value);
     if (type != SQLITE_INTEGER && type != SQLITE_FLOAT) {
-        refuse(attribute, QCoreApplication::translate("orvane::adaptor", "число"), value);
+        refuse(target, QCoreApplication::translate("orvane::adaptor", "число"), value);
     }
     return sqlite3_value_double(value);
 }
 
 /// A value that Qt reads from an ISO text.
 template<class Moment>
-QVariant moment(const dp::AttributeDefinition& attribute, sqlite3_value* value, const QString& expected) {
+QVariant moment(const Target& target, sqlite3_value* value, const QString& expected) {
     const Moment parsed = sqlite3_value_type(value) == SQLITE_TEXT
                               ? Moment::fromString(valueText(value), Qt::ISODate)
                               : Moment();
     if (!parsed.isValid()) {
-        refuse(attribute, expected, value);
+        refuse(target, expected, value);
     }
     return parsed;
 }
 
-QVariant plainValue(const dp::AttributeDefinition& attribute, sqlite3_value* value) {
-    switch (attribute.type()) {
-    case QMetaType::Bool: return wholeNumber(attribute, value, 0, 1).toLongLong() != 0;
-    case QMetaType::Short: return wholeNumber<short>(attribute, value);
-    case QMetaType::Int: return wholeNumber<int>(attribute, value);
-    case QMetaType::LongLong: return wholeNumber<qint64>(attribute, value);
+QVariant plainValue(const Target& target, sqlite3_value* value) {
+    switch (target.attribute.type()) {
+    case QMetaType::Bool: return wholeNumber(target, value, 0, 1).toLongLong() != 0;
+    case QMetaType::Short: return wholeNumber<short>(target, value);
+    case QMetaType::Int: return wholeNumber<int>(target, value);
+    case QMetaType::LongLong: return wholeNumber<qint64>(target, value);
     case QMetaType::Float:
-    case QMetaType::Double: return realNumber(attribute, value);
+    case QMetaType::Double: return realNumber(target, value);
     case QMetaType::QDate:
-        return moment<QDate>(attribute, value,
+        return moment<QDate>(target, value,
                              QCoreApplication::translate("orvane::adaptor", "дата yyyy-MM-dd"));
     case QMetaType::QTime:
-        return moment<QTime>(attribute, value,
+        return moment<QTime>(target, value,
                              QCoreApplication::translate("orvane::adaptor", "время hh:mm:ss.zzz"));
     case QMetaType::QDateTime:
         return moment<QDateTime>(
-            attribute, value,
+            target, value,
             QCoreApplication::translate("orvane::adaptor", "дата и время yyyy-MM-dd hh:mm:ss.zzz"));
     case QMetaType::QByteArray:
         return QByteArray(static_cast<const char*>(sqlite3_value_blob(value)), sqlite3_value_bytes(value));
     default: break;
     }
     if (sqlite3_value_type(value) == SQLITE_BLOB) {
-        refuse(attribute, QCoreApplication::translate("orvane::adaptor", "текст"), value);
+        refuse(target, QCoreApplication::translate("orvane::adaptor", "текст"), value);
     }
-    return valueText(value);
+    QString text = valueText(value);
+    const auto* simple = dynamic_cast<const dp::SimpleAttributeDefinition*>(&target.attribute);
+    const int most = simple ? simple->length() : 0;
+    if (most > 0 && text.size() > most && text.toUcs4().size() > most) {
+        refuse(target, QCoreApplication::translate("orvane::adaptor", "текст до %0 символов").arg(most),
+               value);
+    }
+    return text;
 }
 
-QVariant geometryValue(const dp::AttributeDefinition& attribute, sqlite3_value* value,
-                       engine::EngineCache& cache) {
+QVariant geometryValue(const Target& target, sqlite3_value* value, engine::EngineCache& cache) {
     std::shared_ptr<const geometry::Geometry> geometry;
     if (sqlite3_value_type(value) == SQLITE_BLOB) {
         const void* data = sqlite3_value_blob(value);
@@ -104,9 +115,21 @@ QVariant geometryValue(const dp::AttributeDefinition& attribute, sqlite3_value* 
             cache.geometryInfo(data, static_cast<unsigned>(sqlite3_value_bytes(value)), false).geometry();
     }
     if (!geometry) {
-        refuse(attribute, QCoreApplication::translate("orvane::adaptor", "геометрия"), value);
+        refuse(target, QCoreApplication::translate("orvane::adaptor", "геометрия"), value);
     }
     return QVariant::fromValue(geometry);
+}
+
+/// Runs an edit of the provider; its failures name the table.
+template<class Edit>
+auto inTable(const QString& table, Edit edit) {
+    try {
+        return edit();
+    } catch (const EditError& error) {
+        throw EditError(QCoreApplication::translate("orvane::adaptor", "Таблица %0: %1")
+                            .arg(table, QString::fromUtf8(error.what()))
+                            .toStdString());
+    }
 }
 
 } // namespace
@@ -130,13 +153,13 @@ void TableEdit::assign(dp::Feature& feature, std::span<sqlite3_value*> values, b
         if (column.attribute < 0 || (changedOnly && sqlite3_value_nochange(value))) {
             continue;
         }
-        const dp::AttributeDefinition& attribute = *feature.schema().at(column.attribute);
+        const Target target{table_.name(), *feature.schema().at(column.attribute)};
         if (sqlite3_value_type(value) == SQLITE_NULL) {
             feature.setAttribute(column.attribute, QVariant());
         } else if (column.kind == TableDeclaration::Kind::Geometry) {
-            feature.setAttribute(column.attribute, geometryValue(attribute, value, table_.cache()));
+            feature.setAttribute(column.attribute, geometryValue(target, value, table_.cache()));
         } else {
-            feature.setAttribute(column.attribute, plainValue(attribute, value));
+            feature.setAttribute(column.attribute, plainValue(target, value));
         }
     }
 }
@@ -145,7 +168,7 @@ sqlite3_int64 TableEdit::insert(std::span<sqlite3_value*> values) {
     dp::Table& table = table_.table();
     dp::Feature feature(table.schema(), dp::FeatureId());
     assign(feature, values, false);
-    return table_.cache().assignIdToInt(table.insertFeature(feature));
+    return table_.cache().assignIdToInt(inTable(table_.name(), [&] { return table.insertFeature(feature); }));
 }
 
 void TableEdit::update(sqlite3_int64 rowNumber, std::span<sqlite3_value*> values) {
@@ -158,11 +181,11 @@ void TableEdit::update(sqlite3_int64 rowNumber, std::span<sqlite3_value*> values
                             .toStdString());
     }
     assign(*feature, values, true);
-    table.updateFeature(*feature);
+    inTable(table_.name(), [&] { table.updateFeature(*feature); });
 }
 
 void TableEdit::remove(sqlite3_int64 rowNumber) {
-    table_.table().deleteFeature(featureId(rowNumber));
+    inTable(table_.name(), [&] { table_.table().deleteFeature(featureId(rowNumber)); });
 }
 
 } // namespace orvane::adaptor

@@ -5,6 +5,8 @@
 #include "host/providers/LayerScan.h"
 #include "platform/dp/Table.h"
 
+#include <QRegularExpression>
+
 namespace orvane::files {
 
 namespace {
@@ -13,6 +15,19 @@ namespace {
 [[noreturn]] void raise(const QString& what, const GdalErrorScope& errors) {
     throw dp::EditError(
         (errors.error().isEmpty() ? what : what + QStringLiteral(": ") + errors.error()).toStdString());
+}
+
+/// SQLite would write to the file before the end of a transaction that does not fit its cache, for which
+/// nobody may be reading: but the rows to change come from other handles of ours. What is changed stays in
+/// memory instead until the end, about as much as it takes in the file.
+void keepChangesInMemory(GDALDatasetH dataset) {
+    const char* driver = GDALGetDriverShortName(GDALGetDatasetDriver(dataset));
+    if (!EQUAL(driver, "GPKG") && !EQUAL(driver, "SQLite"))
+        return;
+    const GdalErrorScope errors;
+    const OGRLayerH result = GDALDatasetExecuteSQL(dataset, "PRAGMA cache_spill = OFF", nullptr, nullptr);
+    if (result)
+        GDALDatasetReleaseResultSet(dataset, result);
 }
 
 } // namespace
@@ -92,10 +107,10 @@ std::int64_t LayerEditor::insert(const dp::Feature& feature) {
         const auto id = feature.id().value().toLongLong(&isNumber);
         if (isNumber)
             OGR_F_SetFID(target.get(), id);
-        setAttributes(target.get(), feature);
+        setAttributes(target.get(), feature, true);
         const GdalErrorScope errors;
         if (OGR_L_CreateFeature(layer_, target.get()) != OGRERR_NONE)
-            raise(tr("Не удалось добавить запись в «%1»").arg(QString::fromUtf8(layerName_)), errors);
+            raiseUnwritten(tr("Не удалось добавить запись в «%1»"), errors.error(), feature);
         return std::int64_t{OGR_F_GetFID(target.get())};
     });
 }
@@ -104,10 +119,10 @@ void LayerEditor::update(const dp::Feature& feature) {
     inGroup([&] {
         requireCapability(OLCRandomWrite);
         const FeatureHandle target(OGR_L_GetFeature(layer_, existingId(feature.id())));
-        setAttributes(target.get(), feature);
+        setAttributes(target.get(), feature, false);
         const GdalErrorScope errors;
         if (OGR_L_SetFeature(layer_, target.get()) != OGRERR_NONE)
-            raise(tr("Не удалось изменить запись в «%1»").arg(QString::fromUtf8(layerName_)), errors);
+            raiseUnwritten(tr("Не удалось изменить запись в «%1»"), errors.error(), feature);
         return true;
     });
 }
@@ -135,6 +150,7 @@ void LayerEditor::open() {
     } catch (const std::runtime_error& error) {
         throw dp::EditError(error.what());
     }
+    keepChangesInMemory(dataset_.get());
     layer_ = findLayer(dataset_.get(), layerIndex_, layerName_);
     if (!layer_ || !hasFieldsOf(layer_, *schema_)) {
         close();
@@ -176,14 +192,48 @@ void LayerEditor::requireCapability(const char* capability) {
                                 .toStdString());
 }
 
-void LayerEditor::setAttributes(OGRFeatureH target, const dp::Feature& feature) const {
+void LayerEditor::setAttributes(OGRFeatureH target, const dp::Feature& feature, bool isNew) const {
     const GdalErrorScope errors;
     for (std::size_t i = 0; i < schema_->columns.size(); ++i) {
         const auto& column = schema_->columns[i];
-        const auto position = static_cast<int>(i);
-        if (column.source != LayerColumn::Source::FeatureId)
-            writeValue(target, column, *schema_->schema->at(position), feature.getAttribute(position));
+        if (column.source == LayerColumn::Source::FeatureId)
+            continue;
+        const auto& attribute = *schema_->schema->at(static_cast<int>(i));
+        const QVariant value = feature.getAttribute(static_cast<int>(i));
+        if (!value.isNull() || acceptsNull(column, attribute.name(), isNew))
+            writeValue(target, column, attribute, value);
     }
+}
+
+bool LayerEditor::acceptsNull(const LayerColumn& column, const QString& name, bool isNew) const {
+    const OGRFeatureDefnH definition = OGR_L_GetLayerDefn(layer_);
+    bool isNullable = true;
+    if (column.source == LayerColumn::Source::Geometry) {
+        isNullable = OGR_GFld_IsNullable(OGR_FD_GetGeomFieldDefn(definition, 0)) != 0;
+    } else {
+        const OGRFieldDefnH field = OGR_FD_GetFieldDefn(definition, column.field);
+        isNullable = OGR_Fld_IsNullable(field) != 0;
+        if (!isNullable && isNew && OGR_Fld_GetDefault(field))
+            return false;
+    }
+    if (!isNullable)
+        throw dp::EditError(tr("Столбец «%1»: нужно значение").arg(name).toStdString());
+    return true;
+}
+
+void LayerEditor::raiseUnwritten(const QString& what, const QString& reason,
+                                 const dp::Feature& feature) const {
+    static const QRegularExpression unique(
+        QStringLiteral("UNIQUE constraint failed: .*\\.([^.,]+)$")); // the words of SQLite
+    if (const auto match = unique.match(reason); match.hasMatch()) {
+        const int position = schema_->schema->indexOf(match.captured(1));
+        if (position >= 0)
+            throw dp::EditError(tr("Столбец «%1»: значение «%2» уже есть")
+                                    .arg(match.captured(1), feature.getAttribute(position).toString())
+                                    .toStdString());
+    }
+    const QString where = what.arg(QString::fromUtf8(layerName_));
+    throw dp::EditError((reason.isEmpty() ? where : where + QStringLiteral(": ") + reason).toStdString());
 }
 
 std::int64_t LayerEditor::existingId(const dp::FeatureId& id) {

@@ -41,7 +41,11 @@ private:
     template<class Edit>
     std::invoke_result_t<Edit> inGroup(Edit edit);
     void requireCapability(const char* capability);
-    void setAttributes(OGRFeatureH target, const dp::Feature& feature) const;
+    void setAttributes(OGRFeatureH target, const dp::Feature& feature, bool isNew) const;
+    /// Refuses NULL where a value is needed. False where the default of a new row takes its place.
+    bool acceptsNull(const LayerColumn& column, const QString& name, bool isNew) const;
+    [[noreturn]] void raiseUnwritten(const QString& what, const QString& reason,
+                                     const dp::Feature& feature) const;
     std::int64_t existingId(const dp::FeatureId& id);
 
     std::shared_ptr<DatasetPool> pool_;

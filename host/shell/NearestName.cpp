@@ -12,6 +12,8 @@ QString nearestName(const QString& word, const QStringList& known) {
     QString nearest;
     int nearestDistance = 0;
     for (const QString& name : known) {
+        if (name.compare(word, Qt::CaseInsensitive) == 0)
+            continue; // nothing new
         const int allowed = std::max(1, std::max(name.size(), word.size()) / 3);
         const int distance = sql::editDistance(wanted, sql::toSqlString(name), allowed);
         if (distance <= allowed && (nearest.isEmpty() || distance < nearestDistance)) {
@@ -22,7 +24,7 @@ QString nearestName(const QString& word, const QStringList& known) {
     if (!nearest.isEmpty() || word.size() < 3)
         return nearest;
     const auto longer = std::find_if(known.begin(), known.end(), [&word](const QString& name) {
-        return name.startsWith(word, Qt::CaseInsensitive);
+        return name.size() > word.size() && name.startsWith(word, Qt::CaseInsensitive);
     });
     return longer != known.end() ? *longer : QString();
 }

@@ -55,16 +55,24 @@ Value oneOf(const std::map<std::string, Value>& values, const std::string& word,
                               known.join(QStringLiteral(", "))));
 }
 
-/// TABLE=ID,ID,...; the name may hold equals signs of its own.
+bool isQuery(const std::string& argument) {
+    const QString word = QString::fromStdString(argument).simplified().section(QLatin1Char(' '), 0, 0);
+    return word.compare(QLatin1String("select"), Qt::CaseInsensitive) == 0 ||
+           word.compare(QLatin1String("with"), Qt::CaseInsensitive) == 0;
+}
+
+/// TABLE=ID,ID,... or a query; the name may hold equals signs of its own.
 SelectionSource parseSelection(const std::string& argument) {
+    if (isQuery(argument))
+        return {{}, {}, argument};
     const std::size_t equals = argument.rfind('=');
     const auto fail = [&argument] {
-        throw UsageError(Shell::tr("--select: ожидается ТАБЛИЦА=НОМЕР,НОМЕР,..., а не «%0»")
+        throw UsageError(Shell::tr("--select: ожидается ТАБЛИЦА=НОМЕР,НОМЕР,... или Select, а не «%0»")
                              .arg(QString::fromStdString(argument)));
     };
     if (equals == std::string::npos || equals == 0)
         fail();
-    SelectionSource selection{QString::fromStdString(argument.substr(0, equals)), {}};
+    SelectionSource selection{QString::fromStdString(argument.substr(0, equals)), {}, {}};
     const char* const end = argument.data() + argument.size();
     for (const char* position = argument.data() + equals + 1;; ++position) {
         qint64 id = 0;
@@ -182,7 +190,9 @@ std::optional<Options> parseOptions(int argc, const char* const* argv) {
     app.add_flag("--translate", raw.translate,
                  text(Shell::tr("показать текст для SQLite, а не выполнять его")));
     app.add_flag("--sqlite", raw.sqlite, text(Shell::tr("запросы уже написаны для SQLite")));
-    const auto* selection = value("--select", raw.selection, Shell::tr("текущая выборка"), "TABLE=ID,ID,...");
+    const auto* selection = value("--select", raw.selection,
+                                  Shell::tr("текущая выборка: строки таблицы или то, что находит запрос"),
+                                  "TABLE=ID,ID,...|SELECT");
     value("--locale", raw.locale, Shell::tr("язык сообщений и порядок сравнения текстов"), "NAME");
     value("--memo", raw.memo, Shell::tr("запоминать ли разобранные геометрии"), "off|always|request");
     value("--log", raw.log, Shell::tr("с какого уровня показывать журнал"), "trace|debug|info|warning");

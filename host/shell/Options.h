@@ -27,10 +27,11 @@ struct StatementSource {
     std::string value; ///< the UTF-8 text, or the path
 };
 
-/// The features that the selection shall hold.
+/// The features that the selection shall hold: rows of a table, or what a query finds.
 struct SelectionSource {
     QString table;
     std::vector<qint64> ids;
+    std::string query; ///< UTF-8, empty when rows are given
 };
 
 /// What the command line asks for.

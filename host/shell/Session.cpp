@@ -1,11 +1,13 @@
 #include "host/shell/Session.h"
 
 #include "host/adaptor/Adaptor.h"
+#include "host/adaptor/QuerySelection.h"
 #include "host/providers/FileSource.h"
 #include "host/providers/FilesExtension.h"
 #include "host/providers/ResultFile.h"
 #include "host/shell/NearestName.h"
 #include "host/shell/Shell.h"
+#include "host/shell/SqliteErrors.h"
 #include "platform/di/ServiceLocator.h"
 
 #include <orvane/Engine.h>
@@ -96,6 +98,8 @@ void Session::openTable(const TableSource& source) {
 }
 
 void Session::select(const SelectionSource& source) {
+    if (!source.query.empty())
+        return select(source.query);
     const auto object = catalog_.dataObject(source.table);
     if (!object) {
         QStringList known;
@@ -111,6 +115,18 @@ void Session::select(const SelectionSource& source) {
     for (const qint64 id : source.ids)
         ids.emplace_back(QVariant(id));
     catalog_.setSelection({object, std::move(ids)});
+}
+
+void Session::select(const std::string& query) {
+    try {
+        catalog_.setSelection(adaptor::selectionOf(query, *engine_, catalog_));
+    } catch (const adaptor::SelectionError& error) {
+        const sql::TokenizedText text = sql::tokenize(query);
+        const Names known = names();
+        const SqliteErrors errors(text, std::string(), -1, known);
+        const Problem problem = errors.explain(QString::fromUtf8(error.what()));
+        throw UsageError(QStringLiteral("--select: %0").arg(problem.message));
+    }
 }
 
 void Session::addResult(const QString& name, files::ResultRows& rows) {

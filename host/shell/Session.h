@@ -36,6 +36,8 @@ public:
     /// Opens one layer under a name. Throws UsageError.
     void openTable(const TableSource& source);
     void select(const SelectionSource& source);
+    /// Selects what a query finds. Throws UsageError.
+    void select(const std::string& query);
     /// Makes a result an open table. Throws std::runtime_error: name taken, no room.
     void addResult(const QString& name, files::ResultRows& rows);
     /// False when there is no such table.

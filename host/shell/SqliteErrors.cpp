@@ -20,6 +20,7 @@ namespace {
 struct PlainMessage {
     const char* pattern;
     const char* text;
+    sql::Keyword keyword = sql::Keyword::None; ///< stands where the fault is, unless something else tells
 };
 
 constexpr PlainMessage plainMessages[] = {
@@ -35,9 +36,11 @@ constexpr PlainMessage plainMessages[] = {
      QT_TRANSLATE_NOOP("orvane::shell::Shell",
                        "Filter недопустим с функцией %1: она не считает по многим строкам")},
     {"^DISTINCT aggregates must have exactly one argument$",
-     QT_TRANSLATE_NOOP("orvane::shell::Shell", "с Distinct функция принимает ровно один аргумент")},
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "с Distinct функция принимает ровно один аргумент"),
+     sql::Keyword::Distinct},
     {"^DISTINCT is not supported for window functions$",
-     QT_TRANSLATE_NOOP("orvane::shell::Shell", "Distinct недопустим в оконной функции")},
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "Distinct недопустим в оконной функции"),
+     sql::Keyword::Distinct},
     {"^SELECTs to the left and right of (.*) do not have the same number of result columns$",
      QT_TRANSLATE_NOOP("orvane::shell::Shell", "запросы по обе стороны %1 дают разное число столбцов")},
     {"^sub-select returns (.*) columns - expected (?:\\d+)$",
@@ -47,18 +50,76 @@ constexpr PlainMessage plainMessages[] = {
      QT_TRANSLATE_NOOP("orvane::shell::Shell", "составное значение здесь недопустимо")},
     {"^(\\S+) (?:ORDER|GROUP) BY term out of range",
      QT_TRANSLATE_NOOP("orvane::shell::Shell",
-                       "столбца с таким номером в запросе нет (%1 выражение сортировки или группы)")},
+                       "столбца с таким номером в запросе нет (%1 выражение сортировки или группы)"),
+     sql::Keyword::Order},
     {"^(\\S+) ORDER BY term does not match any column in the result set$",
      QT_TRANSLATE_NOOP("orvane::shell::Shell", "%1 выражение сортировки должно быть столбцом результата")},
     {"^cannot join using column (.*) - column not present in both tables$",
      QT_TRANSLATE_NOOP("orvane::shell::Shell", "столбец «%1» из Using есть не в обеих таблицах")},
     {"^HAVING clause on a non-aggregate query$",
-     QT_TRANSLATE_NOOP("orvane::shell::Shell", "Having без Group By и без функций по многим строкам")},
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "Having без Group By и без функций по многим строкам"),
+     sql::Keyword::Having},
     {"^table (.*) may not be modified$",
      QT_TRANSLATE_NOOP("orvane::shell::Shell", "таблица «%1» только для чтения")},
     {"^table (.*) already exists$", QT_TRANSLATE_NOOP("orvane::shell::Shell", "таблица «%1» уже есть")},
+    {"^table (.*) has (?:\\d+) values for (?:\\d+) columns$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "у запроса «%1» другое число столбцов")},
+    {"^table (.*) has (?:\\d+) columns but (?:\\d+) values were supplied$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "число значений не равно числу столбцов таблицы «%1»"),
+     sql::Keyword::Values},
+    {"^(?:\\d+) columns assigned (?:\\d+) values$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "слева и справа от знака равенства разное число значений"),
+     sql::Keyword::Set},
+    {"^all VALUES must have the same number of terms$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "в строках после Values разное число значений"),
+     sql::Keyword::Values},
+    {"^IN\\(\\.\\.\\.\\) element has",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "в списке In элементы с разным числом значений"),
+     sql::Keyword::In},
+    {"^duplicate WITH table name: (.*)$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "запрос «%1» назван дважды"), sql::Keyword::With},
+    {"^aggregate functions are not allowed in the GROUP BY clause$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "в Group By недопустимы функции по многим строкам"),
+     sql::Keyword::Group},
+    {"^multiple (?:references to recursive table|recursive references): (.*)$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "запрос «%1» ссылается на себя больше одного раза")},
+    {"^recursive aggregate queries not supported$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "рекурсивный запрос не может считать по многим строкам"),
+     sql::Keyword::Recursive},
+    {"^cannot use window functions in recursive queries$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "в рекурсивном запросе недопустимы оконные функции"),
+     sql::Keyword::Recursive},
+    {"^RANGE with offset PRECEDING/FOLLOWING requires one ORDER BY expression$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "Range со сдвигом требует одного выражения после Order By")},
+    {"^unsupported frame specification$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "такие границы окна недопустимы")},
+    {"^frame (?:starting|ending) offset must be a non-negative",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "сдвиг границы окна должен быть неотрицательным числом")},
+    {"^argument of (ntile) must be a positive integer$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "аргумент функции %1 должен быть положительным целым числом")},
+    {"^second argument to (nth_value) must be a positive integer$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell",
+                       "второй аргумент функции %1 должен быть положительным целым числом")},
+    {"^datatype mismatch$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "после Limit и Offset нужны целые числа"),
+     sql::Keyword::Limit},
+    {"^too many arguments on function (.*)$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "у функции %1 слишком много аргументов")},
+    {"^too many (?:columns|terms) in (.*)$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "слишком длинный список: %1")},
+    {"^too many FROM clause terms",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "слишком много таблиц после From"), sql::Keyword::From},
+    {"^variable number must be between",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "номер параметра слишком велик")},
+    {"^ESCAPE expression must be a single character$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "после Escape нужен один символ"), sql::Keyword::Escape},
+    {"^LIKE or GLOB pattern too complex$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "образец слишком длинный")},
+    {"^database or disk is full$", QT_TRANSLATE_NOOP("orvane::shell::Shell", "на диске нет места")},
+    {"^disk I/O error$", QT_TRANSLATE_NOOP("orvane::shell::Shell", "ошибка чтения или записи на диске")},
     {"^(.*) values for (?:\\d+) columns$",
-     QT_TRANSLATE_NOOP("orvane::shell::Shell", "число значений (%1) не равно числу столбцов")},
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "число значений (%1) не равно числу столбцов"),
+     sql::Keyword::Values},
     {"^no tables specified$",
      QT_TRANSLATE_NOOP("orvane::shell::Shell", "звёздочка требует таблицы после From")},
     {"^Expression tree is too large", QT_TRANSLATE_NOOP("orvane::shell::Shell", "выражение слишком велико")},
@@ -130,19 +191,53 @@ Problem SqliteErrors::explain(const QString& message) const {
             continue;
         const QString name = match.captured(1);
         const QString text = Shell::tr(plain.text);
-        const auto place = name.isEmpty() ? std::nullopt : placeOf(name, Role::Function);
+        auto place = name.isEmpty() ? std::nullopt : placeOf(name, Role::Function);
+        if (!place && !name.isEmpty())
+            place = placeOf(name, Role::Table);
+        if (!place)
+            place = placeOfOffset();
+        if (!place)
+            place = placeOfKeyword(plain.keyword);
         return {text.contains(QLatin1String("%1")) ? text.arg(engine::dialectFunctionName(name)) : text,
-                place || name.isEmpty() ? place : placeOf(name, Role::Table)};
+                place};
     }
-    return {message, std::nullopt};
+    if (message == QLatin1String("parser stack overflow"))
+        return tooDeep();
+    return {message, placeOfOffset()};
+}
+
+/// SQLite's parser holds about 22 calls within one another.
+Problem SqliteErrors::tooDeep() const {
+    using Kind = sql::TokenKind;
+    int depth = 0;
+    int deepest = 0;
+    std::size_t place = 0;
+    for (std::size_t i = 0; i < sqliteText_.tokens.size(); ++i) {
+        const Kind kind = sqliteText_.tokens[i].kind;
+        if (kind == Kind::LeftParenthesis) {
+            ++depth;
+        } else if (kind == Kind::RightParenthesis) {
+            --depth;
+        } else if (depth > deepest) {
+            deepest = depth;
+            place = i;
+        }
+    }
+    return {
+        Shell::tr("слишком глубоко вложено: SQLite допускает около 20 вызовов функций или операторов "
+                  "+ / \\ ^ друг в друге; вычислите внутреннюю часть во вложенном запросе (With или From)"),
+        placeOfTranslated(place)};
 }
 
 Problem SqliteErrors::missingTable(const QString& name) const {
     const QStringList tables = names_.tables();
+    if (tables.contains(name, Qt::CaseInsensitive)) // "name.*"
+        return {Shell::tr("таблицы «%0» нет после From").arg(name), placeOfQualifier(name)};
     if (tables.isEmpty())
         return {Shell::tr("нет таблицы «%0»: ни один файл не открыт").arg(name), placeOf(name, Role::Table)};
+    const auto place = placeOf(name, Role::Table);
     return {withSuggestion(Shell::tr("нет таблицы «%0»").arg(name), nearestName(name, tables)),
-            placeOf(name, Role::Table)};
+            place ? place : placeOfQualifier(name)};
 }
 
 Problem SqliteErrors::missingColumn(const QString& name) const {
@@ -239,6 +334,59 @@ TextPlace SqliteErrors::placeOfTokens(std::size_t first, std::size_t last) const
     const sql::Token& end = statement_.tokens[last];
     const sql::TextPosition position = statement_.position(begin.offset);
     return {position.line, position.column, static_cast<int>(end.offset + end.length - begin.offset)};
+}
+
+std::optional<TextPlace> SqliteErrors::placeOfQualifier(const QString& name) const {
+    const auto& tokens = statement_.tokens;
+    for (std::size_t i = 0; i + 1 < tokens.size(); ++i) {
+        if (isName(tokens[i]) && tokens[i + 1].kind == sql::TokenKind::Dot &&
+            means(sql::fromSqlString(statement_.value(tokens[i])), name))
+            return placeOfTokens(i, i);
+    }
+    return std::nullopt;
+}
+
+std::optional<TextPlace> SqliteErrors::placeOfKeyword(sql::Keyword keyword) const {
+    const auto& tokens = statement_.tokens;
+    for (std::size_t i = 0; keyword != sql::Keyword::None && i < tokens.size(); ++i) {
+        if (tokens[i].keyword == keyword)
+            return placeOfTokens(i, i);
+    }
+    return std::nullopt;
+}
+
+std::optional<TextPlace> SqliteErrors::placeOfOffset() const {
+    for (std::size_t i = 0; errorOffset_ != std::string::npos && i < sqliteText_.tokens.size(); ++i) {
+        const sql::Token& token = sqliteText_.tokens[i];
+        if (errorOffset_ >= token.offset && errorOffset_ < token.offset + token.length)
+            return placeOfTranslated(i);
+    }
+    return std::nullopt;
+}
+
+std::optional<TextPlace> SqliteErrors::placeOfTranslated(std::size_t token) const {
+    const auto& [kind, keyword, offset, length] = sqliteText_.tokens[token];
+    const bool isValue = kind == sql::TokenKind::Word || kind == sql::TokenKind::QuotedName ||
+                         kind == sql::TokenKind::Text || kind == sql::TokenKind::Number;
+    if (!isValue)
+        return std::nullopt;
+    const QString value = sql::fromSqlString(sqliteText_.value(sqliteText_.tokens[token]));
+    const auto positions = [&value](const sql::TokenizedText& text) {
+        std::vector<std::size_t> found;
+        for (std::size_t i = 0; i < text.tokens.size(); ++i) {
+            const QString other = sql::fromSqlString(text.value(text.tokens[i]));
+            if (other.compare(value, Qt::CaseInsensitive) == 0)
+                found.push_back(i);
+        }
+        return found;
+    };
+    const auto translated = positions(sqliteText_);
+    const auto written = positions(statement_);
+    const auto ordinal =
+        static_cast<std::size_t>(std::find(translated.begin(), translated.end(), token) - translated.begin());
+    if (written.size() != translated.size() || ordinal >= written.size())
+        return std::nullopt;
+    return placeOfTokens(written[ordinal], written[ordinal]);
 }
 
 bool SqliteErrors::isQuoted(const TextPlace& place) const {

@@ -32,10 +32,19 @@ private:
     Problem missingFunction(const QString& name) const;
     Problem wrongArguments(const QString& name) const;
     Problem ambiguousColumn(const QString& name) const;
+    Problem tooDeep() const;
 
     /// Where the user wrote a name, given as SQLite knows it ("a.b" for a column of a table).
     std::optional<TextPlace> placeOf(const QString& name, Role role) const;
     std::optional<TextPlace> placeOfPath(const QStringList& path, Role role) const;
+    /// Where the user wrote a name before a dot.
+    std::optional<TextPlace> placeOfQualifier(const QString& name) const;
+    /// The first such keyword of the user's.
+    std::optional<TextPlace> placeOfKeyword(sql::Keyword keyword) const;
+    /// The word of the user's that SQLite points at.
+    std::optional<TextPlace> placeOfOffset() const;
+    /// The word of the user's that a word of the SQLite text stands for, where their order tells.
+    std::optional<TextPlace> placeOfTranslated(std::size_t token) const;
     bool isQuoted(const TextPlace& place) const;
     TextPlace placeOfTokens(std::size_t first, std::size_t last) const;
     /// The tokens at which a name begins.

@@ -9,6 +9,7 @@
 #include <QString>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <set>
 #include <string>
@@ -61,6 +62,12 @@ public:
     /// What the selection pseudo-table stands for. Row numbers come from the cache; without a cache, or with
     /// an empty selection, a statement that names the pseudo-table gets a SelectionTableIsAbsent error.
     void setSelection(const dp::Selection& selection, EngineCache* cache);
+    /// Tells the columns of a table that a Natural Join may match: neither geometry nor style. Empty for an
+    /// unknown table.
+    using TableColumns = std::function<std::vector<std::wstring>(const std::wstring& table)>;
+    /// With it a Natural Join of tables becomes one of the columns that both have; without it SQLite would
+    /// match their geometries too.
+    void setTableColumns(TableColumns columns) { tableColumns_ = std::move(columns); }
     void setQuery(std::wstring query) { query_ = std::move(query); }
 
     /// The finished text, as its maker has stored it.
@@ -99,6 +106,7 @@ public:
     void visit(const sql::ast::DeleteStatement& node) override;
     void visit(const sql::ast::ExplicitTable& node) override;
     void visit(const sql::ast::Function& node) override;
+    void visit(const sql::ast::JoinNode& node) override;
     void visit(const sql::ast::Operation& node) override;
     void visit(const sql::ast::QuerySpecification& node) override;
     void visit(const sql::ast::TablePrimary& node) override;
@@ -117,6 +125,7 @@ private:
     void visitImpl(const sql::ast::ColumnReference& node);
     void visitSelectionTable(const sql::ast::TablePrimary& node);
     void recordTable(const sql::ast::TablePrimary& node);
+    std::vector<std::wstring> columnsOf(const sql::ast::NodePtr& source) const;
     std::shared_ptr<sql::ast::QuerySpecification> adapted(const sql::ast::QuerySpecification& node);
     sql::ast::NodePtr withColumnName(const sql::ast::NodePtr& column, bool outermost) const;
 
@@ -138,6 +147,7 @@ private:
     bool needColumns_ = false;
     bool isAggregate_ = false;
     bool isIdUsed_ = false;
+    TableColumns tableColumns_;
     std::wstring intoTable_;
     std::wstring intoFile_;
 };

@@ -101,6 +101,9 @@ INSTANTIATE_TEST_SUITE_P(
         AnswerCase{"columns under the user's words behind With", "csv",
                    "With n(i) As (Select 1 Union Select 2) Select i ^ 2, Max(i) From n Group By i",
                    "i ^ 2,Max(i)\n1,1\n4,2\n"},
+        AnswerCase{"a natural join matches neither geometry nor hidden columns", "csv",
+                   "Select Count(*) As n From cities Natural Join countries Where population > 10000000",
+                   "n\n2655\n"},
         AnswerCase{"a statement without rows", "table",
                    "Select name, population From cities Where population < 0",
                    "name | population\n-----+-----------\n"}));
