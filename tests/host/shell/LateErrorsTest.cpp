@@ -32,6 +32,11 @@ bool hasCyrillic(const std::string& text) {
 }
 
 TEST(LateErrors, AreToldInWordsAndPlacesOfTheUser) {
+    constexpr int levels = 40;
+    std::string deep = "Select ";
+    for (int i = 0; i < levels; ++i)
+        deep += "Abs(";
+    deep += "population" + std::string(levels, ')') + " From cities";
     const LateError errors[] = {
         {"Select nam From cities", 8, "there is no column \"nam\"; did you mean \"name\"?"},
         {"Select Max(population) Filter (Where nam = 1) From cities", 38, "there is no column \"nam\""},
@@ -61,10 +66,7 @@ TEST(LateErrors, AreToldInWordsAndPlacesOfTheUser) {
         {"With a As (Select * From a) Select * From a", 6, "refers to itself"},
         {"Select name From cities Union Select name, population From cities", 25, "numbers of columns"},
         {"Select 1 + (Select name, population From cities)", 0, "the subquery gives 2 columns"},
-        {"Select "
-         "Abs(Abs(Abs(Abs(Abs(Abs(Abs(Abs(Abs(Abs(Abs(Abs(Abs(Abs(Abs(Abs(Abs(Abs(Abs(Abs(Abs(Abs(Abs(Abs("
-         "Abs(Abs(population)))))))))))))))))))))))))) From cities",
-         112, "nested too deeply"},
+        {deep.c_str(), 8 + 4 * levels, "nested too deeply"},
         {"Select population+2+1+1+1+1+1+1+1+1+1+1+1+1+1+1+1+1+1+1+1+1+1+1+1+1+1+1+1 From cities", 8,
          "nested too deeply"},
     };
