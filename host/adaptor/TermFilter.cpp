@@ -87,7 +87,7 @@ TermFilter::InList TermFilter::arrange(const ScanTerm& term) {
 /// Writes a key that texts share when they are equal; false for a text whose equals only a comparison finds.
 bool TermFilter::makeKey(TextCollation collation, std::string_view text) {
     if (collation == TextCollation::Locale) {
-        return locale_->plainKey(text, key_);
+        return locale().plainKey(text, key_);
     }
     key_.assign(text);
     if (collation == TextCollation::NoCase) {
@@ -173,11 +173,18 @@ bool TermFilter::inTextList(const ScanTerm& term, std::string_view text, const I
            std::any_of(list.otherTexts.begin(), list.otherTexts.end(), equalsText);
 }
 
+const engine::LocaleOrder& TermFilter::locale() {
+    if (!locale_) {
+        locale_ = engine::LocaleOrder::current();
+    }
+    return *locale_;
+}
+
 int TermFilter::compareTexts(TextCollation collation, std::string_view a, std::string_view b) {
     switch (collation) {
     case TextCollation::Binary: return a.compare(b);
     case TextCollation::NoCase: return compareFolded(a, b);
-    case TextCollation::Locale: return locale_->compare(a, b);
+    case TextCollation::Locale: return locale().compare(a, b);
     }
     return 0;
 }
@@ -186,7 +193,7 @@ bool TermFilter::equalTexts(TextCollation collation, std::string_view a, std::st
     switch (collation) {
     case TextCollation::Binary: return a == b;
     case TextCollation::NoCase: return a.size() == b.size() && compareFolded(a, b) == 0;
-    case TextCollation::Locale: return locale_->equal(a, b);
+    case TextCollation::Locale: return locale().equal(a, b);
     }
     return false;
 }

@@ -47,13 +47,14 @@ private:
     bool accepts(const dp::ScanTerm& term, const dp::Cell& cell, const InList* list);
     bool inList(const dp::ScanTerm& term, const dp::Cell& cell, const InList& list);
     bool inTextList(const dp::ScanTerm& term, std::string_view text, const InList& list);
+    const engine::LocaleOrder& locale();
     int compareTexts(dp::TextCollation collation, std::string_view a, std::string_view b);
     bool equalTexts(dp::TextCollation collation, std::string_view a, std::string_view b);
 
     std::span<const dp::ScanTerm> terms_;
     std::vector<std::unique_ptr<InList>> lists_; ///< parallel to the terms; null where the term is no In list
-    std::shared_ptr<const engine::LocaleOrder> locale_ = engine::LocaleOrder::current();
-    std::string key_; ///< of the last text, reused
+    std::shared_ptr<const engine::LocaleOrder> locale_; ///< null until texts are compared under Locale
+    std::string key_;                                   ///< of the last text, reused
     bool matchesNothing_ = false;
 };
 
