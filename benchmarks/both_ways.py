@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
 """Runs queries with automatic attribute indices and without (--no-indices), in turns, and prints the ratio of the
 times: what the indices cost where they do not help, and what they save where they do. Making an index counts.
-Processor time of whole processes, the least of several, so that a busy machine disturbs little.
+Processor time of processes without their start, the least of several, so that a busy machine disturbs little.
 
 Use: benchmarks/both_ways.py [options] [-- arguments of orvane that open tables]
 Without arguments the queries of examples/queries and docs/dialect.md run over examples/data, and the queries below
 over a table that is made for it. With arguments the statements of --statements run over the tables they open.
-The exit code is 1 when a query is slower by more than --bound."""
+The exit code is 1 when a query is slower by more than --bound and --slack."""
 import argparse, os, random, re, subprocess, sys, tempfile
 from pathlib import Path
 
@@ -75,29 +75,22 @@ def run(options, tables, query, repetitions, *more):
         return (usage.ru_utime + usage.ru_stime) * 1000, answer.read()
 
 
-def repetitions_of(options, tables, query):
-    """Enough for the query to outweigh the start of the process."""
-    few, _ = run(options, tables, query, 1, "--no-indices")
-    more, _ = run(options, tables, query, 6, "--no-indices")
-    return max(options.least, min(options.most, int(options.enough / max((more - few) / 5, 0.01))))
-
-
 def compare(options, tables, queries):
     good = True
+    start, _ = min(run(options, tables, "Select 1", 1) for _ in range(5))
     for name, query in queries.items():
-        repetitions = repetitions_of(options, tables, query)
         times = {"with": [], "without": []}
         for _ in range(options.turns):
-            with_ms, answer = run(options, tables, query, repetitions)
-            without_ms, scanned = run(options, tables, query, repetitions, "--no-indices")
+            with_ms, answer = run(options, tables, query, options.repetitions)
+            without_ms, scanned = run(options, tables, query, options.repetitions, "--no-indices")
             if sorted(answer.splitlines()) != sorted(scanned.splitlines()):
                 sys.exit(f"{query}\nThe answers differ.")
-            times["with"].append(with_ms)
-            times["without"].append(without_ms)
-        with_ms, without_ms = min(times["with"]), min(times["without"])
-        slower = with_ms > without_ms * options.bound
+            times["with"].append(with_ms - start)
+            times["without"].append(without_ms - start)
+        with_ms, without_ms = (max(min(times[way]), 1) for way in ("with", "without"))
+        slower = with_ms > without_ms * options.bound and with_ms > without_ms + options.slack
         good = good and not slower
-        print(f"{name:44.44} {repetitions:6} {with_ms:10.0f} {without_ms:10.0f} {with_ms / without_ms:7.2f}"
+        print(f"{name:44.44} {with_ms:10.0f} {without_ms:10.0f} {with_ms / without_ms:7.2f}"
               f"{'  slower' if slower else ''}", flush=True)
     return good
 
@@ -106,15 +99,14 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--orvane", default=str(ROOT / "build" / "release" / "bin" / "orvane"))
     parser.add_argument("--rows", type=int, default=100_000, help="of the table that is made")
-    parser.add_argument("--least", type=int, default=3, help="repetitions of a query in one process")
-    parser.add_argument("--most", type=int, default=300, help="repetitions of a query in one process")
-    parser.add_argument("--enough", type=float, default=200, help="milliseconds that all repetitions shall take")
+    parser.add_argument("--repetitions", type=int, default=5, help="of a query in one process")
     parser.add_argument("--turns", type=int, default=3, help="processes for each way")
     parser.add_argument("--bound", type=float, default=1.1)
+    parser.add_argument("--slack", type=float, default=10, help="milliseconds that are not counted as slower")
     parser.add_argument("--statements", type=Path, help="a script to run instead, over the tables that follow --")
     parser.add_argument("tables", nargs="*")
     options = parser.parse_args()
-    print(f"{'query':44} {'times':>6} {'with ms':>10} {'without ms':>10} {'ratio':>7}")
+    print(f"{'query, ' + str(options.repetitions) + ' times':44} {'with ms':>10} {'without ms':>10} {'ratio':>7}")
     if options.statements:
         queries = {query.replace("\n", " "): query for query in statements_of(options.statements.read_text())}
         return compare(options, options.tables, queries)

@@ -20,15 +20,18 @@ using Kind = TableDeclaration::Kind;
 
 /// Below this a scan is as fast as a look-up.
 constexpr std::int64_t fewestRows = 1000;
-/// Costs in nanoseconds, measured: of a scan per row, by the kind of column, and of making an index.
+/// Costs in nanoseconds, measured: of a scan, by the kind of column, and of making an index.
+constexpr double openingCost = 2000;
 constexpr double numberScanCost = 2;
 constexpr double textScanCost = 35;
 constexpr double sortCostPerRow = 100; ///< for the first rows in order only
-constexpr double buildCostPerRow = 700;
+constexpr double numberBuildCost = 700;
+constexpr double textBuildCost = 2000;
 constexpr double buildCostOfStorage = 1e6;
-/// A look-up that finds more than this part of the table gives way to a scan, and is not tried again after
-/// some times.
-constexpr std::size_t scanShare = 16;
+/// Of finding one row, which a look-up does for each of them and a scan does not.
+constexpr double foundCost = 500;
+/// A look-up that finds so many rows that a scan is faster gives way to it, and is not tried again when that
+/// has happened so much more often than not.
 constexpr int mostFailures = 3;
 constexpr std::size_t mostAttributes = 3;
 constexpr std::size_t mostLookups = 10'000; ///< combinations of In lists
@@ -63,11 +66,18 @@ const TableDeclaration::Column& AttributeIndexing::column(int attribute) const {
 }
 
 double AttributeIndexing::scanCost(const Attributes& attributes, double rows) const {
+    const bool isByNumber = std::any_of(attributes.begin(), attributes.end(), [this](int attribute) {
+        return column(attribute).kind == Kind::Number; // checked first: few rows come to the texts
+    });
+    return openingCost + rows * (isByNumber ? numberScanCost : textScanCost);
+}
+
+double AttributeIndexing::buildCost(const Attributes& attributes, double rows) const {
     double perRow = 0;
     for (const int attribute : attributes) {
-        perRow += column(attribute).kind == Kind::Number ? numberScanCost : textScanCost;
+        perRow += column(attribute).kind == Kind::Number ? numberBuildCost : textBuildCost;
     }
-    return perRow * rows;
+    return buildCostOfStorage + rows * perRow;
 }
 
 bool AttributeIndexing::serves(const TableDeclaration::Column& column, dp::TextCollation collation,
@@ -166,13 +176,14 @@ std::optional<std::vector<dp::FeatureId>> AttributeIndexing::find(dp::Table& tab
     Lookup& search = lookup(demand, chosen, store);
     use_.outcome = Outcome::FindsMuch;
     std::vector<qint64> found;
-    if (!search.rows || search.tooMany >= mostFailures) {
+    if (!search.rows || search.failures >= mostFailures) {
         return std::nullopt;
     }
-    if (!collect(*search.rows, chosen, static_cast<std::size_t>(*rows) / scanShare, found)) {
-        ++search.tooMany;
+    if (!collect(*search.rows, chosen, static_cast<std::size_t>(savedCost / foundCost), found)) {
+        ++search.failures;
         return std::nullopt;
     }
+    --search.failures;
     use_.outcome = Outcome::Used;
     std::vector<dp::FeatureId> ids;
     ids.reserve(found.size());
@@ -189,8 +200,7 @@ bool AttributeIndexing::ensure(Demand& demand, const Attributes& attributes, dou
     }
     demand.scanCost += savedCost;
     use_.scanCost = demand.scanCost;
-    use_.makingCost =
-        buildCostOfStorage + static_cast<double>(table.featureCount().value_or(0)) * buildCostPerRow;
+    use_.makingCost = buildCost(attributes, static_cast<double>(table.featureCount().value_or(0)));
     if (use_.scanCost < use_.makingCost) {
         use_.outcome = IndexUse::Outcome::ScansCheaper;
         return false;

@@ -66,7 +66,7 @@ private:
 
     struct Lookup {
         std::unique_ptr<engine::EngineIndices::RowLookup> rows;
-        int tooMany = 0; ///< how often it found too many rows
+        int failures = 0; ///< how much more often it found too many rows than not
     };
     /// One set of attributes that an index would serve, or serves.
     struct Demand {
@@ -79,6 +79,7 @@ private:
     bool isServed(const dp::ScanTerm& term) const;
     std::vector<const dp::ScanTerm*> chooseTerms(std::span<const dp::ScanTerm> terms) const;
     double scanCost(const Attributes& attributes, double rows) const;
+    double buildCost(const Attributes& attributes, double rows) const;
     /// Adds a cost that the index would have saved, and makes it when that pays; whether there is one.
     bool ensure(Demand& demand, const Attributes& attributes, double savedCost, dp::Table& table,
                 engine::EngineIndices& store, const dp::Cancellation& cancellation);

@@ -119,8 +119,13 @@ public:
             const unsigned char operation = constraint(i).op;
             conditions_ +=
                 operation != SQLITE_INDEX_CONSTRAINT_LIMIT && operation != SQLITE_INDEX_CONSTRAINT_OFFSET;
-            if (constraint(i).usable) {
-                take(i);
+        }
+        // Terms are checked in this order: texts, which are slow to compare, only where the numbers agree.
+        for (const bool numbers : {true, false}) {
+            for (int i = 0; i < info_.nConstraint; ++i) {
+                if (constraint(i).usable && isOnNumber(i) == numbers) {
+                    take(i);
+                }
             }
         }
         takeRowNumber();
@@ -138,6 +143,11 @@ private:
     void hand(int i, bool omit) {
         info_.aConstraintUsage[i].argvIndex = ++arguments_;
         info_.aConstraintUsage[i].omit = omit;
+    }
+
+    bool isOnNumber(int i) const {
+        const int column = constraint(i).iColumn;
+        return column >= 0 && declaration_.columns()[static_cast<std::size_t>(column)].kind == Kind::Number;
     }
 
     void take(int i) {
