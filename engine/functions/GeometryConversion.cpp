@@ -37,6 +37,17 @@ CoordSystemPtr coordSystemArgument(sqlite3_context* context, sqlite3_value** val
     return coordSystem;
 }
 
+/// What transformBlob did last on this thread: where a statement uses a column of a derived table in several
+/// places, SQLite asks for the same value there, one after another.
+struct LastTransformation {
+    static constexpr std::size_t longestInput = std::size_t(1) << 20;
+
+    CoordSystemPtr source;
+    CoordSystemPtr target;
+    std::string input;
+    std::string output; ///< empty where a position has no image
+};
+
 /// Reprojects the coordinates of a SpatiaLite blob where they stand, without a geometry object. False when
 /// this way does not apply.
 bool transformBlob(sqlite3_context* context, int count, sqlite3_value** values) {
@@ -55,23 +66,28 @@ bool transformBlob(sqlite3_context* context, int count, sqlite3_value** values) 
     if (!source && count > 2) {
         source = coordSystemArgument(context, values, 2);
     }
-    if (!source || source->equals(*target)) {
+    if (!source) {
         return false;
     }
-    const auto transformer = cs::Transformer::between(*source, *target);
-    if (!transformer) {
-        return false;
+    thread_local LastTransformation last;
+    if (last.input != blob || last.target != target || last.source != source) {
+        last.input.clear();
+        last.output.clear();
+        const auto transformer =
+            source->equals(*target) ? nullptr : cs::Transformer::between(*source, *target);
+        if (!transformer || appendTransformedBlob(*header, *transformer, target->epsg(), last.output) ==
+                                BlobTransformation::NotLinear) {
+            return false;
+        }
+        last.source = source;
+        last.target = target;
+        last.input = blob.size() <= LastTransformation::longestInput ? blob : std::string_view();
     }
-    thread_local std::string buffer;
-    buffer.clear();
-    switch (appendTransformedBlob(*header, *transformer, target->epsg(), buffer)) {
-    case BlobTransformation::Done:
-        sqlite3_result_blob(context, buffer.data(), static_cast<int>(buffer.size()), SQLITE_TRANSIENT);
-        return true;
-    case BlobTransformation::NoImage: return true; // NULL
-    case BlobTransformation::NotLinear: break;
+    if (!last.output.empty()) {
+        sqlite3_result_blob(context, last.output.data(), static_cast<int>(last.output.size()),
+                            SQLITE_TRANSIENT);
     }
-    return false;
+    return true;
 }
 
 GeometryPtr transformedGeometry(sqlite3_context* context, int count, sqlite3_value** values) {

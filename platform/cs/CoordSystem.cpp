@@ -71,11 +71,17 @@ const ProjCoordSystem::Facts& ProjCoordSystem::facts() const {
 }
 
 bool ProjCoordSystem::equals(const CoordSystem& other) const {
-    if (this == &other || (epsg_ != 0 && epsg_ == other.epsg()) || taggedString_ == other.taggedString()) {
+    if (this == &other) {
+        return true;
+    }
+    if (const int code = other.epsg(); epsg_ != 0 && code != 0) {
+        return epsg_ == code;
+    }
+    if (taggedString_ == other.taggedString()) {
         return true;
     }
     const auto* system = dynamic_cast<const ProjCoordSystem*>(&other);
-    if (!system || (epsg_ != 0 && other.epsg() != 0)) {
+    if (!system) {
         return false;
     }
     const auto context = projContext();

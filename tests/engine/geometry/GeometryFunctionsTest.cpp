@@ -252,6 +252,16 @@ TEST(GeometryFunctions, Conversions) {
                {"AsText(TransformToSLGeo(MakePoint(1,2,3857), 'epsg:3857', 'epsg:4326'))", "POINT(1 2)"},
                {"AsText(FromOrvGeo(TransformToOrvGeo(MakePointZ(30,60,5,4326), 'epsg:3857')))",
                 "POINT Z(3339584.723798 8399737.889818 5)"},
+               // One value again and again, to two systems, from two, and beside one without image.
+               {"AsText(TransformToSLGeo(MakePoint(30,60), 'epsg:3857', 'epsg:4326')) || "
+                "Srid(TransformToSLGeo(MakePoint(30,60), 'epsg:32636', 'epsg:4326')) || "
+                "(TransformToSLGeo(MakePoint(30,60), 'epsg:32636', 'epsg:4326') = "
+                "TransformToSLGeo(MakePoint(30,60), 'epsg:32636', 'epsg:4284'))",
+                "POINT(3339584.723798 8399737.889818)326360"},
+               {"group_concat(Coalesce(AsText(TransformToSLGeo(MakePoint(0,y,4326), 'epsg:3857')), '-')) "
+                "From (Select 0 y Union All Select 0 Union All Select 1e30 Union All Select 1e30 Union All "
+                "Select 0)",
+                "POINT(0 0),POINT(0 0),-,-,POINT(0 0)"},
                {"TransformToSLGeo(MakePoint(30,60), 'epsg:3857')", "NULL"}, // from where?
                {"TransformToSLGeo(MakePoint(30,60,4326), 'nonsense')", "NULL"},
                {"TransformToSLGeo(MakePoint(30,60,4326), NULL)", "NULL"},
