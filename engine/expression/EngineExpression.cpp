@@ -1,6 +1,10 @@
 #include <orvane/engine/EngineExpression.h>
 
+#include "engine/expression/FeatureRow.h"
+
+#include "platform/core/SqliteException.h"
 #include "platform/decimal/QDecNumber.h"
+#include "platform/dp/SqliteStatement.h"
 #include "platform/log/Logger.h"
 #include "platform/sql/SqlStrings.h"
 #include <orvane/engine/ColumnNames.h>
@@ -8,6 +12,7 @@
 #include <orvane/engine/functions/Converters.h>
 
 #include <QCoreApplication>
+#include <QScopeGuard>
 #include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlField>
@@ -29,6 +34,11 @@ QString quoteLiteral(QString text) {
 int decimalType() {
     static const int type = QMetaType::type("QDecNumber");
     return type;
+}
+
+sqlite3* sqliteHandle(const QSqlDatabase& database) {
+    const QVariant handle = database.driver()->handle();
+    return handle.isValid() ? *static_cast<sqlite3* const*>(handle.constData()) : nullptr;
 }
 
 /// The text that stands for a date or time in the database; null for other types.
@@ -67,21 +77,28 @@ EngineExpression::EngineExpression(QSqlDatabase database, const dp::TableSchema&
 }
 
 EngineExpression::~EngineExpression() {
+    expression_.reset();
     if (!tableName().isEmpty()) {
         query_.exec(QStringLiteral("Drop Table If Exists %0;").arg(tableName()));
     }
 }
 
 void EngineExpression::createTable(const dp::TableSchema& schema, EngineCache* cache) {
-    QString sql = QStringLiteral("Create Temporary Table ") + tableName();
-    for (int i = 0; i < schema.numAttributes(); ++i) {
-        sql += QLatin1Char(i == 0 ? '(' : ',') + engine::toString(schema.at(i), cache, '\'');
+    QStringList definitions;
+    for (const auto& attribute : schema.attributes()) {
+        definitions << engine::toString(attribute, cache, '\'');
     }
-    valid_ = query_.exec(sql + QStringLiteral(");"));
+    if (sqlite3* handle = sqliteHandle(database_)) {
+        row_ = std::make_unique<FeatureRow>(handle, tableName(), definitions, [this](const QVariant& value) {
+            return toExtensionValue(value);
+        });
+    }
+    valid_ = query_.exec(QStringLiteral("Create Virtual Table temp.%0 Using %0;").arg(tableName()));
     lastErrorText_ = query_.lastError().text();
     if (!valid_) {
         return;
     }
+    row_->readColumns();
     if (const int geometry = schema.geometryIndex(); geometry >= 0) {
         geoName_ = schema.at(geometry)->name();
     }
@@ -95,56 +112,124 @@ bool EngineExpression::setExpression(const QString& expression) {
     if (!tableName().isEmpty()) {
         sql += QStringLiteral(" From ") + tableName();
     }
-    valid_ = query_.prepare(sql + QLatin1Char(';'));
+    sql += QLatin1Char(';');
+    expression_.reset();
+    valid_ = query_.prepare(sql);
     lastErrorText_ = query_.lastError().text();
+    if (valid_) {
+        try {
+            expression_ = std::make_unique<dp::SqliteStatement>(sqliteHandle(database_), sql, QString(),
+                                                                dp::SqliteStatement::Use::Repeated);
+        } catch (const err::SqliteException& failure) {
+            valid_ = false;
+            lastErrorText_ = failure.sqliteMessage();
+        }
+    }
     return valid_;
 }
 
 bool EngineExpression::fill(const dp::FeaturePtr& feature) {
-    if (tableName().isEmpty()) {
+    if (tableId_.isNull()) {
         return true;
     }
-    QSqlQuery query(database_);
-    if (!query.exec(QStringLiteral("Begin Transaction;"))) {
-        return false;
-    }
-    try {
-        const bool filled =
-            query.exec(QStringLiteral("Delete From %0;").arg(tableName())) && insert(query, *feature);
-        query.exec(QStringLiteral("Commit;"));
-        return filled;
-    } catch (...) {
-        query.exec(QStringLiteral("Rollback;"));
-        return false;
-    }
+    // The row changes as a transaction of its own does: not within another.
+    return row_ && !row_->isInTransaction() && setRow(feature);
 }
 
-bool EngineExpression::insert(QSqlQuery& query, const dp::Feature& feature) {
-    QStringList names, placeholders;
-    for (int i = 0; i < feature.numAttributes(); ++i) {
-        names << fieldName(feature.schema().at(i));
-        placeholders << QStringLiteral("?");
+bool EngineExpression::setRow(const dp::FeaturePtr& feature) {
+    try {
+        if (feature) {
+            row_->set(*feature);
+            return true;
+        }
+    } catch (const std::runtime_error& failure) {
+        logInfo(__LINE__, "bool orvane::engine::EngineExpression::fill(const FeaturePtr&)",
+                QStringLiteral("Expression error: ") + QString::fromUtf8(failure.what()));
+    } catch (...) {
     }
-    query.prepare(QStringLiteral("Insert Into %0(%1) Values(%2);")
-                      .arg(tableName(), names.join(QLatin1Char(',')), placeholders.join(QLatin1Char(','))));
-    for (int i = 0; i < feature.numAttributes(); ++i) {
-        query.bindValue(i, toValue(feature.getAttribute(i)), QSql::In);
-    }
-    if (query.exec()) {
-        return true;
-    }
-    logInfo(__LINE__, "bool orvane::engine::EngineExpression::fill(const FeaturePtr&)",
-            QStringLiteral("Expression error: ") + query.lastError().text());
+    row_->clear();
     return false;
 }
 
 QVariant EngineExpression::exec() {
-    if (query_.exec() && query_.next()) {
-        return query_.value(0);
+    QString reason;
+    if (!expression_) {
+        reason = query_.lastError().text();
+    } else {
+        const auto reset = qScopeGuard([this] { expression_->reset(); });
+        try {
+            if (expression_->next()) {
+                return currentValue();
+            }
+        } catch (const err::SqliteException& failure) {
+            reason = failure.sqliteMessage();
+        }
     }
-    logInfo(__LINE__, "QVariant orvane::engine::EngineExpression::exec()",
-            QStringLiteral("Expression exec error: ") + query_.lastError().text());
+    logFailure(reason);
     return {};
+}
+
+QVector<QVariant> EngineExpression::execAll(const std::vector<dp::FeaturePtr>& features) {
+    QVector<QVariant> values(static_cast<int>(features.size()));
+    std::size_t next = 0;
+    if (expression_ && row_ && !row_->isInTransaction()) {
+        while (next < features.size() && execFrom(features, next, values)) {
+        }
+    }
+    for (; next < features.size(); ++next) {
+        values[static_cast<int>(next)] = fill(features[next]) ? exec() : QVariant();
+    }
+    return values;
+}
+
+/// Runs the statement over the features from `next` on, up to one that fails. False, with `next` as it was,
+/// for an expression that wants to see the next row before it gives the value for the one before: an
+/// aggregate, to which each feature is a table of its own.
+bool EngineExpression::execFrom(const std::vector<dp::FeaturePtr>& features, std::size_t& next,
+                                QVector<QVariant>& values) {
+    const std::size_t first = next;
+    bool isAnswered = true, readsAhead = false;
+    const auto advance = [&] {
+        readsAhead = readsAhead || !isAnswered;
+        isAnswered = false;
+        while (!readsAhead && next < features.size()) {
+            if (setRow(features[next++])) {
+                return true;
+            }
+        }
+        return false;
+    };
+    if (!advance()) {
+        return true;
+    }
+    row_->setAdvance(advance);
+    const auto end = qScopeGuard([this] {
+        row_->setAdvance({});
+        expression_->reset();
+    });
+    try {
+        while (expression_->next() && !readsAhead) {
+            values[static_cast<int>(next) - 1] = currentValue();
+            isAnswered = true;
+        }
+    } catch (const err::SqliteException& failure) {
+        logFailure(failure.sqliteMessage());
+    }
+    if (readsAhead) {
+        next = first;
+    }
+    return !readsAhead;
+}
+
+/// NULL is a null text, as the driver has it.
+QVariant EngineExpression::currentValue() const {
+    QVariant value = expression_->value(0);
+    return value.isValid() ? value : QVariant(QVariant::String);
+}
+
+void EngineExpression::logFailure(const QString& reason) const {
+    logInfo(__LINE__, "QVariant orvane::engine::EngineExpression::exec()",
+            QStringLiteral("Expression exec error: ") + reason);
 }
 
 QString EngineExpression::tableName() const {
@@ -174,7 +259,14 @@ QStringList EngineExpression::columns() const {
 }
 
 QVariant::Type EngineExpression::type() const {
-    const QSqlRecord record = query_.record();
+    if (!expression_) {
+        return QVariant::String;
+    }
+    // The driver tells types only of a statement that has run.
+    QSqlQuery query = query_;
+    query.exec();
+    const QSqlRecord record = query.record();
+    query.finish();
     return record.isEmpty() ? QVariant::String : record.field(0).type();
 }
 
@@ -213,26 +305,8 @@ QString EngineExpression::toStr(const QVariant& value) {
 }
 
 QVariant EngineExpression::toValue(const QVariant& value) {
-    switch (value.userType()) {
-    case QMetaType::Bool:
-    case QMetaType::Int:
-    case QMetaType::Short: return value.toInt();
-    case QMetaType::UInt:
-    case QMetaType::UShort:
-    case QMetaType::UChar: return value.toUInt();
-    case QMetaType::LongLong:
-    case QMetaType::Long: return value.toLongLong();
-    case QMetaType::ULongLong:
-    case QMetaType::ULong: return value.toULongLong();
-    case QMetaType::Double:
-    case QMetaType::Float: return value.toDouble();
-    case QMetaType::QDate:
-    case QMetaType::QTime:
-    case QMetaType::QDateTime: return momentText(value);
-    default: break;
-    }
-    if (value.userType() == decimalType()) {
-        return value.value<QDecNumber>().toDouble();
+    if (const auto standard = standardValue(value)) {
+        return *standard;
     }
     const QVariant extension = toExtensionValue(value);
     return extension.isValid() ? extension : QVariant(value.toString());

@@ -21,6 +21,8 @@ public:
     void setId(FeatureId id) { id_ = std::move(id); }
 
     int numAttributes() const { return schema_->numAttributes(); }
+    /// By position in the schema. A copy shares the values until one of the two changes.
+    const QVector<QVariant>& values() const { return values_; }
     /// The value at a position; invalid outside the schema.
     QVariant getAttribute(int position) const;
     /// Stores the value and returns true when the position exists and its value is valid.

@@ -2,6 +2,8 @@
 
 #include "platform/core/SqliteException.h"
 
+#include <QScopeGuard>
+
 #include <sqlite3.h>
 
 #include <utility>
@@ -99,9 +101,9 @@ bool SqliteStatement::next() {
 }
 
 void SqliteStatement::run() {
+    const auto resetAtEnd = qScopeGuard([this] { reset(); });
     while (next()) {
     }
-    reset();
 }
 
 void SqliteStatement::reset() {
@@ -122,9 +124,8 @@ double SqliteStatement::real(int column) const {
 }
 
 QString SqliteStatement::text(int column) const {
-    const auto* text = static_cast<const QChar*>(sqlite3_column_text16(statement_.get(), column));
-    const int bytes = sqlite3_column_bytes16(statement_.get(), column);
-    return QString(text, bytes / static_cast<int>(sizeof(QChar)));
+    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement_.get(), column));
+    return QString::fromUtf8(text, sqlite3_column_bytes(statement_.get(), column));
 }
 
 QVariant SqliteStatement::value(int column) const {
