@@ -13,7 +13,11 @@
 #include <QSqlError>
 #include <QSqlField>
 #include <QSqlQuery>
+#include <QTimer>
 
+#include <sqlite3.h>
+
+#include <algorithm>
 #include <exception>
 #include <stdexcept>
 
@@ -30,6 +34,10 @@ QString tableIdentifier(const QSqlDatabase& database, const QString& name) {
     return database.driver()->escapeIdentifier(name, QSqlDriver::TableName);
 }
 
+QString dropStatement(const QSqlDatabase& database, const QString& name) {
+    return QStringLiteral("Drop Table If Exists %0;").arg(tableIdentifier(database, name));
+}
+
 QString failureText(const QSqlQuery& query) {
     return query.lastQuery() + QStringLiteral(": ") + query.lastError().text();
 }
@@ -41,7 +49,9 @@ std::string withClassName(const QString& text, const QObject& extension) {
 
 } // namespace
 
-EngineExtension::EngineExtension(QObject* parent) : plugin::Extension(parent) {
+EngineExtension::EngineExtension(QObject* parent) : plugin::Extension(parent), retry_(new QTimer(this)) {
+    retry_->setInterval(20);
+    connect(retry_, &QTimer::timeout, this, &EngineExtension::dropClosedTables);
     dependencyManager()->addDependency(&Engine::staticMetaObject, serviceName<Engine>(), {});
     dependencyManager()->addDependency(&dp::DataCatalog::staticMetaObject, serviceName<dp::DataCatalog>(),
                                        {});
@@ -92,7 +102,7 @@ void EngineExtension::connectCatalog(dp::DataCatalog& catalog) {
             const QList<std::shared_ptr<dp::DataObject>> objects =
                 source ? source->dataObjects() : QList<std::shared_ptr<dp::DataObject>>();
             for (const auto& object : objects) {
-                if (object.get() == added) {
+                if (object.get() == added && !tableNames_.contains(added)) { // a rename may have been first
                     handleDataObject(added);
                     return;
                 }
@@ -102,9 +112,11 @@ void EngineExtension::connectCatalog(dp::DataCatalog& catalog) {
 }
 
 void EngineExtension::connectDataObject(const dp::DataObject& object) {
+    disconnect(&object, &dp::DataObject::closeRequested, this, nullptr); // of the table made before
+    tableNames_[&object] = object.name();
     connect(
         &object, &dp::DataObject::closeRequested, this,
-        [this, name = object.name()] { unregisterName(name); }, Qt::QueuedConnection);
+        [this, key = &object] { unregisterName(tableNames_.take(key)); }, Qt::QueuedConnection);
 }
 
 bool EngineExtension::exec(QSqlDatabase database, const QString& sql) {
@@ -155,6 +167,9 @@ void EngineExtension::handleDataObject(const dp::DataObject* dobj) {
     if (module.isEmpty()) {
         return;
     }
+    if (!dropIfClosed(dobj->name())) {
+        return; // comes when the table that still has the name is dropped
+    }
     try {
         const QString sql =
             QStringLiteral("Create Virtual Table %0 Using %1(%2);")
@@ -178,7 +193,53 @@ void EngineExtension::handleDataObject(const dp::DataObject* dobj) {
 
 void EngineExtension::unregisterName(QString name) {
     const QSqlDatabase database = engineDatabase();
-    exec(database, QStringLiteral("Drop Table If Exists %0;").arg(tableIdentifier(database, name)));
+    if (exec(database, dropStatement(database, name))) {
+        closedTables_.removeAll(name);
+        return;
+    }
+    if (Engine* engine = engineService()) {
+        engine->detachTable(name);
+        if (!closedTables_.contains(name)) {
+            closedTables_ << name;
+        }
+        retry_->start();
+    }
+}
+
+bool EngineExtension::dropIfClosed(const QString& name) {
+    const auto closed =
+        std::find_if(closedTables_.begin(), closedTables_.end(),
+                     [&name](const QString& other) { return other.compare(name, Qt::CaseInsensitive) == 0; });
+    if (closed == closedTables_.end()) {
+        return true;
+    }
+    const QSqlDatabase database = engineDatabase();
+    QSqlQuery query(database);
+    if (!query.exec(dropStatement(database, *closed)) &&
+        query.lastError().nativeErrorCode() == QString::number(SQLITE_LOCKED)) {
+        return false;
+    }
+    closedTables_.erase(closed);
+    return true;
+}
+
+void EngineExtension::dropClosedTables() {
+    const QStringList names = closedTables_;
+    for (const QString& name : names) {
+        const dp::DataCatalog* catalog = dataCatalog();
+        if (const auto reopened = dropIfClosed(name) && catalog ? catalog->dataObject(name) : nullptr) {
+            try {
+                handleDataObject(reopened.get());
+            } catch (const std::exception& failure) {
+                loggerInstance()->write(LogLevel::Warning, QStringLiteral("EngineExtension"), __LINE__,
+                                        QStringLiteral("void orvane::EngineExtension::dropClosedTables()"),
+                                        name + QStringLiteral(": ") + QString::fromUtf8(failure.what()));
+            }
+        }
+    }
+    if (closedTables_.isEmpty()) {
+        retry_->stop();
+    }
 }
 
 void EngineExtension::rename(QString oldName, QString newName) {
@@ -194,17 +255,26 @@ void EngineExtension::renameImpl(const QString& oldName, QString newName) {
     if (!catalog || !catalog->dataObject(newName)) {
         newName = dp::DataObject::makeValidObjectName(newName);
     }
-    if (renameRealized()) {
+    // A table that was closed while it was read may still bear one of the names: it is no table to rename.
+    const bool hasTable = !closedTables_.contains(oldName, Qt::CaseInsensitive);
+    if (renameRealized() && hasTable && dropIfClosed(newName)) {
         Engine* engine = engineService();
         if (engine::TableManagement* management = engine ? engine->findManagement(oldName) : nullptr) {
             management->setNewName(newName);
         }
         const QSqlDatabase database = engineDatabase();
-        exec(database, QStringLiteral("Alter Table %0 Rename To %1;")
-                           .arg(tableIdentifier(database, oldName), tableIdentifier(database, newName)));
+        if (exec(database,
+                 QStringLiteral("Alter Table %0 Rename To %1;")
+                     .arg(tableIdentifier(database, oldName), tableIdentifier(database, newName)))) {
+            for (QString& name : tableNames_) {
+                name = name == oldName ? newName : name;
+            }
+        }
         return;
     }
-    unregisterName(oldName);
+    if (hasTable) {
+        unregisterName(oldName);
+    }
     if (const auto object = catalog ? catalog->dataObject(newName) : nullptr) {
         handleDataObject(object.get());
     }

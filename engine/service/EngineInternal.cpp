@@ -1,6 +1,7 @@
 #include "engine/service/EngineInternal.h"
 
 #include "platform/core/SqliteException.h"
+#include "platform/geometry/GeosInterrupt.h"
 #include "platform/sql/SqlRuntime.h"
 #include <orvane/engine/Collator.h>
 
@@ -52,6 +53,13 @@ Engine::Internal::Internal(Engine* owner)
             db, message(QT_TRANSLATE_NOOP("QObject", "Поддержка расширений %0"), "SQLITE"));
     }
     initialiseSpatialite();
+    sqlite3_trace_v2(
+        db, SQLITE_TRACE_STMT,
+        [](unsigned, void*, void*, void*) {
+            geometry::beginInterruptibleWork();
+            return 0;
+        },
+        nullptr);
     setUseGaiaCache(NoMemo);
     sqlite3_create_collation(db, "Locale", SQLITE_UTF16, this, &Internal::localeCollation);
     // The database holds its texts in UTF-8: without this form SQLite would convert both texts for every

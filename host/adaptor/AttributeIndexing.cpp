@@ -141,11 +141,18 @@ void AttributeIndexing::follow(const dp::Table& table, EngineIndices& store) {
     const bool storageIsLost =
         !store.isCorrect() && std::any_of(demands_.begin(), demands_.end(),
                                           [](const auto& demand) { return demand.second.index >= 0; });
-    if (revision_ != revision || storageIsLost) {
+    // A store that was another table's holds what that one left there.
+    if (store_ != &store || revision_ != revision || storageIsLost) {
         demands_.clear();
         store.dropStorage();
         revision_ = revision;
+        store_ = &store;
     }
+}
+
+void AttributeIndexing::forget() {
+    demands_.clear();
+    store_ = nullptr;
 }
 
 std::optional<std::vector<dp::FeatureId>> AttributeIndexing::find(dp::Table& table, EngineIndices& store,
@@ -301,7 +308,7 @@ bool AttributeIndexing::collect(EngineIndices::RowLookup& rowLookup,
 
 std::optional<double> AttributeIndexing::averageGroup(int attribute, const EngineIndices& store) const {
     const auto demand = demands_.find({attribute});
-    if (demand == demands_.end() || demand->second.index < 0) {
+    if (store_ != &store || demand == demands_.end() || demand->second.index < 0) {
         return std::nullopt;
     }
     const unsigned long long groups = store.groups(demand->second.index);

@@ -59,7 +59,7 @@ public:
     std::optional<double> averageGroup(int attribute, const engine::EngineIndices& store) const;
 
     /// Forgets the indices: their storage is gone.
-    void forget() { demands_.clear(); }
+    void forget();
 
 private:
     using Attributes = std::vector<int>;
@@ -96,7 +96,8 @@ private:
     engine::EngineCache& cache_;
     std::map<Attributes, Demand> demands_;
     IndexUse use_;
-    std::optional<std::uint64_t> revision_; ///< of the table that the indices were made of
+    std::optional<std::uint64_t> revision_;        ///< of the table that the indices were made of
+    const engine::EngineIndices* store_ = nullptr; ///< that holds them; a renamed table has another
 };
 
 } // namespace orvane::adaptor

@@ -8,10 +8,10 @@
 
 namespace orvane::adaptor {
 
-VirtualTable::VirtualTable(QString name, std::shared_ptr<dp::Table> table, engine::EngineCache& cache,
-                           IndexStore indexStore)
-    : sqlite3_vtab{}, name_(std::move(name)), table_(std::move(table)), declaration_(*table_->schema()),
-      cache_(cache), indexStore_(std::move(indexStore)), indexing_(declaration_, cache_) {}
+VirtualTable::VirtualTable(QString name, std::shared_ptr<dp::Table> table, const dp::TableSchema& schema,
+                           engine::EngineCache& cache, IndexStore indexStore)
+    : sqlite3_vtab{}, name_(std::move(name)), table_(std::move(table)), declaration_(schema), cache_(cache),
+      indexStore_(std::move(indexStore)), indexing_(declaration_, cache_) {}
 
 std::optional<std::vector<dp::FeatureId>> VirtualTable::findByIndex(std::span<const dp::ScanTerm> terms,
                                                                     const dp::Cancellation& cancellation) {

@@ -35,8 +35,9 @@ public:
     /// made.
     using IndexStore = std::function<engine::EngineIndices*(const std::shared_ptr<dp::Table>&)>;
 
-    VirtualTable(QString name, std::shared_ptr<dp::Table> table, engine::EngineCache& cache,
-                 IndexStore indexStore);
+    /// A null table is one that was closed already.
+    VirtualTable(QString name, std::shared_ptr<dp::Table> table, const dp::TableSchema& schema,
+                 engine::EngineCache& cache, IndexStore indexStore);
 
     const QString& name() const { return name_; }
     void setName(QString name) { name_ = std::move(name); }
@@ -90,6 +91,7 @@ class VirtualTableManagement : public engine::TableManagement {
 public:
     explicit VirtualTableManagement(VirtualTable& table) : table_(table) {}
 
+    bool isOf(const VirtualTable& table) const { return &table_ == &table; }
     void detach() override { table_.detach(); }
     QString tableName() const override { return table_.name(); }
     void indicesCleared() override { table_.forgetIndices(); }

@@ -18,6 +18,7 @@
 #include <sqlite3.h>
 
 #include <exception>
+#include <map>
 #include <memory>
 #include <new>
 
@@ -29,8 +30,16 @@ namespace orvane::adaptor {
 namespace {
 
 struct ModuleContext {
+    /// What a virtual table shows. SQLite forgets its connection to every table when one is renamed, and asks
+    /// for it again when it next needs the table, be it to drop one whose object is closed.
+    struct Source {
+        QString object; ///< its name in the catalogue
+        std::shared_ptr<const dp::TableSchema> schema;
+    };
+
     QPointer<Core> core;
     engine::EngineCache* cache;
+    std::map<QString, Source> sources; ///< by the name of the virtual table
 
     Engine* engine() const { return core ? core->findService<Engine>() : nullptr; }
 };
@@ -38,8 +47,13 @@ struct ModuleContext {
 /// A virtual table with what its callbacks need besides.
 class ModuleTable : public VirtualTable {
 public:
-    ModuleTable(QString name, std::shared_ptr<dp::Table> source, const ModuleContext& context)
-        : VirtualTable(std::move(name), std::move(source), *context.cache, indexStore(context)),
+    ModuleTable(QString name, std::shared_ptr<dp::Table> source, const dp::TableSchema& schema,
+                ModuleContext& context)
+        : VirtualTable(std::move(name), std::move(source), schema, *context.cache,
+                       [&context](const std::shared_ptr<dp::Table>& table) -> engine::EngineIndices* {
+                           Engine* engine = context.engine();
+                           return engine ? engine->indices(table) : nullptr;
+                       }),
           context_(context) {}
 
     void announce() {
@@ -47,8 +61,13 @@ public:
             engine->registerManagement(std::make_unique<VirtualTableManagement>(*this));
         }
     }
+    /// Leaves alone what another table has registered under the name: SQLite may connect a table anew before
+    /// it lets go of the old connection.
     void withdraw() {
-        if (Engine* engine = context_.engine()) {
+        Engine* engine = context_.engine();
+        const auto* registered =
+            engine ? dynamic_cast<VirtualTableManagement*>(engine->findManagement(name())) : nullptr;
+        if (registered && registered->isOf(*this)) {
             engine->unRegisterManagement(name());
         }
     }
@@ -115,39 +134,63 @@ QString unquoted(const char* argument) {
     return text;
 }
 
-/// The catalogue's table under the virtual table's own name, or under the name in the module arguments.
-std::shared_ptr<dp::Table> findTable(const ModuleContext& context, int argc, const char* const* argv) {
+/// The catalogue's table of a name; null when there is none.
+std::shared_ptr<dp::Table> findTable(const ModuleContext& context, const QString& name) {
     const auto* catalog = context.core ? context.core->findService<dp::DataCatalog>() : nullptr;
-    if (!catalog) {
-        return nullptr;
-    }
-    std::shared_ptr<dp::DataObject> object = catalog->dataObject(QString::fromUtf8(argv[2]));
-    if (!object && argc > 3) {
-        object = catalog->dataObject(unquoted(argv[3]));
-    }
+    const auto object = catalog ? catalog->dataObject(name) : nullptr;
     return object ? std::dynamic_pointer_cast<dp::Table>(object->underlyingObject()) : nullptr;
 }
 
-int xConnect(sqlite3* database, void* clientData, int argc, const char* const* argv, sqlite3_vtab** result,
-             char** message) {
+int connect(sqlite3* database, ModuleContext& context, const QString& name, std::shared_ptr<dp::Table> source,
+            const dp::TableSchema& schema, sqlite3_vtab** result, char** message) {
+    auto table = std::make_unique<ModuleTable>(name, std::move(source), schema, context);
+    if (const int code = sqlite3_declare_vtab(database, table->declaration().sql().c_str());
+        code != SQLITE_OK) {
+        setMessage(message, sqlite3_errmsg(database));
+        return code;
+    }
+    table->announce();
+    *result = table.release();
+    return SQLITE_OK;
+}
+
+/// Shows the catalogue's table under the virtual table's own name, or under the name in the module arguments.
+int xCreate(sqlite3* database, void* clientData, int argc, const char* const* argv, sqlite3_vtab** result,
+            char** message) {
     return barrier(message, [&] {
-        const auto& context = *static_cast<const ModuleContext*>(clientData);
+        auto& context = *static_cast<ModuleContext*>(clientData);
         const QString name = QString::fromUtf8(argv[2]);
-        auto source = findTable(context, argc, argv);
+        QString object = name;
+        auto source = findTable(context, object);
+        if (!source && argc > 3) {
+            object = unquoted(argv[3]);
+            source = findTable(context, object);
+        }
         if (!source) {
             throw std::runtime_error(QCoreApplication::translate("orvane::adaptor", "Нет открытой таблицы %0")
                                          .arg(name)
                                          .toStdString());
         }
-        auto table = std::make_unique<ModuleTable>(name, std::move(source), context);
-        if (const int code = sqlite3_declare_vtab(database, table->declaration().sql().c_str());
-            code != SQLITE_OK) {
-            setMessage(message, sqlite3_errmsg(database));
-            return code;
+        const auto schema = source->schema();
+        context.sources[name] = {object, schema};
+        return connect(database, context, name, std::move(source), *schema, result, message);
+    });
+}
+
+int xConnect(sqlite3* database, void* clientData, int argc, const char* const* argv, sqlite3_vtab** result,
+             char** message) {
+    auto& context = *static_cast<ModuleContext*>(clientData);
+    const auto known = context.sources.find(QString::fromUtf8(argv[2]));
+    if (known == context.sources.end()) {
+        return xCreate(database, clientData, argc, argv, result, message);
+    }
+    return barrier(message, [&] {
+        auto source = findTable(context, known->second.object);
+        if (source) {
+            known->second.schema = source->schema();
         }
-        table->announce();
-        *result = table.release();
-        return SQLITE_OK;
+        return connect(database, context, known->first, std::move(source), *known->second.schema, result,
+                       message);
     });
 }
 
@@ -157,6 +200,11 @@ int xDisconnect(sqlite3_vtab* table) {
         owned->withdraw();
         return SQLITE_OK;
     });
+}
+
+int xDestroy(sqlite3_vtab* table) {
+    tableOf(table).forget();
+    return xDisconnect(table);
 }
 
 int xBestIndex(sqlite3_vtab* table, sqlite3_index_info* info) {
@@ -231,10 +279,7 @@ int xFindFunction(sqlite3_vtab* table, int argc, const char* name,
 
 int xRename(sqlite3_vtab* table, const char* newName) {
     return barrier(&table->zErrMsg, [&] {
-        ModuleTable& renamed = tableOf(table);
-        renamed.withdraw();
-        renamed.setName(QString::fromUtf8(newName));
-        renamed.announce();
+        tableOf(table).rename(QString::fromUtf8(newName));
         return SQLITE_OK;
     });
 }
@@ -294,11 +339,11 @@ int xRollback(sqlite3_vtab* table) {
 constexpr sqlite3_module tableModule = [] {
     sqlite3_module module{};
     module.iVersion = 1;
-    module.xCreate = xConnect;
+    module.xCreate = xCreate;
     module.xConnect = xConnect;
     module.xBestIndex = xBestIndex;
     module.xDisconnect = xDisconnect;
-    module.xDestroy = xDisconnect;
+    module.xDestroy = xDestroy;
     module.xOpen = xOpen;
     module.xClose = xClose;
     module.xFilter = xFilter;
@@ -318,7 +363,7 @@ constexpr sqlite3_module tableModule = [] {
 } // namespace
 
 int registerModule(sqlite3* database, const char* name, Core& core, engine::EngineCache& cache) {
-    return sqlite3_create_module_v2(database, name, &tableModule, new ModuleContext{&core, &cache},
+    return sqlite3_create_module_v2(database, name, &tableModule, new ModuleContext{&core, &cache, {}},
                                     [](void* context) { delete static_cast<ModuleContext*>(context); });
 }
 

@@ -1,6 +1,7 @@
 #include "host/providers/FilesExtension.h"
 
 #include "host/providers/LayerTable.h"
+#include "platform/dp/DataCatalog.h"
 
 namespace orvane::files {
 
@@ -9,6 +10,13 @@ QString FilesExtension::virtualTableModule(const dp::DataObject* object, QList<Q
         return {};
     moduleArguments << object->name();
     return QStringLiteral("OrvaneTable");
+}
+
+void FilesExtension::connectCatalog(dp::DataCatalog& catalog) {
+    EngineExtension::connectCatalog(catalog);
+    // Queued as the announcements of objects are, so that a rename comes after what it renames.
+    connect(&catalog, &dp::DataCatalog::dataObjectRenamed, this, &FilesExtension::rename,
+            Qt::QueuedConnection);
 }
 
 } // namespace orvane::files

@@ -12,6 +12,8 @@ public:
     using EngineExtension::EngineExtension;
 
 protected:
+    /// Follows renames too.
+    void connectCatalog(dp::DataCatalog& catalog) override;
     QString virtualTableModule(const dp::DataObject* object, QList<QVariant>& moduleArguments) override;
     bool renameRealized() const override { return true; }
 };

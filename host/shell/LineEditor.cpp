@@ -9,6 +9,7 @@
 #include <cwchar>
 
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace orvane::shell {
@@ -16,6 +17,7 @@ namespace orvane::shell {
 namespace {
 
 constexpr int rememberedLines = 2000;
+constexpr char endOfInput = 0x04; // Ctrl-D
 
 /// What all candidates begin with.
 std::string commonStart(const std::vector<std::string>& candidates) {
@@ -73,6 +75,11 @@ LineEditor::~LineEditor() {
 LineEditor::Event LineEditor::read(const std::string& prompt, std::string& line) {
     prompt_ = prompt;
     cancelled_ = false;
+    // Before the prompt is seen: libedit does it after, and what is typed in between would be read as a
+    // terminal in line mode reads it.
+    el_set(edit_.get(), EL_PREP_TERM, 1);
+    if (::ioctl(STDIN_FILENO, FIONREAD, &typedAhead_) != 0)
+        typedAhead_ = 0;
     int length = 0;
     const char* const text = el_gets(edit_.get(), &length);
     if (cancelled_) {
@@ -122,6 +129,9 @@ int LineEditor::readCharacter(EditLine* edit, wchar_t* character) {
         char byte = 0;
         if (::read(STDIN_FILENO, &byte, 1) <= 0)
             return 0;
+        // A Ctrl-D that was typed while the terminal was in line mode has become a zero.
+        if (editor.typedAhead_-- > 0 && byte == 0)
+            byte = endOfInput;
         const std::size_t used = std::mbrtowc(character, &byte, 1, &state);
         if (used == static_cast<std::size_t>(-1)) {
             state = {}; // no UTF-8: left out

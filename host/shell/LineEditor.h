@@ -54,6 +54,7 @@ private:
     Complete complete_;
     std::string prompt_;
     bool cancelled_ = false;
+    int typedAhead_ = 0; ///< bytes that were typed before the line was asked for
     std::unique_ptr<History, HistoryCloser> history_;
     std::unique_ptr<EditLine, EditCloser> edit_;
 };

@@ -2,14 +2,19 @@
 
 #include "host/shell/Shell.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <utility>
 
+#include <fcntl.h>
+#include <spawn.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace orvane::shell {
@@ -22,14 +27,66 @@ namespace {
         QStringLiteral("%0: %1").arg(what, QString::fromLocal8Bit(std::strerror(reason))).toStdString());
 }
 
-void writeAll(int descriptor, std::string_view bytes) {
+/// False when nobody reads any more.
+bool writeUnlessClosed(int descriptor, std::string_view bytes) {
     while (!bytes.empty()) {
         const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
         if (written >= 0)
             bytes.remove_prefix(static_cast<std::size_t>(written));
+        else if (errno == EPIPE)
+            return false;
         else if (errno != EINTR)
             fail(Shell::tr("ответ не записывается"));
     }
+    return true;
+}
+
+void writeAll(int descriptor, std::string_view bytes) {
+    if (!writeUnlessClosed(descriptor, bytes))
+        fail(Shell::tr("ответ не записывается"));
+}
+
+winsize terminalSize() {
+    winsize size{};
+    return ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 ? size : winsize{};
+}
+
+/// Leaves a signal without effect for a while.
+class IgnoredSignal {
+public:
+    explicit IgnoredSignal(int number) : number_(number) {
+        struct sigaction ignore {};
+        ignore.sa_handler = SIG_IGN;
+        ::sigaction(number_, &ignore, &before_);
+    }
+    ~IgnoredSignal() { ::sigaction(number_, &before_, nullptr); }
+    IgnoredSignal(const IgnoredSignal&) = delete;
+    IgnoredSignal& operator=(const IgnoredSignal&) = delete;
+
+private:
+    int number_;
+    struct sigaction before_ {};
+};
+
+/// Starts a command with `input` as its standard input. The signals that this program leaves to a thread are
+/// the command's own business. 0 when it cannot be started.
+pid_t startShell(const std::string& command, int input) {
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, input, STDIN_FILENO);
+    posix_spawnattr_t attributes;
+    posix_spawnattr_init(&attributes);
+    sigset_t none;
+    sigemptyset(&none);
+    posix_spawnattr_setsigmask(&attributes, &none);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
+    const char* const arguments[] = {"sh", "-c", command.c_str(), nullptr};
+    pid_t process = 0;
+    const int failure = ::posix_spawn(&process, "/bin/sh", &actions, &attributes,
+                                      const_cast<char* const*>(arguments), environ);
+    posix_spawnattr_destroy(&attributes);
+    posix_spawn_file_actions_destroy(&actions);
+    return failure == 0 ? process : 0;
 }
 
 } // namespace
@@ -50,8 +107,11 @@ void TerminalOutput::takeText() {
 }
 
 int terminalWidth() {
-    winsize size{};
-    return ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
+    return terminalSize().ws_col;
+}
+
+int terminalHeight() {
+    return terminalSize().ws_row;
 }
 
 HeldOutput::HeldOutput(int descriptor) : Output(std::size_t{64} << 20), descriptor_(descriptor) {}
@@ -67,22 +127,62 @@ void HeldOutput::takeText() {
 }
 
 void HeldOutput::commit() {
+    if (!writeTo(descriptor_))
+        fail(Shell::tr("ответ не записывается"));
+    discard();
+}
+
+bool HeldOutput::writeTo(int descriptor) {
     if (overflow_) {
         takeText();
         std::rewind(overflow_.get());
         std::array<char, 1 << 16> block;
-        while (const std::size_t size = std::fread(block.data(), 1, block.size(), overflow_.get()))
-            writeAll(descriptor_, {block.data(), size});
+        while (const std::size_t size = std::fread(block.data(), 1, block.size(), overflow_.get())) {
+            if (!writeUnlessClosed(descriptor, {block.data(), size}))
+                return false;
+        }
         if (std::ferror(overflow_.get()))
             fail(Shell::tr("временный файл не читается"));
     }
-    writeAll(descriptor_, text_);
-    discard();
+    return writeUnlessClosed(descriptor, text_);
 }
 
 void HeldOutput::discard() {
     overflow_.reset();
     text_.clear();
+}
+
+void PagedOutput::commit() {
+    const char* const chosen = std::getenv("PAGER");
+    const std::string command = chosen ? chosen : "less -S";
+    const bool wantsPager = command.find_first_not_of(" \t") != std::string::npos;
+    if (wantsPager && isLongerThanScreen() && page(command))
+        discard();
+    else
+        HeldOutput::commit();
+}
+
+bool PagedOutput::isLongerThanScreen() {
+    const int height = terminalHeight();
+    return hasOverflow() || (height > 0 && std::count(text().begin(), text().end(), '\n') >= height);
+}
+
+bool PagedOutput::page(const std::string& command) {
+    int pipeEnds[2];
+    if (::pipe2(pipeEnds, O_CLOEXEC) != 0)
+        return false;
+    const pid_t pager = startShell(command, pipeEnds[0]);
+    ::close(pipeEnds[0]);
+    if (pager != 0) {
+        const IgnoredSignal brokenPipe(SIGPIPE);
+        writeTo(pipeEnds[1]); // up to where the user has read enough
+    }
+    ::close(pipeEnds[1]);
+    int status = -1;
+    while (pager != 0 && ::waitpid(pager, &status, 0) < 0 && errno == EINTR) {
+    }
+    const bool leftByUser = WIFSIGNALED(status) && WTERMSIG(status) == SIGINT;
+    return pager != 0 && (leftByUser || (WIFEXITED(status) && WEXITSTATUS(status) == 0));
 }
 
 FileOutput::FileOutput(std::string path) : Output(1 << 16), path_(std::move(path)) {

@@ -68,6 +68,8 @@ private:
 
 /// Columns of the terminal that standard output is, now; 0 when it is none or does not tell.
 int terminalWidth();
+/// The same of its lines.
+int terminalHeight();
 
 /// A pipe or a redirection: a result is held back until its statement is done, in memory up to 64 MiB, the
 /// rest in an unnamed temporary file.
@@ -79,6 +81,9 @@ public:
 
 protected:
     void takeText() override;
+    /// Writes what is held, which stays held. False when `descriptor` leads to a reader that has gone away.
+    bool writeTo(int descriptor);
+    bool hasOverflow() const { return overflow_ != nullptr; }
 
 private:
     struct FileCloser {
@@ -87,6 +92,20 @@ private:
 
     int descriptor_;
     std::unique_ptr<std::FILE, FileCloser> overflow_;
+};
+
+/// The terminal of the prompt: a result that is longer than the screen is shown by the pager, the shell
+/// command in $PAGER or else "less -S"; an empty $PAGER wants none. A result is shown when its statement is
+/// done. What a pager that cannot be run, or fails, may have swallowed is written to the terminal.
+class PagedOutput : public HeldOutput {
+public:
+    explicit PagedOutput(int descriptor) : HeldOutput(descriptor) {}
+    void commit() override;
+
+private:
+    bool isLongerThanScreen();
+    /// False when the pager fails.
+    bool page(const std::string& command);
 };
 
 /// A file that takes its place, in one step, when all statements have succeeded; until then, and after a

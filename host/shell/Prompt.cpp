@@ -33,9 +33,9 @@ bool isComplete(const std::string& text, const std::string& lastLine) {
 
 } // namespace
 
-void runPrompt(Session& session, StatementRunner& runner, Interrupt& interrupt) {
+void runPrompt(Session& session, StatementRunner& runner, Output& output, Interrupt& interrupt) {
     interrupt.setExitsWhenStuck(false);
-    PromptCommands commands(session, runner);
+    PromptCommands commands(session, runner, output);
     std::string text;
     LineEditor editor(interrupt, historyPath(), [&session, &text](const std::string& lineBeforeCursor) {
         return completeStatement(text + lineBeforeCursor, session.names());

@@ -15,15 +15,6 @@ namespace orvane::shell {
 
 namespace {
 
-void print(const QString& text) {
-    const QByteArray utf8 = text.toUtf8();
-    std::fwrite(utf8.constData(), 1, static_cast<std::size_t>(utf8.size()), stdout);
-}
-
-void printLine(const QString& text) {
-    print(text + QLatin1Char('\n'));
-}
-
 void printError(const QString& text) {
     std::fprintf(stderr, "orvane: %s\n", text.toUtf8().constData());
 }
@@ -100,7 +91,7 @@ bool PromptCommands::run(const QString& line) {
         if (!command.run)
             return false;
         (this->*command.run)(line.mid(name.size()).trimmed());
-        std::fflush(stdout);
+        output_.commit();
         return true;
     }
     const QString nearest = nearestName(name, names());
@@ -108,6 +99,12 @@ bool PromptCommands::run(const QString& line) {
                    ? Shell::tr("нет команды %0, все команды показывает .help").arg(name)
                    : Shell::tr("нет команды %0; возможно, имелось в виду %1").arg(name, nearest));
     return true;
+}
+
+void PromptCommands::printLine(const QString& text) {
+    output_.text() += text.toStdString();
+    output_.text() += '\n';
+    output_.rowDone();
 }
 
 void PromptCommands::showTables(const QString&) {

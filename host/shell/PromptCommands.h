@@ -4,11 +4,12 @@
 
 namespace orvane::shell {
 
-/// The commands of the prompt, which begin with a dot. What they show goes to standard output.
+/// The commands of the prompt, which begin with a dot. What they show is one result of the output.
 class PromptCommands {
 public:
-    /// Neither is owned.
-    PromptCommands(Session& session, StatementRunner& runner) : session_(session), runner_(runner) {}
+    /// None is owned.
+    PromptCommands(Session& session, StatementRunner& runner, Output& output)
+        : session_(session), runner_(runner), output_(output) {}
 
     /// Their names with the dot.
     static QStringList names();
@@ -30,8 +31,11 @@ private:
     void open(const QString& source);
     void close(const QString& table);
 
+    void printLine(const QString& text);
+
     Session& session_;
     StatementRunner& runner_;
+    Output& output_;
 };
 
 } // namespace orvane::shell

@@ -68,8 +68,10 @@ bool isOtherThanFile(const std::string& path) {
     return ::stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode);
 }
 
-std::unique_ptr<Output> makeOutput(const Options& options, Interrupt& interrupt) {
+std::unique_ptr<Output> makeOutput(const Options& options, bool isPrompt, Interrupt& interrupt) {
     if (!options.outputPath || options.outputIsData) {
+        if (::isatty(STDOUT_FILENO) && isPrompt)
+            return std::make_unique<PagedOutput>(STDOUT_FILENO);
         if (::isatty(STDOUT_FILENO))
             return std::make_unique<TerminalOutput>(STDOUT_FILENO);
         return std::make_unique<HeldOutput>(STDOUT_FILENO);
@@ -145,13 +147,14 @@ void finishOutput(StatementRunner& runner, Output& output) {
 }
 
 ExitStatus runInputs(const Options& options, const std::vector<Input>& inputs, Interrupt& interrupt) {
-    const auto output = makeOutput(options, interrupt);
+    const bool isPrompt = options.statements.empty() && inputs.empty();
+    const auto output = makeOutput(options, isPrompt, interrupt);
     Session session;
     const Cancelling cancelling(interrupt, session.engine());
     session.open(options);
     StatementRunner runner(session, runnerSettings(options, *output), *output, interrupt);
-    if (options.statements.empty() && inputs.empty()) {
-        runPrompt(session, runner, interrupt);
+    if (isPrompt) {
+        runPrompt(session, runner, *output, interrupt);
         finishOutput(runner, *output);
         return Done;
     }

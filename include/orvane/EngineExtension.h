@@ -3,12 +3,15 @@
 #include "platform/plugin/Extension.h"
 #include <orvane/engine/Export.h>
 
+#include <QHash>
 #include <QSqlDatabase>
+#include <QStringList>
 #include <QVariant>
 
 #include <memory>
 
 class QSqlDriver;
+class QTimer;
 
 namespace orvane {
 
@@ -25,6 +28,10 @@ class Table;
 /// has a virtual table of its name. A provider plug-in derives from it, answers virtualTableModule, and calls
 /// linkDataCatalog once its services are there. All work happens on the extension's own thread; the
 /// catalogue's signals arrive queued.
+///
+/// A table that a statement reads cannot be dropped. Closing it lets go of the data object at once: the
+/// statement keeps the rows it has begun, a new scan fails with the table's name, and the table goes, or
+/// comes back for an object opened meanwhile, soon after the statement is done.
 class ORVANE_ENGINE_EXPORT EngineExtension : public plugin::Extension {
     Q_OBJECT
 public:
@@ -72,7 +79,15 @@ protected Q_SLOTS:
     void rename(QString oldName, QString newName);
 
 private:
+    /// False when a closed table of that name is still read.
+    bool dropIfClosed(const QString& name);
+    /// Drops the closed tables that are not read any more, and makes those that were opened again meanwhile.
+    void dropClosedTables();
+
     Core* core_ = nullptr;
+    QHash<const dp::DataObject*, QString> tableNames_; ///< of the open objects; the keys are only compared
+    QStringList closedTables_;                         ///< still to be dropped
+    QTimer* retry_;                                    ///< a child
 };
 
 } // namespace orvane

@@ -27,7 +27,7 @@ using testing::HasSubstr;
 /// The program on a terminal of 80 columns.
 class Terminal {
 public:
-    Terminal(const std::string& home, std::vector<std::string> arguments) {
+    Terminal(const std::string& home, std::vector<std::string> arguments, const char* pager = "") {
         winsize size{24, 80, 0, 0};
         process_ = ::forkpty(&descriptor_, nullptr, nullptr, &size);
         if (process_ != 0)
@@ -35,6 +35,7 @@ public:
         ::setenv("XDG_DATA_HOME", home.c_str(), 1);
         ::setenv("LC_ALL", "C.UTF-8", 1);
         ::setenv("TERM", "xterm", 1);
+        ::setenv("PAGER", pager, 1);
         arguments.insert(arguments.begin(), ORVANE_PROGRAM);
         std::vector<char*> pointers;
         for (std::string& argument : arguments)
@@ -167,6 +168,46 @@ TEST_F(Prompt, answersCommands) {
     terminal_.readUntil("Mid(text, start, count)");
     terminal_.type(".quit\n");
     EXPECT_EQ(terminal_.exitStatus(), 0);
+}
+
+TEST_F(Prompt, endsAtCtrlDWheneverItIsTyped) {
+    terminal_.type("\x04");
+    EXPECT_EQ(terminal_.exitStatus(), 0);
+    for (int delay = 0; delay < 300; delay += 30) {
+        Terminal early(home_.path().toStdString(), {});
+        std::this_thread::sleep_for(milliseconds(delay));
+        early.type("\x04");
+        EXPECT_EQ(early.exitStatus(), 0) << delay << " ms after the start";
+    }
+    Terminal busy(home_.path().toStdString(), {ORVANE_EXAMPLE_DATA "/cities.shp"});
+    busy.readUntil("orvane> ");
+    busy.type("Select Count(*) As n From cities a, cities b Where a.population + b.population = -1;\n");
+    busy.readUntil("-1;");
+    busy.type("\x04"); // while the statement runs
+    busy.readUntil("\r\n0\r\n");
+    EXPECT_EQ(busy.exitStatus(), 0);
+}
+
+TEST_F(Prompt, showsLongResultsInThePager) {
+    const auto lines = [this](const char* pager) {
+        Terminal terminal(home_.path().toStdString(), {ORVANE_EXAMPLE_DATA "/countries.gpkg"}, pager);
+        terminal.readUntil("orvane> ");
+        terminal.type("Select fid As number From countries Order By 1;\n");
+        terminal.readUntil("By 1;");
+        std::string shown = terminal.readUntil("orvane> ");
+        terminal.type("Select 'short' As word;\n");
+        terminal.readUntil("word;");
+        shown += terminal.readUntil("\r\nshort\r\n"); // not paged
+        terminal.type(".quit\n");
+        EXPECT_EQ(terminal.exitStatus(), 0);
+        return shown;
+    };
+    EXPECT_THAT(lines("sed 's/^/paged:/'"), HasSubstr("paged:   177\r\n"));
+    EXPECT_THAT(lines("head -n 4"), testing::Not(HasSubstr("177")));
+    // Nothing is lost with a pager that is broken, at once or later.
+    for (const char* broken : {"no-such-pager", "false", "head -n 90 >/dev/null; exit 3", "kill -9 $$"})
+        EXPECT_THAT(lines(broken), testing::ContainsRegex("     1\r\n(.|\r|\n)*   177\r\n")) << broken;
+    EXPECT_THAT(lines(""), HasSubstr("   177\r\n"));
 }
 
 TEST_F(Prompt, keepsTheHistory) {

@@ -68,8 +68,7 @@ protected:
     static void TearDownTestSuite() { Host::instance().closeAll(); }
 
     static std::shared_ptr<dp::Table> table(const char* name) {
-        return std::dynamic_pointer_cast<dp::Table>(
-            Host::instance().catalog.dataObject(QLatin1String(name)));
+        return std::dynamic_pointer_cast<dp::Table>(Host::instance().catalog.dataObject(QLatin1String(name)));
     }
 };
 
@@ -152,8 +151,9 @@ TEST_F(FeatureExpressionTest, AFeatureThatFailsLeavesTheOthersTheirValues) {
     std::vector<std::string> described;
     for (const QVariant& value : values)
         described.push_back(value.isValid() ? describe(value) : "none");
-    EXPECT_THAT(described, ::testing::ElementsAre("NULL", "none", "none", ::testing::StartsWith("qlonglong:-8"),
-                                                  ::testing::_, "NULL", ::testing::StartsWith("qlonglong:-8")));
+    EXPECT_THAT(described,
+                ::testing::ElementsAre("NULL", "none", "none", ::testing::StartsWith("qlonglong:-8"),
+                                       ::testing::_, "NULL", ::testing::StartsWith("qlonglong:-8")));
 }
 
 TEST_F(FeatureExpressionTest, IsNotDisturbedByCatalogueAndTransactions) {

@@ -1,0 +1,146 @@
+// Statements that are cancelled at any moment.
+
+#include "host/system/Host.h"
+
+#include "host/providers/TestLayers.h"
+#include "support/Query.h"
+
+#include <gtest/gtest.h>
+
+#include <QFile>
+
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <random>
+#include <thread>
+
+#include <time.h>
+
+namespace orvane {
+
+namespace {
+
+using std::chrono::microseconds;
+using testing::Host;
+
+/// What the thread itself worked, whatever else the machine does.
+double threadSeconds() {
+    timespec time{};
+    ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
+}
+
+bool isSanitized() {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    return true;
+#else
+    return false;
+#endif
+}
+
+/// Each takes far longer than it is allowed to.
+constexpr const char* statements[] = {
+    "Select Count(*) From numbers a, numbers b Where a.n + b.n = -1",
+    "Select Count(*) From numbers a, numbers b Where a.s Like '%' & b.s",
+    "Select a.s, Count(*) From numbers a, numbers b Group By a.s Having Count(*) < 0",
+    "Select Count(*) From numbers Where Len(Repeat(s, 9000000 + n)) = 1",
+    "Select Count(*) From numbers Where Repeat(s, 100000 + n) Like '%' & Repeat('e%x', 30) & 'q'",
+    "Select Count(*) From numbers Where Repeat(s, 100000 + n) Glob '*' & Repeat('e*x', 30) & 'q'",
+    "Select Count(*) From numbers Where InStr(UCase(Repeat(s, 300000 + n)), 'Ё') = 1",
+    "Select Count(*) From cities c, countries k Where c.obj Within k.obj And k.pop < -1",
+    "Select Count(*) From countries a, countries b Where a.obj Intersects b.obj And a.pop < -1",
+    "Select Count(*) From countries a, countries b Where Distance(a.obj, b.obj) < 0",
+    "Select ST_Area(ST_Union(Buffer(c.obj, 2))) From cities c, cities d",
+    "Select Area(ConvexHull(Collect(c.obj))) From cities c, numbers d",
+    "Select Count(Distinct a.s & b.s) From numbers a, numbers b",
+    "Select Max(UCase(a.s) & Format(b.n, '#,##0')) From numbers a, numbers b",
+    "Select Count(*) From numbers a Join numbers b On a.s = b.s Join numbers c On b.n = c.n, numbers d",
+    "With Recursive r(i) As (Select 1 Union All Select i + 1 From r) Select Count(*) From r",
+    "Select Sum(r) From (Select n, r From numbers Order By s Desc, r), cities Order By 1",
+};
+
+/// Cancels the engine after a while, from another thread, until it is told that the statement has ended.
+class Canceller {
+public:
+    Canceller(Engine& engine, microseconds delay)
+        : thread_([this, &engine, delay] {
+              std::unique_lock lock(mutex_);
+              if (ended_.wait_for(lock, delay, [this] { return isEnded_; }))
+                  return;
+              engine.cancelQuery();
+              cancelledAt_ = std::chrono::steady_clock::now();
+              // One that falls between two statements has no effect; the host repeats it until the work has
+              // ended.
+              while (!ended_.wait_for(lock, std::chrono::milliseconds(2), [this] { return isEnded_; }))
+                  engine.cancelQuery();
+          }) {}
+    ~Canceller() { end(); }
+
+    /// Seconds from the cancellation to now; 0 when there was none.
+    double end() {
+        const auto now = std::chrono::steady_clock::now();
+        {
+            const std::lock_guard lock(mutex_);
+            isEnded_ = true;
+        }
+        ended_.notify_one();
+        if (thread_.joinable())
+            thread_.join();
+        return cancelledAt_ ? std::chrono::duration<double>(now - *cancelledAt_).count() : 0;
+    }
+
+private:
+    std::mutex mutex_;
+    std::condition_variable ended_;
+    bool isEnded_ = false;
+    std::optional<std::chrono::steady_clock::time_point> cancelledAt_;
+    std::thread thread_;
+};
+
+class CancellationTest : public ::testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        Host& host = Host::instance();
+        host.openExamples();
+        const QString path = host.path(QStringLiteral("numbers.gpkg"));
+        const auto dataset = files::createDataset({"GPKG", "gpkg"}, path);
+        files::addLayerOfNumbers(*dataset, "numbers", 20'000);
+        host.open(path);
+    }
+    static void TearDownTestSuite() { Host::instance().closeAll(); }
+};
+
+} // namespace
+
+TEST_F(CancellationTest, EndsAnyStatementAtAnyMoment) {
+    Host& host = Host::instance();
+    const QByteArray given = qgetenv("ORVANE_TEST_CANCELLATIONS");
+    const int times = given.isEmpty() ? 80 : given.toInt();
+    std::mt19937 random(given.isEmpty() ? 7u : static_cast<unsigned>(times));
+    int interrupted = 0;
+    for (int i = 0; i < times; ++i) {
+        const char* const statement = statements[static_cast<std::size_t>(i) % std::size(statements)];
+        const QString sql = host.engine->translate(QLatin1String(statement));
+        // Mostly soon, where statements begin and indices are built.
+        const double share = std::uniform_real_distribution(0.0, 1.0)(random);
+        const microseconds delay(static_cast<int>(share * share * share * 400'000));
+        Canceller canceller(*host.engine, delay);
+        const double before = threadSeconds();
+        const std::string answer = testing::answer(host.engine->engineDatabase(), sql);
+        const double worked = threadSeconds() - before;
+        canceller.end();
+        interrupted += answer.rfind("error", 0) == 0;
+        // The delay passes while the statement works, or while the machine does something else.
+        const double late = worked - static_cast<double>(delay.count()) / 1e6;
+        if (!isSanitized()) {
+            EXPECT_LT(late, 0.1) << statement << " cancelled after " << delay.count() << " microseconds";
+        }
+        ASSERT_EQ(testing::answer(host.engine->engineDatabase(),
+                                  QStringLiteral("Select Count(*) From numbers Where n < 10")),
+                  "9");
+    }
+    EXPECT_GT(interrupted, times * 3 / 4); // the others were done before
+}
+
+} // namespace orvane
