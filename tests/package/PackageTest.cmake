@@ -1,0 +1,54 @@
+# Builds examples/embed against a fresh installation, and compares what its programs answer.
+
+set(prefix "${WORK_DIR}/prefix")
+set(build "${WORK_DIR}/embed")
+file(REMOVE_RECURSE "${prefix}" "${build}")
+
+# run(OUTPUT command...): stops at a failure.
+function(run output)
+    execute_process(COMMAND ${ARGN} RESULT_VARIABLE status OUTPUT_VARIABLE text ERROR_VARIABLE errors)
+    if(NOT status STREQUAL 0)
+        message(FATAL_ERROR "${ARGN}\nended with ${status}\n${text}\n${errors}")
+    endif()
+    set(${output} "${text}" PARENT_SCOPE)
+endfunction()
+
+function(expect program expected)
+    run(answer "${build}/${program}" ${ARGN})
+    if(NOT answer STREQUAL expected)
+        message(FATAL_ERROR "${program} answers\n${answer}\ninstead of\n${expected}")
+    endif()
+endfunction()
+
+set(flags "-Wall -Wextra -Werror")
+if(SANITIZE)
+    string(APPEND flags " -fsanitize=${SANITIZE}")
+endif()
+run(log "${CMAKE_COMMAND}" --install "${BUILD_DIR}" --prefix "${prefix}")
+run(log "${CMAKE_COMMAND}" -S "${SOURCE_DIR}/examples/embed" -B "${build}" -G Ninja "-DCMAKE_PREFIX_PATH=${prefix}"
+    "-DCMAKE_CXX_COMPILER=${COMPILER}" "-DCMAKE_CXX_COMPILER_LAUNCHER=${LAUNCHER}" "-DCMAKE_CXX_FLAGS=${flags}")
+run(log "${CMAKE_COMMAND}" --build "${build}")
+
+set(data "${SOURCE_DIR}/examples/data")
+expect(embed [[
+Shanghai | 22315474
+Beijing | 18960744
+Shenzhen | 17494398
+les Escaldes 15.9k
+Andorra la Vella 20.4k
+Umm Al Quwain City 62.8k
+4442
+error: no such table: cities
+error: no such table: renamed table
+]] "${data}/cities.shp" "Select name, population From cities Order By population Desc Limit 3"
+    "name & ' ' & Round(population / 1000, 1) & 'k'")
+expect(folders [[
+cities.cpg | 5
+cities.prj | 145
+]] "${data}" "Select name, size From files Where name Like 'CITIES.%' And size < 1000 Order By size")
+
+# The installed command finds its own libraries and plug-in.
+run(answer "${prefix}/bin/orvane" "${data}/cities.shp" -F csv --no-header -c "Select Count(*) From cities")
+if(NOT answer STREQUAL "4442\n")
+    message(FATAL_ERROR "the installed command answers ${answer}")
+endif()
