@@ -41,6 +41,7 @@ function(orvane_library target)
     add_library(${target} SHARED)
     add_library(Orvane::${target} ALIAS ${target})
     orvane_target_defaults(${target})
+    target_compile_features(${target} PUBLIC cxx_std_20)
     set_target_properties(${target} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
     generate_export_header(${target} BASE_NAME ${ARG_MACRO}
         EXPORT_FILE_NAME "${PROJECT_BINARY_DIR}/generated/${ARG_EXPORT_HEADER}")
