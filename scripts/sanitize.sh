@@ -1,5 +1,5 @@
 #!/bin/sh
-# The tests under AddressSanitizer and UndefinedBehaviorSanitizer, then the cache's concurrency under ThreadSanitizer,
+# The tests under AddressSanitizer and UndefinedBehaviorSanitizer, a thousand cancelled statements among them, then the cache's concurrency under ThreadSanitizer,
 # then every fuzz target for a minute.
 set -eu
 cd "$(dirname "$0")/.."
@@ -7,6 +7,8 @@ scripts/setup.sh
 cmake --preset asan
 cmake --build --preset asan
 ctest --preset asan -j "$(nproc)" "$@"
+ORVANE_TEST_CANCELLATIONS=1000 QT_PLUGIN_PATH=build/asan/plugins LSAN_OPTIONS=suppressions=tests/lsan.supp \
+    build/asan/bin/host_system_test --gtest_filter='Cancellation*'
 cmake --preset tsan
 cmake --build --preset tsan --target engine_geometry_test
 ctest --preset tsan -R '^engine_geometry_test$'

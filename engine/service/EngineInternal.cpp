@@ -78,6 +78,7 @@ void Engine::Internal::initialiseSpatialite() {
     try {
         spatialiteConnection_ = spatialite_alloc_connection();
         spatialite_init_ex(sqliteHandle(), spatialiteConnection_, 0);
+        spatialite_set_silent_mode(spatialiteConnection_); // GEOS would write to standard error
     } catch (...) {
         if (spatialiteConnection_) {
             spatialite_cleanup_ex(spatialiteConnection_);

@@ -49,11 +49,7 @@ class ModuleTable : public VirtualTable {
 public:
     ModuleTable(QString name, std::shared_ptr<dp::Table> source, const dp::TableSchema& schema,
                 ModuleContext& context)
-        : VirtualTable(std::move(name), std::move(source), schema, *context.cache,
-                       [&context](const std::shared_ptr<dp::Table>& table) -> engine::EngineIndices* {
-                           Engine* engine = context.engine();
-                           return engine ? engine->indices(table) : nullptr;
-                       }),
+        : VirtualTable(std::move(name), std::move(source), schema, *context.cache, indexStore(context)),
           context_(context) {}
 
     void announce() {
@@ -71,6 +67,21 @@ public:
             engine->unRegisterManagement(name());
         }
     }
+    void rename(const QString& newName) {
+        withdraw();
+        auto entry = context_.sources.extract(name());
+        if (entry) {
+            if (entry.mapped().object == name()) {
+                entry.mapped().object = newName; // the catalogue has renamed the object too
+            }
+            context_.sources.erase(newName);
+            entry.key() = newName;
+            context_.sources.insert(std::move(entry));
+        }
+        setName(newName);
+        announce();
+    }
+    void forget() { context_.sources.erase(name()); }
 
 private:
     static IndexStore indexStore(const ModuleContext& context) {
@@ -84,7 +95,7 @@ private:
         };
     }
 
-    const ModuleContext& context_;
+    ModuleContext& context_;
 };
 
 ModuleTable& tableOf(sqlite3_vtab* table) {

@@ -152,7 +152,8 @@ unsigned char LineEditor::complete() {
     if (completion.candidates.empty())
         return CC_REFRESH_BEEP;
     const bool isOnly = completion.candidates.size() == 1;
-    const std::string text = commonStart(completion.candidates) + (isOnly ? " " : "");
+    const bool goesOn = !isOnly || completion.candidates.front().back() == '/'; // a directory
+    const std::string text = commonStart(completion.candidates) + (goesOn ? "" : " ");
     if (isOnly || charactersIn(text) > static_cast<int>(completion.wordLength)) {
         el_deletestr(edit_.get(), static_cast<int>(completion.wordLength));
         el_insertstr(edit_.get(), text.c_str());

@@ -38,7 +38,8 @@ void runPrompt(Session& session, StatementRunner& runner, Output& output, Interr
     PromptCommands commands(session, runner, output);
     std::string text;
     LineEditor editor(interrupt, historyPath(), [&session, &text](const std::string& lineBeforeCursor) {
-        return completeStatement(text + lineBeforeCursor, session.names());
+        return text.empty() ? completeLine(lineBeforeCursor, session.names())
+                            : completeStatement(text + lineBeforeCursor, session.names());
     });
     std::printf("%s\n", Shell::tr("Команды показывает .help, выход: Ctrl-D").toUtf8().constData());
     std::string line;

@@ -8,6 +8,7 @@
 #include "platform/dp/Table.h"
 #include <orvane/engine/FunctionNames.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <utility>
 
@@ -46,32 +47,36 @@ QString typeName(const dp::AttributeDefinition& attribute) {
 
 struct PromptCommands::Command {
     const char* name;
-    const char* argument;
+    Argument kind;
+    const char* argument; ///< as the help shows it
     const char* summary;
     void (PromptCommands::*run)(const QString& argument);
 };
 
 const std::vector<PromptCommands::Command>& PromptCommands::commands() {
     static const std::vector<Command> all{
-        {".tables", "", QT_TRANSLATE_NOOP("orvane::shell::Shell", "таблицы и число их строк"),
+        {".tables", Argument::None, "", QT_TRANSLATE_NOOP("orvane::shell::Shell", "таблицы и число их строк"),
          &PromptCommands::showTables},
-        {".schema", "[TABLE]", QT_TRANSLATE_NOOP("orvane::shell::Shell", "столбцы таблицы или всех таблиц"),
+        {".schema", Argument::Table, "[TABLE]",
+         QT_TRANSLATE_NOOP("orvane::shell::Shell", "столбцы таблицы или всех таблиц"),
          &PromptCommands::showSchema},
-        {".functions", "[TEXT]",
+        {".functions", Argument::Text, "[TEXT]",
          QT_TRANSLATE_NOOP("orvane::shell::Shell", "функции, в имени или описании которых есть TEXT"),
          &PromptCommands::showFunctions},
-        {".help", "[FUNCTION]", QT_TRANSLATE_NOOP("orvane::shell::Shell", "команды или описание функции"),
+        {".help", Argument::Function, "[FUNCTION]",
+         QT_TRANSLATE_NOOP("orvane::shell::Shell", "команды или описание функции"),
          &PromptCommands::showHelp},
-        {".translate", "STATEMENT", QT_TRANSLATE_NOOP("orvane::shell::Shell", "запрос на языке SQLite"),
+        {".translate", Argument::Statement, "STATEMENT",
+         QT_TRANSLATE_NOOP("orvane::shell::Shell", "запрос на языке SQLite"),
          &PromptCommands::showTranslation},
-        {".explain", "STATEMENT",
+        {".explain", Argument::Statement, "STATEMENT",
          QT_TRANSLATE_NOOP("orvane::shell::Shell", "выполнить запрос и показать, чем получен ответ"),
          &PromptCommands::explain},
-        {".open", "FILE | NAME=FILE[|LAYER]", QT_TRANSLATE_NOOP("orvane::shell::Shell", "открыть слои файла"),
-         &PromptCommands::open},
-        {".close", "TABLE", QT_TRANSLATE_NOOP("orvane::shell::Shell", "закрыть таблицу"),
+        {".open", Argument::File, "FILE | NAME=FILE[|LAYER]",
+         QT_TRANSLATE_NOOP("orvane::shell::Shell", "открыть слои файла"), &PromptCommands::open},
+        {".close", Argument::Table, "TABLE", QT_TRANSLATE_NOOP("orvane::shell::Shell", "закрыть таблицу"),
          &PromptCommands::close},
-        {".quit", "", QT_TRANSLATE_NOOP("orvane::shell::Shell", "выйти"), nullptr},
+        {".quit", Argument::None, "", QT_TRANSLATE_NOOP("orvane::shell::Shell", "выйти"), nullptr},
     };
     return all;
 }
@@ -81,6 +86,14 @@ QStringList PromptCommands::names() {
     for (const Command& command : commands())
         names += QLatin1String(command.name);
     return names;
+}
+
+PromptCommands::Argument PromptCommands::argumentOf(const QString& name) {
+    const auto& all = commands();
+    const auto found = std::find_if(all.begin(), all.end(), [&name](const Command& command) {
+        return name.compare(QLatin1String(command.name), Qt::CaseInsensitive) == 0;
+    });
+    return found == all.end() ? Argument::None : found->kind;
 }
 
 bool PromptCommands::run(const QString& line) {

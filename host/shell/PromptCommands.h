@@ -11,8 +11,13 @@ public:
     PromptCommands(Session& session, StatementRunner& runner, Output& output)
         : session_(session), runner_(runner), output_(output) {}
 
+    /// What stands behind the name of a command.
+    enum class Argument { None, Table, Function, Text, File, Statement };
+
     /// Their names with the dot.
     static QStringList names();
+    /// None for what is no command.
+    static Argument argumentOf(const QString& name);
 
     /// Carries a line out; one that is no command, or whose file does not open, is answered with a message on
     /// standard error. False when the user wants to leave.

@@ -6,6 +6,8 @@
 #include "platform/sql/Keywords.h"
 #include "platform/sql/SqlStrings.h"
 
+#include <QDir>
+
 #include <algorithm>
 
 namespace orvane::shell {
@@ -61,7 +63,45 @@ QStringList columnsOf(const QStringList& tables, const Names& names) {
     return columns;
 }
 
+/// Names of files that begin as the path does; directories end with a slash, to go on from there.
+QStringList filesBeginningWith(const QString& path) {
+    const int nameStart = path.lastIndexOf(QLatin1Char('/')) + 1;
+    const QString directory = path.left(nameStart);
+    QStringList names;
+    const auto entries =
+        QDir(directory.isEmpty() ? QStringLiteral(".") : directory)
+            .entryInfoList({path.mid(nameStart) + QLatin1Char('*')}, QDir::AllEntries | QDir::NoDotAndDotDot);
+    for (const QFileInfo& entry : entries)
+        names += directory + entry.fileName() + (entry.isDir() ? QStringLiteral("/") : QString());
+    return names;
+}
+
+/// A command takes its argument as it stands: names are not quoted there, and may hold blanks.
+Completion completeArgument(PromptCommands::Argument kind, const QString& argument, const Names& names) {
+    const QString start = kind == PromptCommands::Argument::File
+                              ? argument.mid(argument.indexOf(QLatin1Char('=')) + 1) // of NAME=FILE
+                              : argument;
+    const std::wstring word = sql::toSqlString(start);
+    switch (kind) {
+    case PromptCommands::Argument::Table: return {word.size(), beginningWith(word, names.tables())};
+    case PromptCommands::Argument::Function: return {word.size(), beginningWith(word, names.functions())};
+    case PromptCommands::Argument::File: return {word.size(), beginningWith(word, filesBeginningWith(start))};
+    default: return {};
+    }
+}
+
 } // namespace
+
+Completion completeLine(const std::string& line, const Names& names) {
+    const QString text = QString::fromStdString(line);
+    const int blank = text.indexOf(QLatin1Char(' '));
+    if (!text.startsWith(QLatin1Char('.')) || blank < 0)
+        return completeStatement(line, names);
+    const auto kind = PromptCommands::argumentOf(text.left(blank));
+    const QString argument = text.mid(blank + 1);
+    return kind == PromptCommands::Argument::Statement ? completeStatement(argument.toStdString(), names)
+                                                       : completeArgument(kind, argument, names);
+}
 
 Completion completeStatement(const std::string& statement, const Names& names) {
     const sql::TokenizedText text = sql::tokenize(statement);

@@ -11,4 +11,8 @@ namespace orvane::shell {
 /// that need quotation marks come with them.
 Completion completeStatement(const std::string& statement, const Names& names);
 
+/// The same for a first line, which may be a command of the prompt: its argument is completed to what the
+/// command takes.
+Completion completeLine(const std::string& line, const Names& names);
+
 } // namespace orvane::shell

@@ -124,6 +124,10 @@ TEST_F(Prompt, completesWords) {
     terminal_.readUntil("3426354");
     terminal_.type("Select c.geon\tFrom cities c Where c.popu\tBetw\t3426354 And 3426354;\n");
     terminal_.readUntil("2950159\r\n");
+    terminal_.type(".sche\tcountr\t\n");
+    terminal_.readUntil("  lifeExp  Real\r\n");
+    terminal_.type(".close cou\t\n.open " ORVANE_EXAMPLE_DATA "/coun\t\n.tables\n");
+    terminal_.readUntil("countries  177\r\n");
     terminal_.type(".qui\t\n");
     EXPECT_EQ(terminal_.exitStatus(), 0);
 }

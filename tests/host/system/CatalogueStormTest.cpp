@@ -244,7 +244,7 @@ TEST_P(CatalogueStorm, LeavesEveryTableAsTheCatalogueSays) {
         host.files = std::make_unique<files::FilesExtension>(nullptr);
     host.core.pluginManager()->registerExtension(host.files.get());
     host.files->linkDataCatalog();
-    for (unsigned seed = seedFromEnvironment(), end = seed + 4; seed < end; ++seed) {
+    for (unsigned seed = seedFromEnvironment(), end = seed + 3; seed < end; ++seed) {
         SCOPED_TRACE("ORVANE_TEST_SEED=" + std::to_string(seed));
         Storm(seed, *host.files).run(250);
     }
