@@ -56,7 +56,8 @@ void label(orvane::Engine& engine, orvane::dp::Table& table, const QString& text
 
 int main(int argc, char** argv) {
     QCoreApplication application(argc, argv);
-    QCoreApplication::addLibraryPath(QStringLiteral(ORVANE_PLUGIN_DIR)); // the driver of the engine's database
+    QCoreApplication::addLibraryPath(
+        QStringLiteral(ORVANE_PLUGIN_DIR)); // the driver of the engine's database
     QTranslator english;
     english.load(QStringLiteral("orvane_en"), QStringLiteral(ORVANE_TRANSLATION_DIR));
     QCoreApplication::installTranslator(&english);
@@ -81,8 +82,7 @@ int main(int argc, char** argv) {
         QCoreApplication::processEvents(); // the engine follows the catalogue from the event loop
         ask(*engine, arguments[2]);
 
-        const auto table =
-            std::dynamic_pointer_cast<orvane::dp::Table>(catalog.dataObjects().constFirst());
+        const auto table = std::dynamic_pointer_cast<orvane::dp::Table>(catalog.dataObjects().constFirst());
         label(*engine, *table, arguments[3]);
 
         const QString before = table->name();

@@ -44,8 +44,8 @@ public:
 
     /// Moves to the next row; false at the end.
     bool next();
-    /// Runs the statement to its end and makes it ready for the next execution, also when it fails; parameters
-    /// keep their values.
+    /// Runs the statement to its end and makes it ready for the next execution, also when it fails;
+    /// parameters keep their values.
     void run();
     /// Ends the execution, so that parameters can be bound again.
     void reset();
