@@ -267,7 +267,8 @@ QVariant::Type EngineExpression::type() const {
     query.exec();
     const QSqlRecord record = query.record();
     query.finish();
-    return record.isEmpty() ? QVariant::String : record.field(0).type();
+    const QVariant::Type type = record.field(0).type();
+    return type == QVariant::Invalid ? QVariant::String : type; // nothing declared, and no value yet
 }
 
 void EngineExpression::setError(QString text) {

@@ -32,11 +32,11 @@ run(log "${CMAKE_COMMAND}" --build "${build}")
 set(data "${SOURCE_DIR}/examples/data")
 expect(embed [[
 Shanghai | 22315474
-Beijing | 18960744
-Shenzhen | 17494398
-les Escaldes 15.9k
-Andorra la Vella 20.4k
-Umm Al Quwain City 62.8k
+Istanbul | 14804116
+Buenos Aires | 13076300
+Āzādshahr 514.0k
+Kahrīz 767.0k
+Qarchak 252.0k
 4442
 error: no such table: cities
 error: no such table: renamed table

@@ -66,7 +66,7 @@ public:
     /// The columns of the temporary table as the database reports them.
     QStringList columns() const;
     /// The type of the prepared expression: that of the column, or of the value for the row. QVariant::String
-    /// when there is no expression.
+    /// while neither tells.
     QVariant::Type type() const;
     /// The names of the schema's first geometry and style attribute; empty without one.
     const QString& geoName() const { return geoName_; }
