@@ -296,10 +296,11 @@ TEST_F(ResultFiles, AFailureLeavesNothing) {
 
 TEST_F(ResultFiles, CancellingLeavesNothing) {
     for (const int milliseconds : {1, 300}) {
-        RunningProgram program({QStringLiteral("-c"),
-                                QStringLiteral("With Recursive n(i) As (Select 1 Union All Select i + 1 From n) "
-                                               "Select i, MakePoint(i, i) As g Into '%0/r.gpkg' From n")
-                                    .arg(directory_.path())});
+        RunningProgram program(
+            {QStringLiteral("-c"),
+             QStringLiteral("With Recursive n(i) As (Select 1 Union All Select i + 1 From n) "
+                            "Select i, MakePoint(i, i) As g Into '%0/r.gpkg' From n")
+                 .arg(directory_.path())});
         while (files().isEmpty() && program.isRunning()) // until it has begun to write
             program.waitFor(10);
         program.waitFor(milliseconds);
