@@ -264,6 +264,10 @@
         <source>текст до %0 символов</source>
         <translation>text of up to %0 characters</translation>
     </message>
+    <message>
+        <source>строки сгруппированы в памяти</source>
+        <translation>the rows are grouped in memory</translation>
+    </message>
 </context>
 <context>
     <name>orvane::dp</name>

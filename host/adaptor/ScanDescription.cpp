@@ -141,6 +141,9 @@ QStringList describe(const ScanReport& report, const QString& alias) {
     if (scanCount(report) > 0) {
         lines += rows(report);
     }
+    if (report.isArranged) {
+        lines += Words::tr("строки сгруппированы в памяти");
+    }
     return lines + reasons(report);
 }
 

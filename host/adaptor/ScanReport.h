@@ -52,6 +52,7 @@ struct ScanReport {
     std::int64_t emptyScans = 0; ///< no row could match, so none was read
     std::int64_t rowsRead = 0;
     std::int64_t rowsPassed = 0; ///< handed to SQLite
+    bool isArranged = false;     ///< for Group By or Distinct, so that SQLite need not sort
     IndexUse lastIndexUse;
     std::vector<int> indexAttributes; ///< of the index asked last
     QStringList indexColumns;         ///< their names

@@ -283,6 +283,9 @@ bool VirtualCursor::openInOrder() {
 }
 
 int VirtualCursor::arrange() {
+    if (report_) {
+        report_->isArranged = true;
+    }
     const auto& columns = table_.declaration().columns();
     std::vector<ArrangedRows::Key> keys;
     for (const ScanPlan::Order& each : plan_.order) {

@@ -19,6 +19,15 @@ std::optional<std::vector<dp::FeatureId>> VirtualTable::findByIndex(std::span<co
     return store ? indexing_.find(table(), *store, terms, cancellation) : std::nullopt;
 }
 
+void VirtualTable::detach() {
+    engine::EngineIndices* store = table_ && makesIndices() ? indexStore_(table_) : nullptr;
+    if (store) {
+        store->dropStorage();
+    }
+    forgetIndices();
+    table_.reset();
+}
+
 std::optional<double> VirtualTable::averageGroup(int attribute) const {
     const engine::EngineIndices* store = makesIndices() ? indexStore_(table_) : nullptr;
     return store ? indexing_.averageGroup(attribute, *store) : std::nullopt;

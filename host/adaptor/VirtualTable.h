@@ -48,8 +48,9 @@ public:
     dp::Table& table() const;
     /// Null once the table was closed.
     const std::shared_ptr<dp::Table>& tableOrNull() const { return table_; }
-    /// Lets go of the table. Cursors that are open keep what they read from.
-    void detach() { table_.reset(); }
+    /// Lets go of the table, and of its indices with their place on the disk. Cursors that are open keep what
+    /// they read from.
+    void detach();
 
     /// Whether the spatial index of the table as it is now is there already.
     bool hasSpatialIndex() const { return spatialIndex_ && spatialIndexRevision_ == table().revision(); }

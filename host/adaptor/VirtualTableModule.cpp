@@ -209,6 +209,7 @@ int xDisconnect(sqlite3_vtab* table) {
     const std::unique_ptr<ModuleTable> owned(&tableOf(table));
     return barrier(&table->zErrMsg, [&] {
         owned->withdraw();
+        owned->detach();
         return SQLITE_OK;
     });
 }

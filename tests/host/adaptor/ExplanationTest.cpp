@@ -75,6 +75,9 @@ TEST_F(ExplanationTest, TellsHowEachTableWasAnsweredAndWhyNotBetter) {
          "  нет индекса для number: просмотры пока дешевле .*"},
         {"Select * From (Select Max(number) n From items) a, few Where few.rowid = a.n Order By few.word",
          "запрос a:\n  items: .*\n    .*\na: все строки\nfew: (?:.|\n)*\nсортировка для ORDER BY"},
+        {"Select Distinct number From items",
+         "items: просмотр всей таблицы\n  строк 4000, ожидалось 4000\n  строки сгруппированы в памяти"
+         "(?:\nсортировка для DISTINCT)?"},
         {"Select (Select Count(*) From items i Where i.number = f.number) From few f",
          "few f: .*\n  .*\nподзапрос 1, заново для каждой строки:\n  items i: .*\n    (?:.|\n)*"},
         {"Select * From few a Left Join items b On b.number = a.number And a.number < 0",

@@ -132,7 +132,7 @@ TEST_F(IndexBuildingTest, IsLeftOutWhenTheHostSwitchesItOff) {
     EXPECT_TRUE(files().isEmpty());
 }
 
-TEST_F(IndexBuildingTest, GoesWithItsFileWhenTheTableChanges) {
+TEST_F(IndexBuildingTest, GoesWithItsFileWhenTheTableChangesOrCloses) {
     const auto table = openItems("edited");
     EXPECT_TRUE(explanation(lookupsIn("edited")).contains(QStringLiteral("сделан сейчас")));
     EXPECT_EQ(files().size(), 1);
@@ -144,6 +144,11 @@ TEST_F(IndexBuildingTest, GoesWithItsFileWhenTheTableChanges) {
     EXPECT_EQ(files().size(), 1);
     EXPECT_NE(files(), first);
     engine().clearIndices(table);
+    EXPECT_TRUE(files().isEmpty());
+    EXPECT_EQ(ask(lookupsIn("edited")), "900");
+    EXPECT_EQ(files().size(), 1);
+    catalog().close(table->name());
+    QCoreApplication::processEvents();
     EXPECT_TRUE(files().isEmpty());
 }
 
