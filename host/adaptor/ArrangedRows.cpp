@@ -42,7 +42,7 @@ double ArrangedRows::expectedBytes(double rows, std::size_t attributes, std::siz
     constexpr double guessedText = 16;
     const auto plain = static_cast<double>(attributes > keys ? attributes - keys : 0);
     const double perRow = sizeof(dp::FeatureId) + 2 * sizeof(std::uint32_t) +
-                          static_cast<double>(keys) * sizeof(ValueRanks::Code) +
+                          static_cast<double>(keys) * (ValueRanks::bytesPerValue + guessedText) +
                           plain * (sizeof(Value) + guessedText);
     return rows * perRow;
 }

@@ -13,8 +13,8 @@
 namespace orvane::adaptor {
 
 /// Rows of a table in memory, arranged by some of their attributes, the keys: in order, or so that the rows
-/// with one value are found at once. Geometries are not for here. Takes for each row 16 bytes and 4 for each
-/// key, 16 for each other attribute, besides what texts take and once the different values of the keys.
+/// with one value are found at once. Takes for each row 16 bytes and 4 for each
+/// key, 16 for each other attribute, besides what texts and geometries take and once the different values of the keys.
 class ArrangedRows {
 public:
     struct Key {
@@ -30,7 +30,8 @@ public:
     /// `attributes` are those that will be read; a key counts as one, once.
     ArrangedRows(const std::vector<int>& attributes, std::vector<Key> keys);
 
-    /// About how many bytes so many rows take, their texts guessed.
+    /// About how many bytes so many rows take when all values of the keys differ; the length of texts is
+    /// guessed.
     static double expectedBytes(double rows, std::size_t attributes, std::size_t keys);
 
     /// Copies the current row of a cursor.

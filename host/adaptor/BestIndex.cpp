@@ -30,8 +30,11 @@ constexpr double assumedLookups = 10'000;
 constexpr double assumedGroup = 25;
 /// The share of a layer that stands in a relation to one geometry.
 constexpr double relatedShare = 0.01;
-/// Up to this size, rows are put in order in memory; texts above ByteArena::heapBytes go to a file.
+/// Up to this size, rows are put in order in memory; texts and geometries above ByteArena::heapBytes
+/// go to a file.
 constexpr double mostOrderedBytes = 256 << 20;
+/// A geometry, as far as nothing is known of it.
+constexpr double wideValueBytes = 256;
 
 std::optional<Comparison> comparisonOf(unsigned char operation) {
     switch (operation) {
@@ -327,16 +330,17 @@ private:
 
     /// Whether the rows go into memory with all columns used.
     bool isArrangeable() const {
-        std::size_t used = 0;
-        for (std::size_t column = 0; column < declaration_.columns().size(); ++column) {
-            if (plan_.usesColumn(static_cast<int>(column))) {
+        std::size_t used = 0, wide = 0;
+        for (std::size_t i = 0; i < declaration_.columns().size(); ++i) {
+            const TableDeclaration::Column& column = declaration_.columns()[i];
+            if (column.attribute >= 0 && plan_.usesColumn(static_cast<int>(i))) {
                 ++used;
-                if (!isPlain(declaration_.columns()[column])) {
-                    return false;
-                }
+                wide += !isPlain(column);
             }
         }
-        return ArrangedRows::expectedBytes(passing_, used, plan_.order.size()) <= mostOrderedBytes;
+        return ArrangedRows::expectedBytes(rows_, used, plan_.order.size()) +
+                   rows_ * static_cast<double>(wide) * wideValueBytes <=
+               mostOrderedBytes;
     }
 
     static bool isPlain(const TableDeclaration::Column& column) {

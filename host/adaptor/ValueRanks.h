@@ -23,6 +23,11 @@ public:
     using Code = std::uint32_t;
     using Rank = std::uint32_t;
 
+    /// What one more value takes, besides its text: the value, slots, rank, place in the order, and the code
+    /// of its row.
+    static constexpr double bytesPerValue =
+        sizeof(dp::Cell) + 3 * sizeof(Code) + 2 * sizeof(Rank) + sizeof(Code);
+
     /// Texts are compared under the collation; numbers by their value, whether integer or real.
     explicit ValueRanks(dp::TextCollation collation);
 

@@ -145,8 +145,9 @@ bool VirtualCursor::readRelation(sqlite3_value* value) {
     const auto other = related->coordSystem();
     if (coordSystem_ && other && coordSystem_ != other && !coordSystem_->equals(*other)) {
         related_ = related;
-        if (!plan_.usesColumn(table_.declaration().geometryColumn())) {
-            request_.attributes.push_back(geometryAttribute_);
+        auto& attributes = request_.attributes;
+        if (std::find(attributes.begin(), attributes.end(), geometryAttribute_) == attributes.end()) {
+            attributes.push_back(geometryAttribute_);
         }
         return true;
     }
@@ -210,9 +211,13 @@ bool VirtualCursor::readArguments(std::span<sqlite3_value*> arguments) {
 
 int VirtualCursor::filter(const char* planText, std::span<sqlite3_value*> arguments) {
     rows_ = nullptr;
+    cancellation_ = {};
+    if (planText == planText_ && ordered_ && arguments.empty()) {
+        startOrdered(); // the same rows again, for another row of an outer table
+        return SQLITE_OK;
+    }
     scan_.reset();
     ordered_.reset();
-    cancellation_ = {};
     if (planText != planText_) {
         readPlan(planText);
     }
@@ -220,9 +225,9 @@ int VirtualCursor::filter(const char* planText, std::span<sqlite3_value*> argume
     if (report_) {
         report();
     }
-    const bool arrives = !rows_ || plan_.ordering == ScanPlan::Ordering::None ||
-                         plan_.ordering == ScanPlan::Ordering::WantsIndex || isInIndexOrder_;
-    return arrives ? SQLITE_OK : arrange();
+    const bool isOrderPromised =
+        plan_.ordering == ScanPlan::Ordering::InMemory || plan_.ordering == ScanPlan::Ordering::ByIndex;
+    return rows_ && isOrderPromised && !isInIndexOrder_ ? arrange() : SQLITE_OK;
 }
 
 void VirtualCursor::openRows(std::span<sqlite3_value*> arguments) {
@@ -305,9 +310,13 @@ int VirtualCursor::arrange() {
     }
     ordered.arrangeInOrder();
     ordered_.emplace(std::move(ordered));
+    startOrdered();
+    return SQLITE_OK;
+}
+
+void VirtualCursor::startOrdered() {
     orderedRows_.start(*ordered_, ordered_->all());
     rows_ = &orderedRows_;
-    return SQLITE_OK;
 }
 
 void VirtualCursor::report() {

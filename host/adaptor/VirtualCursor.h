@@ -49,6 +49,7 @@ private:
     bool openInOrder();
     /// Reads all rows and puts them into the plan's order.
     int arrange();
+    void startOrdered();
     /// Tells the report how the scan that was just started gets its rows.
     void report();
 

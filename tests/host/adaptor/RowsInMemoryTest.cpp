@@ -1,5 +1,8 @@
 #include "AdaptorFixture.h"
 
+#include "platform/geometry/GeometryFactory.h"
+#include "platform/geometry/Shapes.h"
+
 #include <algorithm>
 #include <random>
 #include <sstream>
@@ -89,6 +92,25 @@ TEST_F(RowsInMemoryTest, GroupsAreThoseOfSqlite) {
     EXPECT_TRUE(isSorted("Select Count(*) From things Group By word Collate NoCase"));
 }
 
+TEST_F(RowsInMemoryTest, GeometriesGoAlongWithTheirRows) {
+    std::mt19937 random(5);
+    std::vector<MemoryTable::Row> places;
+    for (int i = 0; i < 2000; ++i) {
+        const geometry::Point point(i, static_cast<double>(random() % 100));
+        const QVariant wkb = geometry::GeometryFactory::toWkb(point.clone(), QSysInfo::LittleEndian);
+        places.push_back({QStringLiteral("word %1").arg(random() % 50), i % 7 ? wkb : QVariant()});
+    }
+    open("places",
+         {attribute("word", QMetaType::QString),
+          dp::AttributeDefinitionPointer(
+              new dp::GeometryAttributeDefinition(QStringLiteral("shape"), nullptr))},
+         std::move(places));
+    const std::string query = "Select word, Count(*), Sum(ST_X(g)), Max(ST_Y(g)) From "
+                              "(Select word, \"cd750f8a9a2b4fac9b9b05eb53795d97\" g From places) Group By ";
+    EXPECT_FALSE(isSorted(query + "word"));
+    EXPECT_EQ(rows(query + "word"), rows(query + "word Collate NoCase"));
+}
+
 TEST_F(RowsInMemoryTest, GroupsComeInTheOrderOfTheirKeys) {
     openPair("things", 500, 2);
     for (const char* order : {"word", "word Desc", "number Desc", "size, day"}) {
@@ -113,6 +135,7 @@ TEST_F(RowsInMemoryTest, JoinsFindTheRowsThatSqliteFinds) {
         expectSame("Select Count(*), Sum(a.number), Sum(b.size), Count(b.word) From @a a Join" + on);
         expectSame("Select Count(*), Sum(a.number), Sum(b.size), Count(b.word) From @a a Left Join" + on);
         expectSame("Select a.day, Count(*), Max(b.day) From @a a Cross Join" + on + " Group By a.day");
+        expectSame("Select b.day, Count(*), Max(a.day) From @a a Cross Join" + on + " Group By b.day");
     }
     expectSame(
         "Select Count(*) From @a a Where Exists (Select 1 From @b b Where b.word = a.word And b.size = 1)");
