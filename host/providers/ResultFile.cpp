@@ -13,6 +13,9 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
+#include <mutex>
+#include <set>
 #include <stdexcept>
 
 namespace orvane::files {
@@ -68,7 +71,50 @@ void removeStaleParts(const QFileInfo& file, const QStringList& written) {
     }
 }
 
+/// The directories of results that exist now.
+class DirectoryList {
+public:
+    static DirectoryList& instance() {
+        static auto* const list = new DirectoryList; // tables may go after all else has gone
+        return *list;
+    }
+    void add(const QString& path) {
+        const std::lock_guard lock(mutex_);
+        paths_.insert(path.toStdString());
+    }
+    void take(const QString& path) {
+        const std::lock_guard lock(mutex_);
+        paths_.erase(path.toStdString());
+    }
+    void removeAll() {
+        const std::lock_guard lock(mutex_);
+        std::error_code ignored;
+        for (const std::string& path : paths_)
+            std::filesystem::remove_all(path, ignored);
+    }
+
+private:
+    std::mutex mutex_;
+    std::set<std::string> paths_;
+};
+
+/// A new directory, removed with its last owner.
+std::shared_ptr<QTemporaryDir> makeDirectory(const QString& pathTemplate, const QString& subject) {
+    const std::shared_ptr<QTemporaryDir> directory(new QTemporaryDir(pathTemplate), [](QTemporaryDir* owned) {
+        DirectoryList::instance().take(owned->path());
+        delete owned;
+    });
+    if (!directory->isValid())
+        raise(subject, directory->errorString());
+    DirectoryList::instance().add(directory->path());
+    return directory;
+}
+
 } // namespace
+
+void removeResultDirectories() {
+    DirectoryList::instance().removeAll();
+}
 
 bool ResultFile::isKnown(const QString& path) {
     return formatOf(path) != nullptr;
@@ -86,10 +132,7 @@ ResultFile::ResultFile(QString path, bool overwrite) : path_(std::move(path)), o
         raise(path_, Texts::tr("файлы пишутся с окончаниями %1").arg(endings().join(QStringLiteral(", "))));
     requireFree();
     const QFileInfo file(path_);
-    directory_ =
-        std::make_unique<QTemporaryDir>(file.absoluteDir().filePath(QStringLiteral(".orvane-XXXXXX")));
-    if (!directory_->isValid())
-        raise(path_, directory_->errorString());
+    directory_ = makeDirectory(file.absoluteDir().filePath(QStringLiteral(".orvane-XXXXXX")), path_);
 }
 
 ResultFile::~ResultFile() = default;
@@ -131,9 +174,7 @@ std::shared_ptr<LayerTable> addResultTable(dp::DataCatalog& catalog, const QStri
             raise(name, Texts::tr("таблица уже есть"));
     };
     requireFree();
-    auto directory = std::make_shared<QTemporaryDir>(QDir::temp().filePath(QStringLiteral("orvane-XXXXXX")));
-    if (!directory->isValid())
-        raise(name, directory->errorString());
+    auto directory = makeDirectory(QDir::temp().filePath(QStringLiteral("orvane-XXXXXX")), name);
     const QString path = directory->filePath(QStringLiteral("result.gpkg"));
     const QByteArray layerName("result");
     try {

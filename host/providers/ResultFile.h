@@ -37,8 +37,12 @@ private:
 
     QString path_;
     bool overwrite_;
-    std::unique_ptr<QTemporaryDir> directory_;
+    std::shared_ptr<QTemporaryDir> directory_;
 };
+
+/// Removes what results are being written in and what holds tables of results, for a process that has to end
+/// without clean-up. Any thread.
+ORVANE_FILES_EXPORT void removeResultDirectories();
 
 /// Makes a result an open table of the catalogue: a GeoPackage in a temporary directory, which goes with the
 /// table, so that memory stays bounded and the rows can be edited. Types, widths, geometry and coordinate

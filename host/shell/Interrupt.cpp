@@ -46,9 +46,9 @@ void Interrupt::setCancel(std::function<void()> cancel) {
     cancel_ = std::move(cancel);
 }
 
-void Interrupt::setTemporaryFile(std::string path) {
+void Interrupt::setCleanUp(std::function<void()> cleanUp) {
     const std::lock_guard lock(mutex_);
-    temporaryFile_ = std::move(path);
+    cleanUp_ = std::move(cleanUp);
 }
 
 void Interrupt::wait() {
@@ -82,8 +82,8 @@ void Interrupt::cancelUntilDone() {
 
 void Interrupt::exitNow() {
     const std::lock_guard lock(mutex_);
-    if (!temporaryFile_.empty())
-        ::unlink(temporaryFile_.c_str());
+    if (cleanUp_)
+        cleanUp_();
     ::_exit(Interrupted);
 }
 

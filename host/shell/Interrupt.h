@@ -24,8 +24,8 @@ public:
     /// Whether the process ends with status 130, without clean-up, when the work does not stop within 70 ms:
     /// opening a file, for instance, cannot be cancelled. This is so at first.
     void setExitsWhenStuck(bool exits) { exitsWhenStuck_ = exits; }
-    /// A file to remove in that case; empty for none.
-    void setTemporaryFile(std::string path);
+    /// What removes temporary files in that case; called on the waiting thread.
+    void setCleanUp(std::function<void()> cleanUp);
 
     bool requested() const { return requested_; }
     /// Readable for as long as a request stands: to wait for input and for Ctrl-C at once.
@@ -39,7 +39,7 @@ private:
 
     std::mutex mutex_; ///< of the two below
     std::function<void()> cancel_;
-    std::string temporaryFile_;
+    std::function<void()> cleanUp_;
     std::atomic<bool> requested_{false};
     std::atomic<bool> exitsWhenStuck_{true};
     std::atomic<bool> ending_{false};

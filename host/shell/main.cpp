@@ -85,7 +85,10 @@ std::unique_ptr<Output> makeOutput(const Options& options, bool isPrompt, Interr
             return std::make_unique<HeldOutput>(descriptor);
         }
         auto file = std::make_unique<FileOutput>(*options.outputPath);
-        interrupt.setTemporaryFile(file->temporaryPath());
+        interrupt.setCleanUp([path = file->temporaryPath()] {
+            ::unlink(path.c_str());
+            files::removeResultDirectories();
+        });
         return file;
     } catch (const OutputError& error) {
         throw UsageError(QString::fromUtf8(error.what()));
@@ -147,6 +150,7 @@ void finishOutput(StatementRunner& runner, Output& output) {
 }
 
 ExitStatus runInputs(const Options& options, const std::vector<Input>& inputs, Interrupt& interrupt) {
+    interrupt.setCleanUp(files::removeResultDirectories);
     const bool isPrompt = options.statements.empty() && inputs.empty();
     const auto output = makeOutput(options, isPrompt, interrupt);
     Session session;

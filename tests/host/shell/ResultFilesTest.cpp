@@ -27,6 +27,12 @@ protected:
         return QDir(directory_.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
     }
 
+    bool isBeingWritten() const {
+        const QStringList found = files();
+        return !found.isEmpty() &&
+               QFile::exists(directory_.filePath(found.front() + QStringLiteral("/r.gpkg")));
+    }
+
     /// Runs a script over the source files; "%0" stands for the directory of the test.
     Answer run(const QStringList& sources, const char* script, const QStringList& options = {}) const {
         QString text = QString::fromUtf8(script);
@@ -303,6 +309,23 @@ TEST_F(ResultFiles, CancellingLeavesNothing) {
                  .arg(directory_.path())});
         while (files().isEmpty() && program.isRunning()) // until it has begun to write
             program.waitFor(10);
+        program.waitFor(milliseconds);
+        program.signal(SIGINT);
+        EXPECT_EQ(program.finish().status, 130);
+        EXPECT_EQ(files(), QStringList());
+    }
+}
+
+TEST_F(ResultFiles, CancellingWhileTheFileIsWrittenLeavesNothing) {
+    for (const int milliseconds : {1, 400}) {
+        RunningProgram program(
+            {QStringLiteral("-c"),
+             QStringLiteral("With Recursive n(i) As (Select 1 Union All Select i + 1 From n "
+                            "Where i < 200000) Select i, MakePoint(i, i) As g Into "
+                            "'%0/r.gpkg' From n")
+                 .arg(directory_.path())});
+        while (!isBeingWritten() && program.isRunning())
+            program.waitFor(5);
         program.waitFor(milliseconds);
         program.signal(SIGINT);
         EXPECT_EQ(program.finish().status, 130);
