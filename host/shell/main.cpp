@@ -120,10 +120,12 @@ StatementRunner::Settings runnerSettings(const Options& options, const Output& o
 }
 
 void logToStandardError(LogLevel lowest) {
-    loggerInstance()->exchangeSink([lowest](const LogEntry& entry) {
+    // A progress line may stand where the entry begins.
+    const char* const wipe = ::isatty(STDERR_FILENO) ? "\r\033[K" : "";
+    loggerInstance()->exchangeSink([lowest, wipe](const LogEntry& entry) {
         static constexpr const char* names[] = {"trace", "debug", "info", "warning"};
         if (entry.level >= lowest)
-            std::fprintf(stderr, "%s: %s:%d: %s\n", names[static_cast<int>(entry.level)],
+            std::fprintf(stderr, "%s%s: %s:%d: %s\n", wipe, names[static_cast<int>(entry.level)],
                          entry.sourceFile.toUtf8().constData(), entry.line, entry.text.toUtf8().constData());
     });
 }
