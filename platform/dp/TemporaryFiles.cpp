@@ -45,7 +45,8 @@ struct DirectoryVfs : sqlite3_vfs {
 
 std::string vfsWithTemporaryFilesIn(const QString& directory) {
     static std::mutex mutex;
-    static std::map<QString, std::unique_ptr<DirectoryVfs>> registered;
+    // Never destroyed: SQLite keeps the file systems in a list, which other libraries change at exit.
+    static auto& registered = *new std::map<QString, std::unique_ptr<DirectoryVfs>>;
     const std::lock_guard lock(mutex);
     std::unique_ptr<DirectoryVfs>& vfs = registered[directory];
     if (!vfs) {
