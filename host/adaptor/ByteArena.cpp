@@ -27,10 +27,13 @@ std::string_view ByteArena::copy(std::string_view bytes) {
     return {start, bytes.size()};
 }
 
-/// A new block for at least so many bytes, as large as all before it as long as it is on the heap.
+/// A new block for at least so many bytes. On the heap it is as large as all before it, as far as there is
+/// room.
 char* ByteArena::take(std::size_t size) {
     const bool isMapped = size_ >= heapBytes;
-    left_ = std::max(size, isMapped ? mappedBlock : std::max(size_, smallestBlock));
+    const std::size_t usual =
+        isMapped ? mappedBlock : std::max(std::min(size_, heapBytes - size_), smallestBlock);
+    left_ = std::max(size, usual);
     char* const block = isMapped ? map(left_) : blocks_.emplace_back(new char[left_]).get();
     size_ += left_;
     return block;
