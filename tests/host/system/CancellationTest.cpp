@@ -140,7 +140,7 @@ TEST_F(CancellationTest, EndsAnyStatementAtAnyMoment) {
                                   QStringLiteral("Select Count(*) From numbers Where n < 10")),
                   "9");
     }
-    EXPECT_GT(interrupted, times * 3 / 4); // the others were done before
+    EXPECT_GT(interrupted, times / 2); // the others were done before
 }
 
 } // namespace orvane
