@@ -20,6 +20,7 @@
 #include <algorithm>
 #include <exception>
 #include <stdexcept>
+#include <utility>
 
 namespace orvane {
 
@@ -51,7 +52,7 @@ std::string withClassName(const QString& text, const QObject& extension) {
 
 EngineExtension::EngineExtension(QObject* parent) : plugin::Extension(parent), retry_(new QTimer(this)) {
     retry_->setInterval(20);
-    connect(retry_, &QTimer::timeout, this, &EngineExtension::dropClosedTables);
+    connect(retry_, &QTimer::timeout, this, &EngineExtension::catchUp);
     dependencyManager()->addDependency(&Engine::staticMetaObject, serviceName<Engine>(), {});
     dependencyManager()->addDependency(&dp::DataCatalog::staticMetaObject, serviceName<dp::DataCatalog>(),
                                        {});
@@ -116,7 +117,13 @@ void EngineExtension::connectDataObject(const dp::DataObject& object) {
     tableNames_[&object] = object.name();
     connect(
         &object, &dp::DataObject::closeRequested, this,
-        [this, key = &object] { unregisterName(tableNames_.take(key)); }, Qt::QueuedConnection);
+        [this, key = &object] {
+            if (const QString name = tableNames_.take(key); !name.isEmpty()) {
+                unregisterName(name);
+            }
+            catchUp();
+        },
+        Qt::QueuedConnection);
 }
 
 bool EngineExtension::exec(QSqlDatabase database, const QString& sql) {
@@ -167,8 +174,11 @@ void EngineExtension::handleDataObject(const dp::DataObject* dobj) {
     if (module.isEmpty()) {
         return;
     }
-    if (!dropIfClosed(dobj->name())) {
-        return; // comes when the table that still has the name is dropped
+    // The other has another name by now, as a signal under way will tell.
+    if (isTableOfAnother(*dobj) || !dropIfClosed(dobj->name())) {
+        waiting_ << dobj;
+        retry_->start();
+        return;
     }
     try {
         const QString sql =
@@ -184,6 +194,7 @@ void EngineExtension::handleDataObject(const dp::DataObject* dobj) {
                 failureText(query));
             throw std::runtime_error(tr("Ошибка при создании виртуальной таблицы").toStdString());
         }
+        waiting_.removeAll(dobj);
         connectDataObject(*dobj);
     } catch (...) {
         std::throw_with_nested(
@@ -192,6 +203,9 @@ void EngineExtension::handleDataObject(const dp::DataObject* dobj) {
 }
 
 void EngineExtension::unregisterName(QString name) {
+    for (auto entry = tableNames_.begin(); entry != tableNames_.end();) {
+        entry = *entry == name ? tableNames_.erase(entry) : std::next(entry);
+    }
     const QSqlDatabase database = engineDatabase();
     if (exec(database, dropStatement(database, name))) {
         closedTables_.removeAll(name);
@@ -223,21 +237,39 @@ bool EngineExtension::dropIfClosed(const QString& name) {
     return true;
 }
 
-void EngineExtension::dropClosedTables() {
-    const QStringList names = closedTables_;
-    for (const QString& name : names) {
-        const dp::DataCatalog* catalog = dataCatalog();
-        if (const auto reopened = dropIfClosed(name) && catalog ? catalog->dataObject(name) : nullptr) {
-            try {
-                handleDataObject(reopened.get());
-            } catch (const std::exception& failure) {
-                loggerInstance()->write(LogLevel::Warning, QStringLiteral("EngineExtension"), __LINE__,
-                                        QStringLiteral("void orvane::EngineExtension::dropClosedTables()"),
-                                        name + QStringLiteral(": ") + QString::fromUtf8(failure.what()));
-            }
+bool EngineExtension::isTableOfAnother(const dp::DataObject& object) const {
+    for (auto entry = tableNames_.begin(); entry != tableNames_.end(); ++entry) {
+        if (entry.key() != &object && entry->compare(object.name(), Qt::CaseInsensitive) == 0) {
+            return true;
         }
     }
-    if (closedTables_.isEmpty()) {
+    return false;
+}
+
+void EngineExtension::catchUp() {
+    const QStringList names = closedTables_;
+    for (const QString& name : names) {
+        if (Engine* engine = dropIfClosed(name) ? nullptr : engineService()) {
+            engine->detachTable(name); // SQLite may have connected it anew
+        }
+    }
+    const QList<const dp::DataObject*> waiting = std::exchange(waiting_, {});
+    const dp::DataCatalog* catalog = dataCatalog();
+    const auto objects = catalog ? catalog->dataObjects() : QList<std::shared_ptr<dp::DataObject>>();
+    for (const auto& object : objects) {
+        if (!waiting.contains(object.get())) {
+            continue;
+        }
+        try {
+            handleDataObject(object.get());
+        } catch (const std::exception& failure) {
+            loggerInstance()->write(LogLevel::Warning, QStringLiteral("EngineExtension"), __LINE__,
+                                    QStringLiteral("void orvane::EngineExtension::catchUp()"),
+                                    object->name() + QStringLiteral(": ") +
+                                        QString::fromUtf8(failure.what()));
+        }
+    }
+    if (closedTables_.isEmpty() && waiting_.isEmpty()) {
         retry_->stop();
     }
 }
@@ -248,12 +280,21 @@ void EngineExtension::rename(QString oldName, QString newName) {
         return;
     }
     renameImpl(oldName, std::move(newName));
+    catchUp();
 }
 
 void EngineExtension::renameImpl(const QString& oldName, QString newName) {
     const dp::DataCatalog* catalog = dataCatalog();
     if (!catalog || !catalog->dataObject(newName)) {
         newName = dp::DataObject::makeValidObjectName(newName);
+    }
+    const auto renamed = catalog ? catalog->dataObject(newName) : nullptr;
+    if (renamed && tableNames_.value(renamed.get()) == newName) {
+        return; // an object that was renamed before its table was made
+    }
+    if (const auto* owner = tableNames_.key(oldName); owner && renamed && owner != renamed.get()) {
+        waiting_ << renamed.get(); // the table is another's, which a signal under way renames
+        return;
     }
     // A table that was closed while it was read may still bear one of the names: it is no table to rename.
     const bool hasTable = !closedTables_.contains(oldName, Qt::CaseInsensitive);
@@ -269,14 +310,20 @@ void EngineExtension::renameImpl(const QString& oldName, QString newName) {
             for (QString& name : tableNames_) {
                 name = name == oldName ? newName : name;
             }
+        } else if (renamed) {
+            waiting_ << renamed.get();
         }
         return;
     }
     if (hasTable) {
+        // Of an object that meanwhile has the name of another it makes the table again.
+        if (const auto* owner = tableNames_.key(oldName); owner && owner != renamed.get()) {
+            waiting_ << owner;
+        }
         unregisterName(oldName);
     }
-    if (const auto object = catalog ? catalog->dataObject(newName) : nullptr) {
-        handleDataObject(object.get());
+    if (renamed) {
+        handleDataObject(renamed.get());
     }
 }
 

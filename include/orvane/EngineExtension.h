@@ -4,6 +4,7 @@
 #include <orvane/engine/Export.h>
 
 #include <QHash>
+#include <QList>
 #include <QSqlDatabase>
 #include <QStringList>
 #include <QVariant>
@@ -81,12 +82,14 @@ protected Q_SLOTS:
 private:
     /// False when a closed table of that name is still read.
     bool dropIfClosed(const QString& name);
-    /// Drops the closed tables that are not read any more, and makes those that were opened again meanwhile.
-    void dropClosedTables();
+    bool isTableOfAnother(const dp::DataObject& object) const;
+    /// Drops the closed tables that are not read any more, and makes those that waited for their name.
+    void catchUp();
 
     Core* core_ = nullptr;
     QHash<const dp::DataObject*, QString> tableNames_; ///< of the open objects; the keys are only compared
     QStringList closedTables_;                         ///< still to be dropped
+    QList<const dp::DataObject*> waiting_;             ///< for their name; only compared
     QTimer* retry_;                                    ///< a child
 };
 
