@@ -229,8 +229,9 @@ bool EngineExtension::dropIfClosed(const QString& name) {
     }
     const QSqlDatabase database = engineDatabase();
     QSqlQuery query(database);
+    constexpr int primaryCode = 0xFF; // without what SQLite adds to tell one lock from another
     if (!query.exec(dropStatement(database, *closed)) &&
-        query.lastError().nativeErrorCode() == QString::number(SQLITE_LOCKED)) {
+        (query.lastError().nativeErrorCode().toInt() & primaryCode) == SQLITE_LOCKED) {
         return false;
     }
     closedTables_.erase(closed);
@@ -291,10 +292,6 @@ void EngineExtension::renameImpl(const QString& oldName, QString newName) {
     const auto renamed = catalog ? catalog->dataObject(newName) : nullptr;
     if (renamed && tableNames_.value(renamed.get()) == newName) {
         return; // an object that was renamed before its table was made
-    }
-    if (const auto* owner = tableNames_.key(oldName); owner && renamed && owner != renamed.get()) {
-        waiting_ << renamed.get(); // the table is another's, which a signal under way renames
-        return;
     }
     // A table that was closed while it was read may still bear one of the names: it is no table to rename.
     const bool hasTable = !closedTables_.contains(oldName, Qt::CaseInsensitive);
