@@ -14,7 +14,8 @@ namespace orvane::adaptor {
 
 /// Rows of a table in memory, arranged by some of their attributes, the keys: in order, or so that the rows
 /// with one value are found at once. Takes for each row 16 bytes and 4 for each
-/// key, 16 for each other attribute, besides what texts and geometries take and once the different values of the keys.
+/// key, 16 for each other attribute, besides what texts and geometries take and once the different values of
+/// the keys.
 class ArrangedRows {
 public:
     struct Key {
