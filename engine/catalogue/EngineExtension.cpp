@@ -174,6 +174,10 @@ void EngineExtension::handleDataObject(const dp::DataObject* dobj) {
     if (module.isEmpty()) {
         return;
     }
+    // Two names may have moved on before the signal of the first came.
+    if (const QString former = tableNames_.value(dobj); !former.isEmpty() && former != dobj->name()) {
+        unregisterName(former);
+    }
     // The other has another name by now, as a signal under way will tell.
     if (isTableOfAnother(*dobj) || !dropIfClosed(dobj->name())) {
         waiting_ << dobj;

@@ -229,7 +229,7 @@ private:
 
 unsigned seedFromEnvironment() {
     const QByteArray given = qgetenv("ORVANE_TEST_SEED");
-    return given.isEmpty() ? 1 : given.toUInt();
+    return given.isEmpty() ? 74 : given.toUInt(); // found a table that was forgotten
 }
 
 } // namespace
