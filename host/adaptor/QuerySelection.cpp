@@ -121,18 +121,18 @@ dp::Selection selectionOf(const std::string& query, Engine& engine,
     if (!parser.parse(query)) {
         throw SelectionError(parser.errors().front()->what());
     }
-    const auto* specification = ast::nodeAs<ast::QuerySpecification>(parser.result().node());
-    if (!specification) {
+    const auto* parsed = ast::nodeAs<ast::QuerySpecification>(parser.result().node());
+    if (!parsed) {
         refuseForm();
     }
-    const ast::TablePrimary& table = firstTable(*specification);
-    if (isAggregate(*specification)) {
+    const ast::TablePrimary& table = firstTable(*parsed);
+    if (isAggregate(*parsed)) {
         refuseForm();
     }
     engine::SqliteStringBuilder builder(QString(), nullptr);
     builder.setSelection(catalog.selection(), engine.cache());
     builder.setNeedDependencies(true);
-    engine.tryToTranslate(withRowNumber(*specification, table), builder, Engine::ParseAsIs);
+    engine.tryToTranslate(withRowNumber(*parsed, table), builder, Engine::ParseAsIs);
     if (!builder.errors().empty()) {
         throw SelectionError(builder.errors().front()->what());
     }

@@ -2,6 +2,7 @@
 
 #include "platform/dp/Cursor.h"
 #include "platform/dp/ScanRequest.h"
+#include <host/adaptor/Export.h>
 
 #include <cmath>
 #include <string_view>
@@ -9,7 +10,7 @@
 namespace orvane::adaptor {
 
 /// The operand as a cell that shows it.
-dp::Cell cellOf(const dp::ScanValue& value);
+ORVANE_ADAPTOR_EXPORT dp::Cell cellOf(const dp::ScanValue& value);
 
 /// SQLite stores a real that is not a number as NULL.
 inline bool isNull(const dp::Cell& cell) {

@@ -4,6 +4,7 @@
 #include <cpl_string.h>
 #include <gdal.h>
 #include <ogr_api.h>
+#include <ogr_srs_api.h>
 
 #include <memory>
 #include <type_traits>
@@ -25,6 +26,16 @@ struct GeometryDestroyer {
     void operator()(OGRGeometryH geometry) const { OGR_G_DestroyGeometry(geometry); }
 };
 using GeometryHandle = std::unique_ptr<std::remove_pointer_t<OGRGeometryH>, GeometryDestroyer>;
+
+struct ReferenceReleaser {
+    void operator()(OGRSpatialReferenceH reference) const { OSRRelease(reference); }
+};
+using ReferenceHandle = std::unique_ptr<std::remove_pointer_t<OGRSpatialReferenceH>, ReferenceReleaser>;
+
+struct FieldDestroyer {
+    void operator()(OGRFieldDefnH field) const { OGR_Fld_Destroy(field); }
+};
+using FieldHandle = std::unique_ptr<std::remove_pointer_t<OGRFieldDefnH>, FieldDestroyer>;
 
 struct CplFree {
     void operator()(void* memory) const { CPLFree(memory); }

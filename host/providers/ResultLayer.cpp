@@ -9,8 +9,6 @@
 #include "platform/geometry/TextFormats.h"
 #include <orvane/engine/SpatialiteBlob.h>
 
-#include <ogr_srs_api.h>
-
 #include <QCoreApplication>
 
 #include <array>
@@ -26,16 +24,6 @@ using Kind = ResultCell::Kind;
 struct Texts {
     Q_DECLARE_TR_FUNCTIONS(orvane::files::ResultLayer)
 };
-
-struct ReferenceReleaser {
-    void operator()(OGRSpatialReferenceH reference) const { OSRRelease(reference); }
-};
-using ReferenceHandle = std::unique_ptr<std::remove_pointer_t<OGRSpatialReferenceH>, ReferenceReleaser>;
-
-struct FieldDestroyer {
-    void operator()(OGRFieldDefnH field) const { OGR_Fld_Destroy(field); }
-};
-using FieldHandle = std::unique_ptr<std::remove_pointer_t<OGRFieldDefnH>, FieldDestroyer>;
 
 /// An option of GDAL for this thread while the object lives.
 class ThreadOption {

@@ -1,4 +1,5 @@
 #include "host/adaptor/TermFilter.h"
+#include "host/adaptor/ValueOrder.h"
 
 #include <orvane/engine/Collator.h>
 
@@ -32,19 +33,6 @@ public:
 private:
     Cell cell_;
 };
-
-Cell cellOf(const ScanValue& value) {
-    if (const auto* integer = std::get_if<std::int64_t>(&value)) {
-        return Cell::ofInteger(*integer);
-    }
-    if (const auto* real = std::get_if<double>(&value)) {
-        return Cell::ofReal(*real);
-    }
-    if (const auto* text = std::get_if<std::string>(&value)) {
-        return Cell::ofText(*text);
-    }
-    return {};
-}
 
 bool accepts(const ScanTerm& term, const ScanValue& cell) {
     TermFilter filter;
