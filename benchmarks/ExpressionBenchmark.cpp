@@ -4,28 +4,23 @@
 /// GeoPackage of points, with the columns of a gazetteer; a file named by ORVANE_BENCHMARK_TABLE, with
 /// columns name and population, takes its place.
 
-#include "host/adaptor/Adaptor.h"
+#include "support/Host.h"
+
 #include "host/adaptor/FeatureExpression.h"
 #include "host/providers/FileSource.h"
-#include "host/providers/FilesExtension.h"
-
-#include "platform/core/Core.h"
-#include "platform/dp/CellConversion.h"
-#include "platform/dp/DataCatalog.h"
 
 #include <benchmark/benchmark.h>
 #include <ogrsf_frmts.h>
 
-#include <QCoreApplication>
 #include <QSqlQuery>
-#include <QTemporaryDir>
 
 #include <algorithm>
 #include <cstdlib>
-#include <numeric>
 
 namespace orvane {
 namespace {
+
+using testing::Host;
 
 constexpr int rowCount = 138'000;
 const QString label = QStringLiteral("name & ' ' & Round(population / 1000, 1) & 'k'");
@@ -64,56 +59,31 @@ QString makeTable(const QString& path) {
     return path;
 }
 
-/// The engine over the one table, and the table's features.
-struct Host {
-    static Host& instance() {
-        static Host host;
-        return host;
+/// The one table, in the catalogue of the host, and its features.
+struct Towns {
+    static Towns& instance() {
+        static Towns towns;
+        return towns;
     }
 
-    std::vector<dp::FeaturePtr> readFeatures() const {
-        const auto schema = table->schema();
-        dp::ScanRequest request;
-        request.attributes.resize(static_cast<std::size_t>(schema->numAttributes()));
-        std::iota(request.attributes.begin(), request.attributes.end(), 0);
-        std::vector<dp::FeaturePtr> read;
-        for (const auto cursor = table->openCursor(request); cursor->next();) {
-            auto feature = std::make_shared<dp::Feature>(schema, cursor->featureId());
-            for (int i = 0; i < schema->numAttributes(); ++i)
-                feature->setAttribute(i, dp::toVariant(cursor->cell(i), *schema->at(i)));
-            read.push_back(std::move(feature));
-        }
-        return read;
-    }
-
-    QTemporaryDir directory;
-    dp::DataCatalog catalog;
-    Core core;
-    Engine* engine;
-    std::unique_ptr<files::FilesExtension> files;
     std::shared_ptr<dp::Table> table;
     std::vector<dp::FeaturePtr> features;
 
 private:
-    Host() {
-        core.registerService(&catalog);
-        engine = Engine::load(&core);
-        engine->loadTableAdapterModule(&core, adaptor::initialise);
-        files = std::make_unique<files::FilesExtension>(nullptr);
-        core.pluginManager()->registerExtension(files.get());
-        files->linkDataCatalog();
+    Towns() {
+        Host& host = Host::instance();
         const QString given = qEnvironmentVariable("ORVANE_BENCHMARK_TABLE");
-        table = files::openFile(given.isEmpty() ? makeTable(directory.filePath(QStringLiteral("towns.gpkg")))
-                                                : given)
+        table = files::openFile(given.isEmpty() ? makeTable(host.path(QStringLiteral("towns.gpkg"))) : given)
                     .front();
         table->setName(QStringLiteral("towns"));
-        catalog.add(table);
-        QCoreApplication::sendPostedEvents();
-        features = readFeatures();
+        host.catalog.add(table);
+        Host::deliverSignals();
+        features = Host::features(*table);
     }
 };
 
 void select(benchmark::State& state, const QString& expression) {
+    Towns::instance();
     Host& host = Host::instance();
     const QString sql = host.engine->translate(QStringLiteral("Select %0 From towns").arg(expression));
     std::int64_t rows = 0;
@@ -130,15 +100,15 @@ void select(benchmark::State& state, const QString& expression) {
 
 std::unique_ptr<adaptor::FeatureExpression> makeEvaluator(benchmark::State& state,
                                                           const QString& expression) {
-    Host& host = Host::instance();
-    auto evaluator = std::make_unique<adaptor::FeatureExpression>(*host.engine, *host.table->schema());
+    auto evaluator = std::make_unique<adaptor::FeatureExpression>(*Host::instance().engine,
+                                                                  *Towns::instance().table->schema());
     if (!evaluator->setText(expression))
         state.SkipWithError(evaluator->lastError().toUtf8().constData());
     return evaluator;
 }
 
 void evaluateEach(benchmark::State& state, const QString& expression) {
-    const auto& features = Host::instance().features;
+    const auto& features = Towns::instance().features;
     for (auto _ : state) {
         const auto evaluator = makeEvaluator(state, expression);
         for (const dp::FeaturePtr& feature : features)
@@ -150,7 +120,7 @@ void evaluateEach(benchmark::State& state, const QString& expression) {
 /// In blocks of a thousand, as a map draws them.
 void evaluateAll(benchmark::State& state, const QString& expression) {
     constexpr std::size_t blockSize = 1000;
-    const auto& features = Host::instance().features;
+    const auto& features = Towns::instance().features;
     for (auto _ : state) {
         const auto evaluator = makeEvaluator(state, expression);
         for (std::size_t i = 0; i < features.size(); i += blockSize) {
@@ -165,7 +135,7 @@ void evaluateAll(benchmark::State& state, const QString& expression) {
 void readFeatures(benchmark::State& state) {
     std::size_t rows = 0;
     for (auto _ : state)
-        rows += Host::instance().readFeatures().size();
+        rows += Host::features(*Towns::instance().table).size();
     state.SetItemsProcessed(static_cast<std::int64_t>(rows));
 }
 
@@ -181,8 +151,6 @@ BENCHMARK(readFeatures)->Unit(benchmark::kMillisecond);
 } // namespace orvane
 
 int main(int argc, char** argv) {
-    QCoreApplication application(argc, argv);
-    QCoreApplication::addLibraryPath(QCoreApplication::applicationDirPath() + QStringLiteral("/../plugins"));
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
     return 0;

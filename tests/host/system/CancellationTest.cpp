@@ -1,6 +1,6 @@
 // Statements that are cancelled at any moment.
 
-#include "host/system/Host.h"
+#include "support/Host.h"
 
 #include "host/providers/TestLayers.h"
 #include "support/Query.h"

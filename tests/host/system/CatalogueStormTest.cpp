@@ -1,6 +1,6 @@
 // Tables that open, change, get other names and close while statements read them.
 
-#include "host/system/Host.h"
+#include "support/Host.h"
 
 #include "host/adaptor/FeatureExpression.h"
 #include "host/providers/FileSource.h"

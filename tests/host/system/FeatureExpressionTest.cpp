@@ -1,6 +1,7 @@
-#include "host/system/Host.h"
+#include "support/Host.h"
 
 #include "host/adaptor/FeatureExpression.h"
+#include "host/providers/TestLayers.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -64,7 +65,16 @@ bool isAggregate(const QString& expression) {
 
 class FeatureExpressionTest : public ::testing::Test {
 protected:
-    static void SetUpTestSuite() { Host::instance().openExamples(); }
+    static void SetUpTestSuite() {
+        Host& host = Host::instance();
+        host.openExamples();
+        const QString path = host.path(QStringLiteral("types.gpkg"));
+        if (!QFile::exists(path)) {
+            const files::Format format{"GPKG", "gpkg"};
+            files::addLayerOfEveryType(*files::createDataset(format, path), "types", format);
+        }
+        host.open(path);
+    }
     static void TearDownTestSuite() { Host::instance().closeAll(); }
 
     static std::shared_ptr<dp::Table> table(const char* name) {

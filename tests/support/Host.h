@@ -16,14 +16,15 @@ class FilesExtension;
 
 namespace orvane::testing {
 
-/// The engine with the adaptor and the file provider. There is one engine per process, so the tests share it.
+/// The engine with the adaptor and the file provider, as an application sets them up: of the tests and of the
+/// benchmarks. There is one engine per process, so all share it.
 class Host {
 public:
     static Host& instance();
 
     /// Opens every layer of a file.
     void open(const QString& path);
-    /// The example data, and "types": a layer of every type of column, with NULLs.
+    /// Opens the example data.
     void openExamples();
     void closeAll();
     /// Lets the engine follow the catalogue.

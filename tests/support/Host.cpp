@@ -1,6 +1,5 @@
-#include "host/system/Host.h"
+#include "support/Host.h"
 
-#include "host/providers/TestLayers.h"
 #include "support/Query.h"
 
 #include "host/adaptor/Adaptor.h"
@@ -9,16 +8,19 @@
 #include "platform/dp/CellConversion.h"
 
 #include <QCoreApplication>
-#include <QFile>
+
+#include <numeric>
 
 namespace orvane::testing {
 
 Host& Host::instance() {
     static int argc = 1;
-    static char name[] = "test";
+    static char name[] = "host";
     static char* argv[] = {name, nullptr};
     static auto* const qt = new QCoreApplication(argc, argv);
     Q_UNUSED(qt)
+    // The driver plug-in of the build, without a variable in the environment.
+    QCoreApplication::addLibraryPath(QCoreApplication::applicationDirPath() + QStringLiteral("/../plugins"));
     static Host host;
     return host;
 }
@@ -41,13 +43,6 @@ void Host::openExamples() {
     for (const char* name : {"countries.gpkg", "cities.shp", "indicators.csv"}) {
         open(QStringLiteral(ORVANE_EXAMPLE_DATA "/") + QLatin1String(name));
     }
-    const QString types = path(QStringLiteral("types.gpkg"));
-    if (!QFile::exists(types)) {
-        const files::Format format{"GPKG", "gpkg"};
-        const auto dataset = files::createDataset(format, types);
-        files::addLayerOfEveryType(*dataset, "types", format);
-    }
-    open(types);
 }
 
 void Host::closeAll() {
@@ -67,8 +62,11 @@ std::string Host::ask(const QString& statement) {
 
 std::vector<dp::FeaturePtr> Host::features(dp::Table& table) {
     const auto schema = table.schema();
+    dp::ScanRequest request;
+    request.attributes.resize(static_cast<std::size_t>(schema->numAttributes()));
+    std::iota(request.attributes.begin(), request.attributes.end(), 0);
     std::vector<dp::FeaturePtr> read;
-    for (const auto cursor = table.openCursor(files::everything(table)); cursor->next();) {
+    for (const auto cursor = table.openCursor(request); cursor->next();) {
         auto feature = std::make_shared<dp::Feature>(schema, cursor->featureId());
         for (int i = 0; i < schema->numAttributes(); ++i) {
             feature->setAttribute(i, dp::toVariant(cursor->cell(i), *schema->at(i)));
