@@ -146,7 +146,7 @@ void RowSorter::sortFrom(RowSpan rows, std::size_t depth, const dp::Cancellation
     }
     cancellation.check();
     if (depth >= headedSize || depth >= key(rows.front().ordinal).size()) {
-        sortRest(rows, depth);
+        sortRest(rows, depth, cancellation);
         return;
     }
     for (Row& row : rows) {
@@ -155,7 +155,8 @@ void RowSorter::sortFrom(RowSpan rows, std::size_t depth, const dp::Cancellation
         std::copy(rest.begin(), rest.end(), bytes.begin());
         row.head = qFromBigEndian<quint64>(bytes.data());
     }
-    std::sort(rows.begin(), rows.end(), [](const Row& a, const Row& b) { return a.head < b.head; });
+    std::sort(rows.begin(), rows.end(),
+              dp::cancellable(cancellation, [](const Row& a, const Row& b) { return a.head < b.head; }));
     for (std::size_t begin = 0; begin < rows.size();) {
         std::size_t end = begin + 1;
         while (end < rows.size() && rows[end].head == rows[begin].head) {
@@ -166,14 +167,16 @@ void RowSorter::sortFrom(RowSpan rows, std::size_t depth, const dp::Cancellation
     }
 }
 
-void RowSorter::sortRest(RowSpan rows, std::size_t depth) {
-    std::sort(rows.begin(), rows.end(), [this, depth](const Row& a, const Row& b) {
-        const std::string_view keyA = key(a.ordinal);
-        const std::string_view keyB = key(b.ordinal);
-        const int order =
-            depth < keyA.size() && depth < keyB.size() ? keyA.substr(depth).compare(keyB.substr(depth)) : 0;
-        return order < 0 || (order == 0 && stored_[a.ordinal].id < stored_[b.ordinal].id);
-    });
+void RowSorter::sortRest(RowSpan rows, std::size_t depth, const dp::Cancellation& cancellation) {
+    std::sort(rows.begin(), rows.end(),
+              dp::cancellable(cancellation, [this, depth](const Row& a, const Row& b) {
+                  const std::string_view keyA = key(a.ordinal);
+                  const std::string_view keyB = key(b.ordinal);
+                  const int order = depth < keyA.size() && depth < keyB.size()
+                                        ? keyA.substr(depth).compare(keyB.substr(depth))
+                                        : 0;
+                  return order < 0 || (order == 0 && stored_[a.ordinal].id < stored_[b.ordinal].id);
+              }));
 }
 
 void RowSorter::clear() {

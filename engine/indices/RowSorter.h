@@ -61,7 +61,7 @@ private:
     std::string_view key(std::size_t ordinal) const;
     void appendKey(const dp::Cell& value, bool isCollated);
     void sortFrom(RowSpan rows, std::size_t depth, const dp::Cancellation& cancellation);
-    void sortRest(RowSpan rows, std::size_t depth);
+    void sortRest(RowSpan rows, std::size_t depth, const dp::Cancellation& cancellation);
 
     std::vector<bool> collated_;
     std::unique_ptr<TextOrder> textOrder_; ///< null when no column is collated

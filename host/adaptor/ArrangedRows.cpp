@@ -105,18 +105,19 @@ void ArrangedRows::sortBy(const KeyColumn& column) {
     order_ = std::move(sorted);
 }
 
-void ArrangedRows::arrangeInOrder() {
+void ArrangedRows::arrangeInOrder(const dp::Cancellation& cancellation) {
     placeAsTheyCame();
     for (auto column = keys_.rbegin(); column != keys_.rend(); ++column) {
-        column->ranks.finishInOrder();
+        column->ranks.finishInOrder(cancellation);
+        cancellation.check();
         sortBy(*column);
     }
 }
 
-std::size_t ArrangedRows::arrangeForLookups() {
+std::size_t ArrangedRows::arrangeForLookups(const dp::Cancellation& cancellation) {
     placeAsTheyCame();
     for (KeyColumn& column : keys_) {
-        column.ranks.finishForLookups();
+        column.ranks.finishForLookups(cancellation);
     }
     const auto best =
         std::max_element(keys_.begin(), keys_.end(), [](const KeyColumn& a, const KeyColumn& b) {

@@ -3,6 +3,7 @@
 #include "host/adaptor/ByteArena.h"
 #include "host/adaptor/ValueRanks.h"
 
+#include "platform/dp/Cancellation.h"
 #include "platform/dp/Cursor.h"
 #include "platform/dp/ScanRequest.h"
 
@@ -42,12 +43,13 @@ public:
     std::size_t bytes() const;
 
     /// Puts the rows in the order of the keys, the first one first; rows that agree in all stay in the order
-    /// in which they came. NULL comes before all values.
-    void arrangeInOrder();
+    /// in which they came. NULL comes before all values. Throws dp::Cancelled.
+    void arrangeInOrder(const dp::Cancellation& cancellation);
     /// Puts the rows in the given order: their positions as they came.
     void arrange(std::vector<std::uint32_t> order) { order_ = std::move(order); }
     /// Arranges for find by the key with the most different values, and answers its position.
-    std::size_t arrangeForLookups();
+    /// Throws dp::Cancelled.
+    std::size_t arrangeForLookups(const dp::Cancellation& cancellation);
 
     Range all() const { return {0, static_cast<std::uint32_t>(order_.size())}; }
     /// The rows in which the key of arrangeForLookups is equal to the operand.

@@ -91,12 +91,14 @@ bool RepeatedScan::keep(dp::Table& table, const dp::ScanRequest& request,
     const auto source = table.openCursor(whole);
     while (source->next()) {
         rows.add(*source);
-        if (rows.rowCount() % rowsBetweenChecks == 0 &&
-            (rows.bytes() > mostBytes || cancellation.isRequested())) {
-            return false;
+        if (rows.rowCount() % rowsBetweenChecks == 0) {
+            cancellation.check();
+            if (rows.bytes() > mostBytes) {
+                return false;
+            }
         }
     }
-    key_ = keys[rows.arrangeForLookups()];
+    key_ = keys[rows.arrangeForLookups(cancellation)];
     rows_.emplace(std::move(rows));
     return true;
 }

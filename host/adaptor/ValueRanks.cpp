@@ -108,19 +108,21 @@ int ValueRanks::compare(const Cell& a, const Cell& b) const {
     return isNumber(a) ? compareNumbers(a, b) : compareTexts(a.view(), b.view());
 }
 
-void ValueRanks::finishForLookups() {
+void ValueRanks::finishForLookups(const dp::Cancellation& cancellation) {
     if (hasTexts_ && collation_ != dp::TextCollation::Binary) {
-        finishInOrder();
+        finishInOrder(cancellation);
     } else {
         rankEnd_ = static_cast<Rank>(values_.size());
     }
 }
 
-void ValueRanks::finishInOrder() {
+void ValueRanks::finishInOrder(const dp::Cancellation& cancellation) {
     sorted_.resize(values_.size() - 1);
     std::iota(sorted_.begin(), sorted_.end(), Code{1});
-    std::sort(sorted_.begin(), sorted_.end(),
-              [this](Code a, Code b) { return compare(values_[a], values_[b]) < 0; });
+    std::sort(sorted_.begin(), sorted_.end(), dp::cancellable(cancellation, [this](Code a, Code b) {
+                  return compare(values_[a], values_[b]) < 0;
+              }));
+    cancellation.check();
     ranks_.assign(values_.size(), 0);
     rankEnd_ = 1;
     for (std::size_t i = 0; i < sorted_.size(); ++i) {

@@ -308,7 +308,7 @@ int VirtualCursor::arrange() {
             return SQLITE_INTERRUPT;
         }
     }
-    ordered.arrangeInOrder();
+    ordered.arrangeInOrder(cancellation_);
     ordered_.emplace(std::move(ordered));
     startOrdered();
     return SQLITE_OK;

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <stdexcept>
+#include <utility>
 
 namespace orvane::dp {
 
@@ -30,5 +31,18 @@ public:
 private:
     std::uint64_t since_;
 };
+
+/// An order for sorting, which takes long for many elements: looks at the cancellation now and then, and
+/// throws Cancelled out of the sort. The elements are then in any order. For one sort, in one thread.
+template<class Order>
+auto cancellable(const Cancellation& cancellation, Order order) {
+    return [&cancellation, order = std::move(order), comparisons = 0u](const auto& a, const auto& b) mutable {
+        constexpr unsigned comparisonsBetweenChecks = 4096;
+        if (++comparisons % comparisonsBetweenChecks == 0) {
+            cancellation.check();
+        }
+        return order(a, b);
+    };
+}
 
 } // namespace orvane::dp
