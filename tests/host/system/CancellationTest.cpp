@@ -11,6 +11,7 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <limits>
 #include <mutex>
 #include <random>
 #include <thread>
@@ -40,13 +41,15 @@ private:
     clockid_t clock_{};
 };
 
-bool isSanitized() {
+/// Seconds of work from a cancellation to the statement's end. Without optimisation it works several times
+/// slower, under a sanitizer without a bound.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    return true;
+constexpr double mostLate = std::numeric_limits<double>::infinity();
+#elif defined(__OPTIMIZE__)
+constexpr double mostLate = 0.1;
 #else
-    return false;
+constexpr double mostLate = 0.3;
 #endif
-}
 
 /// Each takes far longer than it is allowed to.
 constexpr const char* statements[] = {
@@ -140,9 +143,7 @@ TEST_F(CancellationTest, EndsAnyStatementAtAnyMoment) {
         const std::string answer = testing::answer(host.engine->engineDatabase(), sql);
         const double late = canceller.end();
         interrupted += answer.rfind("error", 0) == 0;
-        if (!isSanitized()) {
-            EXPECT_LT(late, 0.1) << statement << " cancelled after " << delay.count() << " microseconds";
-        }
+        EXPECT_LT(late, mostLate) << statement << " cancelled after " << delay.count() << " microseconds";
         ASSERT_EQ(testing::answer(host.engine->engineDatabase(),
                                   QStringLiteral("Select Count(*) From numbers Where n < 10")),
                   "9");
