@@ -1,8 +1,8 @@
 #include "support/Application.h"
+#include "support/CapturedLog.h"
 #include "support/MemoryTable.h"
 
 #include "platform/decimal/QDecNumber.h"
-#include "platform/log/Logger.h"
 #include <orvane/engine/EngineExpression.h>
 
 #include <gmock/gmock.h>
@@ -79,14 +79,12 @@ TEST(EngineExpression, NeedsNoTableWithoutAttributes) {
 }
 
 TEST(EngineExpression, FailuresAreReportedAndLogged) {
-    std::vector<LogEntry> entries;
-    auto before =
-        loggerInstance()->exchangeSink([&entries](const LogEntry& entry) { entries.push_back(entry); });
+    const tests::CapturedLog log;
     const auto schema = townSchema();
     EngineExpression expression(database(), *schema, cache());
     EXPECT_FALSE(expression.setExpression(QStringLiteral("nope + 1")));
     EXPECT_THAT(expression.lastError().toStdString(), ::testing::HasSubstr("nope"));
-    EXPECT_TRUE(entries.empty());
+    EXPECT_TRUE(log.entries.empty());
 
     ASSERT_TRUE(expression.setExpression(QStringLiteral("name")));
     const auto wider = std::make_shared<dp::TableSchema>(
@@ -94,11 +92,10 @@ TEST(EngineExpression, FailuresAreReportedAndLogged) {
     ASSERT_TRUE(expression.fill(town(schema, QStringLiteral("x"), 1)));
     EXPECT_FALSE(expression.fill(town(wider, QStringLiteral("y"), 1))); // the table is empty afterwards
     EXPECT_FALSE(expression.exec().isValid());
-    loggerInstance()->exchangeSink(std::move(before));
-    ASSERT_EQ(entries.size(), 2u);
-    EXPECT_THAT(entries[0].text.toStdString(), ::testing::StartsWith("Expression error: "));
-    EXPECT_THAT(entries[1].text.toStdString(), ::testing::StartsWith("Expression exec error: "));
-    EXPECT_EQ(entries[1].sourceFile, QStringLiteral("EngineExpression"));
+    ASSERT_EQ(log.entries.size(), 2u);
+    EXPECT_THAT(log.entries[0].text.toStdString(), ::testing::StartsWith("Expression error: "));
+    EXPECT_THAT(log.entries[1].text.toStdString(), ::testing::StartsWith("Expression exec error: "));
+    EXPECT_EQ(log.entries[1].sourceFile, QStringLiteral("EngineExpression"));
 }
 
 TEST(EngineExpression, WritesLiteralsAndBindsValues) {

@@ -1,5 +1,7 @@
 #include "SqlFunctions.h"
 
+#include "support/RandomText.h"
+
 #include <QDate>
 #include <QLocale>
 
@@ -7,7 +9,7 @@
 
 #include <random>
 
-using orvane::test::SqlFunctions;
+using orvane::tests::SqlFunctions;
 
 namespace {
 
@@ -15,13 +17,17 @@ QString iso(const QDate& date) {
     return date.toString(Qt::ISODate);
 }
 
-const char* const russianMonths[] = {"января", "февраля", "марта",    "апреля",  "мая",    "июня",
-                                     "июля",   "августа", "сентября", "октября", "ноября", "декабря"};
+/// The value of a call with one text.
+QString call(const SqlFunctions& functions, const char* call, const QString& text) {
+    return functions.run(QLatin1String("Select ") + QLatin1String(call), {text.toUtf8()});
+}
 
 /// The usual written forms of a day, in both languages.
 QStringList writtenForms(const QDate& date) {
     const QLocale english(QLocale::English);
-    const QString russian = QString::fromUtf8(russianMonths[date.month() - 1]);
+    static const std::vector<std::string> months = orvane::tests::pieces(
+        "января|февраля|марта|апреля|мая|июня|июля|августа|сентября|октября|ноября|декабря");
+    const QString russian = QString::fromStdString(months[static_cast<std::size_t>(date.month() - 1)]);
     const QString day = QString::number(date.day());
     const QString year = QString::number(date.year());
     return {iso(date),
@@ -53,8 +59,7 @@ TEST(DateProperties, UsualFormsOfTwoCenturiesReadAsTheSameDay) {
             if (isAmbiguous && date.day() <= 12 && date.day() != date.month()) {
                 continue;
             }
-            ASSERT_EQ(expected, functions.run(QStringLiteral("Select StringToDate(?1)"), {form}))
-                << form.toStdString();
+            ASSERT_EQ(expected, call(functions, "StringToDate(?1)", form)) << form.toStdString();
         }
     }
 }
@@ -66,36 +71,31 @@ TEST(DateProperties, TimesReadAsWritten) {
         const QTime time = QTime(0, 0).addMSecs(static_cast<int>(random() % 86400000));
         const QDate date = QDate(1950, 1, 1).addDays(static_cast<int>(random() % 40000));
         const QString written = time.toString(QStringLiteral("hh:mm:ss.zzz"));
-        ASSERT_EQ(QLatin1String("text ") + written,
-                  functions.run(QStringLiteral("Select StringToDate(?1)"), {written}));
-        ASSERT_EQ(QStringLiteral("text %1 %2").arg(iso(date), written),
-                  functions.run(QStringLiteral("Select StringToDate(?1)"),
-                                {date.toString(QStringLiteral("dd.MM.yyyy ")) + written}));
-        ASSERT_EQ(QLatin1String("text ") + written, functions.run(QStringLiteral("Select FormatTime(?1, '')"),
-                                                                  {iso(date) + QLatin1Char(' ') + written}));
-        ASSERT_EQ(QStringLiteral("integer %1").arg(time.hour() * 3600 + time.minute() * 60),
-                  functions.run(QStringLiteral("Select Hour(?1) * 3600 + Minute(?1) * 60"), {written}));
+        const QString dotted = date.toString(QStringLiteral("dd.MM.yyyy ")) + written;
+        const QString whole = iso(date) + QLatin1Char(' ') + written;
+        const int seconds = time.hour() * 3600 + time.minute() * 60;
+        ASSERT_EQ(QLatin1String("text ") + written, call(functions, "StringToDate(?1)", written));
+        ASSERT_EQ(QLatin1String("text ") + whole, call(functions, "StringToDate(?1)", dotted));
+        ASSERT_EQ(QLatin1String("text ") + written, call(functions, "FormatTime(?1, '')", whole));
+        ASSERT_EQ(QStringLiteral("integer %1").arg(seconds),
+                  call(functions, "Hour(?1) * 3600 + Minute(?1) * 60", written));
     }
 }
 
 TEST(DateProperties, ArbitraryTextIsReadWithoutHarm) {
     const SqlFunctions functions;
-    const std::vector<const char*> pieces = {"1", "12", "31",  "2021",     "00",  "99999999", "4294967296",
-                                             ":", ".",  " ",   "янв",      "sun", "T",        "-",
-                                             "٣", "😀",  "now", "20210315", ":30", "\u00a0"};
+    const auto pieces = orvane::tests::pieces(
+        "1|12|31|2021|00|99999999|4294967296|:|.| |янв|sun|T|-|٣|😀|now|20210315|:30|\u00a0");
     std::mt19937 random(5);
     for (int i = 0; i < 8000; ++i) {
-        QString text;
-        for (auto count = random() % 9; count > 0; --count) {
-            text += QString::fromUtf8(pieces[random() % pieces.size()]);
-        }
-        const QString result = functions.run(QStringLiteral("Select StringToDate(?1)"), {text}).mid(5);
+        const std::string text = orvane::tests::randomText(pieces, random, 8);
+        const QString result = call(functions, "StringToDate(?1)", QString::fromStdString(text)).mid(5);
         // Empty, or read back as what it is.
         const bool isDate = QDate::fromString(result.left(10), Qt::ISODate).isValid();
         const bool isTime = QTime::fromString(result.right(12), Qt::ISODateWithMs).isValid();
         const bool isWhole = result.isEmpty() || (isDate && result.size() == 10) ||
                              (isTime && result.size() == 12) || (isDate && isTime && result.size() == 23);
-        ASSERT_TRUE(isWhole) << text.toStdString() << " | " << result.toStdString();
+        ASSERT_TRUE(isWhole) << text << " | " << result.toStdString();
     }
 }
 

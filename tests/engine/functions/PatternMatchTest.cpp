@@ -1,5 +1,8 @@
 #include "SqlFunctions.h"
 
+#include "support/RandomText.h"
+#include "support/TextTable.h"
+
 #include "host/adaptor/PatternMatch.h"
 #include "platform/utils/Patterns.h"
 
@@ -11,23 +14,25 @@
 #include <random>
 
 using orvane::adaptor::PatternMatch;
+using namespace orvane::tests;
 
 namespace {
 
-const unsigned char* bytes(const QByteArray& text) {
-    return reinterpret_cast<const unsigned char*>(text.constData());
+const unsigned char* bytes(const std::string& text) {
+    return reinterpret_cast<const unsigned char*>(text.c_str());
 }
 
-bool matchesRegular(const QString& expression, const QString& text) {
-    return QRegularExpression(expression, QRegularExpression::CaseInsensitiveOption).match(text).hasMatch();
+bool like(const std::string& pattern, const std::string& text, QChar escape = {}) {
+    return PatternMatch::like(bytes(pattern), escape.unicode()).matches(bytes(text));
 }
 
-QString randomText(std::mt19937& random, const std::vector<const char*>& pieces, unsigned most) {
-    QString text;
-    for (auto count = random() % (most + 1); count > 0; --count) {
-        text += QString::fromUtf8(pieces[random() % pieces.size()]);
-    }
-    return text;
+bool glob(const std::string& pattern, const std::string& text) {
+    return PatternMatch::glob(bytes(pattern)).matches(bytes(text));
+}
+
+bool matchesRegular(const QString& expression, const std::string& text) {
+    const QRegularExpression regular(expression, QRegularExpression::CaseInsensitiveOption);
+    return regular.match(QString::fromStdString(text)).hasMatch();
 }
 
 /// SQLite's own LIKE (which folds ASCII) or GLOB (which folds nothing).
@@ -42,9 +47,9 @@ public:
         sqlite3_finalize(statement_);
         sqlite3_close(database_);
     }
-    bool operator()(const QByteArray& pattern, const QByteArray& text) {
-        sqlite3_bind_text(statement_, 1, pattern.constData(), pattern.size(), SQLITE_STATIC);
-        sqlite3_bind_text(statement_, 2, text.constData(), text.size(), SQLITE_STATIC);
+    bool operator()(const std::string& pattern, const std::string& text) {
+        sqlite3_bind_text(statement_, 1, pattern.c_str(), -1, SQLITE_STATIC);
+        sqlite3_bind_text(statement_, 2, text.c_str(), -1, SQLITE_STATIC);
         sqlite3_step(statement_);
         const bool result = sqlite3_column_int(statement_, 0) != 0;
         sqlite3_reset(statement_);
@@ -56,55 +61,56 @@ private:
     sqlite3_stmt* statement_ = nullptr;
 };
 
-const std::vector<const char*> texts = {"a", "A", "b",          "k",          "K", "\u212A", "s", "ſ",  "ß",
-                                        "ẞ", "i", "I",          "İ",          "ı", "ж",      "Ж", "σ",  "ς",
-                                        "Σ", "😀", "\U00010428", "\U00010400", "-", "]",      "^", "\n", "!"};
-const std::vector<const char*> likes = {"a", "K", "ſ", "Ж", "ς", "😀", "\U00010400", "%",
-                                        "%", "_", "!", "[", "*", "i", "."};
-const std::vector<const char*> globs = {"a", "k", "S", "Ж", "σ",     "😀",    "*",    "*",  "?",
-                                        "[", "]", "^", "-", "[a-ж]", "[^k]", "[K-]", "[!]"};
-
 } // namespace
 
+TEST(PatternMatch, MatchesWhatTheTableSays) {
+    for (const TableRow& row : readTable("utils/patterns.txt")) {
+        const auto& [kind, pattern, text, escape, expected] = row.columns<5>();
+        const bool matched = kind == QLatin1String("like") ? like(pattern.toStdString(), text.toStdString(),
+                                                                  escape.isEmpty() ? QChar() : escape[0])
+                                                           : glob(pattern.toStdString(), text.toStdString());
+        EXPECT_EQ(matched, expected == QLatin1String("1")) << row.place;
+    }
+}
+
 TEST(PatternMatch, AgreesWithTheRegularExpressions) {
+    const auto texts =
+        pieces("a|A|b|k|K|\u212A|s|ſ|ß|ẞ|i|I|İ|ı|ж|Ж|σ|ς|Σ|😀|\U00010428|\U00010400|-|]|^|\n|!");
+    const auto likes = pieces("a|K|ſ|Ж|ς|😀|\U00010400|%|%|_|!|[|*|i|.");
+    const auto globs = pieces("a|k|S|Ж|σ|😀|*|*|?|[|]|^|-|[a-ж]|[^k]|[K-]|[!]");
     std::mt19937 random(11);
     int matched = 0;
     for (int round = 0; round < 20000; ++round) {
-        const QString text = randomText(random, texts, 6);
-        const QString like = randomText(random, likes, 5);
-        const QString glob = randomText(random, globs, 5);
+        const std::string text = randomText(texts, random, 6);
+        const std::string likePattern = randomText(likes, random, 5);
+        const std::string globPattern = randomText(globs, random, 5);
         const QChar escape = round % 2 == 0 ? QChar() : QLatin1Char('!');
-        const bool expectedLike = matchesRegular(orvane::utils::likeToRegular(like, escape), text);
-        const bool expectedGlob = matchesRegular(orvane::utils::globToRegular(glob), text);
+        const bool expectedLike =
+            matchesRegular(orvane::utils::likeToRegular(QString::fromStdString(likePattern), escape), text);
+        const bool expectedGlob =
+            matchesRegular(orvane::utils::globToRegular(QString::fromStdString(globPattern)), text);
         matched += expectedLike + expectedGlob;
-        ASSERT_EQ(expectedLike,
-                  PatternMatch::like(bytes(like.toUtf8()), escape.unicode()).matches(bytes(text.toUtf8())))
-            << like.toStdString() << " | " << text.toStdString() << " | " << escape.unicode();
-        ASSERT_EQ(expectedGlob, PatternMatch::glob(bytes(glob.toUtf8())).matches(bytes(text.toUtf8())))
-            << glob.toStdString() << " | " << text.toStdString();
+        ASSERT_EQ(expectedLike, like(likePattern, text, escape))
+            << likePattern << " | " << text << " | " << escape.unicode();
+        ASSERT_EQ(expectedGlob, glob(globPattern, text)) << globPattern << " | " << text;
     }
     EXPECT_GT(matched, 1000);
 }
 
 TEST(PatternMatch, AgreesWithSqliteOnAscii) {
-    const std::vector<const char*> ascii = {"a", "b", "c", "d", "0", "-", "]", "[",
-                                            "^", "*", "?", "%", "_", "!", "."};
-    const std::vector<const char*> wild = {"*",    "?", "%", "_", "[", "[a-c]", "[c-a]", "[^b]",
-                                           "[]a]", "a", "b", "]", "-", "^",     "!"};
+    const auto ascii = pieces("a|b|c|d|0|-|]|[|^|*|?|%|_|!|.");
+    const auto wild = pieces("*|?|%|_|[|[a-c]|[c-a]|[^b]|[]a]|a|b|]|-|^|!");
     std::mt19937 random(13);
     BuiltIn builtInLike("like(?1, ?2)");
     BuiltIn builtInEscape("like(?1, ?2, '!')");
     BuiltIn builtInGlob("glob(?1, ?2)");
     for (int round = 0; round < 20000; ++round) {
-        const QByteArray text = randomText(random, ascii, 7).toUtf8();
-        const QByteArray pattern = randomText(random, wild, 6).toUtf8();
-        const std::string context = (pattern + " | " + text).toStdString();
-        ASSERT_EQ(builtInLike(pattern, text), PatternMatch::like(bytes(pattern), 0).matches(bytes(text)))
-            << context;
-        ASSERT_EQ(builtInEscape(pattern, text), PatternMatch::like(bytes(pattern), '!').matches(bytes(text)))
-            << context;
-        ASSERT_EQ(builtInGlob(pattern, text), PatternMatch::glob(bytes(pattern)).matches(bytes(text)))
-            << context;
+        const std::string text = randomText(ascii, random, 7);
+        const std::string pattern = randomText(wild, random, 6);
+        ASSERT_EQ(builtInLike(pattern, text), like(pattern, text)) << pattern << " | " << text;
+        ASSERT_EQ(builtInEscape(pattern, text), like(pattern, text, QLatin1Char('!')))
+            << pattern << " | " << text;
+        ASSERT_EQ(builtInGlob(pattern, text), glob(pattern, text)) << pattern << " | " << text;
     }
 }
 
@@ -116,12 +122,11 @@ TEST(PatternMatch, EveryLetterMatchesItsOtherCases) {
                 continue;
             }
             const QString pattern = QString::fromUcs4(&character, 1);
-            const QString text = QString::fromUcs4(&other, 1);
+            const std::string letter = pattern.toStdString();
+            const std::string text = QString::fromUcs4(&other, 1).toStdString();
             const bool expected = matchesRegular(pattern, text);
-            ASSERT_EQ(expected, PatternMatch::like(bytes(pattern.toUtf8()), 0).matches(bytes(text.toUtf8())))
-                << character << ' ' << other;
-            const QByteArray klass = "[" + pattern.toUtf8() + "]";
-            ASSERT_EQ(expected, PatternMatch::glob(bytes(klass)).matches(bytes(text.toUtf8()))) << character;
+            ASSERT_EQ(expected, like(letter, text)) << character << ' ' << other;
+            ASSERT_EQ(expected, glob("[" + letter + "]", text)) << character;
         }
     }
 }
@@ -132,27 +137,26 @@ TEST(PatternMatch, LettersThatQtDoesNotKnowYetMatchToo) {
          {0x2C2FU, 0xA7C0U, 0xA7D0U, 0xA7D6U, 0xA7D8U, vithkuqi, vithkuqi + 0xB, vithkuqi + 0x25}) {
         for (const uint small : {capital + 1, capital + 0x27, capital + 0x30}) {
             const QString pattern = QString::fromUcs4(&capital, 1);
-            const QString text = QString::fromUcs4(&small, 1);
-            EXPECT_EQ(matchesRegular(pattern, text),
-                      PatternMatch::like(bytes(pattern.toUtf8()), 0).matches(bytes(text.toUtf8())))
+            const std::string text = QString::fromUcs4(&small, 1).toStdString();
+            EXPECT_EQ(matchesRegular(pattern, text), like(pattern.toStdString(), text))
                 << capital << ' ' << small;
         }
     }
 }
 
 TEST(PatternMatch, ManyRunsOverALongTextTakeNoTime) {
-    const QByteArray text(100000, 'a');
+    const std::string text(100000, 'a');
     QElapsedTimer timer;
     timer.start();
     for (const char* pattern : {"%a%a%a%a%b", "%a%a%a%a%a%a%a%a%b%", "%_a_%_a_%b", "%aaaaaaaaaaaaaaaab"}) {
-        EXPECT_FALSE(PatternMatch::like(bytes(QByteArray(pattern)), 0).matches(bytes(text))) << pattern;
+        EXPECT_FALSE(like(pattern, text)) << pattern;
     }
-    EXPECT_TRUE(PatternMatch::like(bytes(QByteArrayLiteral("%a%a%a%a")), 0).matches(bytes(text)));
+    EXPECT_TRUE(like("%a%a%a%a", text));
     EXPECT_LT(timer.elapsed(), 1000);
 }
 
 TEST(PatternMatch, AConstantPatternServesEveryRowAndAColumnEachItsOwn) {
-    const orvane::test::SqlFunctions functions;
+    const SqlFunctions functions;
     const auto evaluate = [&functions](const char* expression) {
         return functions.evaluate(QString::fromUtf8(expression));
     };

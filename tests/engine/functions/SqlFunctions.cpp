@@ -3,9 +3,13 @@
 #include <QLocale>
 #include <QRegularExpression>
 
+#include <sqlite3.h>
+
+#include <spatialite.h>
+
 #include <stdexcept>
 
-namespace orvane::test {
+namespace orvane::tests {
 
 namespace {
 
@@ -40,12 +44,21 @@ QString textOf(sqlite3_stmt* statement) {
 
 } // namespace
 
-SqlFunctions::SqlFunctions() {
+void SqlFunctions::Close::operator()(sqlite3* database) const {
+    sqlite3_close(database);
+}
+
+void SqlFunctions::CleanUp::operator()(void* spatialite) const {
+    spatialite_cleanup_ex(spatialite);
+}
+
+SqlFunctions::SqlFunctions() : spatialite_(spatialite_alloc_connection()) {
     sqlite3* database = nullptr;
     if (sqlite3_open(":memory:", &database) != SQLITE_OK) {
         throw std::runtime_error("no database");
     }
     database_.reset(database);
+    spatialite_init_ex(database, spatialite_.get(), 0);
     for (const adaptor::FunctionRecord& record : records()) {
         const int flags = record.encoding | (record.deterministic ? SQLITE_DETERMINISTIC : 0);
         for (int arity = record.arity.minimum; arity <= record.arity.maximum; ++arity) {
@@ -59,8 +72,9 @@ SqlFunctions::SqlFunctions() {
 
 std::vector<adaptor::FunctionRecord> SqlFunctions::records() {
     std::vector<adaptor::FunctionRecord> all;
-    for (const auto family : {adaptor::arithmeticRecords(), adaptor::textRecords(),
-                              adaptor::dateTimeRecords(), adaptor::formatRecords()}) {
+    for (const auto family :
+         {adaptor::arithmeticRecords(), adaptor::textRecords(), adaptor::dateTimeRecords(),
+          adaptor::formatRecords(), adaptor::geometryRecords()}) {
         all.insert(all.end(), family.begin(), family.end());
     }
     return all;
@@ -70,7 +84,7 @@ QString SqlFunctions::evaluate(const QString& expression) const {
     return run(QLatin1String("Select ") + quoted(expression));
 }
 
-QString SqlFunctions::run(const QString& sql, const std::vector<QString>& parameters) const {
+QString SqlFunctions::run(const QString& sql, const std::vector<QByteArray>& parameters) const {
     sqlite3_stmt* raw = nullptr;
     const QByteArray text = sql.toUtf8();
     if (sqlite3_prepare_v2(handle(), text.constData(), -1, &raw, nullptr) != SQLITE_OK) {
@@ -78,8 +92,8 @@ QString SqlFunctions::run(const QString& sql, const std::vector<QString>& parame
     }
     const std::unique_ptr<sqlite3_stmt, decltype(&sqlite3_finalize)> statement(raw, sqlite3_finalize);
     for (size_t i = 0; i < parameters.size(); ++i) {
-        sqlite3_bind_text16(raw, static_cast<int>(i) + 1, parameters[i].constData(), parameters[i].size() * 2,
-                            SQLITE_TRANSIENT);
+        sqlite3_bind_text(raw, static_cast<int>(i) + 1, parameters[i].constData(), parameters[i].size(),
+                          SQLITE_TRANSIENT);
     }
     switch (sqlite3_step(raw)) {
     case SQLITE_ROW: return textOf(raw);
@@ -88,4 +102,4 @@ QString SqlFunctions::run(const QString& sql, const std::vector<QString>& parame
     }
 }
 
-} // namespace orvane::test
+} // namespace orvane::tests

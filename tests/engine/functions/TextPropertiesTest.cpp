@@ -1,10 +1,12 @@
 #include "SqlFunctions.h"
 
+#include "support/RandomText.h"
+
 #include <gtest/gtest.h>
 
 #include <random>
 
-using orvane::test::SqlFunctions;
+using orvane::tests::SqlFunctions;
 
 namespace {
 
@@ -14,49 +16,17 @@ class TextProperties : public testing::Test {
 protected:
     /// Bytes of well-formed characters of every length, and now and then of none.
     QByteArray randomBytes() {
-        static const std::vector<QByteArray> pieces = {"a",
-                                                       "b",
-                                                       "ab",
-                                                       "Z",
-                                                       " ",
-                                                       "1",
-                                                       "ж",
-                                                       "Ж",
-                                                       "ё",
-                                                       "ß",
-                                                       "İ",
-                                                       "€",
-                                                       "\u2028",
-                                                       "😀",
-                                                       "😁",
-                                                       "\xED\xA0\xBD",
-                                                       "\xC3",
-                                                       "\x80",
-                                                       "\xF0\x9F\x98",
-                                                       "\xEF\xBF\xBE",
-                                                       "\xC0\x80",
-                                                       "\uFFFD"};
-        QByteArray bytes;
-        const bool wellFormed = random_() % 4 != 0;
-        for (auto count = random_() % 8; count > 0; --count) {
-            bytes += pieces[random_() % (wellFormed ? 15 : pieces.size())];
-        }
-        return bytes;
+        static const auto wellFormed = orvane::tests::pieces("a|b|ab|Z| |1|ж|Ж|ё|ß|İ|€|\u2028|😀|😁");
+        static const auto any = orvane::tests::pieces("a|Z|ж|€|😀|\xED\xA0\xBD|\xC3|\x80|\xF0\x9F\x98|"
+                                                      "\xEF\xBF\xBE|\xC0\x80|\uFFFD");
+        return QByteArray::fromStdString(
+            orvane::tests::randomText(random_() % 4 != 0 ? wellFormed : any, random_, 7));
     }
 
-    /// The result of a function of one to three arguments, the first ones texts of any bytes.
+    /// The result of a call on texts of any bytes.
     QString call(const QByteArray& sql, const std::vector<QByteArray>& texts) const {
-        sqlite3_stmt* statement = nullptr;
-        sqlite3_prepare_v2(functions_.handle(), sql.constData(), -1, &statement, nullptr);
-        for (size_t i = 0; i < texts.size(); ++i) {
-            sqlite3_bind_text(statement, static_cast<int>(i) + 1, texts[i].constData(), texts[i].size(),
-                              SQLITE_TRANSIENT);
-        }
-        sqlite3_step(statement);
-        const bool isNull = sqlite3_column_type(statement, 0) == SQLITE_NULL;
-        const QString result(static_cast<const QChar*>(sqlite3_column_text16(statement, 0)));
-        sqlite3_finalize(statement);
-        return isNull ? QStringLiteral("NULL") : result;
+        const QString value = functions_.run(QString::fromUtf8(sql), texts);
+        return value == QLatin1String("null") ? QStringLiteral("NULL") : value.section(QLatin1Char(' '), 1);
     }
 
     QString utf16(const QByteArray& bytes) const { return call("Select ?1", {bytes}); }

@@ -1,5 +1,6 @@
-#include "Kinds.h"
-#include "SqlDatabase.h"
+#include "support/Gaia.h"
+#include "support/Kinds.h"
+#include "support/PlainCache.h"
 
 #include "platform/decimal/QDecNumber.h"
 #include "platform/geometry/GeometryFactory.h"
@@ -7,12 +8,9 @@
 #include <orvane/engine/GeometryConversions.h>
 #include <orvane/engine/SpatialiteBlob.h>
 
-#include <spatialite/gaiageo.h>
-
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <cstdlib>
 #include <thread>
 
 namespace orvane::tests {
@@ -34,7 +32,7 @@ std::shared_ptr<geometry::Geometry> pointIn(double x, int epsg) {
 }
 
 TEST(EngineCache, RowNumbersAreDense) {
-    TestCache cache;
+    PlainCache cache;
     EXPECT_EQ(cache.assignIdToInt(id(100)), 0);
     EXPECT_EQ(cache.assignIdToInt(id(QStringLiteral("ключ"))), 1);
     EXPECT_EQ(cache.assignIdToInt(id(100)), 0);
@@ -49,7 +47,7 @@ TEST(EngineCache, RowNumbersAreDense) {
 }
 
 TEST(EngineCache, CoordinateSystemsAreShared) {
-    TestCache cache;
+    PlainCache cache;
     EXPECT_EQ(cache.get(4326), cache.get(4326));
     EXPECT_EQ(cache.get(0), nullptr);
     EXPECT_EQ(cache.get(999999), nullptr);
@@ -87,7 +85,7 @@ TEST(EngineCache, MemoModes) {
     };
     const QByteArray blob = engine::toGaia(pointIn(1, 4326), nullptr);
     for (const MemoCase& entry : cases) {
-        TestCache cache;
+        PlainCache cache;
         EXPECT_EQ(cache.useGaiaCache(), EngineCache::MemoOnRequest);
         cache.setUseGaiaCache(entry.mode);
         const auto first = cache.geometryInfo(blob, entry.useMemo).geometry();
@@ -95,7 +93,7 @@ TEST(EngineCache, MemoModes) {
         cache.clear();
         EXPECT_NE(cache.geometryInfo(blob, entry.useMemo).geometry(), first);
         // What is saved under the bytes is found, unless nothing is remembered.
-        TestCache other;
+        PlainCache other;
         other.setUseGaiaCache(entry.mode);
         other.save(blob.constData(), static_cast<unsigned>(blob.size()), first);
         EXPECT_EQ(other.geometryInfo(blob, true).geometry() == first, entry.mode != EngineCache::NoMemo)
@@ -141,7 +139,7 @@ private:
 };
 
 TEST(EngineCache, ResemblanceAsksInOrder) {
-    TestCache cache;
+    PlainCache cache;
     const GeometryPtr point = pointIn(1, 3857);
     cache.addResemblanceExtension(nullptr);
     EXPECT_EQ(cache.tryResemblance(point), nullptr);
@@ -162,110 +160,77 @@ TEST(EngineCache, ResemblanceAsksInOrder) {
 
 /// Every kind of blob comes back as what was put in, curves as their approximation.
 TEST(GeometryConversions, EveryKindOfBlob) {
-    TestCache cache;
+    PlainCache cache;
     for (const Dimensions dimensions : {Dimensions::XY, Dimensions::XYZ, Dimensions::XYM, Dimensions::XYZM}) {
-        for (const GeometryPtr& kind : linearKinds(dimensions)) {
-            const auto geometry = kind->clone();
+        const std::vector<GeometryPtr> kinds = allKinds(dimensions);
+        for (const GeometryPtr& kind : kinds) {
+            const std::shared_ptr<geometry::Geometry> geometry = kind->clone();
             geometry->setCoordSystem(cache.get(3857));
-            const auto engineForm = cache.geometryInfo(engine::toOrvGeo(geometry, &cache), true).geometry();
-            ASSERT_TRUE(engineForm);
-            EXPECT_TRUE(engineForm->equals(*geometry));
-            EXPECT_EQ(engineForm->coordSystem(), geometry->coordSystem());
-            const QByteArray blob = engine::toGaia(geometry, &cache);
-            if (!blob.isEmpty()) {
-                const auto back = cache.geometryInfo(blob, true).geometry();
-                ASSERT_TRUE(back);
-                EXPECT_TRUE(back->equals(*geometry));
-                EXPECT_EQ(back->coordSystem(), geometry->coordSystem());
+            const auto own = cache.geometryInfo(engine::toOrvGeo(geometry, &cache), true).geometry();
+            ASSERT_TRUE(own);
+            EXPECT_TRUE(own->equals(*geometry));
+            EXPECT_EQ(own->coordSystem(), geometry->coordSystem());
+            const auto gaia = cache.geometryInfo(engine::toGaia(geometry, &cache), true).geometry();
+            // SpatiaLite has no blob for some empty kinds, nor for a collection in a collection.
+            ASSERT_TRUE(gaia || kind->isEmpty() || kind == kinds.back())
+                << geometry::toWkt(*kind).toStdString();
+            if (gaia) {
+                EXPECT_TRUE(gaia->equals(*geometry::linearized(kind)));
+                EXPECT_EQ(gaia->coordSystem(), geometry->coordSystem());
             }
-        }
-        for (const GeometryPtr& curve : curvedKinds(dimensions)) {
-            const auto back = cache.geometryInfo(engine::toGaia(curve, &cache), true).geometry();
-            const bool isNested = curve->type() == geometry::GeometryType::GeometryCollection;
-            ASSERT_EQ(back != nullptr, !isNested) << geometry::toWkt(*curve).toStdString();
-            EXPECT_TRUE(isNested || back->equals(*geometry::linearized(curve)));
         }
     }
     EXPECT_TRUE(engine::toGaia(nullptr, &cache).isEmpty());
 }
 
 TEST(GeometryConversions, OtherBinaryForms) {
-    TestCache cache;
+    PlainCache cache;
     const GeometryPtr polygon = linearKinds(Dimensions::XYZ)[2];
     EXPECT_TRUE(cache.geometryInfo(geometry::GeometryFactory::toWkb(polygon, QSysInfo::BigEndian), true)
                     .geometry()
                     ->equals(*polygon));
     // FGF: kind 2, dimensions 1 (z), two positions.
-    QByteArray fgf = QByteArray::fromHex("02000000"
-                                         "01000000"
-                                         "02000000");
+    QByteArray fgf = QByteArray::fromHex("02000000 01000000 02000000");
     const double values[] = {1, 2, 3, 4, 5, 6};
     fgf.append(reinterpret_cast<const char*>(values), sizeof values);
     const auto line = cache.geometryInfo(fgf, true).geometry();
     ASSERT_TRUE(line);
     EXPECT_EQ(geometry::toWkt(*line).toStdString(), "LINESTRING Z(1 2 3,4 5 6)");
     // A multi: its kind, a count, whole parts.
-    QByteArray points = QByteArray::fromHex("04000000"
-                                            "01000000"
-                                            "01000000"
-                                            "00000000");
+    QByteArray points = QByteArray::fromHex("04000000 01000000 01000000 00000000");
     points.append(reinterpret_cast<const char*>(values), 2 * sizeof(double));
     const auto multi = cache.geometryInfo(points, true).geometry();
     ASSERT_TRUE(multi);
     EXPECT_EQ(geometry::toWkt(*multi).toStdString(), "MULTIPOINT((1 2))");
     // Compressed by SpatiaLite; coordinates that floats hold come back as they were.
     const QByteArray wkb = geometry::GeometryFactory::toWkb(polygon, QSysInfo::LittleEndian);
-    gaiaGeomCollPtr collection = gaiaFromWkb(reinterpret_cast<const unsigned char*>(wkb.constData()),
-                                             static_cast<unsigned>(wkb.size()));
-    unsigned char* bytes = nullptr;
-    int size = 0;
-    gaiaToCompressedBlobWkb(collection, &bytes, &size);
-    gaiaFreeGeomColl(collection);
-    EXPECT_TRUE(cache.geometryInfo(bytes, static_cast<unsigned>(size), true).geometry()->equals(*polygon));
-    std::free(bytes);
+    const std::string blob = gaiaBlob(gaiaGeometry(wkb), gaiaToCompressedBlobWkb);
+    const auto compressed = cache.geometryInfo(blob.data(), static_cast<unsigned>(blob.size()), true);
+    EXPECT_TRUE(compressed.geometry()->equals(*polygon));
 }
 
 TEST(GeometryConversions, OtherBytesGiveNothing) {
-    TestCache cache;
-    const char* const hostile[] = {
+    PlainCache cache;
+    // A header of SpatiaLite, up to its mark.
+    const std::string header =
+        "0001 e6100000 000000000000f03f 0000000000000040 000000000000f03f 0000000000000040 7c";
+    const std::string hostile[] = {
         "",
         "00",
         "0001",
-        "0102000000ffffffff000000000000f03f",
-        "0103000000ffffffffffffffff",
-        "0101000020e6100000000000000000f03f0000000000000040", // the extended form of WKB
-        "01080000000300000000000000000000000000000000000000000000000000f03f000000000000f03f"
-        "00000000000000400000000000000000", // arcs in WKB
-        "02000000"
-        "00000000"
-        "ffffffff", // FGF with a count of four billion
-        "04000000"
-        "ffffffff"
-        "01000000",                             // and of parts
-        "010700000001000000010700000001000000", // nested and cut off
-        "0001e6100000"
-        "000000000000f03f"
-        "0000000000000040"
-        "000000000000f03f"
-        "0000000000000040"
-        "7c"
-        "02000000"
-        "ffffff1f"
-        "000000000000f03f"
-        "fe", // 16 times the count is small in 32 bits
-        "0001e6100000"
-        "000000000000f03f"
-        "0000000000000040"
-        "000000000000f03f"
-        "0000000000000040"
-        "7c"
-        "42420f00"
-        "ffffff1f"
-        "000000000000f03f"
-        "fe",
+        "01 02000000 ffffffff 000000000000f03f",
+        "01 03000000 ffffffff ffffffff",
+        "01 01000020 e6100000 000000000000f03f 0000000000000040", // the extended form of WKB
+        "01 08000000 03000000 0000000000000000 0000000000000000 000000000000f03f 000000000000f03f "
+        "0000000000000040 0000000000000000",              // arcs in WKB
+        "02000000 00000000 ffffffff",                     // FGF with a count of four billion
+        "04000000 ffffffff 01000000",                     // and of parts
+        "01 07000000 01000000 01 07000000 01000000",      // nested and cut off
+        header + "02000000 ffffff1f 000000000000f03f fe", // 16 times the count is small in 32 bits
+        header + "42420f00 ffffff1f 000000000000f03f fe",
     };
-    for (const char* digits : hostile) {
-        const QByteArray bytes = QByteArray::fromHex(digits);
+    for (const std::string& digits : hostile) {
+        const QByteArray bytes = QByteArray::fromHex(digits.c_str());
         EXPECT_FALSE(cache.geometryInfo(bytes, true)) << digits;
         EXPECT_EQ(engine::toGaia(reinterpret_cast<const unsigned char*>(bytes.constData()), bytes.size()),
                   nullptr);
@@ -273,7 +238,7 @@ TEST(GeometryConversions, OtherBytesGiveNothing) {
 }
 
 TEST(GeometryConversions, ColumnTexts) {
-    TestCache cache;
+    PlainCache cache;
     const auto system = cs::CoordSysFactory::defaultCoordSysFactory()->createFromEpsg(28404);
     const auto text = [&](dp::AttributeDefinition* attribute) {
         return engine::toString(dp::AttributeDefinitionPointer(attribute), &cache, '"').toStdString();
@@ -301,7 +266,7 @@ TEST(GeometryConversions, ColumnTexts) {
 
 /// Fit for the thread sanitizer: everything at once.
 TEST(EngineCache, ManyThreads) {
-    TestCache cache;
+    PlainCache cache;
     cache.setUseGaiaCache(EngineCache::AlwaysMemo);
     std::vector<QByteArray> blobs;
     for (int i = 0; i < 20; ++i) {
@@ -309,7 +274,7 @@ TEST(EngineCache, ManyThreads) {
         blobs.push_back(engine::toOrvGeo(pointIn(i, 32701 + i), &cache));
     }
     std::atomic<int> wrong{0};
-    std::vector<std::thread> threads;
+    std::vector<std::jthread> threads;
     for (int number = 0; number < 4; ++number) {
         threads.emplace_back([&] {
             for (int round = 0; round < 50; ++round) {
@@ -328,9 +293,7 @@ TEST(EngineCache, ManyThreads) {
             }
         });
     }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+    threads.clear();
     EXPECT_EQ(wrong, 0);
     EXPECT_EQ(cache.idLimit(), 20);
 }

@@ -1,4 +1,4 @@
-#include "Kinds.h"
+#include "support/Kinds.h"
 
 #include "platform/cs/CoordSystem.h"
 #include "platform/geometry/TextFormats.h"
@@ -146,13 +146,6 @@ TEST(EngineGeometry, WritingLeavesTheGeometryAlone) {
     point->setCoordSystem(epsg(3857));
     EXPECT_THROW(EngineGeometry::serialize(point, nullptr), std::bad_function_call);
     EXPECT_EQ(point->coordSystem(), epsg(3857));
-}
-
-TEST(EngineGeometry, CurvesStayCurves) {
-    for (const GeometryPtr& curve : curvedKinds(Dimensions::XYZM)) {
-        const QByteArray bytes = EngineGeometry(curve).serialize(notWritten);
-        EXPECT_TRUE(EngineGeometry::deserialize(bytes, noLookup).geometry()->equals(*curve));
-    }
 }
 
 } // namespace

@@ -1,4 +1,5 @@
-#include "Kinds.h"
+#include "support/Gaia.h"
+#include "support/Kinds.h"
 
 #include "platform/cs/CoordSystem.h"
 #include "platform/cs/Transformer.h"
@@ -6,15 +7,9 @@
 #include "platform/geometry/TextFormats.h"
 #include <orvane/engine/SpatialiteBlob.h>
 
-#include <sqlite3.h>
-
-#include <spatialite/gaiageo.h>
-
 #include <gtest/gtest.h>
 
 #include <QDataStream>
-
-#include <cstdlib>
 
 namespace orvane::tests {
 
@@ -30,37 +25,36 @@ std::string_view view(const QByteArray& bytes) {
     return {bytes.constData(), static_cast<std::size_t>(bytes.size())};
 }
 
-/// SpatiaLite's own blob of a collection, which it frees.
-std::string blobOf(gaiaGeomCollPtr collection) {
-    unsigned char* bytes = nullptr;
-    int size = 0;
-    gaiaToSpatiaLiteBlobWkb(collection, &bytes, &size);
-    gaiaFreeGeomColl(collection);
-    std::string blob(reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(bytes ? size : 0));
-    std::free(bytes);
-    return blob;
+QByteArray wkbOf(const GeometryPtr& geometry, QSysInfo::Endian order = QSysInfo::LittleEndian) {
+    return GeometryFactory::toWkb(geometry, order);
 }
 
-/// What SpatiaLite itself makes of the bytes; empty when it makes nothing.
-std::string gaiaBlob(const QByteArray& wkb, int srid) {
-    gaiaGeomCollPtr collection = gaiaFromWkb(reinterpret_cast<const unsigned char*>(wkb.constData()),
-                                             static_cast<unsigned>(wkb.size()));
-    if (!collection) {
-        return {};
+/// The linear kinds that SpatiaLite knows, each with its blob.
+std::vector<std::pair<GeometryPtr, std::string>> linearBlobs(int srid) {
+    std::vector<std::pair<GeometryPtr, std::string>> blobs;
+    for (const Dimensions dimensions : allDimensions) {
+        for (const GeometryPtr& geometry : linearKinds(dimensions)) {
+            std::string blob;
+            if (engine::appendSpatialiteBlob(view(wkbOf(geometry)), srid, blob)) {
+                blobs.emplace_back(geometry, blob);
+            }
+        }
     }
-    collection->Srid = srid;
-    return blobOf(collection);
+    return blobs;
 }
 
 TEST(SpatialiteBlob, SameBytesAsSpatialite) {
     for (const Dimensions dimensions : allDimensions) {
         for (const GeometryPtr& geometry : linearKinds(dimensions)) {
-            const QByteArray little = GeometryFactory::toWkb(geometry, QSysInfo::LittleEndian);
-            const std::string expected = gaiaBlob(little, 4326);
+            const GaiaGeometry gaia = gaiaGeometry(wkbOf(geometry));
+            if (gaia) {
+                gaia->Srid = 4326;
+            }
+            const std::string expected = gaiaBlob(gaia);
             for (const QSysInfo::Endian order : {QSysInfo::LittleEndian, QSysInfo::BigEndian}) {
                 std::string blob = "before";
-                const QByteArray wkb = GeometryFactory::toWkb(geometry, order);
-                EXPECT_EQ(engine::appendSpatialiteBlob(view(wkb), 4326, blob), !expected.empty())
+                EXPECT_EQ(engine::appendSpatialiteBlob(view(wkbOf(geometry, order)), 4326, blob),
+                          !expected.empty())
                     << geometry::toWkt(*geometry).toStdString();
                 EXPECT_EQ(QByteArray::fromStdString(blob).toHex(),
                           QByteArray::fromStdString("before" + expected).toHex())
@@ -73,7 +67,7 @@ TEST(SpatialiteBlob, SameBytesAsSpatialite) {
 TEST(SpatialiteBlob, OtherBytesAreRefused) {
     std::vector<QByteArray> refused;
     for (const GeometryPtr& curve : curvedKinds(Dimensions::XY)) {
-        refused.push_back(GeometryFactory::toWkb(curve, QSysInfo::LittleEndian));
+        refused.push_back(wkbOf(curve));
     }
     const GeometryPtr flat = std::make_shared<geometry::Point>(1, 2);
     const auto collection = [](Dimensions dimensions, std::vector<GeometryPtr> parts) -> GeometryPtr {
@@ -82,17 +76,16 @@ TEST(SpatialiteBlob, OtherBytesAreRefused) {
     };
     for (const GeometryPtr& geometry : {collection(Dimensions::XYZ, {flat}),
                                         collection(Dimensions::XY, {collection(Dimensions::XY, {flat})})}) {
-        refused.push_back(GeometryFactory::toWkb(geometry, QSysInfo::LittleEndian));
+        refused.push_back(wkbOf(geometry));
     }
-    const QByteArray polygon =
-        GeometryFactory::toWkb(linearKinds(Dimensions::XYZ)[6], QSysInfo::LittleEndian);
+    const QByteArray polygon = wkbOf(linearKinds(Dimensions::XYZ)[6]);
     for (int size = 0; size < polygon.size(); ++size) {
         refused.push_back(polygon.left(size));
     }
     refused.push_back(polygon + '\0');
-    refused.push_back(QByteArray::fromHex("0102000000ffffffff"));
-    refused.push_back(QByteArray::fromHex("0103000000ffffffff00000000"));
-    refused.push_back(QByteArray::fromHex("0104000000ffffffff"));
+    for (const char* digits : {"0102000000ffffffff", "0103000000ffffffff00000000", "0104000000ffffffff"}) {
+        refused.push_back(QByteArray::fromHex(digits));
+    }
     for (const QByteArray& bytes : refused) {
         std::string blob = "before";
         EXPECT_FALSE(engine::appendSpatialiteBlob(view(bytes), 0, blob)) << bytes.toHex().toStdString();
@@ -101,31 +94,24 @@ TEST(SpatialiteBlob, OtherBytesAreRefused) {
 }
 
 TEST(SpatialiteBlob, HeaderAndBody) {
-    for (const Dimensions dimensions : allDimensions) {
-        for (const GeometryPtr& geometry : linearKinds(dimensions)) {
-            std::string blob;
-            if (!engine::appendSpatialiteBlob(view(GeometryFactory::toWkb(geometry, QSysInfo::LittleEndian)),
-                                              -1, blob)) {
-                continue;
-            }
-            const auto header = engine::readSpatialiteHeader(blob);
-            ASSERT_TRUE(header);
-            EXPECT_EQ(engine::spatialiteBlobSrid(blob), -1);
-            EXPECT_TRUE(engine::isSoundSpatialiteBody(*header));
-            EXPECT_EQ(header->envelope.isEmpty(), geometry->isEmpty());
-            if (!geometry->isEmpty()) {
-                EXPECT_EQ(header->envelope, geometry->envelope());
-            }
-            EXPECT_TRUE(GeometryFactory::fromSpatialiteBody(header->body, true, nullptr)->equals(*geometry));
-            double x = 0;
-            double y = 0;
-            EXPECT_EQ(engine::spatialiteBlobPoint(*header, x, y),
-                      geometry->type() == geometry::GeometryType::Point);
-            for (std::size_t size = 0; size + 1 < blob.size(); ++size) {
-                const std::string bytes = blob.substr(0, size) + '\xFE';
-                const auto cut = engine::readSpatialiteHeader(bytes);
-                EXPECT_TRUE(!cut || !engine::isSoundSpatialiteBody(*cut)) << size;
-            }
+    for (const auto& [geometry, blob] : linearBlobs(-1)) {
+        const auto header = engine::readSpatialiteHeader(blob);
+        ASSERT_TRUE(header);
+        EXPECT_EQ(engine::spatialiteBlobSrid(blob), -1);
+        EXPECT_TRUE(engine::isSoundSpatialiteBody(*header));
+        EXPECT_EQ(header->envelope.isEmpty(), geometry->isEmpty());
+        if (!geometry->isEmpty()) {
+            EXPECT_EQ(header->envelope, geometry->envelope());
+        }
+        EXPECT_TRUE(GeometryFactory::fromSpatialiteBody(header->body, true, nullptr)->equals(*geometry));
+        double x = 0;
+        double y = 0;
+        EXPECT_EQ(engine::spatialiteBlobPoint(*header, x, y),
+                  geometry->type() == geometry::GeometryType::Point);
+        for (std::size_t size = 0; size + 1 < blob.size(); ++size) {
+            const std::string bytes = blob.substr(0, size) + '\xFE';
+            const auto cut = engine::readSpatialiteHeader(bytes);
+            EXPECT_TRUE(!cut || !engine::isSoundSpatialiteBody(*cut)) << size;
         }
     }
     geometry::Envelope envelope;
@@ -136,15 +122,7 @@ TEST(SpatialiteBlob, HeaderAndBody) {
 TEST(SpatialiteBlob, CompressedKinds) {
     for (const Dimensions dimensions : allDimensions) {
         for (const GeometryPtr& geometry : {linearKinds(dimensions)[1], linearKinds(dimensions)[2]}) {
-            const QByteArray wkb = GeometryFactory::toWkb(geometry, QSysInfo::LittleEndian);
-            gaiaGeomCollPtr collection = gaiaFromWkb(reinterpret_cast<const unsigned char*>(wkb.constData()),
-                                                     static_cast<unsigned>(wkb.size()));
-            unsigned char* bytes = nullptr;
-            int size = 0;
-            gaiaToCompressedBlobWkb(collection, &bytes, &size);
-            gaiaFreeGeomColl(collection);
-            const std::string blob(reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(size));
-            std::free(bytes);
+            const std::string blob = gaiaBlob(gaiaGeometry(wkbOf(geometry)), gaiaToCompressedBlobWkb);
             ASSERT_TRUE(engine::readSpatialiteHeader(blob));
             EXPECT_TRUE(engine::isSoundSpatialiteBody(*engine::readSpatialiteHeader(blob)));
             const std::string cut = blob.substr(0, blob.size() - 2) + '\xFE';
@@ -158,30 +136,20 @@ TEST(SpatialiteBlob, TransformedInPlaceEqualsTransformedObjects) {
     const auto source = factory->createFromEpsg(4326);
     const auto target = factory->createFromEpsg(3857);
     const auto transformer = cs::Transformer::between(*source, *target);
-    for (const Dimensions dimensions : allDimensions) {
-        for (const GeometryPtr& geometry : linearKinds(dimensions)) {
-            std::string blob;
-            if (!engine::appendSpatialiteBlob(view(GeometryFactory::toWkb(geometry, QSysInfo::LittleEndian)),
-                                              4326, blob)) {
-                continue;
-            }
-            const auto inSystem = geometry->clone();
-            inSystem->setCoordSystem(source);
-            std::string expected;
-            const QByteArray wkb =
-                GeometryFactory::toWkb(inSystem->transformed(target), QSysInfo::LittleEndian);
-            ASSERT_TRUE(engine::appendSpatialiteBlob(view(wkb), 3857, expected));
-            std::string transformed;
-            EXPECT_EQ(engine::appendTransformedBlob(*engine::readSpatialiteHeader(blob), *transformer, 3857,
-                                                    transformed),
-                      engine::BlobTransformation::Done);
-            EXPECT_EQ(transformed, expected) << geometry::toWkt(*geometry).toStdString();
-        }
+    for (const auto& [geometry, blob] : linearBlobs(4326)) {
+        const auto inSystem = geometry->clone();
+        inSystem->setCoordSystem(source);
+        std::string expected;
+        ASSERT_TRUE(engine::appendSpatialiteBlob(view(wkbOf(inSystem->transformed(target))), 3857, expected));
+        std::string transformed;
+        EXPECT_EQ(engine::appendTransformedBlob(*engine::readSpatialiteHeader(blob), *transformer, 3857,
+                                                transformed),
+                  engine::BlobTransformation::Done);
+        EXPECT_EQ(transformed, expected) << geometry::toWkt(*geometry).toStdString();
     }
     std::string nowhere;
-    const QByteArray wkb =
-        GeometryFactory::toWkb(std::make_shared<geometry::Point>(0, 1e30), QSysInfo::LittleEndian);
-    ASSERT_TRUE(engine::appendSpatialiteBlob(view(wkb), 4326, nowhere));
+    ASSERT_TRUE(
+        engine::appendSpatialiteBlob(view(wkbOf(std::make_shared<geometry::Point>(0, 1e30))), 4326, nowhere));
     std::string out = "before";
     EXPECT_EQ(engine::appendTransformedBlob(*engine::readSpatialiteHeader(nowhere), *transformer, 3857, out),
               engine::BlobTransformation::NoImage);
@@ -194,7 +162,7 @@ TEST(SpatialiteBlob, BigEndianBlobs) {
         const std::vector<GeometryPtr> kinds = linearKinds(dimensions);
         for (const GeometryPtr& geometry : {kinds[0], kinds[1], kinds[2]}) {
             // Behind the byte order the body of one part is as in well-known binary.
-            const QByteArray body = GeometryFactory::toWkb(geometry, QSysInfo::BigEndian).mid(1);
+            const QByteArray body = wkbOf(geometry, QSysInfo::BigEndian).mid(1);
             const geometry::Envelope envelope = geometry->envelope();
             QByteArray bytes;
             QDataStream stream(&bytes, QIODevice::WriteOnly);
@@ -203,14 +171,13 @@ TEST(SpatialiteBlob, BigEndianBlobs) {
             stream.writeRawData(body.constData(), body.size());
             stream << quint8(0xFE);
             std::string little;
-            ASSERT_TRUE(engine::appendSpatialiteBlob(
-                view(GeometryFactory::toWkb(geometry, QSysInfo::LittleEndian)), 4326, little));
+            ASSERT_TRUE(engine::appendSpatialiteBlob(view(wkbOf(geometry)), 4326, little));
 
-            gaiaGeomCollPtr collection =
+            const GaiaGeometry gaia(
                 gaiaFromSpatiaLiteBlobWkb(reinterpret_cast<const unsigned char*>(bytes.constData()),
-                                          static_cast<unsigned>(bytes.size()));
-            ASSERT_TRUE(collection);
-            EXPECT_EQ(blobOf(collection), little);
+                                          static_cast<unsigned>(bytes.size())));
+            ASSERT_TRUE(gaia);
+            EXPECT_EQ(gaiaBlob(gaia), little);
 
             const auto header = engine::readSpatialiteHeader(view(bytes));
             ASSERT_TRUE(header);

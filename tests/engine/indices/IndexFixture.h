@@ -1,6 +1,7 @@
 #pragma once
 
-#include <orvane/engine/EngineCache.h>
+#include "support/PlainCache.h"
+
 #include <orvane/engine/EngineIndicesFactory.h>
 
 #include <gtest/gtest.h>
@@ -10,12 +11,6 @@
 #include <vector>
 
 namespace orvane::engine {
-
-/// A cache for tables without coordinate systems.
-class PlainCache : public EngineCache {
-public:
-    std::shared_ptr<cs::CoordSystem> tableCS(const QString&) override { return nullptr; }
-};
 
 /// A store with the options of the engine, over a table of the given attribute types.
 class IndexFixture : public testing::Test {
@@ -83,7 +78,7 @@ protected:
 
     static QString text(const char* utf8) { return QString::fromUtf8(utf8); }
 
-    PlainCache cache_;
+    tests::PlainCache cache_;
     std::unique_ptr<EngineIndices> store_ = makeStore(cache_);
 };
 

@@ -1,10 +1,12 @@
 #include "IndexFixture.h"
 
+#include "support/DefaultLocale.h"
+#include "support/RandomText.h"
+
 #include "engine/indices/PatternRange.h"
 #include "platform/utils/Patterns.h"
 #include <orvane/engine/Collator.h>
 
-#include <QLocale>
 #include <QRegularExpression>
 
 #include <random>
@@ -13,18 +15,8 @@ namespace orvane::engine {
 
 namespace {
 
-/// Sets the locale of the collator for one test.
-class LocaleGuard {
-public:
-    explicit LocaleGuard(const char* name) { QLocale::setDefault(QLocale(QLatin1String(name))); }
-    ~LocaleGuard() { QLocale::setDefault(before_); }
-
-private:
-    QLocale before_;
-};
-
 TEST(PatternRange, EndsBeforeTheNextCodeWhereThatIsTheNextInOrder) {
-    const LocaleGuard guard("C");
+    const tests::DefaultLocale guard("C");
     const QCollator byCode = collator();
     struct Case {
         const char* pattern;
@@ -61,45 +53,33 @@ class PatternSearch : public IndexFixture, public testing::WithParamInterface<co
 /// order by code, by the letters of an alphabet, and with digraphs that are letters of their own (Czech
 /// "ch").
 TEST_P(PatternSearch, FindsWhatAScanFinds) {
-    const LocaleGuard guard(GetParam());
+    const tests::DefaultLocale guard(GetParam());
     store_ = makeStore(cache_);
     ASSERT_TRUE(store_->createStorage(makeSchema({QMetaType::QString})));
     const int index = store_->addIndex({{0, Operation::Like}});
 
-    const QStringList letters = {text("a"), text("A"), text("b"),      text("c"), text("C"), text("h"),
-                                 text("z"), text("Z"), text("а"),      text("Я"), text("я"), text("Ё"),
-                                 text("е"), text("é"), text("e"),      text("["), text("{"), text("-"),
-                                 text(" "), text("'"), text("1"),      text("🎄"), text("ß"), text("s"),
-                                 text("ı"), text("I"), text("\u0301"), text("เ"), text("ก")};
+    const std::string letters = "a|A|b|c|C|h|z|Z|а|Я|я|Ё|е|é|e|[|{|-| |'|1|🎄|ß|s|ı|I|\u0301|เ|ก";
     std::mt19937 random(2024);
-    const auto word = [&](const QStringList& alphabet, int longest) {
-        QString made;
-        for (int length = static_cast<int>(random() % unsigned(longest + 1)); length > 0; --length) {
-            made += alphabet.at(static_cast<int>(random() % unsigned(alphabet.size())));
-        }
-        return made;
+    const auto word = [&](const std::string& alphabet, unsigned longest) {
+        return QString::fromStdString(tests::randomText(tests::pieces(alphabet), random, longest));
     };
-    std::vector<QString> texts;
-    std::vector<std::vector<QVariant>> rows;
     constexpr int numTexts = 1500;
+    std::vector<std::vector<QVariant>> rows;
     for (int i = 0; i < numTexts; ++i) {
-        texts.push_back(word(letters, 5));
-        rows.push_back({texts.back()});
+        rows.push_back({word(letters, 5)});
     }
     insert(index, rows);
 
     constexpr int numPatterns = 300;
-    const QStringList withWildcards =
-        letters + QStringList{text("%"), text("_"), text("%"), text("*"), text("?")};
     for (int i = 0; i < numPatterns; ++i) {
         const bool isLike = i % 2 == 0;
-        const QString pattern = word(withWildcards, 4) + (isLike ? text("%") : text("*"));
+        const QString pattern = word(letters + "|%|_|%|*|?", 4) + (isLike ? text("%") : text("*"));
         const QRegularExpression expression(isLike ? utils::likeToRegular(pattern, QChar(0))
                                                    : utils::globToRegular(pattern),
                                             QRegularExpression::CaseInsensitiveOption);
         std::vector<qint64> expected;
-        for (std::size_t row = 0; row < texts.size(); ++row) {
-            if (expression.match(texts[row]).hasMatch()) {
+        for (std::size_t row = 0; row < rows.size(); ++row) {
+            if (expression.match(rows[row][0].toString()).hasMatch()) {
                 expected.push_back(qint64(row));
             }
         }

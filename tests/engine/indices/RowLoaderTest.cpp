@@ -1,5 +1,7 @@
 #include "IndexFixture.h"
 
+#include "support/RandomText.h"
+
 #include "platform/core/SqliteException.h"
 #include "platform/dp/Cancellation.h"
 
@@ -23,27 +25,15 @@ protected:
 };
 
 TEST_F(RowLoaderTest, StoresWhatAnInserterStoresAndKnowsTheSameGroups) {
-    const QStringList words = {text(""),
-                               text("a"),
-                               text("A"),
-                               text("ab"),
-                               text("Ё"),
-                               text("ё"),
-                               text("🎄"),
-                               text("z"),
-                               text("Zz"),
-                               text("Я"),
-                               text("я"),
-                               text("\uffee"),
-                               QString(300, QLatin1Char('x')) + text("1"),
-                               QString(300, QLatin1Char('x')) + text("2")};
+    const std::string longWord(300, 'x');
+    const auto words = tests::pieces("|a|A|ab|Ё|ё|🎄|z|Zz|Я|я|\uffee|" + longWord + "1|" + longWord + "2");
     const std::vector<double> numbers = {-1e300, -1, -0.0, 0, 0.5, 3, 1e18};
     std::mt19937 random(7);
     std::vector<std::vector<QVariant>> rows;
     for (int i = 0; i < 2000; ++i) {
         const auto word = unsigned(random() % unsigned(words.size() + 1));
         const auto number = unsigned(random() % unsigned(numbers.size() + 1));
-        rows.push_back({word == unsigned(words.size()) ? QVariant() : words.at(int(word)),
+        rows.push_back({word == words.size() ? QVariant() : QString::fromStdString(words[word]),
                         number == numbers.size() ? QVariant() : numbers[number]});
     }
     const int inserted = makeIndex();

@@ -1,11 +1,11 @@
 #include "support/Application.h"
+#include "support/CapturedLog.h"
 #include "support/MemoryTable.h"
 #include "support/Query.h"
 
 #include "platform/core/SqliteException.h"
 #include "platform/cs/CoordSystem.h"
 #include "platform/geometry/ResemblanceExtension.h"
-#include "platform/log/Logger.h"
 #include "platform/sql/SqlError.h"
 #include <orvane/engine/Collator.h>
 #include <orvane/engine/EngineCache.h>
@@ -15,8 +15,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <QLocale>
 
 #include <sqlite3.h>
 
@@ -178,16 +176,13 @@ TEST(Engine, CancellingWithNothingRunningDoesNotHitTheNextStatement) {
 }
 
 TEST(Engine, TextThatDoesNotParseComesBackAndIsLogged) {
-    std::vector<LogEntry> entries;
-    auto before =
-        loggerInstance()->exchangeSink([&entries](const LogEntry& entry) { entries.push_back(entry); });
+    const tests::CapturedLog log;
     const QString text = QStringLiteral("Select Город From Where");
     EXPECT_EQ(theEngine().translate(text), text);
-    loggerInstance()->exchangeSink(std::move(before));
-    ASSERT_EQ(entries.size(), 1u);
-    EXPECT_EQ(entries[0].level, LogLevel::Info);
-    EXPECT_EQ(entries[0].sourceFile, QStringLiteral("Engine"));
-    EXPECT_THAT(entries[0].text.toStdString(), HasSubstr("проверьте корректность выражений в запросе"));
+    ASSERT_EQ(log.entries.size(), 1u);
+    EXPECT_EQ(log.entries[0].level, LogLevel::Info);
+    EXPECT_EQ(log.entries[0].sourceFile, QStringLiteral("Engine"));
+    EXPECT_THAT(log.entries[0].text.toStdString(), HasSubstr("проверьте корректность выражений в запросе"));
 }
 
 TEST(Engine, ExpressionOnlyRefusesStatements) {

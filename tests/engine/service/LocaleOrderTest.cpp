@@ -1,10 +1,11 @@
 #include <orvane/engine/LocaleOrder.h>
 
+#include "support/DefaultLocale.h"
+#include "support/RandomText.h"
+
 #include <orvane/engine/Collator.h>
 
 #include <gtest/gtest.h>
-
-#include <QLocale>
 
 #include <random>
 #include <vector>
@@ -13,97 +14,17 @@ namespace orvane::engine {
 
 namespace {
 
-class LocaleOrderTest : public testing::Test {
-protected:
-    ~LocaleOrderTest() override { QLocale::setDefault(before_); }
-
-private:
-    const QLocale before_;
-};
-
 int sign(int order) {
     return (order > 0) - (order < 0);
 }
 
-/// Pieces that locales order in ways of their own: digraphs, accents, combining marks, ignorable characters.
-const std::vector<std::string> pieces = {"a",
-                                         "b",
-                                         "c",
-                                         "h",
-                                         "s",
-                                         "z",
-                                         "A",
-                                         "C",
-                                         "H",
-                                         "Z",
-                                         "ch",
-                                         "CH",
-                                         "aa",
-                                         "cs",
-                                         "ccs",
-                                         "dz",
-                                         "dzs",
-                                         "ll",
-                                         "lj",
-                                         "nj",
-                                         "ij",
-                                         "i",
-                                         "I",
-                                         "w",
-                                         "v",
-                                         "y",
-                                         "ng",
-                                         "th",
-                                         "c'h",
-                                         "0",
-                                         "9",
-                                         "10",
-                                         " ",
-                                         "-",
-                                         "'",
-                                         "_",
-                                         "\x01",
-                                         "я",
-                                         "Я",
-                                         "а",
-                                         "А",
-                                         "е",
-                                         "ё",
-                                         "Ё",
-                                         "и",
-                                         "й",
-                                         "ж",
-                                         "ґ",
-                                         "г",
-                                         "ў",
-                                         "ъ",
-                                         "ü",
-                                         "Ü",
-                                         "ö",
-                                         "ä",
-                                         "å",
-                                         "é",
-                                         "ß",
-                                         "ı",
-                                         "İ",
-                                         "œ",
-                                         "\xcc\x86" /* breve */,
-                                         "\xcc\x81" /* acute */,
-                                         "\xe2\x80\x8d",
-                                         "漢",
-                                         "😀",
-                                         "\xff",
-                                         "\xd0"};
-
-std::string anyText(std::mt19937& random) {
-    std::string text;
-    for (auto length = random() % 6; length > 0; --length) {
-        text += pieces[random() % pieces.size()];
-    }
-    return text;
-}
-
-TEST_F(LocaleOrderTest, AgreesWithTheCollatorOfEveryLanguage) {
+TEST(LocaleOrder, AgreesWithTheCollatorOfEveryLanguage) {
+    const tests::DefaultLocale guard("C");
+    // What locales order in ways of their own: digraphs, accents, combining marks, ignorable characters.
+    const auto pieces =
+        tests::pieces("a|b|c|h|s|z|A|C|H|Z|ch|CH|aa|cs|ccs|dz|dzs|ll|lj|nj|ij|i|I|w|v|y|ng|th|c'h|0|9|10| "
+                      "|-|'|_|\x01|я|Я|а|А|"
+                      "е|ё|Ё|и|й|ж|ґ|г|ў|ъ|ü|Ü|ö|ä|å|é|ß|ı|İ|œ|\u0306|\u0301|\u200d|漢|😀|\xff|\xd0");
     std::mt19937 random(7);
     QLocale::Language last = QLocale::AnyLanguage;
     for (const QLocale& locale :
@@ -115,8 +36,8 @@ TEST_F(LocaleOrderTest, AgreesWithTheCollatorOfEveryLanguage) {
         const auto order = LocaleOrder::current();
         const QCollator reference = collator();
         for (int round = 0; round < 1500; ++round) {
-            const std::string a = anyText(random);
-            const std::string b = round % 3 == 0 ? a + anyText(random) : anyText(random);
+            const std::string a = tests::randomText(pieces, random, 5);
+            const std::string b = (round % 3 == 0 ? a : "") + tests::randomText(pieces, random, 5);
             const int expected =
                 sign(reference.compare(QString::fromStdString(a), QString::fromStdString(b)));
             ASSERT_EQ(sign(order->compare(a, b)), expected)
@@ -130,7 +51,7 @@ TEST_F(LocaleOrderTest, AgreesWithTheCollatorOfEveryLanguage) {
     }
 }
 
-TEST_F(LocaleOrderTest, LettersThatStandAloneArePlain) {
+TEST(LocaleOrder, LettersThatStandAloneArePlain) {
     struct Case {
         QLocale::Language language;
         const char* text;
@@ -144,6 +65,7 @@ TEST_F(LocaleOrderTest, LettersThatStandAloneArePlain) {
                           {QLocale::Czech, "most", true},
                           {QLocale::English, "tab\there", false},
                           {QLocale::English, "Zürich", false}};
+    const tests::DefaultLocale guard("C");
     for (const Case& each : cases) {
         QLocale::setDefault(QLocale(each.language));
         std::string key;

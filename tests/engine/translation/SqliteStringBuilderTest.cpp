@@ -1,6 +1,7 @@
 #include <orvane/engine/ColumnNames.h>
-#include <orvane/engine/EngineCache.h>
 #include <orvane/engine/SqliteStringBuilder.h>
+
+#include "support/PlainCache.h"
 
 #include "platform/dp/DataCatalogWithSelection.h"
 #include "platform/dp/Selection.h"
@@ -15,11 +16,6 @@ namespace orvane::tests {
 namespace {
 
 using engine::SqliteStringBuilder;
-
-class Cache : public engine::EngineCache {
-public:
-    std::shared_ptr<cs::CoordSystem> tableCS(const QString&) override { return nullptr; }
-};
 
 class SqliteStringBuilderTest : public testing::Test {
 protected:
@@ -60,7 +56,7 @@ protected:
 
     const std::string selection = dp::DataCatalogWithSelection::selectionTableName().toStdString();
     std::shared_ptr<dp::DataObject> object = std::make_shared<dp::DataObject>(QStringLiteral("cities"));
-    Cache cache;
+    PlainCache cache;
     SqliteStringBuilder builder{QString(), nullptr};
 };
 

@@ -1,5 +1,5 @@
-#include "Kinds.h"
-#include "Wkt.h"
+#include "support/Kinds.h"
+#include "support/Wkt.h"
 
 #include "platform/geometry/Measures.h"
 #include "platform/geometry/Units.h"

@@ -1,4 +1,4 @@
-#include "Kinds.h"
+#include "support/Kinds.h"
 
 #include "platform/cs/CoordSystem.h"
 #include "platform/geometry/GeometryFactory.h"

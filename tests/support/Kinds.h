@@ -74,4 +74,13 @@ inline std::vector<geometry::GeometryPtr> curvedKinds(geometry::Dimensions dimen
             collection(GeometryType::GeometryCollection, {collection(GeometryType::MultiCurve, {arcs})})};
 }
 
+/// Both.
+inline std::vector<geometry::GeometryPtr> allKinds(geometry::Dimensions dimensions) {
+    std::vector<geometry::GeometryPtr> all = linearKinds(dimensions);
+    for (const geometry::GeometryPtr& curve : curvedKinds(dimensions)) {
+        all.push_back(curve);
+    }
+    return all;
+}
+
 } // namespace orvane::tests

@@ -1,0 +1,113 @@
+#include "SqlFunctions.h"
+
+#include "support/Kinds.h"
+#include "support/RandomText.h"
+
+#include <orvane/engine/GeometryConversions.h>
+
+#include <gtest/gtest.h>
+
+#include <sqlite3.h>
+
+namespace orvane::tests {
+
+namespace {
+
+class GeometryFunctions : public testing::Test {
+protected:
+    std::string value(const std::string& expression) {
+        return functions_.run(QString::fromStdString("Select " + expression)).toStdString();
+    }
+
+    /// What a function takes behind its first geometry.
+    static std::string secondArgument(const adaptor::FunctionRecord& record, const std::string& geometry) {
+        const std::string name = record.name;
+        const bool takesSystem = name.rfind("TransformTo", 0) == 0 || name == "ToOrvGeo";
+        const bool takesTwo = record.group == std::string("Relations") || name.find("Distance") != name.npos;
+        return takesSystem ? ",'epsg:4326'" : takesTwo ? "," + geometry : "";
+    }
+
+    SqlFunctions functions_;
+};
+
+/// No value that is no geometry makes a function fail or a relation true.
+TEST_F(GeometryFunctions, ValuesThatAreNoGeometry) {
+    for (const std::string& value : pieces("NULL|1|2.5|''|'text'|'POINT(1 1)'|x''|x'00'|x'FE'|zeroblob(100)|"
+                                           "x'0102030405060708'")) {
+        for (const adaptor::FunctionRecord& record : adaptor::geometryRecords()) {
+            const std::string call =
+                record.name + ("(" + value) + secondArgument(record, "MakePoint(1,1,4326)") + ")";
+            EXPECT_EQ(this->value(call), "null") << call;
+        }
+    }
+}
+
+/// A geometry of every kind, in every form, as any argument: a value or NULL, never an error.
+TEST_F(GeometryFunctions, GeometriesOfEveryKind) {
+    std::vector<std::string> values;
+    for (const auto dimensions : {geometry::Dimensions::XY, geometry::Dimensions::XYZM}) {
+        for (const geometry::GeometryPtr& kind : allKinds(dimensions)) {
+            const auto inSystem = kind->clone();
+            inSystem->setCoordSystem(functions_.cache().get(3857));
+            for (const QByteArray& blob : {engine::toOrvGeo(inSystem, &functions_.cache()),
+                                           engine::toGaia(inSystem, &functions_.cache())}) {
+                values.push_back("x'" + blob.toHex().toStdString() + "'");
+            }
+        }
+    }
+    for (const adaptor::FunctionRecord& record : adaptor::geometryRecords()) {
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            const std::string call = record.name + ("(" + values[i]) +
+                                     secondArgument(record, values[(i * 7 + 3) % values.size()]) + ")";
+            EXPECT_NE(value(call).rfind("error", 0), 0U) << call;
+        }
+    }
+}
+
+TEST_F(GeometryFunctions, RelationsOfEveryKindOfValue) {
+    const std::string square = "(GeomFromText('POLYGON((0 0,4 0,4 4,0 4,0 0))', 3857))";
+    const std::string inside = "(GeomFromText('POINT(1 1)', 3857))";
+    for (const std::string& formA : pieces("|ToOrvGeo|AsBinary|CompressGeometry")) {
+        for (const std::string& formB : pieces("|ToOrvGeo|AsBinary|CompressGeometry")) {
+            const std::string there = "(" + formA + square + "," + formB + inside + ")";
+            const std::string back = "(" + formB + inside + "," + formA + square + ")";
+            EXPECT_EQ(value("ST_Contains" + there + " || ST_Within" + there + " || ST_Intersects" + there +
+                            " || ContainsCentroid" + there),
+                      "text 1011")
+                << there;
+            EXPECT_EQ(value("ST_Contains" + back + " || ST_Within" + back + " || ST_Intersects" + back +
+                            " || CentroidWithin" + back),
+                      "text 0111")
+                << back;
+        }
+    }
+}
+
+/// The same few areas against many positions: what is kept between rows answers as fresh objects do.
+TEST_F(GeometryFunctions, RelationsOverManyRows) {
+    sqlite3_exec(functions_.handle(),
+                 "Create Table a(id Integer Primary Key, g Blob); Create Table p(g Blob);"
+                 "With Recursive n(i) As (Select 0 Union All Select i+1 From n Where i<49)"
+                 " Insert Into a Select i, Buffer(MakePoint(i%7*3, i/7*3), 2) From n;"
+                 "With Recursive n(i) As (Select 0 Union All Select i+1 From n Where i<1999)"
+                 " Insert Into p Select MakePoint(i%50*0.4+0.05, i/50*0.5+0.03) From n;",
+                 nullptr, nullptr, nullptr);
+    const std::string ours = value("Count(*) From a, p Where ST_Contains(a.g, p.g)");
+    EXPECT_EQ(ours, value("Count(*) From a, p Where ST_Relate(a.g, p.g, 'T*****FF*') = 1"));
+    EXPECT_EQ(ours, value("Count(*) From p, a Where ST_Within(p.g, a.g)"));
+    EXPECT_NE(ours, "integer 0");
+    EXPECT_EQ(value("Count(*) From a x, a y Where ST_Intersects(x.g, y.g)"),
+              value("Count(*) From a x, a y Where ST_Relate(x.g, y.g, 'FF*FF****') = 0"));
+}
+
+/// An arc goes through the engine blob as an arc and leaves for SpatiaLite as a line.
+TEST_F(GeometryFunctions, Curves) {
+    const QByteArray blob = engine::toOrvGeo(curvedKinds(geometry::Dimensions::XY)[0], &functions_.cache());
+    const std::string arc = "x'" + blob.toHex().toStdString() + "'";
+    EXPECT_EQ(value("GeometryType(FromOrvGeo(" + arc + "))"), "text LINESTRING");
+    EXPECT_EQ(value("ToOrvGeo(" + arc + ")"), "blob " + blob.toHex().toStdString());
+}
+
+} // namespace
+
+} // namespace orvane::tests
