@@ -1,9 +1,9 @@
 #include "platform/cs/CoordSystem.h"
 #include "platform/cs/Transformer.h"
 
-#include <gtest/gtest.h>
+#include "support/TextTable.h"
 
-#include <QFile>
+#include <gtest/gtest.h>
 
 #include <cmath>
 #include <thread>
@@ -132,36 +132,35 @@ TEST(Transformer, KnownValues) {
 
 /// Published positions of seven kinds of projection, there and back.
 TEST(Transformer, PublishedPositions) {
-    QFile file(QStringLiteral(ORVANE_TEST_DATA "/geometry/projections.txt"));
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     constexpr double degreesInMetre = 360 / 40075016.7;
     std::shared_ptr<const Transformer> forward;
     std::shared_ptr<const Transformer> back;
     double tolerance = 0;
     int positions = 0;
-    for (int number = 1; !file.atEnd(); ++number) {
-        const QList<QByteArray> fields = file.readLine().simplified().split(' ');
-        if (fields[0] == "@") {
-            const auto geographic = tagged(QByteArray(fields[1]).replace("+", " +").constData());
-            const auto projected = tagged(QByteArray(fields[2]).replace("+", " +").constData());
-            ASSERT_TRUE(geographic && projected) << "projections.txt:" << number;
+    for (TableRow& row : readTable("geometry/projections.txt", QStringLiteral(" "))) {
+        if (row.fields[0] == QLatin1String("@")) {
+            const QString blankBefore = QStringLiteral(" +");
+            const auto geographic =
+                factory().createFromTaggedString(row.fields[1].replace(QLatin1Char('+'), blankBefore));
+            const auto projected =
+                factory().createFromTaggedString(row.fields[2].replace(QLatin1Char('+'), blankBefore));
+            ASSERT_TRUE(geographic && projected) << row.place;
             forward = Transformer::between(*geographic, *projected);
             back = Transformer::between(*projected, *geographic);
-            tolerance = fields[3].toDouble();
-        } else if (fields[0] != "#") {
-            const double longitude = fields[0].toDouble();
-            const double latitude = fields[1].toDouble();
-            double position[] = {longitude, latitude};
-            EXPECT_TRUE(forward->transform(position, 1, 2, false));
-            EXPECT_NEAR(position[0], fields[2].toDouble(), tolerance) << "projections.txt:" << number;
-            EXPECT_NEAR(position[1], fields[3].toDouble(), tolerance) << "projections.txt:" << number;
-            EXPECT_TRUE(back->transform(position, 1, 2, false));
-            const double turns = std::round((longitude - position[0]) / 360);
-            EXPECT_NEAR(position[0] + turns * 360, longitude, tolerance * degreesInMetre)
-                << "projections.txt:" << number;
-            EXPECT_NEAR(position[1], latitude, tolerance * degreesInMetre) << "projections.txt:" << number;
-            ++positions;
+            tolerance = row.number(3);
+            continue;
         }
+        const double longitude = row.number(0);
+        const double latitude = row.number(1);
+        double position[] = {longitude, latitude};
+        EXPECT_TRUE(forward->transform(position, 1, 2, false));
+        EXPECT_NEAR(position[0], row.number(2), tolerance) << row.place;
+        EXPECT_NEAR(position[1], row.number(3), tolerance) << row.place;
+        EXPECT_TRUE(back->transform(position, 1, 2, false));
+        const double turns = std::round((longitude - position[0]) / 360);
+        EXPECT_NEAR(position[0] + turns * 360, longitude, tolerance * degreesInMetre) << row.place;
+        EXPECT_NEAR(position[1], latitude, tolerance * degreesInMetre) << row.place;
+        ++positions;
     }
     EXPECT_GT(positions, 150);
 }
@@ -184,7 +183,7 @@ TEST(Transformer, GradsBecomeDegrees) {
 }
 
 TEST(CoordSystem, ManyThreads) {
-    std::vector<std::thread> threads;
+    std::vector<std::jthread> threads;
     std::atomic<int> wrong{0};
     for (int number = 0; number < 4; ++number) {
         threads.emplace_back([&] {
@@ -200,9 +199,7 @@ TEST(CoordSystem, ManyThreads) {
             }
         });
     }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+    threads.clear();
     EXPECT_EQ(wrong, 0);
 }
 

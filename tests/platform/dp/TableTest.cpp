@@ -1,6 +1,7 @@
 #include "platform/dp/Table.h"
 #include "platform/dp/CellConversion.h"
 #include "platform/geometry/GeometryFactory.h"
+#include "support/MemoryTable.h"
 
 #include <QDateTime>
 
@@ -12,80 +13,35 @@ namespace {
 
 using namespace orvane::dp;
 
-AttributeDefinitionPointer column(const char* name, int type) {
-    return AttributeDefinitionPointer(new SimpleAttributeDefinition(QString::fromUtf8(name), type));
-}
-
-/// Two rows with the identifiers 10 and 20.
-class SmallTable : public Table {
-public:
-    SmallTable()
-        : Table(QStringLiteral("Города")),
-          schema_(std::make_shared<TableSchema>(QVector<AttributeDefinitionPointer>{
-              column("name", QMetaType::QString), column("founded", QMetaType::QDate)})) {}
-
-    std::shared_ptr<const TableSchema> schema() const override { return schema_; }
-    std::unique_ptr<Cursor> openCursor(const ScanRequest& request) override {
-        lastRequest = request;
-        return std::make_unique<Rows>(request);
-    }
-
-    ScanRequest lastRequest;
-
-private:
-    class Rows : public Cursor {
-    public:
-        explicit Rows(const ScanRequest& request) : ids_(*request.ids) {}
-        bool next() override {
-            while (position_ < ids_.size()) {
-                current_ = ids_[position_++];
-                if (current_ == FeatureId(10) || current_ == FeatureId(20)) {
-                    return true;
-                }
-            }
-            return false;
-        }
-        Cell cell(int attribute) override {
-            if (attribute == 0) {
-                return Cell::ofText(current_ == FeatureId(10) ? "Тверь" : "🏙");
-            }
-            return current_ == FeatureId(10) ? Cell::ofText("1135-02-28") : Cell();
-        }
-        FeatureId featureId() override { return current_; }
-
-    private:
-        std::vector<FeatureId> ids_;
-        std::size_t position_ = 0;
-        FeatureId current_;
-    };
-
-    std::shared_ptr<const TableSchema> schema_;
-};
+using orvane::testing::attribute;
 
 TEST(Table, ReadsASingleFeatureThroughACursor) {
-    SmallTable table;
-    const FeaturePtr tver = table.feature(FeatureId(10));
+    orvane::testing::MemoryTable table(
+        QStringLiteral("Города"),
+        {attribute("name", QMetaType::QString), attribute("founded", QMetaType::QDate)},
+        {{QStringLiteral("Тверь"), QDate(1135, 2, 28)}, {QStringLiteral("🏙"), QVariant()}});
+    const FeaturePtr tver = table.feature(FeatureId(100));
     ASSERT_NE(tver, nullptr);
     EXPECT_EQ(table.lastRequest.attributes, (std::vector<int>{0, 1}));
     EXPECT_EQ(tver->getAttribute(0), QVariant(QStringLiteral("Тверь")));
     EXPECT_EQ(tver->getAttribute(1), QVariant(QDate(1135, 2, 28)));
 
     QVariant value = 5;
-    EXPECT_FALSE(table.feature(FeatureId(20))->tryGetAttribute(1, value)); // NULL
+    EXPECT_FALSE(table.feature(FeatureId(101))->tryGetAttribute(1, value)); // NULL
     EXPECT_FALSE(tver->tryGetAttribute(2, value));
     EXPECT_FALSE(tver->tryGetAttribute(-1, value));
     EXPECT_EQ(value, QVariant(5));
     EXPECT_TRUE(tver->tryGetAttribute(0, value));
-    EXPECT_EQ(table.feature(FeatureId(30)), nullptr);
+    EXPECT_EQ(table.feature(FeatureId(102)), nullptr);
 }
 
 TEST(Table, RefusesEditsByItself) {
-    SmallTable table;
+    orvane::testing::MemoryTable table(QStringLiteral("Города"), {});
     const Feature feature(table.schema(), FeatureId(10));
     const std::vector<std::function<void()>> edits = {
-        [&] { table.beginEdits(); },           [&] { table.commitEdits(); },
-        [&] { table.rollbackEdits(); },        [&] { table.insertFeature(feature); },
-        [&] { table.updateFeature(feature); }, [&] { table.deleteFeature(feature.id()); },
+        [&] { table.Table::beginEdits(); },           [&] { table.Table::commitEdits(); },
+        [&] { table.Table::rollbackEdits(); },        [&] { table.Table::insertFeature(feature); },
+        [&] { table.Table::updateFeature(feature); }, [&] { table.Table::deleteFeature(feature.id()); },
     };
     for (const auto& edit : edits) {
         try {
@@ -99,10 +55,10 @@ TEST(Table, RefusesEditsByItself) {
 
 TEST(TableSchema, FindsColumnsByNameAndKind) {
     const TableSchema schema(
-        {column("Имя", QMetaType::QString),
+        {attribute("Имя", QMetaType::QString),
          AttributeDefinitionPointer(new RenditionAttributeDefinition(QStringLiteral("style"))),
          AttributeDefinitionPointer(new GeometryAttributeDefinition(QStringLiteral("obj"), {})),
-         column("obj2", QMetaType::Int)});
+         attribute("obj2", QMetaType::Int)});
     EXPECT_EQ(schema.indexOf(QStringLiteral("имя")), 0);
     EXPECT_EQ(schema.indexOf(QStringLiteral("OBJ")), 2);
     EXPECT_EQ(schema.indexOf(QStringLiteral("none")), -1);

@@ -18,10 +18,7 @@ QByteArray hex(const char* digits) {
 
 TEST(Wkb, EveryKindComesBackInBothByteOrders) {
     for (const Dimensions dimensions : {Dimensions::XY, Dimensions::XYZ, Dimensions::XYM, Dimensions::XYZM}) {
-        std::vector<GeometryPtr> all = linearKinds(dimensions);
-        const std::vector<GeometryPtr> curved = curvedKinds(dimensions);
-        all.insert(all.end(), curved.begin(), curved.end());
-        for (const GeometryPtr& geometry : all) {
+        for (const GeometryPtr& geometry : allKinds(dimensions)) {
             for (const QSysInfo::Endian order : {QSysInfo::LittleEndian, QSysInfo::BigEndian}) {
                 const QByteArray wkb = GeometryFactory::toWkb(geometry, order);
                 const auto back = GeometryFactory::fromWkb(wkb, nullptr);
@@ -61,8 +58,8 @@ TEST(Wkb, BrokenBytesRaise) {
         "01 01000000 000000000000f03f 0000000000000040 00", // one byte left
         "01 02000000 ffffffff 000000000000f03f",            // count beyond the end
         "01 03000000 ffffff7f 00000000", "01 07000000 ffffffff",
-        "01 08000000 02000000 000000000000f03f 0000000000000040 000000000000f03f 0000000000000040", // half an
-                                                                                                    // arc
+        // Half an arc.
+        "01 08000000 02000000 000000000000f03f 0000000000000040 000000000000f03f 0000000000000040",
         "01 04000000 01000000 01 02000000 00000000", // a line among points
     };
     for (const char* digits : broken) {

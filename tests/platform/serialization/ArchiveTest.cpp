@@ -63,9 +63,7 @@ TEST(Archive, NumbersAndTextsAreLittleEndian) {
 
 TEST(Archive, EveryGeometryComesBack) {
     for (const Dimensions dimensions : {Dimensions::XY, Dimensions::XYZM}) {
-        std::vector<GeometryPtr> all = linearKinds(dimensions);
-        const std::vector<GeometryPtr> curved = curvedKinds(dimensions);
-        all.insert(all.end(), curved.begin(), curved.end());
+        std::vector<GeometryPtr> all = allKinds(dimensions);
         all.push_back(std::make_shared<geometry::Ellipse>(1, 2, 3, 4, 5));
         all.push_back(
             std::make_shared<geometry::RoundedRectangle>(geometry::Envelope{0, 1, 2, 3}, 0.5, 0.25));

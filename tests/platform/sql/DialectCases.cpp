@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <stdexcept>
 
 namespace orvane::tests {
@@ -11,25 +12,23 @@ namespace {
 
 void setField(DialectCase& dialectCase, const std::string& key, const std::string& value,
               const std::string& place) {
-    if (key == "reason") {
-        dialectCase.reason = value;
-    } else if (key == "input") {
-        dialectCase.input += (dialectCase.input.empty() ? "" : "\n") + value;
-    } else if (key == "dialect") {
-        dialectCase.dialect = value;
-    } else if (key == "sqlite") {
-        dialectCase.sqlite = value;
-    } else if (key == "error") {
-        dialectCase.error = value;
-    } else {
+    static const std::map<std::string, std::string DialectCase::*> fields = {
+        {"reason", &DialectCase::reason},
+        {"input", &DialectCase::input},
+        {"dialect", &DialectCase::dialect},
+        {"sqlite", &DialectCase::sqlite},
+        {"error", &DialectCase::error}};
+    const auto found = fields.find(key);
+    if (found == fields.end()) {
         throw std::runtime_error(place + ": unknown key " + key);
     }
+    std::string& field = dialectCase.*found->second;
+    field += (field.empty() ? "" : "\n") + value;
 }
 
 void readFile(const std::filesystem::path& path, std::vector<DialectCase>& cases) {
     std::ifstream file(path);
     std::string line;
-    std::string reason;
     DialectCase current;
     int number = 0;
     const auto finish = [&] {

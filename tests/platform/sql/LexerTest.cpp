@@ -2,6 +2,9 @@
 #include "platform/sql/Script.h"
 #include "platform/sql/SqlParser.h"
 #include "platform/sql/SqlStrings.h"
+#include "support/RandomText.h"
+
+#include <QByteArray>
 
 #include <gtest/gtest.h>
 
@@ -100,12 +103,8 @@ TEST(Keywords, EditDistanceCountsSwapsOnce) {
 }
 
 TEST(Limits, DepthIsBoundedWithAnError) {
-    const auto repeated = [](int count, const std::string& text) {
-        std::string result;
-        for (int i = 0; i < count; ++i) {
-            result += text;
-        }
-        return result;
+    const auto repeated = [](int count, const char* text) {
+        return QByteArray(text).repeated(count).toStdString();
     };
     const std::pair<std::string, bool> texts[] = {
         {repeated(350, "(") + "1" + repeated(350, ")"), true},
@@ -133,35 +132,14 @@ TEST(Limits, DepthIsBoundedWithAnError) {
 /// Texts put together from the pieces of the language at random: whatever comes out, parsing ends, at once,
 /// with a tree or with an error that has a place.
 TEST(Limits, AnyTextEndsInATreeOrAnError) {
-    const char* pieces[] = {"Select ", "From ",
-                            "Where ",  "(",
-                            ")",       ",",
-                            "a",       ".",
-                            "'x'",     "\"y\"",
-                            "1",       " Union ",
-                            "Table ",  "With ",
-                            " As ",    " Join ",
-                            " On ",    " In ",
-                            " Not ",   " Is ",
-                            "Case ",   "When ",
-                            " End",    " Between ",
-                            " And ",   "*",
-                            "-",       "Insert Into ",
-                            "Values ", "Update ",
-                            " Set ",   "=",
-                            " Over ",  " Contains Part ",
-                            ";",       "\xFF",
-                            "'",       "/*",
-                            "\n",      "Null",
-                            "🚲",       "Order By "};
+    const auto pieces = tests::pieces("Select |From |Where |(|)|,|a|.|'x'|\"y\"|1| Union |Table |With | As | "
+                                      "Join | On | In | Not | Is |Case |"
+                                      "When | End| Between | And |*|-|Insert Into |Values |Update | Set |=| "
+                                      "Over | Contains Part |;|\xFF|'|/*|"
+                                      "\n|Null|🚲|Order By ");
     std::mt19937 random(20260101);
-    std::uniform_int_distribution<std::size_t> pick(0, std::size(pieces) - 1);
-    std::uniform_int_distribution<int> count(1, 25);
     for (int i = 0; i < 20000; ++i) {
-        std::string text;
-        for (int j = count(random); j > 0; --j) {
-            text += pieces[pick(random)];
-        }
+        const std::string text = randomText(pieces, random, 25);
         SqlParser parser(nullptr);
         if (!parser.parse(text)) {
             ASSERT_EQ(parser.errors().size(), 1u) << text;

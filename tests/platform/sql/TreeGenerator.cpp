@@ -12,7 +12,7 @@ std::wstring TreeGenerator::name() {
         L"a",    L"name",   L"Имя",      L"x y",    L"q\"q",     L"select",       L"Left", L"date",
         L"part", L"entire", L"Entirely", L"rownum", L"🚲",        L"obj",          L"1st",  L"tr$$_rendition",
         L"]",    L"fetch",  L"values",   L"table",  L"contains", L"current_date", L"'",    L"over"};
-    return names[static_cast<std::size_t>(below(static_cast<int>(names.size())))];
+    return pick(names);
 }
 
 NodePtr TreeGenerator::column() {
@@ -44,13 +44,11 @@ NodePtr TreeGenerator::expression(int depth) {
     static const std::array texts{L"", L"it's", L"Омск", L"😀", L"--", L"a\nb", L"\"", L"/*"};
     static const std::array parameters{L"", L"?", L"?3", L":имя"};
     switch (below(8)) {
-    case 0: return std::make_shared<Number>(numbers[static_cast<std::size_t>(below(7))]);
-    case 1: return std::make_shared<String>(texts[static_cast<std::size_t>(below(8))]);
+    case 0: return std::make_shared<Number>(pick(numbers));
+    case 1: return std::make_shared<String>(pick(texts));
     case 2: return std::make_shared<String>(L"00fF", String::Content::Hexadecimal);
     case 3: return std::make_shared<TernaryLogicNode>(static_cast<TernaryLogic::Value>(below(3)));
-    case 4:
-        return std::make_shared<ContextuallyTypedValueSpecification>(
-            parameters[static_cast<std::size_t>(below(4))]);
+    case 4: return std::make_shared<ContextuallyTypedValueSpecification>(pick(parameters));
     case 5: return std::make_shared<Function>(L"Current_Date", NodeList(), Function::Bare);
     default: return column();
     }
@@ -66,7 +64,7 @@ NodePtr TreeGenerator::operation(int depth) {
         Code::Within, Code::Intersects, Code::PartlyWithin, Code::EntirelyWithin};
     static const std::array unary{Code::Not, Code::Negate, Code::UnaryPlus, Code::IsNull, Code::IsNotNull};
     switch (below(12)) {
-    case 0: return std::make_shared<Operation>(unary[static_cast<std::size_t>(below(5))], expression(depth));
+    case 0: return std::make_shared<Operation>(pick(unary), expression(depth));
     case 1: return std::make_shared<Operation>(Code::Collate, expression(depth), name());
     case 2: return std::make_shared<Operation>(Code::Cast, expression(depth), std::wstring(L"Decimal(10,2)"));
     case 3: return std::make_shared<Operation>(Code::Exists, query(depth));
@@ -76,10 +74,7 @@ NodePtr TreeGenerator::operation(int depth) {
     case 7: return rowValue(depth);
     case 8:
     case 9: return comparison(depth);
-    default:
-        return std::make_shared<Operation>(
-            binary[static_cast<std::size_t>(below(static_cast<int>(binary.size())))], expression(depth),
-            expression(depth));
+    default: return std::make_shared<Operation>(pick(binary), expression(depth), expression(depth));
     }
 }
 

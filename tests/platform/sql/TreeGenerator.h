@@ -20,6 +20,10 @@ private:
     using NodeList = sql::ast::NodeList;
 
     int below(int limit) { return std::uniform_int_distribution<int>(0, limit - 1)(random_); }
+    template<class Values>
+    const auto& pick(const Values& values) {
+        return values[static_cast<std::size_t>(below(static_cast<int>(values.size())))];
+    }
     bool chance(int percent) { return below(100) < percent; }
     std::wstring name();
     std::wstring maybeName() { return chance(50) ? name() : std::wstring(); }

@@ -1,11 +1,11 @@
 #include "platform/utils/MetaTypes.h"
 
 #include "platform/decimal/QDecNumber.h"
+#include "platform/dp/SqliteDatabaseAccess.h"
 
 #include <QVariant>
 
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
 TEST(MetaTypes, PlainIntegersAreTheIntegerWidthsOnly) {
     for (const int type : {QMetaType::Char, QMetaType::SChar, QMetaType::UChar, QMetaType::Short,
@@ -42,23 +42,17 @@ TEST(MetaTypes, ColumnsDeclaredUnderTheNamesKeepTheirValues) {
         {QMetaType::QDateTime, "", "'2021'", "text 2021"},
         {QMetaType::QByteArray, "", "'12'", "text 12"},
         {qMetaTypeId<QDecNumber>(), "(12, 2) ", "'1.5'", "real 1.5"},
-        {QMetaType::UnknownType, "", "x'00'", "blob "},
+        {QMetaType::UnknownType, "", "x''", "blob "},
     };
-    sqlite3* database = nullptr;
-    ASSERT_EQ(SQLITE_OK, sqlite3_open(":memory:", &database));
+    orvane::dp::SqliteDatabaseAccess database(QStringLiteral(":memory:"));
     for (const Case& c : cases) {
-        const QByteArray sql = "Create Table t(v " + orvane::sqlName(c.type).toUtf8() + c.suffix +
-                               "); Insert Into t Values(" + c.literal + ");";
-        ASSERT_EQ(SQLITE_OK, sqlite3_exec(database, sql.constData(), nullptr, nullptr, nullptr))
-            << sql.constData();
-        QByteArray stored;
-        const auto keep = [](void* target, int, char** values, char**) {
-            *static_cast<QByteArray*>(target) = values[0];
-            return 0;
-        };
-        sqlite3_exec(database, "Select typeof(v) || ' ' || v From t", keep, &stored, nullptr);
-        EXPECT_STREQ(c.stored, stored.constData()) << sql.constData();
-        sqlite3_exec(database, "Drop Table t", nullptr, nullptr, nullptr);
+        const QString declaration = orvane::sqlName(c.type) + QLatin1String(c.suffix);
+        database.exec(QStringLiteral("Create Table t(v %1)").arg(declaration));
+        database.exec(QStringLiteral("Insert Into t Values(%1)").arg(QLatin1String(c.literal)));
+        auto stored = database.query(QStringLiteral("Select typeof(v) || ' ' || v From t"));
+        ASSERT_TRUE(stored.next());
+        EXPECT_EQ(stored.text(0), QLatin1String(c.stored)) << declaration.toStdString();
+        stored.reset();
+        database.exec(QStringLiteral("Drop Table t"));
     }
-    sqlite3_close(database);
 }
