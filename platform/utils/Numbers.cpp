@@ -15,6 +15,7 @@ namespace {
 constexpr std::array<double, 23> exactPowers = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                                 1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
                                                 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+constexpr int largestExponent = 324;                // of the smallest double, 4.9e-324
 constexpr double integersFrom = 9007199254740992.0; // 2^53: from here on a double has no fraction
 
 /// Rounds the shortest decimal text of a finite number.
@@ -121,8 +122,9 @@ QString castExponentialFormat(QString text, const QLocale& locale, bool (*keep)(
     if (exponentText.startsWith(locale.positiveSign())) {
         exponentText.remove(0, 1);
     }
-    int exponent = locale.toInt(exponentText, &ok);
-    if (!ok || (keep != nullptr && keep(exponent))) {
+    const int exponent = locale.toInt(exponentText, &ok);
+    // A larger exponent is no number's, and would stand for as many zeros.
+    if (!ok || std::abs(qint64{exponent}) > largestExponent || (keep != nullptr && keep(exponent))) {
         return text;
     }
     QString digits = text.left(exponentAt);

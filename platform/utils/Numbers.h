@@ -25,8 +25,9 @@ ORVANE_PLATFORM_EXPORT QString toLocalizedString(double value, const QLocale& lo
 ORVANE_PLATFORM_EXPORT QString separateThousands(QString text, QChar decimalPoint, QChar groupSeparator,
                                                  int from);
 
-/// A number text that the locale wrote with an exponent, in plain digits; any other text as it is. `keep`,
-/// when given, is asked with the exponent and says whether the form stays.
+/// A number text that the locale wrote with an exponent, in plain digits; any other text, also one with an
+/// exponent that no double has, as it is. `keep`, when given, is asked with the exponent and says whether the
+/// form stays.
 ORVANE_PLATFORM_EXPORT QString castExponentialFormat(QString text, const QLocale& locale, bool (*keep)(int));
 
 } // namespace orvane::utils
