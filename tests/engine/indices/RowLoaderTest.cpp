@@ -72,6 +72,20 @@ TEST_P(RowLoaderOrder, StoresWhatAnInserterStoresAndKnowsTheSameGroups) {
 
 INSTANTIATE_TEST_SUITE_P(Orders, RowLoaderOrder, testing::Bool());
 
+TEST_F(RowLoaderTest, TextsWithZerosInThemStayApart) {
+    store_ = makeStore(cache_, false);
+    const int index = makeIndex();
+    const auto loader = store_->getLoader(index);
+    using namespace std::string_view_literals;
+    const std::string_view texts[] = {"\2"sv, "\1\2"sv, "\1\1"sv, "\1"sv, "\0\1"sv, "\0\0"sv, "\0"sv, ""sv};
+    for (qint64 row = 0; row < qint64(std::size(texts)); ++row) {
+        loader->addRow(row, Cells{dp::Cell::ofText(texts[row]), dp::Cell::ofInteger(1)});
+    }
+    loader->finish();
+    EXPECT_EQ(store_->groups(index), std::size(texts));
+    EXPECT_EQ(all(index), (std::vector<qint64>{7, 6, 5, 4, 3, 2, 1, 0}));
+}
+
 TEST_F(RowLoaderTest, AddsToTheRowsThatAreThere) {
     const int index = makeIndex();
     insert(index, {{text("b"), 1}, {text("b"), 1}});
