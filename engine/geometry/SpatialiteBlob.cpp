@@ -134,19 +134,6 @@ std::optional<SpatialiteHeader> readSpatialiteHeader(std::string_view blob) {
     return header;
 }
 
-bool spatialiteBlobEnvelope(std::string_view blob, geometry::Envelope& envelope) {
-    const auto header = readSpatialiteHeader(blob);
-    if (header) {
-        envelope = header->envelope;
-    }
-    return header.has_value();
-}
-
-std::optional<std::int32_t> spatialiteBlobSrid(std::string_view blob) {
-    const auto header = readSpatialiteHeader(blob);
-    return header ? std::optional(header->srid) : std::nullopt;
-}
-
 bool spatialiteBlobPoint(const SpatialiteHeader& header, double& x, double& y) {
     const auto dimensions = dimensionsOf(header.kind);
     if (header.kind % 1000 != Point || !dimensions ||

@@ -244,21 +244,9 @@ void appendWkt(const Geometry& geometry, std::string& out) {
     WktWriter(out).write(*standard);
 }
 
-QString toWkt(const Geometry& geometry) {
-    std::string text;
-    appendWkt(geometry, text);
-    return QString::fromStdString(text);
-}
-
 void appendGeoJson(const Geometry& geometry, std::string& out) {
     const GeometryPtr linear = linearized(borrowed(geometry));
     GeoJsonWriter(out).write(*linear);
-}
-
-QString toGeoJson(const Geometry& geometry) {
-    std::string text;
-    appendGeoJson(geometry, text);
-    return QString::fromStdString(text);
 }
 
 } // namespace orvane::geometry

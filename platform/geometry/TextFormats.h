@@ -3,21 +3,16 @@
 #include "platform/Export.h"
 #include "platform/geometry/Geometry.h"
 
-#include <QString>
-
 #include <string>
 
 namespace orvane::geometry {
 
-/// Well-known text with the shortest numbers that read back as the same doubles: "POINT(2.35 48.85)",
+/// Appends well-known text with the shortest numbers that read back as the same doubles: "POINT(2.35 48.85)",
 /// "LINESTRING Z(1 2 3,4 5 6)", "POLYGON EMPTY". Curves stay curves where the text has them.
-ORVANE_PLATFORM_EXPORT QString toWkt(const Geometry& geometry);
-/// The same, appended as UTF-8.
 ORVANE_PLATFORM_EXPORT void appendWkt(const Geometry& geometry, std::string& out);
 
-/// A geometry object of RFC 7946. m is left out, curves are approximated, coordinates are in the geometry's
-/// own system; positions that are not finite become null.
-ORVANE_PLATFORM_EXPORT QString toGeoJson(const Geometry& geometry);
+/// Appends a geometry object of RFC 7946. m is left out, curves are approximated, coordinates are in the
+/// geometry's own system; positions that are not finite become null.
 ORVANE_PLATFORM_EXPORT void appendGeoJson(const Geometry& geometry, std::string& out);
 
 } // namespace orvane::geometry

@@ -90,7 +90,6 @@ protected:
     /// wins.
     void processOperation(const ast::Operation& node, const TextFunction& collated);
 
-    std::deque<std::wstring>& resultStack() { return stack_; }
     void push(std::wstring text) { stack_.push_back(std::move(text)); }
     std::wstring pop();
     /// The text of a node.

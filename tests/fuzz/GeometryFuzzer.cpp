@@ -52,8 +52,9 @@ void use(const geometry::GeometryPtr& geometry, Cache& cache) {
         const auto back = cache.geometryInfo(engine::toOrvGeo(geometry, &cache), false).geometry();
         require(back && back->equals(*geometry));
     });
-    attempt([&] { geometry::toWkt(*geometry); });
-    attempt([&] { geometry::toGeoJson(*geometry); });
+    std::string text;
+    attempt([&] { geometry::appendWkt(*geometry, text); });
+    attempt([&] { geometry::appendGeoJson(*geometry, text); });
     attempt([&] { geometry::area(*geometry, QString()); });
     attempt([&] { geometry::cartesianLength(*geometry, QString()); });
     attempt([&] { geometry::Intersects(*geometry, geometry::Point(1, 2)); });

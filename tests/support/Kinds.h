@@ -1,10 +1,18 @@
 #pragma once
 
 #include "platform/geometry/Curves.h"
+#include "platform/geometry/TextFormats.h"
 
+#include <string>
 #include <vector>
 
 namespace orvane::tests {
+
+inline std::string toWkt(const geometry::Geometry& geometry) {
+    std::string text;
+    geometry::appendWkt(geometry, text);
+    return text;
+}
 
 inline geometry::CoordinateSequence positions(geometry::Dimensions dimensions, std::size_t count,
                                               double start) {

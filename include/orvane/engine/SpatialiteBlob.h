@@ -35,8 +35,6 @@ struct SpatialiteHeader {
 
 /// None for bytes without the marks of a blob. The body is not looked at.
 ORVANE_ENGINE_EXPORT std::optional<SpatialiteHeader> readSpatialiteHeader(std::string_view blob);
-ORVANE_ENGINE_EXPORT bool spatialiteBlobEnvelope(std::string_view blob, geometry::Envelope& envelope);
-ORVANE_ENGINE_EXPORT std::optional<std::int32_t> spatialiteBlobSrid(std::string_view blob);
 
 /// x and y of a blob that holds one point; false for any other.
 ORVANE_ENGINE_EXPORT bool spatialiteBlobPoint(const SpatialiteHeader& header, double& x, double& y);

@@ -4,7 +4,6 @@
 
 #include "platform/decimal/QDecNumber.h"
 #include "platform/geometry/GeometryFactory.h"
-#include "platform/geometry/TextFormats.h"
 #include <orvane/engine/GeometryConversions.h>
 #include <orvane/engine/SpatialiteBlob.h>
 
@@ -153,7 +152,7 @@ TEST(EngineCache, ResemblanceAsksInOrder) {
     for (Resembling* extension : {&silent, &first, &second}) {
         cache.addResemblanceExtension(extension);
     }
-    EXPECT_EQ(geometry::toWkt(*cache.resemblance(point)).toStdString(), "POINT(7 2)");
+    EXPECT_EQ(toWkt(*cache.resemblance(point)), "POINT(7 2)");
     EXPECT_EQ(silent.seenTolerance, 7);
     EXPECT_EQ(second.seenTolerance, -1);
 }
@@ -172,8 +171,7 @@ TEST(GeometryConversions, EveryKindOfBlob) {
             EXPECT_EQ(own->coordSystem(), geometry->coordSystem());
             const auto gaia = cache.geometryInfo(engine::toGaia(geometry, &cache), true).geometry();
             // SpatiaLite has no blob for some empty kinds, nor for a collection in a collection.
-            ASSERT_TRUE(gaia || kind->isEmpty() || kind == kinds.back())
-                << geometry::toWkt(*kind).toStdString();
+            ASSERT_TRUE(gaia || kind->isEmpty() || kind == kinds.back()) << toWkt(*kind);
             if (gaia) {
                 EXPECT_TRUE(gaia->equals(*geometry::linearized(kind)));
                 EXPECT_EQ(gaia->coordSystem(), geometry->coordSystem());
@@ -195,13 +193,13 @@ TEST(GeometryConversions, OtherBinaryForms) {
     fgf.append(reinterpret_cast<const char*>(values), sizeof values);
     const auto line = cache.geometryInfo(fgf, true).geometry();
     ASSERT_TRUE(line);
-    EXPECT_EQ(geometry::toWkt(*line).toStdString(), "LINESTRING Z(1 2 3,4 5 6)");
+    EXPECT_EQ(toWkt(*line), "LINESTRING Z(1 2 3,4 5 6)");
     // A multi: its kind, a count, whole parts.
     QByteArray points = QByteArray::fromHex("04000000 01000000 01000000 00000000");
     points.append(reinterpret_cast<const char*>(values), 2 * sizeof(double));
     const auto multi = cache.geometryInfo(points, true).geometry();
     ASSERT_TRUE(multi);
-    EXPECT_EQ(geometry::toWkt(*multi).toStdString(), "MULTIPOINT((1 2))");
+    EXPECT_EQ(toWkt(*multi), "MULTIPOINT((1 2))");
     // Compressed by SpatiaLite; coordinates that floats hold come back as they were.
     const QByteArray wkb = geometry::GeometryFactory::toWkb(polygon, QSysInfo::LittleEndian);
     const std::string blob = gaiaBlob(gaiaGeometry(wkb), gaiaToCompressedBlobWkb);

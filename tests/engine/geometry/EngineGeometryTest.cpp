@@ -1,7 +1,6 @@
 #include "support/Kinds.h"
 
 #include "platform/cs/CoordSystem.h"
-#include "platform/geometry/TextFormats.h"
 #include <orvane/engine/EngineGeometry.h>
 
 #include <gtest/gtest.h>
@@ -62,8 +61,7 @@ std::string wktOf(const QByteArray& bytes, const EngineGeometry::CoordSystemLook
         return "none";
     }
     const auto system = geometry->coordSystem();
-    return geometry::toWkt(*geometry).toStdString() +
-           (system ? " " + system->taggedString().toStdString() : "");
+    return toWkt(*geometry) + (system ? " " + system->taggedString().toStdString() : "");
 }
 
 TEST(EngineGeometry, Framing) {

@@ -4,7 +4,6 @@
 #include "platform/cs/CoordSystem.h"
 #include "platform/cs/Transformer.h"
 #include "platform/geometry/GeometryFactory.h"
-#include "platform/geometry/TextFormats.h"
 #include <orvane/engine/SpatialiteBlob.h>
 
 #include <gtest/gtest.h>
@@ -55,10 +54,10 @@ TEST(SpatialiteBlob, SameBytesAsSpatialite) {
                 std::string blob = "before";
                 EXPECT_EQ(engine::appendSpatialiteBlob(view(wkbOf(geometry, order)), 4326, blob),
                           !expected.empty())
-                    << geometry::toWkt(*geometry).toStdString();
+                    << toWkt(*geometry);
                 EXPECT_EQ(QByteArray::fromStdString(blob).toHex(),
                           QByteArray::fromStdString("before" + expected).toHex())
-                    << geometry::toWkt(*geometry).toStdString();
+                    << toWkt(*geometry);
             }
         }
     }
@@ -97,7 +96,7 @@ TEST(SpatialiteBlob, HeaderAndBody) {
     for (const auto& [geometry, blob] : linearBlobs(-1)) {
         const auto header = engine::readSpatialiteHeader(blob);
         ASSERT_TRUE(header);
-        EXPECT_EQ(engine::spatialiteBlobSrid(blob), -1);
+        EXPECT_EQ(header->srid, -1);
         EXPECT_TRUE(engine::isSoundSpatialiteBody(*header));
         EXPECT_EQ(header->envelope.isEmpty(), geometry->isEmpty());
         if (!geometry->isEmpty()) {
@@ -114,8 +113,7 @@ TEST(SpatialiteBlob, HeaderAndBody) {
             EXPECT_TRUE(!cut || !engine::isSoundSpatialiteBody(*cut)) << size;
         }
     }
-    geometry::Envelope envelope;
-    EXPECT_FALSE(engine::spatialiteBlobEnvelope("no blob", envelope));
+    EXPECT_FALSE(engine::readSpatialiteHeader("no blob"));
 }
 
 /// SpatiaLite's compressed kinds are sound as it writes them, and not when cut short.
@@ -145,7 +143,7 @@ TEST(SpatialiteBlob, TransformedInPlaceEqualsTransformedObjects) {
         EXPECT_EQ(engine::appendTransformedBlob(*engine::readSpatialiteHeader(blob), *transformer, 3857,
                                                 transformed),
                   engine::BlobTransformation::Done);
-        EXPECT_EQ(transformed, expected) << geometry::toWkt(*geometry).toStdString();
+        EXPECT_EQ(transformed, expected) << toWkt(*geometry);
     }
     std::string nowhere;
     ASSERT_TRUE(

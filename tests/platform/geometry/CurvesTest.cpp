@@ -3,7 +3,6 @@
 #include "platform/cs/CoordSystem.h"
 #include "platform/geometry/Measures.h"
 #include "platform/geometry/Relations.h"
-#include "platform/geometry/TextFormats.h"
 
 #include <gtest/gtest.h>
 
@@ -49,10 +48,8 @@ TEST(Curves, ChordsStayWithinTheTolerance) {
 }
 
 TEST(Curves, DegenerateArcs) {
-    EXPECT_EQ(toWkt(*arcs({0, 0, 1, 1, 2, 2})->approximateGeometry(QSizeF())).toStdString(),
-              "LINESTRING(0 0,1 1,2 2)");
-    EXPECT_EQ(toWkt(*arcs({5, 5, 5, 5, 5, 5})->approximateGeometry(QSizeF())).toStdString(),
-              "LINESTRING(5 5,5 5,5 5)");
+    EXPECT_EQ(toWkt(*arcs({0, 0, 1, 1, 2, 2})->approximateGeometry(QSizeF())), "LINESTRING(0 0,1 1,2 2)");
+    EXPECT_EQ(toWkt(*arcs({5, 5, 5, 5, 5, 5})->approximateGeometry(QSizeF())), "LINESTRING(5 5,5 5,5 5)");
     // A full circle begins and ends at the same position.
     EXPECT_NEAR(cartesianLength(*arcs({2, 0, -2, 0, 2, 0}), QString()), 4 * pi, 1e-12);
     EXPECT_THROW(arcs({0, 0, 1, 1}), std::invalid_argument);

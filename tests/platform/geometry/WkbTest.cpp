@@ -22,7 +22,7 @@ TEST(Wkb, EveryKindComesBackInBothByteOrders) {
             for (const QSysInfo::Endian order : {QSysInfo::LittleEndian, QSysInfo::BigEndian}) {
                 const QByteArray wkb = GeometryFactory::toWkb(geometry, order);
                 const auto back = GeometryFactory::fromWkb(wkb, nullptr);
-                EXPECT_TRUE(back->equals(*geometry)) << toWkt(*geometry).toStdString();
+                EXPECT_TRUE(back->equals(*geometry)) << toWkt(*geometry);
                 EXPECT_EQ(GeometryFactory::toWkb(back, order), wkb);
             }
         }
@@ -38,13 +38,13 @@ TEST(Wkb, GoldenBytes) {
         hex("00 00000004 00000002 01 01000000 000000000000f03f 0000000000000040 00 00000001 3ff0000000000000 "
             "4000000000000000"),
         nullptr);
-    EXPECT_EQ(toWkt(*mixed).toStdString(), "MULTIPOINT((1 2),(1 2))");
+    EXPECT_EQ(toWkt(*mixed), "MULTIPOINT((1 2),(1 2))");
 }
 
 TEST(Wkb, ExtendedFormIsUnderstood) {
     const auto point = GeometryFactory::fromWkb(
         hex("01 010000a0 e6100000 000000000000f03f 0000000000000040 0000000000000840"), nullptr);
-    EXPECT_EQ(toWkt(*point).toStdString(), "POINT Z(1 2 3)");
+    EXPECT_EQ(toWkt(*point), "POINT Z(1 2 3)");
     ASSERT_TRUE(point->coordSystem());
     EXPECT_EQ(point->coordSystem()->epsg(), 4326);
 }
@@ -63,7 +63,7 @@ TEST(Wkb, BrokenBytesRaise) {
         "01 04000000 01000000 01 02000000 00000000", // a line among points
     };
     for (const char* digits : broken) {
-        EXPECT_THROW(GeometryFactory::fromWkb(hex(digits), nullptr), std::exception) << digits;
+        EXPECT_THROW(GeometryFactory::fromWkb(hex(digits), nullptr), std::runtime_error) << digits;
     }
     QByteArray nested;
     for (int level = 0; level < 100000; ++level) {
@@ -76,7 +76,7 @@ TEST(Wkb, EveryPrefixRaises) {
     for (const GeometryPtr& geometry : curvedKinds(Dimensions::XYZ)) {
         const QByteArray wkb = GeometryFactory::toWkb(geometry, QSysInfo::LittleEndian);
         for (int size = 0; size < wkb.size(); ++size) {
-            EXPECT_THROW(GeometryFactory::fromWkb(wkb.left(size), nullptr), std::exception);
+            EXPECT_THROW(GeometryFactory::fromWkb(wkb.left(size), nullptr), std::runtime_error);
         }
     }
 }
@@ -112,8 +112,10 @@ TEST(TextFormats, WktAndGeoJson) {
          R"({"type":"Polygon","coordinates":[[[0,0],[2,0],[2,1],[0,1],[0,0]]]})"},
     };
     for (const TextCase& entry : cases) {
-        EXPECT_EQ(toWkt(*entry.geometry).toStdString(), entry.wkt);
-        EXPECT_EQ(toGeoJson(*entry.geometry).toStdString(), entry.geoJson);
+        EXPECT_EQ(toWkt(*entry.geometry), entry.wkt);
+        std::string geoJson;
+        appendGeoJson(*entry.geometry, geoJson);
+        EXPECT_EQ(geoJson, entry.geoJson);
     }
 }
 
