@@ -32,11 +32,15 @@ public:
         : bytes_(bytes), framing_(framing), littleEndian_(littleEndian) {}
 
     std::shared_ptr<Geometry> readWhole() {
-        auto geometry = framing_ == Framing::Wkb ? readFramed(0) : readBody(0);
-        if (!bytes_.empty()) {
-            fail("bytes are left over behind the geometry");
+        try {
+            auto geometry = framing_ == Framing::Wkb ? readFramed(0) : readBody(0);
+            if (!bytes_.empty()) {
+                fail("bytes are left over behind the geometry");
+            }
+            return geometry;
+        } catch (const std::invalid_argument& refused) { // half an arc, a line among points
+            fail(refused.what());
         }
-        return geometry;
     }
 
     std::uint32_t srid() const { return srid_; }

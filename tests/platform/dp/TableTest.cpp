@@ -125,6 +125,8 @@ TEST(CellConversion, MakesGeometriesOfWellKnownBinary) {
     EXPECT_EQ(orvane::geometry::GeometryFactory::toWkb(geometry, QSysInfo::LittleEndian),
               QByteArray::fromStdString(point));
     EXPECT_FALSE(toVariant(Cell::ofWkb(std::string_view(point).substr(0, 20)), attribute).isValid());
+    const std::string lineAmongPoints("\1\4\0\0\0\1\0\0\0\1\2\0\0\0\0\0\0\0", 18);
+    EXPECT_FALSE(toVariant(Cell::ofWkb(lineAmongPoints), attribute).isValid());
 }
 
 } // namespace
