@@ -35,9 +35,10 @@ bool DataCatalog::close(const QString& name) {
         return false;
     }
     object->requestClose();
-    disconnect(object.get(), nullptr, this, nullptr);
-    objects_.removeOne(object);
-    Q_EMIT dataObjectRemoved(object->name());
+    if (objects_.removeOne(object)) { // unless one of its users has closed it already
+        disconnect(object.get(), nullptr, this, nullptr);
+        Q_EMIT dataObjectRemoved(object->name());
+    }
     return true;
 }
 

@@ -5,8 +5,9 @@
 namespace orvane::geometry {
 
 CoordinateSequence::CoordinateSequence(Dimensions dimensions, std::span<const double> values)
-    : CoordinateSequence(dimensions, values.size() / strideOf(dimensions),
-                         [&](double* target) { std::copy(values.begin(), values.end(), target); }) {}
+    : CoordinateSequence(dimensions, values.size() / strideOf(dimensions), [&](double* target) {
+          std::copy_n(values.begin(), values.size() / strideOf(dimensions) * strideOf(dimensions), target);
+      }) {}
 
 bool CoordinateSequence::isClosed() const {
     return size_ > 0 && x(0) == x(size_ - 1) && y(0) == y(size_ - 1);

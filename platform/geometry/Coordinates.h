@@ -63,7 +63,7 @@ struct Envelope {
 class ORVANE_PLATFORM_EXPORT CoordinateSequence {
 public:
     explicit CoordinateSequence(Dimensions dimensions = Dimensions::XY) : dimensions_(dimensions) {}
-    /// Copies the doubles, strideOf(dimensions) for each position.
+    /// Copies the doubles, strideOf(dimensions) for each position; what is no whole position is left out.
     CoordinateSequence(Dimensions dimensions, std::span<const double> values);
     /// `size` positions that `fill(double*)` writes.
     template<typename Fill>

@@ -78,6 +78,17 @@ TEST(DataCatalog, AsksTheUsersOfAnObjectToLetGoBeforeItIsRemoved) {
     EXPECT_TRUE(noted.take().isEmpty());
 }
 
+TEST(DataCatalog, TellsOnceOfAnObjectThatItsUserClosesAsWell) {
+    NotedCatalog noted;
+    const auto roads = noted.add("roads");
+    int depth = 0;
+    QObject::connect(roads.get(), &DataObject::closeRequested,
+                     [&] { EXPECT_TRUE(depth++ > 0 || noted.catalog.close(text("roads"))); });
+    noted.take();
+    EXPECT_TRUE(noted.catalog.close(text("roads")));
+    EXPECT_EQ(noted.take(), QStringList{text("removed roads")});
+}
+
 TEST(DataObject, MakesNamesThatSqlCanUse) {
     const std::vector<std::pair<QString, QString>> cases = {
         {text("roads"), text("roads")}, {text("  улицы и \"дома\" \t"), text("улицы и \"дома\"")},
