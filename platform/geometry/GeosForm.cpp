@@ -2,6 +2,7 @@
 
 #include "platform/geometry/Curves.h"
 
+#include <algorithm>
 #include <cmath>
 #include <stdexcept>
 #include <string>
@@ -34,11 +35,12 @@ GEOSContextHandle_t releaseContext() {
     return handle;
 }
 
-GeosPtr checked(GEOSGeometry* geometry) {
-    if (!geometry) {
-        throwGeosError();
-    }
-    return GeosPtr(geometry);
+/// For functions of GEOS that take over a list of geometries.
+std::vector<GEOSGeometry*> released(std::vector<GeosPtr>& geometries) {
+    std::vector<GEOSGeometry*> handed(geometries.size());
+    std::transform(geometries.begin(), geometries.end(), handed.begin(),
+                   [](GeosPtr& geometry) { return geometry.release(); });
+    return handed;
 }
 
 struct SequenceDeleter {
@@ -103,11 +105,7 @@ GeosPtr toPolygon(const Polygon& polygon) {
             holes.push_back(toRing(polygon.rings()[i]));
         }
     }
-    std::vector<GEOSGeometry*> handed;
-    handed.reserve(holes.size());
-    for (GeosPtr& hole : holes) {
-        handed.push_back(hole.release());
-    }
+    std::vector<GEOSGeometry*> handed = released(holes);
     return checked(GEOSGeom_createPolygon_r(geosContext(), shell.release(), handed.data(),
                                             static_cast<unsigned>(handed.size())));
 }
@@ -126,12 +124,6 @@ GeosPtr toGeosUnchecked(const Geometry& geometry) {
     for (const GeometryPtr& part : static_cast<const GeometryCollection&>(geometry).parts()) {
         parts.push_back(toGeosUnchecked(*part));
     }
-    std::vector<GEOSGeometry*> handed;
-    handed.reserve(parts.size());
-    for (GeosPtr& part : parts) {
-        handed.push_back(part.release());
-    }
-    // The kinds of GEOS have the same codes as those of well-known binary, less the ring at 2.
     int kind = GEOS_GEOMETRYCOLLECTION;
     if (geometry.type() == GeometryType::MultiPoint) {
         kind = GEOS_MULTIPOINT;
@@ -140,8 +132,7 @@ GeosPtr toGeosUnchecked(const Geometry& geometry) {
     } else if (geometry.type() == GeometryType::MultiPolygon) {
         kind = GEOS_MULTIPOLYGON;
     }
-    return checked(GEOSGeom_createCollection_r(geosContext(), kind, handed.data(),
-                                               static_cast<unsigned>(handed.size())));
+    return collectionOf(kind, std::move(parts));
 }
 
 bool isFinite(const CoordinateSequence& sequence) {
@@ -245,6 +236,19 @@ void GeosGeometryDeleter::operator()(GEOSGeometry* geometry) const {
 
 void GeosPreparedDeleter::operator()(const GEOSPreparedGeometry* prepared) const {
     GEOSPreparedGeom_destroy_r(releaseContext(), prepared);
+}
+
+GeosPtr checked(GEOSGeometry* geometry) {
+    if (!geometry) {
+        throwGeosError();
+    }
+    return GeosPtr(geometry);
+}
+
+GeosPtr collectionOf(int kind, std::vector<GeosPtr> parts) {
+    std::vector<GEOSGeometry*> handed = released(parts);
+    return checked(GEOSGeom_createCollection_r(geosContext(), kind, handed.data(),
+                                               static_cast<unsigned>(handed.size())));
 }
 
 GeosPtr toGeos(const Geometry& geometry) {

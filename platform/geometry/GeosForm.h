@@ -7,6 +7,7 @@
 #include <atomic>
 #include <memory>
 #include <mutex>
+#include <vector>
 
 namespace orvane::geometry {
 
@@ -23,6 +24,11 @@ struct GeosPreparedDeleter {
 };
 using GeosPtr = std::unique_ptr<GEOSGeometry, GeosGeometryDeleter>;
 using GeosPreparedPtr = std::unique_ptr<const GEOSPreparedGeometry, GeosPreparedDeleter>;
+
+/// Takes over what GEOS has made. Throws std::runtime_error for null.
+GeosPtr checked(GEOSGeometry* geometry);
+/// A collection of that kind of GEOS, which takes over the parts. Throws std::runtime_error.
+GeosPtr collectionOf(int kind, std::vector<GeosPtr> parts);
 
 /// Curves are made linear, open rings are closed and too short ones filled up with their last position, so
 /// that every shape with finite coordinates has a form. Null when a coordinate is not finite. Throws

@@ -8,6 +8,7 @@
 #include "platform/geometry/Relations.h"
 #include "platform/geometry/Units.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -106,26 +107,25 @@ void checkNotEmpty(const Geometry& a, const Geometry& b) {
     }
 }
 
+GeometryPtr turnedBy(const Geometry& geometry, double degrees) {
+    return geometry.mapped([degrees](double* positions, std::size_t count, Dimensions dimensions) {
+        for (std::size_t i = 0; i < count; ++i) {
+            positions[i * strideOf(dimensions)] += degrees;
+        }
+        return true;
+    });
+}
+
 /// Whether two shapes in longitudes and latitudes meet, wherever their longitudes are counted from.
 bool meet(const Geometry& a, const Geometry& b) {
     const Envelope envelopeA = a.envelope();
     const Envelope envelopeB = b.envelope();
-    for (const double turn : {0.0, 360.0, -360.0}) {
-        if (envelopeB.minX + turn > envelopeA.maxX || envelopeB.maxX + turn < envelopeA.minX) {
-            continue;
-        }
-        const std::shared_ptr<Geometry> turned =
-            b.mapped([turn](double* positions, std::size_t count, Dimensions dimensions) {
-                for (std::size_t i = 0; i < count; ++i) {
-                    positions[i * strideOf(dimensions)] += turn;
-                }
-                return true;
-            });
-        if (Intersects(a, turn == 0.0 ? b : *turned)) {
-            return true;
-        }
-    }
-    return false;
+    constexpr double turns[] = {0.0, 360.0, -360.0};
+    return std::any_of(std::begin(turns), std::end(turns), [&](double turn) {
+        const bool mayMeet =
+            envelopeB.minX + turn <= envelopeA.maxX && envelopeB.maxX + turn >= envelopeA.minX;
+        return mayMeet && (turn == 0.0 ? Intersects(a, b) : Intersects(a, *turnedBy(b, turn)));
+    });
 }
 
 } // namespace

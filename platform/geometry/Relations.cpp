@@ -44,14 +44,7 @@ const Geometry* inSystemOf(const Geometry& a, const Geometry& b, GeometryPtr& ho
     return holder.get();
 }
 
-GeosPtr checked(GEOSGeometry* geometry) {
-    if (!geometry) {
-        throwGeosError();
-    }
-    return GeosPtr(geometry);
-}
-
-bool checked(char answer) {
+bool answerOf(char answer) {
     if (answer == geosFailed) {
         throwGeosError();
     }
@@ -68,7 +61,7 @@ bool askRepaired(const GEOSGeometry* a, const GEOSGeometry* b, const Ask& ask) {
 
 /// The parts of one dimension, joined so that none crosses another; null when there are none.
 GeosPtr partsOfDimension(const GEOSGeometry* geometry, int dimension) {
-    std::vector<GEOSGeometry*> parts;
+    std::vector<GeosPtr> parts;
     const auto collect = [&](const auto& self, const GEOSGeometry* part) -> void {
         const int count = GEOSGetNumGeometries_r(geosContext(), part);
         if (GEOSGeomTypeId_r(geosContext(), part) >= GEOS_MULTIPOINT) {
@@ -77,15 +70,14 @@ GeosPtr partsOfDimension(const GEOSGeometry* geometry, int dimension) {
             }
         } else if (GEOSGeom_getDimensions_r(geosContext(), part) == dimension &&
                    GEOSisEmpty_r(geosContext(), part) == 0) {
-            parts.push_back(GEOSGeom_clone_r(geosContext(), part));
+            parts.push_back(checked(GEOSGeom_clone_r(geosContext(), part)));
         }
     };
     collect(collect, geometry);
     if (parts.empty()) {
         return nullptr;
     }
-    const GeosPtr collection = checked(GEOSGeom_createCollection_r(
-        geosContext(), GEOS_GEOMETRYCOLLECTION, parts.data(), static_cast<unsigned>(parts.size())));
+    const GeosPtr collection = collectionOf(GEOS_GEOMETRYCOLLECTION, std::move(parts));
     return checked(GEOSUnaryUnion_r(geosContext(), collection.get()));
 }
 
@@ -105,7 +97,7 @@ bool containsByParts(const GEOSGeometry* a, const GEOSGeometry* b) {
         for (const GeosPtr& part : partsOfA) {
             interiorsMeet =
                 interiorsMeet ||
-                (part && checked(GEOSRelatePattern_r(geosContext(), part.get(), rest.get(), "T********")));
+                (part && answerOf(GEOSRelatePattern_r(geosContext(), part.get(), rest.get(), "T********")));
         }
         for (int taken = 2; taken >= dimension; --taken) {
             if (partsOfA[taken]) {
@@ -133,12 +125,12 @@ char askPrepared(const Geometry& owner, const GEOSGeometry* other, PreparedPredi
 }
 
 bool intersectsGeos(const GEOSGeometry* a, const GEOSGeometry* b) {
-    return checked(GEOSIntersects_r(geosContext(), a, b));
+    return answerOf(GEOSIntersects_r(geosContext(), a, b));
 }
 
 bool containsGeos(const GEOSGeometry* a, const GEOSGeometry* b) {
     return isCollection(a) || isCollection(b) ? containsByParts(a, b)
-                                              : checked(GEOSContains_r(geosContext(), a, b));
+                                              : answerOf(GEOSContains_r(geosContext(), a, b));
 }
 
 /// With the locks of both held.
@@ -299,7 +291,7 @@ std::shared_ptr<const Geometry> normalizedGeometry(const std::shared_ptr<const G
     if (!plain) {
         throw failure(QT_TRANSLATE_NOOP("orvane::geometry", "Координата геометрии не конечное число."));
     }
-    if (checked(GEOSisValid_r(geosContext(), plain)) && hasProperRings(*geometry)) {
+    if (answerOf(GEOSisValid_r(geosContext(), plain)) && hasProperRings(*geometry)) {
         return geometry;
     }
     const std::shared_ptr<Geometry> valid = fromGeos(checked(GEOSMakeValid_r(geosContext(), plain)).get());
