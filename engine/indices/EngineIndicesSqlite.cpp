@@ -242,17 +242,17 @@ void EngineIndicesSqlite::dropIndex(int index) {
         internal_->lookups->clear();
     }
     internal_->change(QStringLiteral("dropIndex"),
-                      QStringLiteral("Drop Table If Exists %0%1;").arg(QStringLiteral("i")).arg(index));
+                      QStringLiteral("Drop Table If Exists %0;").arg(indexTable(index)));
     internal_->indices.erase(index);
 }
 
 void EngineIndicesSqlite::clearIndex(int index) {
-    internal_->change(QStringLiteral("clearIndex"),
-                      QStringLiteral("Delete From %0%1;").arg(QStringLiteral("i")).arg(index));
+    internal_->change(QStringLiteral("clearIndex"), QStringLiteral("Delete From %0;").arg(indexTable(index)));
 }
 
 std::unique_ptr<EngineIndices::InserterInterface> EngineIndicesSqlite::getInserter(int index) {
-    return std::make_unique<SqliteInserter>(index, internal_->indices[index].columns, cache());
+    const IndexEntry* entry = internal_->find(index);
+    return std::make_unique<SqliteInserter>(index, entry ? entry->columns : IndexColumns(), cache());
 }
 
 void EngineIndicesSqlite::flushInserter(std::unique_ptr<InserterInterface> inserter) {
