@@ -8,15 +8,12 @@
 #include <orvane/engine/GeometryConversions.h>
 #include <orvane/engine/SpatialiteBlob.h>
 
+#include "engine/geometry/GaiaPtr.h"
 #include "engine/geometry/Locking.h"
+
 #include <QDataStream>
 
-#include <sqlite3.h>
-
-#include <spatialite/gaiageo.h>
-
 #include <atomic>
-#include <cstdlib>
 #include <cstring>
 
 namespace orvane::engine {
@@ -24,13 +21,6 @@ namespace orvane::engine {
 namespace {
 
 using CoordSystemPtr = std::shared_ptr<cs::CoordSystem>;
-
-struct GaiaDeleter {
-    void operator()(gaiaGeomColl* collection) const { gaiaFreeGeomColl(collection); }
-};
-struct FreeDeleter {
-    void operator()(unsigned char* bytes) const { std::free(bytes); }
-};
 
 /// The value of a key: looked up under the read lock, made with no lock held, stored unless another thread
 /// was faster. A value that cannot be made is stored as null.
@@ -68,18 +58,12 @@ std::uint64_t nextIdentity() {
 /// SpatiaLite's own readers: compressed blobs, WKB, FGF.
 std::shared_ptr<const geometry::Geometry> decodeThroughGaia(EngineCache& cache, const void* data,
                                                             unsigned int size) {
-    const std::unique_ptr<gaiaGeomColl, GaiaDeleter> collection(
-        toGaia(static_cast<const unsigned char*>(data), static_cast<int>(size)));
+    const GaiaPtr collection(toGaia(static_cast<const unsigned char*>(data), static_cast<int>(size)));
     if (!collection) {
         return nullptr;
     }
-    unsigned char* wkb = nullptr;
-    int wkbSize = 0;
-    gaiaToWkb(collection.get(), &wkb, &wkbSize);
-    const std::unique_ptr<unsigned char, FreeDeleter> wkbOwner(wkb);
-    const std::string_view bytes(reinterpret_cast<const char*>(wkb),
-                                 wkb ? static_cast<std::size_t>(wkbSize) : 0);
-    return geometry::GeometryFactory::fromWkb(bytes, cache.get(collection->Srid));
+    return geometry::GeometryFactory::fromWkb(GaiaBytes(collection, gaiaToWkb).view(),
+                                              cache.get(collection->Srid));
 }
 
 } // namespace

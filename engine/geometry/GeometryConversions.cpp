@@ -9,24 +9,13 @@
 #include <orvane/engine/SpatialiteBlob.h>
 #include <orvane/engine/functions/Converters.h>
 
+#include "engine/geometry/GaiaPtr.h"
+
 #include <QtEndian>
-
-#include <sqlite3.h>
-
-#include <spatialite/gaiageo.h>
-
-#include <cstdlib>
 
 namespace orvane::engine {
 
 namespace {
-
-struct GaiaDeleter {
-    void operator()(gaiaGeomColl* collection) const { gaiaFreeGeomColl(collection); }
-};
-struct FreeDeleter {
-    void operator()(unsigned char* bytes) const { std::free(bytes); }
-};
 
 bool isSoundWkb(std::string_view bytes) {
     try {
@@ -39,15 +28,10 @@ bool isSoundWkb(std::string_view bytes) {
 
 /// Null also for the kinds that SpatiaLite does not know (curves, the extended form), of which it makes
 /// collections without parts.
-gaiaGeomCollPtr collectionFromWkb(std::string_view bytes) {
-    if (!isSoundWkb(bytes)) {
-        return nullptr;
-    }
-    gaiaGeomCollPtr collection = gaiaFromWkb(reinterpret_cast<const unsigned char*>(bytes.data()),
-                                             static_cast<unsigned int>(bytes.size()));
+GaiaPtr collectionFromWkb(std::string_view bytes) {
+    GaiaPtr collection = isSoundWkb(bytes) ? gaiaFromWkb(bytes) : nullptr;
     if (collection && !collection->FirstPoint && !collection->FirstLinestring && !collection->FirstPolygon) {
-        gaiaFreeGeomColl(collection);
-        return nullptr;
+        collection.reset();
     }
     return collection;
 }
@@ -143,19 +127,22 @@ private:
     QByteArray wkb_;
 };
 
+std::string_view view(const QByteArray& bytes) {
+    return {bytes.constData(), static_cast<std::size_t>(bytes.size())};
+}
+
+QByteArray toByteArray(std::string_view bytes) {
+    return {bytes.data(), static_cast<int>(bytes.size())};
+}
+
 /// The blob through SpatiaLite's own reader and writer; empty when they fail.
 QByteArray gaiaBlob(const QByteArray& wkb, int srid) {
-    const std::unique_ptr<gaiaGeomColl, GaiaDeleter> collection(gaiaFromWkb(
-        reinterpret_cast<const unsigned char*>(wkb.constData()), static_cast<unsigned int>(wkb.size())));
+    const GaiaPtr collection = gaiaFromWkb(view(wkb));
     if (!collection) {
         return QByteArray();
     }
     collection->Srid = srid;
-    unsigned char* blob = nullptr;
-    int size = 0;
-    gaiaToSpatiaLiteBlobWkb(collection.get(), &blob, &size);
-    const std::unique_ptr<unsigned char, FreeDeleter> owner(blob);
-    return blob ? QByteArray(reinterpret_cast<const char*>(blob), size) : QByteArray();
+    return toByteArray(GaiaBytes(collection, gaiaToSpatiaLiteBlobWkb).view());
 }
 
 void resultBlob(sqlite3_context* context, const QByteArray& blob) {
@@ -179,21 +166,20 @@ gaiaGeomCollStruct* toGaia(const unsigned char* blob, int size) {
     }
     const auto count = static_cast<unsigned int>(size);
     const std::string_view bytes(reinterpret_cast<const char*>(blob), count);
-    gaiaGeomCollPtr collection = nullptr;
+    GaiaPtr collection;
     if (const auto header = readSpatialiteHeader(bytes); header && isSoundSpatialiteBody(*header)) {
-        collection = gaiaFromSpatiaLiteBlobWkb(blob, count);
+        collection.reset(gaiaFromSpatiaLiteBlobWkb(blob, count));
         if (!collection) {
-            collection = gaiaFromSpatiaLiteBlobWkbEx(blob, count, 0, 0);
+            collection.reset(gaiaFromSpatiaLiteBlobWkbEx(blob, count, 0, 0));
         }
     }
     if (!collection) {
         collection = collectionFromWkb(bytes);
     }
     if (!collection) {
-        const QByteArray wkb = FgfReader(bytes).toWkb();
-        collection = collectionFromWkb({wkb.constData(), static_cast<std::size_t>(wkb.size())});
+        collection = collectionFromWkb(view(FgfReader(bytes).toWkb()));
     }
-    return collection;
+    return collection.release();
 }
 
 QByteArray toGaia(const std::shared_ptr<const geometry::Geometry>& geometry, EngineCache* cache) {
@@ -208,8 +194,8 @@ QByteArray toGaia(const std::shared_ptr<const geometry::Geometry>& geometry, Eng
         cache->save(srid, coordSystem);
     }
     std::string blob;
-    if (appendSpatialiteBlob({wkb.constData(), static_cast<std::size_t>(wkb.size())}, srid, blob)) {
-        return QByteArray(blob.data(), static_cast<int>(blob.size()));
+    if (appendSpatialiteBlob(view(wkb), srid, blob)) {
+        return toByteArray(blob);
     }
     return gaiaBlob(wkb, srid);
 }

@@ -67,23 +67,19 @@ Engine::Internal::Internal(Engine* owner)
     sqlite3_create_collation(db, "Locale", SQLITE_UTF8, this, &Internal::localeCollationUtf8);
 }
 
-Engine::Internal::~Internal() {
-    if (spatialiteConnection_) {
-        spatialite_cleanup_ex(spatialiteConnection_);
-        spatialiteConnection_ = nullptr;
-    }
+Engine::Internal::~Internal() = default;
+
+void Engine::Internal::SpatialiteCleanUp::operator()(void* connection) const {
+    spatialite_cleanup_ex(connection);
 }
 
 void Engine::Internal::initialiseSpatialite() {
     try {
-        spatialiteConnection_ = spatialite_alloc_connection();
-        spatialite_init_ex(sqliteHandle(), spatialiteConnection_, 0);
-        spatialite_set_silent_mode(spatialiteConnection_); // GEOS would write to standard error
+        spatialiteConnection_.reset(spatialite_alloc_connection());
+        spatialite_init_ex(sqliteHandle(), spatialiteConnection_.get(), 0);
+        spatialite_set_silent_mode(spatialiteConnection_.get()); // GEOS would write to standard error
     } catch (...) {
-        if (spatialiteConnection_) {
-            spatialite_cleanup_ex(spatialiteConnection_);
-            spatialiteConnection_ = nullptr;
-        }
+        spatialiteConnection_.reset();
         throw err::SqliteException(sqliteHandle(),
                                    message(QT_TRANSLATE_NOOP("QObject", "Инициализация %0"), "spatialite"));
     }

@@ -34,6 +34,10 @@ public:
     std::map<QString, std::unique_ptr<engine::TableManagement>>& managements() { return managements_; }
 
 private:
+    struct SpatialiteCleanUp {
+        void operator()(void* connection) const;
+    };
+
     static int localeCollation(void* userData, int length1, const void* text1, int length2,
                                const void* text2);
     static int localeCollationUtf8(void* userData, int length1, const void* text1, int length2,
@@ -44,7 +48,7 @@ private:
     QSqlDatabase database_;
     QCollator collator_;
     std::unique_ptr<engine::LocaleOrder> localeOrder_; ///< made when texts are first compared
-    void* spatialiteConnection_ = nullptr;
+    std::unique_ptr<void, SpatialiteCleanUp> spatialiteConnection_;
     sql::SqlRuntime* runtime_ = nullptr;
     std::map<QString, std::unique_ptr<engine::EngineIndices>> tableIndices_;
     std::map<QString, std::unique_ptr<engine::TableManagement>> managements_;

@@ -1,6 +1,6 @@
-#include "support/Gaia.h"
 #include "support/Kinds.h"
 
+#include "engine/geometry/GaiaPtr.h"
 #include "platform/cs/CoordSystem.h"
 #include "platform/cs/Transformer.h"
 #include "platform/geometry/GeometryFactory.h"
@@ -45,11 +45,12 @@ std::vector<std::pair<GeometryPtr, std::string>> linearBlobs(int srid) {
 TEST(SpatialiteBlob, SameBytesAsSpatialite) {
     for (const Dimensions dimensions : allDimensions) {
         for (const GeometryPtr& geometry : linearKinds(dimensions)) {
-            const GaiaGeometry gaia = gaiaGeometry(wkbOf(geometry));
+            const engine::GaiaPtr gaia = engine::gaiaFromWkb(view(wkbOf(geometry)));
+            std::string expected;
             if (gaia) {
                 gaia->Srid = 4326;
+                expected = engine::GaiaBytes(gaia, gaiaToSpatiaLiteBlobWkb).view();
             }
-            const std::string expected = gaiaBlob(gaia);
             for (const QSysInfo::Endian order : {QSysInfo::LittleEndian, QSysInfo::BigEndian}) {
                 std::string blob = "before";
                 EXPECT_EQ(engine::appendSpatialiteBlob(view(wkbOf(geometry, order)), 4326, blob),
@@ -120,7 +121,9 @@ TEST(SpatialiteBlob, HeaderAndBody) {
 TEST(SpatialiteBlob, CompressedKinds) {
     for (const Dimensions dimensions : allDimensions) {
         for (const GeometryPtr& geometry : {linearKinds(dimensions)[1], linearKinds(dimensions)[2]}) {
-            const std::string blob = gaiaBlob(gaiaGeometry(wkbOf(geometry)), gaiaToCompressedBlobWkb);
+            const std::string blob(
+                engine::GaiaBytes(engine::gaiaFromWkb(view(wkbOf(geometry))), gaiaToCompressedBlobWkb)
+                    .view());
             ASSERT_TRUE(engine::readSpatialiteHeader(blob));
             EXPECT_TRUE(engine::isSoundSpatialiteBody(*engine::readSpatialiteHeader(blob)));
             const std::string cut = blob.substr(0, blob.size() - 2) + '\xFE';
@@ -171,11 +174,11 @@ TEST(SpatialiteBlob, BigEndianBlobs) {
             std::string little;
             ASSERT_TRUE(engine::appendSpatialiteBlob(view(wkbOf(geometry)), 4326, little));
 
-            const GaiaGeometry gaia(
+            const engine::GaiaPtr gaia(
                 gaiaFromSpatiaLiteBlobWkb(reinterpret_cast<const unsigned char*>(bytes.constData()),
                                           static_cast<unsigned>(bytes.size())));
             ASSERT_TRUE(gaia);
-            EXPECT_EQ(gaiaBlob(gaia), little);
+            EXPECT_EQ(engine::GaiaBytes(gaia, gaiaToSpatiaLiteBlobWkb).view(), little);
 
             const auto header = engine::readSpatialiteHeader(view(bytes));
             ASSERT_TRUE(header);

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <sqlite3.h>
+
+#include <spatialite/gaiageo.h>
+
+#include <cstdlib>
+#include <memory>
+#include <string_view>
+
+namespace orvane::engine {
+
+struct GaiaDeleter {
+    void operator()(gaiaGeomCollPtr collection) const { gaiaFreeGeomColl(collection); }
+};
+/// A geometry of SpatiaLite's.
+using GaiaPtr = std::unique_ptr<gaiaGeomColl, GaiaDeleter>;
+
+/// Null when SpatiaLite makes nothing of the well-known binary.
+inline GaiaPtr gaiaFromWkb(std::string_view wkb) {
+    return GaiaPtr(
+        ::gaiaFromWkb(reinterpret_cast<const unsigned char*>(wkb.data()), static_cast<unsigned>(wkb.size())));
+}
+
+/// The bytes that a writer of SpatiaLite's allocates for a geometry; empty where it makes none.
+class GaiaBytes {
+public:
+    using Writer = void (*)(gaiaGeomCollPtr, unsigned char**, int*);
+
+    GaiaBytes(const GaiaPtr& geometry, Writer write) {
+        unsigned char* bytes = nullptr;
+        write(geometry.get(), &bytes, &size_);
+        bytes_.reset(bytes);
+    }
+
+    std::string_view view() const {
+        return {reinterpret_cast<const char*>(bytes_.get()), bytes_ ? static_cast<std::size_t>(size_) : 0};
+    }
+
+private:
+    struct Free {
+        void operator()(unsigned char* bytes) const { std::free(bytes); }
+    };
+    std::unique_ptr<unsigned char, Free> bytes_;
+    int size_ = 0;
+};
+
+} // namespace orvane::engine
