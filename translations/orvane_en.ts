@@ -93,6 +93,10 @@
         <translation>The table %0 has no row %1</translation>
     </message>
     <message>
+        <source>после Escape должен стоять один символ</source>
+        <translation>after Escape stands a single character</translation>
+    </message>
+    <message>
         <source>Таблица %0 закрыта</source>
         <translation>The table %0 is closed</translation>
     </message>
@@ -281,6 +285,10 @@
     <message>
         <source>таблица %0 открыта только для чтения</source>
         <translation>the table %0 is read-only</translation>
+    </message>
+    <message>
+        <source>в таблице %0 нет записи %1</source>
+        <translation>the table %0 has no feature %1</translation>
     </message>
 </context>
 <context>

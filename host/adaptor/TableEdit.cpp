@@ -145,43 +145,39 @@ dp::FeatureId TableEdit::featureId(sqlite3_int64 rowNumber) const {
     return id;
 }
 
-void TableEdit::assign(dp::Feature& feature, std::span<sqlite3_value*> values, bool changedOnly) {
+std::vector<int> TableEdit::assign(dp::Feature& feature, std::span<sqlite3_value*> values) {
     const auto& columns = table_.declaration().columns();
+    std::vector<int> assigned;
     for (std::size_t i = 0; i < columns.size() && i < values.size(); ++i) {
         const TableDeclaration::Column& column = columns[i];
         sqlite3_value* value = values[i];
-        if (column.attribute < 0 || (changedOnly && sqlite3_value_nochange(value))) {
+        if (column.attribute < 0 || sqlite3_value_nochange(value)) {
             continue;
         }
+        assigned.push_back(column.attribute);
         const Target target{table_.name(), *feature.schema().at(column.attribute)};
         if (sqlite3_value_type(value) == SQLITE_NULL) {
-            feature.setAttribute(column.attribute, QVariant());
-        } else if (column.kind == TableDeclaration::Kind::Geometry) {
-            feature.setAttribute(column.attribute, geometryValue(target, value, table_.cache()));
-        } else {
-            feature.setAttribute(column.attribute, plainValue(target, value));
+            continue; // as the feature has it already
         }
+        feature.setAttribute(column.attribute, column.kind == TableDeclaration::Kind::Geometry
+                                                   ? geometryValue(target, value, table_.cache())
+                                                   : plainValue(target, value));
     }
+    return assigned;
 }
 
 sqlite3_int64 TableEdit::insert(std::span<sqlite3_value*> values) {
     dp::Table& table = table_.table();
     dp::Feature feature(table.schema(), dp::FeatureId());
-    assign(feature, values, false);
+    assign(feature, values);
     return table_.cache().assignIdToInt(inTable(table_.name(), [&] { return table.insertFeature(feature); }));
 }
 
 void TableEdit::update(sqlite3_int64 rowNumber, std::span<sqlite3_value*> values) {
     dp::Table& table = table_.table();
-    const dp::FeaturePtr feature = table.feature(featureId(rowNumber));
-    if (!feature) {
-        throw EditError(QCoreApplication::translate("orvane::adaptor", "В таблице %0 нет строки %1")
-                            .arg(table_.name())
-                            .arg(rowNumber)
-                            .toStdString());
-    }
-    assign(*feature, values, true);
-    inTable(table_.name(), [&] { table.updateFeature(*feature); });
+    dp::Feature changes(table.schema(), featureId(rowNumber));
+    const std::vector<int> positions = assign(changes, values);
+    inTable(table_.name(), [&] { table.updateAttributes(changes, positions); });
 }
 
 void TableEdit::remove(sqlite3_int64 rowNumber) {

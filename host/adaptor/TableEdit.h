@@ -5,6 +5,7 @@
 #include <sqlite3.h>
 
 #include <span>
+#include <vector>
 
 namespace orvane::adaptor {
 
@@ -24,7 +25,8 @@ public:
 
 private:
     dp::FeatureId featureId(sqlite3_int64 rowNumber) const;
-    void assign(dp::Feature& feature, std::span<sqlite3_value*> values, bool changedOnly);
+    /// Converts the values, and returns the positions of those that the statement names.
+    std::vector<int> assign(dp::Feature& feature, std::span<sqlite3_value*> values);
 
     VirtualTable& table_;
 };

@@ -25,14 +25,17 @@ void keepChangesInMemory(GDALDatasetH dataset) {
     if (!EQUAL(driver, "GPKG") && !EQUAL(driver, "SQLite"))
         return;
     const GdalErrorScope errors;
-    const OGRLayerH result = GDALDatasetExecuteSQL(dataset, "PRAGMA cache_spill = OFF", nullptr, nullptr);
-    if (result)
-        GDALDatasetReleaseResultSet(dataset, result);
+    // The second keeps the pages that a statement may have to restore from being written for every row.
+    for (const char* pragma : {"PRAGMA cache_spill = OFF", "PRAGMA temp_store = MEMORY"}) {
+        if (const OGRLayerH result = GDALDatasetExecuteSQL(dataset, pragma, nullptr, nullptr))
+            GDALDatasetReleaseResultSet(dataset, result);
+    }
 }
 
 } // namespace
 
 LayerEditor::~LayerEditor() {
+    columnUpdate_.reset();
     if (hasTransaction_) {
         const GdalErrorScope errors;
         GDALDatasetRollbackTransaction(dataset_.get());
@@ -75,6 +78,8 @@ void LayerEditor::commit() {
     if (!isInGroup_)
         return;
     const GdalErrorScope errors;
+    if (columnUpdate_)
+        columnUpdate_->noteChange();
     const bool isDone = !hasTransaction_ || GDALDatasetCommitTransaction(dataset_.get()) == OGRERR_NONE;
     if (!isDone)
         GDALDatasetRollbackTransaction(dataset_.get());
@@ -107,7 +112,8 @@ std::int64_t LayerEditor::insert(const dp::Feature& feature) {
         const auto id = feature.id().value().toLongLong(&isNumber);
         if (isNumber)
             OGR_F_SetFID(target.get(), id);
-        setAttributes(target.get(), feature, true);
+        for (int i = 0; i < feature.numAttributes(); ++i)
+            setAttribute(target.get(), feature, i, true);
         const GdalErrorScope errors;
         if (OGR_L_CreateFeature(layer_, target.get()) != OGRERR_NONE)
             raiseUnwritten(tr("Не удалось добавить запись в «%1»"), errors.error(), feature);
@@ -115,11 +121,14 @@ std::int64_t LayerEditor::insert(const dp::Feature& feature) {
     });
 }
 
-void LayerEditor::update(const dp::Feature& feature) {
+void LayerEditor::update(const dp::Feature& feature, const std::vector<int>& positions) {
     inGroup([&] {
         requireCapability(OLCRandomWrite);
-        const FeatureHandle target(OGR_L_GetFeature(layer_, existingId(feature.id())));
-        setAttributes(target.get(), feature, false);
+        if (updateColumns(feature, positions))
+            return true;
+        const FeatureHandle target = readFeature(feature.id());
+        for (const int position : positions)
+            setAttribute(target.get(), feature, position, false);
         const GdalErrorScope errors;
         if (OGR_L_SetFeature(layer_, target.get()) != OGRERR_NONE)
             raiseUnwritten(tr("Не удалось изменить запись в «%1»"), errors.error(), feature);
@@ -127,12 +136,34 @@ void LayerEditor::update(const dp::Feature& feature) {
     });
 }
 
+bool LayerEditor::updateColumns(const dp::Feature& feature, const std::vector<int>& positions) {
+    if (!columnUpdate_ || columnUpdate_->positions() != positions)
+        columnUpdate_ = ColumnUpdate::make(dataset_.get(), layer_, *schema_, positions);
+    if (!columnUpdate_)
+        return false;
+    const FeatureHandle target(OGR_F_Create(OGR_L_GetLayerDefn(layer_)));
+    for (const int position : positions)
+        setAttribute(target.get(), feature, position, false);
+    const std::int64_t id = idNumber(feature.id());
+    bool isThere = false;
+    try {
+        isThere = columnUpdate_->write(target.get(), id);
+    } catch (const std::runtime_error& error) {
+        raiseUnwritten(tr("Не удалось изменить запись в «%1»"), QString::fromUtf8(error.what()), feature);
+    }
+    if (!isThere)
+        raiseAbsent(feature.id());
+    return true;
+}
+
 void LayerEditor::remove(const dp::FeatureId& id) {
     inGroup([&] {
         requireCapability(OLCDeleteFeature);
-        const auto existing = existingId(id);
         const GdalErrorScope errors;
-        if (OGR_L_DeleteFeature(layer_, existing) != OGRERR_NONE)
+        const OGRErr code = OGR_L_DeleteFeature(layer_, idNumber(id));
+        if (code == OGRERR_NON_EXISTING_FEATURE)
+            raiseAbsent(id);
+        if (code != OGRERR_NONE)
             raise(tr("Не удалось удалить запись из «%1»").arg(QString::fromUtf8(layerName_)), errors);
         return true;
     });
@@ -162,6 +193,7 @@ void LayerEditor::open() {
 
 void LayerEditor::close() {
     const GdalErrorScope errors;
+    columnUpdate_.reset();
     layer_ = nullptr;
     dataset_.reset();
     isInGroup_ = false;
@@ -192,17 +224,16 @@ void LayerEditor::requireCapability(const char* capability) {
                                 .toStdString());
 }
 
-void LayerEditor::setAttributes(OGRFeatureH target, const dp::Feature& feature, bool isNew) const {
+void LayerEditor::setAttribute(OGRFeatureH target, const dp::Feature& feature, int position,
+                               bool isNew) const {
+    const LayerColumn& column = schema_->columns[static_cast<std::size_t>(position)];
+    if (column.source == LayerColumn::Source::FeatureId)
+        return;
     const GdalErrorScope errors;
-    for (std::size_t i = 0; i < schema_->columns.size(); ++i) {
-        const auto& column = schema_->columns[i];
-        if (column.source == LayerColumn::Source::FeatureId)
-            continue;
-        const auto& attribute = *schema_->schema->at(static_cast<int>(i));
-        const QVariant value = feature.getAttribute(static_cast<int>(i));
-        if (!value.isNull() || acceptsNull(column, attribute.name(), isNew))
-            writeValue(target, column, attribute, value);
-    }
+    const auto& attribute = *schema_->schema->at(position);
+    const QVariant value = feature.getAttribute(position);
+    if (!value.isNull() || acceptsNull(column, attribute.name(), isNew))
+        writeValue(target, column, attribute, value);
 }
 
 bool LayerEditor::acceptsNull(const LayerColumn& column, const QString& name, bool isNew) const {
@@ -236,15 +267,25 @@ void LayerEditor::raiseUnwritten(const QString& what, const QString& reason,
     throw dp::EditError((reason.isEmpty() ? where : where + QStringLiteral(": ") + reason).toStdString());
 }
 
-std::int64_t LayerEditor::existingId(const dp::FeatureId& id) {
+std::int64_t LayerEditor::idNumber(const dp::FeatureId& id) const {
     bool isNumber = false;
     const auto number = id.value().toLongLong(&isNumber);
-    const GdalErrorScope errors;
-    if (!isNumber || !FeatureHandle(OGR_L_GetFeature(layer_, number)))
-        throw dp::EditError(tr("В «%1» нет записи %2")
-                                .arg(QString::fromUtf8(layerName_), id.value().toString())
-                                .toStdString());
+    if (!isNumber)
+        raiseAbsent(id);
     return number;
+}
+
+FeatureHandle LayerEditor::readFeature(const dp::FeatureId& id) const {
+    const GdalErrorScope errors;
+    FeatureHandle feature(OGR_L_GetFeature(layer_, idNumber(id)));
+    if (!feature)
+        raiseAbsent(id);
+    return feature;
+}
+
+void LayerEditor::raiseAbsent(const dp::FeatureId& id) const {
+    throw dp::EditError(
+        tr("В «%1» нет записи %2").arg(QString::fromUtf8(layerName_), id.value().toString()).toStdString());
 }
 
 } // namespace orvane::files

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/providers/ColumnUpdate.h"
 #include "host/providers/DatasetPool.h"
 #include "host/providers/LayerSchema.h"
 #include "platform/dp/Feature.h"
@@ -32,7 +33,8 @@ public:
     void rollback();
 
     std::int64_t insert(const dp::Feature& feature);
-    void update(const dp::Feature& feature);
+    /// Writes the attributes at these positions; the others stay.
+    void update(const dp::Feature& feature, const std::vector<int>& positions);
     void remove(const dp::FeatureId& id);
 
 private:
@@ -41,12 +43,16 @@ private:
     template<class Edit>
     std::invoke_result_t<Edit> inGroup(Edit edit);
     void requireCapability(const char* capability);
-    void setAttributes(OGRFeatureH target, const dp::Feature& feature, bool isNew) const;
+    void setAttribute(OGRFeatureH target, const dp::Feature& feature, int position, bool isNew) const;
+    /// Whether the change could be written without reading the whole feature.
+    bool updateColumns(const dp::Feature& feature, const std::vector<int>& positions);
     /// Refuses NULL where a value is needed. False where the default of a new row takes its place.
     bool acceptsNull(const LayerColumn& column, const QString& name, bool isNew) const;
     [[noreturn]] void raiseUnwritten(const QString& what, const QString& reason,
                                      const dp::Feature& feature) const;
-    std::int64_t existingId(const dp::FeatureId& id);
+    std::int64_t idNumber(const dp::FeatureId& id) const;
+    FeatureHandle readFeature(const dp::FeatureId& id) const;
+    [[noreturn]] void raiseAbsent(const dp::FeatureId& id) const;
 
     std::shared_ptr<DatasetPool> pool_;
     const int layerIndex_;
@@ -55,6 +61,7 @@ private:
     std::optional<bool> isReadOnly_;
     DatasetHandle dataset_;
     OGRLayerH layer_ = nullptr;
+    std::unique_ptr<ColumnUpdate> columnUpdate_; ///< the last one of the group
     bool isInGroup_ = false;
     bool hasTransaction_ = false;
 };

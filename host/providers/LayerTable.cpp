@@ -3,6 +3,8 @@
 #include "host/providers/LayerEditor.h"
 #include "host/providers/LayerReader.h"
 
+#include <numeric>
+
 namespace orvane::files {
 
 LayerTable::LayerTable(QString name, std::shared_ptr<DatasetPool> pool, int layerIndex, QByteArray layerName,
@@ -62,7 +64,13 @@ dp::FeatureId LayerTable::insertFeature(const dp::Feature& feature) {
 }
 
 void LayerTable::updateFeature(const dp::Feature& feature) {
-    edit([&] { editor_->update(feature); });
+    std::vector<int> all(static_cast<std::size_t>(feature.numAttributes()));
+    std::iota(all.begin(), all.end(), 0);
+    updateAttributes(feature, all);
+}
+
+void LayerTable::updateAttributes(const dp::Feature& changes, const std::vector<int>& positions) {
+    edit([&] { editor_->update(changes, positions); });
 }
 
 void LayerTable::deleteFeature(const dp::FeatureId& id) {

@@ -47,6 +47,7 @@ public:
     /// A valid identifier of the feature is kept where the format allows it.
     dp::FeatureId insertFeature(const dp::Feature& feature) override;
     void updateFeature(const dp::Feature& feature) override;
+    void updateAttributes(const dp::Feature& changes, const std::vector<int>& positions) override;
     void deleteFeature(const dp::FeatureId& id) override;
 
 private:

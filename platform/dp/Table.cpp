@@ -67,6 +67,18 @@ FeatureId Table::insertFeature(const Feature&) {
 void Table::updateFeature(const Feature&) {
     raiseReadOnly(*this);
 }
+void Table::updateAttributes(const Feature& changes, const std::vector<int>& positions) {
+    const FeaturePtr whole = feature(changes.id());
+    if (!whole) {
+        throw EditError(QCoreApplication::translate("orvane::dp::Table", "в таблице %0 нет записи %1")
+                            .arg(name(), changes.id().value().toString())
+                            .toStdString());
+    }
+    for (const int position : positions) {
+        whole->setAttribute(position, changes.getAttribute(position));
+    }
+    updateFeature(*whole);
+}
 void Table::deleteFeature(const FeatureId&) {
     raiseReadOnly(*this);
 }

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <optional>
 #include <stdexcept>
+#include <vector>
 
 namespace orvane::dp {
 
@@ -51,9 +52,12 @@ public:
     virtual void beginEdits();
     virtual void commitEdits();
     virtual void rollbackEdits();
-    /// Adds a feature and returns the identifier it got. Throws EditError, as the two below.
+    /// Adds a feature and returns the identifier it got. Throws EditError, as the three below.
     virtual FeatureId insertFeature(const Feature& feature);
     virtual void updateFeature(const Feature& feature);
+    /// Gives the feature with the identifier of `changes` the values at these positions; the others stay. The
+    /// base reads the feature and passes the whole to updateFeature().
+    virtual void updateAttributes(const Feature& changes, const std::vector<int>& positions);
     virtual void deleteFeature(const FeatureId& id);
 };
 
