@@ -5,10 +5,12 @@
 #include "engine/functions/Utf8.h"
 
 #include <QChar>
+#include <QCoreApplication>
 
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <stdexcept>
 
 namespace orvane::adaptor {
 
@@ -256,8 +258,20 @@ void matchPrepared(sqlite3_context* context, sqlite3_value** values, std::uint32
 } // namespace
 
 void likePattern(sqlite3_context* context, int count, sqlite3_value** values) {
-    const unsigned char* text = count > 2 ? sqlite3_value_text(values[2]) : nullptr;
-    const std::uint32_t escape = text != nullptr && *text != 0 ? readCharacter(text) : 0;
+    std::uint32_t escape = 0;
+    if (count > 2) {
+        const unsigned char* text = sqlite3_value_text(values[2]);
+        const bool isNone = text == nullptr || *text == 0;
+        escape = isNone ? 0 : readCharacter(text);
+        if (!isNone && *text != 0) {
+            engine::barrier(context, [] {
+                throw std::runtime_error(
+                    QCoreApplication::translate("orvane::adaptor", "после Escape должен стоять один символ")
+                        .toStdString());
+            });
+            return;
+        }
+    }
     matchPrepared(context, values, escape,
                   [escape](const unsigned char* pattern) { return PatternMatch::like(pattern, escape); });
 }

@@ -61,7 +61,8 @@ private:
 };
 
 /// `like(pattern, text [, escape])` and `glob(pattern, text)` for the engine database. A pattern that is
-/// constant in a statement is read once per statement.
+/// constant in a statement is read once per statement. An escape of more than one character is an error; NULL
+/// and an empty text are none.
 void likePattern(sqlite3_context* context, int count, sqlite3_value** values);
 void globPattern(sqlite3_context* context, int count, sqlite3_value** values);
 

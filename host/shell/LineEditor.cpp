@@ -95,9 +95,10 @@ LineEditor::Event LineEditor::read(const std::string& prompt, std::string& line)
     return Event::Line;
 }
 
-void LineEditor::remember(const std::string& line) {
+void LineEditor::remember(const std::string& text) {
     HistEvent event;
-    history(history_.get(), &event, H_ENTER, line.c_str());
+    if (!text.empty())
+        history(history_.get(), &event, H_ENTER, text.c_str());
 }
 
 LineEditor& LineEditor::self(EditLine* edit) {

@@ -30,9 +30,11 @@ public:
     LineEditor(const LineEditor&) = delete;
     LineEditor& operator=(const LineEditor&) = delete;
 
-    /// The next line without its end. Ctrl-C cancels the line, Ctrl-D in an empty one ends the input.
+    /// The next line without its end; several lines where the user took them from the history. Ctrl-C cancels
+    /// the line, Ctrl-D in an empty one ends the input.
     Event read(const std::string& prompt, std::string& line);
-    void remember(const std::string& line);
+    /// Puts a text of one line or several into the history, as one entry; an empty one is ignored.
+    void remember(const std::string& text);
 
 private:
     struct EditCloser {

@@ -31,6 +31,13 @@ bool isComplete(const std::string& text, const std::string& lastLine) {
            lastLine.find_first_not_of(" \t") == std::string::npos;
 }
 
+/// A statement as the history keeps it: with its line breaks, so that a comment ends where it ended, without
+/// the empty line that it may have ended with.
+std::string historyEntry(const std::string& text) {
+    const std::size_t last = text.find_last_not_of(" \t\n");
+    return last == std::string::npos ? std::string() : text.substr(0, last + 1);
+}
+
 } // namespace
 
 void runPrompt(Session& session, StatementRunner& runner, Output& output, Interrupt& interrupt) {
@@ -45,15 +52,15 @@ void runPrompt(Session& session, StatementRunner& runner, Output& output, Interr
     std::string line;
     while (true) {
         const auto event = editor.read(text.empty() ? "orvane> " : "   ...> ", line);
-        if (event == LineEditor::Event::End)
-            break;
-        if (event == LineEditor::Event::Cancelled) {
+        if (event != LineEditor::Event::Line) {
+            editor.remember(historyEntry(text)); // what was typed so far can be taken up again
             text.clear();
+            if (event == LineEditor::Event::End)
+                break;
             continue;
         }
-        if (line.find_first_not_of(" \t") != std::string::npos)
-            editor.remember(line);
         if (text.empty() && line.rfind('.', 0) == 0) {
+            editor.remember(historyEntry(line));
             if (!commands.run(QString::fromStdString(line).trimmed()))
                 return;
             continue;
@@ -61,6 +68,7 @@ void runPrompt(Session& session, StatementRunner& runner, Output& output, Interr
         text += line + '\n';
         if (!isComplete(text, line))
             continue;
+        editor.remember(historyEntry(text));
         runner.settings().writer.terminalWidth = terminalWidth(); // the user may have changed it
         runner.run({QString(), text});
         interrupt.reset();
