@@ -94,7 +94,7 @@
     </message>
     <message>
         <source>после Escape должен стоять один символ</source>
-        <translation>after Escape stands a single character</translation>
+        <translation>Escape takes a single character</translation>
     </message>
     <message>
         <source>Таблица %0 закрыта</source>
@@ -424,6 +424,18 @@
 </context>
 <context>
     <name>orvane::files::ResultLayer</name>
+    <message>
+        <source>имена столбцов в этом формате не длиннее %1 байт: %2</source>
+        <translation>column names have at most %1 bytes in this format: %2</translation>
+    </message>
+    <message>
+        <source>«%1» → «%2»</source>
+        <translation>&quot;%1&quot; → &quot;%2&quot;</translation>
+    </message>
+    <message>
+        <source>столбец «%1»: текстов, от которых осталось начало в %2 байт: %3</source>
+        <translation>column &quot;%1&quot;: texts of which the first %2 bytes were kept: %3</translation>
+    </message>
     <message>
         <source>в ответе нет геометрии, без неё файл .%1 не бывает</source>
         <translation>the result has no geometry, and a .%1 file cannot be without</translation>

@@ -1,12 +1,12 @@
 #pragma once
 
 #include "host/providers/GdalHandles.h"
+#include "host/providers/ResultDirectory.h"
 #include "host/providers/TextEncoding.h"
 
 #include <QByteArray>
 #include <QCoreApplication>
 #include <QList>
-#include <QTemporaryDir>
 
 #include <memory>
 #include <mutex>
@@ -26,7 +26,7 @@ public:
         QList<QByteArray> openOptions;
         std::shared_ptr<TranscodedFile> copy; ///< opened instead of the file unless null
         /// Goes when nobody reads the file any more; null for a file of the user's.
-        std::shared_ptr<QTemporaryDir> temporaryDirectory = nullptr;
+        std::shared_ptr<ResultDirectory> temporaryDirectory = nullptr;
     };
 
     /// A handle out of the pool; gives it back when it dies.

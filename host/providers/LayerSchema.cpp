@@ -94,7 +94,24 @@ std::shared_ptr<cs::CoordSystem> coordSystemOf(OGRSpatialReferenceH reference) {
 
 } // namespace
 
-QStringList distinctNames(const QStringList& names) {
+std::size_t bytesThatFit(std::string_view text, int mostBytes) {
+    auto size = static_cast<std::size_t>(mostBytes);
+    if (text.size() <= size)
+        return text.size();
+    while (size > 0 && (static_cast<unsigned char>(text[size]) & 0xC0) == 0x80) // in a character
+        --size;
+    return size;
+}
+
+QStringList distinctNames(const QStringList& names, int mostBytes) {
+    const auto numbered = [mostBytes](const QString& name, const QString& number) {
+        if (mostBytes == 0)
+            return name + number;
+        const QByteArray text = name.toUtf8();
+        const std::string_view bytes(text.constData(), static_cast<std::size_t>(text.size()));
+        const std::size_t kept = bytesThatFit(bytes, mostBytes - number.size());
+        return QString::fromUtf8(text.constData(), static_cast<int>(kept)).trimmed() + number;
+    };
     QSet<QString> taken;
     for (const auto& name : reservedNames())
         taken.insert(name.toCaseFolded());
@@ -103,9 +120,9 @@ QStringList distinctNames(const QStringList& names) {
         auto wanted = withoutControlCharacters(names[i]);
         if (wanted.isEmpty())
             wanted = QStringLiteral("field%1").arg(i + 1);
-        auto name = wanted;
+        auto name = numbered(wanted, QString());
         for (int number = 2; taken.contains(name.toCaseFolded()); ++number)
-            name = wanted + QLatin1Char('_') + QString::number(number);
+            name = numbered(wanted, QLatin1Char('_') + QString::number(number));
         taken.insert(name.toCaseFolded());
         distinct.append(name);
     }

@@ -13,9 +13,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <filesystem>
-#include <mutex>
-#include <set>
 #include <stdexcept>
 
 namespace orvane::files {
@@ -31,7 +28,8 @@ const std::vector<ResultFormat>& resultFormats() {
         {"gpkg", "GPKG", {}, {}},
         {"geojson", "GeoJSON", {}, {"RFC7946=YES"}},
         {"csv", "CSV", {}, {"GEOMETRY=AS_WKT"}},
-        {"shp", "ESRI Shapefile", {}, {"ENCODING=UTF-8"}, true},
+        // dBASE: names of 10 bytes; a field takes as many bytes as a length below 255 tells.
+        {"shp", "ESRI Shapefile", {}, {"ENCODING=UTF-8"}, true, 10, 254},
         {"fgb", "FlatGeobuf", {}, {}},
     };
     return formats;
@@ -71,50 +69,17 @@ void removeStaleParts(const QFileInfo& file, const QStringList& written) {
     }
 }
 
-/// The directories of results that exist now.
-class DirectoryList {
-public:
-    static DirectoryList& instance() {
-        static auto* const list = new DirectoryList; // tables may go after all else has gone
-        return *list;
+/// What makes a directory; its failures name what it is for.
+template<class Make>
+std::shared_ptr<ResultDirectory> makeDirectory(const QString& subject, Make make) {
+    try {
+        return make();
+    } catch (const std::runtime_error& error) {
+        raise(subject, QString::fromUtf8(error.what()));
     }
-    void add(const QString& path) {
-        const std::lock_guard lock(mutex_);
-        paths_.insert(path.toStdString());
-    }
-    void take(const QString& path) {
-        const std::lock_guard lock(mutex_);
-        paths_.erase(path.toStdString());
-    }
-    void removeAll() {
-        const std::lock_guard lock(mutex_);
-        std::error_code ignored;
-        for (const std::string& path : paths_)
-            std::filesystem::remove_all(path, ignored);
-    }
-
-private:
-    std::mutex mutex_;
-    std::set<std::string> paths_;
-};
-
-/// A new directory, removed with its last owner.
-std::shared_ptr<QTemporaryDir> makeDirectory(const QString& pathTemplate, const QString& subject) {
-    const std::shared_ptr<QTemporaryDir> directory(new QTemporaryDir(pathTemplate), [](QTemporaryDir* owned) {
-        DirectoryList::instance().take(owned->path());
-        delete owned;
-    });
-    if (!directory->isValid())
-        raise(subject, directory->errorString());
-    DirectoryList::instance().add(directory->path());
-    return directory;
 }
 
 } // namespace
-
-void removeResultDirectories() {
-    DirectoryList::instance().removeAll();
-}
 
 bool ResultFile::isKnown(const QString& path) {
     return formatOf(path) != nullptr;
@@ -131,8 +96,7 @@ ResultFile::ResultFile(QString path, bool overwrite) : path_(std::move(path)), o
     if (!isKnown(path_))
         raise(path_, Texts::tr("файлы пишутся с окончаниями %1").arg(endings().join(QStringLiteral(", "))));
     requireFree();
-    const QFileInfo file(path_);
-    directory_ = makeDirectory(file.absoluteDir().filePath(QStringLiteral(".orvane-XXXXXX")), path_);
+    directory_ = makeDirectory(path_, [this] { return ResultDirectory::beside(path_); });
 }
 
 ResultFile::~ResultFile() = default;
@@ -144,11 +108,15 @@ void ResultFile::requireFree() const {
                                    : Texts::tr("имя занято не файлом"));
 }
 
-void ResultFile::write(ResultRows& rows) {
+QStringList ResultFile::write(ResultRows& rows) {
     const QFileInfo file(path_);
     try {
-        writeLayer(rows, *formatOf(path_), directory_->filePath(file.fileName()), file.completeBaseName(),
-                   false);
+        QStringList notes = writeLayer(rows, *formatOf(path_), directory_->filePath(file.fileName()),
+                                       file.completeBaseName(), false)
+                                .notes;
+        for (QString& note : notes)
+            note.prepend(path_ + QStringLiteral(": "));
+        return notes;
     } catch (const std::exception& error) {
         raise(path_, QString::fromUtf8(error.what()));
     }
@@ -174,18 +142,18 @@ std::shared_ptr<LayerTable> addResultTable(dp::DataCatalog& catalog, const QStri
             raise(name, Texts::tr("таблица уже есть"));
     };
     requireFree();
-    auto directory = makeDirectory(QDir::temp().filePath(QStringLiteral("orvane-XXXXXX")), name);
+    auto directory = makeDirectory(name, &ResultDirectory::temporary);
     const QString path = directory->filePath(QStringLiteral("result.gpkg"));
     const QByteArray layerName("result");
     try {
-        const auto attributes = writeLayer(rows, tableFormat, path, QString::fromUtf8(layerName), true);
+        const auto written = writeLayer(rows, tableFormat, path, QString::fromUtf8(layerName), true);
         const auto pool = std::make_shared<DatasetPool>(
             DatasetPool::Source{path.toUtf8(), {"GPKG"}, {}, nullptr, std::move(directory)});
         const auto lease = pool->acquire();
         LayerSchema schema = describeLayer(GDALDatasetGetLayer(lease.dataset(), 0));
         // The row numbers of the file are no column of the result; the types of the query are finer than the
         // format's.
-        QVector<dp::AttributeDefinitionPointer> definitions = attributes;
+        QVector<dp::AttributeDefinitionPointer> definitions = written.attributes;
         schema.columns.erase(schema.columns.begin());
         const bool hasGeometry = rows.geometryColumn() >= 0;
         if (hasGeometry)

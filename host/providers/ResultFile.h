@@ -1,11 +1,11 @@
 #pragma once
 
 #include "host/providers/LayerTable.h"
+#include "host/providers/ResultDirectory.h"
 #include "host/providers/ResultRows.h"
 #include "platform/dp/DataCatalog.h"
 
 #include <QString>
-#include <QTemporaryDir>
 
 #include <memory>
 
@@ -28,7 +28,9 @@ public:
 
     /// Writes the rows, as a layer named as the file. Types, coordinate system and curves are kept where the
     /// format has them; GeoJSON is written in WGS 84.
-    void write(ResultRows& rows);
+    /// What the format could not keep, other names and texts that were cut, is told by sentences for the
+    /// user.
+    QStringList write(ResultRows& rows);
     /// Puts the written file in its place.
     void publish();
 
@@ -37,12 +39,8 @@ private:
 
     QString path_;
     bool overwrite_;
-    std::shared_ptr<QTemporaryDir> directory_;
+    std::shared_ptr<ResultDirectory> directory_;
 };
-
-/// Removes what results are being written in and what holds tables of results, for a process that has to end
-/// without clean-up. Any thread.
-ORVANE_FILES_EXPORT void removeResultDirectories();
 
 /// Makes a result an open table of the catalogue: a GeoPackage in a temporary directory, which goes with the
 /// table, so that memory stays bounded and the rows can be edited. Types, widths, geometry and coordinate

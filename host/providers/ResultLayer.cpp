@@ -129,10 +129,13 @@ struct FieldWriter {
     OGRFieldType type;
     bool keepsBlobs;
     const cs::CoordSystem* coordSystem;
+    int mostTextBytes; ///< 0 for any number
+    std::int64_t cutTexts = 0;
 
-    void write(OGRFeatureH feature, const ResultCell& cell, std::string& text) const;
-    void writeNumber(OGRFeatureH feature, const ResultCell& cell, std::string& text) const;
-    void writeBytes(OGRFeatureH feature, const ResultCell& cell, std::string& text) const;
+    void write(OGRFeatureH feature, const ResultCell& cell, std::string& text);
+    void writeNumber(OGRFeatureH feature, const ResultCell& cell, std::string& text);
+    void writeBytes(OGRFeatureH feature, const ResultCell& cell, std::string& text);
+    void setText(OGRFeatureH feature, std::string& text);
 };
 
 template<class Number>
@@ -142,7 +145,15 @@ void appendNumber(std::string& text, Number number) {
     text.append(digits.data(), end);
 }
 
-void FieldWriter::writeNumber(OGRFeatureH feature, const ResultCell& cell, std::string& text) const {
+void FieldWriter::setText(OGRFeatureH feature, std::string& text) {
+    if (mostTextBytes != 0 && text.size() > static_cast<std::size_t>(mostTextBytes)) {
+        text.resize(bytesThatFit(text, mostTextBytes));
+        ++cutTexts;
+    }
+    OGR_F_SetFieldString(feature, field, text.c_str());
+}
+
+void FieldWriter::writeNumber(OGRFeatureH feature, const ResultCell& cell, std::string& text) {
     const bool isInteger = cell.kind == Kind::Integer;
     switch (type) {
     case OFTInteger: OGR_F_SetFieldInteger(feature, field, static_cast<int>(cell.integer)); return;
@@ -154,10 +165,10 @@ void FieldWriter::writeNumber(OGRFeatureH feature, const ResultCell& cell, std::
     }
     text.clear();
     isInteger ? appendNumber(text, cell.integer) : appendNumber(text, cell.real);
-    OGR_F_SetFieldString(feature, field, text.c_str());
+    setText(feature, text);
 }
 
-void FieldWriter::writeBytes(OGRFeatureH feature, const ResultCell& cell, std::string& text) const {
+void FieldWriter::writeBytes(OGRFeatureH feature, const ResultCell& cell, std::string& text) {
     text.clear();
     if (cell.kind == Kind::Geometry && keepsBlobs) {
         if (!engine::appendSpatialiteBlob(cell.bytes, coordSystem ? coordSystem->epsg() : 0, text))
@@ -173,17 +184,17 @@ void FieldWriter::writeBytes(OGRFeatureH feature, const ResultCell& cell, std::s
     if (type == OFTBinary)
         OGR_F_SetFieldBinary(feature, field, static_cast<int>(text.size()), text.data());
     else
-        OGR_F_SetFieldString(feature, field, text.c_str());
+        setText(feature, text);
 }
 
-void FieldWriter::write(OGRFeatureH feature, const ResultCell& cell, std::string& text) const {
+void FieldWriter::write(OGRFeatureH feature, const ResultCell& cell, std::string& text) {
     switch (cell.kind) {
     case Kind::Null: OGR_F_SetFieldNull(feature, field); return;
     case Kind::Integer:
     case Kind::Real: writeNumber(feature, cell, text); return;
     case Kind::Text: // dates and times too: the driver reads their fixed form
         text = cell.bytes;
-        OGR_F_SetFieldString(feature, field, text.c_str());
+        setText(feature, text);
         return;
     case Kind::Bytes:
     case Kind::Geometry: writeBytes(feature, cell, text); return;
@@ -195,16 +206,15 @@ class LayerWriter {
 public:
     LayerWriter(ResultRows& rows, const ResultFormat& format, const QString& path, const QString& layerName,
                 bool keepsBlobs)
-        : rows_(rows), keepsBlobs_(keepsBlobs), driver_(GDALGetDriverByName(format.driver)) {
-        createLayer(format, path, layerName);
+        : rows_(rows), format_(format), keepsBlobs_(keepsBlobs), driver_(GDALGetDriverByName(format.driver)) {
+        createLayer(path, layerName);
         createFields();
     }
 
-    void writeRows();
-    const QVector<dp::AttributeDefinitionPointer>& attributes() const { return attributes_; }
+    WrittenLayer writeRows();
 
 private:
-    void createLayer(const ResultFormat& format, const QString& path, const QString& layerName);
+    void createLayer(const QString& path, const QString& layerName);
     void createFields();
     void createField(std::size_t column, dp::AttributeDefinitionPointer attribute);
     void writeRow(const std::vector<ResultCell>& cells);
@@ -212,24 +222,25 @@ private:
 
     GdalErrorScope errors_;
     ResultRows& rows_;
+    const ResultFormat& format_;
     const bool keepsBlobs_;
     const GDALDriverH driver_;
     const ThreadOption withoutWaiting_{"OGR_SQLITE_SYNCHRONOUS", "OFF"}; // nobody knows the file yet
     DatasetHandle dataset_;
     OGRLayerH layer_ = nullptr;
     OGRwkbGeometryType type_ = wkbNone;
-    QVector<dp::AttributeDefinitionPointer> attributes_;
+    WrittenLayer written_;
     std::vector<FieldWriter> fields_;
     std::string text_;
 };
 
-void LayerWriter::createLayer(const ResultFormat& format, const QString& path, const QString& layerName) {
+void LayerWriter::createLayer(const QString& path, const QString& layerName) {
     const int position = rows_.geometryColumn();
-    if (format.needsGeometry && position < 0)
+    if (format_.needsGeometry && position < 0)
         throw std::runtime_error(Texts::tr("в ответе нет геометрии, без неё файл .%1 не бывает")
-                                     .arg(QLatin1String(format.suffix))
+                                     .arg(QLatin1String(format_.suffix))
                                      .toStdString());
-    auto datasetOptions = optionList(format.datasetOptions);
+    auto datasetOptions = optionList(format_.datasetOptions);
     dataset_.reset(
         GDALCreate(driver_, path.toUtf8().constData(), 0, 0, 0, GDT_Unknown, datasetOptions.List()));
     if (!dataset_)
@@ -240,7 +251,7 @@ void LayerWriter::createLayer(const ResultFormat& format, const QString& path, c
         type_ = layerType(column, GDALGetMetadataItem(driver_, "DCAP_CURVE_GEOMETRIES", nullptr) != nullptr);
         reference = referenceOf(column.coordSystem);
     }
-    auto layerOptions = optionList(format.layerOptions);
+    auto layerOptions = optionList(format_.layerOptions);
     layer_ = GDALDatasetCreateLayer(dataset_.get(), layerName.toUtf8().constData(), reference.get(), type_,
                                     layerOptions.List());
     if (!layer_)
@@ -256,9 +267,18 @@ void LayerWriter::createFields() {
             names += rows_.columns()[i].name;
         }
     }
-    names = distinctNames(names);
-    for (std::size_t i = 0; i < columns.size(); ++i)
-        createField(columns[i], rows_.columns()[columns[i]].attribute(names[static_cast<int>(i)]));
+    const QStringList distinct = distinctNames(names, format_.mostNameBytes);
+    QStringList shortened;
+    for (int i = 0; i < distinct.size(); ++i) {
+        const std::size_t column = columns[static_cast<std::size_t>(i)];
+        createField(column, rows_.columns()[column].attribute(distinct[i]));
+        if (format_.mostNameBytes != 0 && distinct[i] != names[i])
+            shortened += Texts::tr("«%1» → «%2»").arg(names[i], distinct[i]);
+    }
+    if (!shortened.isEmpty())
+        written_.notes +=
+            Texts::tr("имена столбцов в этом формате не длиннее %1 байт: %2")
+                .arg(QString::number(format_.mostNameBytes), shortened.join(QStringLiteral(", ")));
 }
 
 void LayerWriter::createField(std::size_t column, dp::AttributeDefinitionPointer attribute) {
@@ -273,8 +293,9 @@ void LayerWriter::createField(std::size_t column, dp::AttributeDefinitionPointer
     if (OGR_L_CreateField(layer_, field.get(), TRUE) != OGRERR_NONE)
         errors_.raise(Texts::tr("поле «%1» не создаётся").arg(attribute->name()));
     const int position = OGR_FD_GetFieldCount(OGR_L_GetLayerDefn(layer_)) - 1;
-    fields_.push_back({column, position, kind.type, keepsBlobs_, rows_.columns()[column].coordSystem.get()});
-    attributes_ += std::move(attribute);
+    fields_.push_back({column, position, kind.type, keepsBlobs_, rows_.columns()[column].coordSystem.get(),
+                       format_.mostTextBytes});
+    written_.attributes += std::move(attribute);
 }
 
 void LayerWriter::writeGeometry(OGRFeatureH feature, const ResultCell& cell) const {
@@ -289,7 +310,7 @@ void LayerWriter::writeGeometry(OGRFeatureH feature, const ResultCell& cell) con
 
 void LayerWriter::writeRow(const std::vector<ResultCell>& cells) {
     const FeatureHandle feature(OGR_F_Create(OGR_L_GetLayerDefn(layer_)));
-    for (const FieldWriter& field : fields_)
+    for (FieldWriter& field : fields_)
         field.write(feature.get(), cells[field.column], text_);
     if (const int position = rows_.geometryColumn(); position >= 0) {
         const ResultCell& cell = cells[static_cast<std::size_t>(position)];
@@ -300,7 +321,7 @@ void LayerWriter::writeRow(const std::vector<ResultCell>& cells) {
         errors_.raise(Texts::tr("запись не добавляется"));
 }
 
-void LayerWriter::writeRows() {
+WrittenLayer LayerWriter::writeRows() {
     const dp::Cancellation cancellation;
     const bool hasTransactions = GDALDatasetTestCapability(dataset_.get(), ODsCTransactions) != 0;
     if (hasTransactions && GDALDatasetStartTransaction(dataset_.get(), FALSE) != OGRERR_NONE)
@@ -315,17 +336,22 @@ void LayerWriter::writeRows() {
         errors_.raise(Texts::tr("слой не записывается"));
     dataset_.reset(); // many drivers write only now
     errors_.raiseIfFailed(Texts::tr("слой не записывается"));
+    for (const FieldWriter& field : fields_) {
+        if (field.cutTexts != 0)
+            written_.notes += Texts::tr("столбец «%1»: текстов, от которых осталось начало в %2 байт: %3")
+                                  .arg(rows_.columns()[field.column].name)
+                                  .arg(format_.mostTextBytes)
+                                  .arg(field.cutTexts);
+    }
+    return std::move(written_);
 }
 
 } // namespace
 
-QVector<dp::AttributeDefinitionPointer> writeLayer(ResultRows& rows, const ResultFormat& format,
-                                                   const QString& path, const QString& layerName,
-                                                   bool keepsBlobs) {
+WrittenLayer writeLayer(ResultRows& rows, const ResultFormat& format, const QString& path,
+                        const QString& layerName, bool keepsBlobs) {
     registerDrivers();
-    LayerWriter writer(rows, format, path, layerName, keepsBlobs);
-    writer.writeRows();
-    return writer.attributes();
+    return LayerWriter(rows, format, path, layerName, keepsBlobs).writeRows();
 }
 
 } // namespace orvane::files

@@ -186,23 +186,21 @@ bool PagedOutput::page(const std::string& command) {
 }
 
 FileOutput::FileOutput(std::string path) : Output(1 << 16), path_(std::move(path)) {
-    temporaryPath_ = path_ + ".XXXXXX";
-    descriptor_ = ::mkstemp(temporaryPath_.data());
-    if (descriptor_ < 0) {
-        temporaryPath_.clear();
-        fail(QString::fromStdString(path_));
+    const QString file = QString::fromStdString(path_);
+    try {
+        directory_ = files::ResultDirectory::beside(file);
+    } catch (const std::runtime_error& error) {
+        throw OutputError(path_ + ": " + error.what());
     }
-    // mkstemp makes the file for the user alone; a result is as open as any other new file.
-    const mode_t mask = ::umask(0);
-    ::umask(mask);
-    ::fchmod(descriptor_, 0666 & ~mask);
+    temporaryPath_ = directory_->filePath(QStringLiteral("result")).toStdString();
+    descriptor_ = ::open(temporaryPath_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (descriptor_ < 0)
+        fail(file);
 }
 
 FileOutput::~FileOutput() {
     if (descriptor_ >= 0)
         ::close(descriptor_);
-    if (!temporaryPath_.empty())
-        ::unlink(temporaryPath_.c_str());
 }
 
 void FileOutput::takeText() {
@@ -225,7 +223,6 @@ void FileOutput::finish() {
     if (::close(std::exchange(descriptor_, -1)) != 0 ||
         std::rename(temporaryPath_.c_str(), path_.c_str()) != 0)
         fail(QString::fromStdString(path_));
-    temporaryPath_.clear();
 }
 
 } // namespace orvane::shell

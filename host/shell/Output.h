@@ -1,5 +1,7 @@
 #pragma once
 
+#include "host/providers/ResultDirectory.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -118,14 +120,12 @@ public:
     void discard() override;
     void finish() override;
 
-    /// The file that is written to meanwhile, beside the other.
-    const std::string& temporaryPath() const { return temporaryPath_; }
-
 protected:
     void takeText() override;
 
 private:
     std::string path_;
+    std::shared_ptr<files::ResultDirectory> directory_; ///< where the file is until then
     std::string temporaryPath_;
     int descriptor_ = -1;
     std::int64_t committedSize_ = 0;

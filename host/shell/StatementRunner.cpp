@@ -48,6 +48,11 @@ Problem problemOf(const sql::SqlError& error) {
     return problem;
 }
 
+void printNotes(const QStringList& notes) {
+    for (const QString& note : notes)
+        std::fprintf(stderr, "orvane: %s\n", note.toUtf8().constData());
+}
+
 /// Where the name after Into stands.
 std::optional<TextPlace> placeOfInto(const std::string& statement) {
     const sql::TokenizedText text = sql::tokenize(statement);
@@ -152,8 +157,9 @@ std::unique_ptr<ResultWriter> StatementRunner::makeWriter(const Statement& state
     if (statement.into && statement.into->isFile) {
         const auto file = std::make_shared<files::ResultFile>(statement.into->name, settings_.overwrite);
         target = [file](files::ResultRows& rows) {
-            file->write(rows);
+            const QStringList notes = file->write(rows);
             file->publish();
+            printNotes(notes);
         };
     } else if (statement.into) {
         target = [this, name = statement.into->name](files::ResultRows& rows) {
@@ -162,7 +168,7 @@ std::unique_ptr<ResultWriter> StatementRunner::makeWriter(const Statement& state
     } else if (settings_.dataFile) {
         if (std::exchange(dataFileIsTaken_, true))
             throw DataError(Shell::tr("в файл данных записывается только один ответ").toStdString());
-        target = [this](files::ResultRows& rows) { settings_.dataFile->write(rows); };
+        target = [this](files::ResultRows& rows) { printNotes(settings_.dataFile->write(rows)); };
     } else {
         return makeResultWriter(settings_.writer, output_);
     }

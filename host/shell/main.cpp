@@ -68,7 +68,7 @@ bool isOtherThanFile(const std::string& path) {
     return ::stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode);
 }
 
-std::unique_ptr<Output> makeOutput(const Options& options, bool isPrompt, Interrupt& interrupt) {
+std::unique_ptr<Output> makeOutput(const Options& options, bool isPrompt) {
     if (!options.outputPath || options.outputIsData) {
         if (::isatty(STDOUT_FILENO) && isPrompt)
             return std::make_unique<PagedOutput>(STDOUT_FILENO);
@@ -84,12 +84,7 @@ std::unique_ptr<Output> makeOutput(const Options& options, bool isPrompt, Interr
                 throw OutputError(*options.outputPath + ": " + std::strerror(errno));
             return std::make_unique<HeldOutput>(descriptor);
         }
-        auto file = std::make_unique<FileOutput>(*options.outputPath);
-        interrupt.setCleanUp([path = file->temporaryPath()] {
-            ::unlink(path.c_str());
-            files::removeResultDirectories();
-        });
-        return file;
+        return std::make_unique<FileOutput>(*options.outputPath);
     } catch (const OutputError& error) {
         throw UsageError(QString::fromUtf8(error.what()));
     }
@@ -154,7 +149,7 @@ void finishOutput(StatementRunner& runner, Output& output) {
 ExitStatus runInputs(const Options& options, const std::vector<Input>& inputs, Interrupt& interrupt) {
     interrupt.setCleanUp(files::removeResultDirectories);
     const bool isPrompt = options.statements.empty() && inputs.empty();
-    const auto output = makeOutput(options, isPrompt, interrupt);
+    const auto output = makeOutput(options, isPrompt);
     Session session;
     const Cancelling cancelling(interrupt, session.engine());
     session.open(options);
