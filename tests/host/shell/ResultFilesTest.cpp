@@ -45,6 +45,13 @@ protected:
         EXPECT_EQ(answer.output, "");
     }
 
+    /// A query into a file that takes longer than any test.
+    QString longResult(const char* file, const char* condition = "") const {
+        return QStringLiteral("With Recursive n(i) As (Select 1 Union All Select i + 1 From n %1) Select i, "
+                              "MakePoint(i, i) As g Into '%2' From n")
+            .arg(QLatin1String(condition), path(file));
+    }
+
     QTemporaryDir directory_;
 };
 
@@ -301,36 +308,66 @@ TEST_F(ResultFiles, AFailureLeavesNothing) {
 }
 
 TEST_F(ResultFiles, CancellingLeavesNothing) {
-    for (const int milliseconds : {1, 300}) {
-        RunningProgram program(
-            {QStringLiteral("-c"),
-             QStringLiteral("With Recursive n(i) As (Select 1 Union All Select i + 1 From n) "
-                            "Select i, MakePoint(i, i) As g Into '%0/r.gpkg' From n")
-                 .arg(directory_.path())});
-        while (files().isEmpty() && program.isRunning()) // until it has begun to write
-            program.waitFor(10);
-        program.waitFor(milliseconds);
-        program.signal(SIGINT);
-        EXPECT_EQ(program.finish().status, 130);
-        EXPECT_EQ(files(), QStringList());
-    }
-}
-
-TEST_F(ResultFiles, CancellingWhileTheFileIsWrittenLeavesNothing) {
-    for (const int milliseconds : {1, 400}) {
-        RunningProgram program(
-            {QStringLiteral("-c"),
-             QStringLiteral("With Recursive n(i) As (Select 1 Union All Select i + 1 From n "
-                            "Where i < 200000) Select i, MakePoint(i, i) As g Into "
-                            "'%0/r.gpkg' From n")
-                 .arg(directory_.path())});
-        while (!isBeingWritten() && program.isRunning())
+    const auto stop = [this](const QString& script, bool isWritten, int milliseconds) {
+        RunningProgram program({QStringLiteral("-c"), script});
+        while (program.isRunning() && (isWritten ? !isBeingWritten() : files().isEmpty()))
             program.waitFor(5);
         program.waitFor(milliseconds);
         program.signal(SIGINT);
         EXPECT_EQ(program.finish().status, 130);
         EXPECT_EQ(files(), QStringList());
+    };
+    for (const int milliseconds : {1, 300}) {
+        stop(longResult("r.gpkg"), false, milliseconds);
+        stop(longResult("r.gpkg", "Where i < 200000"), true, milliseconds);
     }
+}
+
+TEST_F(ResultFiles, WhatAKilledProgramLeftGoesWithTheNextResult) {
+    for (const bool isData : {true, false}) {
+        const QStringList arguments{QStringLiteral("-c"), longResult("r.gpkg")};
+        const QStringList textOutput{QStringLiteral("-o"), path("r.txt"), QStringLiteral("-c"),
+                                     QStringLiteral("With Recursive n(i) As (Select 1 Union All Select i + 1 "
+                                                    "From n) Select i From n")};
+        RunningProgram killed(isData ? arguments : textOutput);
+        while (files().isEmpty() && killed.isRunning())
+            killed.waitFor(5);
+        killed.waitFor(50); // it has marked its directory
+        killed.signal(SIGKILL);
+        killed.finish();
+        const QStringList left = files();
+        ASSERT_EQ(left.size(), 1);
+
+        RunningProgram living({QStringLiteral("-c"), longResult("living.gpkg")});
+        while ((files() == left || files().isEmpty()) && living.isRunning())
+            living.waitFor(5);
+        QDir(directory_.path()).mkdir(QStringLiteral(".orvane-backup")); // not ours, whatever its name
+        const QStringList held = files();
+        EXPECT_FALSE(held.contains(left.front()));
+        runWell({}, "Select 1 As a Into '%0/q.csv'");
+        EXPECT_EQ(files(), held + QStringList{QStringLiteral("q.csv")});
+        living.signal(SIGINT);
+        EXPECT_EQ(living.finish().status, 130);
+        QFile::remove(path("q.csv"));
+        QDir(directory_.path()).rmdir(QStringLiteral(".orvane-backup"));
+    }
+}
+
+TEST_F(ResultFiles, WhatAShapefileCutsIsTold) {
+    const Answer answer = run(
+        {}, "Select MakePoint(1, 2) As g, 'a' & Replace(Space(130), ' ', 'ж') As \"длинное имя\", 'ok' As "
+            "\"длинное имя 2\", 3 As fits Into '%0/r.shp' "
+            "Union All Select MakePoint(3, 4), Replace(Space(127), ' ', 'ж'), 'ok', 4");
+    EXPECT_EQ(answer.status, 0);
+    EXPECT_THAT(answer.errors,
+                HasSubstr("r.shp: column names have at most 10 bytes in this format: \"длинное имя\" → "
+                          "\"длинн\", \"длинное имя 2\" → \"длин_2\"\n"));
+    EXPECT_THAT(answer.errors,
+                testing::EndsWith("r.shp: column \"длинное имя\": texts of which the first 254 "
+                                  "bytes were kept: 1\n"));
+    const std::string kept = QString(126, QChar(0x0436)).toStdString();
+    EXPECT_THAT(describeLayer(path("r.shp")),
+                testing::Contains(testing::StartsWith("t:a" + kept + "|t:ok|i:3|")));
 }
 
 TEST_F(ResultFiles, TablesMadeByAQueryAreQueriedAndChanged) {
