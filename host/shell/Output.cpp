@@ -46,9 +46,9 @@ void writeAll(int descriptor, std::string_view bytes) {
         fail(Shell::tr("ответ не записывается"));
 }
 
-winsize terminalSize() {
+winsize terminalSize(int descriptor) {
     winsize size{};
-    return ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 ? size : winsize{};
+    return ::ioctl(descriptor, TIOCGWINSZ, &size) == 0 ? size : winsize{};
 }
 
 /// Leaves a signal without effect for a while.
@@ -106,12 +106,12 @@ void TerminalOutput::takeText() {
     text_.clear();
 }
 
-int terminalWidth() {
-    return terminalSize().ws_col;
+int terminalWidth(int descriptor) {
+    return terminalSize(descriptor).ws_col;
 }
 
 int terminalHeight() {
-    return terminalSize().ws_row;
+    return terminalSize(STDOUT_FILENO).ws_row;
 }
 
 HeldOutput::HeldOutput(int descriptor) : Output(std::size_t{64} << 20), descriptor_(descriptor) {}

@@ -68,9 +68,10 @@ private:
     int descriptor_;
 };
 
-/// Columns of the terminal that standard output is, now; 0 when it is none or does not tell.
-int terminalWidth();
-/// The same of its lines.
+/// Columns of the terminal that a descriptor, of itself standard output, is now; 0 when it is none or does not
+/// tell.
+int terminalWidth(int descriptor = 1);
+/// Lines of the terminal that standard output is, likewise.
 int terminalHeight();
 
 /// A pipe or a redirection: a result is held back until its statement is done, in memory up to 64 MiB, the

@@ -1,5 +1,7 @@
 #include "host/shell/Progress.h"
 
+#include "host/shell/DisplayWidth.h"
+#include "host/shell/Output.h"
 #include "host/shell/Shell.h"
 
 #include <QLocale>
@@ -52,7 +54,11 @@ void Progress::show() {
     bool shown = false;
     while (!stopped_.wait_for(lock, shown ? milliseconds(200) : milliseconds(500),
                               [this] { return stopping_; })) {
-        std::fprintf(stderr, "\r\033[K%s", line().toUtf8().constData());
+        std::string text = line().toStdString();
+        // A line that goes on below could not be wiped.
+        if (const int width = terminalWidth(STDERR_FILENO); width > 0)
+            text.resize(prefixOfWidth(text, width - 1));
+        std::fprintf(stderr, "\r\033[K%s", text.c_str());
         std::fflush(stderr);
         shown = true;
     }
