@@ -99,6 +99,27 @@ private:
     std::string unread_;
 };
 
+/// What is left on the screen of a text with returns and erased lines.
+std::string onScreen(const std::string& text) {
+    std::string screen;
+    std::size_t lineStart = 0;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        if (text.compare(at, 4, "\r\033[K") == 0) {
+            screen.erase(lineStart);
+            at += 3;
+        } else if (text[at] != '\r') {
+            screen += text[at];
+            lineStart = text[at] == '\n' ? screen.size() : lineStart;
+        }
+    }
+    return screen;
+}
+
+constexpr char upKey[] = "\x10";
+
+constexpr char endlessQuery[] = "Select Count(*) From cities a, cities b, cities c "
+                                "Where a.population+b.population+c.population=-1;";
+
 class Prompt : public testing::Test {
 protected:
     Prompt() { terminal_.readUntil("orvane> "); }
@@ -135,13 +156,15 @@ TEST_F(Prompt, completesWords) {
 TEST_F(Prompt, survivesErrorsAndCancelledStatements) {
     terminal_.type("Select nothing From cities;\n");
     terminal_.readUntil("there is no column \"nothing\"");
-    terminal_.type("Select Count(*) From cities a, cities b, cities c Where a.population + b.population + "
-                   "c.population = -1;\n");
-    terminal_.readUntil(" s"); // the progress line
+    terminal_.type(std::string(endlessQuery) + '\n');
+    terminal_.readUntil("=-1;\r\n");
+    const std::string progress = terminal_.readUntil(" s");
+    EXPECT_THAT(progress, testing::MatchesRegex("\r\033\\[K0 rows, [0-9.]+ s"));
     const auto start = steady_clock::now();
     terminal_.type("\x03");
-    terminal_.readUntil("interrupted");
+    const std::string after = terminal_.readUntil("interrupted");
     EXPECT_LT(steady_clock::now() - start, milliseconds(100 * slowdown()));
+    EXPECT_EQ(onScreen(progress + after), "orvane: interrupted");
     terminal_.readUntil("orvane> ");
     terminal_.type("Select 1 +");
     terminal_.readUntil("1 +");
@@ -183,9 +206,10 @@ TEST_F(Prompt, endsAtCtrlDWheneverItIsTyped) {
         early.type("\x04");
         EXPECT_EQ(early.exitStatus(), 0) << delay << " ms after the start";
     }
-    Terminal busy(home_.path().toStdString(), {ORVANE_EXAMPLE_DATA "/cities.shp"});
+    Terminal busy(home_.path().toStdString(),
+                  {ORVANE_EXAMPLE_DATA "/cities.shp", ORVANE_EXAMPLE_DATA "/countries.gpkg"});
     busy.readUntil("orvane> ");
-    busy.type("Select Count(*) As n From cities a, cities b Where a.population + b.population = -1;\n");
+    busy.type("Select Count(*) As n From cities a, countries b Where a.population + b.pop = -1;\n");
     busy.readUntil("-1;");
     busy.type("\x04"); // while the statement runs
     busy.readUntil("\r\n0\r\n");
@@ -214,15 +238,40 @@ TEST_F(Prompt, showsLongResultsInThePager) {
     EXPECT_THAT(lines(""), HasSubstr("   177\r\n"));
 }
 
-TEST_F(Prompt, keepsTheHistory) {
-    terminal_.type("Select 'remember me';\n");
-    terminal_.readUntil("\r\nremember me\r\n");
+TEST_F(Prompt, keepsAStatementOfSeveralLinesAsOneEntryOfTheHistory) {
+    terminal_.type("Select 1 As first, -- the first\n2 As second\n;\n"); // the end of the comment counts
+    terminal_.readUntil("\r\n    1 |      2\r\n");
+    terminal_.type("Select 3\nAs third\n");
+    terminal_.readUntil("As third\r\n   ...> ");
+    terminal_.type("\x03"); // gives it up
+    terminal_.readUntil("orvane> ");
+    terminal_.type(upKey + std::string(";\n"));
+    terminal_.readUntil("\r\n    3\r\n");
     terminal_.type(".quit\n");
     EXPECT_EQ(terminal_.exitStatus(), 0);
+
     Terminal again(home_.path().toStdString(), {});
     again.readUntil("orvane> ");
-    again.type("\x10\x10\n"); // twice back
-    again.readUntil("\r\nremember me\r\n");
+    again.type(std::string(upKey) + upKey + upKey + upKey); // .quit, the third with and without its end
+    again.type("\x7f\x7f"                                   // over the semicolon to the line before
+               "0;\n");
+    again.readUntil("\r\nfirst | second0\r\n");
+    again.type(".quit\n");
+    EXPECT_EQ(again.exitStatus(), 0);
+}
+
+TEST_F(Prompt, readsTheHistoryOfEarlierVersions) {
+    const QString path = home_.path() + QStringLiteral("/orvane/history");
+    terminal_.type(".quit\n");
+    EXPECT_EQ(terminal_.exitStatus(), 0);
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("_HiStOrY_V2_\nSelect\\0407\\040As\nseventh;\n"); // a statement in two entries
+    file.close();
+    Terminal later(home_.path().toStdString(), {});
+    later.readUntil("orvane> ");
+    later.type(std::string(upKey) + upKey + "\n" + upKey + "\n");
+    later.readUntil("\r\n      7\r\n");
 }
 
 } // namespace
