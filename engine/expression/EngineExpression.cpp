@@ -31,11 +31,6 @@ QString quoteLiteral(QString text) {
     return escapeString(std::move(text), '\'');
 }
 
-int decimalType() {
-    static const int type = QMetaType::type("QDecNumber");
-    return type;
-}
-
 sqlite3* sqliteHandle(const QSqlDatabase& database) {
     const QVariant handle = database.driver()->handle();
     return handle.isValid() ? *static_cast<sqlite3* const*>(handle.constData()) : nullptr;
@@ -295,7 +290,7 @@ QString EngineExpression::toStr(const QVariant& value) {
     case QMetaType::QDateTime: return quoteLiteral(momentText(value));
     default: break;
     }
-    if (value.userType() == decimalType()) {
+    if (value.userType() == qMetaTypeId<QDecNumber>()) {
         return decNumberToString(value.value<QDecNumber>());
     }
     const ExtensionString extension = toExtensionString(value);

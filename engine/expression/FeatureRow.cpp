@@ -40,11 +40,6 @@ FeatureRow::Column::Affinity affinityOf(const char* declaredType) {
     return FeatureRow::Column::Numeric;
 }
 
-int decimalType() {
-    static const int type = QMetaType::type("QDecNumber");
-    return type;
-}
-
 } // namespace
 
 bool isStandardType(int metaType) {
@@ -65,7 +60,7 @@ bool isStandardType(int metaType) {
     case QMetaType::QTime:
     case QMetaType::QDateTime: return true;
     case QMetaType::QString: return false;
-    default: return metaType != QMetaType::UnknownType && metaType == decimalType();
+    default: return metaType == qMetaTypeId<QDecNumber>();
     }
 }
 

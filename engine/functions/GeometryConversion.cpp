@@ -2,6 +2,7 @@
 
 #include "Barrier.h"
 #include "GeometryArguments.h"
+#include "PreparedArgument.h"
 #include "platform/cs/CoordSystem.h"
 #include "platform/cs/Transformer.h"
 #include "platform/geometry/GeometryFactory.h"
@@ -25,16 +26,18 @@ EngineCache* cacheOf(sqlite3_context* context) {
 
 /// The coordinate system that an argument names; read once per statement when the argument is constant.
 CoordSystemPtr coordSystemArgument(sqlite3_context* context, sqlite3_value** values, int position) {
-    if (const auto* known = static_cast<const CoordSystemPtr*>(sqlite3_get_auxdata(context, position))) {
-        return *known;
-    }
-    CoordSystemPtr coordSystem = toCS(values[position]);
-    if (coordSystem && coordSystem->epsg() != 0) {
-        cacheOf(context)->save(coordSystem->epsg(), coordSystem);
-    }
-    sqlite3_set_auxdata(context, position, new CoordSystemPtr(coordSystem),
-                        [](void* data) { delete static_cast<CoordSystemPtr*>(data); });
-    return coordSystem;
+    CoordSystemPtr named;
+    withPrepared<CoordSystemPtr>(
+        context, position, [](const CoordSystemPtr&) { return true; },
+        [&] {
+            const CoordSystemPtr read = toCS(values[position]);
+            if (read && read->epsg() != 0) {
+                cacheOf(context)->save(read->epsg(), read);
+            }
+            return read;
+        },
+        [&named](const CoordSystemPtr& prepared) { named = prepared; });
+    return named;
 }
 
 /// What transformBlob did last on this thread: where a statement uses a column of a derived table in several

@@ -1,6 +1,7 @@
 #include <orvane/engine/GeometryConversions.h>
 
 #include "platform/cs/CoordSystem.h"
+#include "platform/decimal/QDecNumber.h"
 #include "platform/geometry/Curves.h"
 #include "platform/geometry/GeometryFactory.h"
 #include "platform/utils/MetaTypes.h"
@@ -153,11 +154,6 @@ QString columnName(const QUuid& uuid) {
     return uuid.toString(QUuid::Id128);
 }
 
-int decimalType() {
-    static const int type = QMetaType::type("QDecNumber");
-    return type;
-}
-
 } // namespace
 
 gaiaGeomCollStruct* toGaia(const unsigned char* blob, int size) {
@@ -264,7 +260,7 @@ QString toString(const dp::AttributeDefinitionPointer& attribute, EngineCache* c
     if (const auto* simple = dynamic_cast<const dp::SimpleAttributeDefinition*>(definition)) {
         if (simple->type() == QMetaType::QString) {
             text += QStringLiteral("(%1) Collate Locale").arg(simple->length());
-        } else if (simple->type() == decimalType()) {
+        } else if (simple->type() == qMetaTypeId<QDecNumber>()) {
             text += QStringLiteral("(%1, %2) ").arg(simple->length()).arg(simple->precision());
         }
         if (simple->isUnique()) {
