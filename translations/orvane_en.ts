@@ -93,10 +93,6 @@
         <translation>The table %0 has no row %1</translation>
     </message>
     <message>
-        <source>после Escape должен стоять один символ</source>
-        <translation>Escape takes a single character</translation>
-    </message>
-    <message>
         <source>Таблица %0 закрыта</source>
         <translation>The table %0 is closed</translation>
     </message>
@@ -289,6 +285,13 @@
     <message>
         <source>в таблице %0 нет записи %1</source>
         <translation>the table %0 has no feature %1</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::engine</name>
+    <message>
+        <source>после Escape должен стоять один символ</source>
+        <translation>Escape takes a single character</translation>
     </message>
 </context>
 <context>

@@ -45,6 +45,7 @@ struct EngineIndicesSqlite::Internal {
     StorageOptions options;
     std::shared_ptr<dp::SqliteDatabaseAccess> database;
     std::shared_ptr<LookupStatements> lookups;
+    std::shared_ptr<PatternRanges> patternRanges; ///< made when the first pattern comes
     std::map<int, IndexEntry> indices;
     qint32 lastIndexId = 0;
     unsigned long long quantity = 0;
@@ -94,7 +95,13 @@ struct EngineIndicesSqlite::Internal {
                isOrderedByCollator(schema, static_cast<int>(column.attribute));
     }
     std::vector<Constant> withPatternRanges(const dp::TableSchema& schema,
-                                            const std::vector<Constant>& constants) const;
+                                            const std::vector<Constant>& constants);
+    PatternRanges& patterns() {
+        if (!patternRanges) {
+            patternRanges = std::make_shared<PatternRanges>(options.collator);
+        }
+        return *patternRanges;
+    }
     QString searchSql(int index, const IndexColumns& columns, const std::vector<Constant>& constants) const;
 };
 
@@ -141,18 +148,18 @@ bool EngineIndicesSqlite::Internal::isOrderedByCollator(const dp::TableSchema& s
 
 std::vector<EngineIndices::Constant>
 EngineIndicesSqlite::Internal::withPatternRanges(const dp::TableSchema& schema,
-                                                 const std::vector<Constant>& constants) const {
+                                                 const std::vector<Constant>& constants) {
     std::vector<Constant> expanded;
     for (const Constant& constant : constants) {
         if (isNarrowed(schema, {static_cast<quint32>(constant.attribute), constant.operation}) &&
             !constant.value.isNull()) {
             const PatternRange range =
-                patternRange(constant.value.toString(), constant.operation, options.collator);
-            if (!range.lower.isEmpty()) {
-                expanded.push_back({constant.attribute, GreaterOrEqual, range.lower});
+                patterns().find(constant.value.toString().toStdString(), constant.operation);
+            if (!range.lower.empty()) {
+                expanded.push_back({constant.attribute, GreaterOrEqual, QString::fromStdString(range.lower)});
             }
-            if (!range.upper.isEmpty()) {
-                expanded.push_back({constant.attribute, Less, range.upper});
+            if (!range.upper.empty()) {
+                expanded.push_back({constant.attribute, Less, QString::fromStdString(range.upper)});
             }
         }
         expanded.push_back(constant);
@@ -375,12 +382,49 @@ EngineIndicesSqlite::getLookup(int index, std::span<const Column> columns, RowOr
         }
         search.terms.push_back({column, internal_->isNarrowed(*schema(), column)});
     }
-    return std::make_unique<SqliteLookup>(internal_->lookups, std::move(search), internal_->options.collator);
+    const bool hasPattern = std::any_of(search.terms.begin(), search.terms.end(),
+                                        [](const auto& term) { return term.isNarrowed; });
+    if (hasPattern) {
+        internal_->patterns();
+    }
+    return std::make_unique<SqliteLookup>(internal_->lookups, std::move(search), internal_->patternRanges);
 }
 
 unsigned long long EngineIndicesSqlite::groups(int index) const {
     const IndexEntry* entry = internal_->find(index);
     return isCorrect() && entry ? entry->groups : 0;
+}
+
+bool EngineIndicesSqlite::narrows(quint8 operation, std::string_view pattern) const {
+    const StorageOptions& options = internal_->options;
+    const bool ignoresCase = operation == Like ? options.caseInsensitiveLike : options.caseInsensitiveGlob;
+    return ignoresCase && !options.collate.isEmpty() &&
+           !internal_->patterns().find(pattern, operation).upper.empty();
+}
+
+unsigned long long EngineIndicesSqlite::countRows(int index, const Column& column, const dp::Cell& operand,
+                                                  unsigned long long most) const {
+    std::vector<Column> terms{column};
+    std::vector<dp::Cell> operands{operand};
+    PatternRange range;
+    if (isCorrect() && operand.type() == dp::CellType::Text && internal_->isNarrowed(*schema(), column)) {
+        range = internal_->patterns().find(operand.view(), column.operation);
+        terms = {{column.attribute, GreaterOrEqual}};
+        operands = {dp::Cell::ofText(range.lower)};
+        if (!range.upper.empty()) {
+            terms.push_back({column.attribute, Less});
+            operands.push_back(dp::Cell::ofText(range.upper));
+        }
+    }
+    const auto lookup = getLookup(index, terms, RowOrder::Any);
+    unsigned long long count = 0;
+    if (lookup) {
+        lookup->start(operands);
+        for (qint64 row = 0; count < most && lookup->next(row);) {
+            ++count;
+        }
+    }
+    return count;
 }
 
 } // namespace orvane::engine

@@ -27,8 +27,9 @@ std::string shapeOf(const SqliteLookup::Search& search) {
 
 } // namespace
 
-SqliteLookup::SqliteLookup(std::shared_ptr<LookupStatements> statements, Search search, QCollator collator)
-    : statements_(std::move(statements)), search_(std::move(search)), collator_(std::move(collator)),
+SqliteLookup::SqliteLookup(std::shared_ptr<LookupStatements> statements, Search search,
+                           std::shared_ptr<PatternRanges> patterns)
+    : statements_(std::move(statements)), search_(std::move(search)), patterns_(std::move(patterns)),
       shape_(shapeOf(search_)) {
     if (std::any_of(search_.terms.begin(), search_.terms.end(),
                     [](const Term& term) { return term.isNarrowed; })) {
@@ -52,10 +53,10 @@ QString SqliteLookup::sql() const {
     for (std::size_t i = 0; i < search_.terms.size(); ++i) {
         const EngineIndices::Column& column = search_.terms[i].column;
         add(column.attribute, column.operation, static_cast<int>(i) + 1);
-        if (!ranges_.empty() && !ranges_[i].lower.isEmpty()) {
+        if (!ranges_.empty() && !ranges_[i].lower.empty()) {
             add(column.attribute, EngineIndices::GreaterOrEqual, lowerParameter(i));
         }
-        if (!ranges_.empty() && !ranges_[i].upper.isEmpty()) {
+        if (!ranges_.empty() && !ranges_[i].upper.empty()) {
             add(column.attribute, EngineIndices::Less, lowerParameter(i) + 1);
         }
     }
@@ -71,9 +72,7 @@ void SqliteLookup::findRanges(std::span<const dp::Cell> operands) {
     for (std::size_t i = 0; i < ranges_.size(); ++i) {
         ranges_[i] = {};
         if (search_.terms[i].isNarrowed && operands[i].type() == dp::CellType::Text) {
-            const std::string_view pattern = operands[i].view();
-            ranges_[i] = patternRange(QString::fromUtf8(pattern.data(), static_cast<int>(pattern.size())),
-                                      search_.terms[i].column.operation, collator_);
+            ranges_[i] = patterns_->find(operands[i].view(), search_.terms[i].column.operation);
         }
     }
 }
@@ -82,7 +81,7 @@ void SqliteLookup::takeStatement() {
     std::string shape = shape_;
     for (const PatternRange& range : ranges_) {
         appendBytes(shape,
-                    static_cast<quint8>((range.lower.isEmpty() ? 0 : 1) + (range.upper.isEmpty() ? 0 : 2)));
+                    static_cast<quint8>((range.lower.empty() ? 0 : 1) + (range.upper.empty() ? 0 : 2)));
     }
     if (statement_ && shape != takenShape_) {
         statements_->put(takenShape_, std::move(*statement_));
@@ -105,21 +104,23 @@ void SqliteLookup::start(std::span<const dp::Cell> operands) {
         takeStatement();
     }
     statement_->reset();
+    isAtEnd_ = false;
     for (std::size_t i = 0; i < operands.size(); ++i) {
         statement_->bind(static_cast<int>(i) + 1, operands[i]);
     }
     for (std::size_t i = 0; i < ranges_.size(); ++i) {
-        if (!ranges_[i].lower.isEmpty()) {
-            statement_->bind(lowerParameter(i), dp::SqliteStatement::view(ranges_[i].lower));
+        if (!ranges_[i].lower.empty()) {
+            statement_->bind(lowerParameter(i), std::string_view(ranges_[i].lower));
         }
-        if (!ranges_[i].upper.isEmpty()) {
-            statement_->bind(lowerParameter(i) + 1, dp::SqliteStatement::view(ranges_[i].upper));
+        if (!ranges_[i].upper.empty()) {
+            statement_->bind(lowerParameter(i) + 1, std::string_view(ranges_[i].upper));
         }
     }
 }
 
 bool SqliteLookup::next(qint64& row) {
-    if (!statement_ || !statement_->next()) {
+    if (isAtEnd_ || !statement_->next()) {
+        isAtEnd_ = true; // SQLite would begin again
         return false;
     }
     row = statement_->integer(0);

@@ -2,6 +2,7 @@
 
 #include "engine/indices/LookupStatements.h"
 #include "engine/indices/PatternRange.h"
+#include <orvane/engine/EngineIndices.h>
 
 #include <optional>
 
@@ -22,7 +23,9 @@ public:
         std::vector<Term> terms;
     };
 
-    SqliteLookup(std::shared_ptr<LookupStatements> statements, Search search, QCollator collator);
+    /// `patterns` may be null when no term is narrowed.
+    SqliteLookup(std::shared_ptr<LookupStatements> statements, Search search,
+                 std::shared_ptr<PatternRanges> patterns);
     ~SqliteLookup() override;
 
     void start(std::span<const dp::Cell> operands) override;
@@ -38,11 +41,12 @@ private:
 
     std::shared_ptr<LookupStatements> statements_;
     Search search_;
-    QCollator collator_;
+    std::shared_ptr<PatternRanges> patterns_;
     std::string shape_;                ///< of the search without the ranges of patterns
     std::vector<PatternRange> ranges_; ///< one per term when there are patterns, else none
     std::string takenShape_;
     std::optional<dp::SqliteStatement> statement_;
+    bool isAtEnd_ = true;
 };
 
 } // namespace orvane::engine

@@ -1,11 +1,10 @@
 #include "engine/indices/StorageDatabase.h"
 
-#include "engine/indices/PatternFunctions.h"
+#include "engine/functions/PatternMatch.h"
 #include "engine/indices/StorageFile.h"
 #include "platform/core/SqliteException.h"
 #include <orvane/engine/Collator.h>
 #include <orvane/engine/LocaleOrder.h>
-#include <orvane/engine/functions/Text.h>
 
 #include <sqlite3.h>
 
@@ -48,7 +47,7 @@ void registerCollation(sqlite3* database, const StorageOptions& options) {
 
 void registerFunction(sqlite3* database, const char* name, int arguments,
                       void (*function)(sqlite3_context*, int, sqlite3_value**)) {
-    if (sqlite3_create_function(database, name, arguments, SQLITE_UTF16 | SQLITE_DETERMINISTIC, nullptr,
+    if (sqlite3_create_function(database, name, arguments, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr,
                                 function, nullptr, nullptr) != SQLITE_OK) {
         throw err::SqliteException(database, QLatin1String(name));
     }
@@ -64,11 +63,11 @@ std::shared_ptr<dp::SqliteDatabaseAccess> openStorageDatabase(const QString& pat
         registerCollation(database->handle(), options);
     }
     if (options.caseInsensitiveLike) {
-        registerFunction(database->handle(), "like", 2, searchLike);
-        registerFunction(database->handle(), "like", 3, caseInsensitiveLikeEscape);
+        registerFunction(database->handle(), "like", 2, likePattern);
+        registerFunction(database->handle(), "like", 3, likePattern);
     }
     if (options.caseInsensitiveGlob) {
-        registerFunction(database->handle(), "glob", 2, searchGlob);
+        registerFunction(database->handle(), "glob", 2, globPattern);
     }
     return database;
 }

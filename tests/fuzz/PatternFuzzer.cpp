@@ -1,5 +1,5 @@
 // LIKE and glob patterns: "pattern NUL text". The prepared matcher and the regular expressions answer alike.
-#include "host/adaptor/PatternMatch.h"
+#include "engine/functions/PatternMatch.h"
 #include "platform/utils/Patterns.h"
 
 #include <QRegularExpression>
@@ -13,7 +13,7 @@ bool isComparable(const QString& text) {
     return !text.contains(QChar(0xFFFE)) && !text.contains(QChar(0xFFFF)) && text.size() < 1000;
 }
 
-void expectSame(const orvane::adaptor::PatternMatch& match, const QString& expression, const QString& text) {
+void expectSame(const orvane::engine::PatternMatch& match, const QString& expression, const QString& text) {
     const QRegularExpression regular(expression, QRegularExpression::CaseInsensitiveOption);
     const QByteArray utf8 = text.toUtf8();
     if (!regular.isValid() || regular.match(text).hasMatch() !=
@@ -32,7 +32,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, size_t size) {
     if (!isComparable(pattern) || !isComparable(text)) {
         return 0;
     }
-    using orvane::adaptor::PatternMatch;
+    using orvane::engine::PatternMatch;
     const QByteArray utf8 = pattern.toUtf8();
     const auto* bytes = reinterpret_cast<const unsigned char*>(utf8.constData());
     expectSame(PatternMatch::like(bytes, 0), orvane::utils::likeToRegular(pattern, QChar()), text);

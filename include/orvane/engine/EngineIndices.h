@@ -10,6 +10,7 @@
 #include <memory>
 #include <set>
 #include <span>
+#include <string_view>
 #include <vector>
 
 namespace orvane::engine {
@@ -100,7 +101,7 @@ public:
         /// Begins a search with one operand per column. Operands compare as in SQL: Equal to NULL finds
         /// nothing, Is NULL finds NULL. Texts are copied.
         virtual void start(std::span<const dp::Cell> operands) = 0;
-        /// The next row; false at the end.
+        /// The next row; false at the end, and from then on.
         virtual bool next(qint64& row) = 0;
     };
 
@@ -161,6 +162,12 @@ public:
     /// Number of different combinations of values, so that rows / groups is the size of the average group; 0
     /// when it is not known.
     virtual unsigned long long groups(int index) const = 0;
+    /// Whether a Like or Glob search in a text column with that pattern (UTF-8) reads a part of the index
+    /// only: the pattern begins with letters, and the texts that begin so are neighbours.
+    virtual bool narrows(quint8 operation, std::string_view pattern) const = 0;
+    /// How many rows satisfy one condition, counted up to `most`: of a pattern, how many begin as it does.
+    virtual unsigned long long countRows(int index, const Column& column, const dp::Cell& operand,
+                                         unsigned long long most) const = 0;
 
 protected:
     EngineCache& cache() const { return cache_; }

@@ -3,7 +3,7 @@
 #include "support/RandomText.h"
 #include "support/TextTable.h"
 
-#include "host/adaptor/PatternMatch.h"
+#include "engine/functions/PatternMatch.h"
 #include "platform/utils/Patterns.h"
 
 #include <QElapsedTimer>
@@ -13,7 +13,7 @@
 
 #include <random>
 
-using orvane::adaptor::PatternMatch;
+using orvane::engine::PatternMatch;
 using namespace orvane::tests;
 
 namespace {

@@ -1,16 +1,18 @@
 #pragma once
 
+#include <orvane/engine/Export.h>
+
 #include <sqlite3.h>
 
 #include <cstdint>
 #include <vector>
 
-namespace orvane::adaptor {
+namespace orvane::engine {
 
 /// A LIKE or glob pattern, read once and matched on UTF-8 texts without regard to case. Answers as the
 /// engine's entry points for these operators do with their regular expressions. A match takes at most the
 /// length of the text times that of the pattern and no memory. Immutable: any thread may match.
-class PatternMatch {
+class ORVANE_ENGINE_EXPORT PatternMatch {
 public:
     /// Zero-terminated UTF-8. `escape` is the character that makes the next one literal, 0 for none.
     static PatternMatch like(const unsigned char* pattern, std::uint32_t escape);
@@ -60,10 +62,10 @@ private:
     bool matchesNothing_ = false;
 };
 
-/// `like(pattern, text [, escape])` and `glob(pattern, text)` for the engine database. A pattern that is
-/// constant in a statement is read once per statement. An escape of more than one character is an error; NULL
-/// and an empty text are none.
-void likePattern(sqlite3_context* context, int count, sqlite3_value** values);
-void globPattern(sqlite3_context* context, int count, sqlite3_value** values);
+/// `like(pattern, text [, escape])` and `glob(pattern, text)` for the engine database and the index stores. A
+/// pattern that is constant in a statement is read once per statement. An escape of more than one
+/// character is an error; NULL and an empty text are none.
+ORVANE_ENGINE_EXPORT void likePattern(sqlite3_context* context, int count, sqlite3_value** values);
+ORVANE_ENGINE_EXPORT void globPattern(sqlite3_context* context, int count, sqlite3_value** values);
 
-} // namespace orvane::adaptor
+} // namespace orvane::engine

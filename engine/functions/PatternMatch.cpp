@@ -1,75 +1,22 @@
-#include "host/adaptor/PatternMatch.h"
+#include "engine/functions/PatternMatch.h"
 
 #include "engine/functions/Barrier.h"
+#include "engine/functions/LetterCase.h"
 #include "engine/functions/PreparedArgument.h"
 #include "engine/functions/Utf8.h"
 
-#include <QChar>
 #include <QCoreApplication>
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 #include <stdexcept>
 
-namespace orvane::adaptor {
+namespace orvane::engine {
 
-using engine::utf8::isContinuation;
-using engine::utf8::readCharacter;
+using utf8::isContinuation;
+using utf8::readCharacter;
 
 namespace {
-
-/// Capital letters of Unicode 14, which the regular expressions know and Qt 5's tables do not.
-bool isNewCapital(std::uint32_t character) {
-    switch (character) {
-    case 0x2C2F:
-    case 0xA7C0:
-    case 0xA7D0:
-    case 0xA7D6:
-    case 0xA7D8: return true;
-    case 0x1057B:
-    case 0x1058B:
-    case 0x10593: return false;
-    default: return character >= 0x10570 && character <= 0x10595; // Vithkuqi
-    }
-}
-
-std::uint32_t smallOfNewCapital(std::uint32_t character) {
-    if (character == 0x2C2F) {
-        return 0x2C5F;
-    }
-    return character < 0x10000 ? character + 1 : character + 0x27;
-}
-
-std::uint32_t fold(std::uint32_t character) {
-    if (character < 0x80) {
-        return character >= 'A' && character <= 'Z' ? character + 0x20 : character;
-    }
-    const std::uint32_t folded = QChar::toCaseFolded(character);
-    return folded == character && isNewCapital(character) ? smallOfNewCapital(character) : folded;
-}
-
-/// The characters with one folded form, beside that form itself, in the order of the forms.
-struct Variant {
-    std::uint32_t folded;
-    std::uint32_t character;
-    bool operator<(const Variant& other) const { return folded < other.folded; }
-};
-
-const std::vector<Variant>& caseVariants() {
-    static const std::vector<Variant> variants = [] {
-        constexpr std::uint32_t casedEnd = 0x1F000; // no letter beyond has a case
-        std::vector<Variant> result;
-        for (std::uint32_t character = 0; character < casedEnd; ++character) {
-            if (const std::uint32_t folded = fold(character); folded != character) {
-                result.push_back({folded, character});
-            }
-        }
-        std::stable_sort(result.begin(), result.end());
-        return result;
-    }();
-    return variants;
-}
 
 /// The character before `at`, where texts are cut as readCharacter cuts them.
 const unsigned char* previousCharacter(const unsigned char* begin, const unsigned char* at) {
@@ -91,12 +38,11 @@ bool PatternMatch::Class::contains(std::uint32_t character) const {
     if (inRanges(character)) {
         return !negated;
     }
-    const std::uint32_t folded = fold(character);
-    const auto [first, last] =
-        std::equal_range(caseVariants().begin(), caseVariants().end(), Variant{folded, 0});
-    const bool found = inRanges(folded) || std::any_of(first, last, [&](const Variant& variant) {
-                           return inRanges(variant.character);
-                       });
+    const std::uint32_t folded = foldCase(character);
+    const auto variants = caseVariants(folded);
+    const bool found = inRanges(folded) ||
+                       std::any_of(variants.begin(), variants.end(),
+                                   [&](const CaseVariant& variant) { return inRanges(variant.character); });
     return found != negated;
 }
 
@@ -110,11 +56,11 @@ PatternMatch PatternMatch::like(const unsigned char* pattern, std::uint32_t esca
                 result.matchesNothing_ = true;
                 break;
             }
-            result.add(fold(readCharacter(pattern)));
+            result.add(foldCase(readCharacter(pattern)));
         } else if (character == '%') {
             result.addRun();
         } else {
-            result.add(character == '_' ? anyCharacter : fold(character));
+            result.add(character == '_' ? anyCharacter : foldCase(character));
         }
     }
     result.prepareSearch();
@@ -129,7 +75,7 @@ PatternMatch PatternMatch::glob(const unsigned char* pattern) {
         case '*': result.addRun(); break;
         case '?': result.add(anyCharacter); break;
         case '[': result.readClass(pattern); break;
-        default: result.add(fold(character));
+        default: result.add(foldCase(character));
         }
     }
     result.prepareSearch();
@@ -164,7 +110,7 @@ void PatternMatch::readClass(const unsigned char*& at) {
 
 bool PatternMatch::matchesElement(Element element, std::uint32_t character) const {
     if (element < anyCharacter) {
-        return element == fold(character);
+        return element == foldCase(character);
     }
     return element == anyCharacter || classes_[element - firstClass].contains(character);
 }
@@ -240,13 +186,13 @@ namespace {
 /// Matches the text in argument 1 against the pattern in argument 0; NULL for NULL.
 template<typename Read>
 void matchPrepared(sqlite3_context* context, sqlite3_value** values, std::uint32_t escape, Read read) {
-    engine::barrier(context, [&] {
+    barrier(context, [&] {
         const unsigned char* pattern = sqlite3_value_text(values[0]);
         const unsigned char* text = sqlite3_value_text(values[1]);
         if (pattern == nullptr || text == nullptr) {
             return;
         }
-        engine::withPrepared<PatternMatch>(
+        withPrepared<PatternMatch>(
             context, 0, [escape](const PatternMatch& prepared) { return prepared.escape() == escape; },
             [&] { return read(pattern); },
             [&](const PatternMatch& prepared) {
@@ -264,9 +210,9 @@ void likePattern(sqlite3_context* context, int count, sqlite3_value** values) {
         const bool isNone = text == nullptr || *text == 0;
         escape = isNone ? 0 : readCharacter(text);
         if (!isNone && *text != 0) {
-            engine::barrier(context, [] {
+            barrier(context, [] {
                 throw std::runtime_error(
-                    QCoreApplication::translate("orvane::adaptor", "после Escape должен стоять один символ")
+                    QCoreApplication::translate("orvane::engine", "после Escape должен стоять один символ")
                         .toStdString());
             });
             return;
@@ -281,4 +227,4 @@ void globPattern(sqlite3_context* context, int, sqlite3_value** values) {
                   [](const unsigned char* pattern) { return PatternMatch::glob(pattern); });
 }
 
-} // namespace orvane::adaptor
+} // namespace orvane::engine
