@@ -173,6 +173,10 @@
         <translation>no index for %0: columns of this type are not indexed</translation>
     </message>
     <message>
+        <source>нет индекса для %0: с начала такого образца в индексе не найти</source>
+        <translation>no index for %0: the beginning of this pattern cannot be looked up</translation>
+    </message>
+    <message>
         <source>нет индекса для %0: тексты сравниваются не по Locale</source>
         <translation>no index for %0: the texts are not compared under Locale</translation>
     </message>

@@ -1,6 +1,7 @@
 #include "host/adaptor/ArrangedRows.h"
 
 #include <algorithm>
+#include <iterator>
 #include <numeric>
 
 namespace orvane::adaptor {
@@ -112,6 +113,11 @@ void ArrangedRows::arrangeInOrder(const dp::Cancellation& cancellation) {
         cancellation.check();
         sortBy(*column);
     }
+}
+
+std::uint32_t ArrangedRows::lastGroup() const {
+    const auto end = std::lower_bound(starts_.begin(), starts_.end(), order_.size()); // where nothing starts
+    return *std::prev(end);
 }
 
 std::size_t ArrangedRows::arrangeForLookups(const dp::Cancellation& cancellation) {

@@ -45,8 +45,9 @@ public:
     /// Puts the rows in the order of the keys, the first one first; rows that agree in all stay in the order
     /// in which they came. NULL comes before all values. Throws dp::Cancelled.
     void arrangeInOrder(const dp::Cancellation& cancellation);
-    /// Puts the rows in the given order: their positions as they came.
-    void arrange(std::vector<std::uint32_t> order) { order_ = std::move(order); }
+    /// The place of the first of those rows that agree with the last one in the first key, when there are
+    /// rows and they are in order.
+    std::uint32_t lastGroup() const;
     /// Arranges for find by the key with the most different values, and answers its position.
     /// Throws dp::Cancelled.
     std::size_t arrangeForLookups(const dp::Cancellation& cancellation);

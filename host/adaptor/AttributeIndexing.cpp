@@ -1,5 +1,6 @@
 #include "host/adaptor/AttributeIndexing.h"
 
+#include "host/adaptor/Costs.h"
 #include "host/adaptor/IndexBuilder.h"
 #include "host/adaptor/ValueOrder.h"
 
@@ -20,16 +21,6 @@ using Kind = TableDeclaration::Kind;
 
 /// Below this a scan is as fast as a look-up.
 constexpr std::int64_t fewestRows = 1000;
-/// Costs in nanoseconds, measured: of a scan, by the kind of column, and of making an index.
-constexpr double openingCost = 2000;
-constexpr double numberScanCost = 2;
-constexpr double textScanCost = 35;
-constexpr double sortCostPerRow = 100; ///< for the first rows in order only
-constexpr double numberBuildCost = 700;
-constexpr double textBuildCost = 2000;
-constexpr double buildCostOfStorage = 1e6;
-/// Of finding one row, which a look-up does for each of them and a scan does not.
-constexpr double foundCost = 500;
 /// A look-up that finds so many rows that a scan is faster gives way to it, and is not tried again when that
 /// has happened so much more often than not.
 constexpr int mostFailures = 3;
@@ -50,10 +41,10 @@ std::uint8_t operationOf(Comparison comparison) {
                                         : static_cast<std::uint8_t>(comparison);
 }
 
-/// An index compares numbers as numbers and texts under Locale. Whatever is compared otherwise it would
-/// answer wrongly.
+/// An index compares numbers as numbers and texts under the collation of the column: Locale, or byte by byte
+/// where they are dates and times. Whatever is compared otherwise it would answer wrongly.
 bool comparesAlike(const TableDeclaration::Column& column, dp::TextCollation collation) {
-    return column.kind == Kind::Number || (column.isLocaleText && collation == dp::TextCollation::Locale);
+    return column.kind == Kind::Number || (column.kind == Kind::Text && collation == column.collation);
 }
 
 } // namespace
@@ -65,19 +56,24 @@ const TableDeclaration::Column& AttributeIndexing::column(int attribute) const {
     });
 }
 
-double AttributeIndexing::scanCost(const Attributes& attributes, double rows) const {
-    const bool isByNumber = std::any_of(attributes.begin(), attributes.end(), [this](int attribute) {
-        return column(attribute).kind == Kind::Number; // checked first: few rows come to the texts
-    });
-    return openingCost + rows * (isByNumber ? numberScanCost : textScanCost);
+/// The terms that cost least are checked first: few rows come to the others.
+double AttributeIndexing::scanCost(const Terms& terms, double rows) const {
+    double perRow = cost::patternTest;
+    for (const dp::ScanTerm* term : terms) {
+        if (!isPattern(term->comparison)) {
+            const bool isNumber = column(term->attribute).kind == Kind::Number;
+            perRow = std::min(perRow, isNumber ? cost::numberTest : cost::textTest);
+        }
+    }
+    return cost::opening + rows * perRow;
 }
 
 double AttributeIndexing::buildCost(const Attributes& attributes, double rows) const {
     double perRow = 0;
     for (const int attribute : attributes) {
-        perRow += column(attribute).kind == Kind::Number ? numberBuildCost : textBuildCost;
+        perRow += column(attribute).kind == Kind::Number ? cost::indexedNumber : cost::indexedText;
     }
-    return buildCostOfStorage + rows * perRow;
+    return cost::storage + rows * perRow;
 }
 
 bool AttributeIndexing::serves(const TableDeclaration::Column& column, dp::TextCollation collation,
@@ -87,20 +83,27 @@ bool AttributeIndexing::serves(const TableDeclaration::Column& column, dp::TextC
 
 IndexUse::Outcome AttributeIndexing::judge(const TableDeclaration::Column& column, Comparison comparison,
                                            dp::TextCollation collation) {
+    if (isPattern(comparison)) { // matched as the store does, whatever the collation of the statement
+        return column.isLocaleText() ? IndexUse::Outcome::Used : IndexUse::Outcome::Comparison;
+    }
     if (!isEquality(comparison) && !isRange(comparison)) {
         return IndexUse::Outcome::Comparison;
     }
-    if (column.kind != Kind::Number && !column.isLocaleText) {
+    if (column.kind != Kind::Number && column.kind != Kind::Text) {
         return IndexUse::Outcome::ColumnType;
     }
     return comparesAlike(column, collation) ? IndexUse::Outcome::Used : IndexUse::Outcome::Collation;
 }
 
-bool AttributeIndexing::isServed(const dp::ScanTerm& term) const {
+bool AttributeIndexing::isServed(const dp::ScanTerm& term, const EngineIndices& store) const {
     const TableDeclaration::Column& asked = column(term.attribute);
     const bool isText = asked.kind == Kind::Text;
     if (judge(asked, term.comparison, term.collation) != IndexUse::Outcome::Used) {
         return false;
+    }
+    if (isPattern(term.comparison)) {
+        const auto* pattern = std::get_if<std::string>(&term.operands.front());
+        return pattern && store.narrows(operationOf(term.comparison), *pattern);
     }
     return std::all_of(term.operands.begin(), term.operands.end(), [isText](const dp::ScanValue& operand) {
         return std::holds_alternative<std::string>(operand) == isText &&
@@ -108,20 +111,22 @@ bool AttributeIndexing::isServed(const dp::ScanTerm& term) const {
     });
 }
 
-/// The equalities, or else what bounds the first attribute with a range.
-std::vector<const dp::ScanTerm*> AttributeIndexing::chooseTerms(std::span<const dp::ScanTerm> terms) const {
-    std::vector<const dp::ScanTerm*> equalities, ranges;
+/// The equalities, or else the patterns or ranges of one attribute: patterns first, which cost SQLite most.
+AttributeIndexing::Terms AttributeIndexing::chooseTerms(std::span<const dp::ScanTerm> terms,
+                                                        const EngineIndices& store) const {
+    Terms equalities, patterns, ranges;
     std::size_t combinations = 1;
     for (const dp::ScanTerm& term : terms) {
-        if (!isServed(term)) {
+        if (!isServed(term, store)) {
             continue;
         }
         const auto sameAttribute = [&term](const dp::ScanTerm* other) {
             return other->attribute == term.attribute;
         };
-        if (isRange(term.comparison)) {
-            if (ranges.empty() || sameAttribute(ranges.front())) {
-                ranges.push_back(&term);
+        if (isRange(term.comparison) || isPattern(term.comparison)) {
+            Terms& bounds = isPattern(term.comparison) ? patterns : ranges;
+            if (bounds.empty() || sameAttribute(bounds.front())) {
+                bounds.push_back(&term);
             }
         } else if (equalities.size() < mostAttributes &&
                    std::none_of(equalities.begin(), equalities.end(), sameAttribute) &&
@@ -130,7 +135,7 @@ std::vector<const dp::ScanTerm*> AttributeIndexing::chooseTerms(std::span<const 
             equalities.push_back(&term);
         }
     }
-    auto& chosen = equalities.empty() ? ranges : equalities;
+    Terms& chosen = !equalities.empty() ? equalities : !patterns.empty() ? patterns : ranges;
     std::sort(chosen.begin(), chosen.end(),
               [](const auto* a, const auto* b) { return a->attribute < b->attribute; });
     return chosen;
@@ -160,10 +165,16 @@ std::optional<std::vector<dp::FeatureId>> AttributeIndexing::find(dp::Table& tab
                                                                   const dp::Cancellation& cancellation) {
     using Outcome = IndexUse::Outcome;
     use_ = {};
-    const auto chosen = chooseTerms(terms);
-    const auto rows = chosen.empty() ? std::nullopt : table.featureCount();
+    const Terms chosen = chooseTerms(terms, store);
+    if (chosen.empty()) {
+        const bool hasPattern = std::any_of(
+            terms.begin(), terms.end(), [](const dp::ScanTerm& term) { return isPattern(term.comparison); });
+        use_.outcome = hasPattern ? Outcome::Pattern : Outcome::Operand;
+        return std::nullopt;
+    }
+    const auto rows = table.featureCount();
     if (!rows || *rows < fewestRows) {
-        use_.outcome = chosen.empty() ? Outcome::Operand : rows ? Outcome::SmallTable : Outcome::UnknownSize;
+        use_.outcome = rows ? Outcome::SmallTable : Outcome::UnknownSize;
         return std::nullopt;
     }
     follow(table, store);
@@ -176,7 +187,7 @@ std::optional<std::vector<dp::FeatureId>> AttributeIndexing::find(dp::Table& tab
     const auto known = demands_.try_emplace(attributes).first;
     Demand& demand = known->second;
     use_.attributes = &known->first;
-    const double savedCost = scanCost(attributes, static_cast<double>(*rows));
+    const double savedCost = scanCost(chosen, static_cast<double>(*rows));
     if (!ensure(demand, attributes, savedCost, table, store, cancellation)) {
         return std::nullopt;
     }
@@ -186,7 +197,7 @@ std::optional<std::vector<dp::FeatureId>> AttributeIndexing::find(dp::Table& tab
     if (!search.rows || search.failures >= mostFailures) {
         return std::nullopt;
     }
-    if (!collect(*search.rows, chosen, static_cast<std::size_t>(savedCost / foundCost), found)) {
+    if (!collect(*search.rows, chosen, static_cast<std::size_t>(savedCost / cost::foundRow), found)) {
         ++search.failures;
         return std::nullopt;
     }
@@ -256,12 +267,11 @@ void AttributeIndexing::countSort(dp::Table& table, EngineIndices& store, int at
     use_ = {};
     follow(table, store);
     const auto known = demands_.try_emplace({attribute}).first;
-    ensure(known->second, known->first, sortCostPerRow * static_cast<double>(rows), table, store,
+    ensure(known->second, known->first, cost::sortedRow * static_cast<double>(rows), table, store,
            cancellation);
 }
 
-AttributeIndexing::Lookup& AttributeIndexing::lookup(Demand& demand,
-                                                     const std::vector<const dp::ScanTerm*>& terms,
+AttributeIndexing::Lookup& AttributeIndexing::lookup(Demand& demand, const Terms& terms,
                                                      const EngineIndices& store) {
     std::vector<std::uint8_t> operations;
     std::vector<EngineIndices::Column> columns;
@@ -276,8 +286,7 @@ AttributeIndexing::Lookup& AttributeIndexing::lookup(Demand& demand,
     return kept;
 }
 
-bool AttributeIndexing::collect(EngineIndices::RowLookup& rowLookup,
-                                const std::vector<const dp::ScanTerm*>& terms, std::size_t most,
+bool AttributeIndexing::collect(EngineIndices::RowLookup& rowLookup, const Terms& terms, std::size_t most,
                                 std::vector<qint64>& rows) {
     std::vector<std::size_t> choice(terms.size(), 0);
     if (std::any_of(terms.begin(), terms.end(), [](const auto* term) { return term->operands.empty(); })) {
@@ -306,15 +315,34 @@ bool AttributeIndexing::collect(EngineIndices::RowLookup& rowLookup,
     return true;
 }
 
-std::optional<double> AttributeIndexing::averageGroup(int attribute, const EngineIndices& store) const {
+int AttributeIndexing::indexOn(int attribute, const EngineIndices& store) const {
     const auto demand = demands_.find({attribute});
-    if (store_ != &store || demand == demands_.end() || demand->second.index < 0) {
+    return store_ == &store && demand != demands_.end() ? demand->second.index : -1;
+}
+
+std::optional<double> AttributeIndexing::averageGroup(int attribute, const EngineIndices& store) const {
+    const int index = indexOn(attribute, store);
+    const unsigned long long groups = index < 0 ? 0 : store.groups(index);
+    return groups == 0 ? std::nullopt
+                       : std::optional(static_cast<double>(store.statistics(index).rows) /
+                                       static_cast<double>(groups));
+}
+
+std::optional<double> AttributeIndexing::largestGroup(int attribute, const EngineIndices& store) const {
+    const int index = indexOn(attribute, store);
+    return index < 0 ? std::nullopt
+                     : std::optional(static_cast<double>(store.statistics(index).largestGroup));
+}
+
+std::optional<double> AttributeIndexing::countRows(int attribute, Comparison comparison,
+                                                   const dp::Cell& operand, const EngineIndices& store,
+                                                   std::size_t most) const {
+    const int index = indexOn(attribute, store);
+    if (index < 0) {
         return std::nullopt;
     }
-    const unsigned long long groups = store.groups(demand->second.index);
-    return groups == 0 ? std::nullopt
-                       : std::optional(static_cast<double>(store.statistics(demand->second.index).rows) /
-                                       static_cast<double>(groups));
+    const EngineIndices::Column condition{static_cast<quint32>(attribute), operationOf(comparison)};
+    return static_cast<double>(store.countRows(index, condition, operand, most));
 }
 
 } // namespace orvane::adaptor

@@ -30,6 +30,9 @@ public:
     AttributeIndexing(const TableDeclaration& declaration, engine::EngineCache& cache)
         : declaration_(declaration), cache_(cache) {}
 
+    static bool isPattern(dp::Comparison comparison) {
+        return comparison == dp::Comparison::Like || comparison == dp::Comparison::Glob;
+    }
     /// Why an index on the column cannot serve a comparison under a collation; Used when it can.
     static IndexUse::Outcome judge(const TableDeclaration::Column& column, dp::Comparison comparison,
                                    dp::TextCollation collation);
@@ -57,12 +60,19 @@ public:
 
     /// Rows that an equality on the attribute finds on average; nothing before there is an index.
     std::optional<double> averageGroup(int attribute, const engine::EngineIndices& store) const;
+    /// The most rows that agree in the attribute; nothing before there is an index.
+    std::optional<double> largestGroup(int attribute, const engine::EngineIndices& store) const;
+    /// Rows that a range or pattern on the attribute finds, counted up to `most`; nothing before there is an
+    /// index.
+    std::optional<double> countRows(int attribute, dp::Comparison comparison, const dp::Cell& operand,
+                                    const engine::EngineIndices& store, std::size_t most) const;
 
     /// Forgets the indices: their storage is gone.
     void forget();
 
 private:
     using Attributes = std::vector<int>;
+    using Terms = std::vector<const dp::ScanTerm*>;
 
     struct Lookup {
         std::unique_ptr<engine::EngineIndices::RowLookup> rows;
@@ -76,20 +86,20 @@ private:
     };
 
     const TableDeclaration::Column& column(int attribute) const;
-    bool isServed(const dp::ScanTerm& term) const;
-    std::vector<const dp::ScanTerm*> chooseTerms(std::span<const dp::ScanTerm> terms) const;
-    double scanCost(const Attributes& attributes, double rows) const;
+    bool isServed(const dp::ScanTerm& term, const engine::EngineIndices& store) const;
+    Terms chooseTerms(std::span<const dp::ScanTerm> terms, const engine::EngineIndices& store) const;
+    double scanCost(const Terms& terms, double rows) const;
     double buildCost(const Attributes& attributes, double rows) const;
     /// Adds a cost that the index would have saved, and makes it when that pays; whether there is one.
     bool ensure(Demand& demand, const Attributes& attributes, double savedCost, dp::Table& table,
                 engine::EngineIndices& store, const dp::Cancellation& cancellation);
     void follow(const dp::Table& table, engine::EngineIndices& store);
-    static Lookup& lookup(Demand& demand, const std::vector<const dp::ScanTerm*>& terms,
-                          const engine::EngineIndices& store);
+    static Lookup& lookup(Demand& demand, const Terms& terms, const engine::EngineIndices& store);
+    /// The index on one attribute; -1 when there is none.
+    int indexOn(int attribute, const engine::EngineIndices& store) const;
     /// Runs the look-up for every combination of the operands of In lists; false when more than `most` rows
     /// were found.
-    static bool collect(engine::EngineIndices::RowLookup& lookup,
-                        const std::vector<const dp::ScanTerm*>& terms, std::size_t most,
+    static bool collect(engine::EngineIndices::RowLookup& lookup, const Terms& terms, std::size_t most,
                         std::vector<qint64>& rows);
 
     const TableDeclaration& declaration_;

@@ -1,4 +1,5 @@
 #include "host/adaptor/ArrangedRows.h"
+#include "host/adaptor/Costs.h"
 #include "host/adaptor/TermFilter.h"
 #include "host/adaptor/VirtualTable.h"
 
@@ -16,16 +17,11 @@ using Kind = TableDeclaration::Kind;
 
 /// Rows of a table whose size nobody knows.
 constexpr double assumedRows = 100'000;
-// Costs are in rows that a scan hands to SQLite, some 100 ns each.
-/// What fetching one row by its identifier costs besides.
-constexpr double fetchCost = 3;
-/// What a row costs that the scan leaves out, by a number or by a text.
-constexpr double numberFilterCost = 0.02;
-constexpr double textFilterCost = 0.15;
-/// What making an index costs per row of the table, and the look-ups that share it while there is none yet: a
-/// few look-ups in a large table are dear, so what one scan of it finds comes first.
-constexpr double makingCost = 5;
+/// The look-ups that share what making an index costs, while there is none yet: a few look-ups in a large
+/// table are dear, so what one scan of it finds comes first.
 constexpr double assumedLookups = 10'000;
+/// Up to so many rows an index is asked how many a condition finds.
+constexpr std::size_t mostCounted = 1000;
 /// Rows that share one value, in a table of any size.
 constexpr double assumedGroup = 25;
 /// The share of a layer that stands in a relation to one geometry.
@@ -48,6 +44,8 @@ std::optional<Comparison> comparisonOf(unsigned char operation) {
     case SQLITE_INDEX_CONSTRAINT_ISNOT: return Comparison::IsNot;
     case SQLITE_INDEX_CONSTRAINT_ISNULL: return Comparison::IsNull;
     case SQLITE_INDEX_CONSTRAINT_ISNOTNULL: return Comparison::IsNotNull;
+    case SQLITE_INDEX_CONSTRAINT_LIKE: return Comparison::Like;
+    case SQLITE_INDEX_CONSTRAINT_GLOB: return Comparison::Glob;
     default: return std::nullopt;
     }
 }
@@ -90,6 +88,8 @@ double selectivity(Comparison comparison) {
     case Comparison::Is:
     case Comparison::IsNull: return 0.05;
     case Comparison::In: return 0.2;
+    case Comparison::Like:
+    case Comparison::Glob: return 0.1;
     case Comparison::NotEqual:
     case Comparison::IsNot:
     case Comparison::IsNotNull: return 0.9;
@@ -97,11 +97,15 @@ double selectivity(Comparison comparison) {
     }
 }
 
-dp::ScanValue scanValue(sqlite3_value* value) {
+/// The value as a cell that shows it.
+dp::Cell cellOf(sqlite3_value* value) {
     switch (sqlite3_value_type(value)) {
-    case SQLITE_INTEGER: return sqlite3_value_int64(value);
-    case SQLITE_FLOAT: return sqlite3_value_double(value);
-    case SQLITE_TEXT: return std::string(); // only the kind matters here
+    case SQLITE_INTEGER: return dp::Cell::ofInteger(sqlite3_value_int64(value));
+    case SQLITE_FLOAT: return dp::Cell::ofReal(sqlite3_value_double(value));
+    case SQLITE_TEXT: {
+        const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(value));
+        return dp::Cell::ofText({text, static_cast<std::size_t>(sqlite3_value_bytes(value))});
+    }
     default: return {};
     }
 }
@@ -181,7 +185,9 @@ private:
         }
         const char* text = sqlite3_vtab_in(&info_, i, -1) ? "In" : operatorText(constraint(i).op);
         PlannedCondition& noted = planned_.conditions.emplace_back();
-        noted.text = table_.schema()->at(column.attribute)->name() + QLatin1Char(' ') + QLatin1String(text);
+        noted.attribute = column.attribute;
+        noted.column = table_.schema()->at(column.attribute)->name();
+        noted.comparison = QLatin1String(text);
         const auto collation = collationOf(sqlite3_vtab_collation(&info_, i));
         if (!comparison || !collation) {
             noted.index = comparison ? IndexUse::Outcome::Collation : IndexUse::Outcome::Comparison;
@@ -189,11 +195,40 @@ private:
         }
         noted.index = AttributeIndexing::judge(column, *comparison, *collation);
         noted.isForSource = table_.usesTerm(column.attribute, *comparison, *collation);
+        noted.isPattern = AttributeIndexing::isPattern(*comparison);
+        const dp::Cell operand = noted.isPattern ? constantOperand(i).value_or(dp::Cell()) : dp::Cell();
+        if (operand.type() == dp::CellType::Text) {
+            noted.comparison += QLatin1Char(' ') + quoted(operand.view());
+            if (noted.index == IndexUse::Outcome::Used && !isLookedUp(*comparison, operand)) {
+                noted.index = IndexUse::Outcome::Pattern;
+            }
+        }
+    }
+
+    static QString quoted(std::string_view text) {
+        QString shown = QString::fromUtf8(text.data(), static_cast<int>(text.size()));
+        return QLatin1Char('\'') + shown.replace(QLatin1Char('\''), QLatin1String("''")) + QLatin1Char('\'');
+    }
+
+    /// What a column is compared with, if that is known by now. NULL for bytes, too.
+    std::optional<dp::Cell> constantOperand(int i) const {
+        sqlite3_value* operand = nullptr;
+        return sqlite3_vtab_rhs_value(&info_, i, &operand) == SQLITE_OK ? std::optional(cellOf(operand))
+                                                                        : std::nullopt;
+    }
+
+    /// Whether an index could answer the pattern; true also where none is to be made.
+    bool isLookedUp(Comparison comparison, const dp::Cell& pattern) const {
+        return !virtual_.makesIndices() || virtual_.narrows(comparison, pattern.view());
     }
 
     void takeTerm(int i, const TableDeclaration::Column& column, Comparison comparison) {
         const bool nullTest = comparison == Comparison::IsNull || comparison == Comparison::IsNotNull;
         if (column.attribute < 0 || (!nullTest && column.kind != Kind::Number && column.kind != Kind::Text)) {
+            return;
+        }
+        if (AttributeIndexing::isPattern(comparison)) {
+            takePattern(i, column, comparison);
             return;
         }
         const auto collation = collationOf(sqlite3_vtab_collation(&info_, i));
@@ -207,41 +242,86 @@ private:
         // pass.
         const bool knownCollation = column.kind == Kind::Number ||
                                     (comparison != Comparison::NotEqual && comparison != Comparison::IsNot);
-        sqlite3_value* operand = nullptr;
         const bool hasOperand = !nullTest && comparison != Comparison::In;
-        const bool isConstant = hasOperand && sqlite3_vtab_rhs_value(&info_, i, &operand) == SQLITE_OK;
-        hasOpenOperand_ = hasOpenOperand_ || (hasOperand && !isConstant);
-        const bool exact = nullTest || (isConstant && knownCollation &&
-                                        TermFilter::isExact(column.kind == Kind::Text, scanValue(operand)));
-        hand(i, exact);
+        const auto operand = hasOperand ? constantOperand(i) : std::nullopt;
+        const bool isText = column.kind == Kind::Text;
+        const bool isOwnKind = operand && TermFilter::isExact(isText, *operand);
+        hasOpenOperand_ = hasOpenOperand_ || (hasOperand && !operand);
+        hand(i, nullTest || (isOwnKind && knownCollation));
         plan_.terms.push_back({constraint(i).iColumn, comparison, *collation});
+        const bool isServed = virtual_.makesIndices() && AttributeIndexing::serves(column, *collation, rows_);
         // Texts that a file keeps apart may be equal under the collation, so only numbers are known to be
         // unique.
-        const bool equality = comparison == Comparison::Equal || comparison == Comparison::Is;
-        const bool findsOne = equality && column.unique && column.kind == Kind::Number;
-        const double share = findsOne ? 1 / rows_ : shareOf(column, comparison);
+        const bool findsOne = isEquality(comparison) && column.unique && column.kind == Kind::Number;
+        const double share = findsOne                ? 1 / rows_
+                             : isServed && isOwnKind ? shareByIndex(column, comparison, *operand)
+                                                     : shareOf(column, comparison);
         passing_ *= share;
         unique_ = unique_ || findsOne;
-        if (equality && virtual_.makesIndices() && AttributeIndexing::serves(column, *collation, rows_) &&
-            (!operand || virtual_.averageGroup(column.attribute))) {
-            looksUp_ = true; // at once, or soon: a join that repeats the scan gets its index
-            hasIndex_ = hasIndex_ || virtual_.averageGroup(column.attribute);
+        if (isEquality(comparison) && isServed && (!operand || virtual_.averageGroup(column.attribute))) {
+            expectLookups(column); // at once, or soon: a join that repeats the scan gets its index
         }
-        filterCost_ = std::max(filterCost_, column.kind == Kind::Number ? numberFilterCost : textFilterCost);
+        filterCost_ = std::max(filterCost_, isText ? cost::textTest : cost::numberTest);
         if (table_.usesTerm(column.attribute, comparison, *collation)) {
             scanned_ *= share;
         }
     }
 
+    static bool isEquality(Comparison comparison) {
+        return comparison == Comparison::Equal || comparison == Comparison::Is;
+    }
+
+    /// SQLite matches the pattern once more; the scan only finds the rows that begin as it does.
+    void takePattern(int i, const TableDeclaration::Column& column, Comparison comparison) {
+        const auto operand = constantOperand(i);
+        const bool isText = operand && operand->type() == dp::CellType::Text;
+        if (!column.isLocaleText() || (isText && !isLookedUp(comparison, *operand))) {
+            filterCost_ = cost::patternTest;
+            passing_ *= selectivity(comparison);
+            return;
+        }
+        hand(i, false);
+        plan_.terms.push_back({constraint(i).iColumn, comparison, column.collation});
+        hasOpenOperand_ = hasOpenOperand_ || !operand;
+        const bool isServed =
+            virtual_.makesIndices() && AttributeIndexing::serves(column, column.collation, rows_);
+        passing_ *= isServed && isText ? shareByIndex(column, comparison, *operand) : selectivity(comparison);
+        if (isServed && !operand) {
+            expectLookups(column);
+        }
+        filterCost_ = cost::patternTest;
+    }
+
+    void expectLookups(const TableDeclaration::Column& column) {
+        looksUp_ = true;
+        hasIndex_ = hasIndex_ || virtual_.averageGroup(column.attribute);
+        makingCost_ =
+            std::max(makingCost_, column.kind == Kind::Number ? cost::indexedNumber : cost::indexedText);
+    }
+
+    /// The share of rows that a term lets pass whose operand is known.
+    double shareByIndex(const TableDeclaration::Column& column, Comparison comparison,
+                        const dp::Cell& operand) {
+        if (isEquality(comparison) || comparison == Comparison::NotEqual || comparison == Comparison::IsNot) {
+            return shareOf(column, comparison);
+        }
+        const auto count = virtual_.countRows(column.attribute, comparison, operand, mostCounted);
+        if (!count || *count >= mostCounted) {
+            return selectivity(comparison);
+        }
+        expectLookups(column);
+        return std::max(*count, 1.0) / rows_;
+    }
+
     /// What an attribute index knows of the values, else a guess.
     double shareOf(const TableDeclaration::Column& column, Comparison comparison) const {
-        if (comparison == Comparison::Equal || comparison == Comparison::Is) {
-            if (const auto group = virtual_.averageGroup(column.attribute)) {
-                return *group / rows_;
-            }
-            return std::min(selectivity(comparison), assumedGroup / rows_);
+        if (!isEquality(comparison)) {
+            return selectivity(comparison);
         }
-        return selectivity(comparison);
+        if (const auto group = virtual_.averageGroup(column.attribute)) {
+            return *group / rows_;
+        }
+        return std::min(selectivity(comparison), assumedGroup / rows_);
     }
 
     void takeRowNumber() {
@@ -286,8 +366,8 @@ private:
 
     /// Group By and Distinct come cheaper from rows put in order here, by ranks of the different values, than
     /// from SQLite's sorter, which compares the texts. A plain Order By is SQLite's, unless an index has the
-    /// order and the first rows are likely all that is wanted. Rows that are asked for anew for every row of
-    /// another table are never many.
+    /// order of the first column and the first rows are likely all that is wanted. Rows that are asked for
+    /// anew for every row of another table are never many.
     void takeOrder() {
         if (info_.nOrderBy == 0 || hasOpenOperand_) {
             return;
@@ -311,25 +391,38 @@ private:
     ScanPlan::Ordering chooseOrdering() const {
         using Ordering = ScanPlan::Ordering;
         if (sqlite3_vtab_distinct(&info_) > 0) {
-            return limit_ < 0 && isArrangeable() ? Ordering::InMemory : Ordering::None;
+            return limit_ < 0 && isArrangeable(rows_) ? Ordering::InMemory : Ordering::None;
         }
-        const TableDeclaration::Column& column =
-            declaration_.columns()[static_cast<std::size_t>(plan_.order.front().column)];
         const int position = plan_.order.front().column;
+        const int attribute = declaration_.columns()[static_cast<std::size_t>(position)].attribute;
         const bool isOnlyColumn = position < 63 && info_.colUsed == std::uint64_t{1} << position;
-        const bool wantsFew = limit_ >= 0 || (isOnlyColumn && plan_.order.front().isDescending); // or Max
-        const bool isServed = plan_.order.size() == 1 && conditions_ == 0 && virtual_.makesIndices() &&
-                              (column.kind == Kind::Number || column.isLocaleText);
-        if (!isServed || !wantsFew) {
+        const bool isMaximum = isOnlyColumn && plan_.order.size() == 1 && plan_.order.front().isDescending;
+        if (conditions_ > 0 || !virtual_.makesIndices() || (limit_ < 0 && !isMaximum)) {
             return Ordering::None;
         }
-        return virtual_.hasOrder(column.attribute) ? Ordering::ByIndex
-               : limit_ >= 0                       ? Ordering::WantsIndex
-                                                   : Ordering::None;
+        if (!virtual_.hasOrder(attribute)) {
+            return limit_ >= 0 ? Ordering::WantsIndex : Ordering::None;
+        }
+        return plan_.order.size() == 1 || sortsLittle(attribute) ? Ordering::ByIndex : Ordering::None;
     }
 
-    /// Whether the rows go into memory with all columns used.
-    bool isArrangeable() const {
+    /// Whether rows that agree in the first column of the order are few enough to be fetched one by one and
+    /// put in order by the others: their number is that of the largest such group, since it may come first.
+    bool sortsLittle(int attribute) const {
+        const double group = virtual_.largestGroup(attribute).value_or(rows_);
+        const double wanted = constantNumber(limit_) + constantNumber(offset_);
+        const double fetching = (wanted + group) * cost::foundRow;
+        return fetching < rows_ * (cost::handedRow + cost::sortedRow) && isArrangeable(wanted + group);
+    }
+
+    /// 0 where the value is not known yet.
+    double constantNumber(int i) const {
+        const auto value = i < 0 ? std::nullopt : constantOperand(i);
+        return value && value->type() == dp::CellType::Integer ? static_cast<double>(value->integer()) : 0;
+    }
+
+    /// Whether so many rows go into memory with all columns used.
+    bool isArrangeable(double rows) const {
         std::size_t used = 0, wide = 0;
         for (std::size_t i = 0; i < declaration_.columns().size(); ++i) {
             const TableDeclaration::Column& column = declaration_.columns()[i];
@@ -338,8 +431,8 @@ private:
                 wide += !isPlain(column);
             }
         }
-        return ArrangedRows::expectedBytes(rows_, used, plan_.order.size()) +
-                   rows_ * static_cast<double>(wide) * wideValueBytes <=
+        return ArrangedRows::expectedBytes(rows, used, plan_.order.size()) +
+                   rows * static_cast<double>(wide) * wideValueBytes <=
                mostOrderedBytes;
     }
 
@@ -363,18 +456,18 @@ private:
         std::memcpy(info_.idxStr, text.c_str(), text.size() + 1);
         info_.needToFreeIdxStr = 1;
         info_.estimatedRows = static_cast<sqlite3_int64>(expected);
-        info_.estimatedCost = 1 + expected + findingCost();
+        info_.estimatedCost = 1 + expected + findingCost() / cost::handedRow; // SQLite reckons in rows
         info_.idxFlags = unique_ ? SQLITE_INDEX_SCAN_UNIQUE : 0;
     }
 
     /// What finding the rows costs besides handing them on.
     double findingCost() const {
-        const double fetching = passing_ * fetchCost;
+        const double fetching = passing_ * (cost::foundRow - cost::handedRow);
         const double scanning = scanned_ * filterCost_;
         if (fetches_) {
             return fetching;
         }
-        const double making = hasIndex_ ? 0 : rows_ * makingCost / assumedLookups;
+        const double making = hasIndex_ ? 0 : rows_ * makingCost_ / assumedLookups;
         return looksUp_ ? std::min(scanning, fetching + making) : scanning;
     }
 
@@ -393,6 +486,7 @@ private:
     bool looksUp_ = false;        ///< an attribute index answers
     bool hasIndex_ = false;       ///< and is there already
     bool fetches_ = false;        ///< the rows are known by their identifiers
+    double makingCost_ = 0;       ///< of an index, for each row
     double filterCost_ = 0;       ///< of each row that is scanned
     int arguments_ = 0;
     int conditions_ = 0; ///< constraints on columns, taken over or not

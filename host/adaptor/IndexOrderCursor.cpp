@@ -3,20 +3,22 @@
 #include <orvane/engine/EngineCache.h>
 
 #include <algorithm>
-#include <unordered_map>
 
 namespace orvane::adaptor {
 
 namespace {
 
 constexpr std::size_t largestPortion = 4096;
+constexpr std::size_t portionGrowth = 4;
 
 } // namespace
 
 IndexOrderCursor::IndexOrderCursor(std::shared_ptr<dp::Table> table, engine::EngineCache& cache,
                                    std::unique_ptr<engine::EngineIndices::RowLookup> order,
-                                   std::vector<int> attributes)
-    : table_(std::move(table)), cache_(cache), order_(std::move(order)), attributes_(std::move(attributes)) {
+                                   std::vector<int> attributes, std::vector<ArrangedRows::Key> keys,
+                                   dp::Cancellation cancellation)
+    : table_(std::move(table)), cache_(cache), order_(std::move(order)), attributes_(std::move(attributes)),
+      keys_(std::move(keys)), cancellation_(std::move(cancellation)) {
     order_->start({});
 }
 
@@ -31,30 +33,32 @@ bool IndexOrderCursor::next() {
 
 /// Reads the next portion; false when the index is at its end.
 bool IndexOrderCursor::fetch() {
-    constexpr std::uint32_t missing = ~std::uint32_t{0};
     dp::ScanRequest request;
     request.attributes = attributes_;
-    auto& ids = request.ids.emplace();
-    std::unordered_map<qint64, std::uint32_t> places;
+    auto& ids = request.ids.emplace(std::move(waiting_));
+    waiting_.clear();
     for (qint64 row = 0; ids.size() < portion_ && order_->next(row);) {
-        places.emplace(row, static_cast<std::uint32_t>(ids.size()));
         ids.push_back(cache_.intToId(row));
     }
     if (ids.empty()) {
         return false;
     }
-    portion_ = std::min(portion_ * 4, largestPortion);
-    std::vector<std::uint32_t> order(ids.size(), missing);
-    rows_.emplace(attributes_, std::vector<ArrangedRows::Key>());
-    const auto source = table_->openCursor(request);
+    const bool mayGoOn = ids.size() == portion_;
+    rows_.emplace(attributes_, keys_);
+    const auto source = table_->openCursor(request); // without those that were removed meanwhile
     while (source->next()) {
-        order[places.at(cache_.assignIdToInt(source->featureId()))] =
-            static_cast<std::uint32_t>(rows_->rowCount());
         rows_->add(*source);
     }
-    order.erase(std::remove(order.begin(), order.end(), missing), order.end()); // removed meanwhile
-    rows_->arrange(std::move(order));
-    cursor_.start(*rows_, rows_->all());
+    rows_->arrangeInOrder(cancellation_);
+    ArrangedRows::Range complete = rows_->all();
+    if (mayGoOn && keys_.size() > 1 && complete.end > 0) {
+        for (std::uint32_t place = rows_->lastGroup(); place < complete.end; ++place) {
+            waiting_.push_back(rows_->featureId(place));
+        }
+        complete.end = rows_->lastGroup();
+    }
+    portion_ = std::max(std::min(portion_ * portionGrowth, largestPortion), waiting_.size() * portionGrowth);
+    cursor_.start(*rows_, complete);
     return true;
 }
 

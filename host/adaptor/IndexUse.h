@@ -12,6 +12,7 @@ struct IndexUse {
         Used,
         Comparison,   ///< an index does not answer this comparison
         ColumnType,   ///< nor this type of column
+        Pattern,      ///< the pattern begins with nothing that an index could look up
         Collation,    ///< the texts are compared otherwise than an index orders them
         Operand,      ///< the operand is not of the column's kind
         SmallTable,   ///< a look-up would save nothing

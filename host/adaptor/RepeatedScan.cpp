@@ -1,5 +1,7 @@
 #include "host/adaptor/RepeatedScan.h"
 
+#include "host/adaptor/Costs.h"
+
 #include <algorithm>
 
 namespace orvane::adaptor {
@@ -9,12 +11,6 @@ namespace {
 using dp::Comparison;
 using Kind = TableDeclaration::Kind;
 
-/// Costs in nanoseconds, measured.
-constexpr double openingCost = 2000;
-constexpr double scanCostPerRow = 40;
-constexpr double foundCostPerRow = 500;
-constexpr double keptCostPerRow = 40;
-constexpr double keptCostPerValue = 20;
 /// Above this, keeping the rows anew for each statement costs more than an index does in the long run.
 constexpr double mostRowsBeforeIndex = 200'000;
 constexpr unsigned rowsBetweenChecks = 1024;
@@ -30,11 +26,11 @@ void RepeatedScan::restart() {
 
 void RepeatedScan::countScan(const dp::Table& table, IndexUse::Outcome index) {
     mayBeLarge_ = index != IndexUse::Outcome::ScansCheaper && index != IndexUse::Outcome::Used;
-    spent_ += openingCost + scanCostPerRow * static_cast<double>(table.featureCount().value_or(0));
+    spent_ += cost::opening + cost::textTest * static_cast<double>(table.featureCount().value_or(0));
 }
 
 void RepeatedScan::countLookup(std::size_t rows) {
-    spent_ += openingCost + foundCostPerRow * static_cast<double>(rows);
+    spent_ += cost::opening + cost::foundRow * static_cast<double>(rows);
 }
 
 /// An equality whose operand is of the column's kind, so that SQLite compares the two as they are.
@@ -80,7 +76,7 @@ bool RepeatedScan::keep(dp::Table& table, const dp::ScanRequest& request,
     const auto count = static_cast<double>(table.featureCount().value_or(0));
     const auto values = static_cast<double>(whole.attributes.size());
     if (keys.empty() || (count > mostRowsBeforeIndex && !mayBeLarge_) ||
-        spent_ < count * (keptCostPerRow + keptCostPerValue * values)) {
+        spent_ < count * (cost::keptRow + cost::keptValue * values)) {
         return false;
     }
     isGivenUp_ = true; // unless all goes well

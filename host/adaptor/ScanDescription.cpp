@@ -3,6 +3,8 @@
 #include <QCoreApplication>
 #include <QLocale>
 
+#include <algorithm>
+
 namespace orvane::adaptor {
 
 namespace {
@@ -32,7 +34,20 @@ QString sourceConditions(const ScanReport& report) {
     QStringList texts;
     for (const PlannedCondition& condition : report.planned.conditions) {
         if (condition.isForSource) {
-            texts += condition.text;
+            texts += condition.text();
+        }
+    }
+    return texts.join(QStringLiteral(", "));
+}
+
+/// The columns of the index, and the patterns that it was asked for.
+QString indexedConditions(const ScanReport& report) {
+    QStringList texts = report.indexColumns;
+    for (const PlannedCondition& condition : report.planned.conditions) {
+        const auto& attributes = report.indexAttributes;
+        if (condition.isPattern &&
+            std::find(attributes.begin(), attributes.end(), condition.attribute) != attributes.end()) {
+            texts += condition.comparison;
         }
     }
     return texts.join(QStringLiteral(", "));
@@ -44,8 +59,7 @@ QString describe(Access access, const ScanReport& report) {
     case Access::SourceFilter: return Words::tr("фильтр источника: %0").arg(sourceConditions(report));
     case Access::RowNumber: return Words::tr("поиск по номеру строки");
     case Access::AttributeIndex:
-        return Words::tr("индекс по %0 (%1)")
-            .arg(report.indexColumns.join(QStringLiteral(", ")), origin(report));
+        return Words::tr("индекс по %0 (%1)").arg(indexedConditions(report), origin(report));
     case Access::SpatialIndex: return Words::tr("R-дерево по геометрии (%0)").arg(origin(report));
     case Access::Memory: return Words::tr("строки в памяти");
     case Access::Relation: return Words::tr("просмотр всей таблицы: у геометрий разные системы координат");
@@ -92,6 +106,7 @@ QString reasonText(Outcome outcome) {
     switch (outcome) {
     case Outcome::Comparison: return Words::tr("нет индекса для %0: такое сравнение он не ускоряет");
     case Outcome::ColumnType: return Words::tr("нет индекса для %0: столбцы этого типа не индексируются");
+    case Outcome::Pattern: return Words::tr("нет индекса для %0: с начала такого образца в индексе не найти");
     case Outcome::Collation: return Words::tr("нет индекса для %0: тексты сравниваются не по Locale");
     case Outcome::Operand: return Words::tr("нет индекса для %0: значение не того типа, что столбец");
     case Outcome::SmallTable: return Words::tr("нет индекса для %0: таблица мала");
@@ -117,9 +132,9 @@ QStringList reasons(const ScanReport& report) {
     }
     for (const PlannedCondition& condition : report.planned.conditions) {
         if (condition.index == Outcome::Used) {
-            servable += condition.text;
+            servable += condition.text();
         } else {
-            lines += reasonText(condition.index).arg(condition.text);
+            lines += reasonText(condition.index).arg(condition.text());
         }
     }
     if (!servable.isEmpty() && use.outcome != Outcome::NotAsked) {

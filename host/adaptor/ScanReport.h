@@ -18,9 +18,14 @@ namespace orvane::adaptor {
 
 /// One condition of a scan as the planner saw it.
 struct PlannedCondition {
-    QString text;                                          ///< column and comparison: "population >"
+    int attribute = 0;
+    QString column;
+    QString comparison; ///< with the pattern if it is one: ">", "Like 'мос%'"
+    bool isPattern = false;
     IndexUse::Outcome index = IndexUse::Outcome::NotAsked; ///< why no attribute index can answer it
     bool isForSource = false;                              ///< the provider leaves rows out by it
+
+    QString text() const { return column + QLatin1Char(' ') + comparison; }
 };
 
 /// What the planner decided about one scan.

@@ -65,7 +65,9 @@ TableDeclaration::TableDeclaration(const dp::TableSchema& schema) {
         }
         const TypeName type = typeName(simple->type());
         sql_ += quotedIdentifier(simple->name()) + type.sql + ',';
-        columns_.push_back({position, type.kind, simple->type() == QMetaType::QString, simple->isUnique()});
+        const auto collation =
+            simple->type() == QMetaType::QString ? dp::TextCollation::Locale : dp::TextCollation::Binary;
+        columns_.push_back({position, type.kind, collation, simple->isUnique()});
     }
     const int geometry = schema.geometryIndex();
     const int style = schema.styleIndex();

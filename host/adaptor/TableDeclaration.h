@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/dp/ScanRequest.h"
 #include "platform/dp/TableSchema.h"
 
 #include <string>
@@ -18,8 +19,10 @@ public:
     struct Column {
         int attribute = -1; ///< position in the schema, -1 for a column that the table does not have
         Kind kind = Kind::Other;
-        bool isLocaleText = false; ///< compared under Locale unless a query says otherwise
+        dp::TextCollation collation = dp::TextCollation::Binary; ///< unless a query says otherwise
         bool unique = false;
+
+        bool isLocaleText() const { return kind == Kind::Text && collation == dp::TextCollation::Locale; }
     };
 
     explicit TableDeclaration(const dp::TableSchema& schema);

@@ -41,10 +41,16 @@ bool isOrdering(Comparison comparison) {
            comparison == Comparison::Less || comparison == Comparison::LessOrEqual;
 }
 
+/// Whether the comparison is true or false also for NULL.
+bool isNullTest(Comparison comparison) {
+    return comparison == Comparison::Is || comparison == Comparison::IsNot ||
+           comparison == Comparison::IsNull || comparison == Comparison::IsNotNull;
+}
+
 } // namespace
 
-bool TermFilter::isExact(bool textColumn, const dp::ScanValue& operand) {
-    return textColumn ? std::holds_alternative<std::string>(operand) : isNumber(operand);
+bool TermFilter::isExact(bool textColumn, const Cell& operand) {
+    return textColumn ? operand.type() == CellType::Text : isNumber(operand);
 }
 
 void TermFilter::assign(std::span<const ScanTerm> terms) {
@@ -57,8 +63,7 @@ void TermFilter::assign(std::span<const ScanTerm> terms) {
         if (term.comparison == Comparison::In) {
             lists_[i] = std::make_unique<InList>(arrange(term));
         } else if (!term.operands.empty() && std::holds_alternative<std::monostate>(term.operands.front()) &&
-                   (isOrdering(term.comparison) || term.comparison == Comparison::Equal ||
-                    term.comparison == Comparison::NotEqual)) {
+                   !isNullTest(term.comparison)) {
             matchesNothing_ = true;
         }
     }
@@ -111,7 +116,7 @@ bool TermFilter::accepts(const ScanTerm& term, const Cell& cell, const InList* l
     case Comparison::IsNull: return null;
     case Comparison::IsNotNull: return !null;
     case Comparison::Like:
-    case Comparison::Glob: return true;
+    case Comparison::Glob: return !null;
     case Comparison::In: return !null && inList(term, cell, *list);
     default: break;
     }

@@ -16,13 +16,13 @@ namespace orvane::adaptor {
 
 /// Checks the terms of a scan on the cells of a cursor, before SQLite sees the row. Where a cell and the
 /// operand are both numbers or both texts, the answer is the one SQLite would give, except that a long In
-/// list of texts may let too many rows pass; any other pair lets the row pass. What passes wrongly is for
-/// SQLite to judge.
+/// list of texts may let too many rows pass; any other pair lets the row pass, and so does a pattern. What
+/// passes wrongly is for SQLite to judge.
 class ORVANE_ADAPTOR_EXPORT TermFilter {
 public:
     /// Whether the filter's answer for one operand and a column of that kind of value is SQLite's own, so
     /// that SQLite need not check again.
-    static bool isExact(bool textColumn, const dp::ScanValue& operand);
+    static bool isExact(bool textColumn, const dp::Cell& operand);
 
     /// Takes the terms of the next scan. `terms` must outlive the scan.
     void assign(std::span<const dp::ScanTerm> terms);

@@ -275,30 +275,32 @@ bool VirtualCursor::openInOrder() {
     if (plan_.ordering != ScanPlan::Ordering::ByIndex && plan_.ordering != ScanPlan::Ordering::WantsIndex) {
         return false;
     }
-    const ScanPlan::Order& order = plan_.order.front();
-    const int attribute = table_.declaration().columns()[static_cast<std::size_t>(order.column)].attribute;
+    auto keys = orderKeys();
     if (plan_.ordering == ScanPlan::Ordering::WantsIndex) {
-        table_.countSort(attribute, cancellation_);
+        table_.countSort(keys.front().attribute, cancellation_);
         return false;
     }
-    scan_ = table_.openInOrder(request_.attributes, attribute, order.isDescending);
+    scan_ = table_.openInOrder(request_.attributes, std::move(keys), cancellation_);
     rows_ = scan_.get();
     isInIndexOrder_ = rows_ != nullptr;
     return isInIndexOrder_;
+}
+
+std::vector<ArrangedRows::Key> VirtualCursor::orderKeys() const {
+    const auto& columns = table_.declaration().columns();
+    std::vector<ArrangedRows::Key> keys;
+    for (const ScanPlan::Order& each : plan_.order) {
+        const TableDeclaration::Column& column = columns[static_cast<std::size_t>(each.column)];
+        keys.push_back({column.attribute, column.collation, each.isDescending});
+    }
+    return keys;
 }
 
 int VirtualCursor::arrange() {
     if (report_) {
         report_->isArranged = true;
     }
-    const auto& columns = table_.declaration().columns();
-    std::vector<ArrangedRows::Key> keys;
-    for (const ScanPlan::Order& each : plan_.order) {
-        const TableDeclaration::Column& column = columns[static_cast<std::size_t>(each.column)];
-        const auto collation = column.isLocaleText ? dp::TextCollation::Locale : dp::TextCollation::Binary;
-        keys.push_back({column.attribute, collation, each.isDescending});
-    }
-    ArrangedRows ordered(request_.attributes, std::move(keys));
+    ArrangedRows ordered(request_.attributes, orderKeys());
     for (int code = next(); rows_ || code != SQLITE_OK; code = next()) {
         if (code != SQLITE_OK) {
             return code;

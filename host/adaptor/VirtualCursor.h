@@ -47,6 +47,7 @@ private:
     void openRows(std::span<sqlite3_value*> arguments);
     void openTerms();
     bool openInOrder();
+    std::vector<ArrangedRows::Key> orderKeys() const;
     /// Reads all rows and puts them into the plan's order.
     int arrange();
     void startOrdered();

@@ -33,15 +33,35 @@ std::optional<double> VirtualTable::averageGroup(int attribute) const {
     return store ? indexing_.averageGroup(attribute, *store) : std::nullopt;
 }
 
+std::optional<double> VirtualTable::countRows(int attribute, dp::Comparison comparison,
+                                              const dp::Cell& operand, std::size_t most) const {
+    const engine::EngineIndices* store = makesIndices() ? indexStore_(table_) : nullptr;
+    return store ? indexing_.countRows(attribute, comparison, operand, *store, most) : std::nullopt;
+}
+
+bool VirtualTable::narrows(dp::Comparison comparison, std::string_view pattern) const {
+    const engine::EngineIndices* store = makesIndices() ? indexStore_(table_) : nullptr;
+    return store && store->narrows(static_cast<quint8>(comparison), pattern);
+}
+
 bool VirtualTable::hasOrder(int attribute) const {
     return makesIndices() && indexing_.hasOrder(table(), attribute);
 }
 
-std::unique_ptr<dp::Cursor> VirtualTable::openInOrder(const std::vector<int>& attributes, int orderAttribute,
-                                                      bool isDescending) {
+std::optional<double> VirtualTable::largestGroup(int attribute) const {
     const engine::EngineIndices* store = makesIndices() ? indexStore_(table_) : nullptr;
-    auto order = store ? indexing_.inOrder(table(), *store, orderAttribute, isDescending) : nullptr;
-    return order ? std::make_unique<IndexOrderCursor>(table_, cache_, std::move(order), attributes) : nullptr;
+    return store ? indexing_.largestGroup(attribute, *store) : std::nullopt;
+}
+
+std::unique_ptr<dp::Cursor> VirtualTable::openInOrder(const std::vector<int>& attributes,
+                                                      std::vector<ArrangedRows::Key> keys,
+                                                      const dp::Cancellation& cancellation) {
+    const engine::EngineIndices* store = makesIndices() ? indexStore_(table_) : nullptr;
+    auto order = store ? indexing_.inOrder(table(), *store, keys.front().attribute, keys.front().isDescending)
+                       : nullptr;
+    return order ? std::make_unique<IndexOrderCursor>(table_, cache_, std::move(order), attributes,
+                                                      std::move(keys), cancellation)
+                 : nullptr;
 }
 
 void VirtualTable::countSort(int attribute, const dp::Cancellation& cancellation) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/adaptor/ArrangedRows.h"
 #include "host/adaptor/AttributeIndexing.h"
 #include "host/adaptor/ScanPlan.h"
 #include "host/adaptor/ScanReport.h"
@@ -17,6 +18,7 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <string_view>
 
 namespace orvane {
 class Engine;
@@ -62,8 +64,11 @@ public:
                                                           const dp::Cancellation& cancellation);
     /// As the functions of AttributeIndexing; no order and nothing counted where no index is to be made.
     bool hasOrder(int attribute) const;
-    std::unique_ptr<dp::Cursor> openInOrder(const std::vector<int>& attributes, int orderAttribute,
-                                            bool isDescending);
+    std::optional<double> largestGroup(int attribute) const;
+    /// The rows in the order of the keys; null when no index has that of the first.
+    std::unique_ptr<dp::Cursor> openInOrder(const std::vector<int>& attributes,
+                                            std::vector<ArrangedRows::Key> keys,
+                                            const dp::Cancellation& cancellation);
     void countSort(int attribute, const dp::Cancellation& cancellation);
     /// Whether attribute indices are made of the table when they pay.
     bool makesIndices() const { return indexStore_ != nullptr; }
@@ -71,6 +76,11 @@ public:
     IndexUse lastIndexUse() const;
     /// Rows that an equality on the attribute finds on average; nothing when it is not known.
     std::optional<double> averageGroup(int attribute) const;
+    /// Rows that a range or pattern on the attribute finds, up to `most`; nothing without an index on it.
+    std::optional<double> countRows(int attribute, dp::Comparison comparison, const dp::Cell& operand,
+                                    std::size_t most) const;
+    /// Whether an index can look texts up by how the pattern begins; false where none is to be made.
+    bool narrows(dp::Comparison comparison, std::string_view pattern) const;
     void forgetIndices() { indexing_.forget(); }
 
     /// Decides which constraints a scan takes over (xBestIndex).

@@ -77,8 +77,8 @@ TEST_F(CatalogueTest, OnlyTheColumnsOfTheStatementAreRead) {
     EXPECT_EQ(table->lastRequest.terms[0].comparison, dp::Comparison::Greater);
     ask("Select 1 From towns Limit 2 Offset 1");
     EXPECT_EQ(table->lastRequest.limit, 3);
-    ask("Select 1 From towns Where name Like 'x%' Limit 2"); // Like is not taken over, so every row may be
-                                                             // needed
+    ask("Select 1 From towns Where name Like 'x%' Limit 2"); // the pattern is for SQLite to match, so every
+                                                             // row may be needed
     EXPECT_EQ(table->lastRequest.limit, -1);
 }
 

@@ -11,7 +11,7 @@ std::string ConditionGenerator::text() {
                   "'Еж'",   "'ель'",  "'Straße'", "'STRASSE'",    "'é'",
                   "'e'",    "'1'",    "'12'",     "'1.5'",        "' 12'",
                   "'x_y'",  "'100%'", "'🚲'",      "'2021-03-04'", "'2021-03-04 05:06:07.000'",
-                  "'b''c'", "'я'"});
+                  "'b''c'", "'я'",    "'йод'"});
 }
 
 std::string ConditionGenerator::literal() {
@@ -43,9 +43,11 @@ std::string ConditionGenerator::literal() {
 }
 
 std::string ConditionGenerator::pattern() {
-    return oneOf({"'%'",     "''",     "'ё%'",    "'Ё%'",   "'%а'",       "'_'", "'_л%'", "'a'",
-                  "'x\\_y'", "'x!_y'", "'100!%'", "'1%'",   "'%12%'",     "'*'", "'?л*'", "'[a-я]*'",
-                  "'[^a]*'", "'E*'",   "'é'",     "'str%'", "'2021-03%'", "'🚲'"});
+    return oneOf({"'%'",       "''",       "'ё%'",    "'Ё%'",   "'%а'",       "'_'",    "'_л%'", "'a'",
+                  "'x\\_y'",   "'x!_y'",   "'100!%'", "'1%'",   "'%12%'",     "'*'",    "'?л*'", "'[a-я]*'",
+                  "'[^a]*'",   "'E*'",     "'é'",     "'str%'", "'2021-03%'", "'🚲'",    "'Ёл%'", "'ЁЛ*'",
+                  "'STRASS%'", "'straß%'", "'и%'",    "'Й%'",   "'i%'",       "'İst*'", "'ı%'",  "'s%'",
+                  "'ſT*'",     "'🚲 %'",    "'е%'",    "'я%'",   "'x_%'",      "'1*'",   "Null"});
 }
 
 std::string ConditionGenerator::column(const std::string& alias) {
@@ -120,6 +122,9 @@ std::string ConditionGenerator::condition(const std::string& alias, int depth) {
 
 std::string ConditionGenerator::joinCondition(const std::string& left, const std::string& right) {
     const std::string operation = oneOf({" = ", " = ", " = ", " = ", " < ", " Is ", " >= ", " <> "});
+    if (chance(10)) {
+        return chance(50) ? right + ".s Like " + left + ".s & '%'" : left + ".s Glob " + right + ".s & '*'";
+    }
     if (chance(70)) { // columns of one name
         const std::string name = column("");
         return left + name + operation + right + name;

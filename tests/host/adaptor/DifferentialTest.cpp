@@ -11,6 +11,7 @@
 #include "platform/cs/CoordSystem.h"
 #include "platform/geometry/GeometryFactory.h"
 #include "platform/geometry/Shapes.h"
+#include <orvane/engine/EngineIndices.h>
 
 #include <QDateTime>
 #include <QSqlDriver>
@@ -51,9 +52,11 @@ std::vector<Row> makeRows(int count) {
     const qint64 integers[] = {0, 1, -1, 2, 3, 12, 13, 1000};
     const qint64 large[] = {0, 12, 9007199254740992, 9007199254740993, INT64_MAX, INT64_MIN, -1};
     const double reals[] = {0.0, -0.0, 1.5, 2.0, 0.1, 1e300, -1e-9, 1000.0, 9007199254740992.0};
-    const char* const texts[] = {"",       "a",       "A",   "Ёлка", "ЁЛКА", "ёлка", "Еж", "ель",
-                                 "Straße", "strasse", "é",   "e",    "E",    "1",    "12", "1.5",
-                                 " 12",    "x_y",     "xay", "100%", "🚲",    "b'c",  "я",  "Я"};
+    const char* const texts[] = {"",         "a",        "A",       "Ёлка", "ЁЛКА",      "ёлка", "Еж",
+                                 "ель",      "Straße",   "strasse", "é",    "e",         "E",    "1",
+                                 "12",       "1.5",      " 12",     "x_y",  "xay",       "100%", "🚲",
+                                 "b'c",      "я",        "Я",       "йод",  "и\u0306од", "Иод",  "İstanbul",
+                                 "ISTANBUL", "ıstanbul", "ſtar",    "STAR", "🚲 bike",    "Елена"};
     const char* const mixed[] = {"2021-03-04", "2021-03-04 05:06:07.000", "12", "b", "B", "\xC2\xA0"};
     const char* const dates[] = {"2021-03-04", "2020-02-29", "1999-12-31"};
     std::mt19937 random(42);
@@ -77,10 +80,14 @@ std::vector<Row> makeRows(int count) {
 
 class DifferentialTest : public AdaptorTest {
 protected:
-    static constexpr int rowCount = 400;
+    static constexpr int rowCount = 1100; ///< enough for attribute indices
 
     void SetUp() override {
         AdaptorTest::SetUp();
+        // The Bloom filters of SQLite 3.40 tell texts apart by their length, also where the collation takes
+        // them as equal, so that a plain table would lose rows ("ſtar" and "STAR").
+        constexpr int bloomFilters = 0x80000;
+        sqlite3_test_control(SQLITE_TESTCTRL_OPTIMIZATIONS, database(), bloomFilters);
         open("memory", attributes(), makeRows(rowCount));
         files_ = std::make_unique<files::FilesExtension>(nullptr);
         Application::instance().core.pluginManager()->registerExtension(files_.get());
@@ -100,11 +107,13 @@ protected:
         files_.reset();
     }
 
+    static sqlite3* database() {
+        return *static_cast<sqlite3* const*>(engine().engineDatabase().driver()->handle().constData());
+    }
+
     void openCopy(const QString& path) {
-        auto* database =
-            *static_cast<sqlite3* const*>(engine().engineDatabase().driver()->handle().constData());
         sqlite3_stmt* statement = nullptr;
-        sqlite3_prepare_v2(database,
+        sqlite3_prepare_v2(database(),
                            engine().translate(std::string("Select * From memory")).toUtf8().constData(), -1,
                            &statement, nullptr);
         QStringList names;
@@ -168,7 +177,11 @@ protected:
         const auto found = rowsOf(text, "");
         ASSERT_EQ(expected.front().find("error"), std::string::npos) << expected.front() << '\n' << query;
         EXPECT_EQ(found.size(), expected.size()) << "seed " << seed << ": " << query;
-        EXPECT_TRUE(found == expected) << "seed " << seed << ": " << query;
+        const auto [differing, wanted] =
+            std::mismatch(found.begin(), found.end(), expected.begin(), expected.end());
+        EXPECT_TRUE(found == expected) << "seed " << seed << ": " << query << "\n"
+                                       << (differing == found.end() ? "nothing" : *differing)
+                                       << " instead of " << (wanted == expected.end() ? "nothing" : *wanted);
     }
 
     QTemporaryDir directory_;
@@ -176,16 +189,20 @@ protected:
     std::unique_ptr<files::FilesExtension> files_;
 };
 
+/// Among them so many patterns on one column that it gets an index.
 TEST_F(DifferentialTest, ConditionsFindTheRowsThatAPlainTableFinds) {
-    for (unsigned seed = 0; seed < 4500 && !HasFailure(); ++seed) {
+    for (unsigned seed = 0; seed < 1500 && !HasFailure(); ++seed) {
         ConditionGenerator generator(seed);
         const std::string table = tables_.at(static_cast<int>(seed % 3)).toStdString();
         expectSame("Select a.id From %0" + table + " a Where " + generator.condition("a", 2), seed);
     }
+    const auto memory = std::dynamic_pointer_cast<dp::Table>(catalog().dataObject(QStringLiteral("memory")));
+    constexpr quint32 texts = 4;
+    EXPECT_GE(engine().indices(memory)->findIndex({{texts, engine::EngineIndices::Like}}), 1);
 }
 
 TEST_F(DifferentialTest, JoinsFindTheRowsThatPlainTablesFind) {
-    for (unsigned seed = 0; seed < 700 && !HasFailure(); ++seed) {
+    for (unsigned seed = 0; seed < 250 && !HasFailure(); ++seed) {
         ConditionGenerator generator(seed);
         const std::string left = tables_.at(generator.below(3)).toStdString();
         const std::string right = tables_.at(generator.below(3)).toStdString();
@@ -234,6 +251,20 @@ TEST_F(DifferentialTest, OrderGroupsAndLimitsAreThoseOfAPlainTable) {
                            std::to_string(generator.below(10)),
                        seed);
         }
+    }
+}
+
+/// Time and again, until the first column has an index.
+TEST_F(DifferentialTest, TheFirstRowsInOrderOfSeveralColumnsAreThoseOfAPlainTable) {
+    for (unsigned seed = 0; seed < 600 && !HasFailure(); ++seed) {
+        ConditionGenerator generator(seed);
+        const auto direction = [&generator] { return generator.below(2) ? " Desc, " : ", "; };
+        const char* const first[] = {"a.s", "a.i", "a.d"};
+        expectSame("Select a.id From %0" + tables_.at(static_cast<int>(seed % 3)).toStdString() +
+                       " a Order By " + first[seed / 3 % 3] + direction() + generator.column("a") +
+                       direction() + "a.id Limit " + std::to_string(generator.below(200)) + " Offset " +
+                       std::to_string(generator.below(50)),
+                   seed);
     }
 }
 

@@ -62,9 +62,16 @@ TEST_F(ExplanationTest, TellsHowEachTableWasAnsweredAndWhyNotBetter) {
          "  нет индекса для number: просмотры пока дешевле \\(0.\\d+ мс\\), чем его сделать \\(3.80 мс\\)"},
         {"Select * From items Where word = 'имя7' Collate Binary",
          "items: .*\n  .*\n  нет индекса для word =: тексты сравниваются не по Locale"},
-        {"Select * From items Where word Like 'имя1_' And bytes > 1",
+        {"Select * From items Where word <> 'имя1' And bytes > 1",
          "items: .*\n  .*\n  нет индекса для bytes >: столбцы этого типа не индексируются\n"
-         "  нет индекса для word Like: такое сравнение он не ускоряет"},
+         "  нет индекса для word <>: такое сравнение он не ускоряет"},
+        {"Select * From items Where word Like '%мя''1' And number Like '1%'",
+         "items: .*\n  .*\n  нет индекса для number Like '1%': такое сравнение он не ускоряет\n"
+         "  нет индекса для word Like '%мя''1': с начала такого образца в индексе не найти"},
+        {"Select * From items Where word Like NULL", "items: условие не выполнимо\n  строк 0, .*"},
+        {"Select * From few f, items i Where i.word Glob '*' || f.word",
+         "few f: .*\n  .*\nitems i: .*\n  .*\n"
+         "  нет индекса для word Glob: с начала такого образца в индексе не найти"},
         {"Select * From items Where number > 'слово'",
          "items: .*\n  .*\n  нет индекса для number >: значение не того типа, что столбец"},
         {"Select * From few Where number In (1, 2)",
@@ -105,6 +112,17 @@ TEST_F(ExplanationTest, TellsAnIndexThatWasMadeFromOneThatWasThere) {
     EXPECT_TRUE(
         explain("Select * From items Where number > 5")
             .contains(QStringLiteral("индекс по number не годится: он нашёл бы слишком много строк")));
+}
+
+TEST_F(ExplanationTest, TellsPatternsThatAnIndexAnswers) {
+    const char* sql = "Select Count(*) From items Where word Like 'ИМЯ39%'";
+    QString text;
+    for (int round = 0; round < 50 && !text.contains(QStringLiteral("(был)")); ++round) {
+        text = explain(sql);
+    }
+    EXPECT_EQ(text, QStringLiteral("items: индекс по word, Like 'ИМЯ39%' (был)\n  строк 111, ожидалось 111"));
+    EXPECT_TRUE(explain("Select Count(*) From few a, items b Where b.word Like a.word || '%'")
+                    .contains(QStringLiteral("items b: индекс по word, Like (был), раз: 3\n  строк 2223, ")));
 }
 
 TEST_F(ExplanationTest, RecordsOnlyTheStatementThatWasAskedFor) {

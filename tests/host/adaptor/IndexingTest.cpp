@@ -4,6 +4,7 @@
 #include "platform/geometry/GeometryFactory.h"
 #include "platform/geometry/Shapes.h"
 
+#include <QDate>
 #include <QSqlQuery>
 
 #include <random>
@@ -17,7 +18,7 @@ using testing::MemoryTable;
 
 class IndexingTest : public testing::AdaptorTest {
 protected:
-    /// 4,000 rows: a number with gaps and NULL, a text in two letter cases with NULL, a real.
+    /// 4,000 rows: a number with gaps and NULL, a text in two letter cases with NULL, a real, a date.
     static std::shared_ptr<MemoryTable> openItems(const char* name = "items") {
         static const char* const words[] = {"Alpha", "ALPHA", "beta", "Вода", "ВОДА", "gamma", "Ёж", "delta"};
         std::vector<MemoryTable::Row> rows;
@@ -26,11 +27,11 @@ protected:
                             i % 89 == 0
                                 ? QVariant()
                                 : QVariant(QString::fromUtf8(words[i % 8]) + QString::number(i % 500)),
-                            i * 0.25});
+                            i * 0.25, QDate(2021, 1, 1).addDays(i % 365)});
         }
         return open(name,
                     {attribute("number", QMetaType::LongLong), attribute("word", QMetaType::QString),
-                     attribute("size", QMetaType::Double)},
+                     attribute("size", QMetaType::Double), attribute("day", QMetaType::QDate)},
                     std::move(rows));
     }
 
@@ -72,7 +73,9 @@ TEST_F(IndexingTest, RepeatedTermsAreAnsweredByAnIndexWithTheSameRows) {
          {"number = 1500", "number In (3, 700, 700, 1999, -1)", "word = 'alpha8' Collate Locale",
           "word In ('ВОДА3', 'вода4', 'none')", "number = 43 And word = 'DELTA87'", "number > 1990",
           "number Between 100 And 105", "size = 10.0 And number Is Not Null",
-          "word >= 'Ёж2' And word < 'Ёж22'"}) {
+          "word >= 'Ёж2' And word < 'Ёж22'", "word Like 'вода3%'", "word Like 'БЕТА_' Or word Like 'Beta1%2'",
+          "word Glob 'ёж*' And number < 500", "day Between '2021-02-01' And '2021-02-03'",
+          "day = '2021-03-07' Or day In ('2021-04-01', 'never')"}) {
         askUntilIndexed(*table,
                         std::string("Select Count(*), Sum(number), Max(word) From items Where ") + where);
     }
@@ -103,7 +106,11 @@ TEST_F(IndexingTest, FirstRowsInOrderComeFromAnIndex) {
     for (const char* query : {"Select word From items Order By word Limit 60",
                               "Select word From items Order By word Desc Limit 9 Offset 4",
                               "Select number From items Order By number Limit 500",
-                              "Select size, size * 2 From items Order By size Desc Limit 5"}) {
+                              "Select size, size * 2 From items Order By size Desc Limit 5",
+                              "Select number From items Order By number Limit 9000",
+                              "Select day From items Order By day Desc Limit 3",
+                              "Select number, size From items Order By number Desc, size Desc Limit 30",
+                              "Select word, size From items Order By word, number Desc, size Limit 300"}) {
         askUntilIndexed(*table, query);
     }
     EXPECT_EQ(ask("Select Max(number) From items"), "1999");
