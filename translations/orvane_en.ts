@@ -318,6 +318,14 @@
         <source>Не удалось открыть «%1»</source>
         <translation>Cannot open &quot;%1&quot;</translation>
     </message>
+    <message>
+        <source>файл пуст</source>
+        <translation>the file is empty</translation>
+    </message>
+    <message>
+        <source>в нём нет таблиц в известном формате</source>
+        <translation>it has no tables in a known format</translation>
+    </message>
 </context>
 <context>
     <name>orvane::files::FeatureReader</name>
@@ -346,6 +354,10 @@
 </context>
 <context>
     <name>orvane::files::LayerEditor</name>
+    <message>
+        <source>Архив «%1» можно только читать</source>
+        <translation>The archive &quot;%1&quot; can only be read</translation>
+    </message>
     <message>
         <source>Правка слоя «%1» уже начата</source>
         <translation>An edit of the layer &quot;%1&quot; has begun already</translation>

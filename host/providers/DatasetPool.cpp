@@ -1,6 +1,11 @@
 #include "host/providers/DatasetPool.h"
 
+#include "host/providers/FileStamp.h"
 #include "host/providers/GdalErrors.h"
+
+#include <QFileInfo>
+
+#include <stdexcept>
 
 namespace orvane::files {
 
@@ -16,6 +21,12 @@ std::vector<const char*> nullTerminated(const QList<QByteArray>& texts) {
         pointers.push_back(text.constData());
     pointers.push_back(nullptr);
     return pointers;
+}
+
+/// GDAL's reason, without the path that stands before it.
+QString withoutPath(const QString& reason, const QString& path) {
+    const QString start = path + QStringLiteral(": ");
+    return reason.startsWith(start) ? reason.mid(start.size()) : reason;
 }
 
 } // namespace
@@ -66,8 +77,23 @@ DatasetHandle DatasetPool::open(unsigned flags) const {
                                      source_.drivers.isEmpty() ? nullptr : drivers.data(), options.data(),
                                      nullptr));
     if (!dataset)
-        errors.raise(tr("Не удалось открыть «%1»").arg(QString::fromUtf8(source_.path)));
+        raiseUnopened(errors.error());
     return dataset;
+}
+
+void DatasetPool::raiseUnopened(const QString& reported) const {
+    QString path = QString::fromUtf8(source_.path);
+    QString reason = withoutPath(reported, path);
+    if (path.startsWith(QLatin1String(archivePrefix)))
+        path.remove(0, static_cast<int>(sizeof archivePrefix) - 1);
+    const QFileInfo file(path);
+    if (file.isFile() && file.size() == 0)
+        reason = tr("файл пуст");
+    else if (reported.contains(QLatin1String("not recognized as a supported"))) // GDAL's words
+        reason = tr("в нём нет таблиц в известном формате");
+    const QString message = tr("Не удалось открыть «%1»").arg(path);
+    throw std::runtime_error(
+        (reason.isEmpty() ? message : message + QStringLiteral(": ") + reason).toStdString());
 }
 
 void DatasetPool::release(DatasetHandle dataset, unsigned generation) {

@@ -60,6 +60,7 @@ public:
 
 private:
     DatasetHandle open(unsigned flags) const;
+    [[noreturn]] void raiseUnopened(const QString& reported) const;
     void release(DatasetHandle dataset, unsigned generation);
 
     const Source source_;

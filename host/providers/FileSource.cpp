@@ -2,6 +2,7 @@
 
 #include "host/providers/CsvRules.h"
 #include "host/providers/DatasetPool.h"
+#include "host/providers/FileStamp.h"
 #include "host/providers/GdalErrors.h"
 #include "host/providers/LayerSchema.h"
 #include "platform/cs/CoordSystem.h"
@@ -82,13 +83,19 @@ OpenedFile openTextTable(const QString& path, const QString& encoding, const QLi
     return file;
 }
 
+/// What GDAL opens: an archive is read without being unpacked.
+QString pathForGdal(const QString& path) {
+    const QFileInfo file(path);
+    const bool isArchive =
+        file.isFile() && file.suffix().compare(QLatin1String("zip"), Qt::CaseInsensitive) == 0;
+    return isArchive ? QLatin1String(archivePrefix) + file.absoluteFilePath() : path;
+}
+
 OpenedFile openOther(const QString& path, const QString& encoding, QList<QByteArray> options) {
     if (!encoding.isEmpty())
         options.append("ENCODING=" + encoding.toUtf8());
-    return {
-        std::make_shared<DatasetPool>(DatasetPool::Source{path.toUtf8(), {}, std::move(options), nullptr}),
-        {},
-        nullptr};
+    DatasetPool::Source source{pathForGdal(path).toUtf8(), {}, std::move(options), nullptr};
+    return {std::make_shared<DatasetPool>(std::move(source)), {}, nullptr};
 }
 
 [[noreturn]] void raiseNoSuchLayer(const SourceName& source, const QStringList& layers) {

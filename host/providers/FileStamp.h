@@ -9,6 +9,9 @@
 
 namespace orvane::files {
 
+/// Before the path of an archive that GDAL reads without unpacking it.
+constexpr char archivePrefix[] = "/vsizip/";
+
 /// Tells whether a file was written since the last look, by size and time of writing, the write-ahead log of
 /// an SQLite file and the parts of a Shapefile included.
 class FileStamp {

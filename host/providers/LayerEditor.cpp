@@ -1,6 +1,7 @@
 #include "host/providers/LayerEditor.h"
 
 #include "host/providers/FeatureWriter.h"
+#include "host/providers/FileStamp.h"
 #include "host/providers/GdalErrors.h"
 #include "host/providers/LayerScan.h"
 #include "platform/dp/Table.h"
@@ -175,6 +176,10 @@ void LayerEditor::open() {
     if (pool_->source().copy)
         throw dp::EditError(tr("Файл «%1» не в UTF-8, его можно только читать")
                                 .arg(QString::fromUtf8(pool_->source().path))
+                                .toStdString());
+    if (pool_->source().path.startsWith(archivePrefix))
+        throw dp::EditError(tr("Архив «%1» можно только читать")
+                                .arg(QString::fromUtf8(pool_->source().path).mid(sizeof archivePrefix - 1))
                                 .toStdString());
     try {
         dataset_ = pool_->openForUpdate();

@@ -229,7 +229,7 @@ std::optional<Options> parseOptions(int argc, const char* const* argv) {
     if (selection->count() != 0)
         options.selection = parseSelection(raw.selection);
     options.format = oneOf(formats, raw.format, "--format");
-    if (output->count() != 0)
+    if (output->count() != 0 && raw.output != "-") // standard output, as everywhere
         options.outputPath = raw.output;
     options.overwrite = raw.overwrite;
     options.outputIsData = options.outputPath && format->count() == 0 && !raw.translate &&

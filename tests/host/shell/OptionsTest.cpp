@@ -50,6 +50,7 @@ TEST(Options, takeTheRestAsGiven) {
     EXPECT_EQ(options->memo, engine::EngineCache::MemoOnRequest);
     EXPECT_EQ(options->logLevel, LogLevel::Trace);
     EXPECT_EQ(options->outputPath, "out");
+    EXPECT_FALSE(parse({"-o", "-"})->outputPath);
 }
 
 TEST(Options, refuseWhatTheyCannotRead) {
