@@ -33,6 +33,17 @@ Answer runProgram(const QStringList& arguments, const QByteArray& input) {
     return RunningProgram(arguments, input).finish();
 }
 
+QString exampleFile(const char* name) {
+    return QStringLiteral(ORVANE_EXAMPLE_DATA "/") + QString::fromUtf8(name);
+}
+
+Answer ask(const char* options, const char* statement) {
+    return runProgram(
+        QStringList{exampleFile("countries.gpkg"), exampleFile("cities.shp"), exampleFile("indicators.csv")} +
+        QString::fromUtf8(options).split(QLatin1Char(' '), Qt::SkipEmptyParts) +
+        QStringList{QStringLiteral("-c"), QString::fromUtf8(statement)});
+}
+
 int slowdown() {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     return 20;

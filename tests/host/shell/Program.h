@@ -29,6 +29,12 @@ private:
 
 Answer runProgram(const QStringList& arguments, const QByteArray& input = {});
 
+/// One of the example files.
+QString exampleFile(const char* name);
+
+/// The program over the three example files, with options, words between blanks, and a statement.
+Answer ask(const char* options, const char* statement);
+
 /// How much slower than usual things may be: more than 1 under a sanitizer.
 int slowdown();
 

@@ -18,21 +18,6 @@ using testing::HasSubstr;
 using testing::MatchesRegex;
 using testing::StartsWith;
 
-QString data(const char* name) {
-    return QStringLiteral(ORVANE_EXAMPLE_DATA "/") + QString::fromUtf8(name);
-}
-
-/// The program over the three example files.
-Answer ask(const QStringList& arguments) {
-    return runProgram(QStringList{data("countries.gpkg"), data("cities.shp"), data("indicators.csv")} +
-                      arguments);
-}
-
-Answer query(const char* text, const char* format = "csv") {
-    return ask(
-        {QStringLiteral("-F"), QString::fromUtf8(format), QStringLiteral("-c"), QString::fromUtf8(text)});
-}
-
 void writeFile(const QString& path, const QByteArray& content) {
     QFile file(path);
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
@@ -42,12 +27,6 @@ void writeFile(const QString& path, const QByteArray& content) {
 QByteArray readFile(const QString& path) {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(no file)");
-}
-
-TEST(Program, answersOverThreeFormats) {
-    EXPECT_EQ(query("Select Count(*) As n From countries").output, "n\n177\n");
-    EXPECT_EQ(query("Select Count(*) As n From cities").output, "n\n4442\n");
-    EXPECT_EQ(query("Select Count(*) As n From indicators").output, "n\n177\n");
 }
 
 struct AnswerCase {
@@ -64,7 +43,7 @@ void PrintTo(const AnswerCase& answerCase, std::ostream* stream) {
 class Answers : public testing::TestWithParam<AnswerCase> {};
 
 TEST_P(Answers, areWritten) {
-    const Answer answer = query(GetParam().query, GetParam().format);
+    const Answer answer = ask((std::string("-F ") + GetParam().format).c_str(), GetParam().query);
     EXPECT_EQ(answer.output, GetParam().expected);
     EXPECT_EQ(answer.errors, "");
     EXPECT_EQ(answer.status, 0);
@@ -108,124 +87,31 @@ INSTANTIATE_TEST_SUITE_P(
                    "Select name, population From cities Where population < 0",
                    "name | population\n-----+-----------\n"}));
 
-struct FaultCase {
-    const char* query;
-    const char* message; ///< the English text on standard error, whole
-};
-
-void PrintTo(const FaultCase& faultCase, std::ostream* stream) {
-    *stream << faultCase.query;
-}
-
-class Faults : public testing::TestWithParam<FaultCase> {};
-
-TEST_P(Faults, areToldWithTheirPlace) {
-    const Answer answer = query(GetParam().query);
-    EXPECT_EQ(answer.errors, std::string("orvane: ") + GetParam().message);
-    EXPECT_EQ(answer.output, "");
-    EXPECT_EQ(answer.status, 1);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Program, Faults,
-    testing::Values(
-        FaultCase{"Select name From citees",
-                  "line 1, column 18: there is no table \"citees\"; did you mean \"cities\"?\n"
-                  "  Select name From citees\n"
-                  "                   ^^^^^^\n"},
-        FaultCase{"Select name,\n  poplation From cities Where name = 'poplation'",
-                  "line 2, column 3: there is no column \"poplation\"; did you mean \"population\"?\n"
-                  "    poplation From cities Where name = 'poplation'\n"
-                  "    ^^^^^^^^^\n"},
-        FaultCase{
-            "Select c.name, k.nam From cities c, countries k",
-            "line 1, column 16: the table \"countries\" has no column \"nam\"; did you mean \"name_long\"?\n"
-            "  Select c.name, k.nam From cities c, countries k\n"
-            "                 ^^^^^\n"},
-        FaultCase{"Select c.name, t.x From cities c",
-                  "line 1, column 16: there is no table \"t\" to take the column \"x\" from\n"
-                  "  Select c.name, t.x From cities c\n"
-                  "                 ^^^\n"},
-        FaultCase{"Select Uper(name) From cities",
-                  "line 1, column 8: there is no function \"Uper\"; did you mean \"upper\"?\n"
-                  "  Select Uper(name) From cities\n"
-                  "         ^^^^\n"},
-        FaultCase{
-            "Select 1 From cities Where name = \"Berlin\"",
-            "line 1, column 35: there is no column \"Berlin\"; texts are written in apostrophes: 'Berlin'\n"
-            "  Select 1 From cities Where name = \"Berlin\"\n"
-            "                                    ^^^^^^^^\n"},
-        FaultCase{"Insert Into cities (nmae) Values ('x')",
-                  "line 1, column 21: the table \"cities\" has no column \"nmae\"; did you mean \"name\"?\n"
-                  "  Insert Into cities (nmae) Values ('x')\n"
-                  "                      ^^^^\n"},
-        FaultCase{"Select a.name, b.name From cities a, cities b Where a.populaton > b.population",
-                  "line 1, column 53: the table \"cities\" has no column \"populaton\"; did you mean "
-                  "\"population\"?\n"
-                  "  Select a.name, b.name From cities a, cities b Where a.populaton > b.population\n"
-                  "                                                      ^^^^^^^^^^^\n"},
-        FaultCase{"Select iso_a2 From countries, indicators",
-                  "line 1, column 8: several tables have a column \"iso_a2\": put the table before it\n"
-                  "  Select iso_a2 From countries, indicators\n"
-                  "         ^^^^^^\n"},
-        FaultCase{"Select 1 From cities Where Sum(population) > 1",
-                  "line 1, column 28: the function Sum cannot be used here: it is calculated over many rows\n"
-                  "  Select 1 From cities Where Sum(population) > 1\n"
-                  "                             ^^^\n"}));
-
-TEST(Program, tellsSyntaxErrorsWithTheirPlace) {
-    const Answer answer = query("Select name Form cities");
-    EXPECT_THAT(answer.errors, StartsWith("orvane: line 1, column 13: "));
-    EXPECT_THAT(answer.errors, HasSubstr("From"));
-    EXPECT_THAT(answer.errors, HasSubstr("\n  Select name Form cities\n              ^^^^\n"));
-    EXPECT_EQ(answer.output, "");
-    EXPECT_EQ(answer.status, 1);
-}
-
-TEST(Program, tellsWhichArgumentsAFunctionTakes) {
-    const Answer answer = query("Select 1 + Mid('abc') From cities");
-    EXPECT_THAT(answer.errors, StartsWith("orvane: line 1, column 12: "));
-    EXPECT_THAT(answer.errors, HasSubstr("Mid("));
-    EXPECT_EQ(answer.status, 1);
-}
-
 TEST(Program, printsNothingOfAStatementThatFailsLate) {
-    const Answer answer = query("Select 10 \\ (geonameid - 2950159) From cities");
+    const Answer answer = ask("-F csv", "Select 10 \\ (geonameid - 2950159) From cities");
     EXPECT_THAT(answer.errors, HasSubstr("division by zero"));
     EXPECT_EQ(answer.output, "");
     EXPECT_EQ(answer.status, 1);
 }
 
-TEST(Program, speaksTheUsersLanguage) {
-    const Answer answer = ask({QStringLiteral("--locale"), QStringLiteral("ru_RU"), QStringLiteral("-c"),
-                               QStringLiteral("Select x From citees")});
-    EXPECT_THAT(answer.errors,
-                StartsWith("orvane: строка 1, столбец 15: нет таблицы «citees»; возможно, имелось в виду "
-                           "«cities»\n"));
-}
-
 TEST(Program, answersWrongUseWithStatus2) {
     QTemporaryDir directory;
     writeFile(directory.filePath(QStringLiteral("broken.gpkg")), "no database");
-    const QStringList cases[] = {
-        {QStringLiteral("--nothing")},
-        {data("no-such-file.gpkg"), QStringLiteral("-c"), QStringLiteral("1")},
-        {directory.filePath(QStringLiteral("broken.gpkg")), QStringLiteral("-c"), QStringLiteral("1")},
-        {QStringLiteral("-t"), QStringLiteral("a=") + data("countries.gpkg") + QStringLiteral("|nothing"),
-         QStringLiteral("-c"), QStringLiteral("1")},
-        {data("cities.shp"), QStringLiteral("-t"), QStringLiteral("Cities=") + data("cities.shp"),
-         QStringLiteral("-c"), QStringLiteral("1")},
-        {data("cities.shp"), QStringLiteral("--select"), QStringLiteral("citis=1"), QStringLiteral("-c"),
-         QStringLiteral("1")},
-        {QStringLiteral("-f"), directory.filePath(QStringLiteral("no.sql"))},
-        {QStringLiteral("-o"), directory.filePath(QStringLiteral("no/out.csv")), QStringLiteral("-c"),
-         QStringLiteral("1")}};
-    for (const QStringList& arguments : cases) {
-        const Answer answer = runProgram(arguments);
-        const std::string line = arguments.join(QLatin1Char(' ')).toStdString();
-        EXPECT_EQ(answer.status, 2) << line << '\n' << answer.errors;
-        EXPECT_EQ(answer.output, "") << line;
-        EXPECT_THAT(answer.errors, MatchesRegex("orvane: [^\n]+\n")) << line;
+    const QString cities = exampleFile("cities.shp");
+    const QString countries = exampleFile("countries.gpkg");
+    const QString cases[] = {QStringLiteral("--nothing"),
+                             countries + QStringLiteral("-absent"),
+                             directory.filePath(QStringLiteral("broken.gpkg")),
+                             QStringLiteral("-t a=%1|nothing").arg(countries),
+                             QStringLiteral("%1 -t Cities=%1").arg(cities),
+                             QStringLiteral("%1 --select citis=1").arg(cities),
+                             QStringLiteral("-f ") + directory.filePath(QStringLiteral("no.sql")),
+                             QStringLiteral("-o ") + directory.filePath(QStringLiteral("no/out.csv"))};
+    for (const QString& words : cases) {
+        const Answer answer = runProgram(words.split(QLatin1Char(' ')) + QStringList{QStringLiteral("-c1")});
+        EXPECT_EQ(answer.status, 2) << words.toStdString() << '\n' << answer.errors;
+        EXPECT_EQ(answer.output, "") << words.toStdString();
+        EXPECT_THAT(answer.errors, MatchesRegex("orvane: [^\n]+\n")) << words.toStdString();
     }
 }
 
@@ -236,16 +122,17 @@ TEST(Program, runsScriptsUpToTheFirstFailure) {
         script,
         "\xEF\xBB\xBF-- first; a comment\nSelect 1 As a;\n\n/* ; */ Select 'x;y' As b; Select 2 As\nc;\n"
         "  Select nothing From cities;\nSelect 3 As d;\n");
-    const Answer answer = ask({QStringLiteral("-F"), QStringLiteral("csv"), QStringLiteral("-f"), script});
+    const Answer answer = runProgram({exampleFile("cities.shp"), QStringLiteral("-F"), QStringLiteral("csv"),
+                                      QStringLiteral("-f"), script});
     EXPECT_EQ(answer.output, "a\n1\nb\nx;y\nc\n2\n");
     EXPECT_THAT(answer.errors, StartsWith("orvane: " + script.toStdString() + ": line 6, column 10: "));
     EXPECT_EQ(answer.status, 1);
 }
 
 TEST(Program, runsPipedInput) {
-    const Answer answer = runProgram(
-        {data("countries.gpkg"), QStringLiteral("-F"), QStringLiteral("csv"), QStringLiteral("--no-header")},
-        "Select Count(*) From countries; Select 'конец'");
+    const Answer answer = runProgram({exampleFile("countries.gpkg"), QStringLiteral("-F"),
+                                      QStringLiteral("csv"), QStringLiteral("--no-header")},
+                                     "Select Count(*) From countries; Select 'конец'");
     EXPECT_EQ(answer.output, "177\nконец\n");
     EXPECT_EQ(answer.status, 0);
 }
@@ -253,41 +140,31 @@ TEST(Program, runsPipedInput) {
 TEST(Program, writesAFileOnlyWhenAllSucceeds) {
     QTemporaryDir directory;
     const QString path = directory.filePath(QStringLiteral("ответ.csv"));
-    const QStringList common{QStringLiteral("-F"), QStringLiteral("csv"), QStringLiteral("-o"), path};
-    const Answer written = ask(common + QStringList{QStringLiteral("-c"), QStringLiteral("Select 1 As a"),
-                                                    QStringLiteral("-c"), QStringLiteral("Select 2 As b")});
-    EXPECT_EQ(written.output, "");
+    const QByteArray options = "-F csv -o " + path.toUtf8();
+    EXPECT_EQ(ask(options.constData(), "Select 1 As a; Select 2 As b").output, "");
     EXPECT_EQ(readFile(path), "a\n1\nb\n2\n");
-    const Answer failed =
-        ask(common + QStringList{QStringLiteral("-c"), QStringLiteral("Select 3 As a"), QStringLiteral("-c"),
-                                 QStringLiteral("Select nothing From cities")});
-    EXPECT_EQ(failed.status, 1);
+    EXPECT_EQ(ask(options.constData(), "Select 3 As a; Select nothing From cities").status, 1);
     EXPECT_EQ(readFile(path), "a\n1\nb\n2\n");
     EXPECT_EQ(QDir(directory.path()).entryList(QDir::Files).size(), 1);
 }
 
 TEST(Program, queriesTheSelection) {
-    const QString text = QStringLiteral("Select Count(*) As n, Min(geonameid) As id From Selection");
-    const Answer selected = ask({QStringLiteral("-F"), QStringLiteral("csv"), QStringLiteral("--select"),
-                                 QStringLiteral("cities=0,1,2"), QStringLiteral("-c"), text});
+    const char* const text = "Select Count(*) As n, Min(geonameid) As id From Selection";
+    const Answer selected = ask("-F csv --select cities=0,1,2", text);
     EXPECT_THAT(selected.output, MatchesRegex("n,id\n3,[0-9]+\n")) << selected.errors;
-    const Answer empty = ask({QStringLiteral("-c"), text});
+    const Answer empty = ask("", text);
     EXPECT_EQ(empty.status, 1);
     EXPECT_THAT(empty.errors, StartsWith("orvane: line 1, column 49: "));
 }
 
 TEST(Program, opensOneLayerUnderAnotherName) {
-    const Answer answer =
-        runProgram({QStringLiteral("-F"), QStringLiteral("csv"), QStringLiteral("-t"),
-                    QStringLiteral("страны мира=") + data("countries.gpkg") + QStringLiteral("|countries"),
-                    QStringLiteral("-c"), QStringLiteral("Select Count(*) As n From \"страны мира\"")});
+    const QByteArray options = "-F csv -t страны=" + exampleFile("countries.gpkg").toUtf8() + "|countries";
+    const Answer answer = ask(options.constData(), "Select Count(*) As n From \"страны\"");
     EXPECT_EQ(answer.output, "n\n177\n") << answer.errors;
 }
 
 TEST(Program, timesEachStatementOnStandardError) {
-    const Answer answer =
-        ask({QStringLiteral("--timing"), QStringLiteral("-F"), QStringLiteral("csv"), QStringLiteral("-c"),
-             QStringLiteral("Select name_long From countries; Select 1 Where 0")});
+    const Answer answer = ask("--timing -F csv", "Select name_long From countries; Select 1 Where 0");
     const std::string times =
         "translate_ms=[0-9]+\\.[0-9]+ prepare_ms=[0-9]+\\.[0-9]+ first_row_ms=[0-9]+\\.[0-9]+ "
         "total_ms=[0-9]+\\.[0-9]+ rows=";
@@ -295,11 +172,9 @@ TEST(Program, timesEachStatementOnStandardError) {
 }
 
 TEST(Program, explainsInTheUsersLanguageHowEachStatementWasAnswered) {
-    const QStringList question{QStringLiteral("--explain"), QStringLiteral("-F"), QStringLiteral("csv"),
-                               QStringLiteral("-c"),
-                               QStringLiteral("Select Count(*) As n From countries k, cities c Where c.obj "
-                                              "Within k.obj And k.iso_a2 = 'DE'; Select 1 As one")};
-    const Answer english = ask(question);
+    const char* const text = "Select Count(*) As n From countries k, cities c Where c.obj Within k.obj And "
+                             "k.iso_a2 = 'DE'; Select 1 As one";
+    const Answer english = ask("--explain -F csv", text);
     EXPECT_EQ(english.output, "n\n99\none\n1\n");
     EXPECT_THAT(english.errors, MatchesRegex("countries k: scan of the whole table\n"
                                              "  1 rows, [0-9]+ expected, 177 read\n"
@@ -307,12 +182,12 @@ TEST(Program, explainsInTheUsersLanguageHowEachStatementWasAnswered) {
                                              "cities c: R-tree of the geometry \\(made now in [0-9.]+ ms\\)\n"
                                              "  99 rows, [0-9]+ expected\n"
                                              "one row without a table\n"));
-    const Answer russian = ask(question + QStringList{QStringLiteral("--locale"), QStringLiteral("ru_RU")});
+    const Answer russian = ask("--explain --locale ru_RU", text);
     EXPECT_THAT(russian.errors, HasSubstr("\ncities c: R-дерево по геометрии (сделан сейчас за "));
 }
 
 TEST(Program, endsWithinATenthOfASecondOfCtrlC) {
-    RunningProgram program({data("cities.shp"), QStringLiteral("-c"),
+    RunningProgram program({exampleFile("cities.shp"), QStringLiteral("-c"),
                             QStringLiteral("Select Count(*) From cities a, cities b, cities c Where "
                                            "a.population + b.population + c.population = -1")});
     program.waitFor(700);
