@@ -1,11 +1,10 @@
 // Statements that fail are told in the user's words, at the place in the user's text, in both languages.
 
 #include "host/shell/Program.h"
+#include "support/TextBlocks.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <QFile>
 
 #include <algorithm>
 
@@ -28,22 +27,6 @@ struct ErrorCase {
     }
 };
 
-std::vector<ErrorCase> errorCases() {
-    QFile file(QStringLiteral(ORVANE_TEST_DATA "/shell/errors.txt"));
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-    std::vector<ErrorCase> cases;
-    for (const QString& block :
-         QString::fromUtf8(file.readAll()).split(QStringLiteral("\n\n"), Qt::SkipEmptyParts)) {
-        QStringList lines = block.trimmed().split(QLatin1Char('\n'));
-        if (lines.front().startsWith(QLatin1Char('#')))
-            continue;
-        const QString message = lines.takeLast();
-        const QString mark = lines.takeLast();
-        cases.push_back({lines, mark, message});
-    }
-    return cases;
-}
-
 bool hasCyrillic(const std::string& text) {
     const QString characters = QString::fromStdString(text);
     return std::any_of(characters.begin(), characters.end(),
@@ -51,9 +34,10 @@ bool hasCyrillic(const std::string& text) {
 }
 
 TEST(Errors, AreToldInWordsAndPlacesOfTheUser) {
-    const auto cases = errorCases();
-    EXPECT_GE(cases.size(), 40u);
-    for (const ErrorCase& error : cases) {
+    for (QStringList lines : tests::readBlocks("shell/errors.txt")) {
+        const QString message = lines.takeLast();
+        const QString mark = lines.takeLast();
+        const ErrorCase error{lines, mark, message};
         const QByteArray statement = error.statement.join(QLatin1Char('\n')).toUtf8();
         const Answer english = ask("", statement.constData());
         EXPECT_EQ(english.errors, error.expected("orvane: line %1, column %2: %3\n  %4\n  %5\n"));

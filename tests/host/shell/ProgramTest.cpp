@@ -1,6 +1,7 @@
 // Runs the built program as a user does.
 
 #include "host/shell/Program.h"
+#include "support/TextBlocks.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -29,63 +30,15 @@ QByteArray readFile(const QString& path) {
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(no file)");
 }
 
-struct AnswerCase {
-    const char* name;
-    const char* format;
-    const char* query;
-    const char* expected;
-};
-
-void PrintTo(const AnswerCase& answerCase, std::ostream* stream) {
-    *stream << answerCase.name;
+TEST(Program, answersInTheFormThatIsAsked) {
+    for (const tests::QuestionBlock& block : tests::readQuestions("shell/answers.txt")) {
+        const std::string options = "-F " + block.words.front().toStdString();
+        const Answer answer = ask(options.c_str(), block.question.c_str());
+        EXPECT_EQ(answer.output, block.answer) << block.title;
+        EXPECT_EQ(answer.errors, "") << block.title;
+        EXPECT_EQ(answer.status, 0) << block.title;
+    }
 }
-
-class Answers : public testing::TestWithParam<AnswerCase> {};
-
-TEST_P(Answers, areWritten) {
-    const Answer answer = ask((std::string("-F ") + GetParam().format).c_str(), GetParam().query);
-    EXPECT_EQ(answer.output, GetParam().expected);
-    EXPECT_EQ(answer.errors, "");
-    EXPECT_EQ(answer.status, 0);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Program, Answers,
-    testing::Values(
-        AnswerCase{"geometry as WKT", "csv", "Select obj, name From cities Where geonameid = 2950159",
-                   "obj,name\n\"POINT(13.41053 52.52437)\",Berlin\n"},
-        AnswerCase{"geometry as GeoJSON", "json", "Select obj From cities Where geonameid = 2950159",
-                   "[\n{\"obj\":{\"type\":\"Point\",\"coordinates\":[13.41053,52.52437]}}\n]\n"},
-        AnswerCase{
-            "features", "geojson", "Select name, obj, population From cities Where geonameid = 2950159",
-            "{\"type\":\"FeatureCollection\",\"features\":[\n"
-            "{\"type\":\"Feature\",\"geometry\":{\"type\":\"Point\",\"coordinates\":[13.41053,52.52437]},"
-            "\"properties\":{\"name\":\"Berlin\",\"population\":3426354}}\n]}\n"},
-        AnswerCase{
-            "features in another system come out in WGS 84", "geojson",
-            "Select RoundBy(CentroidX(g), 3) As x, g From (Select TransformToSLGeo(obj, 'epsg:3857') As g "
-            "From "
-            "cities "
-            "Where geonameid = 2950159) t",
-            "{\"type\":\"FeatureCollection\",\"features\":[\n"
-            "{\"type\":\"Feature\",\"geometry\":{\"type\":\"Point\",\"coordinates\":[13.41053,52.52437]},"
-            "\"properties\":{\"x\":1492853.371}}\n]}\n"},
-        AnswerCase{"a lone expression", "csv", "'Жуков' & ' 🗺 ' & (6 * 7)",
-                   "'Жуков' & ' 🗺 ' & (6 * 7)\nЖуков 🗺 42\n"},
-        AnswerCase{"columns under the user's words", "csv",
-                   "Select Round(Area(obj, 'sq km'), 1)   > 300000 , pop As \"люди\", Count(*) Over () From "
-                   "countries "
-                   "Where name_long = 'Germany'",
-                   "\"Round(Area(obj, 'sq km'), 1) > 300000\",люди,Count(*) Over ()\n1,80982500,1\n"},
-        AnswerCase{"columns under the user's words behind With", "csv",
-                   "With n(i) As (Select 1 Union Select 2) Select i ^ 2, Max(i) From n Group By i",
-                   "i ^ 2,Max(i)\n1,1\n4,2\n"},
-        AnswerCase{"a natural join matches neither geometry nor hidden columns", "csv",
-                   "Select Count(*) As n From cities Natural Join countries Where population > 10000000",
-                   "n\n2655\n"},
-        AnswerCase{"a statement without rows", "table",
-                   "Select name, population From cities Where population < 0",
-                   "name | population\n-----+-----------\n"}));
 
 TEST(Program, printsNothingOfAStatementThatFailsLate) {
     const Answer answer = ask("-F csv", "Select 10 \\ (geonameid - 2950159) From cities");

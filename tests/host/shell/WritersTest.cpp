@@ -1,12 +1,14 @@
 #include "host/shell/DisplayWidth.h"
 #include "host/shell/NumberText.h"
 #include "host/shell/ResultWriter.h"
+#include "support/TextBlocks.h"
 
 #include <gtest/gtest.h>
 
 #include <charconv>
 #include <cmath>
 #include <cstring>
+#include <map>
 #include <memory>
 #include <random>
 
@@ -52,101 +54,35 @@ std::string written(const WriterSettings& settings, const char* query) {
     return output.text();
 }
 
-struct WriterCase {
-    const char* name;
-    WriterSettings settings;
-    const char* query;
-    const char* expected;
-};
-
-void PrintTo(const WriterCase& writerCase, std::ostream* stream) {
-    *stream << writerCase.name;
+/// From the words before the colon of a block.
+WriterSettings settingsOf(const QStringList& words) {
+    static const std::map<QString, Format> formats{{QStringLiteral("csv"), Format::Csv},
+                                                   {QStringLiteral("json"), Format::Json},
+                                                   {QStringLiteral("geojson"), Format::GeoJson},
+                                                   {QStringLiteral("table"), Format::Table}};
+    WriterSettings settings{formats.at(words.front()), true, std::nullopt, 0};
+    for (const QString& word : words.mid(1)) {
+        const QString value = word.section(QLatin1Char('='), 1);
+        if (word == QLatin1String("noheader"))
+            settings.header = false;
+        else if (word.startsWith(QLatin1String("null=")))
+            settings.nullText = value.toStdString();
+        else
+            settings.terminalWidth = value.toInt();
+    }
+    return settings;
 }
 
-class Writers : public testing::TestWithParam<WriterCase> {};
-
-TEST_P(Writers, write) {
-    EXPECT_EQ(written(GetParam().settings, GetParam().query), GetParam().expected);
+TEST(Writers, WriteEveryForm) {
+    for (const tests::QuestionBlock& block : tests::readQuestions("shell/results.txt"))
+        EXPECT_EQ(written(settingsOf(block.words), block.question.c_str()), block.answer) << block.title;
 }
-
-WriterSettings format(Format format) {
-    return {format, true, std::nullopt, 0};
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Csv, Writers,
-    testing::Values(
-        WriterCase{"quotes where it must", format(Format::Csv),
-                   "Select 'a,b' As \"x,y\", 'say \"no\"' As q, 'two\nlines' As l, 'plain' As p",
-                   "\"x,y\",q,l,p\n\"a,b\",\"say \"\"no\"\"\",\"two\nlines\",plain\n"},
-        WriterCase{"keeps NULL and the empty text apart", format(Format::Csv),
-                   "Select Null As n, '' As e, 0 As z", "n,e,z\n,\"\",0\n"},
-        WriterCase{"quotes a text that looks like NULL",
-                   {Format::Csv, true, "-", 0},
-                   "Select Null As n, '-' As t",
-                   "n,t\n-,\"-\"\n"},
-        WriterCase{"leaves the header out", {Format::Csv, false, std::nullopt, 0}, "Select 1", "1\n"},
-        WriterCase{"has a header without rows", format(Format::Csv), "Select 1 As a Where 0", "a\n"},
-        WriterCase{"writes every type", format(Format::Csv),
-                   "Select 9223372036854775807 As i, -9223372036854775808 As j, 0.1 As r, X'00FFab' As b, "
-                   "'Жуков 🗺' As t",
-                   "i,j,r,b,t\n9223372036854775807,-9223372036854775808,0.1,X'00FFAB',Жуков 🗺\n"}));
-
-INSTANTIATE_TEST_SUITE_P(
-    Json, Writers,
-    testing::Values(
-        WriterCase{"writes every type", format(Format::Json),
-                   "Select 9223372036854775807 As i, 2.5e-7 As r, 1e999 As inf, X'0aFF' As b, Null As n, "
-                   "'Ж🗺' As t",
-                   "[\n{\"i\":9223372036854775807,\"r\":2.5e-07,\"inf\":1e999,\"b\":\"0AFF\",\"n\":null,"
-                   "\"t\":\"Ж🗺\"}\n]\n"},
-        WriterCase{"escapes", format(Format::Json), "Select 'a\"b\\c' || char(10, 13, 9, 1) As \"k\"\"\"",
-                   "[\n{\"k\\\"\":\"a\\\"b\\\\c\\n\\r\\t\\u0001\"}\n]\n"},
-        WriterCase{"replaces bytes that are no UTF-8", format(Format::Json),
-                   "Select Cast(X'61FF62C3' As Text) As t", "[\n{\"t\":\"a\uFFFDb\uFFFD\"}\n]\n"},
-        WriterCase{"gives every column a key", format(Format::Json),
-                   "Select 1 As a, 2 As a, 3 As a_2, 4 As a",
-                   "[\n{\"a\":1,\"a_3\":2,\"a_2\":3,\"a_4\":4}\n]\n"},
-        WriterCase{"separates rows", format(Format::Json), "Select 1 As a Union All Select 2",
-                   "[\n{\"a\":1},\n{\"a\":2}\n]\n"},
-        WriterCase{"is an array without rows", format(Format::Json), "Select 1 As a Where 0", "[]\n"},
-        WriterCase{"is a collection without geometry", format(Format::GeoJson), "Select 1 As a",
-                   "{\"type\":\"FeatureCollection\",\"features\":[\n{\"type\":\"Feature\",\"geometry\":null,"
-                   "\"properties\":{\"a\":1}}\n]}\n"},
-        WriterCase{"is a collection without rows", format(Format::GeoJson), "Select 1 As a Where 0",
-                   "{\"type\":\"FeatureCollection\",\"features\":[]}\n"}));
-
-INSTANTIATE_TEST_SUITE_P(
-    Table, Writers,
-    testing::Values(
-        WriterCase{"puts numbers to the right", format(Format::Table),
-                   "Select 'a' As name, 5 As number Union All Select 'longer', 12345678",
-                   "name   |   number\n-------+---------\na      |        5\nlonger | 12345678\n"},
-        WriterCase{"shows NULL", format(Format::Table),
-                   "Select Null As a, 7 As number Union All Select 'x', Null",
-                   "a    | number\n-----+-------\nNULL |      7\nx    |   NULL\n"},
-        WriterCase{
-            "shows NULL as the user wants", {Format::Table, true, "?", 0}, "Select Null As a", "a\n-\n?\n"},
-        WriterCase{"counts wide characters", format(Format::Table),
-                   "Select '東京' As city, 'Japan' As c Union All Select 'Рим', 'Italy' Union All Select "
-                   "'👨‍👩‍👧', '-'",
-                   "city | c\n-----+------\n東京 | Japan\nРим  | Italy\n👨‍👩‍👧   | -\n"},
-        WriterCase{"keeps a row on its line", format(Format::Table),
-                   "Select 'a' || char(10, 9, 127) || 'b' As t, 1 As n", "t     | n\n------+--\na␊␉␡b | 1\n"},
-        WriterCase{"cuts to the terminal",
-                   {Format::Table, true, std::nullopt, 24},
-                   "Select 'abcdefghijklmnopqrstuvwxyz' As letters, 12 As number",
-                   "letters         | number\n----------------+-------\nabcdefghijklmn… |     12\n"},
-        WriterCase{"has no rule without header",
-                   {Format::Table, false, std::nullopt, 0},
-                   "Select 'a' As long_name, 5 As number",
-                   "a | 5\n"}));
 
 TEST(TableWriter, laterRowsThatAreWiderOnlyShiftTheirOwnLine) {
-    const std::string table =
-        written(format(Format::Table), "With Recursive n(i) As (Select 1 Union All Select i + 1 From n "
-                                       "Where i < 1002) Select Case i When 1001 Then 'wide wide' "
-                                       "Else 'ab' End As t, i From n");
+    const std::string table = written(settingsOf({QStringLiteral("table")}),
+                                      "With Recursive n(i) As (Select 1 Union All Select i + 1 From n "
+                                      "Where i < 1002) Select Case i When 1001 Then 'wide wide' "
+                                      "Else 'ab' End As t, i From n");
     EXPECT_NE(table.find("\nab | 1000\nwide wide | 1001\nab | 1002\n"), std::string::npos);
 }
 
