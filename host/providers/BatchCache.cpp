@@ -42,7 +42,9 @@ bool CachedScan::hasSameRows(const CachedScan& other) const {
 }
 
 BatchCache& BatchCache::instance() {
-    static BatchCache cache;
+    // Never destroyed: a table that the database still knows at the end of the process goes after everything
+    // else.
+    static auto& cache = *new BatchCache;
     return cache;
 }
 

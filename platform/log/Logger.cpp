@@ -20,7 +20,8 @@ struct SinkHolder {
 };
 
 SinkHolder& sinkHolder() {
-    static SinkHolder holder;
+    // Never destroyed: what ends last at the end of the process may still have something to say.
+    static auto& holder = *new SinkHolder;
     return holder;
 }
 
