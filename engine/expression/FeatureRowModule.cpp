@@ -98,9 +98,9 @@ void setText(sqlite3_context* context, const QString& text, Column::Affinity aff
     const bool isForNumbers =
         affinity == Column::Integer || affinity == Column::Numeric || affinity == Column::Real;
     if (!isForNumbers || !setNumberInText(context, text, affinity)) {
-        const QByteArray utf8 = text.toUtf8();
-        sqlite3_result_text64(context, utf8.constData(), static_cast<sqlite3_uint64>(utf8.size()),
-                              SQLITE_TRANSIENT, SQLITE_UTF8);
+        sqlite3_result_text64(context, reinterpret_cast<const char*>(text.utf16()),
+                              static_cast<sqlite3_uint64>(text.size()) * sizeof(char16_t), SQLITE_STATIC,
+                              SQLITE_UTF16);
     }
 }
 

@@ -18,6 +18,7 @@
 
 #include <fcntl.h>
 #include <langinfo.h>
+#include <sqlite3.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -193,6 +194,8 @@ ExitStatus run(int argc, char** argv, Interrupt& interrupt) {
 int main(int argc, char** argv) {
     using namespace orvane::shell;
     Interrupt interrupt;
+    // Counting the memory in use would take a lock for every text of every row.
+    sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
     QCoreApplication application(argc, argv);
     // Qt has taken the locale of the environment; numbers are written and read the same everywhere, and texts
     // are UTF-8.
