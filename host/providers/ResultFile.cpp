@@ -28,8 +28,8 @@ const std::vector<ResultFormat>& resultFormats() {
         {"gpkg", "GPKG", {}, {}},
         {"geojson", "GeoJSON", {}, {"RFC7946=YES"}},
         {"csv", "CSV", {}, {"GEOMETRY=AS_WKT"}},
-        // dBASE: names of 10 bytes; a field takes as many bytes as a length below 255 tells.
-        {"shp", "ESRI Shapefile", {}, {"ENCODING=UTF-8"}, true, 10, 254},
+        // dBASE: names of 10 bytes; texts of a length below 255; numbers as GDAL writes the longest.
+        {"shp", "ESRI Shapefile", {}, {"ENCODING=UTF-8"}, true, 10, 254, 24},
         {"fgb", "FlatGeobuf", {}, {}},
     };
     return formats;

@@ -11,8 +11,11 @@
 
 #include <QCoreApplication>
 
+#include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
+#include <optional>
 #include <stdexcept>
 
 namespace orvane::files {
@@ -120,6 +123,22 @@ OGRwkbGeometryType layerType(const ResultColumn& column, bool hasCurves) {
             chosen = kind;
     }
     return OGR_GT_SetModifier(static_cast<OGRwkbGeometryType>(chosen), column.hasZ, column.hasM);
+}
+
+/// Characters of a real number in a field of fixed width, and how many of them are decimals.
+struct RealForm {
+    int width;
+    int decimals;
+};
+
+/// The form with the most decimals that holds every number of a column; none where a number is too large.
+std::optional<RealForm> realForm(const ResultColumn& column, int width) {
+    constexpr int mostDecimals = 15; // of a double
+    const int room = column.hasNegatives ? width - 1 : width;
+    if (!(column.largest < std::pow(10.0, room)))
+        return std::nullopt;
+    const int digits = column.largest < 1 ? 1 : static_cast<int>(std::log10(column.largest)) + 1;
+    return RealForm{width, std::clamp(room - digits - 1, 0, mostDecimals)};
 }
 
 /// A column of the result on its way into a field of the layer.
@@ -284,12 +303,17 @@ void LayerWriter::createFields() {
 void LayerWriter::createField(std::size_t column, dp::AttributeDefinitionPointer attribute) {
     const auto& simple = static_cast<const dp::SimpleAttributeDefinition&>(*attribute);
     const bool becomesText = rows_.columns()[column].geometryKinds != 0 && !keepsBlobs_;
-    const FieldKind kind =
-        supportedKind(driver_, fieldKind(becomesText ? QMetaType::QString : attribute->type()));
+    FieldKind kind = supportedKind(driver_, fieldKind(becomesText ? QMetaType::QString : attribute->type()));
+    RealForm form{simple.length(), simple.precision()};
+    if (kind.type == OFTReal && format_.realWidth != 0 && form.width == 0) {
+        const auto fitting = realForm(rows_.columns()[column], format_.realWidth);
+        kind = fitting ? kind : FieldKind{OFTString, OFSTNone};
+        form = fitting.value_or(form);
+    }
     const FieldHandle field(OGR_Fld_Create(attribute->name().toUtf8().constData(), kind.type));
     OGR_Fld_SetSubType(field.get(), kind.subType);
-    OGR_Fld_SetWidth(field.get(), simple.length());
-    OGR_Fld_SetPrecision(field.get(), simple.precision());
+    OGR_Fld_SetWidth(field.get(), form.width);
+    OGR_Fld_SetPrecision(field.get(), form.decimals);
     if (OGR_L_CreateField(layer_, field.get(), TRUE) != OGRERR_NONE)
         errors_.raise(Texts::tr("поле «%1» не создаётся").arg(attribute->name()));
     const int position = OGR_FD_GetFieldCount(OGR_L_GetLayerDefn(layer_)) - 1;

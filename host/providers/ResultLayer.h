@@ -15,6 +15,7 @@ struct ResultFormat {
     bool needsGeometry = false;
     int mostNameBytes = 0; ///< of a field, 0 for any number; as the next
     int mostTextBytes = 0; ///< of a value
+    int realWidth = 0;     ///< characters of every real number, 0 where they are not written as text
 };
 
 /// The layer that writeLayer() has written.

@@ -118,6 +118,8 @@ void addLayerOfEveryType(GDALDataset& dataset, const char* layerName, const Form
             setOrdinary(feature);
         if (row == 2)
             setExtreme(feature);
+        if (row == 2 && isShape) // its fields have 15 decimals, which leaves room for a sign and 7 digits
+            feature.SetField("real", 1234567.5);
         if (row != 3)
             feature.SetGeometry(&point);
         add(*layer, feature);

@@ -353,6 +353,18 @@ TEST_F(ResultFiles, WhatAKilledProgramLeftGoesWithTheNextResult) {
     }
 }
 
+TEST_F(ResultFiles, AShapefileTakesNumbersOfEverySize) {
+    runWell(
+        {},
+        "Select MakePoint(1, 2) As g, 1e300 As huge, -123456789012.25 As big, 0.125 As small, 1364270000.5 "
+        "As people, 9223372036854775807 As whole Into '%0/r.shp' "
+        "Union All Select MakePoint(3, 4), -1, 0.5, -0.0009765625, 0, -7");
+    const auto lines = describeLayer(path("r.shp"));
+    ASSERT_EQ(lines.size(), 7u);
+    EXPECT_THAT(lines[5], testing::StartsWith("t:1e+300|r:-123456789012.25|r:0.125|r:1364270000.5|"));
+    EXPECT_THAT(lines[6], testing::StartsWith("t:-1|r:0.5|r:-0.0009765625|r:0|"));
+}
+
 TEST_F(ResultFiles, WhatAShapefileCutsIsTold) {
     const Answer answer = run(
         {}, "Select MakePoint(1, 2) As g, 'a' & Replace(Space(130), ' ', 'ж') As \"длинное имя\", 'ok' As "
