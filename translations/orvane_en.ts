@@ -626,10 +626,6 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
         <translation>form of the result</translation>
     </message>
     <message>
-        <source>записать ответ в файл; он появится, когда выполнены все запросы</source>
-        <translation>write the result to a file, which appears when all statements are done</translation>
-    </message>
-    <message>
         <source>без строки заголовков</source>
         <translation>without the line of column names</translation>
     </message>
@@ -970,8 +966,8 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
         <translation>a data file takes one result only</translation>
     </message>
     <message>
-        <source>записать ответ в файл; он появится, когда выполнены все запросы. Без --format окончания %0 дают файл данных с типами и системой координат</source>
-        <translation>write the result to a file, which appears when all statements are done. Without --format the endings %0 give a data file with types and coordinate system</translation>
+        <source>записать ответ в файл, который появится, когда выполнены все запросы; «-» значит стандартный вывод. Без --format окончания %0 дают файл данных с типами и системой координат</source>
+        <translation>write the result to a file, which appears when all statements are done; &quot;-&quot; is standard output. Without --format the endings %0 give a data file with types and coordinate system</translation>
     </message>
     <message>
         <source>заменять файлы данных, которые уже есть, в --output и Into</source>

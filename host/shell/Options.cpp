@@ -179,8 +179,9 @@ std::optional<Options> parseOptions(int argc, const char* const* argv) {
     const auto* format = value("-F,--format", raw.format, Shell::tr("вид ответа"), "table|csv|json|geojson");
     const auto* output =
         value("-o,--output", raw.output,
-              Shell::tr("записать ответ в файл; он появится, когда выполнены все запросы. Без --format "
-                        "окончания %0 дают файл данных с типами и системой координат")
+              Shell::tr("записать ответ в файл, который появится, когда выполнены все запросы; «-» значит "
+                        "стандартный вывод. Без --format окончания %0 дают файл данных с типами и "
+                        "системой координат")
                   .arg(files::ResultFile::endings().join(QStringLiteral(", "))),
               "FILE");
     app.add_flag("--overwrite", raw.overwrite,
