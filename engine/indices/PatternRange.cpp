@@ -61,7 +61,8 @@ PatternRanges::PatternRanges(const QCollator& collator) : order_(collator) {
     constexpr std::pair<char32_t, char32_t> ranked[] = {{0x20, 0x7e}, {0x400, 0x47f}};
     for (const auto& [first, last] : ranked) {
         for (char32_t character = first; character <= last; ++character) {
-            std::string text = toUtf8(character), key;
+            std::string text = toUtf8(character);
+            std::string key;
             if (order_.plainKey(text, key)) {
                 plain.emplace(std::move(key), std::move(text));
             }
@@ -153,7 +154,7 @@ PatternRange PatternRanges::find(std::string_view pattern, quint8 operation) {
     }
     const std::string prefix = literalPrefix(pattern, operation);
     std::vector<char32_t> letters;
-    for (auto at = reinterpret_cast<const unsigned char*>(prefix.c_str()); *at != 0;) {
+    for (const auto* at = reinterpret_cast<const unsigned char*>(prefix.c_str()); *at != 0;) {
         const char32_t character = utf8::readCharacter(at);
         if (!letter(character).place) {
             break;

@@ -114,7 +114,9 @@ bool AttributeIndexing::isServed(const dp::ScanTerm& term, const EngineIndices& 
 /// The equalities, or else the patterns or ranges of one attribute: patterns first, which cost SQLite most.
 AttributeIndexing::Terms AttributeIndexing::chooseTerms(std::span<const dp::ScanTerm> terms,
                                                         const EngineIndices& store) const {
-    Terms equalities, patterns, ranges;
+    Terms equalities;
+    Terms patterns;
+    Terms ranges;
     std::size_t combinations = 1;
     for (const dp::ScanTerm& term : terms) {
         if (!isServed(term, store)) {

@@ -423,7 +423,8 @@ private:
 
     /// Whether so many rows go into memory with all columns used.
     bool isArrangeable(double rows) const {
-        std::size_t used = 0, wide = 0;
+        std::size_t used = 0;
+        std::size_t wide = 0;
         for (std::size_t i = 0; i < declaration_.columns().size(); ++i) {
             const TableDeclaration::Column& column = declaration_.columns()[i];
             if (column.attribute >= 0 && plan_.usesColumn(static_cast<int>(i))) {

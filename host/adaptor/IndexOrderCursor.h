@@ -26,7 +26,7 @@ public:
     /// read.
     IndexOrderCursor(std::shared_ptr<dp::Table> table, engine::EngineCache& cache,
                      std::unique_ptr<engine::EngineIndices::RowLookup> order, std::vector<int> attributes,
-                     std::vector<ArrangedRows::Key> keys, dp::Cancellation cancellation);
+                     std::vector<ArrangedRows::Key> keys, const dp::Cancellation& cancellation);
 
     /// Throws dp::Cancelled.
     bool next() override;
