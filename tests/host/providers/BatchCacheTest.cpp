@@ -24,8 +24,7 @@ protected:
         return openFile(path).front();
     }
     static qint64 sum(dp::Table& table, int attribute) {
-        dp::ScanRequest request;
-        request.attributes = {attribute};
+        auto request = requestOf({attribute});
         const auto cursor = table.openCursor(request);
         qint64 total = 0;
         while (cursor->next())
@@ -59,8 +58,7 @@ TEST_F(Cache, anUnfinishedScanHoldsNoBytes) {
     const auto table = tableOf("part.gpkg", 50000);
     const auto before = cache().bytes();
     {
-        dp::ScanRequest request;
-        request.attributes = {1, 2, 3};
+        auto request = requestOf({1, 2, 3});
         const auto cursor = table->openCursor(request);
         for (int row = 0; row < 20000; ++row)
             ASSERT_TRUE(cursor->next());
@@ -71,8 +69,7 @@ TEST_F(Cache, anUnfinishedScanHoldsNoBytes) {
 TEST_F(Cache, columnsOfSeveralScansBelongToTheSameRows) {
     cache().setCapacity(0);
     const auto table = tableOf("wide.gpkg", 30000);
-    dp::ScanRequest request;
-    request.attributes = {1};
+    auto request = requestOf({1});
     EXPECT_EQ(readRows(*table, request).size(), 30000U); // past the whole-table read of small files
     cache().setCapacity(std::size_t{64} << 20);
     for (const int attribute : {1, 3, 2}) {
@@ -93,8 +90,7 @@ TEST_F(Cache, aChangedFileIsReadAnew) {
     const auto table = tableOf("change.gpkg", 10);
     const auto revision = table->revision();
     EXPECT_EQ(sum(*table, 1), 45 - 3);
-    dp::ScanRequest request;
-    request.attributes = {1};
+    auto request = requestOf({1});
     const auto older = table->openCursor(request);
     ASSERT_TRUE(older->next());
     {
@@ -117,8 +113,7 @@ TEST_F(Cache, aChangedFileIsReadAnew) {
 TEST_F(Cache, manyLookUpsMoveToMemory) {
     cache().setCapacity(0);
     const auto table = tableOf("lookups.gpkg", 9000);
-    dp::ScanRequest request;
-    request.attributes = {3, 1};
+    auto request = requestOf({3, 1});
     request.ids.emplace({dp::FeatureId(QVariant(1))});
     readRows(*table, request);
     cache().setCapacity(std::size_t{64} << 20);
@@ -137,8 +132,7 @@ TEST_F(Cache, manyLookUpsMoveToMemory) {
 
 TEST_F(Cache, aCursorOutlivesItsTable) {
     auto table = tableOf("outlive.gpkg", 20000);
-    dp::ScanRequest request;
-    request.attributes = {1};
+    auto request = requestOf({1});
     const auto cursor = table->openCursor(request);
     ASSERT_TRUE(cursor->next());
     table.reset();
@@ -155,8 +149,7 @@ TEST_F(Cache, cursorsInSeveralThreads) {
     std::vector<std::thread> threads;
     std::vector<qint64> sums(4);
     for (std::size_t i = 0; i < sums.size(); ++i) {
-        dp::ScanRequest request;
-        request.attributes = {1};
+        auto request = requestOf({1});
         threads.emplace_back([cursor = std::shared_ptr(table->openCursor(request)), &result = sums[i]] {
             while (cursor->next())
                 result += cursor->cell(1).isNull() ? 0 : cursor->cell(1).integer();

@@ -120,8 +120,7 @@ TEST_F(Edits, geometriesComeIntoTheSystemOfTheLayer) {
     const int geometry = table->schema()->geometryIndex();
     feature->setAttribute(geometry, QVariant::fromValue(origin));
     table->updateFeature(*feature);
-    dp::ScanRequest request;
-    request.attributes = {geometry};
+    auto request = requestOf({geometry});
     request.ids.emplace({feature->id()});
     EXPECT_THAT(readRows(*table, request).front().front(), testing::StartsWith("w:0101000000"));
     EXPECT_NE(table->feature(feature->id())->getAttribute(geometry), QVariant());

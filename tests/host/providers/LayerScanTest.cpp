@@ -63,8 +63,7 @@ TEST_P(EveryFormat, everyColumnAloneAndInAnyOrder) {
     const auto expected = readRows(*table, everything(*table));
     const int width = table->schema()->numAttributes();
     for (int first = 0; first < width; ++first) {
-        dp::ScanRequest request;
-        request.attributes = {first, (first * 5 + 3) % width};
+        auto request = requestOf({first, (first * 5 + 3) % width});
         const auto rows = readRows(*table, request);
         ASSERT_EQ(rows.size(), expected.size());
         for (std::size_t row = 0; row < rows.size(); ++row) {
@@ -129,8 +128,7 @@ TEST_F(Geopackage, rowsAreCountedWithoutReadingThemAndStillHaveTheirIdentifiers)
 TEST_F(Geopackage, identifiersAreReadOnceAndMissingOnesLeftOut) {
     addLayerOfNumbers(*createDataset(GEOPACKAGE, path()), "numbers", 10);
     const auto table = openFile(path()).front();
-    dp::ScanRequest request;
-    request.attributes = {0, 1};
+    auto request = requestOf({0, 1});
     request.ids.emplace();
     for (const auto& id :
          {QVariant(7), QVariant(7), QVariant(999), QVariant(QStringLiteral("x")), QVariant(2)})
@@ -142,8 +140,7 @@ TEST_F(Geopackage, identifiersAreReadOnceAndMissingOnesLeftOut) {
 TEST_F(Geopackage, nestedCursors) {
     addLayerOfNumbers(*createDataset(GEOPACKAGE, path()), "numbers", 40);
     const auto table = openFile(path()).front();
-    dp::ScanRequest request;
-    request.attributes = {1};
+    auto request = requestOf({1});
     int pairs = 0;
     const auto outer = table->openCursor(request);
     while (outer->next()) {

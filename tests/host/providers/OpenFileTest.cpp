@@ -67,8 +67,7 @@ TEST_F(OpenFile, dateTimesStandAsWritten) {
         {"type":"Feature","geometry":null,"properties":{"t":"1900-12-31T23:59:59.5Z"}},
         {"type":"Feature","geometry":null,"properties":{"t":"2020-06-01T12:00:00"}}]})"))
                            .front();
-    dp::ScanRequest request;
-    request.attributes = {0};
+    auto request = requestOf({0});
     EXPECT_EQ(
         readRows(*table, request),
         (Rows{{"t:2020-01-01 00:30:00.000"}, {"t:1900-12-31 23:59:59.500"}, {"t:2020-06-01 12:00:00.000"}}));
@@ -105,8 +104,7 @@ TEST_P(CoordinateColumns, makeGeometries) {
     ASSERT_EQ(geometry >= 0, *GetParam().wkb != '\0');
     if (geometry < 0)
         return;
-    dp::ScanRequest request;
-    request.attributes = {geometry};
+    auto request = requestOf({geometry});
     EXPECT_EQ(readRows(*table, request).front().front(), std::string("w:") + GetParam().wkb);
     EXPECT_EQ(table->coordSystem() ? table->coordSystem()->epsg() : 0, GetParam().epsg);
     EXPECT_GT(geometry, 1) << "the coordinates stay columns";

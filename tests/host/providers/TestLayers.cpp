@@ -151,13 +151,7 @@ void addLayerOfNumbers(GDALDataset& dataset, const char* layerName, int rows) {
 namespace {
 
 std::string hex(std::string_view bytes) {
-    static const char digits[] = "0123456789abcdef";
-    std::string text;
-    for (const char byte : bytes) {
-        text += digits[static_cast<unsigned char>(byte) >> 4];
-        text += digits[byte & 15];
-    }
-    return text;
+    return QByteArray::fromRawData(bytes.data(), static_cast<int>(bytes.size())).toHex().toStdString();
 }
 
 std::string describeReal(double value) {
@@ -187,6 +181,8 @@ std::string describeField(const OGRFeature& constFeature, int field) {
     int year = 0, month = 0, day = 0, hour = 0, minute = 0, offset = 0;
     float second = 0;
     char text[64];
+    feature.GetFieldAsDateTime(field, &year, &month, &day, &hour, &minute, &second,
+                               &offset); // where it is one
     switch (feature.GetFieldDefnRef(field)->GetType()) {
     case OFTInteger:
     case OFTInteger64: return "i:" + std::to_string(feature.GetFieldAsInteger64(field));
@@ -196,16 +192,11 @@ std::string describeField(const OGRFeature& constFeature, int field) {
         const auto* bytes = reinterpret_cast<const char*>(feature.GetFieldAsBinary(field, &size));
         return "b:" + hex({bytes, static_cast<std::size_t>(size)});
     }
-    case OFTDate:
-        feature.GetFieldAsDateTime(field, &year, &month, &day, &hour, &minute, &second, &offset);
-        std::snprintf(text, sizeof text, "t:%04d-%02d-%02d", year, month, day);
-        return text;
+    case OFTDate: std::snprintf(text, sizeof text, "t:%04d-%02d-%02d", year, month, day); return text;
     case OFTTime:
-        feature.GetFieldAsDateTime(field, &year, &month, &day, &hour, &minute, &second, &offset);
         std::snprintf(text, sizeof text, "t:%02d:%02d:%06.3f", hour, minute, static_cast<double>(second));
         return text;
     case OFTDateTime:
-        feature.GetFieldAsDateTime(field, &year, &month, &day, &hour, &minute, &second, &offset);
         std::snprintf(text, sizeof text, "t:%04d-%02d-%02d %02d:%02d:%06.3f", year, month, day, hour, minute,
                       static_cast<double>(second));
         return text;
@@ -235,11 +226,16 @@ std::vector<std::vector<std::string>> readRows(dp::Table& table, const dp::ScanR
     return rows;
 }
 
-dp::ScanRequest everything(const dp::Table& table) {
+dp::ScanRequest requestOf(std::vector<int> attributes) {
     dp::ScanRequest request;
-    request.attributes.resize(static_cast<std::size_t>(table.schema()->numAttributes()));
-    std::iota(request.attributes.begin(), request.attributes.end(), 0);
+    request.attributes = std::move(attributes);
     return request;
+}
+
+dp::ScanRequest everything(const dp::Table& table) {
+    std::vector<int> attributes(static_cast<std::size_t>(table.schema()->numAttributes()));
+    std::iota(attributes.begin(), attributes.end(), 0);
+    return requestOf(std::move(attributes));
 }
 
 } // namespace orvane::files

@@ -39,7 +39,8 @@ std::string describeGeometry(const OGRFeature& feature);
 
 /// All rows of a scan, each as the texts of the requested attributes.
 std::vector<std::vector<std::string>> readRows(dp::Table& table, const dp::ScanRequest& request);
-/// A request for all attributes.
+/// A request for attributes by their positions, and one for all.
+dp::ScanRequest requestOf(std::vector<int> attributes);
 dp::ScanRequest everything(const dp::Table& table);
 
 } // namespace orvane::files
