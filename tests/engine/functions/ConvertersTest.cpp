@@ -93,29 +93,6 @@ TEST(Converters, TextsOfEveryStorageClass) {
     EXPECT_TRUE(toQStringUTF8(Value("NULL")).isEmpty());
 }
 
-TEST(Converters, DatesAndTimes) {
-    const QDate date(2021, 3, 4);
-    EXPECT_EQ(date, toDate(Value("'2021-03-04'")));
-    EXPECT_EQ(date, toDate(Value("'2021-03-04T10:00:00'")));
-    EXPECT_EQ(date, toDate(Value("'2021-03-04 and more'")));
-    EXPECT_FALSE(toDate(Value("'04.03.2021'")).isValid());
-    EXPECT_FALSE(toDate(Value("NULL")).isValid());
-    EXPECT_EQ(QTime(5, 6, 7), toTime(Value("'2021-03-04T05:06:07'")));
-    EXPECT_EQ(QTime(5, 6), toTime(Value("'05:06'")));
-    EXPECT_EQ(QTime(5, 6, 7, 123), toTime(Value("'05:06:07.123'")));
-    EXPECT_EQ(QTime(0, 0), toTime(Value("'2021-03-04'")));
-    EXPECT_FALSE(toTime(Value("'noon'")).isValid());
-    EXPECT_FALSE(toTime(Value("x'FF'")).isValid());
-    EXPECT_EQ(QDateTime(date, QTime(5, 6, 7, 8)), toDateTime(Value("'2021-03-04 05:06:07.008'")));
-    EXPECT_FALSE(toDateTime(Value("'05:06'")).isValid());
-
-    EXPECT_EQ(QStringLiteral("2021-03-04"), toString(date));
-    EXPECT_EQ(QStringLiteral("05:06:07.008"), toString(QTime(5, 6, 7, 8)));
-    EXPECT_EQ(QStringLiteral("2021-03-04 05:06:07.008"),
-              toString(QDateTime(date, QTime(5, 6, 7, 8), Qt::UTC)));
-    EXPECT_TRUE(toString(QDate()).isEmpty());
-}
-
 TEST(Converters, EscapedTexts) {
     EXPECT_EQ(QStringLiteral("'it''s'"), escapeString(QStringLiteral("it's"), '\''));
     EXPECT_EQ(QStringLiteral("'a''''b'"), escapeString(QStringLiteral("a''b"), '\''));

@@ -4,6 +4,7 @@
 #include "support/TextTable.h"
 
 #include "engine/functions/PatternMatch.h"
+#include "platform/dp/SqliteDatabaseAccess.h"
 #include "platform/utils/Patterns.h"
 
 #include <QElapsedTimer>
@@ -38,27 +39,18 @@ bool matchesRegular(const QString& expression, const std::string& text) {
 /// SQLite's own LIKE (which folds ASCII) or GLOB (which folds nothing).
 class BuiltIn {
 public:
-    explicit BuiltIn(const char* function) {
-        sqlite3_open(":memory:", &database_);
-        const QByteArray sql = QByteArray("Select ") + function;
-        sqlite3_prepare_v2(database_, sql.constData(), -1, &statement_, nullptr);
-    }
-    ~BuiltIn() {
-        sqlite3_finalize(statement_);
-        sqlite3_close(database_);
-    }
+    explicit BuiltIn(const char* call)
+        : statement_(database_.query(QLatin1String("Select ") + QLatin1String(call))) {}
     bool operator()(const std::string& pattern, const std::string& text) {
-        sqlite3_bind_text(statement_, 1, pattern.c_str(), -1, SQLITE_STATIC);
-        sqlite3_bind_text(statement_, 2, text.c_str(), -1, SQLITE_STATIC);
-        sqlite3_step(statement_);
-        const bool result = sqlite3_column_int(statement_, 0) != 0;
-        sqlite3_reset(statement_);
-        return result;
+        statement_.reset();
+        statement_.bind(1, std::string_view(pattern));
+        statement_.bind(2, std::string_view(text));
+        return statement_.next() && statement_.integer(0) != 0;
     }
 
 private:
-    sqlite3* database_ = nullptr;
-    sqlite3_stmt* statement_ = nullptr;
+    orvane::dp::SqliteDatabaseAccess database_{QStringLiteral(":memory:")};
+    orvane::dp::SqliteStatement statement_;
 };
 
 } // namespace

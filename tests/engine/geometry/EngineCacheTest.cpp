@@ -238,30 +238,24 @@ TEST(GeometryConversions, OtherBytesGiveNothing) {
 }
 
 TEST(GeometryConversions, ColumnTexts) {
+    using Simple = dp::SimpleAttributeDefinition;
     PlainCache cache;
-    const auto system = cs::CoordSysFactory::defaultCoordSysFactory()->createFromEpsg(28404);
-    const auto text = [&](dp::AttributeDefinition* attribute) {
-        return engine::toString(dp::AttributeDefinitionPointer(attribute), &cache, '"').toStdString();
+    const std::pair<dp::AttributeDefinition*, const char*> cases[] = {
+        {new dp::GeometryAttributeDefinition(QStringLiteral("obj"), cache.get(28404)),
+         "cd750f8a9a2b4fac9b9b05eb53795d97 Blob Null "},
+        {new dp::RenditionAttributeDefinition(QStringLiteral("style")),
+         "d39f65c319974aa198a899a89b1240c7 Text Null "},
+        {new Simple(QStringLiteral("На\"звание"), QMetaType::QString, {.length = 30}),
+         "\"На\"\"звание\" Varchar(30) Collate Locale"},
+        {new Simple(QStringLiteral("Price"), qMetaTypeId<QDecNumber>(),
+                    {.length = 12, .precision = 2, .unique = true}),
+         "\"Price\" Numeric(12, 2)  Unique "},
+        {new Simple(QStringLiteral("Id"), QMetaType::LongLong, {.unique = true}), "\"Id\" Integer Unique "},
     };
-    EXPECT_EQ(text(new dp::GeometryAttributeDefinition(QStringLiteral("obj"), system)),
-              "cd750f8a9a2b4fac9b9b05eb53795d97 Blob Null ");
-    EXPECT_EQ(text(new dp::RenditionAttributeDefinition(QStringLiteral("style"))),
-              "d39f65c319974aa198a899a89b1240c7 Text Null ");
-    dp::SimpleAttributeDefinition::Options options;
-    options.length = 30;
-    const std::string name =
-        text(new dp::SimpleAttributeDefinition(QStringLiteral("На\"звание"), QMetaType::QString, options));
-    EXPECT_EQ(name.substr(0, name.find(' ')), "\"На\"\"звание\"");
-    EXPECT_EQ(name.substr(name.find('(')), "(30) Collate Locale");
-    options.unique = true;
-    options.length = 12;
-    options.precision = 2;
-    const std::string price = text(new dp::SimpleAttributeDefinition(
-        QStringLiteral("Price"), qRegisterMetaType<QDecNumber>("QDecNumber"), options));
-    EXPECT_EQ(price.substr(price.find('(')), "(12, 2)  Unique ");
-    const std::string key =
-        text(new dp::SimpleAttributeDefinition(QStringLiteral("Id"), QMetaType::LongLong, options));
-    EXPECT_EQ(key.substr(key.size() - 8), " Unique ");
+    for (const auto& [attribute, expected] : cases) {
+        const dp::AttributeDefinitionPointer owner(attribute);
+        EXPECT_EQ(engine::toString(owner, &cache, '"').toStdString(), expected);
+    }
 }
 
 /// Fit for the thread sanitizer: everything at once.

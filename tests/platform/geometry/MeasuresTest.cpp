@@ -2,7 +2,6 @@
 #include "support/TextTable.h"
 #include "support/Wkt.h"
 
-#include "platform/dp/SqliteDatabaseAccess.h"
 #include "platform/geometry/Measures.h"
 #include "platform/geometry/Units.h"
 
@@ -69,58 +68,6 @@ TEST(Measures, KnownValues) {
         EXPECT_NEAR(measures.at(measure)(*fromWkt(wkt.toStdString(), epsg.toInt()), unit), value.toDouble(),
                     tolerance.toDouble())
             << row.place;
-    }
-}
-
-/// The geometries of a table of a GeoPackage. A value is a header, whose flags tell the size of the envelope
-/// in it, and well-known binary.
-std::vector<std::shared_ptr<Geometry>> geometriesOfGeoPackage(const char* file, const char* sql) {
-    constexpr int envelopeSizes[] = {0, 32, 48, 48, 64};
-    const auto system = cs::CoordSysFactory::defaultCoordSysFactory()->createFromEpsg(4326);
-    std::vector<std::shared_ptr<Geometry>> geometries;
-    dp::SqliteDatabaseAccess database{QLatin1String(file)};
-    for (dp::SqliteStatement rows = database.query(QLatin1String(sql)); rows.next();) {
-        const QByteArray value = rows.value(0).toByteArray();
-        const int header = 8 + envelopeSizes[value[3] >> 1 & 7];
-        geometries.push_back(GeometryFactory::fromWkb(value.mid(header), system));
-    }
-    return geometries;
-}
-
-/// The area inside one ring by PROJ's planimeter.
-double planimeterArea(const CoordinateSequence& ring) {
-    geod_geodesic ellipsoid;
-    geod_init(&ellipsoid, 6378137, 1 / 298.257223563);
-    geod_polygon polygon;
-    geod_polygon_init(&polygon, 0);
-    for (std::size_t i = 0; i + 1 < ring.size(); ++i) {
-        geod_polygon_addpoint(&ellipsoid, &polygon, ring.y(i), ring.x(i));
-    }
-    double area = 0;
-    geod_polygon_compute(&ellipsoid, &polygon, 0, 1, &area, nullptr);
-    return std::abs(area);
-}
-
-TEST(Measures, AreasOfTheCountries) {
-    const auto countries =
-        geometriesOfGeoPackage(ORVANE_EXAMPLE_DATA "/countries.gpkg", "Select geom From countries");
-    EXPECT_GT(countries.size(), 150U);
-    for (const auto& country : countries) {
-        double expected = 0;
-        const auto addPolygon = [&expected](const Geometry& part) {
-            const auto& rings = dynamic_cast<const Polygon&>(part).rings();
-            for (std::size_t i = 0; i < rings.size(); ++i) {
-                expected += i == 0 ? planimeterArea(rings[i]) : -planimeterArea(rings[i]);
-            }
-        };
-        if (const auto* collection = dynamic_cast<const GeometryCollection*>(country.get())) {
-            for (const GeometryPtr& part : collection->parts()) {
-                addPolygon(*part);
-            }
-        } else {
-            addPolygon(*country);
-        }
-        EXPECT_NEAR(area(*country, QString()), expected, expected * 1e-12);
     }
 }
 

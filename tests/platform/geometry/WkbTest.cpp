@@ -1,4 +1,6 @@
 #include "support/Kinds.h"
+#include "support/TextTable.h"
+#include "support/Wkt.h"
 
 #include "platform/cs/CoordSystem.h"
 #include "platform/geometry/GeometryFactory.h"
@@ -81,42 +83,15 @@ TEST(Wkb, EveryPrefixRaises) {
     }
 }
 
-struct TextCase {
-    GeometryPtr geometry;
-    const char* wkt;
-    const char* geoJson;
-};
-
 TEST(TextFormats, WktAndGeoJson) {
-    const auto z = Dimensions::XYZ;
-    const double ordinates[] = {0.1, -1e-7, 1e300};
-    const GeometryPtr point = std::make_shared<Point>(2.35, 48.85);
-    const GeometryPtr line = std::make_shared<LineString>(ring(Dimensions::XY, 0, 0, 1));
-    const TextCase cases[] = {
-        {point, "POINT(2.35 48.85)", R"({"type":"Point","coordinates":[2.35,48.85]})"},
-        {std::make_shared<Point>(z, ordinates), "POINT Z(0.1 -0.0000001 1e+300)",
-         R"({"type":"Point","coordinates":[0.1,-0.0000001,1e+300]})"},
-        {std::make_shared<Point>(), "POINT EMPTY", R"({"type":"Point","coordinates":[]})"},
-        {std::make_shared<Polygon>(Dimensions::XY, std::vector{ring(Dimensions::XY, 0, 0, 2)}),
-         "POLYGON((0 0,2 0,2 2,0 2,0 0))",
-         R"({"type":"Polygon","coordinates":[[[0,0],[2,0],[2,2],[0,2],[0,0]]]})"},
-        {std::make_shared<GeometryCollection>(GeometryType::GeometryCollection, Dimensions::XY,
-                                              std::vector{point, line}),
-         "GEOMETRYCOLLECTION(POINT(2.35 48.85),LINESTRING(0 0,1 0,1 1,0 1,0 0))",
-         R"({"type":"GeometryCollection","geometries":[{"type":"Point","coordinates":[2.35,48.85]},)"
-         R"({"type":"LineString","coordinates":[[0,0],[1,0],[1,1],[0,1],[0,0]]}]})"},
-        {std::make_shared<GeometryCollection>(GeometryType::MultiPoint, Dimensions::XY,
-                                              std::vector<GeometryPtr>{point, std::make_shared<Point>()}),
-         "MULTIPOINT((2.35 48.85),EMPTY)", R"({"type":"MultiPoint","coordinates":[[2.35,48.85],[]]})"},
-        {std::make_shared<RoundedRectangle>(Envelope{0, 0, 2, 1}, 0, 0), "POLYGON((0 0,2 0,2 1,0 1,0 0))",
-         R"({"type":"Polygon","coordinates":[[[0,0],[2,0],[2,1],[0,1],[0,0]]]})"},
-    };
-    for (const TextCase& entry : cases) {
-        EXPECT_EQ(toWkt(*entry.geometry), entry.wkt);
+    for (const TableRow& row : readTable("geometry/textformats.txt")) {
+        const auto geometry = fromWkt(row.text(0));
+        EXPECT_EQ(toWkt(*geometry), row.text(0)) << row.place;
         std::string geoJson;
-        appendGeoJson(*entry.geometry, geoJson);
-        EXPECT_EQ(geoJson, entry.geoJson);
+        appendGeoJson(*geometry, geoJson);
+        EXPECT_EQ(geoJson, row.text(1)) << row.place;
     }
+    EXPECT_EQ(toWkt(RoundedRectangle(Envelope{0, 0, 2, 1}, 0, 0)), "POLYGON((0 0,2 0,2 1,0 1,0 0))");
 }
 
 } // namespace
