@@ -59,6 +59,7 @@ public:
     QSqlDatabase engineDatabase() const;
     /// Lives as long as the engine.
     engine::EngineCache* cache() const;
+    /// Hands an extension, not owned, to the cache: the plug-in manager calls this. Null is ignored.
     void registerExtension(geometry::ResemblanceExtension* extension);
     /// Forgets decoded geometries.
     void clearCache();
@@ -91,6 +92,7 @@ public:
     /// Takes over a management under its table's name, in place of an earlier one; one without a name is
     /// discarded.
     void registerManagement(std::unique_ptr<engine::TableManagement> management);
+    /// Destroys the management of exactly this name, if there is one.
     void unRegisterManagement(const QString& name);
     /// The management registered under exactly this name, null when there is none.
     engine::TableManagement* findManagement(const QString& name);

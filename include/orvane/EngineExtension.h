@@ -55,8 +55,12 @@ public:
     static bool moduleArgNeedsFormatting(const QString& argument);
     /// A module argument as SQL: plain strings as they are, anything else as the driver writes its literal.
     static QString formatArg(const QSqlDriver& driver, const QVariant& value);
+    /// Several, separated by commas.
     static QString formatArgs(const QSqlDriver& driver, const QList<QVariant>& values);
 
+    /// Lets the table of the old name follow its object to the new one, made valid where no object has it: by
+    /// Alter Table where renameRealized, else by a new table. Failures are logged, but for what
+    /// handleDataObject throws.
     void renameImpl(const QString& oldName, QString newName);
     /// Drops the table's virtual table and makes it afresh with the module's current arguments.
     void deepReset(const std::shared_ptr<dp::Table>& table);
@@ -65,18 +69,23 @@ protected:
     /// The module that serves an object, with its arguments appended; an empty name when this extension does
     /// not serve it.
     virtual QString virtualTableModule(const dp::DataObject* object, QList<QVariant>& moduleArguments) = 0;
+    /// Drops the table when the object asks its users to let go. Called once its table is made.
     virtual void connectDataObject(const dp::DataObject& object);
+    /// Makes tables for objects that are added from now on.
     virtual void connectCatalog(dp::DataCatalog& catalog);
     /// Whether the module can rename a virtual table with Alter Table.
     virtual bool renameRealized() const;
 
+    /// Null until the core provides itself.
     Core* core() const { return core_; }
 
 protected Q_SLOTS:
     /// Makes the virtual table of an object. Throws std::logic_error when the derived class fails,
     /// std::runtime_error when the table cannot be made; the cause is nested.
     void handleDataObject(const orvane::dp::DataObject* dobj);
+    /// Drops the table of that name; one that is still read lets go of its object and goes later.
     void unregisterName(QString name);
+    /// renameImpl for names that differ in more than letter case; an empty one is ignored.
     void rename(QString oldName, QString newName);
 
 private:

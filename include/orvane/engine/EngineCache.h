@@ -45,6 +45,7 @@ public:
     /// The coordinate system of a serialised payload, decoded on first request; null (remembered) when it
     /// cannot be.
     std::shared_ptr<cs::CoordSystem> get(const QByteArray& payload);
+    /// Records a coordinate system unless the payload already has an entry, even a null one.
     void save(const QByteArray& payload, const std::shared_ptr<cs::CoordSystem>& coordSystem);
 
     /// The geometry in a blob: the engine's own, SpatiaLite's, WKB or FGF; empty when it is none of them.
@@ -55,6 +56,7 @@ public:
     /// Forgets decoded geometries. Coordinate systems, row numbers and extensions stay.
     void clear();
 
+    /// The memo mode; MemoOnRequest in the beginning.
     GaiaCache useGaiaCache() const { return gaiaCache_; }
     void setUseGaiaCache(GaiaCache mode) { gaiaCache_ = mode; }
 

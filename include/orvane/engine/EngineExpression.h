@@ -72,7 +72,9 @@ public:
     const QString& geoName() const { return geoName_; }
     const QString& styleName() const { return styleName_; }
 
+    /// What the table or the last expression could not be made for; empty when they could.
     const QString& lastError() const { return lastErrorText_; }
+    /// Whether the table and the last expression could be made.
     bool isValid() const { return valid_; }
     /// Marks the object as failed, with a text of the owner's.
     void setError(QString text);
@@ -82,7 +84,8 @@ public:
     /// A value as it is bound: numbers as numbers, dates and times as texts.
     QVariant toValue(const QVariant& value);
 
-    /// Hooks for types that the engine does not know.
+    /// Hooks for types that the engine does not know: the literal, when `handled` is set, and the value to
+    /// bind, when it is valid. Otherwise the value's text serves.
     virtual ExtensionString toExtensionString(const QVariant& value);
     virtual QVariant toExtensionValue(const QVariant& value);
 

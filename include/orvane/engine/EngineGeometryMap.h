@@ -34,6 +34,7 @@ public:
     GeometryPointer get(const void* data, unsigned int size, const Loader& loader);
     /// Stores a geometry unless the bytes have one.
     void set(const void* data, unsigned int size, const GeometryPointer& geometry);
+    /// Forgets all of them, nulls included.
     void clearMap();
 
 private:

@@ -113,6 +113,7 @@ public:
 
     /// Starts afresh for a table: every index of before is gone. False when the storage could not be made.
     virtual bool createStorage(const dp::TableSchema& schema);
+    /// Removes storage and indices. Numbers of indices are not used again.
     virtual void dropStorage() = 0;
     /// True when there is storage and the schema has an attribute.
     virtual bool isCorrect() const = 0;
@@ -121,10 +122,12 @@ public:
     virtual int findIndex(const std::vector<Column>& columns, Conformance* conformance = nullptr) const;
     /// The index that serves every condition, made (empty) when there is none yet; -1 without storage.
     virtual int addIndex(const std::vector<Column>& columns);
+    /// Removes an index; an unknown one is ignored.
     virtual void dropIndex(int index) = 0;
     /// Removes the rows. The statistics stay until rows are stored again.
     virtual void clearIndex(int index) = 0;
 
+    /// An inserter for an index, never null; of an unknown one it has no columns.
     virtual std::unique_ptr<InserterInterface> getInserter(int index) = 0;
     /// Stores the rows of an inserter with one statement and brings the statistics up to date. Null is
     /// ignored.
@@ -138,6 +141,7 @@ public:
     virtual const IndexStatistics& statistics(int index) const = 0;
     /// Rows of the table: as set, else as the first index knows; 0 when nobody knows.
     virtual unsigned long long quantity() const = 0;
+    /// Sets the rows of the table; 0 leaves them to the indices.
     virtual void setQuantity(unsigned long long quantity) = 0;
     /// At most how many rows satisfy the conditions: the largest group for equality, half the table for
     /// ranges.
@@ -146,6 +150,8 @@ public:
     virtual void enumColumns(int index, const std::function<Status(int attribute)>& callback) const = 0;
 
 protected:
+    /// What createStorage, addIndex and findIndex do once their arguments are checked: there is storage, or
+    /// is to be, for a schema with attributes. May throw err::SqliteException.
     virtual void createStorageImpl(const dp::TableSchema& schema) = 0;
     virtual int addIndexImpl(const std::vector<Column>& columns) = 0;
     virtual int findIndexImpl(const std::vector<Column>& columns, Conformance& conformance) const = 0;
@@ -170,7 +176,9 @@ public:
                                          unsigned long long most) const = 0;
 
 protected:
+    /// The engine's cache, which knows the features by row number.
     EngineCache& cache() const { return cache_; }
+    /// The schema of the table; null without storage.
     const dp::TableSchema* schema() const { return schema_.get(); }
     void setSchema(std::unique_ptr<dp::TableSchema> schema) { schema_ = std::move(schema); }
 

@@ -52,6 +52,7 @@ public:
     SqliteStringBuilder(QString collate, const sql::StringBuildContext* context);
     ~SqliteStringBuilder() override;
 
+    /// The collation of comparisons, as for the constructor.
     SqliteStringBuilder& setCollate(QString collate);
     /// Asks for dependencies() and primaries().
     void setNeedDependencies(bool need) { needDependencies_ = need; }
@@ -68,6 +69,7 @@ public:
     /// With it a Natural Join of tables becomes one of the columns that both have; without it SQLite would
     /// match their geometries too.
     void setTableColumns(TableColumns columns) { tableColumns_ = std::move(columns); }
+    /// Stores the finished text.
     void setQuery(std::wstring query) { query_ = std::move(query); }
 
     /// The finished text, as its maker has stored it.
@@ -76,6 +78,7 @@ public:
     const std::vector<TableRef>& dependencies() const { return dependencies_; }
     /// The tables named by the outermost query.
     const std::vector<TableRef>& primaries() const { return primaries_; }
+    /// Every column named at any depth, as often and in the order in which it is rendered.
     const std::vector<ColumnRef>& columns() const { return columns_; }
     /// Whether the outermost query groups its rows.
     bool isAggregate() const { return isAggregate_; }
@@ -89,11 +92,14 @@ public:
     const std::wstring& intoTable() const { return intoTable_; }
     /// The file that the result is to become (Select … Into 'path'), likewise.
     const std::wstring& intoFile() const { return intoFile_; }
+    /// What was found wrong so far, in its order.
     const Errors& errors() const { return errors_; }
+    /// The functions that the white list does not admit, as they were first written.
     const FunctionNames& unsupportedList() const { return unsupported_; }
     /// Whether the statement calls a function that the white list does not admit. Says nothing of errors().
     bool hasErrors() const { return !unsupported_.empty(); }
 
+    /// Append to errors(), or replace all of them.
     void addError(std::shared_ptr<sql::SqlError> error);
     void setError(std::shared_ptr<sql::SqlError> error);
     void addErrors(const std::vector<std::shared_ptr<sql::SqlSyntaxError>>& errors);

@@ -28,6 +28,7 @@ public:
     virtual QString tableName() const;
     /// The name that a rename under way gives the table; empty when there is none.
     virtual QString newName() const;
+    /// Announces the name before the rename; the engine calls this.
     virtual void setNewName(QString name);
     /// The attribute indices of the table were dropped.
     virtual void indicesCleared() = 0;
