@@ -1,12 +1,13 @@
 // Every decoder of geometries over arbitrary bytes: each gives a geometry, nothing, or one of its own
 // exceptions, and what it gives can be written, measured and related.
 
+#include "support/PlainCache.h"
+
 #include "platform/geometry/Curves.h"
 #include "platform/geometry/GeometryFactory.h"
 #include "platform/geometry/Measures.h"
 #include "platform/geometry/Relations.h"
 #include "platform/geometry/TextFormats.h"
-#include <orvane/engine/EngineCache.h>
 #include <orvane/engine/GeometryConversions.h>
 #include <orvane/engine/SpatialiteBlob.h>
 
@@ -17,9 +18,8 @@ namespace {
 
 using namespace orvane;
 
-struct Cache : engine::EngineCache {
+struct Cache : tests::PlainCache {
     Cache() { setUseGaiaCache(NoMemo); }
-    std::shared_ptr<cs::CoordSystem> tableCS(const QString&) override { return nullptr; }
 };
 
 void require(bool condition) {

@@ -8,7 +8,7 @@
 
 namespace orvane::testing {
 
-/// The application of a test program: there is one engine per process, so the tests share it.
+/// The application of a test or benchmark: there is one engine per process, so all share it.
 struct Application {
     static Application& instance() {
         static int argc = 1;
@@ -16,6 +16,9 @@ struct Application {
         static char* argv[] = {name, nullptr};
         static auto* const qt = new QCoreApplication(argc, argv);
         Q_UNUSED(qt)
+        // The driver plug-in of the build, without a variable in the environment.
+        QCoreApplication::addLibraryPath(QCoreApplication::applicationDirPath() +
+                                         QStringLiteral("/../plugins"));
         static Application application;
         return application;
     }

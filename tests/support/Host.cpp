@@ -7,27 +7,16 @@
 #include "host/providers/FilesExtension.h"
 #include "platform/dp/CellConversion.h"
 
-#include <QCoreApplication>
-
 #include <numeric>
 
 namespace orvane::testing {
 
 Host& Host::instance() {
-    static int argc = 1;
-    static char name[] = "host";
-    static char* argv[] = {name, nullptr};
-    static auto* const qt = new QCoreApplication(argc, argv);
-    Q_UNUSED(qt)
-    // The driver plug-in of the build, without a variable in the environment.
-    QCoreApplication::addLibraryPath(QCoreApplication::applicationDirPath() + QStringLiteral("/../plugins"));
     static Host host;
     return host;
 }
 
 Host::Host() {
-    core.registerService(&catalog);
-    engine = Engine::load(&core);
     engine->loadTableAdapterModule(&core, adaptor::initialise);
     files = std::make_unique<files::FilesExtension>(nullptr);
     core.pluginManager()->registerExtension(files.get());

@@ -1,9 +1,8 @@
 #pragma once
 
-#include "platform/core/Core.h"
-#include "platform/dp/DataCatalogWithSelection.h"
+#include "support/Application.h"
+
 #include "platform/dp/Table.h"
-#include <orvane/Engine.h>
 
 #include <QTemporaryDir>
 
@@ -16,8 +15,7 @@ class FilesExtension;
 
 namespace orvane::testing {
 
-/// The engine with the adaptor and the file provider, as an application sets them up: of the tests and of the
-/// benchmarks. There is one engine per process, so all share it.
+/// The application with the adaptor and the file provider.
 class Host {
 public:
     static Host& instance();
@@ -36,9 +34,9 @@ public:
     static std::vector<dp::FeaturePtr> features(dp::Table& table);
     QString path(const QString& fileName) const { return directory_.filePath(fileName); }
 
-    dp::DataCatalogWithSelection catalog;
-    Core core;
-    Engine* engine;
+    dp::DataCatalogWithSelection& catalog = Application::instance().catalog;
+    Core& core = Application::instance().core;
+    Engine* const engine = Application::instance().engine;
     std::unique_ptr<files::FilesExtension> files;
 
 private:

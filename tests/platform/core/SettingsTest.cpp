@@ -1,6 +1,7 @@
 #include "platform/core/SqliteException.h"
 #include "platform/core/TypedSettings.h"
 #include "platform/di/ServiceLocator.h"
+#include "platform/dp/SqliteDatabaseAccess.h"
 
 #include <gtest/gtest.h>
 
@@ -37,11 +38,9 @@ TEST(ServiceLocator, HandsOutOneServicePerTypeAndKeepsItAliveWhileItIsUsed) {
 }
 
 TEST(SqliteException, CarriesTheMessageAndWhatSqliteSaid) {
-    sqlite3* database = nullptr;
-    ASSERT_EQ(sqlite3_open(":memory:", &database), SQLITE_OK);
-    ASSERT_NE(sqlite3_exec(database, "Select * From roads", nullptr, nullptr, nullptr), SQLITE_OK);
-    const orvane::err::SqliteException failure(database, QStringLiteral("Загрузка"));
-    sqlite3_close(database);
+    orvane::dp::SqliteDatabaseAccess database(QStringLiteral(":memory:"));
+    EXPECT_ANY_THROW(database.exec(QStringLiteral("Select * From roads")));
+    const orvane::err::SqliteException failure(database.handle(), QStringLiteral("Загрузка"));
     EXPECT_STREQ(failure.what(), "Загрузка");
     EXPECT_EQ(failure.message(), QStringLiteral("Загрузка"));
     EXPECT_EQ(failure.sqliteMessage(), QStringLiteral("no such table: roads"));

@@ -91,6 +91,8 @@ TEST(TextFormats, WktAndGeoJson) {
         appendGeoJson(*geometry, geoJson);
         EXPECT_EQ(geoJson, row.text(1)) << row.place;
     }
+    const Polygon withEmptyHole(Dimensions::XY, {ring(Dimensions::XY, 0, 0, 2), CoordinateSequence()});
+    EXPECT_EQ(toWkt(withEmptyHole), "POLYGON((0 0,2 0,2 2,0 2,0 0),EMPTY)");
     EXPECT_EQ(toWkt(RoundedRectangle(Envelope{0, 0, 2, 1}, 0, 0)), "POLYGON((0 0,2 0,2 1,0 1,0 0))");
 }
 

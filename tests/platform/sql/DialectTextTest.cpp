@@ -1,5 +1,6 @@
 #include "platform/sql/DialectCases.h"
 #include "platform/sql/SqlParser.h"
+#include "platform/sql/SqlRuntime.h"
 #include "platform/sql/SqlStringBuilder.h"
 #include "platform/sql/SqlStrings.h"
 #include "platform/sql/TreeDump.h"
@@ -71,13 +72,14 @@ TEST(DialectText, ExpressionsAreToldFromStatements) {
 }
 
 TEST(DialectText, ContextNamesBareFunctionsAndReservedNames) {
-    struct Context : ParseContext, StringBuildContext {
-        bool isBareFunction(const std::wstring& name) const override { return name == L"now"; }
+    SqlRuntime runtime;
+    runtime.addBareFunction(QStringLiteral("Now"));
+    struct Reserved : StringBuildContext {
         bool isReservedName(const std::wstring& name) const override { return name == L"a"; }
-    } context;
-    SqlParser parser(&context);
+    } reserved;
+    SqlParser parser(&runtime);
     ASSERT_TRUE(parser.parse("NOW + a + now() + t.now"));
-    EXPECT_EQ(SqlStringBuilder(&context).buildString(*parser.result().node()),
+    EXPECT_EQ(SqlStringBuilder(&reserved).buildString(*parser.result().node()),
               L"NOW + \"a\" + now() + t.now");
     SqlParser withoutContext(nullptr);
     ASSERT_TRUE(withoutContext.parse("now"));
