@@ -68,8 +68,8 @@ private:
     int descriptor_;
 };
 
-/// Columns of the terminal that a descriptor, of itself standard output, is now; 0 when it is none or does not
-/// tell.
+/// Columns of the terminal that a descriptor, standard output unless told otherwise, is now; 0 when it is
+/// none or does not tell.
 int terminalWidth(int descriptor = 1);
 /// Lines of the terminal that standard output is, likewise.
 int terminalHeight();
