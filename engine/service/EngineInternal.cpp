@@ -43,6 +43,14 @@ QSqlDatabase openEngineDatabase() {
     return database;
 }
 
+/// The Bloom filter of a join in SQLite 3.40 takes texts of different lengths for different ones, and so
+/// loses rows whose texts are equal only under the collation: "é" in one character and in two. There is no
+/// other way to switch it off.
+void leaveBloomFiltersOut(sqlite3* database) {
+    constexpr unsigned bloomFilter = 0x00080000; // SQLITE_BloomFilter in SQLite's sqliteInt.h
+    sqlite3_test_control(SQLITE_TESTCTRL_OPTIMIZATIONS, database, bloomFilter);
+}
+
 } // namespace
 
 Engine::Internal::Internal(Engine* owner)
@@ -53,6 +61,7 @@ Engine::Internal::Internal(Engine* owner)
             db, message(QT_TRANSLATE_NOOP("QObject", "Поддержка расширений %0"), "SQLITE"));
     }
     initialiseSpatialite();
+    leaveBloomFiltersOut(db);
     sqlite3_trace_v2(
         db, SQLITE_TRACE_STMT,
         [](unsigned, void*, void*, void*) {

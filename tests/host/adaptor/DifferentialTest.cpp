@@ -84,10 +84,6 @@ protected:
 
     void SetUp() override {
         AdaptorTest::SetUp();
-        // The Bloom filters of SQLite 3.40 tell texts apart by their length, also where the collation takes
-        // them as equal, so that a plain table would lose rows ("ſtar" and "STAR").
-        constexpr int bloomFilters = 0x80000;
-        sqlite3_test_control(SQLITE_TESTCTRL_OPTIMIZATIONS, database(), bloomFilters);
         open("memory", attributes(), makeRows(rowCount));
         files_ = std::make_unique<files::FilesExtension>(nullptr);
         Application::instance().core.pluginManager()->registerExtension(files_.get());
