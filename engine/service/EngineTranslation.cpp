@@ -54,6 +54,7 @@ bool Engine::tryToTranslate(const std::string& text, engine::SqliteStringBuilder
             builder.addTranslateErrors();
         } else {
             builder.setQuery(std::move(query));
+            builder.setIsExpression(parser.result().isExpression());
         }
     }
     return !builder.query().empty();

@@ -11,6 +11,7 @@ class CsvWriter : public ResultWriter {
 public:
     CsvWriter(const WriterSettings& settings, Output& output);
 
+    bool showsTitles() const override { return header_; }
     void begin(const std::vector<std::string>& columns) override;
     void row(const ResultRow& row) override;
     void end() override {}

@@ -18,6 +18,8 @@ public:
     ResultWriter(const ResultWriter&) = delete;
     ResultWriter& operator=(const ResultWriter&) = delete;
 
+    /// Whether `begin` looks at the columns' titles, which take some time to find.
+    virtual bool showsTitles() const { return true; }
     virtual void begin(const std::vector<std::string>& columns) = 0;
     virtual void row(const ResultRow& row) = 0;
     virtual void end() = 0;

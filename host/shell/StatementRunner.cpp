@@ -110,15 +110,15 @@ Outcome StatementRunner::runDialect(Statement& statement) {
 }
 
 std::string StatementRunner::translate(Statement& statement) {
-    sql::SqlParser parser(nullptr);
-    if (!parser.parse(statement.text)) {
-        fail(statement, parser.errors().empty() ? Problem() : problemOf(*parser.errors().front()));
-        return {};
-    }
     engine::SqliteStringBuilder builder(QString(), nullptr);
     builder.setSelection(session_.catalog().selection(), session_.engine().cache());
     session_.engine().tryToTranslate(statement.text, builder, Engine::ParseAsIs);
     if (!builder.errors().empty()) {
+        sql::SqlParser parser(nullptr);
+        if (!parser.parse(statement.text)) { // which tells the place
+            fail(statement, parser.errors().empty() ? Problem() : problemOf(*parser.errors().front()));
+            return {};
+        }
         const sql::SqlError& error = *builder.errors().front();
         Problem problem = problemOf(error);
         if (dynamic_cast<const sql::SelectionTableIsAbsent*>(&error)) {
@@ -133,16 +133,16 @@ std::string StatementRunner::translate(Statement& statement) {
         return {};
     const std::string text = sql::toUtf8(builder.query());
     // An expression by itself is a question for its value.
-    statement.isExpression = parser.result().isExpression();
+    statement.isExpression = builder.isExpression();
     return statement.isExpression ? "Select " + text : text;
 }
 
 bool StatementRunner::readInto(Statement& statement, const engine::SqliteStringBuilder& builder) {
     const bool isFile = !builder.intoFile().empty();
-    IntoTarget into{sql::fromSqlString(isFile ? builder.intoFile() : builder.intoTable()), isFile,
-                    placeOfInto(statement.text)};
-    if (into.name.isEmpty())
+    const std::wstring& name = isFile ? builder.intoFile() : builder.intoTable();
+    if (name.empty())
         return true;
+    IntoTarget into{sql::fromSqlString(name), isFile, placeOfInto(statement.text)};
     if (!isFile && session_.names().tables().contains(into.name, Qt::CaseInsensitive)) {
         fail(statement, {Shell::tr("таблица «%1» уже есть").arg(into.name), into.place});
         return false;
@@ -176,7 +176,6 @@ std::unique_ptr<ResultWriter> StatementRunner::makeWriter(const Statement& state
 }
 
 Outcome StatementRunner::runSqlite(Statement& statement, const std::string& sqliteText) {
-    const sql::TokenizedText userText = sql::tokenize(statement.text);
     const char* const begin = sqliteText.data();
     const char* const end = begin + sqliteText.size();
     for (const char* rest = begin; rest != end;) {
@@ -195,7 +194,7 @@ Outcome StatementRunner::runSqlite(Statement& statement, const std::string& sqli
             return failSqlite(statement, sqliteText, offset);
         if (!prepared)
             continue; // a comment or nothing
-        if (const Outcome outcome = execute(statement, prepared.get(), userText); outcome == Outcome::Failed)
+        if (const Outcome outcome = execute(statement, prepared.get()); outcome == Outcome::Failed)
             return statement.problem ? fail(statement, *statement.problem)
                                      : failSqlite(statement, sqliteText, offset);
         else if (outcome == Outcome::Cancelled)
@@ -211,15 +210,20 @@ Outcome StatementRunner::runSqlite(Statement& statement, const std::string& sqli
     return settings_.sqlite ? Outcome::Done : finish(statement);
 }
 
-Outcome StatementRunner::execute(Statement& statement, sqlite3_stmt* prepared,
-                                 const sql::TokenizedText& userText) {
+std::vector<std::string> StatementRunner::titles(const Statement& statement, sqlite3_stmt* prepared) const {
+    if (settings_.sqlite)
+        return columnTitles(prepared, nullptr, false);
+    const sql::TokenizedText userText = sql::tokenize(statement.text);
+    return columnTitles(prepared, &userText, statement.isExpression);
+}
+
+Outcome StatementRunner::execute(Statement& statement, sqlite3_stmt* prepared) {
     int code = SQLITE_DONE;
     try {
         std::unique_ptr<ResultWriter> writer;
         if (sqlite3_column_count(prepared) != 0) {
             writer = makeWriter(statement, prepared);
-            writer->begin(
-                columnTitles(prepared, settings_.sqlite ? nullptr : &userText, statement.isExpression));
+            writer->begin(writer->showsTitles() ? titles(statement, prepared) : std::vector<std::string>());
         }
         code = writeRows(statement, prepared, writer.get());
         if (writer && code == SQLITE_DONE && !interrupt_.requested())

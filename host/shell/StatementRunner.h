@@ -82,7 +82,8 @@ private:
     std::unique_ptr<ResultWriter> makeWriter(const Statement& statement, sqlite3_stmt* prepared);
     /// Runs the SQLite statements of a text. They count as one statement, unless the user wrote them.
     Outcome runSqlite(Statement& statement, const std::string& sqliteText);
-    Outcome execute(Statement& statement, sqlite3_stmt* prepared, const sql::TokenizedText& userText);
+    Outcome execute(Statement& statement, sqlite3_stmt* prepared);
+    std::vector<std::string> titles(const Statement& statement, sqlite3_stmt* prepared) const;
     /// Steps to the end; answers SQLite's code.
     int writeRows(Statement& statement, sqlite3_stmt* prepared, ResultWriter* writer);
     Outcome finish(Statement& statement);

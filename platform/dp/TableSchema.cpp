@@ -23,20 +23,13 @@ int firstOf(const QVector<AttributeDefinitionPointer>& attributes) {
 } // namespace
 
 TableSchema::TableSchema(QVector<AttributeDefinitionPointer> attributes)
-    : attributes_(std::move(attributes)) {}
+    : attributes_(std::move(attributes)), geometryIndex_(firstOf<GeometryAttributeDefinition>(attributes_)),
+      styleIndex_(firstOf<RenditionAttributeDefinition>(attributes_)) {}
 
 int TableSchema::indexOf(const QString& name) const {
     return position(attributes_, [&name](const AttributeDefinitionPointer& attribute) {
         return attribute->name().compare(name, Qt::CaseInsensitive) == 0;
     });
-}
-
-int TableSchema::geometryIndex() const {
-    return firstOf<GeometryAttributeDefinition>(attributes_);
-}
-
-int TableSchema::styleIndex() const {
-    return firstOf<RenditionAttributeDefinition>(attributes_);
 }
 
 } // namespace orvane::dp

@@ -19,12 +19,14 @@ public:
     /// Position of the attribute of that name, letter case ignored; -1 when there is none.
     int indexOf(const QString& name) const;
     /// Position of the first geometry attribute; -1 when there is none.
-    int geometryIndex() const;
+    int geometryIndex() const { return geometryIndex_; }
     /// Position of the first style attribute; -1 when there is none.
-    int styleIndex() const;
+    int styleIndex() const { return styleIndex_; }
 
 private:
     QVector<AttributeDefinitionPointer> attributes_;
+    int geometryIndex_ = -1;
+    int styleIndex_ = -1;
 };
 
 } // namespace orvane::dp

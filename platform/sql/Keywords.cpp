@@ -132,17 +132,39 @@ constexpr std::size_t longestKeyword = std::max_element(entries.begin(), entries
 static_assert(std::is_sorted(entries.begin(), entries.end(),
                              [](auto& a, auto& b) { return compareFolded(a.spelling, b.spelling) < 0; }));
 
+constexpr std::size_t letterCount = 'z' - 'a' + 1;
+
+/// Where the keywords of each letter begin, and behind the last letter their end.
+constexpr auto beginOfLetter = [] {
+    std::array<std::size_t, letterCount + 1> begins{};
+    for (std::size_t letter = 0; letter <= letterCount; ++letter) {
+        std::size_t& begin = begins[letter];
+        for (begin = 1; begin < entries.size() &&
+                        lower(entries[begin].spelling.front()) < static_cast<wchar_t>(L'a' + letter);) {
+            ++begin;
+        }
+    }
+    return begins;
+}();
+
 } // namespace
 
 Keyword findKeyword(std::wstring_view word) {
     if (word.size() < 2 || word.size() > longestKeyword) {
         return Keyword::None;
     }
-    const auto found = std::lower_bound(
-        entries.begin() + 1, entries.end(), word,
-        [](const Entry& entry, std::wstring_view key) { return compareFolded(entry.spelling, key) < 0; });
-    return found != entries.end() && compareFolded(found->spelling, word) == 0
-               ? static_cast<Keyword>(found - entries.begin())
+    const auto letter = static_cast<std::size_t>(lower(word.front()) - L'a'); // wraps for what comes before
+    if (letter >= letterCount) {
+        return Keyword::None;
+    }
+    const auto* const begin = entries.data() + beginOfLetter[letter];
+    const auto* const end = entries.data() + beginOfLetter[letter + 1];
+    const auto* const found =
+        std::lower_bound(begin, end, word, [](const Entry& entry, std::wstring_view key) {
+            return compareFolded(entry.spelling, key) < 0;
+        });
+    return found != end && compareFolded(found->spelling, word) == 0
+               ? static_cast<Keyword>(found - entries.data())
                : Keyword::None;
 }
 

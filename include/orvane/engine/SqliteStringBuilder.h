@@ -71,6 +71,8 @@ public:
     void setTableColumns(TableColumns columns) { tableColumns_ = std::move(columns); }
     /// Stores the finished text.
     void setQuery(std::wstring query) { query_ = std::move(query); }
+    /// Stores whether it is that of a lone expression, not of a statement.
+    void setIsExpression(bool isExpression) { isExpression_ = isExpression; }
 
     /// The finished text, as its maker has stored it.
     const std::wstring& query() const { return query_; }
@@ -80,6 +82,8 @@ public:
     const std::vector<TableRef>& primaries() const { return primaries_; }
     /// Every column named at any depth, as often and in the order in which it is rendered.
     const std::vector<ColumnRef>& columns() const { return columns_; }
+    /// Whether it is an expression, as its maker has stored it.
+    bool isExpression() const { return isExpression_; }
     /// Whether the outermost query groups its rows.
     bool isAggregate() const { return isAggregate_; }
     /// Whether the statement refers to row numbers.
@@ -151,6 +155,7 @@ private:
     std::shared_ptr<dp::DataObject> selectionObject_;
     bool needDependencies_ = false;
     bool needColumns_ = false;
+    bool isExpression_ = false;
     bool isAggregate_ = false;
     bool isIdUsed_ = false;
     TableColumns tableColumns_;
