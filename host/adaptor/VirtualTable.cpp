@@ -13,15 +13,18 @@ VirtualTable::VirtualTable(QString name, std::shared_ptr<dp::Table> table, const
     : sqlite3_vtab{}, name_(std::move(name)), table_(std::move(table)), declaration_(schema), cache_(cache),
       indexStore_(std::move(indexStore)), indexing_(declaration_, cache_) {}
 
+engine::EngineIndices* VirtualTable::indices() const {
+    return table_ && makesIndices() ? indexStore_(table_) : nullptr;
+}
+
 std::optional<std::vector<dp::FeatureId>> VirtualTable::findByIndex(std::span<const dp::ScanTerm> terms,
                                                                     const dp::Cancellation& cancellation) {
-    engine::EngineIndices* store = terms.empty() || !makesIndices() ? nullptr : indexStore_(table_);
+    engine::EngineIndices* store = terms.empty() ? nullptr : indices();
     return store ? indexing_.find(table(), *store, terms, cancellation) : std::nullopt;
 }
 
 void VirtualTable::detach() {
-    engine::EngineIndices* store = table_ && makesIndices() ? indexStore_(table_) : nullptr;
-    if (store) {
+    if (engine::EngineIndices* store = indices()) {
         store->dropStorage();
     }
     forgetIndices();
@@ -29,18 +32,18 @@ void VirtualTable::detach() {
 }
 
 std::optional<double> VirtualTable::averageGroup(int attribute) const {
-    const engine::EngineIndices* store = makesIndices() ? indexStore_(table_) : nullptr;
+    const engine::EngineIndices* store = indices();
     return store ? indexing_.averageGroup(attribute, *store) : std::nullopt;
 }
 
 std::optional<double> VirtualTable::countRows(int attribute, dp::Comparison comparison,
                                               const dp::Cell& operand, std::size_t most) const {
-    const engine::EngineIndices* store = makesIndices() ? indexStore_(table_) : nullptr;
+    const engine::EngineIndices* store = indices();
     return store ? indexing_.countRows(attribute, comparison, operand, *store, most) : std::nullopt;
 }
 
 bool VirtualTable::narrows(dp::Comparison comparison, std::string_view pattern) const {
-    const engine::EngineIndices* store = makesIndices() ? indexStore_(table_) : nullptr;
+    const engine::EngineIndices* store = indices();
     return store && store->narrows(static_cast<quint8>(comparison), pattern);
 }
 
@@ -49,14 +52,14 @@ bool VirtualTable::hasOrder(int attribute) const {
 }
 
 std::optional<double> VirtualTable::largestGroup(int attribute) const {
-    const engine::EngineIndices* store = makesIndices() ? indexStore_(table_) : nullptr;
+    const engine::EngineIndices* store = indices();
     return store ? indexing_.largestGroup(attribute, *store) : std::nullopt;
 }
 
 std::unique_ptr<dp::Cursor> VirtualTable::openInOrder(const std::vector<int>& attributes,
                                                       std::vector<ArrangedRows::Key> keys,
                                                       const dp::Cancellation& cancellation) {
-    const engine::EngineIndices* store = makesIndices() ? indexStore_(table_) : nullptr;
+    const engine::EngineIndices* store = indices();
     auto order = store ? indexing_.inOrder(table(), *store, keys.front().attribute, keys.front().isDescending)
                        : nullptr;
     return order ? std::make_unique<IndexOrderCursor>(table_, cache_, std::move(order), attributes,
@@ -65,7 +68,7 @@ std::unique_ptr<dp::Cursor> VirtualTable::openInOrder(const std::vector<int>& at
 }
 
 void VirtualTable::countSort(int attribute, const dp::Cancellation& cancellation) {
-    if (engine::EngineIndices* store = makesIndices() ? indexStore_(table_) : nullptr) {
+    if (engine::EngineIndices* store = indices()) {
         indexing_.countSort(table(), *store, attribute, cancellation);
     }
 }

@@ -87,6 +87,9 @@ public:
     void plan(sqlite3_index_info& info) const;
 
 private:
+    /// The table's attribute indices; null when none are made, and for a closed table.
+    engine::EngineIndices* indices() const;
+
     QString name_;
     std::shared_ptr<dp::Table> table_;
     TableDeclaration declaration_;
