@@ -297,6 +297,10 @@
         <source>после Escape должен стоять один символ</source>
         <translation>Escape takes a single character</translation>
     </message>
+    <message>
+        <source>объект в системе координат %1 не переводится в %2, систему первого объекта группы</source>
+        <translation>an object in the coordinate system %1 cannot be brought to %2, that of the first object of its group</translation>
+    </message>
 </context>
 <context>
     <name>orvane::engine::EngineExpression</name>

@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <csignal>
+#include <cstdio>
 
 #include <sys/eventfd.h>
 #include <unistd.h>
@@ -84,6 +85,7 @@ void Interrupt::exitNow() {
     const std::lock_guard lock(mutex_);
     if (cleanUp_)
         cleanUp_();
+    std::fprintf(stderr, "orvane: %s\n", Shell::tr("прервано").toUtf8().constData());
     ::_exit(Interrupted);
 }
 

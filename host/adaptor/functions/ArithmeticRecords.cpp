@@ -56,13 +56,15 @@ const FunctionRecord records[] = {
          "The number rounded to decimal places (tens, hundreds, ... for negative ones), halves away from "
          "zero.",
          "RoundBy(1.005, 2)", "1.01"}),
-    {"WtAvg", aggregates, Arity::exactly(2), true, SQLITE_UTF8, nullptr, engine::WtAvg::step,
-     engine::WtAvg::final, "WtAvg(value, weight)", "The average of the values with their weights.",
-     "(Select WtAvg(v, w) From (Select 10 As v, 1 As w Union All Select 20, 3) t)", "17.5"},
-    {"WtAvgSafe", aggregates, Arity::exactly(2), true, SQLITE_UTF8, nullptr, engine::WtAvgSafe::step,
-     engine::WtAvgSafe::final, "WtAvgSafe(value, weight)",
-     "The same as WtAvg without a large intermediate sum; an error once the weights add up to zero.",
-     "(Select WtAvgSafe(v, w) From (Select 10 As v, 1 As w Union All Select 20, 3) t)", "17.5"},
+    aggregateFunction<engine::WtAvg>(
+        "WtAvg", aggregates, Arity::exactly(2),
+        {"WtAvg(value, weight)", "The average of the values with their weights.",
+         "(Select WtAvg(v, w) From (Select 10 As v, 1 As w Union All Select 20, 3) t)", "17.5"}),
+    aggregateFunction<engine::WtAvgSafe>(
+        "WtAvgSafe", aggregates, Arity::exactly(2),
+        {"WtAvgSafe(value, weight)",
+         "The same as WtAvg without a large intermediate sum; an error once the weights add up to zero.",
+         "(Select WtAvgSafe(v, w) From (Select 10 As v, 1 As w Union All Select 20, 3) t)", "17.5"}),
 };
 
 } // namespace

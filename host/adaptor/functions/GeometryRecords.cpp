@@ -10,6 +10,7 @@ constexpr const char* measures = "Measures";
 constexpr const char* relations = "Relations";
 constexpr const char* geometries = "Geometries";
 constexpr const char* systems = "Coordinate systems";
+constexpr const char* aggregates = "Geometry aggregates";
 
 const FunctionRecord records[] = {
     pureFunction(
@@ -130,6 +131,46 @@ const FunctionRecord records[] = {
     environmentFunction("RetrieveTableCS", systems, Arity::exactly(1), engine::retrieveTableCS,
                         {"RetrieveTableCS(table name)", "The coordinate system of a table.",
                          "RetrieveTableCS('no such table')", "NULL"}),
+    aggregateFunction<engine::Collect>(
+        "Collect", aggregates, Arity::exactly(1),
+        {"Collect(obj)", "All objects as the parts of one, in the system of the first.",
+         "(Select AsText(Collect(p)) From (Select MakePoint(1, 2) As p Union All Select MakePoint(3, 4)) t)",
+         "MULTIPOINT(1 2, 3 4)"}),
+    aggregateFunction<engine::Collect>("ST_Collect", aggregates, Arity::exactly(1),
+                                       {"ST_Collect(obj)",
+                                        "All objects as the parts of one, in the system of the first.",
+                                        "(Select AsText(ST_Collect(p)) From (Select MakePoint(1, 2) As p "
+                                        "Union All Select MakePoint(3, 4)) t)",
+                                        "MULTIPOINT(1 2, 3 4)"}),
+    aggregateFunction<engine::Union>(
+        "GUnion", aggregates, Arity::exactly(1),
+        {"GUnion(obj)", "All that lies in one of the objects at least, in the system of the first.",
+         "(Select Area(GUnion(o)) From (Select BuildMbr(0, 0, 2, 2) As o Union All Select BuildMbr(1, 0, 4, "
+         "2)) t)",
+         "8.0"}),
+    aggregateFunction<engine::Union>(
+        "ST_Union", aggregates, Arity::exactly(1),
+        {"ST_Union(obj)", "All that lies in one of the objects at least, in the system of the first.",
+         "(Select Area(ST_Union(o)) From (Select BuildMbr(0, 0, 2, 2) As o Union All Select BuildMbr(1, 0, "
+         "4, 2)) t)",
+         "8.0"}),
+    aggregateFunction<engine::MakeLine>(
+        "MakeLine", aggregates, Arity::exactly(1),
+        {"MakeLine(obj)", "The line through the positions of points and lines, in the order of the rows.",
+         "(Select AsText(MakeLine(p)) From (Select MakePoint(1, 2) As p Union All Select MakePoint(3, 4)) t)",
+         "LINESTRING(1 2, 3 4)"}),
+    aggregateFunction<engine::Polygonize>(
+        "Polygonize", aggregates, Arity::exactly(1),
+        {"Polygonize(obj)", "The areas that lines and borders enclose; lines have to meet in their ends.",
+         "(Select ST_Area(Polygonize(l)) From (Select GeomFromText('LINESTRING(0 0,2 0,2 2)') As l Union All "
+         "Select GeomFromText('LINESTRING(2 2,0 0)')) t)",
+         "2.0"}),
+    aggregateFunction<engine::Polygonize>(
+        "ST_Polygonize", aggregates, Arity::exactly(1),
+        {"ST_Polygonize(obj)", "The areas that lines and borders enclose; lines have to meet in their ends.",
+         "(Select ST_Area(ST_Polygonize(l)) From (Select GeomFromText('LINESTRING(0 0,2 0,2 2)') As l Union "
+         "All Select GeomFromText('LINESTRING(2 2,0 0)')) t)",
+         "2.0"}),
 };
 
 } // namespace

@@ -27,4 +27,13 @@ constexpr FunctionRecord environmentFunction(const char* name, const char* group
     return record;
 }
 
+/// An aggregate; `Aggregate` has the static functions step and final.
+template<typename Aggregate>
+constexpr FunctionRecord aggregateFunction(const char* name, const char* group, Arity arity,
+                                           Documentation text) {
+    return {name,           group,        arity,           true,
+            SQLITE_UTF8,    nullptr,      Aggregate::step, Aggregate::final,
+            text.signature, text.summary, text.example,    text.result};
+}
+
 } // namespace orvane::adaptor

@@ -98,6 +98,8 @@ TEST_F(GeometryFunctions, RelationsOverManyRows) {
     EXPECT_NE(ours, "integer 0");
     EXPECT_EQ(value("Count(*) From a x, a y Where ST_Intersects(x.g, y.g)"),
               value("Count(*) From a x, a y Where ST_Relate(x.g, y.g, 'FF*FF****') = 0"));
+    EXPECT_EQ(value("Round(ST_Area(GUnion(g)), 9) From a"),
+              value("Round(ST_Area(UnaryUnion(Collect(g))), 9) From a"));
 }
 
 /// An arc goes through the engine blob as an arc and leaves for SpatiaLite as a line.
@@ -106,6 +108,7 @@ TEST_F(GeometryFunctions, Curves) {
     const std::string arc = "x'" + blob.toHex().toStdString() + "'";
     EXPECT_EQ(value("GeometryType(FromOrvGeo(" + arc + "))"), "text LINESTRING");
     EXPECT_EQ(value("ToOrvGeo(" + arc + ")"), "blob " + blob.toHex().toStdString());
+    EXPECT_EQ(value("GeometryType(Collect(" + arc + "))"), "text LINESTRING");
 }
 
 } // namespace

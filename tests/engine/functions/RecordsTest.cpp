@@ -26,7 +26,8 @@ const char* const fixedNames =
     "ObjectLen SphericalObjectLen CartesianObjectLen SphericalObjectDistance CartesianObjectDistance "
     "CentroidX CentroidY ContainsCentroid CentroidWithin Intersects ST_Intersects ContainsEntirely "
     "ST_Contains EntirelyWithin ST_Within MakeValidGeo Centroid Resemblance ToOrvGeo TransformToOrvGeo "
-    "TransformToSLGeo FromOrvGeo RetrieveCS RetrieveTableCS";
+    "TransformToSLGeo FromOrvGeo RetrieveCS RetrieveTableCS "
+    "Collect ST_Collect GUnion ST_Union MakeLine Polygonize ST_Polygonize";
 
 const std::vector<std::string> everyKindOfValue = orvane::tests::pieces(
     "NULL|0|-1|3|2147483647|9223372036854775807|(-9223372036854775807 - 1)|1e308|-2.5|1e999|''|'12.5 km'|"

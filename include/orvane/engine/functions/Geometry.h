@@ -67,4 +67,34 @@ ORVANE_ENGINE_EXPORT void retrieveCS(sqlite3_context* context, int count, sqlite
 /// The tagged string of the coordinate system of the table of this name; NULL for none.
 ORVANE_ENGINE_EXPORT void retrieveTableCS(sqlite3_context* context, int count, sqlite3_value** values);
 
+/// The aggregates of geometries. What is no geometry, and empty ones, are left out; NULL over none. The
+/// result is in the coordinate system of the first geometry that has one: the others are reprojected to it,
+/// an error where that cannot be, and those without a system are taken to be in it. Curves are made linear.
+/// A SpatiaLite blob, an engine blob where the system has no EPSG code. Cancelled groups end at once.
+struct ORVANE_ENGINE_EXPORT GeometryAggregate {
+    static void step(sqlite3_context* context, int count, sqlite3_value** values);
+};
+
+/// The multi-part geometry of all parts, or a collection when they are of different kinds; of one geometry,
+/// that geometry. z and m are 0 where only others have them.
+struct ORVANE_ENGINE_EXPORT Collect : GeometryAggregate {
+    static void final(sqlite3_context* context);
+};
+
+/// The line through the positions of points and lines in the order of the rows; NULL over areas and fewer
+/// than two positions.
+struct ORVANE_ENGINE_EXPORT MakeLine : GeometryAggregate {
+    static void final(sqlite3_context* context);
+};
+
+/// geometry::unionOf of the group.
+struct ORVANE_ENGINE_EXPORT Union : GeometryAggregate {
+    static void final(sqlite3_context* context);
+};
+
+/// geometry::polygonized of the group.
+struct ORVANE_ENGINE_EXPORT Polygonize : GeometryAggregate {
+    static void final(sqlite3_context* context);
+};
+
 } // namespace orvane::engine

@@ -1,0 +1,177 @@
+#include <orvane/engine/functions/Geometry.h>
+
+#include "Barrier.h"
+#include "engine/geometry/GatheredParts.h"
+#include "platform/cs/CoordSystem.h"
+#include "platform/geometry/Curves.h"
+#include "platform/geometry/GeometryFactory.h"
+#include "platform/geometry/Overlay.h"
+#include <orvane/engine/EngineCache.h>
+#include <orvane/engine/GeometryConversions.h>
+
+#include <QCoreApplication>
+
+#include <memory>
+#include <new>
+#include <stdexcept>
+
+namespace orvane::engine {
+
+namespace {
+
+using geometry::GeometryPtr;
+
+/// The geometries of one group, in the coordinate system of the first that has one.
+class Group {
+public:
+    explicit Group(EngineCache& cache) : cache_(cache) {}
+
+    const GatheredParts& parts() const { return parts_; }
+    const dp::Cancellation& cancellation() const { return cancellation_; }
+    int srid() const { return srid_; }
+
+    void add(sqlite3_context* context, sqlite3_value* value) {
+        if (sqlite3_value_type(value) != SQLITE_BLOB) {
+            return;
+        }
+        const std::string_view blob(static_cast<const char*>(sqlite3_value_blob(value)),
+                                    static_cast<std::size_t>(sqlite3_value_bytes(value)));
+        const auto header = readSpatialiteHeader(blob);
+        if (header && takesSystem(header->srid) && parts_.add(*header)) {
+            return;
+        }
+        if (const GeometryPtr geometry = toGeometry(context, value, true)) {
+            parts_.add(*geometry::linearized(inSystem(geometry)));
+        }
+    }
+
+    /// Gives what became of the group, without coordinate system, in that of the group.
+    void setResult(sqlite3_context* context, const std::shared_ptr<geometry::Geometry>& geometry) const {
+        if (geometry) {
+            geometry->setCoordSystem(coordSystem_);
+        }
+        if (coordSystem_ && srid_ == 0) {
+            toOrvGeo(geometry, context, &cache_, false);
+        } else {
+            toGaia(geometry, context, &cache_);
+        }
+    }
+    void setResult(sqlite3_context* context, const std::string& blob) const {
+        if (coordSystem_ && srid_ == 0 && !blob.empty()) { // which a SpatiaLite blob cannot name
+            const auto header = readSpatialiteHeader(blob);
+            setResult(context,
+                      geometry::GeometryFactory::fromSpatialiteBody(header->body, true, coordSystem_));
+        } else if (!blob.empty()) {
+            sqlite3_result_blob64(context, blob.data(), blob.size(), SQLITE_TRANSIENT);
+        }
+    }
+
+private:
+    /// Whether a geometry with this SRID needs no reprojection. The first one determines the system.
+    bool takesSystem(int srid) {
+        if (srid <= 0 || srid == srid_) {
+            return true;
+        }
+        if (srid_ != 0 || coordSystem_) {
+            return false;
+        }
+        srid_ = srid;
+        coordSystem_ = cache_.get(srid);
+        return true;
+    }
+
+    GeometryPtr inSystem(const GeometryPtr& geometry) {
+        const std::shared_ptr<cs::CoordSystem> own = geometry->coordSystem();
+        if (!own || (!coordSystem_ && srid_ != 0)) {
+            return geometry;
+        }
+        if (!coordSystem_) {
+            coordSystem_ = own;
+            srid_ = own->epsg();
+        }
+        if (own == coordSystem_ || own->equals(*coordSystem_)) {
+            return geometry;
+        }
+        if (GeometryPtr transformed = geometry->transformed(coordSystem_)) {
+            return transformed;
+        }
+        throw std::runtime_error(
+            QCoreApplication::translate("orvane::engine",
+                                        "объект в системе координат %1 не переводится в %2, систему первого "
+                                        "объекта группы")
+                .arg(own->taggedString(), coordSystem_->taggedString())
+                .toStdString());
+    }
+
+    EngineCache& cache_;
+    GatheredParts parts_;
+    std::shared_ptr<cs::CoordSystem> coordSystem_;
+    int srid_ = 0;
+    const dp::Cancellation cancellation_;
+};
+
+/// Computes the result of a group that has parts. SQLite also ends the groups of a statement that was
+/// cancelled or given up: those of a cancelled one are only let go.
+template<typename Compute>
+void endGroup(sqlite3_context* context, const Compute& compute) {
+    barrier(context, [&] {
+        auto* const memory = static_cast<Group**>(sqlite3_aggregate_context(context, 0));
+        const std::unique_ptr<const Group> group(memory ? *memory : nullptr);
+        if (group && group->parts().count() > 0) {
+            group->cancellation().check();
+            compute(*group);
+        }
+    });
+}
+
+/// The parts of a group one after another.
+geometry::NextGeometry partsOf(const Group& group) {
+    return [&group, index = std::size_t(0)]() mutable {
+        return index < group.parts().count() ? group.parts().part(index++) : nullptr;
+    };
+}
+
+} // namespace
+
+void GeometryAggregate::step(sqlite3_context* context, int, sqlite3_value** values) {
+    barrier(context, [&] {
+        auto* const memory = static_cast<Group**>(sqlite3_aggregate_context(context, sizeof(Group*)));
+        if (!memory) {
+            throw std::bad_alloc();
+        }
+        if (!*memory) {
+            *memory = new Group(*static_cast<EngineCache*>(sqlite3_user_data(context)));
+        }
+        (*memory)->add(context, values[0]);
+        const int longest = sqlite3_limit(sqlite3_context_db_handle(context), SQLITE_LIMIT_LENGTH, -1);
+        if ((*memory)->parts().size() > static_cast<std::size_t>(longest)) {
+            sqlite3_result_error_toobig(context);
+        }
+    });
+}
+
+void Collect::final(sqlite3_context* context) {
+    endGroup(context, [context](const Group& group) {
+        group.setResult(context, group.parts().collected(group.srid(), group.cancellation()));
+    });
+}
+
+void MakeLine::final(sqlite3_context* context) {
+    endGroup(context, [context](const Group& group) {
+        group.setResult(context, group.parts().line(group.srid(), group.cancellation()));
+    });
+}
+
+void Union::final(sqlite3_context* context) {
+    endGroup(context, [context](const Group& group) {
+        group.setResult(context, geometry::unionOf(partsOf(group), group.cancellation()));
+    });
+}
+
+void Polygonize::final(sqlite3_context* context) {
+    endGroup(context, [context](const Group& group) {
+        group.setResult(context, geometry::polygonized(partsOf(group), group.cancellation()));
+    });
+}
+
+} // namespace orvane::engine
