@@ -110,13 +110,18 @@ private:
     const dp::Cancellation cancellation_;
 };
 
+/// What SQLite keeps for a group, filled with zeros at first.
+struct State {
+    Group* group;
+};
+
 /// Computes the result of a group that has parts. SQLite also ends the groups of a statement that was
 /// cancelled or given up: those of a cancelled one are only let go.
 template<typename Compute>
 void endGroup(sqlite3_context* context, const Compute& compute) {
     barrier(context, [&] {
-        auto* const memory = static_cast<Group**>(sqlite3_aggregate_context(context, 0));
-        const std::unique_ptr<const Group> group(memory ? *memory : nullptr);
+        const auto* const state = static_cast<State*>(sqlite3_aggregate_context(context, 0));
+        const std::unique_ptr<const Group> group(state ? state->group : nullptr);
         if (group && group->parts().count() > 0) {
             group->cancellation().check();
             compute(*group);
@@ -135,16 +140,16 @@ geometry::NextGeometry partsOf(const Group& group) {
 
 void GeometryAggregate::step(sqlite3_context* context, int, sqlite3_value** values) {
     barrier(context, [&] {
-        auto* const memory = static_cast<Group**>(sqlite3_aggregate_context(context, sizeof(Group*)));
-        if (!memory) {
+        auto* const state = static_cast<State*>(sqlite3_aggregate_context(context, sizeof(State)));
+        if (!state) {
             throw std::bad_alloc();
         }
-        if (!*memory) {
-            *memory = new Group(*static_cast<EngineCache*>(sqlite3_user_data(context)));
+        if (!state->group) {
+            state->group = new Group(*static_cast<EngineCache*>(sqlite3_user_data(context)));
         }
-        (*memory)->add(context, values[0]);
+        state->group->add(context, values[0]);
         const int longest = sqlite3_limit(sqlite3_context_db_handle(context), SQLITE_LIMIT_LENGTH, -1);
-        if ((*memory)->parts().size() > static_cast<std::size_t>(longest)) {
+        if (state->group->parts().size() > static_cast<std::size_t>(longest)) {
             sqlite3_result_error_toobig(context);
         }
     });

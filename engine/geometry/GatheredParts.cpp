@@ -174,7 +174,7 @@ std::uint32_t GatheredParts::kindOfAll() const {
 
 std::string GatheredParts::collected(int srid, const dp::Cancellation& cancellation) const {
     if (ends_.empty()) {
-        return std::string();
+        return {};
     }
     const std::uint32_t kind = kindOfAll();
     std::string blob;
@@ -219,7 +219,7 @@ std::string GatheredParts::line(int srid, const dp::Cancellation& cancellation) 
     }
     const std::size_t count = (blob.size() - positionsOffset) / (strideOf(dimensions_) * sizeof(double));
     if (count < 2) {
-        return std::string();
+        return {};
     }
     qToLittleEndian<quint32>(static_cast<quint32>(count), blob.data() + countOffset);
     return finished(std::move(blob), srid, envelope_);

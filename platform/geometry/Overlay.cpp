@@ -74,7 +74,7 @@ std::shared_ptr<Geometry> polygonized(const NextGeometry& next, const dp::Cancel
         }
         const GeosPtr areas =
             checked(GEOSPolygonize_r(geosContext(), lent.data(), static_cast<unsigned>(lent.size())));
-        const std::shared_ptr<Geometry> collection = fromGeosUnlessEmpty(areas);
+        std::shared_ptr<Geometry> collection = fromGeosUnlessEmpty(areas);
         if (!collection) {
             return collection;
         }
