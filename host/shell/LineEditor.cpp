@@ -66,12 +66,6 @@ LineEditor::LineEditor(Interrupt& interrupt, std::string historyPath, Complete c
         history(history_.get(), &event, H_LOAD, historyPath_.c_str());
 }
 
-LineEditor::~LineEditor() {
-    HistEvent event;
-    if (!historyPath_.empty())
-        history(history_.get(), &event, H_SAVE, historyPath_.c_str());
-}
-
 LineEditor::Event LineEditor::read(const std::string& prompt, std::string& line) {
     prompt_ = prompt;
     cancelled_ = false;
@@ -96,9 +90,13 @@ LineEditor::Event LineEditor::read(const std::string& prompt, std::string& line)
 }
 
 void LineEditor::remember(const std::string& text) {
+    if (text.empty())
+        return;
     HistEvent event;
-    if (!text.empty())
-        history(history_.get(), &event, H_ENTER, text.c_str());
+    history(history_.get(), &event, H_ENTER, text.c_str());
+    // At once: a terminal that is closed ends the program without a last word.
+    if (!historyPath_.empty())
+        history(history_.get(), &event, H_SAVE, historyPath_.c_str());
 }
 
 LineEditor& LineEditor::self(EditLine* edit) {

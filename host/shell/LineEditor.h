@@ -26,14 +26,14 @@ public:
 
     /// `historyPath` may be empty for a history that is not kept.
     LineEditor(Interrupt& interrupt, std::string historyPath, Complete complete);
-    ~LineEditor();
     LineEditor(const LineEditor&) = delete;
     LineEditor& operator=(const LineEditor&) = delete;
 
     /// The next line without its end; several lines where the user took them from the history. Ctrl-C cancels
     /// the line, Ctrl-D in an empty one ends the input.
     Event read(const std::string& prompt, std::string& line);
-    /// Puts a text of one line or several into the history, as one entry; an empty one is ignored.
+    /// Puts a text of one line or several into the history and its file, as one entry; an empty one is
+    /// ignored.
     void remember(const std::string& text);
 
 private:

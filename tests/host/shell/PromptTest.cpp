@@ -248,13 +248,12 @@ TEST_F(Prompt, keepsAStatementOfSeveralLinesAsOneEntryOfTheHistory) {
     terminal_.readUntil("orvane> ");
     terminal_.type(upKey + std::string(";\n"));
     terminal_.readUntil("\r\n    3\r\n");
-    terminal_.type(".quit\n");
-    EXPECT_EQ(terminal_.exitStatus(), 0);
 
-    Terminal again(home_.path().toStdString(), {});
+    Terminal again(home_.path().toStdString(),
+                   {}); // the first one has not ended: it may never do so properly
     again.readUntil("orvane> ");
-    again.type(std::string(upKey) + upKey + upKey + upKey); // .quit, the third with and without its end
-    again.type("\x7f\x7f"                                   // over the semicolon to the line before
+    again.type(std::string(upKey) + upKey + upKey); // the third with and without its end
+    again.type("\x7f\x7f"                           // over the semicolon to the line before
                "0;\n");
     again.readUntil("\r\nfirst | second0\r\n");
     again.type(".quit\n");
