@@ -714,6 +714,10 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
         <translation>--select: there is no table &quot;%0&quot;; did you mean &quot;%1&quot;?</translation>
     </message>
     <message>
+        <source>%0 здесь недопустим: строки нумеруются после отбора; чтобы отобрать по номеру, пронумеруйте их во вложенном запросе</source>
+        <translation>%0 cannot be used here: the rows are numbered once they are chosen; to choose by number, number them in a subquery</translation>
+    </message>
+    <message>
         <source>функция %1 здесь недопустима: она считает по многим строкам</source>
         <translation>the function %1 cannot be used here: it is calculated over many rows</translation>
     </message>

@@ -154,6 +154,17 @@ bool means(const QString& word, const QString& name) {
                                                                   : QStringLiteral("tr$$_rendition")));
 }
 
+/// The tokens with that value, whatever their letter case.
+std::vector<std::size_t> wordsOf(const sql::TokenizedText& text, const QString& value) {
+    std::vector<std::size_t> found;
+    for (std::size_t i = 0; i < text.tokens.size(); ++i) {
+        const QString other = sql::fromSqlString(text.value(text.tokens[i]));
+        if (other.compare(value, Qt::CaseInsensitive) == 0)
+            found.push_back(i);
+    }
+    return found;
+}
+
 std::size_t charactersIn(const std::string& utf8, int bytes) {
     if (bytes < 0)
         return std::string::npos;
@@ -178,6 +189,7 @@ Problem SqliteErrors::explain(const QString& message) const {
         {"^wrong number of arguments to function (.*)\\(\\)$", &SqliteErrors::wrongArguments},
         {"^ambiguous column name: (.*)$", &SqliteErrors::ambiguousColumn},
         {"^table (.* has no column named .*)$", &SqliteErrors::missingTargetColumn},
+        {"^misuse of (?:aliased )?window function (row_number)\\(\\)$", &SqliteErrors::misusedRowNumber},
     };
     for (const auto& [pattern, explainName] : named) {
         const auto match = QRegularExpression(QLatin1String(pattern)).match(message);
@@ -293,6 +305,22 @@ Problem SqliteErrors::wrongArguments(const QString& name) const {
     return {message, placeOf(name, Role::Function)};
 }
 
+/// The function stands for the dialect's rownum.
+Problem SqliteErrors::misusedRowNumber(const QString& name) const {
+    const QString dialectName = QStringLiteral("rownum");
+    const auto written = wordsOf(statement_, dialectName);
+    const auto translated = wordsOf(sqliteText_, name);
+    std::optional<TextPlace> place;
+    for (std::size_t i = 0; written.size() == translated.size() && i < written.size(); ++i) {
+        if (errorOffset_ == sqliteText_.tokens[translated[i]].offset)
+            place = placeOfTokens(written[i], written[i]);
+    }
+    return {Shell::tr("%0 здесь недопустим: строки нумеруются после отбора; чтобы отобрать по номеру, "
+                      "пронумеруйте их во вложенном запросе")
+                .arg(written.empty() ? name : dialectName),
+            place};
+}
+
 Problem SqliteErrors::ambiguousColumn(const QString& name) const {
     const QString column = userColumnName(name.section(QLatin1Char('.'), -1));
     return {Shell::tr("столбец «%0» есть в нескольких таблицах: укажите таблицу перед ним").arg(column),
@@ -370,17 +398,8 @@ std::optional<TextPlace> SqliteErrors::placeOfTranslated(std::size_t token) cons
     if (!isValue)
         return std::nullopt;
     const QString value = sql::fromSqlString(sqliteText_.value(sqliteText_.tokens[token]));
-    const auto positions = [&value](const sql::TokenizedText& text) {
-        std::vector<std::size_t> found;
-        for (std::size_t i = 0; i < text.tokens.size(); ++i) {
-            const QString other = sql::fromSqlString(text.value(text.tokens[i]));
-            if (other.compare(value, Qt::CaseInsensitive) == 0)
-                found.push_back(i);
-        }
-        return found;
-    };
-    const auto translated = positions(sqliteText_);
-    const auto written = positions(statement_);
+    const auto translated = wordsOf(sqliteText_, value);
+    const auto written = wordsOf(statement_, value);
     const auto ordinal =
         static_cast<std::size_t>(std::find(translated.begin(), translated.end(), token) - translated.begin());
     if (written.size() != translated.size() || ordinal >= written.size())

@@ -31,6 +31,7 @@ private:
     Problem missingTargetColumn(const QString& tableAndColumn) const;
     Problem missingFunction(const QString& name) const;
     Problem wrongArguments(const QString& name) const;
+    Problem misusedRowNumber(const QString& name) const;
     Problem ambiguousColumn(const QString& name) const;
     Problem tooDeep() const;
 
