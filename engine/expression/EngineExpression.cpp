@@ -46,6 +46,15 @@ QString momentText(const QVariant& value) {
     }
 }
 
+/// NULL is a null text, as the driver has it.
+QVariant valueOf(const dp::SqliteStatement& statement) {
+    QVariant value = statement.value(0);
+    if (!value.isValid()) {
+        value = QVariant(QVariant::String);
+    }
+    return value;
+}
+
 } // namespace
 
 EngineExpression::EngineExpression(QSqlDatabase database, const dp::TableSchema& schema, EngineCache* cache)
@@ -73,6 +82,7 @@ EngineExpression::EngineExpression(QSqlDatabase database, const dp::TableSchema&
 
 EngineExpression::~EngineExpression() {
     expression_.reset();
+    ofValues_.reset();
     if (!tableName().isEmpty()) {
         query_.exec(QStringLiteral("Drop Table If Exists %0;").arg(tableName()));
     }
@@ -109,12 +119,17 @@ bool EngineExpression::setExpression(const QString& expression) {
     }
     sql += QLatin1Char(';');
     expression_.reset();
+    ofValues_.reset();
+    if (row_) {
+        row_->startExpression();
+    }
     valid_ = query_.prepare(sql);
     lastErrorText_ = query_.lastError().text();
     if (valid_) {
         try {
             expression_ = std::make_unique<dp::SqliteStatement>(sqliteHandle(database_), sql, QString(),
                                                                 dp::SqliteStatement::Use::Repeated);
+            ofValues_ = row_ ? row_->prepareForValues(expression) : nullptr;
         } catch (const err::SqliteException& failure) {
             valid_ = false;
             lastErrorText_ = failure.sqliteMessage();
@@ -151,10 +166,12 @@ QVariant EngineExpression::exec() {
     if (!expression_) {
         reason = query_.lastError().text();
     } else {
-        const auto reset = qScopeGuard([this] { expression_->reset(); });
         try {
-            if (expression_->next()) {
-                return currentValue();
+            dp::SqliteStatement& statement =
+                ofValues_ && row_->bindTo(*ofValues_) ? *ofValues_ : *expression_;
+            const auto reset = qScopeGuard([&statement] { statement.reset(); });
+            if (statement.next()) {
+                return valueOf(statement);
             }
         } catch (const err::SqliteException& failure) {
             reason = failure.sqliteMessage();
@@ -204,7 +221,7 @@ bool EngineExpression::execFrom(const std::vector<dp::FeaturePtr>& features, std
     });
     try {
         while (expression_->next() && !readsAhead) {
-            values[static_cast<int>(next) - 1] = currentValue();
+            values[static_cast<int>(next) - 1] = valueOf(*expression_);
             isAnswered = true;
         }
     } catch (const err::SqliteException& failure) {
@@ -214,12 +231,6 @@ bool EngineExpression::execFrom(const std::vector<dp::FeaturePtr>& features, std
         next = first;
     }
     return !readsAhead;
-}
-
-/// NULL is a null text, as the driver has it.
-QVariant EngineExpression::currentValue() const {
-    QVariant value = expression_->value(0);
-    return value.isValid() ? value : QVariant(QVariant::String);
 }
 
 void EngineExpression::logFailure(const QString& reason) const {

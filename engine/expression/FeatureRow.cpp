@@ -3,15 +3,13 @@
 #include "engine/expression/FeatureRowModule.h"
 
 #include "platform/core/SqliteException.h"
-#include "platform/decimal/QDecNumber.h"
 #include "platform/sql/SqlStrings.h"
 #include <orvane/engine/ColumnNames.h>
 #include <orvane/engine/functions/Converters.h>
 
-#include <QDateTime>
-
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <stdexcept>
 
 namespace orvane::engine {
@@ -22,71 +20,34 @@ struct StatementFinalizer {
     void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
 };
 
-/// The affinity of a declared type, by the rules of SQLite (https://www.sqlite.org/datatype3.html, 3.1).
-FeatureRow::Column::Affinity affinityOf(const char* declaredType) {
-    const QByteArray type = QByteArray(declaredType).toUpper();
-    if (type.contains("INT")) {
-        return FeatureRow::Column::Integer;
+/// Whether a value is of the class that a column of the affinity is for.
+bool isOfClass(const dp::Cell& cell, Affinity affinity) {
+    switch (cell.type()) {
+    case dp::CellType::Null: return true;
+    case dp::CellType::Integer: return affinity == Affinity::Integer || affinity == Affinity::Numeric;
+    case dp::CellType::Real: return affinity == Affinity::Real || affinity == Affinity::Numeric;
+    case dp::CellType::Text: return affinity == Affinity::Text;
+    case dp::CellType::Bytes:
+    case dp::CellType::Wkb: break;
     }
-    if (type.contains("CHAR") || type.contains("CLOB") || type.contains("TEXT")) {
-        return FeatureRow::Column::Text;
-    }
-    if (type.contains("BLOB") || type.isEmpty()) {
-        return FeatureRow::Column::Blob;
-    }
-    if (type.contains("REAL") || type.contains("FLOA") || type.contains("DOUB")) {
-        return FeatureRow::Column::Real;
-    }
-    return FeatureRow::Column::Numeric;
+    return affinity == Affinity::Blob;
 }
 
 } // namespace
 
-bool isStandardType(int metaType) {
-    switch (metaType) {
-    case QMetaType::Bool:
-    case QMetaType::Int:
-    case QMetaType::Short:
-    case QMetaType::UInt:
-    case QMetaType::UShort:
-    case QMetaType::UChar:
-    case QMetaType::LongLong:
-    case QMetaType::Long:
-    case QMetaType::ULongLong:
-    case QMetaType::ULong:
-    case QMetaType::Double:
-    case QMetaType::Float:
-    case QMetaType::QDate:
-    case QMetaType::QTime:
-    case QMetaType::QDateTime: return true;
-    case QMetaType::QString: return false;
-    default: return metaType == qMetaTypeId<QDecNumber>();
-    }
+bool FeatureRow::State::uses(std::size_t column) const {
+    constexpr std::size_t lastBit = 63;
+    return (usedColumns >> std::min(column, lastBit) & 1) != 0;
 }
 
-std::optional<QVariant> standardValue(const QVariant& value) {
-    switch (value.userType()) {
-    case QMetaType::Bool:
-    case QMetaType::Int:
-    case QMetaType::Short: return value.toInt();
-    case QMetaType::UInt:
-    case QMetaType::UShort:
-    case QMetaType::UChar: return value.toUInt();
-    case QMetaType::LongLong:
-    case QMetaType::Long: return value.toLongLong();
-    case QMetaType::ULongLong:
-    case QMetaType::ULong: return value.toULongLong();
-    case QMetaType::Double:
-    case QMetaType::Float: return value.toDouble();
-    case QMetaType::QDate: return toString(value.toDate());
-    case QMetaType::QTime: return toString(value.toTime());
-    case QMetaType::QDateTime: return toString(value.toDateTime());
-    default: break;
+dp::Cell FeatureRow::State::cell(std::size_t column) {
+    Column& asked = columns[column];
+    if (asked.attribute < 0 || !hasRow) {
+        return {}; // a statement that others leave open may outlast the row
     }
-    if (isStandardType(value.userType())) {
-        return value.value<QDecNumber>().toDouble();
-    }
-    return std::nullopt;
+    const QVariant& replacement = replacements[static_cast<std::size_t>(asked.attribute)];
+    return storedValue(replacement.isValid() ? replacement : values.at(asked.attribute), asked.affinity,
+                       asked.text);
 }
 
 FeatureRow::FeatureRow(sqlite3* database, QString name, const QStringList& definitions, Extension extension)
@@ -112,14 +73,59 @@ void FeatureRow::readColumns() {
         throw err::SqliteException(database_, name_);
     }
     for (int i = 0; i < sqlite3_column_count(prepared); ++i) {
+        const char* const name = sqlite3_column_name(prepared, i);
+        const char* collation = nullptr;
+        sqlite3_table_column_metadata(database_, "temp", name_.toUtf8().constData(), name, nullptr,
+                                      &collation, nullptr, nullptr, nullptr);
         state_->columns.push_back(
-            {sqlite3_column_name(prepared, i), affinityOf(sqlite3_column_decltype(prepared, i))});
+            {name, collation, affinityOf(sqlite3_column_decltype(prepared, i)), -1, {}});
     }
 }
 
 void FeatureRow::clear() {
     state_->hasRow = false;
     state_->values = {};
+}
+
+std::unique_ptr<dp::SqliteStatement> FeatureRow::prepareForValues(const QString& expression) const {
+    QStringList names;
+    QStringList values;
+    for (std::size_t i = 0; i < state_->columns.size(); ++i) {
+        const Column& column = state_->columns[i];
+        if (state_->uses(i)) {
+            names += escapeString(QString::fromUtf8(column.name), '"');
+            // The cast gives the column its affinity; a value of its class stays what it is.
+            values += QStringLiteral("Cast(?%0 As %1) Collate %2")
+                          .arg(QString::number(i + 1), QLatin1String(typeOf(column.affinity)),
+                               QString::fromUtf8(column.collation));
+        }
+    }
+    if (values.isEmpty()) {
+        return nullptr;
+    }
+    try {
+        return std::make_unique<dp::SqliteStatement>(
+            database_,
+            QStringLiteral("With %0(%1) As (Select %2) Select %3 From %0")
+                .arg(name_, names.join(QLatin1Char(',')), values.join(QLatin1Char(',')), expression),
+            QString(), dp::SqliteStatement::Use::Repeated);
+    } catch (const err::SqliteException&) {
+        return nullptr; // what only a table has, such as row numbers
+    }
+}
+
+bool FeatureRow::bindTo(dp::SqliteStatement& statement) const {
+    for (std::size_t i = 0; i < state_->columns.size(); ++i) {
+        if (!state_->uses(i)) {
+            continue;
+        }
+        const dp::Cell cell = state_->cell(i);
+        if (!state_->hasRow || !isOfClass(cell, state_->columns[i].affinity)) {
+            return false;
+        }
+        statement.bindView(static_cast<int>(i) + 1, cell);
+    }
+    return true;
 }
 
 bool FeatureRow::isInTransaction() const {
@@ -135,18 +141,22 @@ void FeatureRow::set(const dp::Feature& feature) {
     state_->values = feature.values();
     QVariant* replacement = state_->replacements.data();
     for (const QVariant& value : qAsConst(state_->values)) {
-        const int type = value.userType();
-        if (!isStandardType(type)) {
-            *replacement = extension_(value);
-            if (!replacement->isValid() && type >= QMetaType::User) {
-                *replacement = value.toString();
-            }
-        } else if (replacement->isValid()) {
-            *replacement = QVariant();
+        const bool isStandard = isStandardType(value.userType());
+        if (!isStandard || replacement->isValid()) {
+            *replacement = isStandard ? QVariant() : replacementOf(value);
         }
         ++replacement;
     }
     state_->hasRow = true;
+}
+
+/// Of a value that is not standard; invalid where the value itself serves.
+QVariant FeatureRow::replacementOf(const QVariant& value) const {
+    QVariant made = extension_(value);
+    if (!made.isValid() && value.userType() >= QMetaType::User) {
+        made = value.toString();
+    }
+    return made;
 }
 
 void FeatureRow::follow(const dp::TableSchema& schema) {

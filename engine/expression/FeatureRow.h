@@ -1,6 +1,8 @@
 #pragma once
 
+#include "engine/expression/StoredValue.h"
 #include "platform/dp/Feature.h"
+#include "platform/dp/SqliteStatement.h"
 
 #include <QString>
 #include <QStringList>
@@ -8,18 +10,12 @@
 
 #include <functional>
 #include <memory>
-#include <optional>
+#include <string>
 #include <vector>
 
 struct sqlite3;
 
 namespace orvane::engine {
-
-/// Whether values of a type are ones that the engine knows: numbers, dates and times.
-bool isStandardType(int metaType);
-/// What stands in the database for a value of such a type: a number, or a text for dates and times. Nothing
-/// for other types.
-std::optional<QVariant> standardValue(const QVariant& value);
 
 /// The one row of an evaluator's temporary table. Labels are computed for each feature that is drawn, and
 /// writing a row into a table costs ten times as much as a label: so the table is a virtual one, whose row is
@@ -50,12 +46,22 @@ public:
     /// `advance` answers true: one execution reads many features.
     void setAdvance(std::function<bool()> advance) { state_->advance = std::move(advance); }
 
-    struct Column {
-        enum Affinity : std::uint8_t { Blob, Text, Numeric, Integer, Real };
+    /// Before an expression is prepared over the table: notes anew which columns are used.
+    void startExpression() { state_->usedColumns = 0; }
+    /// Another statement for the expression that has been prepared since startExpression: it takes the values
+    /// as parameters, which spares SQLite the transaction and the cursor of one that reads a table. Null when
+    /// the expression needs the table.
+    std::unique_ptr<dp::SqliteStatement> prepareForValues(const QString& expression) const;
+    /// Binds the row to that statement. False without a row, and where a value is not of the class that its
+    /// column declares: only the table shows such a value as it is.
+    bool bindTo(dp::SqliteStatement& statement) const;
 
+    struct Column {
         QByteArray name; ///< UTF-8
-        Affinity affinity = Blob;
+        QByteArray collation;
+        Affinity affinity = Affinity::Blob;
         int attribute = -1; ///< of the features, which have it in this column; -1 for none
+        std::string text;   ///< of the row, in UTF-8
     };
     /// What the table shares, so that it may outlive this object.
     struct State {
@@ -65,9 +71,15 @@ public:
         std::vector<QVariant> replacements; ///< what the extension made of them; invalid where it did not
         bool hasRow = false;
         std::function<bool()> advance; ///< makes the next feature the row; empty for a single one
+        std::uint64_t usedColumns = 0; ///< one bit for each, the last one for all from there on
+
+        bool uses(std::size_t column) const;
+        /// The row's value as the column stores it; NULL without a row.
+        dp::Cell cell(std::size_t column);
     };
 
 private:
+    QVariant replacementOf(const QVariant& value) const;
     void follow(const dp::TableSchema& schema);
     Column* columnOf(const dp::AttributeDefinition& attribute);
 

@@ -1,13 +1,8 @@
 #include "engine/expression/FeatureRowModule.h"
 
-#include <QString>
-
 #include <sqlite3.h>
 
-#include <charconv>
-#include <cmath>
 #include <new>
-#include <system_error>
 
 // The callbacks of SQLite's virtual-table interface, under SQLite's names, for a table of at most one row.
 
@@ -15,7 +10,6 @@ namespace orvane::engine {
 
 namespace {
 
-using Column = FeatureRow::Column;
 using State = FeatureRow::State;
 
 struct RowTable : sqlite3_vtab {
@@ -32,102 +26,20 @@ State& stateOf(sqlite3_vtab_cursor* cursor) {
     return *static_cast<RowTable*>(cursor->pVtab)->state;
 }
 
-bool isBlank(char character) {
-    return character == ' ' || (character >= '\t' && character <= '\r');
-}
-
-/// Reads the whole of a text, but for blanks around, as a decimal number.
-template<class Number>
-bool readWhole(std::string_view text, Number& number) {
-    if (!text.empty() && text.front() == '+') {
-        text.remove_prefix(1);
+/// Copies texts and bytes: other statements may hold the row while the next one takes its place.
+void setResult(sqlite3_context* context, const dp::Cell& cell) {
+    // An empty view may carry a null pointer, which would be NULL.
+    const char* const data = cell.isNull() || cell.view().empty() ? "" : cell.view().data();
+    switch (cell.type()) {
+    case dp::CellType::Null: return;
+    case dp::CellType::Integer: return sqlite3_result_int64(context, cell.integer());
+    case dp::CellType::Real: return sqlite3_result_double(context, cell.real());
+    case dp::CellType::Text:
+        return sqlite3_result_text64(context, data, cell.view().size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+    case dp::CellType::Bytes:
+    case dp::CellType::Wkb: break;
     }
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    return error == std::errc() && end == text.data() + text.size();
-}
-
-void setInteger(sqlite3_context* context, qint64 number, Column::Affinity affinity) {
-    if (affinity == Column::Real) {
-        sqlite3_result_double(context, static_cast<double>(number));
-    } else if (affinity == Column::Text) {
-        const QByteArray text = QByteArray::number(number);
-        sqlite3_result_text(context, text.constData(), text.size(), SQLITE_TRANSIENT);
-    } else {
-        sqlite3_result_int64(context, number);
-    }
-}
-
-void setReal(sqlite3_context* context, double number, Column::Affinity affinity) {
-    constexpr double limit = 9223372036854775808.0; // 2^63
-    if (affinity == Column::Text) {
-        char* const text = sqlite3_mprintf("%!.15g", number);
-        sqlite3_result_text(context, text, -1, sqlite3_free);
-    } else if ((affinity == Column::Integer || affinity == Column::Numeric) && number > -limit &&
-               number < limit && number == std::trunc(number)) {
-        sqlite3_result_int64(context, static_cast<qint64>(number));
-    } else {
-        sqlite3_result_double(context, number);
-    }
-}
-
-/// A text that is a number becomes that number in a column of numbers.
-bool setNumberInText(sqlite3_context* context, const QString& text, Column::Affinity affinity) {
-    const QByteArray bytes = text.toLatin1();
-    std::string_view digits(bytes.constData(), static_cast<std::size_t>(bytes.size()));
-    while (!digits.empty() && isBlank(digits.front())) {
-        digits.remove_prefix(1);
-    }
-    while (!digits.empty() && isBlank(digits.back())) {
-        digits.remove_suffix(1);
-    }
-    if (digits.find_first_not_of("+-.0123456789eE") != std::string_view::npos) {
-        return false; // also "nan" and "inf"
-    }
-    if (qint64 integer = 0; readWhole(digits, integer)) {
-        setInteger(context, integer, affinity);
-        return true;
-    }
-    if (double real = 0; readWhole(digits, real)) {
-        setReal(context, real, affinity);
-        return true;
-    }
-    return false;
-}
-
-void setText(sqlite3_context* context, const QString& text, Column::Affinity affinity) {
-    const bool isForNumbers =
-        affinity == Column::Integer || affinity == Column::Numeric || affinity == Column::Real;
-    if (!isForNumbers || !setNumberInText(context, text, affinity)) {
-        sqlite3_result_text64(context, reinterpret_cast<const char*>(text.utf16()),
-                              static_cast<sqlite3_uint64>(text.size()) * sizeof(char16_t), SQLITE_STATIC,
-                              SQLITE_UTF16);
-    }
-}
-
-/// Sets the result as if the value had been stored in the column.
-void setResult(sqlite3_context* context, const QVariant& value, Column::Affinity affinity) {
-    if (value.isNull()) {
-        return;
-    }
-    switch (value.userType()) {
-    case QMetaType::QString:
-        return setText(context, *static_cast<const QString*>(value.constData()), affinity);
-    case QMetaType::Bool:
-    case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::LongLong: return setInteger(context, value.toLongLong(), affinity);
-    case QMetaType::Double: return setReal(context, value.toDouble(), affinity);
-    case QMetaType::QByteArray: {
-        const QByteArray bytes = value.toByteArray();
-        return sqlite3_result_blob64(context, bytes.constData(), static_cast<sqlite3_uint64>(bytes.size()),
-                                     SQLITE_TRANSIENT);
-    }
-    default: break;
-    }
-    if (const auto standard = standardValue(value); standard && standard->userType() != value.userType()) {
-        return setResult(context, *standard, affinity);
-    }
-    setText(context, value.toString(), affinity); // an unsigned number that is too large keeps its digits
+    sqlite3_result_blob64(context, data, cell.view().size(), SQLITE_TRANSIENT);
 }
 
 int xConnect(sqlite3* database, void* clientData, int, const char* const*, sqlite3_vtab** result,
@@ -146,7 +58,8 @@ int xDisconnect(sqlite3_vtab* table) {
     return SQLITE_OK;
 }
 
-int xBestIndex(sqlite3_vtab*, sqlite3_index_info* info) {
+int xBestIndex(sqlite3_vtab* table, sqlite3_index_info* info) {
+    static_cast<RowTable*>(table)->state->usedColumns |= info->colUsed;
     info->estimatedCost = 1;
     info->estimatedRows = 1;
     return SQLITE_OK;
@@ -178,15 +91,8 @@ int xEof(sqlite3_vtab_cursor* cursor) {
 }
 
 int xColumn(sqlite3_vtab_cursor* cursor, sqlite3_context* context, int column) {
-    const State& state = stateOf(cursor);
-    const Column& asked = state.columns[static_cast<std::size_t>(column)];
-    if (asked.attribute < 0 || !state.hasRow) {
-        return SQLITE_OK; // NULL; a statement that others leave open may outlast the row
-    }
     try {
-        const QVariant& replacement = state.replacements[static_cast<std::size_t>(asked.attribute)];
-        setResult(context, replacement.isValid() ? replacement : state.values.at(asked.attribute),
-                  asked.affinity);
+        setResult(context, stateOf(cursor).cell(static_cast<std::size_t>(column)));
         return SQLITE_OK;
     } catch (const std::bad_alloc&) {
         return SQLITE_NOMEM;

@@ -1,6 +1,10 @@
 #pragma once
 
+#include <QStringView>
+
 #include <cstdint>
+#include <string>
+#include <string_view>
 
 /// UTF-8 texts as SQLite hands them out, ending at their first zero byte. The text functions count in UTF-16
 /// code units but work on UTF-8 where that gives the same: for well-formed text, nearly always. Reading never
@@ -85,6 +89,43 @@ inline std::uint32_t readCharacter(const unsigned char*& at) {
     const bool isCharacter =
         character >= 0x80 && (character & 0xFFFFF800U) != 0xD800 && (character & 0xFFFFFFFEU) != 0xFFFE;
     return isCharacter ? character : 0xFFFD;
+}
+
+/// The text in UTF-8, written into `memory`, which only grows. A surrogate without its other half becomes
+/// U+FFFD, as in SQLite.
+inline std::string_view encode(QStringView text, std::string& memory) {
+    constexpr std::size_t mostBytesOfUnit = 3;
+    const std::size_t size = static_cast<std::size_t>(text.size()) * mostBytesOfUnit;
+    if (memory.size() < size) {
+        memory.resize(size);
+    }
+    char* at = memory.data();
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const char16_t unit = text[i].unicode();
+        if (unit < 0x80) {
+            *at++ = static_cast<char>(unit);
+            continue;
+        }
+        std::uint32_t character = unit;
+        if (QChar::isSurrogate(unit)) {
+            const bool isPair =
+                QChar::isHighSurrogate(unit) && i + 1 < text.size() && text[i + 1].isLowSurrogate();
+            character = isPair ? QChar::surrogateToUcs4(unit, text[++i].unicode()) : 0xFFFD;
+        }
+        if (character < 0x800) {
+            *at++ = static_cast<char>(0xC0 | character >> 6);
+        } else {
+            if (character < 0x10000) {
+                *at++ = static_cast<char>(0xE0 | character >> 12);
+            } else {
+                *at++ = static_cast<char>(0xF0 | character >> 18);
+                *at++ = static_cast<char>(0x80 | (character >> 12 & 0x3F));
+            }
+            *at++ = static_cast<char>(0x80 | (character >> 6 & 0x3F));
+        }
+        *at++ = static_cast<char>(0x80 | (character & 0x3F));
+    }
+    return {memory.data(), static_cast<std::size_t>(at - memory.data())};
 }
 
 } // namespace orvane::engine::utf8

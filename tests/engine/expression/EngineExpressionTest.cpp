@@ -61,6 +61,22 @@ TEST(EngineExpression, ComputesForOneFeatureAfterAnother) {
     EXPECT_EQ(expression.exec().toInt(), 1); // another expression over the same row
 }
 
+TEST(EngineExpression, ValuesOfAnotherClassThanTheirColumnAreConvertedAsInATable) {
+    const auto schema = townSchema();
+    EngineExpression expression(database(), *schema, cache());
+    const auto kinds = [&](const QVariant& name, const QVariant& people) {
+        return expression.fill(town(schema, name, people)) ? expression.exec().toString().toStdString() : "";
+    };
+    for (const char* text : {"typeof(name) || typeof(\"odd \"\" name\")", // from the values or the table
+                             "typeof(name) || typeof(\"odd \"\" name\") || substr('', rowid)"}) {
+        ASSERT_TRUE(expression.setExpression(QLatin1String(text)));
+        EXPECT_EQ(kinds(QStringLiteral("x"), 7), "textinteger");
+        EXPECT_EQ(kinds(8.5, QStringLiteral(" 9 ")), "textinteger");
+        EXPECT_EQ(kinds(QByteArray("b"), 2.5), "blobreal");
+        EXPECT_EQ(kinds(QVariant(), QStringLiteral("many")), "nulltext");
+    }
+}
+
 TEST(EngineExpression, TwoOverOneSchemaDoNotMeet) {
     const auto schema = townSchema();
     EngineExpression a(database(), *schema, cache()), b(database(), *schema, cache());
