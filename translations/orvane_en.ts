@@ -57,6 +57,10 @@
 <context>
     <name>orvane::adaptor</name>
     <message>
+        <source>нужно выражение, а не запрос</source>
+        <translation>an expression is needed, not a query</translation>
+    </message>
+    <message>
         <source>Таблица %0, столбец %1: ожидается %2, а не «%3»</source>
         <translation>Table %0, column %1: expected %2, not &quot;%3&quot;</translation>
     </message>

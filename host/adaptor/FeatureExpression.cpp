@@ -2,12 +2,15 @@
 
 #include "platform/cs/CoordSystem.h"
 #include "platform/geometry/GeometryFactory.h"
+#include "platform/sql/SqlError.h"
 #include "platform/sql/SqlStrings.h"
 #include <orvane/engine/ColumnNames.h>
 #include <orvane/engine/EngineCache.h>
 #include <orvane/engine/GeometryConversions.h>
 #include <orvane/engine/SpatialiteBlob.h>
 #include <orvane/engine/SqliteStringBuilder.h>
+
+#include <QCoreApplication>
 
 namespace orvane::adaptor {
 
@@ -57,7 +60,10 @@ bool FeatureExpression::setText(const QString& expression) {
     engine::SqliteStringBuilder builder(QString(), nullptr);
     engine_.tryToTranslate(expression.toStdString(), builder, Engine::ExpressionOnly);
     if (!builder.errors().empty()) {
-        setError(QString::fromUtf8(builder.errors().front()->what()));
+        const sql::SqlError& error = *builder.errors().front();
+        setError(dynamic_cast<const sql::UnexpectedParseResult*>(&error)
+                     ? QCoreApplication::translate("orvane::adaptor", "нужно выражение, а не запрос")
+                     : QString::fromUtf8(error.what()));
         return false;
     }
     const std::wstring& text = builder.query();

@@ -145,6 +145,8 @@ TEST_F(FeatureExpressionTest, RefusesWhatIsNoExpressionOfTheTable) {
     for (const char* text : {"Select 1", "name &", "nothing + 1", "NoSuchFunction(name)", ""}) {
         EXPECT_FALSE(expression.setText(QLatin1String(text))) << text;
         EXPECT_FALSE(expression.lastError().isEmpty()) << text;
+        EXPECT_EQ(text == std::string("Select 1"),
+                  expression.lastError() == QString::fromUtf8("нужно выражение, а не запрос"));
         EXPECT_FALSE(expression.value(Host::features(*cities).front()).isValid()) << text;
     }
     EXPECT_TRUE(expression.setText(QStringLiteral("name")));
