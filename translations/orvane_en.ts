@@ -399,8 +399,8 @@
         <translation>Cannot delete a feature of &quot;%1&quot;</translation>
     </message>
     <message>
-        <source>Файл «%1» не в UTF-8, его можно только читать</source>
-        <translation>The file &quot;%1&quot; is not UTF-8; it can only be read</translation>
+        <source>Файл «%1» не в UTF-8 или с одним столбцом, его можно только читать</source>
+        <translation>The file &quot;%1&quot; is not in UTF-8 or has a single column, it can only be read</translation>
     </message>
     <message>
         <source>Слой «%1» изменил своё строение, откройте файл заново</source>
@@ -516,7 +516,7 @@
     </message>
 </context>
 <context>
-    <name>orvane::files::TranscodedFile</name>
+    <name>orvane::files::TextStandIn</name>
     <message>
         <source>Неизвестная кодировка «%1»</source>
         <translation>Unknown character set &quot;%1&quot;</translation>

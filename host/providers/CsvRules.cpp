@@ -27,6 +27,9 @@ constexpr CoordinateNames COORDINATES[] = {
     {"x_coord", "y_coord", false},  {"point_x", "point_y", false},
 };
 
+/// Bytes of a file.
+constexpr std::size_t typesFoundIn = 10'000'000;
+
 constexpr const char* GEOMETRY_NAMES = "wkt,geom,geometry,the_geom,wkt_geom";
 
 /// The layer's own spelling of a column name; empty when there is none.
@@ -102,8 +105,9 @@ std::optional<double> realInText(std::string_view text) {
 
 CsvRules csvRulesOf(OGRLayerH layer) {
     CsvRules rules;
-    rules.openOptions = {"AUTODETECT_TYPE=YES", "AUTODETECT_SIZE_LIMIT=10000000", "KEEP_GEOM_COLUMNS=YES",
-                         QByteArray("GEOM_POSSIBLE_NAMES=") + GEOMETRY_NAMES};
+    rules.openOptions = {"AUTODETECT_TYPE=YES",
+                         "AUTODETECT_SIZE_LIMIT=" + QByteArray::number(qulonglong{typesFoundIn}),
+                         "KEEP_GEOM_COLUMNS=YES", QByteArray("GEOM_POSSIBLE_NAMES=") + GEOMETRY_NAMES};
     const auto geometryNames = QByteArray(GEOMETRY_NAMES).split(',');
     const bool hasGeometry =
         std::any_of(geometryNames.begin(), geometryNames.end(),
@@ -119,6 +123,39 @@ CsvRules csvRulesOf(OGRLayerH layer) {
         break;
     }
     return rules;
+}
+
+QByteArray typesKeepingCodes(OGRLayerH plain, OGRLayerH typed) {
+    const OGRFeatureDefnH definition = OGR_L_GetLayerDefn(typed);
+    std::vector<int> numbers;
+    QList<QByteArray> types;
+    for (int i = 0; i < OGR_FD_GetFieldCount(definition); ++i) {
+        const OGRFieldDefnH field = OGR_FD_GetFieldDefn(definition, i);
+        const OGRFieldType type = OGR_Fld_GetType(field);
+        types.append(OGR_Fld_GetSubType(field) == OFSTBoolean ? "Integer(Boolean)"
+                                                              : OGR_GetFieldTypeName(type));
+        if (type == OFTInteger || type == OFTInteger64 || type == OFTReal)
+            numbers.push_back(i);
+    }
+    std::size_t read = 0;
+    bool hasCodes = false;
+    OGR_L_ResetReading(plain);
+    while (!numbers.empty() && read < typesFoundIn) {
+        const FeatureHandle feature(OGR_L_GetNextFeature(plain));
+        if (!feature)
+            break;
+        const auto isCode = [&](int field) {
+            const auto text = trimmed(OGR_F_GetFieldAsString(feature.get(), field));
+            read += text.size() + 1;
+            if (text.empty() || !hasNeedlessZero(text))
+                return false;
+            types[field] = "String";
+            return hasCodes = true;
+        };
+        numbers.erase(std::remove_if(numbers.begin(), numbers.end(), isCode), numbers.end());
+    }
+    OGR_L_ResetReading(plain);
+    return hasCodes ? types.join(',') : QByteArray();
 }
 
 FieldReadings numbersWithGaps(OGRLayerH layer) {

@@ -1,6 +1,6 @@
 #include "host/providers/DatasetPool.h"
 
-#include "host/providers/FileStamp.h"
+#include "host/providers/Archive.h"
 #include "host/providers/GdalErrors.h"
 
 #include <QFileInfo>
@@ -70,9 +70,13 @@ void DatasetPool::discardHandles() {
 
 DatasetHandle DatasetPool::open(unsigned flags) const {
     const auto drivers = nullTerminated(source_.drivers);
-    const auto options = nullTerminated(source_.openOptions);
+    const bool isForUpdate = (flags & GDAL_OF_UPDATE) != 0;
+    auto openOptions = source_.openOptions;
+    if (isForUpdate) // the values that are not edited are to be written as they were, "1.50" and "007"
+        openOptions.removeAll("AUTODETECT_TYPE=YES");
+    const auto options = nullTerminated(openOptions);
     const GdalErrorScope errors;
-    const auto path = source_.copy ? source_.copy->path() : source_.path;
+    const auto path = source_.copy && !isForUpdate ? source_.copy->path() : source_.path;
     DatasetHandle dataset(GDALOpenEx(path.constData(), GDAL_OF_VECTOR | GDAL_OF_VERBOSE_ERROR | flags,
                                      source_.drivers.isEmpty() ? nullptr : drivers.data(), options.data(),
                                      nullptr));
@@ -84,8 +88,7 @@ DatasetHandle DatasetPool::open(unsigned flags) const {
 void DatasetPool::raiseUnopened(const QString& reported) const {
     QString path = QString::fromUtf8(source_.path);
     QString reason = withoutPath(reported, path);
-    if (path.startsWith(QLatin1String(archivePrefix)))
-        path.remove(0, static_cast<int>(sizeof archivePrefix) - 1);
+    path = pathOnDisk(path);
     const QFileInfo file(path);
     if (file.isFile() && file.size() == 0)
         reason = tr("файл пуст");

@@ -24,7 +24,7 @@ public:
         QByteArray path;
         QList<QByteArray> drivers; ///< the only drivers to try, all when empty
         QList<QByteArray> openOptions;
-        std::shared_ptr<TranscodedFile> copy; ///< opened instead of the file unless null
+        std::shared_ptr<TextStandIn> copy; ///< opened for reading instead of the file unless null
         /// Goes when nobody reads the file any more; null for a file of the user's.
         std::shared_ptr<ResultDirectory> temporaryDirectory = nullptr;
     };

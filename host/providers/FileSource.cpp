@@ -1,8 +1,8 @@
 #include "host/providers/FileSource.h"
 
+#include "host/providers/Archive.h"
 #include "host/providers/CsvRules.h"
 #include "host/providers/DatasetPool.h"
-#include "host/providers/FileStamp.h"
 #include "host/providers/GdalErrors.h"
 #include "host/providers/LayerSchema.h"
 #include "platform/cs/CoordSystem.h"
@@ -10,7 +10,9 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 
+#include <limits>
 #include <stdexcept>
+#include <string_view>
 
 namespace orvane::files {
 
@@ -49,46 +51,50 @@ QString tableName(const QString& layerName, const QString& path) {
                                                                    : layerName);
 }
 
-bool isTextTable(const QString& path) {
-    static const QStringList endings{QStringLiteral("csv"), QStringLiteral("tsv"), QStringLiteral("psv")};
-    return QFileInfo(path).isFile() && endings.contains(QFileInfo(path).suffix().toLower());
-}
-
 /// A file and what is known of its layers before they are described.
 struct OpenedFile {
     std::shared_ptr<DatasetPool> pool;
     FieldReadings readings;
     std::shared_ptr<cs::CoordSystem> assumedCoordSystem;
+    int mostFields = std::numeric_limits<int>::max(); ///< that the table shows
 };
 
 OpenedFile openTextTable(const QString& path, const QString& encoding, const QList<QByteArray>& options) {
     DatasetPool::Source source{path.toUtf8(), {"CSV"}, options, nullptr};
-    if (const auto from = encodingOfTextFile(path, encoding); !from.isEmpty())
-        source.copy = std::make_shared<TranscodedFile>(path, from);
+    TextStandIn::Changes changes;
+    changes.encoding = encodingOfTextFile(path, encoding);
+    changes.addedSeparator = separatorForOneColumn(path, changes.encoding);
+    if (changes.ofText())
+        source.copy = std::make_shared<TextStandIn>(path, changes);
 
     const auto plain = std::make_shared<DatasetPool>(source)->acquire();
     const OGRLayerH plainLayer = GDALDatasetGetLayer(plain.dataset(), 0);
     OpenedFile file;
-    if (plainLayer) {
-        const auto rules = csvRulesOf(plainLayer);
-        source.openOptions = rules.openOptions + options;
-        if (rules.isGeographic)
-            file.assumedCoordSystem = cs::CoordSysFactory::defaultCoordSysFactory()->createFromEpsg(4326);
+    if (!plainLayer) {
+        file.pool = std::make_shared<DatasetPool>(std::move(source));
+        return file;
     }
-    file.pool = std::make_shared<DatasetPool>(std::move(source));
-    const auto typed = file.pool->acquire();
+    const auto rules = csvRulesOf(plainLayer);
+    source.openOptions = rules.openOptions + options;
+    if (rules.isGeographic)
+        file.assumedCoordSystem = cs::CoordSysFactory::defaultCoordSysFactory()->createFromEpsg(4326);
+    file.pool = std::make_shared<DatasetPool>(source);
+    auto typed = file.pool->acquire();
+    const bool hasTypes =
+        QFileInfo::exists(path.left(path.lastIndexOf(QLatin1Char('.'))) + QStringLiteral(".csvt"));
+    if (!hasTypes && mayHoldCodes(source.copy ? QString::fromUtf8(source.copy->path()) : path)) {
+        changes.types = typesKeepingCodes(plainLayer, GDALDatasetGetLayer(typed.dataset(), 0));
+        if (!changes.types.isEmpty()) {
+            source.copy = std::make_shared<TextStandIn>(path, changes);
+            file.pool = std::make_shared<DatasetPool>(std::move(source));
+            typed = file.pool->acquire();
+        }
+    }
     const GdalErrorScope errors;
-    if (const OGRLayerH layer = GDALDatasetGetLayer(typed.dataset(), 0))
-        file.readings = numbersWithGaps(layer);
+    file.readings = numbersWithGaps(GDALDatasetGetLayer(typed.dataset(), 0));
+    if (changes.addedSeparator != 0)
+        file.mostFields = 1;
     return file;
-}
-
-/// What GDAL opens: an archive is read without being unpacked.
-QString pathForGdal(const QString& path) {
-    const QFileInfo file(path);
-    const bool isArchive =
-        file.isFile() && file.suffix().compare(QLatin1String("zip"), Qt::CaseInsensitive) == 0;
-    return isArchive ? QLatin1String(archivePrefix) + file.absoluteFilePath() : path;
 }
 
 OpenedFile openOther(const QString& path, const QString& encoding, QList<QByteArray> options) {
@@ -96,6 +102,31 @@ OpenedFile openOther(const QString& path, const QString& encoding, QList<QByteAr
         options.append("ENCODING=" + encoding.toUtf8());
     DatasetPool::Source source{pathForGdal(path).toUtf8(), {}, std::move(options), nullptr};
     return {std::make_shared<DatasetPool>(std::move(source)), {}, nullptr};
+}
+
+/// Whether GDAL finds something else in a file than tables of text.
+bool holdsMoreThanText(const OpenedFile& file) {
+    try {
+        const auto lease = file.pool->acquire();
+        return std::string_view(GDALGetDriverShortName(GDALGetDatasetDriver(lease.dataset()))) != "CSV";
+    } catch (const std::runtime_error&) {
+        return false;
+    }
+}
+
+/// A file, or the text tables in an archive, each of which has rules of its own.
+std::vector<OpenedFile> openAll(const QString& path, const QString& encoding,
+                                const QList<QByteArray>& options) {
+    if (isTextTableName(path) && QFileInfo(path).isFile())
+        return {openTextTable(path, encoding, options)};
+    std::vector<OpenedFile> files{openOther(path, encoding, options)};
+    const auto texts = textTablesIn(path);
+    if (texts.isEmpty() || holdsMoreThanText(files.front()))
+        return files;
+    files.clear();
+    for (const auto& text : texts)
+        files.push_back(openTextTable(text, encoding, options));
+    return files;
 }
 
 [[noreturn]] void raiseNoSuchLayer(const SourceName& source, const QStringList& layers) {
@@ -113,23 +144,22 @@ std::vector<std::shared_ptr<LayerTable>> openFile(const QString& source, const O
     QList<QByteArray> driverOptions;
     for (const auto& option : options.driverOptions)
         driverOptions.append(option.toUtf8());
-    const auto file = isTextTable(name.path) ? openTextTable(name.path, encoding, driverOptions)
-                                             : openOther(name.path, encoding, driverOptions);
-
-    const auto lease = file.pool->acquire();
-    const GdalErrorScope errors;
     std::vector<std::shared_ptr<LayerTable>> tables;
     QStringList layers;
-    for (int i = 0; i < GDALDatasetGetLayerCount(lease.dataset()); ++i) {
-        const OGRLayerH layer = GDALDatasetGetLayer(lease.dataset(), i);
-        if (!layer)
-            continue;
-        const QByteArray layerName(OGR_L_GetName(layer));
-        layers.append(QString::fromUtf8(layerName));
-        if (name.layer.isEmpty() || layers.last().compare(name.layer, Qt::CaseInsensitive) == 0)
-            tables.push_back(
-                std::make_shared<LayerTable>(tableName(layers.last(), name.path), file.pool, i, layerName,
-                                             describeLayer(layer, file.readings, file.assumedCoordSystem)));
+    for (const auto& file : openAll(name.path, encoding, driverOptions)) {
+        const auto lease = file.pool->acquire();
+        const GdalErrorScope errors;
+        for (int i = 0; i < GDALDatasetGetLayerCount(lease.dataset()); ++i) {
+            const OGRLayerH layer = GDALDatasetGetLayer(lease.dataset(), i);
+            if (!layer)
+                continue;
+            const QByteArray layerName(OGR_L_GetName(layer));
+            layers.append(QString::fromUtf8(layerName));
+            if (name.layer.isEmpty() || layers.last().compare(name.layer, Qt::CaseInsensitive) == 0)
+                tables.push_back(std::make_shared<LayerTable>(
+                    tableName(layers.last(), name.path), file.pool, i, layerName,
+                    describeLayer(layer, file.readings, file.assumedCoordSystem, file.mostFields)));
+        }
     }
     if (layers.isEmpty())
         throw std::runtime_error(Texts::tr("В «%1» нет таблиц").arg(name.path).toStdString());

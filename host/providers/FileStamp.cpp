@@ -1,5 +1,7 @@
 #include "host/providers/FileStamp.h"
 
+#include "host/providers/Archive.h"
+
 #include <QFileInfo>
 #include <QString>
 
@@ -12,9 +14,7 @@ constexpr auto LOOK_INTERVAL = std::chrono::milliseconds(100);
 } // namespace
 
 FileStamp::FileStamp(const QByteArray& path) {
-    auto name = QString::fromUtf8(path);
-    if (name.startsWith(QLatin1String(archivePrefix)))
-        name.remove(0, static_cast<int>(sizeof archivePrefix) - 1); // the archive itself is on the disk
+    const auto name = pathOnDisk(QString::fromUtf8(path));
     auto add = [this](const QString& part) {
         parts_.push_back({std::filesystem::path(part.toStdU16String()), 0, {}});
     };

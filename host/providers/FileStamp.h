@@ -9,13 +9,11 @@
 
 namespace orvane::files {
 
-/// Before the path of an archive that GDAL reads without unpacking it.
-constexpr char archivePrefix[] = "/vsizip/";
-
 /// Tells whether a file was written since the last look, by size and time of writing, the write-ahead log of
 /// an SQLite file and the parts of a Shapefile included.
 class FileStamp {
 public:
+    /// GDAL's path, UTF-8.
     explicit FileStamp(const QByteArray& path);
 
     /// True once after each change. Looks at the disk at most every tenth of a second.

@@ -2,6 +2,7 @@
 
 #include <cpl_conv.h>
 #include <cpl_string.h>
+#include <cpl_vsi.h>
 #include <gdal.h>
 #include <ogr_api.h>
 #include <ogr_srs_api.h>
@@ -36,6 +37,12 @@ struct FieldDestroyer {
     void operator()(OGRFieldDefnH field) const { OGR_Fld_Destroy(field); }
 };
 using FieldHandle = std::unique_ptr<std::remove_pointer_t<OGRFieldDefnH>, FieldDestroyer>;
+
+/// A file that is read, on the disk or in an archive.
+struct VsiCloser {
+    void operator()(VSILFILE* file) const { VSIFCloseL(file); }
+};
+using VsiHandle = std::unique_ptr<VSILFILE, VsiCloser>;
 
 struct CplFree {
     void operator()(void* memory) const { CPLFree(memory); }

@@ -1,7 +1,7 @@
 #include "host/providers/LayerEditor.h"
 
+#include "host/providers/Archive.h"
 #include "host/providers/FeatureWriter.h"
-#include "host/providers/FileStamp.h"
 #include "host/providers/GdalErrors.h"
 #include "host/providers/LayerScan.h"
 #include "platform/dp/Table.h"
@@ -173,14 +173,12 @@ void LayerEditor::remove(const dp::FeatureId& id) {
 void LayerEditor::open() {
     if (dataset_)
         return;
-    if (pool_->source().copy)
-        throw dp::EditError(tr("Файл «%1» не в UTF-8, его можно только читать")
-                                .arg(QString::fromUtf8(pool_->source().path))
-                                .toStdString());
-    if (pool_->source().path.startsWith(archivePrefix))
-        throw dp::EditError(tr("Архив «%1» можно только читать")
-                                .arg(QString::fromUtf8(pool_->source().path).mid(sizeof archivePrefix - 1))
-                                .toStdString());
+    const auto path = QString::fromUtf8(pool_->source().path);
+    if (isInArchive(path))
+        throw dp::EditError(tr("Архив «%1» можно только читать").arg(pathOnDisk(path)).toStdString());
+    if (const auto& copy = pool_->source().copy; copy && copy->changes().ofText())
+        throw dp::EditError(
+            tr("Файл «%1» не в UTF-8 или с одним столбцом, его можно только читать").arg(path).toStdString());
     try {
         dataset_ = pool_->openForUpdate();
     } catch (const std::runtime_error& error) {

@@ -130,7 +130,7 @@ QStringList distinctNames(const QStringList& names, int mostBytes) {
 }
 
 LayerSchema describeLayer(OGRLayerH layer, const FieldReadings& readings,
-                          const std::shared_ptr<cs::CoordSystem>& assumedCoordSystem) {
+                          const std::shared_ptr<cs::CoordSystem>& assumedCoordSystem, int mostFields) {
     const OGRFeatureDefnH definition = OGR_L_GetLayerDefn(layer);
     QStringList names;
     LayerSchema result;
@@ -144,7 +144,7 @@ LayerSchema describeLayer(OGRLayerH layer, const FieldReadings& readings,
     if (fidName && *fidName)
         add({LayerColumn::Source::FeatureId, LayerColumn::Reading::Integer, -1, ColumnKind::Int64, true, {}},
             fidName);
-    for (int i = 0; i < OGR_FD_GetFieldCount(definition); ++i) {
+    for (int i = 0; i < std::min(OGR_FD_GetFieldCount(definition), mostFields); ++i) {
         const OGRFieldDefnH field = OGR_FD_GetFieldDefn(definition, i);
         const auto type = fieldType(field, i, readings);
         add({LayerColumn::Source::Field, type.reading, i, type.arrowKind, type.isArrowExact, {}},

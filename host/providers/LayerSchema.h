@@ -7,6 +7,7 @@
 
 #include <QStringList>
 
+#include <limits>
 #include <map>
 #include <memory>
 #include <string>
@@ -60,9 +61,11 @@ struct LayerSchema {
 /// Bool, QString, QDate, QTime, QDateTime and QByteArray. Lists come as texts holding a JSON array, JSON as
 /// text. Date-times are given as the file writes them: an offset from UTC is not kept.
 ///
-/// `assumedCoordSystem` is the one of a layer that names none; may be null.
+/// `assumedCoordSystem` is the one of a layer that names none; may be null. Fields behind the first
+/// `mostFields` are left out.
 LayerSchema describeLayer(OGRLayerH layer, const FieldReadings& readings = {},
-                          const std::shared_ptr<cs::CoordSystem>& assumedCoordSystem = nullptr);
+                          const std::shared_ptr<cs::CoordSystem>& assumedCoordSystem = nullptr,
+                          int mostFields = std::numeric_limits<int>::max());
 
 /// Names that SQL can tell apart: surrounding blanks and control characters are removed, an empty name
 /// becomes "field" and its position from 1, and a name that was there before (letter case ignored) gets the

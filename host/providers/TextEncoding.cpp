@@ -1,12 +1,17 @@
 #include "host/providers/TextEncoding.h"
 
+#include "host/providers/Archive.h"
+#include "host/providers/GdalHandles.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QTextCodec>
 
 #include <algorithm>
+#include <cerrno>
 #include <memory>
 #include <stdexcept>
+#include <string_view>
 
 namespace orvane::files {
 
@@ -29,43 +34,87 @@ bool isUtf8(const QByteArray& bytes) {
     return state.invalidChars == 0;
 }
 
+VsiHandle openForReading(const QString& path) {
+    errno = 0;
+    VsiHandle file(VSIFOpenL(path.toUtf8().constData(), "rb"));
+    if (!file)
+        raise(TextStandIn::tr("Не удалось прочитать «%1»: %2").arg(path, qt_error_string(errno)));
+    return file;
+}
+
+/// The next bytes, fewer at the end.
+QByteArray read(const VsiHandle& file, qint64 size) {
+    QByteArray bytes(static_cast<int>(size), Qt::Uninitialized);
+    bytes.truncate(static_cast<int>(VSIFReadL(bytes.data(), 1, static_cast<std::size_t>(size), file.get())));
+    return bytes;
+}
+
+QTextCodec* codecNamed(const QByteArray& encoding) {
+    QTextCodec* const codec = QTextCodec::codecForName(encoding.isEmpty() ? "UTF-8" : encoding);
+    if (!codec)
+        raise(TextStandIn::tr("Неизвестная кодировка «%1»").arg(QString::fromUtf8(encoding)));
+    return codec;
+}
+
+int endOfFirstLine(const QByteArray& text) {
+    const int end = text.indexOf('\n');
+    const int last = end < 0 ? text.size() : end;
+    return last > 0 && text[last - 1] == '\r' ? last - 1 : last;
+}
+
 } // namespace
 
-TranscodedFile::TranscodedFile(QString original, const QByteArray& encoding)
-    : original_(std::move(original)), codec_(QTextCodec::codecForName(encoding)) {
-    if (!codec_)
-        raise(tr("Неизвестная кодировка «%1»").arg(QString::fromUtf8(encoding)));
+TextStandIn::TextStandIn(QString original, Changes changes)
+    : original_(std::move(original)), changes_(std::move(changes)), codec_(codecNamed(changes_.encoding)) {
     update();
 }
 
-QByteArray TranscodedFile::path() const {
+QByteArray TextStandIn::path() const {
     return directory_.filePath(QFileInfo(original_).fileName()).toUtf8();
 }
 
-void TranscodedFile::update() {
-    QFile source(original_);
+void TextStandIn::update() {
+    const auto path = QString::fromUtf8(this->path());
+    QFile::remove(path);
+    const bool canLink = !changes_.ofText() && !isInArchive(original_);
+    if (!canLink || !QFile::link(QFileInfo(original_).absoluteFilePath(), path))
+        copyText();
+    copyTypes();
+}
+
+void TextStandIn::copyText() const {
+    const VsiHandle source = openForReading(original_);
     QFile copy(QString::fromUtf8(path()));
-    if (!source.open(QIODevice::ReadOnly))
-        raise(tr("Не удалось прочитать «%1»: %2").arg(original_, source.errorString()));
     if (!copy.open(QIODevice::WriteOnly))
         raise(tr("Не удалось записать «%1»: %2").arg(copy.fileName(), copy.errorString()));
     const std::unique_ptr<QTextDecoder> decoder(codec_->makeDecoder());
-    while (!source.atEnd()) {
-        const auto text = decoder->toUnicode(source.read(CHUNK)).toUtf8();
+    bool isFirstLine = changes_.addedSeparator != 0;
+    for (QByteArray chunk = read(source, CHUNK); !chunk.isEmpty(); chunk = read(source, CHUNK)) {
+        auto text = decoder->toUnicode(chunk).toUtf8();
+        if (isFirstLine) { // no name of a column is longer than a chunk
+            text.insert(endOfFirstLine(text), changes_.addedSeparator);
+            isFirstLine = false;
+        }
         if (copy.write(text) != text.size())
             raise(tr("Не удалось записать «%1»: %2").arg(copy.fileName(), copy.errorString()));
     }
-    // The types of the columns may stand in a file beside it.
-    const auto types = QFileInfo(original_).path() + QLatin1Char('/') +
-                       QFileInfo(original_).completeBaseName() + QStringLiteral(".csvt");
-    QFile::copy(types, directory_.filePath(QFileInfo(types).fileName()));
+}
+
+void TextStandIn::copyTypes() const {
+    const QFileInfo original(original_);
+    const auto name = original.completeBaseName() + QStringLiteral(".csvt");
+    const auto target = directory_.filePath(name);
+    if (changes_.types.isEmpty()) {
+        QFile::copy(original.path() + QLatin1Char('/') + name, target);
+        return;
+    }
+    QFile file(target);
+    if (!file.open(QIODevice::WriteOnly) || file.write(changes_.types) != changes_.types.size())
+        raise(tr("Не удалось записать «%1»: %2").arg(target, file.errorString()));
 }
 
 QByteArray encodingOfTextFile(const QString& path, const QString& requested) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        raise(TranscodedFile::tr("Не удалось прочитать «%1»: %2").arg(path, file.errorString()));
-    const auto start = file.read(LOOKED_AT);
+    const auto start = read(openForReading(path), LOOKED_AT);
     if (start.startsWith("\xff\xfe") || start.startsWith("\xfe\xff"))
         return "UTF-16";
     if (!requested.isEmpty()) {
@@ -73,10 +122,39 @@ QByteArray encodingOfTextFile(const QString& path, const QString& requested) {
         return codec && codec->name() == "UTF-8" ? QByteArray() : requested.toUtf8();
     }
     if (!isUtf8(start))
-        raise(TranscodedFile::tr("Текст в «%1» не в UTF-8: укажите кодировку, например "
-                                 "«%1|encoding=windows-1251»")
+        raise(TextStandIn::tr("Текст в «%1» не в UTF-8: укажите кодировку, например "
+                              "«%1|encoding=windows-1251»")
                   .arg(path));
     return {};
+}
+
+char separatorForOneColumn(const QString& path, const QByteArray& encoding) {
+    const auto textFrom = [&](qint64 size) {
+        return codecNamed(encoding)->toUnicode(read(openForReading(path), size)).toUtf8();
+    };
+    const auto isIn = [](const QByteArray& text) {
+        return [&text](char separator) { return text.contains(separator); };
+    };
+    constexpr std::string_view separators = "\t;,";
+    const QByteArray start = textFrom(CHUNK);
+    const QByteArray header = start.left(endOfFirstLine(start));
+    if (header.trimmed().isEmpty() || std::any_of(separators.begin(), separators.end(), isIn(header)))
+        return 0;
+    const auto unused = std::find_if_not(separators.begin(), separators.end(), isIn(textFrom(LOOKED_AT)));
+    return unused == separators.end() ? 0 : *unused;
+}
+
+bool mayHoldCodes(const QString& path) {
+    const QByteArray start = read(openForReading(path), LOOKED_AT);
+    const std::string_view bytes(start.constData(), static_cast<std::size_t>(start.size()));
+    constexpr auto none = std::string_view::npos;
+    for (std::size_t at = bytes.find('0'); at != none; at = bytes.find('0', at + 1)) {
+        constexpr std::string_view before = ",;\t|\n\r\" ";
+        const bool isFirst = at == 0 || before.find(bytes[at - 1]) != none;
+        if (isFirst && at + 1 < bytes.size() && bytes[at + 1] >= '0' && bytes[at + 1] <= '9')
+            return true;
+    }
+    return false;
 }
 
 } // namespace orvane::files

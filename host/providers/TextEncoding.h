@@ -9,21 +9,34 @@ class QTextCodec;
 
 namespace orvane::files {
 
-/// A copy of a text file in UTF-8, under the same name in a directory of its own, for drivers that read no
-/// other character set.
-class TranscodedFile {
-    Q_DECLARE_TR_FUNCTIONS(orvane::files::TranscodedFile)
+/// Opened instead of a text file, under the same name in a directory of its own, where GDAL would not read
+/// the file as it should be read.
+class TextStandIn {
+    Q_DECLARE_TR_FUNCTIONS(orvane::files::TextStandIn)
 public:
-    /// Throws std::runtime_error, as update() does: unknown character set, file not readable, no room.
-    TranscodedFile(QString original, const QByteArray& encoding);
+    struct Changes {
+        QByteArray encoding;     ///< that the text is converted from; empty for UTF-8
+        char addedSeparator = 0; ///< put behind the first line, so that it has a second column
+        QByteArray types;        ///< of the columns, as a .csvt file names them; empty for those of the file
 
-    /// Of the copy, UTF-8.
+        bool ofText() const { return !encoding.isEmpty() || addedSeparator != 0; }
+    };
+
+    /// Throws std::runtime_error, as update() does: unknown character set, file not readable, no room.
+    TextStandIn(QString original, Changes changes);
+
+    const Changes& changes() const { return changes_; }
+    /// UTF-8.
     QByteArray path() const;
-    /// Copies again, for the original has changed.
+    /// Makes it again, for the original has changed.
     void update();
 
 private:
+    void copyText() const;
+    void copyTypes() const;
+
     QString original_;
+    Changes changes_;
     QTextCodec* codec_;
     QTemporaryDir directory_;
 };
@@ -32,5 +45,13 @@ private:
 /// UTF-16 tells, else `requested` counts, else the file has to be UTF-8 (its first 16 MB are looked at).
 /// Throws std::runtime_error when it is not, or cannot be read.
 QByteArray encodingOfTextFile(const QString& path, const QString& requested);
+
+/// For a file of one column, which GDAL does not take for a table: a separator that is nowhere in its text. 0
+/// for any other file. Throws as above.
+char separatorForOneColumn(const QString& path, const QByteArray& encoding);
+
+/// Whether a value in UTF-8 text may begin with a needless zero (its first 16 MB are looked at). Throws as
+/// above.
+bool mayHoldCodes(const QString& path);
 
 } // namespace orvane::files

@@ -156,6 +156,25 @@ TEST_F(Edits, valuesThatDoNotFitAreRefused) {
     EXPECT_EQ(readRows(*table, everything(*table)), before);
 }
 
+TEST_F(Edits, aTextTableKeepsTheTextsOfItsOtherValues) {
+    const auto path = directory_.filePath(QStringLiteral("codes.csv"));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("zip,n,x,day\n01234,5,1.50,2020-01-02\n00501,6,2.50,2021-12-31\n");
+    file.close();
+    const auto table = openFile(path).front();
+    const auto feature = firstFeature(*table); // the second
+    feature->setAttribute(1, 7);
+    table->updateAttributes(*feature, {1});
+    EXPECT_THAT(readRows(*table, everything(*table)),
+                testing::ElementsAre(testing::ElementsAre("t:01234", "i:5", "r:1.5", "t:2020-01-02"),
+                                     testing::ElementsAre("t:00501", "i:7", "r:2.5", "t:2021-12-31")));
+    QFile written(path); // a new one in the old one's place
+    ASSERT_TRUE(written.open(QIODevice::ReadOnly));
+    const QByteArray text = written.readAll().replace('"', "");
+    EXPECT_THAT(text.toStdString(), testing::HasSubstr("01234,5,1.50,2020-01-02\n00501,7,2.50,"));
+}
+
 TEST_F(Edits, formatsWithoutTransactionsSayThatTheyCannotUndo) {
     const auto table = tableOf({"GeoJSON", "geojson"});
     const auto before = rowCount(*table);

@@ -90,6 +90,28 @@ TEST_F(OpenFile, numbersWithMarksForMissingOnes) {
                     {"t:d", "i:9223372036854775807", "NULL", "t:1", "t:2", "t:NA", "NULL"}}));
 }
 
+TEST_F(OpenFile, codesKeepTheirZeros) {
+    const auto table =
+        openFile(write("codes.csv", "zip,n,x,day\n01234,5,1.50,2020-01-02\n99999,06,2,\n")).front();
+    EXPECT_THAT(types(*table), testing::ElementsAre(QMetaType::QString, QMetaType::QString, QMetaType::Double,
+                                                    QMetaType::QDate));
+    EXPECT_EQ(readRows(*table, everything(*table)),
+              (Rows{{"t:01234", "t:5", "r:1.5", "t:2020-01-02"}, {"t:99999", "t:06", "r:2", "NULL"}}));
+}
+
+TEST_F(OpenFile, oneColumnIsATable) {
+    const std::pair<const char*, Rows> cases[] = {
+        {"id\n7\n8\n", {{"i:7"}, {"i:8"}}},
+        {"full name\r\nАнна Иванова\r\nParis, France\r\n", {{"t:Анна Иванова"}, {"t:Paris, France"}}},
+        {"code\n007\n\"a \"\"b\"\"\"\n", {{"t:007"}, {"t:a \"b\""}}},
+        {"lonely", {}}};
+    for (const auto& [text, rows] : cases) {
+        const auto table = openFile(write("one.csv", text)).front();
+        EXPECT_EQ(table->schema()->numAttributes(), 1) << text;
+        EXPECT_EQ(readRows(*table, everything(*table)), rows) << text;
+    }
+}
+
 struct Coordinates {
     const char* csv;
     const char* wkb; ///< of the first row, empty for a table without geometry
@@ -196,16 +218,41 @@ TEST_F(OpenFile, whatDoesNotOpenSaysWhy) {
 }
 
 TEST_F(OpenFile, archivesNeedNotBeUnpacked) {
-    const auto path = directory_.filePath(QStringLiteral("two.zip"));
-    const auto layer = QByteArray(R"({"type":"FeatureCollection","features":[{"type":"Feature",
+    const auto put = [this](const char* archive, const char* name, const QByteArray& content) {
+        const auto path = directory_.filePath(QLatin1String(archive));
+        VSILFILE* const file = VSIFOpenL(("/vsizip/" + path.toUtf8() + '/' + name).constData(), "wb");
+        EXPECT_TRUE(file);
+        VSIFWriteL(content.constData(), 1, static_cast<std::size_t>(content.size()), file);
+        VSIFCloseL(file);
+        return path;
+    };
+    auto path =
+        put("one.zip", "numbers.geojson", R"({"type":"FeatureCollection","features":[{"type":"Feature",
         "geometry":null,"properties":{"n":1}}]})");
-    VSILFILE* const file = VSIFOpenL(("/vsizip/" + path.toUtf8() + "/numbers.geojson").constData(), "wb");
-    ASSERT_TRUE(file);
-    VSIFWriteL(layer.constData(), 1, static_cast<std::size_t>(layer.size()), file);
-    VSIFCloseL(file);
-    const auto table = openFile(path).front();
-    EXPECT_EQ(readRows(*table, everything(*table)), (Rows{{"i:1", "NULL"}}));
-    EXPECT_TRUE(table->isReadOnly());
+    const auto numbers = openFile(path).front();
+    EXPECT_EQ(readRows(*numbers, everything(*numbers)), (Rows{{"i:1", "NULL"}}));
+    EXPECT_TRUE(numbers->isReadOnly());
+
+    // Text tables are read as those beside no others: types, missing values, character set, points.
+    put("texts.zip", "README.txt", "What is in the tables");
+    put("texts.zip", "data/towns.csv", "имя,n,lon,lat\nТверь,NA,35.9,56.9\nКлин,7,36.7,56.3\n");
+    put("texts.zip", "__MACOSX/data/._towns.csv", "nothing");
+    path = put("texts.zip", "codes.tsv", "code\tday\n007\t2024-05-06\n");
+    const auto tables = openFile(path);
+    ASSERT_EQ(tables.size(), 2u);
+    EXPECT_EQ(tables[0]->name(), QStringLiteral("codes"));
+    EXPECT_EQ(readRows(*tables[0], everything(*tables[0])), (Rows{{"t:007", "t:2024-05-06"}}));
+    EXPECT_EQ(tables[1]->name(), QStringLiteral("towns"));
+    const auto rows = readRows(*tables[1], everything(*tables[1]));
+    ASSERT_EQ(rows.size(), 2u);
+    EXPECT_EQ(rows[0][1], "NULL");
+    EXPECT_EQ(rows[1][1], "i:7");
+    EXPECT_NE(rows[1].back(), "NULL");
+    EXPECT_TRUE(tables[1]->isReadOnly());
+    path = put("old.zip", "towns.csv", QByteArray("name\n\xd2\xe2\xe5\xf0\xfc\n"));
+    EXPECT_NE(failure(path), "");
+    const auto old = openFile(path + QStringLiteral("|encoding=windows-1251")).front();
+    EXPECT_EQ(readRows(*old, everything(*old)).front().front(), "t:Тверь");
 }
 
 TEST_F(OpenFile, aTruncatedFileIsNotTakenForAShortOne) {
