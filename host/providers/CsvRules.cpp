@@ -3,7 +3,6 @@
 #include "host/providers/GdalHandles.h"
 
 #include <algorithm>
-#include <cctype>
 #include <charconv>
 #include <cmath>
 #include <string_view>
@@ -58,9 +57,14 @@ bool isMissing(std::string_view text) {
            });
 }
 
-bool hasNeedlessZero(std::string_view number) {
+/// Whether a number is written as a code: with a needless zero at its front, or as a whole number that is too
+/// long for one. As a number it would lose digits.
+bool isCode(std::string_view number) {
     const auto digits = number.substr(number.front() == '-' ? 1 : 0);
-    return digits.size() > 1 && digits[0] == '0' && std::isdigit(static_cast<unsigned char>(digits[1])) != 0;
+    const auto isDigit = [](char character) { return character >= '0' && character <= '9'; };
+    if (digits.size() > 1 && digits[0] == '0')
+        return isDigit(digits[1]);
+    return std::all_of(digits.begin(), digits.end(), isDigit) && !integerInText(number);
 }
 
 /// What the values of a text column have been so far.
@@ -75,7 +79,7 @@ bool stillNumbers(Candidate& candidate, std::string_view value) {
     const auto text = trimmed(value);
     if (isMissing(text))
         return true;
-    if (!realInText(text) || hasNeedlessZero(text))
+    if (!realInText(text) || isCode(text))
         return false;
     candidate.hasNumber = true;
     candidate.isInteger = candidate.isInteger && integerInText(text).has_value();
@@ -137,25 +141,25 @@ QByteArray typesKeepingCodes(OGRLayerH plain, OGRLayerH typed) {
         if (type == OFTInteger || type == OFTInteger64 || type == OFTReal)
             numbers.push_back(i);
     }
+    const std::size_t numberCount = numbers.size();
     std::size_t read = 0;
-    bool hasCodes = false;
     OGR_L_ResetReading(plain);
     while (!numbers.empty() && read < typesFoundIn) {
         const FeatureHandle feature(OGR_L_GetNextFeature(plain));
         if (!feature)
             break;
-        const auto isCode = [&](int field) {
+        const auto holdsCodes = [&](int field) {
             const auto text = trimmed(OGR_F_GetFieldAsString(feature.get(), field));
             read += text.size() + 1;
-            if (text.empty() || !hasNeedlessZero(text))
-                return false;
-            types[field] = "String";
-            return hasCodes = true;
+            const bool found = !text.empty() && isCode(text);
+            if (found)
+                types[field] = "String";
+            return found;
         };
-        numbers.erase(std::remove_if(numbers.begin(), numbers.end(), isCode), numbers.end());
+        numbers.erase(std::remove_if(numbers.begin(), numbers.end(), holdsCodes), numbers.end());
     }
     OGR_L_ResetReading(plain);
-    return hasCodes ? types.join(',') : QByteArray();
+    return numbers.size() < numberCount ? types.join(',') : QByteArray();
 }
 
 FieldReadings numbersWithGaps(OGRLayerH layer) {

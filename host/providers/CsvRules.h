@@ -23,14 +23,15 @@ struct CsvRules {
 /// its column is NULL, with a warning.
 CsvRules csvRulesOf(OGRLayerH layer);
 
-/// The types of a layer as a .csvt file names them, but texts for the columns of numbers in which one starts
-/// with a needless zero, as codes do. `plain` is the same layer with nothing but texts, of which the first
-/// 10 MB are looked at. Empty when there are no codes.
+/// The types of a layer as a .csvt file names them, but texts for the columns of numbers that hold codes,
+/// which would lose digits: one starts with a needless zero, or is whole and too long for 64 bits. `plain` is
+/// the same layer with nothing but texts, of which the first 10 MB are looked at. Empty when there are no
+/// codes.
 QByteArray typesKeepingCodes(OGRLayerH plain, OGRLayerH typed);
 
 /// Makes columns of numbers of the text columns that hold, in the whole file, numbers and marks for missing
 /// ones (NA, N/A, #N/A, NULL, NaN, "-", "..", in any letter case, or nothing): the marks are NULL. Columns
-/// with numbers that start with a needless zero, as codes do, stay texts.
+/// with codes stay texts.
 FieldReadings numbersWithGaps(OGRLayerH layer);
 
 /// The number in a text of such a column; nothing for a mark and for any other text.

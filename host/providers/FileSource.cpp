@@ -4,6 +4,7 @@
 #include "host/providers/CsvRules.h"
 #include "host/providers/DatasetPool.h"
 #include "host/providers/GdalErrors.h"
+#include "host/providers/GdalHandles.h"
 #include "host/providers/LayerSchema.h"
 #include "platform/cs/CoordSystem.h"
 
@@ -59,6 +60,13 @@ struct OpenedFile {
     int mostFields = std::numeric_limits<int>::max(); ///< that the table shows
 };
 
+/// Whether somebody has said what the types are, which counts then.
+bool hasTypesBeside(const QString& path) {
+    const QString types = path.left(path.lastIndexOf(QLatin1Char('.'))) + QStringLiteral(".csvt");
+    VSIStatBufL found;
+    return VSIStatL(types.toUtf8().constData(), &found) == 0;
+}
+
 OpenedFile openTextTable(const QString& path, const QString& encoding, const QList<QByteArray>& options) {
     DatasetPool::Source source{path.toUtf8(), {"CSV"}, options, nullptr};
     TextStandIn::Changes changes;
@@ -80,9 +88,7 @@ OpenedFile openTextTable(const QString& path, const QString& encoding, const QLi
         file.assumedCoordSystem = cs::CoordSysFactory::defaultCoordSysFactory()->createFromEpsg(4326);
     file.pool = std::make_shared<DatasetPool>(source);
     auto typed = file.pool->acquire();
-    const bool hasTypes =
-        QFileInfo::exists(path.left(path.lastIndexOf(QLatin1Char('.'))) + QStringLiteral(".csvt"));
-    if (!hasTypes && mayHoldCodes(source.copy ? QString::fromUtf8(source.copy->path()) : path)) {
+    if (!hasTypesBeside(path) && mayHoldCodes(source.copy ? QString::fromUtf8(source.copy->path()) : path)) {
         changes.types = typesKeepingCodes(plainLayer, GDALDatasetGetLayer(typed.dataset(), 0));
         if (!changes.types.isEmpty()) {
             source.copy = std::make_shared<TextStandIn>(path, changes);

@@ -38,7 +38,7 @@ VsiHandle openForReading(const QString& path) {
     errno = 0;
     VsiHandle file(VSIFOpenL(path.toUtf8().constData(), "rb"));
     if (!file)
-        raise(TextStandIn::tr("Не удалось прочитать «%1»: %2").arg(path, qt_error_string(errno)));
+        raise(TextStandIn::tr("Не удалось прочитать «%1»: %2").arg(pathOnDisk(path), qt_error_string(errno)));
     return file;
 }
 
@@ -124,7 +124,7 @@ QByteArray encodingOfTextFile(const QString& path, const QString& requested) {
     if (!isUtf8(start))
         raise(TextStandIn::tr("Текст в «%1» не в UTF-8: укажите кодировку, например "
                               "«%1|encoding=windows-1251»")
-                  .arg(path));
+                  .arg(pathOnDisk(path)));
     return {};
 }
 
@@ -145,14 +145,20 @@ char separatorForOneColumn(const QString& path, const QByteArray& encoding) {
 }
 
 bool mayHoldCodes(const QString& path) {
-    const QByteArray start = read(openForReading(path), LOOKED_AT);
-    const std::string_view bytes(start.constData(), static_cast<std::size_t>(start.size()));
-    constexpr auto none = std::string_view::npos;
-    for (std::size_t at = bytes.find('0'); at != none; at = bytes.find('0', at + 1)) {
-        constexpr std::string_view before = ",;\t|\n\r\" ";
-        const bool isFirst = at == 0 || before.find(bytes[at - 1]) != none;
-        if (isFirst && at + 1 < bytes.size() && bytes[at + 1] >= '0' && bytes[at + 1] <= '9')
-            return true;
+    constexpr int longestNumber = 18; // digits that certainly fit into 64 bits
+    constexpr std::string_view betweenValues = ",;\t|\n\r\" ";
+    int digits = 0; // of the number so far
+    bool isWhole = true, beginsWithZero = false;
+    for (const char character : read(openForReading(path), LOOKED_AT)) {
+        if (character >= '0' && character <= '9') {
+            beginsWithZero = digits == 0 ? isWhole && character == '0' : beginsWithZero;
+            ++digits;
+            if (isWhole && digits > (beginsWithZero ? 1 : longestNumber))
+                return true;
+        } else {
+            digits = 0;
+            isWhole = betweenValues.find(character) != betweenValues.npos;
+        }
     }
     return false;
 }
