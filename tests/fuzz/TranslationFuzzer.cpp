@@ -50,10 +50,10 @@ sqlite3* database() {
     return handle;
 }
 
+/// Names in other messages may sound like one.
 bool isGrammarError(const std::string& message) {
-    return message.find("syntax error") != std::string::npos ||
-           message.find("unrecognized token") != std::string::npos ||
-           message.find("incomplete input") != std::string::npos;
+    return message == "incomplete input" || message.starts_with("unrecognized token: ") ||
+           (message.starts_with("near \"") && message.ends_with("\": syntax error"));
 }
 
 } // namespace
