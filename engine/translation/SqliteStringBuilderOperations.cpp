@@ -3,6 +3,9 @@
 #include "platform/sql/SqlStrings.h"
 #include <orvane/engine/FunctionNames.h>
 
+#include <sqlite3.h>
+
+#include <algorithm>
 #include <utility>
 
 // Operators and functions.
@@ -53,6 +56,21 @@ bool comparesTexts(OperationCode code) {
     }
 }
 
+/// The name of a type with the words quoted that SQLite would take for something else (`Table`).
+std::wstring quotedType(const std::wstring& name) {
+    const std::size_t end = std::min(name.find(L'('), name.size());
+    std::wstring type;
+    for (std::size_t begin = 0; begin < end;) {
+        const std::size_t behind = std::min(name.find(L' ', begin), end);
+        const std::wstring word = name.substr(begin, behind - begin);
+        const std::string utf8 = toUtf8(word);
+        const bool isKeyword = sqlite3_keyword_check(utf8.data(), static_cast<int>(utf8.size())) != 0;
+        type += (type.empty() ? L"" : L" ") + (isKeyword ? L'"' + word + L'"' : word);
+        begin = behind + 1;
+    }
+    return type + name.substr(end);
+}
+
 } // namespace
 
 /// The right operand is rendered first. Both stand in parentheses of their own within the call.
@@ -65,6 +83,10 @@ void SqliteStringBuilder::visit(const ast::Operation& node) {
         text += right;
         text += L"))";
         return push(std::move(text));
+    }
+    if (node.code() == OperationCode::Cast) {
+        return SqlStringBuilder::visit(
+            ast::Operation(OperationCode::Cast, node.left(), quotedType(node.name())));
     }
     // `Case x When y` compares as well; the other form of Case has no left operand.
     const bool simpleCase = node.code() == OperationCode::Case && node.left();
