@@ -336,12 +336,22 @@ void SqlStringBuilder::renderOperation(const ast::Operation& node, const TextFun
     push(std::move(text));
 }
 
-/// SQLite wants the rows that a row value is looked for in as a query.
+/// SQLite wants the rows that a row value is looked for in as a query, each in parentheses.
 void SqlStringBuilder::appendInOperand(std::wstring& text, const ast::Operation& node) {
-    const bool rows = node.left() && node.left()->kind == ast::NodeKind::RowValueExpression &&
-                      node.right()->kind == ast::NodeKind::RowValueExpressionList;
-    text += rows ? L"(Values " : L"(";
-    text += render(node.right());
+    const auto* rows = node.left() && node.left()->kind == ast::NodeKind::RowValueExpression
+                           ? ast::nodeAs<ast::RowValueExpressionList>(node.right())
+                           : nullptr;
+    text.push_back(L'(');
+    if (!rows) {
+        text += render(node.right());
+    } else {
+        const wchar_t* separator = L"Values ";
+        for (const ast::NodePtr& row : rows->elements) {
+            const bool isRow = row->kind == ast::NodeKind::RowValueExpression;
+            text += separator + (isRow ? render(row) : L'(' + renderValue(row) + L')');
+            separator = L", ";
+        }
+    }
     text.push_back(L')');
 }
 
