@@ -8,6 +8,7 @@
 #include <QTextCodec>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <memory>
 #include <stdexcept>
@@ -136,7 +137,8 @@ char separatorForOneColumn(const QString& path, const QByteArray& encoding) {
         return [&text](char separator) { return text.contains(separator); };
     };
     constexpr std::string_view separators = "\t;,";
-    const QByteArray start = textFrom(CHUNK);
+    constexpr qint64 longestHeader = qint64{64} << 10;
+    const QByteArray start = textFrom(longestHeader);
     const QByteArray header = start.left(endOfFirstLine(start));
     if (header.trimmed().isEmpty() || std::any_of(separators.begin(), separators.end(), isIn(header)))
         return 0;
@@ -146,19 +148,32 @@ char separatorForOneColumn(const QString& path, const QByteArray& encoding) {
 
 bool mayHoldCodes(const QString& path) {
     constexpr int longestNumber = 18; // digits that certainly fit into 64 bits
-    constexpr std::string_view betweenValues = ",;\t|\n\r\" ";
+    constexpr auto isBetweenValues = [] {
+        std::array<bool, 256> is{};
+        for (const char character : std::string_view(",;\t|\n\r\"")) {
+            is[static_cast<unsigned char>(character)] = true;
+        }
+        return is;
+    }();
     int digits = 0; // of the number so far
     bool isWhole = true, beginsWithZero = false;
-    for (const char character : read(openForReading(path), LOOKED_AT)) {
+    const QByteArray start = read(openForReading(path), LOOKED_AT) + '\n';
+    for (const char character : start) {
         if (character >= '0' && character <= '9') {
-            beginsWithZero = digits == 0 ? isWhole && character == '0' : beginsWithZero;
+            beginsWithZero = digits == 0 ? character == '0' : beginsWithZero;
             ++digits;
-            if (isWhole && digits > (beginsWithZero ? 1 : longestNumber))
-                return true;
-        } else {
-            digits = 0;
-            isWhole = betweenValues.find(character) != betweenValues.npos;
+            continue;
         }
+        if (character == ' ' && digits == 0) {
+            continue; // before a number
+        }
+        const bool isBetween = isBetweenValues[static_cast<unsigned char>(character)];
+        const bool isCode = isWhole && digits > (beginsWithZero ? 1 : longestNumber);
+        // What goes on otherwise is none: a date with a year before 1000.
+        if (isCode && (isBetween || character == ' ' || character == '.'))
+            return true;
+        digits = 0;
+        isWhole = isBetween;
     }
     return false;
 }
