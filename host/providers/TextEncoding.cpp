@@ -140,7 +140,9 @@ char separatorForOneColumn(const QString& path, const QByteArray& encoding) {
     constexpr qint64 longestHeader = qint64{64} << 10;
     const QByteArray start = textFrom(longestHeader);
     const QByteArray header = start.left(endOfFirstLine(start));
-    if (header.trimmed().isEmpty() || std::any_of(separators.begin(), separators.end(), isIn(header)))
+    const bool hasSeparator =
+        header.contains('|') || std::any_of(separators.begin(), separators.end(), isIn(header));
+    if (header.trimmed().isEmpty() || hasSeparator)
         return 0;
     const auto unused = std::find_if_not(separators.begin(), separators.end(), isIn(textFrom(LOOKED_AT)));
     return unused == separators.end() ? 0 : *unused;

@@ -212,6 +212,7 @@ TEST_F(OpenFile, whatDoesNotOpenSaysWhy) {
         {directory_.filePath(QStringLiteral("absent.shp")), "No such file or directory"},
         {write("garbage.gpkg", "garbage"), "в нём нет таблиц в известном формате"},
         {write("empty.csv", ""), "файл пуст"},
+        {write("pipes.csv", "a|b\n1|2\n"), "в нём нет таблиц в известном формате"},
         {write("broken.geojson", "{\"type\":\"FeatureColl"), "в нём нет таблиц в известном формате"},
         {write("text.zip", "no archive"), "в нём нет таблиц в известном формате"},
         {directory_.path(), "в нём нет таблиц в известном формате"}};
