@@ -122,19 +122,25 @@ const char* typeOf(Affinity affinity) {
 }
 
 bool isStandardType(int metaType) {
-    constexpr int numbers[] = {
-        QMetaType::Bool,   QMetaType::Int,   QMetaType::Short,    QMetaType::UInt,  QMetaType::UShort,
-        QMetaType::UChar,  QMetaType::Long,  QMetaType::LongLong, QMetaType::ULong, QMetaType::ULongLong,
-        QMetaType::Double, QMetaType::Float, QMetaType::QDate,    QMetaType::QTime, QMetaType::QDateTime};
-    constexpr std::uint64_t standard = [&] {
-        std::uint64_t bits = 0;
-        for (const int type : numbers) {
-            bits |= std::uint64_t(1) << type;
-        }
-        return bits;
-    }();
-    constexpr int bitCount = 64;
-    return metaType < bitCount ? (standard >> metaType & 1) != 0 : metaType == qMetaTypeId<QDecNumber>();
+    switch (metaType) {
+    case QMetaType::Bool:
+    case QMetaType::Int:
+    case QMetaType::Short:
+    case QMetaType::UInt:
+    case QMetaType::UShort:
+    case QMetaType::UChar:
+    case QMetaType::LongLong:
+    case QMetaType::Long:
+    case QMetaType::ULongLong:
+    case QMetaType::ULong:
+    case QMetaType::Double:
+    case QMetaType::Float:
+    case QMetaType::QDate:
+    case QMetaType::QTime:
+    case QMetaType::QDateTime: return true;
+    case QMetaType::QString: return false;
+    default: return metaType == qMetaTypeId<QDecNumber>();
+    }
 }
 
 std::optional<QVariant> standardValue(const QVariant& value) {

@@ -24,11 +24,15 @@ using geometry::GeometryPtr;
 /// The geometries of one group, in the coordinate system of the first that has one.
 class Group {
 public:
-    explicit Group(EngineCache& cache) : cache_(cache) {}
+    explicit Group(sqlite3_context* context)
+        : cache_(*static_cast<EngineCache*>(sqlite3_user_data(context))),
+          longest_(sqlite3_limit(sqlite3_context_db_handle(context), SQLITE_LIMIT_LENGTH, -1)) {}
 
     const GatheredParts& parts() const { return parts_; }
     const dp::Cancellation& cancellation() const { return cancellation_; }
     int srid() const { return srid_; }
+    /// More bytes than a value may have.
+    bool isTooLarge() const { return parts_.size() > static_cast<std::size_t>(longest_); }
 
     void add(sqlite3_context* context, sqlite3_value* value) {
         if (sqlite3_value_type(value) != SQLITE_BLOB) {
@@ -59,8 +63,7 @@ public:
     void setResult(sqlite3_context* context, const std::string& blob) const {
         if (coordSystem_ && srid_ == 0 && !blob.empty()) { // which a SpatiaLite blob cannot name
             const auto header = readSpatialiteHeader(blob);
-            setResult(context,
-                      geometry::GeometryFactory::fromSpatialiteBody(header->body, true, coordSystem_));
+            setResult(context, geometry::GeometryFactory::fromSpatialiteBody(header->body, true, nullptr));
         } else if (!blob.empty()) {
             sqlite3_result_blob64(context, blob.data(), blob.size(), SQLITE_TRANSIENT);
         }
@@ -104,6 +107,7 @@ private:
     }
 
     EngineCache& cache_;
+    const int longest_;
     GatheredParts parts_;
     std::shared_ptr<cs::CoordSystem> coordSystem_;
     int srid_ = 0;
@@ -145,11 +149,10 @@ void GeometryAggregate::step(sqlite3_context* context, int, sqlite3_value** valu
             throw std::bad_alloc();
         }
         if (!state->group) {
-            state->group = new Group(*static_cast<EngineCache*>(sqlite3_user_data(context)));
+            state->group = new Group(context);
         }
         state->group->add(context, values[0]);
-        const int longest = sqlite3_limit(sqlite3_context_db_handle(context), SQLITE_LIMIT_LENGTH, -1);
-        if (state->group->parts().size() > static_cast<std::size_t>(longest)) {
+        if (state->group->isTooLarge()) {
             sqlite3_result_error_toobig(context);
         }
     });

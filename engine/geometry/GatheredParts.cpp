@@ -5,7 +5,6 @@
 #include "platform/geometry/Shapes.h"
 
 #include <array>
-#include <cstring>
 
 namespace orvane::engine {
 

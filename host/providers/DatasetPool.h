@@ -2,7 +2,7 @@
 
 #include "host/providers/GdalHandles.h"
 #include "host/providers/ResultDirectory.h"
-#include "host/providers/TextEncoding.h"
+#include "host/providers/TextFile.h"
 
 #include <QByteArray>
 #include <QCoreApplication>

@@ -1,4 +1,4 @@
-#include "host/providers/TextEncoding.h"
+#include "host/providers/TextFile.h"
 
 #include "host/providers/Archive.h"
 #include "host/providers/GdalHandles.h"
@@ -152,9 +152,8 @@ bool mayHoldCodes(const QString& path) {
     constexpr int longestNumber = 18; // digits that certainly fit into 64 bits
     constexpr auto isBetweenValues = [] {
         std::array<bool, 256> is{};
-        for (const char character : std::string_view(",;\t|\n\r\"")) {
+        for (const char character : std::string_view(",;\t|\n\r\""))
             is[static_cast<unsigned char>(character)] = true;
-        }
         return is;
     }();
     int digits = 0; // of the number so far
@@ -166,9 +165,8 @@ bool mayHoldCodes(const QString& path) {
             ++digits;
             continue;
         }
-        if (character == ' ' && digits == 0) {
+        if (character == ' ' && digits == 0)
             continue; // before a number
-        }
         const bool isBetween = isBetweenValues[static_cast<unsigned char>(character)];
         const bool isCode = isWhole && digits > (beginsWithZero ? 1 : longestNumber);
         // What goes on otherwise is none: a date with a year before 1000.

@@ -50,8 +50,8 @@ QByteArray encodingOfTextFile(const QString& path, const QString& requested);
 /// for any other file. Throws as above.
 char separatorForOneColumn(const QString& path, const QByteArray& encoding);
 
-/// Whether a value in UTF-8 text may begin with a needless zero (its first 16 MB are looked at). Throws as
-/// above.
+/// Whether a value in UTF-8 text may be a code: a number with a needless zero at its front, or one that is
+/// too long (its first 16 MB are looked at). Throws as above.
 bool mayHoldCodes(const QString& path);
 
 } // namespace orvane::files
