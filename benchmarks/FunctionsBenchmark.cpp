@@ -1,6 +1,6 @@
 // The text functions and patterns over a million texts, each beside the function of SQLite that does nearly
 // the same. "Texts" are half Latin, half Cyrillic; the argument 0 of a pair is ours, 1 SQLite's own.
-#include "host/adaptor/FunctionRegistry.h"
+#include "host/adaptor/functions/FunctionRegistry.h"
 
 #include <benchmark/benchmark.h>
 

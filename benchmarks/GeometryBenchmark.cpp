@@ -2,9 +2,9 @@
 // positions with one area, transformation. Compare the lines of one run.
 
 #include "platform/cs/CoordSystem.h"
-#include "platform/geometry/GeometryFactory.h"
-#include "platform/geometry/Measures.h"
-#include "platform/geometry/Shapes.h"
+#include "platform/geometry/forms/GeometryFactory.h"
+#include "platform/geometry/measures/Measures.h"
+#include "platform/geometry/shapes/Shapes.h"
 #include <orvane/engine/EngineCache.h>
 #include <orvane/engine/GeometryConversions.h>
 #include <orvane/engine/SpatialiteBlob.h>

@@ -2,8 +2,8 @@
 /// and a text, made anew as a GeoPackage. `allocations_per_row` counts every block taken with operator new,
 /// GDAL's own included, in all threads.
 
-#include "host/providers/BatchCache.h"
 #include "host/providers/FileSource.h"
+#include "host/providers/reading/BatchCache.h"
 
 #include <benchmark/benchmark.h>
 #include <ogrsf_frmts.h>

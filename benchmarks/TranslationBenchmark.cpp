@@ -1,8 +1,8 @@
 #include <orvane/engine/SqliteStringBuilder.h>
 
-#include "platform/sql/Lexer.h"
-#include "platform/sql/SqlParser.h"
-#include "platform/sql/SqlStrings.h"
+#include "platform/sql/lexing/Lexer.h"
+#include "platform/sql/lexing/SqlStrings.h"
+#include "platform/sql/parsing/SqlParser.h"
 
 #include <benchmark/benchmark.h>
 #include <sqlite3.h>

@@ -24,8 +24,12 @@ install(DIRECTORY "${PROJECT_SOURCE_DIR}/platform" DESTINATION "${header_dir}"
     FILES_MATCHING PATTERN "*.h" PATTERN "sqldriver" EXCLUDE PATTERN "GeosForm.h" EXCLUDE PATTERN "ProjContext.h" EXCLUDE)
 install(DIRECTORY "${PROJECT_BINARY_DIR}/generated/platform" "${PROJECT_BINARY_DIR}/generated/host"
     DESTINATION "${header_dir}" FILES_MATCHING PATTERN "*.h")
-foreach(header Adaptor FeatureExpression FunctionRecord FunctionReference FunctionRegistry)
+foreach(header Adaptor FeatureExpression)
     install(FILES "${PROJECT_SOURCE_DIR}/host/adaptor/${header}.h" DESTINATION "${header_dir}/host/adaptor")
+endforeach()
+foreach(header FunctionRecord FunctionReference FunctionRegistry)
+    install(FILES "${PROJECT_SOURCE_DIR}/host/adaptor/functions/${header}.h"
+        DESTINATION "${header_dir}/host/adaptor/functions")
 endforeach()
 foreach(header FilesExtension FileSource LayerTable)
     install(FILES "${PROJECT_SOURCE_DIR}/host/providers/${header}.h" DESTINATION "${header_dir}/host/providers")

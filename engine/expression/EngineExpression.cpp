@@ -6,7 +6,7 @@
 #include "platform/decimal/QDecNumber.h"
 #include "platform/dp/SqliteStatement.h"
 #include "platform/log/Logger.h"
-#include "platform/sql/SqlStrings.h"
+#include "platform/sql/lexing/SqlStrings.h"
 #include <orvane/engine/ColumnNames.h>
 #include <orvane/engine/GeometryConversions.h>
 #include <orvane/engine/functions/Converters.h>

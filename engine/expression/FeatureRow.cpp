@@ -3,7 +3,7 @@
 #include "engine/expression/FeatureRowModule.h"
 
 #include "platform/core/SqliteException.h"
-#include "platform/sql/SqlStrings.h"
+#include "platform/sql/lexing/SqlStrings.h"
 #include <orvane/engine/ColumnNames.h>
 #include <orvane/engine/functions/Converters.h>
 

@@ -3,9 +3,9 @@
 #include "Barrier.h"
 #include "engine/geometry/GatheredParts.h"
 #include "platform/cs/CoordSystem.h"
-#include "platform/geometry/Curves.h"
-#include "platform/geometry/GeometryFactory.h"
-#include "platform/geometry/Overlay.h"
+#include "platform/geometry/forms/GeometryFactory.h"
+#include "platform/geometry/relations/Overlay.h"
+#include "platform/geometry/shapes/Curves.h"
 #include <orvane/engine/EngineCache.h>
 #include <orvane/engine/GeometryConversions.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/geometry/Geometry.h"
+#include "platform/geometry/shapes/Geometry.h"
 
 #include <sqlite3.h>
 

@@ -5,8 +5,8 @@
 #include "PreparedArgument.h"
 #include "platform/cs/CoordSystem.h"
 #include "platform/cs/Transformer.h"
-#include "platform/geometry/GeometryFactory.h"
-#include "platform/geometry/Relations.h"
+#include "platform/geometry/forms/GeometryFactory.h"
+#include "platform/geometry/relations/Relations.h"
 #include <orvane/engine/EngineCache.h>
 #include <orvane/engine/GeometryConversions.h>
 #include <orvane/engine/SpatialiteBlob.h>

@@ -2,8 +2,8 @@
 
 #include "Barrier.h"
 #include "GeometryArguments.h"
-#include "platform/geometry/Measures.h"
-#include "platform/geometry/Relations.h"
+#include "platform/geometry/measures/Measures.h"
+#include "platform/geometry/relations/Relations.h"
 #include <orvane/engine/GeometryConversions.h>
 #include <orvane/engine/functions/Converters.h>
 

@@ -3,7 +3,7 @@
 #include "Barrier.h"
 #include "RecentGeometries.h"
 #include "platform/cs/CoordSystem.h"
-#include "platform/geometry/Relations.h"
+#include "platform/geometry/relations/Relations.h"
 #include <orvane/engine/EngineCache.h>
 #include <orvane/engine/SpatialiteBlob.h>
 

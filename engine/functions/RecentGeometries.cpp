@@ -1,7 +1,7 @@
 #include "RecentGeometries.h"
 
 #include "platform/cs/CoordSystem.h"
-#include "platform/geometry/Geometry.h"
+#include "platform/geometry/shapes/Geometry.h"
 #include <orvane/engine/EngineCache.h>
 
 #include <functional>

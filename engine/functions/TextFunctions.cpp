@@ -3,7 +3,7 @@
 #include "Barrier.h"
 #include "TextArguments.h"
 #include "Utf8.h"
-#include "platform/geometry/GeoSqlType.h"
+#include "platform/geometry/shapes/GeoSqlType.h"
 #include <orvane/engine/GeometryConversions.h>
 #include <orvane/engine/functions/Converters.h>
 

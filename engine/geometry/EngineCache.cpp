@@ -1,7 +1,7 @@
 #include <orvane/engine/EngineCache.h>
 
 #include "platform/cs/CoordSystem.h"
-#include "platform/geometry/GeometryFactory.h"
+#include "platform/geometry/forms/GeometryFactory.h"
 #include "platform/serialization/BinaryArchive.h"
 #include "platform/serialization/CoordSystemArchive.h"
 #include "platform/utils/Compare.h"

@@ -1,7 +1,7 @@
 #include <orvane/engine/EngineGeometry.h>
 
 #include "platform/cs/CoordSystem.h"
-#include "platform/geometry/Geometry.h"
+#include "platform/geometry/shapes/Geometry.h"
 #include "platform/serialization/BinaryArchive.h"
 #include "platform/serialization/CoordSystemArchive.h"
 

@@ -1,8 +1,8 @@
 #include "engine/geometry/GatheredParts.h"
 
 #include "engine/geometry/SpatialiteLayout.h"
-#include "platform/geometry/GeometryFactory.h"
-#include "platform/geometry/Shapes.h"
+#include "platform/geometry/forms/GeometryFactory.h"
+#include "platform/geometry/shapes/Shapes.h"
 
 #include <array>
 

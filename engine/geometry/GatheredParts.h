@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/dp/Cancellation.h"
-#include "platform/geometry/Geometry.h"
+#include "platform/geometry/shapes/Geometry.h"
 #include <orvane/engine/SpatialiteBlob.h>
 
 #include <string>

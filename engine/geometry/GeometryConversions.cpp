@@ -2,8 +2,8 @@
 
 #include "platform/cs/CoordSystem.h"
 #include "platform/decimal/QDecNumber.h"
-#include "platform/geometry/Curves.h"
-#include "platform/geometry/GeometryFactory.h"
+#include "platform/geometry/forms/GeometryFactory.h"
+#include "platform/geometry/shapes/Curves.h"
 #include "platform/utils/MetaTypes.h"
 #include <orvane/engine/ColumnNames.h>
 #include <orvane/engine/EngineCache.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/geometry/Coordinates.h"
+#include "platform/geometry/shapes/Coordinates.h"
 
 #include <QtEndian>
 

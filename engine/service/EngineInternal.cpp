@@ -1,8 +1,8 @@
 #include "engine/service/EngineInternal.h"
 
 #include "platform/core/SqliteException.h"
-#include "platform/geometry/GeosInterrupt.h"
-#include "platform/sql/SqlRuntime.h"
+#include "platform/geometry/forms/GeosInterrupt.h"
+#include "platform/sql/parsing/SqlRuntime.h"
 #include <orvane/engine/Collator.h>
 
 #include <QCoreApplication>

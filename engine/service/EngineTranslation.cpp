@@ -3,10 +3,10 @@
 #include "engine/service/EngineInternal.h"
 
 #include "platform/log/Logger.h"
-#include "platform/sql/SqlError.h"
-#include "platform/sql/SqlParser.h"
-#include "platform/sql/SqlRuntime.h"
-#include "platform/sql/SqlStrings.h"
+#include "platform/sql/lexing/SqlError.h"
+#include "platform/sql/lexing/SqlStrings.h"
+#include "platform/sql/parsing/SqlParser.h"
+#include "platform/sql/parsing/SqlRuntime.h"
 #include <orvane/engine/ColumnNames.h>
 #include <orvane/engine/SqliteStringBuilder.h>
 

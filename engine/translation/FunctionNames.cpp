@@ -1,6 +1,6 @@
 #include <orvane/engine/FunctionNames.h>
 
-#include "platform/sql/SqlStrings.h"
+#include "platform/sql/lexing/SqlStrings.h"
 
 namespace orvane::engine {
 

@@ -4,7 +4,7 @@
 #include <orvane/engine/EngineCache.h>
 
 #include "platform/dp/Selection.h"
-#include "platform/sql/SqlStrings.h"
+#include "platform/sql/lexing/SqlStrings.h"
 
 #include <utility>
 

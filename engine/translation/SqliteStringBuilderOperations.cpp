@@ -1,6 +1,6 @@
 #include <orvane/engine/SqliteStringBuilder.h>
 
-#include "platform/sql/SqlStrings.h"
+#include "platform/sql/lexing/SqlStrings.h"
 #include <orvane/engine/FunctionNames.h>
 
 #include <sqlite3.h>

@@ -4,7 +4,7 @@
 
 #include "platform/dp/DataCatalogWithSelection.h"
 #include "platform/dp/DataObject.h"
-#include "platform/sql/SqlStrings.h"
+#include "platform/sql/lexing/SqlStrings.h"
 
 #include <QUuid>
 

@@ -1,7 +1,7 @@
 #include "host/adaptor/Adaptor.h"
 
-#include "host/adaptor/FunctionRegistry.h"
-#include "host/adaptor/VirtualTableModule.h"
+#include "host/adaptor/functions/FunctionRegistry.h"
+#include "host/adaptor/module/VirtualTableModule.h"
 
 #include <sqlite3.h>
 

@@ -1,9 +1,9 @@
 #include "host/adaptor/FeatureExpression.h"
 
 #include "platform/cs/CoordSystem.h"
-#include "platform/geometry/GeometryFactory.h"
-#include "platform/sql/SqlError.h"
-#include "platform/sql/SqlStrings.h"
+#include "platform/geometry/forms/GeometryFactory.h"
+#include "platform/sql/lexing/SqlError.h"
+#include "platform/sql/lexing/SqlStrings.h"
 #include <orvane/engine/ColumnNames.h>
 #include <orvane/engine/EngineCache.h>
 #include <orvane/engine/GeometryConversions.h>

@@ -1,8 +1,8 @@
 #include "host/adaptor/QuerySelection.h"
 
-#include "platform/sql/FunctionInfo.h"
-#include "platform/sql/SqlParser.h"
-#include "platform/sql/SqlStrings.h"
+#include "platform/sql/lexing/SqlStrings.h"
+#include "platform/sql/parsing/SqlParser.h"
+#include "platform/sql/tree/FunctionInfo.h"
 #include <orvane/Engine.h>
 #include <orvane/engine/EngineCache.h>
 #include <orvane/engine/SqliteStringBuilder.h>

@@ -1,11 +1,11 @@
 #include "host/providers/FileSource.h"
 
-#include "host/providers/Archive.h"
-#include "host/providers/CsvRules.h"
-#include "host/providers/DatasetPool.h"
-#include "host/providers/GdalErrors.h"
-#include "host/providers/GdalHandles.h"
-#include "host/providers/LayerSchema.h"
+#include "host/providers/datasets/Archive.h"
+#include "host/providers/datasets/DatasetPool.h"
+#include "host/providers/datasets/GdalErrors.h"
+#include "host/providers/datasets/GdalHandles.h"
+#include "host/providers/datasets/LayerSchema.h"
+#include "host/providers/text/CsvRules.h"
 #include "platform/cs/CoordSystem.h"
 
 #include <QCoreApplication>

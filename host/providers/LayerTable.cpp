@@ -1,7 +1,7 @@
 #include "host/providers/LayerTable.h"
 
-#include "host/providers/LayerEditor.h"
-#include "host/providers/LayerReader.h"
+#include "host/providers/reading/LayerReader.h"
+#include "host/providers/writing/LayerEditor.h"
 
 #include <numeric>
 

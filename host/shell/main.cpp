@@ -1,10 +1,10 @@
-#include "host/shell/Interrupt.h"
-#include "host/shell/Language.h"
-#include "host/shell/Options.h"
-#include "host/shell/Prompt.h"
-#include "host/shell/Session.h"
-#include "host/shell/Shell.h"
-#include "host/shell/StatementRunner.h"
+#include "host/shell/prompt/Prompt.h"
+#include "host/shell/session/Interrupt.h"
+#include "host/shell/session/Language.h"
+#include "host/shell/session/Options.h"
+#include "host/shell/session/Session.h"
+#include "host/shell/session/Shell.h"
+#include "host/shell/statements/StatementRunner.h"
 
 #include <orvane/Engine.h>
 

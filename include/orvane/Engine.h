@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/sql/FunctionInfo.h"
+#include "platform/sql/tree/FunctionInfo.h"
 #include <orvane/engine/CaseInsensitiveLess.h>
 #include <orvane/engine/Export.h>
 

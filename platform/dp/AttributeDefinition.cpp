@@ -1,6 +1,6 @@
 #include "platform/dp/AttributeDefinition.h"
 
-#include "platform/geometry/Geometry.h"
+#include "platform/geometry/shapes/Geometry.h"
 
 #include <utility>
 

@@ -1,6 +1,6 @@
 #include "platform/dp/CellConversion.h"
 
-#include "platform/geometry/GeometryFactory.h"
+#include "platform/geometry/forms/GeometryFactory.h"
 
 #include <QDateTime>
 

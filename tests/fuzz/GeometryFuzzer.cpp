@@ -3,11 +3,11 @@
 
 #include "support/PlainCache.h"
 
-#include "platform/geometry/Curves.h"
-#include "platform/geometry/GeometryFactory.h"
-#include "platform/geometry/Measures.h"
-#include "platform/geometry/Relations.h"
-#include "platform/geometry/TextFormats.h"
+#include "platform/geometry/forms/GeometryFactory.h"
+#include "platform/geometry/forms/TextFormats.h"
+#include "platform/geometry/measures/Measures.h"
+#include "platform/geometry/relations/Relations.h"
+#include "platform/geometry/shapes/Curves.h"
 #include <orvane/engine/GeometryConversions.h>
 #include <orvane/engine/SpatialiteBlob.h>
 

@@ -1,8 +1,8 @@
 #include "support/Application.h"
 
 #include "host/adaptor/Adaptor.h"
-#include "platform/sql/SqlParser.h"
-#include "platform/sql/SqlStrings.h"
+#include "platform/sql/lexing/SqlStrings.h"
+#include "platform/sql/parsing/SqlParser.h"
 #include <orvane/engine/SqliteStringBuilder.h>
 
 #include <QSqlDriver>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/geometry/Curves.h"
-#include "platform/geometry/TextFormats.h"
+#include "platform/geometry/forms/TextFormats.h"
+#include "platform/geometry/shapes/Curves.h"
 
 #include <string>
 #include <vector>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/cs/CoordSystem.h"
-#include "platform/geometry/GeometryFactory.h"
+#include "platform/geometry/forms/GeometryFactory.h"
 
 #include <geos_c.h>
 

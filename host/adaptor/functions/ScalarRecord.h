@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/adaptor/FunctionRecord.h"
+#include "host/adaptor/functions/FunctionRecord.h"
 
 namespace orvane::adaptor {
 

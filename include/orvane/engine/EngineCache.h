@@ -5,7 +5,7 @@
 #include <orvane/engine/EngineGeometryMap.h>
 #include <orvane/engine/Export.h>
 
-#include "platform/geometry/ResemblanceExtension.h"
+#include "platform/geometry/relations/ResemblanceExtension.h"
 
 #include <QReadWriteLock>
 #include <QVarLengthArray>

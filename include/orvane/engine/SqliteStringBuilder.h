@@ -3,8 +3,8 @@
 #include <orvane/engine/CaseInsensitiveLess.h>
 #include <orvane/engine/Export.h>
 
-#include "platform/sql/SqlError.h"
-#include "platform/sql/SqlStringBuilder.h"
+#include "platform/sql/lexing/SqlError.h"
+#include "platform/sql/printing/SqlStringBuilder.h"
 
 #include <QString>
 

@@ -2,7 +2,7 @@
 
 #include "support/PlainCache.h"
 
-#include "host/adaptor/FunctionRecord.h"
+#include "host/adaptor/functions/FunctionRecord.h"
 
 #include <QString>
 

@@ -3,7 +3,7 @@
 
 #include "engine/geometry/GaiaPtr.h"
 #include "platform/decimal/QDecNumber.h"
-#include "platform/geometry/GeometryFactory.h"
+#include "platform/geometry/forms/GeometryFactory.h"
 #include <orvane/engine/GeometryConversions.h>
 #include <orvane/engine/SpatialiteBlob.h>
 

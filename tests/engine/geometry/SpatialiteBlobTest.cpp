@@ -3,7 +3,7 @@
 #include "engine/geometry/GaiaPtr.h"
 #include "platform/cs/CoordSystem.h"
 #include "platform/cs/Transformer.h"
-#include "platform/geometry/GeometryFactory.h"
+#include "platform/geometry/forms/GeometryFactory.h"
 #include <orvane/engine/SpatialiteBlob.h>
 
 #include <gtest/gtest.h>

@@ -5,8 +5,8 @@
 
 #include "platform/core/SqliteException.h"
 #include "platform/cs/CoordSystem.h"
-#include "platform/geometry/ResemblanceExtension.h"
-#include "platform/sql/SqlError.h"
+#include "platform/geometry/relations/ResemblanceExtension.h"
+#include "platform/sql/lexing/SqlError.h"
 #include <orvane/engine/Collator.h>
 #include <orvane/engine/EngineCache.h>
 #include <orvane/engine/EngineIndices.h>

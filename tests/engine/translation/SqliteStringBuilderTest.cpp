@@ -5,8 +5,8 @@
 
 #include "platform/dp/DataCatalogWithSelection.h"
 #include "platform/dp/Selection.h"
-#include "platform/sql/SqlParser.h"
-#include "platform/sql/SqlStrings.h"
+#include "platform/sql/lexing/SqlStrings.h"
+#include "platform/sql/parsing/SqlParser.h"
 
 #include <gtest/gtest.h>
 

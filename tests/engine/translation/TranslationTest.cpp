@@ -6,8 +6,8 @@
 
 #include "platform/core/SqliteException.h"
 #include "platform/dp/SqliteDatabaseAccess.h"
-#include "platform/sql/SqlParser.h"
-#include "platform/sql/SqlStrings.h"
+#include "platform/sql/lexing/SqlStrings.h"
+#include "platform/sql/parsing/SqlParser.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "host/adaptor/ByteArena.h"
+#include "host/adaptor/rows/ByteArena.h"
 
 #include <gtest/gtest.h>
 

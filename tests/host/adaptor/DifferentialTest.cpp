@@ -4,13 +4,13 @@
 #include "host/adaptor/AdaptorFixture.h"
 #include "host/adaptor/ConditionGenerator.h"
 
-#include "host/adaptor/TableDeclaration.h"
+#include "host/adaptor/declaration/TableDeclaration.h"
 #include "host/providers/FileSource.h"
 #include "host/providers/FilesExtension.h"
-#include "host/providers/ResultFile.h"
+#include "host/providers/results/ResultFile.h"
 #include "platform/cs/CoordSystem.h"
-#include "platform/geometry/GeometryFactory.h"
-#include "platform/geometry/Shapes.h"
+#include "platform/geometry/forms/GeometryFactory.h"
+#include "platform/geometry/shapes/Shapes.h"
 #include <orvane/engine/EngineIndices.h>
 
 #include <QDateTime>

@@ -1,6 +1,6 @@
 #include "AdaptorFixture.h"
 
-#include "host/adaptor/StatementExplanation.h"
+#include "host/adaptor/explaining/StatementExplanation.h"
 
 #include <QRegularExpression>
 #include <QSqlDriver>

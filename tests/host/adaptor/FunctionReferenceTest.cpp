@@ -1,7 +1,7 @@
 #include "AdaptorFixture.h"
 
-#include "host/adaptor/FunctionReference.h"
-#include "host/adaptor/FunctionRegistry.h"
+#include "host/adaptor/functions/FunctionReference.h"
+#include "host/adaptor/functions/FunctionRegistry.h"
 
 #include <gmock/gmock.h>
 

@@ -1,6 +1,6 @@
 #include "AdaptorFixture.h"
 
-#include "host/adaptor/StatementExplanation.h"
+#include "host/adaptor/explaining/StatementExplanation.h"
 #include "platform/core/TypedSettings.h"
 #include "platform/di/ServiceLocator.h"
 #include "platform/dp/Cancellation.h"

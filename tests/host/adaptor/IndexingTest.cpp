@@ -1,8 +1,8 @@
 #include "AdaptorFixture.h"
 
 #include "platform/cs/CoordSystem.h"
-#include "platform/geometry/GeometryFactory.h"
-#include "platform/geometry/Shapes.h"
+#include "platform/geometry/forms/GeometryFactory.h"
+#include "platform/geometry/shapes/Shapes.h"
 
 #include <QDate>
 #include <QSqlQuery>

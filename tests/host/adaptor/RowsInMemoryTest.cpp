@@ -1,7 +1,7 @@
 #include "AdaptorFixture.h"
 
-#include "platform/geometry/GeometryFactory.h"
-#include "platform/geometry/Shapes.h"
+#include "platform/geometry/forms/GeometryFactory.h"
+#include "platform/geometry/shapes/Shapes.h"
 
 #include <algorithm>
 #include <random>

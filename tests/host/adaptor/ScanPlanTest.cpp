@@ -1,4 +1,4 @@
-#include "host/adaptor/ScanPlan.h"
+#include "host/adaptor/planning/ScanPlan.h"
 
 #include <gtest/gtest.h>
 

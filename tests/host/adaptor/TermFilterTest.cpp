@@ -1,5 +1,5 @@
-#include "host/adaptor/TermFilter.h"
-#include "host/adaptor/ValueOrder.h"
+#include "host/adaptor/scanning/TermFilter.h"
+#include "host/adaptor/rows/ValueOrder.h"
 
 #include <orvane/engine/Collator.h>
 

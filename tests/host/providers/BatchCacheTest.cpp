@@ -1,4 +1,4 @@
-#include "host/providers/BatchCache.h"
+#include "host/providers/reading/BatchCache.h"
 #include "host/providers/FileSource.h"
 #include "host/providers/TestLayers.h"
 

@@ -1,8 +1,8 @@
 #include "host/providers/FileSource.h"
 #include "host/providers/TestLayers.h"
 #include "platform/cs/CoordSystem.h"
-#include "platform/geometry/Geometry.h"
-#include "platform/geometry/GeometryFactory.h"
+#include "platform/geometry/forms/GeometryFactory.h"
+#include "platform/geometry/shapes/Geometry.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
-#include "host/providers/BatchCache.h"
 #include "host/providers/FileSource.h"
 #include "host/providers/TestLayers.h"
+#include "host/providers/reading/BatchCache.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

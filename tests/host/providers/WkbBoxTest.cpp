@@ -1,4 +1,4 @@
-#include "host/providers/WkbBox.h"
+#include "host/providers/columns/WkbBox.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
-#include "host/shell/Problem.h"
-#include "host/shell/NearestName.h"
+#include "host/shell/messages/Problem.h"
+#include "host/shell/messages/NearestName.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "host/shell/Progress.h"
+#include "host/shell/output/Progress.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

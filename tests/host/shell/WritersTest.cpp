@@ -1,6 +1,6 @@
-#include "host/shell/DisplayWidth.h"
-#include "host/shell/NumberText.h"
-#include "host/shell/ResultWriter.h"
+#include "host/shell/output/DisplayWidth.h"
+#include "host/shell/output/NumberText.h"
+#include "host/shell/output/ResultWriter.h"
 #include "support/TextBlocks.h"
 
 #include <gtest/gtest.h>

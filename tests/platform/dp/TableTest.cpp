@@ -1,6 +1,6 @@
 #include "platform/dp/Table.h"
 #include "platform/dp/CellConversion.h"
-#include "platform/geometry/GeometryFactory.h"
+#include "platform/geometry/forms/GeometryFactory.h"
 #include "support/MemoryTable.h"
 
 #include <QDateTime>

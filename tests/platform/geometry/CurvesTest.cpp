@@ -1,8 +1,8 @@
 #include "support/Kinds.h"
 
 #include "platform/cs/CoordSystem.h"
-#include "platform/geometry/Measures.h"
-#include "platform/geometry/Relations.h"
+#include "platform/geometry/measures/Measures.h"
+#include "platform/geometry/relations/Relations.h"
 
 #include <gtest/gtest.h>
 

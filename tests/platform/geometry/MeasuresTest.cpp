@@ -2,8 +2,8 @@
 #include "support/TextTable.h"
 #include "support/Wkt.h"
 
-#include "platform/geometry/Measures.h"
-#include "platform/geometry/Units.h"
+#include "platform/geometry/measures/Measures.h"
+#include "platform/geometry/measures/Units.h"
 
 #include <geodesic.h>
 #include <gtest/gtest.h>

@@ -2,7 +2,7 @@
 #include "support/TextTable.h"
 #include "support/Wkt.h"
 
-#include "platform/geometry/Relations.h"
+#include "platform/geometry/relations/Relations.h"
 
 #include <gtest/gtest.h>
 

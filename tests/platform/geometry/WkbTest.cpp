@@ -3,8 +3,8 @@
 #include "support/Wkt.h"
 
 #include "platform/cs/CoordSystem.h"
-#include "platform/geometry/GeometryFactory.h"
-#include "platform/geometry/TextFormats.h"
+#include "platform/geometry/forms/GeometryFactory.h"
+#include "platform/geometry/forms/TextFormats.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
 #include "platform/sql/DialectCases.h"
-#include "platform/sql/SqlParser.h"
-#include "platform/sql/SqlRuntime.h"
-#include "platform/sql/SqlStringBuilder.h"
-#include "platform/sql/SqlStrings.h"
 #include "platform/sql/TreeDump.h"
+#include "platform/sql/lexing/SqlStrings.h"
+#include "platform/sql/parsing/SqlParser.h"
+#include "platform/sql/parsing/SqlRuntime.h"
+#include "platform/sql/printing/SqlStringBuilder.h"
 
 #include <gtest/gtest.h>
 

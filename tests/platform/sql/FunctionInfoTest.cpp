@@ -1,4 +1,4 @@
-#include "platform/sql/FunctionInfo.h"
+#include "platform/sql/tree/FunctionInfo.h"
 
 #include <QString>
 

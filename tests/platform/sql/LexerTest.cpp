@@ -1,7 +1,7 @@
-#include "platform/sql/Lexer.h"
-#include "platform/sql/Script.h"
-#include "platform/sql/SqlParser.h"
-#include "platform/sql/SqlStrings.h"
+#include "platform/sql/lexing/Lexer.h"
+#include "platform/sql/lexing/Script.h"
+#include "platform/sql/lexing/SqlStrings.h"
+#include "platform/sql/parsing/SqlParser.h"
 #include "support/RandomText.h"
 
 #include <QByteArray>

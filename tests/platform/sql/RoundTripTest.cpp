@@ -1,8 +1,8 @@
-#include "platform/sql/SqlParser.h"
-#include "platform/sql/SqlStringBuilder.h"
-#include "platform/sql/SqlStrings.h"
 #include "platform/sql/TreeDump.h"
 #include "platform/sql/TreeGenerator.h"
+#include "platform/sql/lexing/SqlStrings.h"
+#include "platform/sql/parsing/SqlParser.h"
+#include "platform/sql/printing/SqlStringBuilder.h"
 
 #include <gtest/gtest.h>
 

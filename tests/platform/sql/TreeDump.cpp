@@ -1,6 +1,6 @@
 #include "platform/sql/TreeDump.h"
 
-#include "platform/sql/ast/NodeVisitor.h"
+#include "platform/sql/tree/NodeVisitor.h"
 
 namespace orvane::tests {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/sql/ast/Node.h"
+#include "platform/sql/tree/Node.h"
 
 #include <string>
 

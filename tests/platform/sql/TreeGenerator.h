@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/sql/ast/NodeVisitor.h"
+#include "platform/sql/tree/NodeVisitor.h"
 
 #include <random>
 

@@ -11,8 +11,9 @@
 /// library raises becomes the statement's error, unless stated otherwise. Reentrant.
 namespace orvane::engine {
 
-/// Measures: geometry [, units]. Their meaning and the units are those of platform/geometry/Measures.h;
-/// without units, or with NULL, the text is empty. A failure is an error with its text, -1 when it has none.
+/// Measures: geometry [, units]. Their meaning and the units are those of
+/// platform/geometry/measures/Measures.h; without units, or with NULL, the text is empty. A failure is an
+/// error with its text, -1 when it has none.
 ORVANE_ENGINE_EXPORT void perimeter(sqlite3_context* context, int count, sqlite3_value** values);
 ORVANE_ENGINE_EXPORT void sphericalPerimeter(sqlite3_context* context, int count, sqlite3_value** values);
 ORVANE_ENGINE_EXPORT void cartesianPerimeter(sqlite3_context* context, int count, sqlite3_value** values);

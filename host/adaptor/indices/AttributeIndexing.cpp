@@ -1,0 +1,350 @@
+#include "host/adaptor/indices/AttributeIndexing.h"
+
+#include "host/adaptor/indices/IndexBuilder.h"
+#include "host/adaptor/planning/Costs.h"
+#include "host/adaptor/rows/ValueOrder.h"
+
+#include <orvane/engine/EngineCache.h>
+
+#include <QElapsedTimer>
+#include <QMetaType>
+
+#include <algorithm>
+
+namespace orvane::adaptor {
+
+namespace {
+
+using dp::Comparison;
+using engine::EngineIndices;
+using Kind = TableDeclaration::Kind;
+
+/// Below this a scan is as fast as a look-up.
+constexpr std::int64_t fewestRows = 1000;
+/// A look-up that finds so many rows that a scan is faster gives way to it, and is not tried again when that
+/// has happened so much more often than not.
+constexpr int mostFailures = 3;
+constexpr std::size_t mostAttributes = 3;
+constexpr std::size_t mostLookups = 10'000; ///< combinations of In lists
+
+bool isEquality(Comparison comparison) {
+    return comparison == Comparison::Equal || comparison == Comparison::Is || comparison == Comparison::In;
+}
+
+bool isRange(Comparison comparison) {
+    return comparison == Comparison::Greater || comparison == Comparison::GreaterOrEqual ||
+           comparison == Comparison::Less || comparison == Comparison::LessOrEqual;
+}
+
+std::uint8_t operationOf(Comparison comparison) {
+    return comparison == Comparison::In ? static_cast<std::uint8_t>(Comparison::Equal)
+                                        : static_cast<std::uint8_t>(comparison);
+}
+
+/// An index compares numbers as numbers and texts under the collation of the column: Locale, or byte by byte
+/// where they are dates and times. Whatever is compared otherwise it would answer wrongly.
+bool comparesAlike(const TableDeclaration::Column& column, dp::TextCollation collation) {
+    return column.kind == Kind::Number || (column.kind == Kind::Text && collation == column.collation);
+}
+
+} // namespace
+
+const TableDeclaration::Column& AttributeIndexing::column(int attribute) const {
+    const auto& columns = declaration_.columns();
+    return *std::find_if(columns.begin(), columns.end(), [attribute](const TableDeclaration::Column& each) {
+        return each.attribute == attribute;
+    });
+}
+
+/// The terms that cost least are checked first: few rows come to the others.
+double AttributeIndexing::scanCost(const Terms& terms, double rows) const {
+    double perRow = cost::patternTest;
+    for (const dp::ScanTerm* term : terms) {
+        if (!isPattern(term->comparison)) {
+            const bool isNumber = column(term->attribute).kind == Kind::Number;
+            perRow = std::min(perRow, isNumber ? cost::numberTest : cost::textTest);
+        }
+    }
+    return cost::opening + rows * perRow;
+}
+
+double AttributeIndexing::buildCost(const Attributes& attributes, double rows) const {
+    double perRow = 0;
+    for (const int attribute : attributes) {
+        perRow += column(attribute).kind == Kind::Number ? cost::indexedNumber : cost::indexedText;
+    }
+    return cost::storage + rows * perRow;
+}
+
+bool AttributeIndexing::serves(const TableDeclaration::Column& column, dp::TextCollation collation,
+                               double rows) {
+    return rows >= static_cast<double>(fewestRows) && comparesAlike(column, collation);
+}
+
+IndexUse::Outcome AttributeIndexing::judge(const TableDeclaration::Column& column, Comparison comparison,
+                                           dp::TextCollation collation) {
+    if (isPattern(comparison)) { // matched as the store does, whatever the collation of the statement
+        return column.isLocaleText() ? IndexUse::Outcome::Used : IndexUse::Outcome::Comparison;
+    }
+    if (!isEquality(comparison) && !isRange(comparison)) {
+        return IndexUse::Outcome::Comparison;
+    }
+    if (column.kind != Kind::Number && column.kind != Kind::Text) {
+        return IndexUse::Outcome::ColumnType;
+    }
+    return comparesAlike(column, collation) ? IndexUse::Outcome::Used : IndexUse::Outcome::Collation;
+}
+
+bool AttributeIndexing::isServed(const dp::ScanTerm& term, const EngineIndices& store) const {
+    const TableDeclaration::Column& asked = column(term.attribute);
+    const bool isText = asked.kind == Kind::Text;
+    if (judge(asked, term.comparison, term.collation) != IndexUse::Outcome::Used) {
+        return false;
+    }
+    if (isPattern(term.comparison)) {
+        const auto* pattern = std::get_if<std::string>(&term.operands.front());
+        return pattern && store.narrows(operationOf(term.comparison), *pattern);
+    }
+    return std::all_of(term.operands.begin(), term.operands.end(), [isText](const dp::ScanValue& operand) {
+        return std::holds_alternative<std::string>(operand) == isText &&
+               !std::holds_alternative<std::monostate>(operand);
+    });
+}
+
+/// The equalities, or else the patterns or ranges of one attribute: patterns first, which cost SQLite most.
+AttributeIndexing::Terms AttributeIndexing::chooseTerms(std::span<const dp::ScanTerm> terms,
+                                                        const EngineIndices& store) const {
+    Terms equalities;
+    Terms patterns;
+    Terms ranges;
+    std::size_t combinations = 1;
+    for (const dp::ScanTerm& term : terms) {
+        if (!isServed(term, store)) {
+            continue;
+        }
+        const auto sameAttribute = [&term](const dp::ScanTerm* other) {
+            return other->attribute == term.attribute;
+        };
+        if (isRange(term.comparison) || isPattern(term.comparison)) {
+            Terms& bounds = isPattern(term.comparison) ? patterns : ranges;
+            if (bounds.empty() || sameAttribute(bounds.front())) {
+                bounds.push_back(&term);
+            }
+        } else if (equalities.size() < mostAttributes &&
+                   std::none_of(equalities.begin(), equalities.end(), sameAttribute) &&
+                   term.operands.size() <= mostLookups / combinations) {
+            combinations *= std::max<std::size_t>(term.operands.size(), 1);
+            equalities.push_back(&term);
+        }
+    }
+    Terms& chosen = !equalities.empty() ? equalities : !patterns.empty() ? patterns : ranges;
+    std::sort(chosen.begin(), chosen.end(),
+              [](const auto* a, const auto* b) { return a->attribute < b->attribute; });
+    return chosen;
+}
+
+void AttributeIndexing::follow(const dp::Table& table, EngineIndices& store) {
+    const std::uint64_t revision = table.revision();
+    const bool storageIsLost =
+        !store.isCorrect() && std::any_of(demands_.begin(), demands_.end(),
+                                          [](const auto& demand) { return demand.second.index >= 0; });
+    // A store that was another table's holds what that one left there.
+    if (store_ != &store || revision_ != revision || storageIsLost) {
+        demands_.clear();
+        store.dropStorage();
+        revision_ = revision;
+        store_ = &store;
+    }
+}
+
+void AttributeIndexing::forget() {
+    demands_.clear();
+    store_ = nullptr;
+}
+
+std::optional<std::vector<dp::FeatureId>> AttributeIndexing::find(dp::Table& table, EngineIndices& store,
+                                                                  std::span<const dp::ScanTerm> terms,
+                                                                  const dp::Cancellation& cancellation) {
+    using Outcome = IndexUse::Outcome;
+    use_ = {};
+    const Terms chosen = chooseTerms(terms, store);
+    if (chosen.empty()) {
+        const bool hasPattern = std::any_of(
+            terms.begin(), terms.end(), [](const dp::ScanTerm& term) { return isPattern(term.comparison); });
+        use_.outcome = hasPattern ? Outcome::Pattern : Outcome::Operand;
+        return std::nullopt;
+    }
+    const auto rows = table.featureCount();
+    if (!rows || *rows < fewestRows) {
+        use_.outcome = rows ? Outcome::SmallTable : Outcome::UnknownSize;
+        return std::nullopt;
+    }
+    follow(table, store);
+    Attributes attributes;
+    for (const dp::ScanTerm* term : chosen) {
+        if (attributes.empty() || attributes.back() != term->attribute) {
+            attributes.push_back(term->attribute);
+        }
+    }
+    const auto known = demands_.try_emplace(attributes).first;
+    Demand& demand = known->second;
+    use_.attributes = &known->first;
+    const double savedCost = scanCost(chosen, static_cast<double>(*rows));
+    if (!ensure(demand, attributes, savedCost, table, store, cancellation)) {
+        return std::nullopt;
+    }
+    Lookup& search = lookup(demand, chosen, store);
+    use_.outcome = Outcome::FindsMuch;
+    std::vector<qint64> found;
+    if (!search.rows || search.failures >= mostFailures) {
+        return std::nullopt;
+    }
+    if (!collect(*search.rows, chosen, static_cast<std::size_t>(savedCost / cost::foundRow), found)) {
+        ++search.failures;
+        return std::nullopt;
+    }
+    --search.failures;
+    use_.outcome = Outcome::Used;
+    std::vector<dp::FeatureId> ids;
+    ids.reserve(found.size());
+    for (const qint64 row : found) {
+        ids.push_back(cache_.intToId(row));
+    }
+    return ids;
+}
+
+bool AttributeIndexing::ensure(Demand& demand, const Attributes& attributes, double savedCost,
+                               dp::Table& table, EngineIndices& store, const dp::Cancellation& cancellation) {
+    if (demand.index >= 0) {
+        return true;
+    }
+    demand.scanCost += savedCost;
+    use_.scanCost = demand.scanCost;
+    use_.makingCost = buildCost(attributes, static_cast<double>(table.featureCount().value_or(0)));
+    if (use_.scanCost < use_.makingCost) {
+        use_.outcome = IndexUse::Outcome::ScansCheaper;
+        return false;
+    }
+    cancellation.check();
+    QElapsedTimer timer;
+    timer.start();
+    demand.index = buildIndex(attributes, table, store, cache_);
+    use_.isMade = demand.index >= 0;
+    if (!use_.isMade) {
+        demand.scanCost = 0; // tried again when as much has been spent once more
+        use_.outcome = IndexUse::Outcome::NoStorage;
+        return false;
+    }
+    use_.makingCost = static_cast<double>(timer.nsecsElapsed());
+    return true;
+}
+
+bool AttributeIndexing::hasOrder(const dp::Table& table, int attribute) const {
+    const auto demand = demands_.find({attribute});
+    return demand != demands_.end() && demand->second.index >= 0 && revision_ == table.revision();
+}
+
+std::unique_ptr<EngineIndices::RowLookup> AttributeIndexing::inOrder(const dp::Table& table,
+                                                                     const EngineIndices& store,
+                                                                     int attribute, bool isDescending) {
+    if (!hasOrder(table, attribute) || !store.isCorrect()) {
+        return nullptr;
+    }
+    const auto known = demands_.find({attribute});
+    auto rows = store.getLookup(known->second.index, {},
+                                isDescending ? EngineIndices::RowOrder::Descending
+                                             : EngineIndices::RowOrder::Ascending);
+    use_ = {};
+    use_.attributes = &known->first;
+    use_.outcome = rows ? IndexUse::Outcome::Used : IndexUse::Outcome::NoStorage;
+    return rows;
+}
+
+void AttributeIndexing::countSort(dp::Table& table, EngineIndices& store, int attribute,
+                                  const dp::Cancellation& cancellation) {
+    const auto rows = table.featureCount().value_or(0);
+    if (rows < fewestRows) {
+        return;
+    }
+    use_ = {};
+    follow(table, store);
+    const auto known = demands_.try_emplace({attribute}).first;
+    ensure(known->second, known->first, cost::sortedRow * static_cast<double>(rows), table, store,
+           cancellation);
+}
+
+AttributeIndexing::Lookup& AttributeIndexing::lookup(Demand& demand, const Terms& terms,
+                                                     const EngineIndices& store) {
+    std::vector<std::uint8_t> operations;
+    std::vector<EngineIndices::Column> columns;
+    for (const dp::ScanTerm* term : terms) {
+        operations.push_back(operationOf(term->comparison));
+        columns.push_back({static_cast<quint32>(term->attribute), operations.back()});
+    }
+    Lookup& kept = demand.lookups[operations];
+    if (!kept.rows) {
+        kept.rows = store.getLookup(demand.index, columns);
+    }
+    return kept;
+}
+
+bool AttributeIndexing::collect(EngineIndices::RowLookup& rowLookup, const Terms& terms, std::size_t most,
+                                std::vector<qint64>& rows) {
+    std::vector<std::size_t> choice(terms.size(), 0);
+    if (std::any_of(terms.begin(), terms.end(), [](const auto* term) { return term->operands.empty(); })) {
+        return true; // an empty list
+    }
+    std::vector<dp::Cell> operands(terms.size());
+    for (bool more = true; more;) {
+        for (std::size_t i = 0; i < terms.size(); ++i) {
+            operands[i] = cellOf(terms[i]->operands[choice[i]]);
+        }
+        rowLookup.start(operands);
+        for (qint64 row = 0; rowLookup.next(row);) {
+            if (rows.size() == most) {
+                return false;
+            }
+            rows.push_back(row);
+        }
+        more = false;
+        for (std::size_t i = 0; i < terms.size() && !more; ++i) {
+            more = ++choice[i] < terms[i]->operands.size();
+            choice[i] = more ? choice[i] : 0;
+        }
+    }
+    std::sort(rows.begin(), rows.end()); // operands that are equal under the collation find the same rows
+    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+    return true;
+}
+
+int AttributeIndexing::indexOn(int attribute, const EngineIndices& store) const {
+    const auto demand = demands_.find({attribute});
+    return store_ == &store && demand != demands_.end() ? demand->second.index : -1;
+}
+
+std::optional<double> AttributeIndexing::averageGroup(int attribute, const EngineIndices& store) const {
+    const int index = indexOn(attribute, store);
+    const unsigned long long groups = index < 0 ? 0 : store.groups(index);
+    return groups == 0 ? std::nullopt
+                       : std::optional(static_cast<double>(store.statistics(index).rows) /
+                                       static_cast<double>(groups));
+}
+
+std::optional<double> AttributeIndexing::largestGroup(int attribute, const EngineIndices& store) const {
+    const int index = indexOn(attribute, store);
+    return index < 0 ? std::nullopt
+                     : std::optional(static_cast<double>(store.statistics(index).largestGroup));
+}
+
+std::optional<double> AttributeIndexing::countRows(int attribute, Comparison comparison,
+                                                   const dp::Cell& operand, const EngineIndices& store,
+                                                   std::size_t most) const {
+    const int index = indexOn(attribute, store);
+    if (index < 0) {
+        return std::nullopt;
+    }
+    const EngineIndices::Column condition{static_cast<quint32>(attribute), operationOf(comparison)};
+    return static_cast<double>(store.countRows(index, condition, operand, most));
+}
+
+} // namespace orvane::adaptor

@@ -1,0 +1,227 @@
+#include "host/adaptor/indices/SpatialIndex.h"
+
+#include "platform/dp/Progress.h"
+#include "platform/geometry/forms/GeometryFactory.h"
+#include "platform/geometry/relations/Relations.h"
+#include "platform/geometry/shapes/Shapes.h"
+
+#include <QCoreApplication>
+
+#define BOOST_ALLOW_DEPRECATED_HEADERS // Boost's own, of each other
+#include <boost/geometry/geometries/box.hpp>
+#include <boost/geometry/geometries/point.hpp>
+#include <boost/geometry/index/rtree.hpp>
+
+#include <sqlite3.h>
+
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <stdexcept>
+
+namespace orvane::adaptor {
+
+namespace {
+
+namespace bg = boost::geometry;
+using geometry::GeometryPtr;
+using Corner = bg::model::point<double, 2, bg::cs::cartesian>;
+using Box = bg::model::box<Corner>;
+using Node = std::pair<Box, std::uint32_t>;
+
+/// Positions in the geometries that an index keeps decoded: some 200 megabytes with what GEOS makes of them.
+constexpr std::uint64_t mostWeight = 2'000'000;
+constexpr unsigned rowsBetweenChecks = 1024;
+
+constexpr std::array<const char*, spatialRelationCount> functionNames = {
+    "ST_Intersects", "ST_Contains", "ST_Within", "ContainsCentroid", "CentroidWithin"};
+
+/// Reads the position of a little-endian two-dimensional point, the form in which providers deliver points.
+bool readPosition(std::string_view wkb, double& x, double& y) {
+    constexpr char head[] = {1, 1, 0, 0, 0};
+    constexpr std::size_t size = sizeof head + 2 * sizeof(double);
+    if (wkb.size() != size || std::memcmp(wkb.data(), head, sizeof head) != 0) {
+        return false;
+    }
+    std::memcpy(&x, wkb.data() + sizeof head, sizeof x);
+    std::memcpy(&y, wkb.data() + sizeof head + sizeof x, sizeof y);
+    return true;
+}
+
+std::optional<bool> holdsForPosition(SpatialRelation relation, double x, double y,
+                                     const geometry::Geometry& b) {
+    switch (relation) {
+    case SpatialRelation::Intersects: return geometry::intersectsPosition(b, x, y);
+    case SpatialRelation::Within:
+    case SpatialRelation::CentroidWithin: return geometry::containsPosition(b, x, y);
+    default: return std::nullopt;
+    }
+}
+
+std::optional<bool> holdsOnPosition(SpatialRelation relation, const geometry::Geometry& a, double x,
+                                    double y) {
+    switch (relation) {
+    case SpatialRelation::Intersects: return geometry::intersectsPosition(a, x, y);
+    case SpatialRelation::Contains:
+    case SpatialRelation::ContainsCentroid: return geometry::containsPosition(a, x, y);
+    default: return std::nullopt;
+    }
+}
+
+} // namespace
+
+struct SpatialIndex::Tree {
+    bg::index::rtree<Node, bg::index::rstar<16>> nodes;
+    std::vector<Node> candidates; ///< reused from search to search
+};
+
+/// One feature, by its position in the lists of the index.
+struct SpatialIndex::Entry {
+    std::uint32_t position;
+    double x, y; ///< the lower corner of the envelope: the place of a position
+};
+
+const char* functionName(SpatialRelation relation) {
+    return functionNames.at(static_cast<std::size_t>(relation));
+}
+
+std::optional<SpatialRelation> spatialRelationOf(const char* functionName) {
+    for (std::size_t i = 0; i < functionNames.size(); ++i) {
+        if (sqlite3_stricmp(functionName, functionNames[i]) == 0) {
+            return static_cast<SpatialRelation>(i);
+        }
+    }
+    return std::nullopt;
+}
+
+GeometryPtr decodeWkb(std::string_view wkb, const std::shared_ptr<cs::CoordSystem>& coordSystem) {
+    try {
+        return geometry::GeometryFactory::fromWkb(wkb, coordSystem);
+    } catch (const std::runtime_error&) {
+        return nullptr; // counts as no geometry, as everywhere
+    }
+}
+
+bool holds(SpatialRelation relation, const geometry::Geometry& a, const geometry::Geometry& b) {
+    switch (relation) {
+    case SpatialRelation::Intersects: return geometry::Intersects(a, b);
+    case SpatialRelation::Contains: return geometry::Contains(a, b);
+    case SpatialRelation::Within: return geometry::Contains(b, a);
+    case SpatialRelation::ContainsCentroid: return geometry::ContainsCentroid(a, b);
+    case SpatialRelation::CentroidWithin: return geometry::ContainsCentroid(b, a);
+    }
+    return false;
+}
+
+SpatialIndex::~SpatialIndex() = default;
+
+SpatialIndex::SpatialIndex(dp::Table& table, const dp::Cancellation& cancellation)
+    : tree_(std::make_unique<Tree>()) {
+    const int attribute = table.schema()->geometryIndex();
+    const auto coordSystem = table.coordSystem();
+    dp::ScanRequest request;
+    request.attributes = {attribute};
+    const auto rows = table.openCursor(request);
+    dp::Progress progress(
+        QCoreApplication::translate("orvane::adaptor", "R-дерево таблицы %0").arg(table.name()),
+        table.featureCount().value_or(0));
+    std::vector<Node> nodes;
+    for (unsigned row = 1; rows->next(); ++row) {
+        if (row % rowsBetweenChecks == 0) {
+            cancellation.check();
+            progress.advance(rowsBetweenChecks);
+        }
+        const dp::Cell cell = rows->cell(attribute);
+        if (cell.type() != dp::CellType::Wkb) {
+            continue;
+        }
+        geometry::Envelope envelope;
+        double x = 0, y = 0;
+        const bool position = readPosition(cell.view(), x, y);
+        if (position) {
+            envelope.add(x, y);
+        } else if (const GeometryPtr decoded = decodeWkb(cell.view(), coordSystem)) {
+            envelope = decoded->envelope();
+        }
+        if (envelope.isEmpty()) {
+            continue; // stands in no relation to anything
+        }
+        nodes.emplace_back(Box({envelope.minX, envelope.minY}, {envelope.maxX, envelope.maxY}),
+                           static_cast<std::uint32_t>(ids_.size()));
+        ids_.push_back(rows->featureId());
+        isPosition_.push_back(position);
+    }
+    tree_->nodes = {nodes.begin(), nodes.end()}; // packed
+}
+
+GeometryPtr SpatialIndex::geometryOf(const Entry& candidate, dp::Table& table) {
+    const std::uint32_t entry = candidate.position;
+    if (isPosition_[entry]) {
+        auto point = std::make_shared<geometry::Point>(candidate.x, candidate.y);
+        point->setCoordSystem(table.coordSystem());
+        return point;
+    }
+    if (geometries_.empty()) {
+        geometries_.resize(ids_.size());
+    }
+    if (geometries_[entry]) {
+        return geometries_[entry];
+    }
+    const int attribute = table.schema()->geometryIndex();
+    dp::ScanRequest request;
+    request.attributes = {attribute};
+    request.ids.emplace({ids_[entry]});
+    const auto rows = table.openCursor(request);
+    if (!rows->next()) {
+        return nullptr;
+    }
+    const dp::Cell cell = rows->cell(attribute);
+    GeometryPtr decoded =
+        cell.type() == dp::CellType::Wkb ? decodeWkb(cell.view(), table.coordSystem()) : nullptr;
+    if (decoded && keptWeight_ + decoded->weight() <= mostWeight) {
+        keptWeight_ += decoded->weight();
+        geometries_[entry] = decoded;
+    }
+    return decoded;
+}
+
+bool SpatialIndex::holds(SpatialRelation relation, const Entry& candidate, const GeometryPtr& b,
+                         dp::Table& table) {
+    if (isPosition_[candidate.position]) {
+        if (const auto known = holdsForPosition(relation, candidate.x, candidate.y, *b)) {
+            return *known;
+        }
+    }
+    const GeometryPtr a = geometryOf(candidate, table);
+    if (!a) {
+        return false;
+    }
+    if (const auto* position = dynamic_cast<const geometry::Point*>(b.get());
+        position && !position->isEmpty()) {
+        if (const auto known = holdsOnPosition(relation, *a, position->x(), position->y())) {
+            return *known;
+        }
+    }
+    return adaptor::holds(relation, *a, *b);
+}
+
+void SpatialIndex::search(SpatialRelation relation, const GeometryPtr& b, dp::Table& table,
+                          std::vector<dp::FeatureId>& found) {
+    const geometry::Envelope envelope = b->envelope();
+    if (envelope.isEmpty()) {
+        return;
+    }
+    auto& candidates = tree_->candidates;
+    candidates.clear();
+    tree_->nodes.query(
+        bg::index::intersects(Box({envelope.minX, envelope.minY}, {envelope.maxX, envelope.maxY})),
+        std::back_inserter(candidates));
+    for (const auto& [box, position] : candidates) {
+        const Entry candidate{position, bg::get<0>(box.min_corner()), bg::get<1>(box.min_corner())};
+        if (holds(relation, candidate, b, table)) {
+            found.push_back(ids_[position]);
+        }
+    }
+}
+
+} // namespace orvane::adaptor

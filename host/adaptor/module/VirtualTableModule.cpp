@@ -1,0 +1,382 @@
+#include "host/adaptor/module/VirtualTableModule.h"
+
+#include "host/adaptor/functions/FunctionRecord.h"
+#include "host/adaptor/module/TableEdit.h"
+#include "host/adaptor/scanning/VirtualCursor.h"
+#include "host/adaptor/tables/VirtualTable.h"
+
+#include "platform/core/Core.h"
+#include "platform/core/TypedSettings.h"
+#include "platform/di/ServiceLocator.h"
+#include "platform/dp/Cancellation.h"
+#include "platform/dp/DataCatalog.h"
+#include <orvane/Engine.h>
+
+#include <QCoreApplication>
+#include <QPointer>
+
+#include <sqlite3.h>
+
+#include <exception>
+#include <map>
+#include <memory>
+#include <new>
+
+// The callbacks of SQLite's virtual-table interface, under SQLite's names. They only unpack; the work is done
+// by VirtualTable and VirtualCursor.
+
+namespace orvane::adaptor {
+
+namespace {
+
+struct ModuleContext {
+    /// What a virtual table shows. SQLite forgets its connection to every table when one is renamed, and asks
+    /// for it again when it next needs the table, be it to drop one whose object is closed.
+    struct Source {
+        QString object; ///< its name in the catalogue
+        std::shared_ptr<const dp::TableSchema> schema;
+    };
+
+    QPointer<Core> core;
+    engine::EngineCache* cache;
+    std::map<QString, Source> sources; ///< by the name of the virtual table
+
+    Engine* engine() const { return core ? core->findService<Engine>() : nullptr; }
+};
+
+/// A virtual table with what its callbacks need besides.
+class ModuleTable : public VirtualTable {
+public:
+    ModuleTable(QString name, std::shared_ptr<dp::Table> source, const dp::TableSchema& schema,
+                ModuleContext& context)
+        : VirtualTable(std::move(name), std::move(source), schema, *context.cache, indexStore(context)),
+          context_(context) {}
+
+    void announce() {
+        if (Engine* engine = context_.engine()) {
+            engine->registerManagement(std::make_unique<VirtualTableManagement>(*this));
+        }
+    }
+    /// Leaves alone what another table has registered under the name: SQLite may connect a table anew before
+    /// it lets go of the old connection.
+    void withdraw() {
+        Engine* engine = context_.engine();
+        const auto* registered =
+            engine ? dynamic_cast<VirtualTableManagement*>(engine->findManagement(name())) : nullptr;
+        if (registered && registered->isOf(*this)) {
+            engine->unRegisterManagement(name());
+        }
+    }
+    void rename(const QString& newName) {
+        withdraw();
+        auto entry = context_.sources.extract(name());
+        if (entry) {
+            if (entry.mapped().object == name()) {
+                entry.mapped().object = newName; // the catalogue has renamed the object too
+            }
+            context_.sources.erase(newName);
+            entry.key() = newName;
+            context_.sources.insert(std::move(entry));
+        }
+        setName(newName);
+        announce();
+    }
+    void forget() { context_.sources.erase(name()); }
+
+private:
+    static IndexStore indexStore(const ModuleContext& context) {
+        const auto settings = serviceLocator().find<TypedSettings>();
+        if (settings && settings->value(DefaultSettingsList::NoAttributeIndices).toBool()) {
+            return nullptr;
+        }
+        return [&context](const std::shared_ptr<dp::Table>& table) -> engine::EngineIndices* {
+            Engine* engine = context.engine();
+            return engine ? engine->indices(table) : nullptr;
+        };
+    }
+
+    ModuleContext& context_;
+};
+
+ModuleTable& tableOf(sqlite3_vtab* table) {
+    return static_cast<ModuleTable&>(*table);
+}
+
+VirtualCursor& cursorOf(sqlite3_vtab_cursor* cursor) {
+    return static_cast<VirtualCursor&>(*cursor);
+}
+
+void setMessage(char** message, const char* text) {
+    sqlite3_free(*message);
+    *message = sqlite3_mprintf("%s", text);
+}
+
+/// The one place where exceptions of the virtual tables become codes. `message` receives the text for the
+/// user.
+template<class Work>
+int barrier(char** message, Work work) {
+    try {
+        return work();
+    } catch (const std::bad_alloc&) {
+        return SQLITE_NOMEM;
+    } catch (const dp::Cancelled& cancelled) {
+        setMessage(message, cancelled.what());
+        return SQLITE_INTERRUPT;
+    } catch (const std::exception& exception) {
+        setMessage(message, exception.what());
+    } catch (...) {
+        setMessage(message, "Unexpected error");
+    }
+    return SQLITE_ERROR;
+}
+
+template<class Work>
+int barrier(sqlite3_vtab_cursor* cursor, Work work) {
+    return barrier(&cursor->pVtab->zErrMsg, work);
+}
+
+/// A module argument as EngineExtension wrote it: a bare text or a quoted SQL text.
+QString unquoted(const char* argument) {
+    QString text = QString::fromUtf8(argument);
+    if (text.size() >= 2 && text.startsWith(QLatin1Char('\'')) && text.endsWith(QLatin1Char('\''))) {
+        text = text.mid(1, text.size() - 2);
+        text.replace(QLatin1String("''"), QLatin1String("'"));
+    }
+    return text;
+}
+
+/// The catalogue's table of a name; null when there is none.
+std::shared_ptr<dp::Table> findTable(const ModuleContext& context, const QString& name) {
+    const auto* catalog = context.core ? context.core->findService<dp::DataCatalog>() : nullptr;
+    const auto object = catalog ? catalog->dataObject(name) : nullptr;
+    return object ? std::dynamic_pointer_cast<dp::Table>(object->underlyingObject()) : nullptr;
+}
+
+int connect(sqlite3* database, ModuleContext& context, const QString& name, std::shared_ptr<dp::Table> source,
+            const dp::TableSchema& schema, sqlite3_vtab** result, char** message) {
+    auto table = std::make_unique<ModuleTable>(name, std::move(source), schema, context);
+    if (const int code = sqlite3_declare_vtab(database, table->declaration().sql().c_str());
+        code != SQLITE_OK) {
+        setMessage(message, sqlite3_errmsg(database));
+        return code;
+    }
+    table->announce();
+    *result = table.release();
+    return SQLITE_OK;
+}
+
+/// Shows the catalogue's table under the virtual table's own name, or under the name in the module arguments.
+int xCreate(sqlite3* database, void* clientData, int argc, const char* const* argv, sqlite3_vtab** result,
+            char** message) {
+    return barrier(message, [&] {
+        auto& context = *static_cast<ModuleContext*>(clientData);
+        const QString name = QString::fromUtf8(argv[2]);
+        QString object = name;
+        auto source = findTable(context, object);
+        if (!source && argc > 3) {
+            object = unquoted(argv[3]);
+            source = findTable(context, object);
+        }
+        if (!source) {
+            throw std::runtime_error(QCoreApplication::translate("orvane::adaptor", "Нет открытой таблицы %0")
+                                         .arg(name)
+                                         .toStdString());
+        }
+        const auto schema = source->schema();
+        context.sources[name] = {object, schema};
+        return connect(database, context, name, std::move(source), *schema, result, message);
+    });
+}
+
+int xConnect(sqlite3* database, void* clientData, int argc, const char* const* argv, sqlite3_vtab** result,
+             char** message) {
+    auto& context = *static_cast<ModuleContext*>(clientData);
+    const auto known = context.sources.find(QString::fromUtf8(argv[2]));
+    if (known == context.sources.end()) {
+        return xCreate(database, clientData, argc, argv, result, message);
+    }
+    return barrier(message, [&] {
+        auto source = findTable(context, known->second.object);
+        if (source) {
+            known->second.schema = source->schema();
+        }
+        return connect(database, context, known->first, std::move(source), *known->second.schema, result,
+                       message);
+    });
+}
+
+int xDisconnect(sqlite3_vtab* table) {
+    const std::unique_ptr<ModuleTable> owned(&tableOf(table));
+    return barrier(&table->zErrMsg, [&] {
+        owned->withdraw();
+        owned->detach();
+        return SQLITE_OK;
+    });
+}
+
+int xDestroy(sqlite3_vtab* table) {
+    tableOf(table).forget();
+    return xDisconnect(table);
+}
+
+int xBestIndex(sqlite3_vtab* table, sqlite3_index_info* info) {
+    return barrier(&table->zErrMsg, [&] {
+        tableOf(table).plan(*info);
+        return SQLITE_OK;
+    });
+}
+
+int xOpen(sqlite3_vtab* table, sqlite3_vtab_cursor** result) {
+    return barrier(&table->zErrMsg, [&] {
+        *result = new VirtualCursor(tableOf(table));
+        return SQLITE_OK;
+    });
+}
+
+int xClose(sqlite3_vtab_cursor* cursor) {
+    delete &cursorOf(cursor);
+    return SQLITE_OK;
+}
+
+int xNext(sqlite3_vtab_cursor* cursor) {
+    return barrier(cursor, [&] { return cursorOf(cursor).next(); });
+}
+
+int xFilter(sqlite3_vtab_cursor* cursor, int, const char* planText, int argc, sqlite3_value** argv) {
+    return barrier(cursor, [&] {
+        const int code = cursorOf(cursor).filter(planText, {argv, static_cast<std::size_t>(argc)});
+        return code != SQLITE_OK || cursorOf(cursor).atEnd() ? code : cursorOf(cursor).next();
+    });
+}
+
+int xEof(sqlite3_vtab_cursor* cursor) {
+    return cursorOf(cursor).atEnd();
+}
+
+int xColumn(sqlite3_vtab_cursor* cursor, sqlite3_context* context, int column) {
+    return barrier(cursor, [&] {
+        cursorOf(cursor).column(context, column);
+        return SQLITE_OK;
+    });
+}
+
+int xRowid(sqlite3_vtab_cursor* cursor, sqlite3_int64* rowNumber) {
+    return barrier(cursor, [&] {
+        *rowNumber = cursorOf(cursor).rowNumber();
+        return SQLITE_OK;
+    });
+}
+
+/// Offers the relations whose first argument is the geometry column as constraints. Anything else stays the
+/// function that it is.
+int xFindFunction(sqlite3_vtab* table, int argc, const char* name,
+                  void (**function)(sqlite3_context*, int, sqlite3_value**), void** userData) {
+    const auto relation = argc == 2 ? spatialRelationOf(name) : std::nullopt;
+    const ModuleTable& asked = tableOf(table);
+    if (!relation || asked.declaration()
+                             .columns()[static_cast<std::size_t>(asked.declaration().geometryColumn())]
+                             .attribute < 0) {
+        return 0;
+    }
+    for (const FunctionRecord& record : geometryRecords()) {
+        if (sqlite3_stricmp(record.name, name) == 0 && record.arity.minimum <= 2 &&
+            record.arity.maximum >= 2) {
+            *function = record.scalar; // SQLite calls it wherever no scan takes the constraint over
+            *userData = &asked.cache();
+            return SQLITE_INDEX_CONSTRAINT_FUNCTION + static_cast<int>(*relation);
+        }
+    }
+    return 0;
+}
+
+int xRename(sqlite3_vtab* table, const char* newName) {
+    return barrier(&table->zErrMsg, [&] {
+        tableOf(table).rename(QString::fromUtf8(newName));
+        return SQLITE_OK;
+    });
+}
+
+/// argv: the row number before (NULL for a new row), the row number after, then the values; a row number
+/// alone deletes.
+int xUpdate(sqlite3_vtab* table, int argc, sqlite3_value** argv, sqlite3_int64* rowNumber) {
+    return barrier(&table->zErrMsg, [&] {
+        TableEdit edit(tableOf(table));
+        if (argc == 1) {
+            edit.remove(sqlite3_value_int64(argv[0]));
+            return SQLITE_OK;
+        }
+        const std::span<sqlite3_value*> values(argv + 2, static_cast<std::size_t>(argc - 2));
+        const bool isNew = sqlite3_value_type(argv[0]) == SQLITE_NULL;
+        const bool assignsRowNumber = isNew ? sqlite3_value_type(argv[1]) != SQLITE_NULL
+                                            : sqlite3_value_int64(argv[0]) != sqlite3_value_int64(argv[1]);
+        if (assignsRowNumber) {
+            throw dp::EditError(
+                QCoreApplication::translate("orvane::adaptor", "Номера строк назначает таблица")
+                    .toStdString());
+        }
+        if (isNew) {
+            *rowNumber = edit.insert(values);
+        } else {
+            edit.update(sqlite3_value_int64(argv[0]), values);
+        }
+        return SQLITE_OK;
+    });
+}
+
+int xBegin(sqlite3_vtab* table) {
+    return barrier(&table->zErrMsg, [&] {
+        tableOf(table).table().beginEdits();
+        return SQLITE_OK;
+    });
+}
+
+int xCommit(sqlite3_vtab* table) {
+    return barrier(&table->zErrMsg, [&] {
+        if (const auto& edited = tableOf(table).tableOrNull()) {
+            edited->commitEdits();
+        }
+        return SQLITE_OK;
+    });
+}
+
+int xRollback(sqlite3_vtab* table) {
+    return barrier(&table->zErrMsg, [&] {
+        if (const auto& edited = tableOf(table).tableOrNull()) {
+            edited->rollbackEdits();
+        }
+        return SQLITE_OK;
+    });
+}
+
+constexpr sqlite3_module tableModule = [] {
+    sqlite3_module module{};
+    module.iVersion = 1;
+    module.xCreate = xCreate;
+    module.xConnect = xConnect;
+    module.xBestIndex = xBestIndex;
+    module.xDisconnect = xDisconnect;
+    module.xDestroy = xDestroy;
+    module.xOpen = xOpen;
+    module.xClose = xClose;
+    module.xFilter = xFilter;
+    module.xNext = xNext;
+    module.xEof = xEof;
+    module.xColumn = xColumn;
+    module.xRowid = xRowid;
+    module.xFindFunction = xFindFunction;
+    module.xUpdate = xUpdate;
+    module.xBegin = xBegin;
+    module.xCommit = xCommit;
+    module.xRollback = xRollback;
+    module.xRename = xRename;
+    return module;
+}();
+
+} // namespace
+
+int registerModule(sqlite3* database, const char* name, Core& core, engine::EngineCache& cache) {
+    return sqlite3_create_module_v2(database, name, &tableModule, new ModuleContext{&core, &cache, {}},
+                                    [](void* context) { delete static_cast<ModuleContext*>(context); });
+}
+
+} // namespace orvane::adaptor

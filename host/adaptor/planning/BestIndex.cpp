@@ -1,0 +1,506 @@
+#include "host/adaptor/planning/Costs.h"
+#include "host/adaptor/rows/ArrangedRows.h"
+#include "host/adaptor/scanning/TermFilter.h"
+#include "host/adaptor/tables/VirtualTable.h"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+#include <optional>
+
+namespace orvane::adaptor {
+
+namespace {
+
+using dp::Comparison;
+using Kind = TableDeclaration::Kind;
+
+/// Rows of a table whose size nobody knows.
+constexpr double assumedRows = 100'000;
+/// The look-ups that share what making an index costs, while there is none yet: a few look-ups in a large
+/// table are dear, so what one scan of it finds comes first.
+constexpr double assumedLookups = 10'000;
+/// Up to so many rows an index is asked how many a condition finds.
+constexpr std::size_t mostCounted = 1000;
+/// Rows that share one value, in a table of any size.
+constexpr double assumedGroup = 25;
+/// The share of a layer that stands in a relation to one geometry.
+constexpr double relatedShare = 0.01;
+/// Up to this size, rows are put in order in memory; texts and geometries above ByteArena::heapBytes
+/// go to a file.
+constexpr double mostOrderedBytes = 256 << 20;
+/// A geometry, as far as nothing is known of it.
+constexpr double wideValueBytes = 256;
+
+std::optional<Comparison> comparisonOf(unsigned char operation) {
+    switch (operation) {
+    case SQLITE_INDEX_CONSTRAINT_EQ: return Comparison::Equal;
+    case SQLITE_INDEX_CONSTRAINT_GT: return Comparison::Greater;
+    case SQLITE_INDEX_CONSTRAINT_LE: return Comparison::LessOrEqual;
+    case SQLITE_INDEX_CONSTRAINT_LT: return Comparison::Less;
+    case SQLITE_INDEX_CONSTRAINT_GE: return Comparison::GreaterOrEqual;
+    case SQLITE_INDEX_CONSTRAINT_NE: return Comparison::NotEqual;
+    case SQLITE_INDEX_CONSTRAINT_IS: return Comparison::Is;
+    case SQLITE_INDEX_CONSTRAINT_ISNOT: return Comparison::IsNot;
+    case SQLITE_INDEX_CONSTRAINT_ISNULL: return Comparison::IsNull;
+    case SQLITE_INDEX_CONSTRAINT_ISNOTNULL: return Comparison::IsNotNull;
+    case SQLITE_INDEX_CONSTRAINT_LIKE: return Comparison::Like;
+    case SQLITE_INDEX_CONSTRAINT_GLOB: return Comparison::Glob;
+    default: return std::nullopt;
+    }
+}
+
+std::optional<dp::TextCollation> collationOf(const char* name) {
+    if (sqlite3_stricmp(name, "BINARY") == 0) {
+        return dp::TextCollation::Binary;
+    }
+    if (sqlite3_stricmp(name, "NOCASE") == 0) {
+        return dp::TextCollation::NoCase;
+    }
+    if (sqlite3_stricmp(name, "Locale") == 0) {
+        return dp::TextCollation::Locale;
+    }
+    return std::nullopt;
+}
+
+const char* operatorText(unsigned char operation) {
+    switch (operation) {
+    case SQLITE_INDEX_CONSTRAINT_EQ: return "=";
+    case SQLITE_INDEX_CONSTRAINT_GT: return ">";
+    case SQLITE_INDEX_CONSTRAINT_LE: return "<=";
+    case SQLITE_INDEX_CONSTRAINT_LT: return "<";
+    case SQLITE_INDEX_CONSTRAINT_GE: return ">=";
+    case SQLITE_INDEX_CONSTRAINT_NE: return "<>";
+    case SQLITE_INDEX_CONSTRAINT_IS: return "Is";
+    case SQLITE_INDEX_CONSTRAINT_ISNOT: return "Is Not";
+    case SQLITE_INDEX_CONSTRAINT_ISNULL: return "Is Null";
+    case SQLITE_INDEX_CONSTRAINT_ISNOTNULL: return "Is Not Null";
+    case SQLITE_INDEX_CONSTRAINT_LIKE: return "Like";
+    case SQLITE_INDEX_CONSTRAINT_GLOB: return "Glob";
+    default: return "?";
+    }
+}
+
+/// The share of rows that a term lets pass, as far as nothing is known of the values.
+double selectivity(Comparison comparison) {
+    switch (comparison) {
+    case Comparison::Equal:
+    case Comparison::Is:
+    case Comparison::IsNull: return 0.05;
+    case Comparison::In: return 0.2;
+    case Comparison::Like:
+    case Comparison::Glob: return 0.1;
+    case Comparison::NotEqual:
+    case Comparison::IsNot:
+    case Comparison::IsNotNull: return 0.9;
+    default: return 0.33;
+    }
+}
+
+/// The value as a cell that shows it.
+dp::Cell cellOf(sqlite3_value* value) {
+    switch (sqlite3_value_type(value)) {
+    case SQLITE_INTEGER: return dp::Cell::ofInteger(sqlite3_value_int64(value));
+    case SQLITE_FLOAT: return dp::Cell::ofReal(sqlite3_value_double(value));
+    case SQLITE_TEXT: {
+        const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(value));
+        return dp::Cell::ofText({text, static_cast<std::size_t>(sqlite3_value_bytes(value))});
+    }
+    default: return {};
+    }
+}
+
+/// Fills the answer to one xBestIndex call.
+class Planner {
+public:
+    Planner(const VirtualTable& table, sqlite3_index_info& info)
+        : virtual_(table), table_(table.table()), declaration_(table.declaration()), info_(info),
+          rows_(std::max(1.0, static_cast<double>(
+                                  table_.featureCount().value_or(static_cast<std::int64_t>(assumedRows))))),
+          passing_(rows_), scanned_(rows_) {
+        plan_.columnsUsed = info.colUsed;
+    }
+
+    void run() {
+        for (int i = 0; i < info_.nConstraint; ++i) {
+            const unsigned char operation = constraint(i).op;
+            conditions_ +=
+                operation != SQLITE_INDEX_CONSTRAINT_LIMIT && operation != SQLITE_INDEX_CONSTRAINT_OFFSET;
+        }
+        // Terms are checked in this order: texts, which are slow to compare, only where the numbers agree.
+        for (const bool numbers : {true, false}) {
+            for (int i = 0; i < info_.nConstraint; ++i) {
+                if (constraint(i).usable && isOnNumber(i) == numbers) {
+                    take(i);
+                }
+            }
+        }
+        takeRowNumber();
+        takeRelation();
+        takeLimit();
+        takeOrder();
+        store();
+    }
+
+private:
+    const sqlite3_index_info::sqlite3_index_constraint& constraint(int i) const {
+        return info_.aConstraint[i];
+    }
+
+    void hand(int i, bool omit) {
+        info_.aConstraintUsage[i].argvIndex = ++arguments_;
+        info_.aConstraintUsage[i].omit = omit;
+    }
+
+    bool isOnNumber(int i) const {
+        const int column = constraint(i).iColumn;
+        return column >= 0 && declaration_.columns()[static_cast<std::size_t>(column)].kind == Kind::Number;
+    }
+
+    void take(int i) {
+        const int column = constraint(i).iColumn;
+        const std::optional<Comparison> comparison = comparisonOf(constraint(i).op);
+        const bool isLimit = constraint(i).op == SQLITE_INDEX_CONSTRAINT_LIMIT ||
+                             constraint(i).op == SQLITE_INDEX_CONSTRAINT_OFFSET;
+        if (recorder_ && column >= 0 && !isLimit) {
+            takeDown(i, declaration_.columns()[static_cast<std::size_t>(column)], comparison);
+        }
+        if (constraint(i).op == SQLITE_INDEX_CONSTRAINT_LIMIT) {
+            limit_ = i;
+        } else if (constraint(i).op == SQLITE_INDEX_CONSTRAINT_OFFSET) {
+            offset_ = i;
+        } else if (column < 0 && comparison == Comparison::Equal) {
+            rowNumber_ = i;
+        } else if (constraint(i).op >= SQLITE_INDEX_CONSTRAINT_FUNCTION) {
+            relation_ = column == declaration_.geometryColumn() ? i : relation_;
+        } else if (column >= 0 && comparison) {
+            takeTerm(i, declaration_.columns()[static_cast<std::size_t>(column)], *comparison);
+        }
+    }
+
+    /// Notes a condition on a plain attribute for whoever asks how the statement is answered.
+    void takeDown(int i, const TableDeclaration::Column& column, std::optional<Comparison> comparison) {
+        if (column.attribute < 0 || column.kind == Kind::Geometry || column.kind == Kind::Style) {
+            return;
+        }
+        const char* text = sqlite3_vtab_in(&info_, i, -1) ? "In" : operatorText(constraint(i).op);
+        PlannedCondition& noted = planned_.conditions.emplace_back();
+        noted.attribute = column.attribute;
+        noted.column = table_.schema()->at(column.attribute)->name();
+        noted.comparison = QLatin1String(text);
+        const auto collation = collationOf(sqlite3_vtab_collation(&info_, i));
+        if (!comparison || !collation) {
+            noted.index = comparison ? IndexUse::Outcome::Collation : IndexUse::Outcome::Comparison;
+            return;
+        }
+        noted.index = AttributeIndexing::judge(column, *comparison, *collation);
+        noted.isForSource = table_.usesTerm(column.attribute, *comparison, *collation);
+        noted.isPattern = AttributeIndexing::isPattern(*comparison);
+        const dp::Cell operand = noted.isPattern ? constantOperand(i).value_or(dp::Cell()) : dp::Cell();
+        if (operand.type() == dp::CellType::Text) {
+            noted.comparison += QLatin1Char(' ') + quoted(operand.view());
+            if (noted.index == IndexUse::Outcome::Used && !isLookedUp(*comparison, operand)) {
+                noted.index = IndexUse::Outcome::Pattern;
+            }
+        }
+    }
+
+    static QString quoted(std::string_view text) {
+        QString shown = QString::fromUtf8(text.data(), static_cast<int>(text.size()));
+        return QLatin1Char('\'') + shown.replace(QLatin1Char('\''), QLatin1String("''")) + QLatin1Char('\'');
+    }
+
+    /// What a column is compared with, if that is known by now. NULL for bytes, too.
+    std::optional<dp::Cell> constantOperand(int i) const {
+        sqlite3_value* operand = nullptr;
+        return sqlite3_vtab_rhs_value(&info_, i, &operand) == SQLITE_OK ? std::optional(cellOf(operand))
+                                                                        : std::nullopt;
+    }
+
+    /// Whether an index could answer the pattern; true also where none is to be made.
+    bool isLookedUp(Comparison comparison, const dp::Cell& pattern) const {
+        return !virtual_.makesIndices() || virtual_.narrows(comparison, pattern.view());
+    }
+
+    void takeTerm(int i, const TableDeclaration::Column& column, Comparison comparison) {
+        const bool nullTest = comparison == Comparison::IsNull || comparison == Comparison::IsNotNull;
+        if (column.attribute < 0 || (!nullTest && column.kind != Kind::Number && column.kind != Kind::Text)) {
+            return;
+        }
+        if (AttributeIndexing::isPattern(comparison)) {
+            takePattern(i, column, comparison);
+            return;
+        }
+        const auto collation = collationOf(sqlite3_vtab_collation(&info_, i));
+        if (!collation) {
+            return;
+        }
+        if (comparison == Comparison::Equal && sqlite3_vtab_in(&info_, i, 1)) {
+            comparison = Comparison::In;
+        }
+        // SQLite does not say under which collation <> and Is Not compare texts. Binary lets too many rows
+        // pass.
+        const bool knownCollation = column.kind == Kind::Number ||
+                                    (comparison != Comparison::NotEqual && comparison != Comparison::IsNot);
+        const bool hasOperand = !nullTest && comparison != Comparison::In;
+        const auto operand = hasOperand ? constantOperand(i) : std::nullopt;
+        const bool isText = column.kind == Kind::Text;
+        const bool isOwnKind = operand && TermFilter::isExact(isText, *operand);
+        hasOpenOperand_ = hasOpenOperand_ || (hasOperand && !operand);
+        hand(i, nullTest || (isOwnKind && knownCollation));
+        plan_.terms.push_back({constraint(i).iColumn, comparison, *collation});
+        const bool isServed = virtual_.makesIndices() && AttributeIndexing::serves(column, *collation, rows_);
+        // Texts that a file keeps apart may be equal under the collation, so only numbers are known to be
+        // unique.
+        const bool findsOne = isEquality(comparison) && column.unique && column.kind == Kind::Number;
+        const double share = findsOne                ? 1 / rows_
+                             : isServed && isOwnKind ? shareByIndex(column, comparison, *operand)
+                                                     : shareOf(column, comparison);
+        passing_ *= share;
+        unique_ = unique_ || findsOne;
+        if (isEquality(comparison) && isServed && (!operand || virtual_.averageGroup(column.attribute))) {
+            expectLookups(column); // at once, or soon: a join that repeats the scan gets its index
+        }
+        filterCost_ = std::max(filterCost_, isText ? cost::textTest : cost::numberTest);
+        if (table_.usesTerm(column.attribute, comparison, *collation)) {
+            scanned_ *= share;
+        }
+    }
+
+    static bool isEquality(Comparison comparison) {
+        return comparison == Comparison::Equal || comparison == Comparison::Is;
+    }
+
+    /// SQLite matches the pattern once more; the scan only finds the rows that begin as it does.
+    void takePattern(int i, const TableDeclaration::Column& column, Comparison comparison) {
+        const auto operand = constantOperand(i);
+        const bool isText = operand && operand->type() == dp::CellType::Text;
+        if (!column.isLocaleText() || (isText && !isLookedUp(comparison, *operand))) {
+            filterCost_ = cost::patternTest;
+            passing_ *= selectivity(comparison);
+            return;
+        }
+        hand(i, false);
+        plan_.terms.push_back({constraint(i).iColumn, comparison, column.collation});
+        hasOpenOperand_ = hasOpenOperand_ || !operand;
+        const bool isServed =
+            virtual_.makesIndices() && AttributeIndexing::serves(column, column.collation, rows_);
+        passing_ *= isServed && isText ? shareByIndex(column, comparison, *operand) : selectivity(comparison);
+        if (isServed && !operand) {
+            expectLookups(column);
+        }
+        filterCost_ = cost::patternTest;
+    }
+
+    void expectLookups(const TableDeclaration::Column& column) {
+        looksUp_ = true;
+        hasIndex_ = hasIndex_ || virtual_.averageGroup(column.attribute);
+        makingCost_ =
+            std::max(makingCost_, column.kind == Kind::Number ? cost::indexedNumber : cost::indexedText);
+    }
+
+    /// The share of rows that a term lets pass whose operand is known.
+    double shareByIndex(const TableDeclaration::Column& column, Comparison comparison,
+                        const dp::Cell& operand) {
+        if (isEquality(comparison) || comparison == Comparison::NotEqual || comparison == Comparison::IsNot) {
+            return shareOf(column, comparison);
+        }
+        const auto count = virtual_.countRows(column.attribute, comparison, operand, mostCounted);
+        if (!count || *count >= mostCounted) {
+            return selectivity(comparison);
+        }
+        expectLookups(column);
+        return std::max(*count, 1.0) / rows_;
+    }
+
+    /// What an attribute index knows of the values, else a guess.
+    double shareOf(const TableDeclaration::Column& column, Comparison comparison) const {
+        if (!isEquality(comparison)) {
+            return selectivity(comparison);
+        }
+        if (const auto group = virtual_.averageGroup(column.attribute)) {
+            return *group / rows_;
+        }
+        return std::min(selectivity(comparison), assumedGroup / rows_);
+    }
+
+    void takeRowNumber() {
+        if (rowNumber_ < 0) {
+            return;
+        }
+        const bool list = sqlite3_vtab_in(&info_, rowNumber_, 1) != 0;
+        hand(rowNumber_, false);
+        plan_.rowNumber = list ? ScanPlan::RowNumber::In : ScanPlan::RowNumber::Equal;
+        passing_ = std::min(passing_, list ? 25.0 : 1.0);
+        fetches_ = true;
+        unique_ = unique_ || !list;
+        hasOpenOperand_ = true;
+    }
+
+    /// The cursor tests the relation exactly as the function would, so that SQLite need not call it.
+    void takeRelation() {
+        if (relation_ < 0 || rowNumber_ >= 0) {
+            return;
+        }
+        plan_.relation =
+            static_cast<SpatialRelation>(constraint(relation_).op - SQLITE_INDEX_CONSTRAINT_FUNCTION);
+        hand(relation_, true);
+        hasOpenOperand_ = true;
+        passing_ = std::max(1.0, passing_ * relatedShare);
+        fetches_ = true;
+    }
+
+    /// A limit counts rows of the result. They are rows of the scan only when nothing sorts or drops rows
+    /// after it.
+    void takeLimit() {
+        if (limit_ < 0 || info_.nOrderBy > 0 || conditions_ > 0) {
+            return;
+        }
+        plan_.limit = true;
+        hand(limit_, false);
+        if (offset_ >= 0) {
+            plan_.offset = true;
+            hand(offset_, false);
+        }
+    }
+
+    /// Group By and Distinct come cheaper from rows put in order here, by ranks of the different values, than
+    /// from SQLite's sorter, which compares the texts. A plain Order By is SQLite's, unless an index has the
+    /// order of the first column and the first rows are likely all that is wanted. Rows that are asked for
+    /// anew for every row of another table are never many.
+    void takeOrder() {
+        if (info_.nOrderBy == 0 || hasOpenOperand_) {
+            return;
+        }
+        for (int i = 0; i < info_.nOrderBy; ++i) {
+            const int column = info_.aOrderBy[i].iColumn;
+            if (column < 0 || !isPlain(declaration_.columns()[static_cast<std::size_t>(column)])) {
+                plan_.order.clear();
+                return;
+            }
+            plan_.order.push_back({column, info_.aOrderBy[i].desc != 0});
+        }
+        plan_.ordering = chooseOrdering();
+        if (plan_.ordering == ScanPlan::Ordering::None) {
+            plan_.order.clear();
+        }
+        info_.orderByConsumed =
+            plan_.ordering == ScanPlan::Ordering::InMemory || plan_.ordering == ScanPlan::Ordering::ByIndex;
+    }
+
+    ScanPlan::Ordering chooseOrdering() const {
+        using Ordering = ScanPlan::Ordering;
+        if (sqlite3_vtab_distinct(&info_) > 0) {
+            return limit_ < 0 && isArrangeable(rows_) ? Ordering::InMemory : Ordering::None;
+        }
+        const int position = plan_.order.front().column;
+        const int attribute = declaration_.columns()[static_cast<std::size_t>(position)].attribute;
+        const bool isOnlyColumn = position < 63 && info_.colUsed == std::uint64_t{1} << position;
+        const bool isMaximum = isOnlyColumn && plan_.order.size() == 1 && plan_.order.front().isDescending;
+        if (conditions_ > 0 || !virtual_.makesIndices() || (limit_ < 0 && !isMaximum)) {
+            return Ordering::None;
+        }
+        if (!virtual_.hasOrder(attribute)) {
+            return limit_ >= 0 ? Ordering::WantsIndex : Ordering::None;
+        }
+        return plan_.order.size() == 1 || sortsLittle(attribute) ? Ordering::ByIndex : Ordering::None;
+    }
+
+    /// Whether rows that agree in the first column of the order are few enough to be fetched one by one and
+    /// put in order by the others: their number is that of the largest such group, since it may come first.
+    bool sortsLittle(int attribute) const {
+        const double group = virtual_.largestGroup(attribute).value_or(rows_);
+        const double wanted = constantNumber(limit_) + constantNumber(offset_);
+        const double fetching = (wanted + group) * cost::foundRow;
+        return fetching < rows_ * (cost::handedRow + cost::sortedRow) && isArrangeable(wanted + group);
+    }
+
+    /// 0 where the value is not known yet.
+    double constantNumber(int i) const {
+        const auto value = i < 0 ? std::nullopt : constantOperand(i);
+        return value && value->type() == dp::CellType::Integer ? static_cast<double>(value->integer()) : 0;
+    }
+
+    /// Whether so many rows go into memory with all columns used.
+    bool isArrangeable(double rows) const {
+        std::size_t used = 0;
+        std::size_t wide = 0;
+        for (std::size_t i = 0; i < declaration_.columns().size(); ++i) {
+            const TableDeclaration::Column& column = declaration_.columns()[i];
+            if (column.attribute >= 0 && plan_.usesColumn(static_cast<int>(i))) {
+                ++used;
+                wide += !isPlain(column);
+            }
+        }
+        return ArrangedRows::expectedBytes(rows, used, plan_.order.size()) +
+                   rows * static_cast<double>(wide) * wideValueBytes <=
+               mostOrderedBytes;
+    }
+
+    static bool isPlain(const TableDeclaration::Column& column) {
+        return column.attribute >= 0 && (column.kind == Kind::Number || column.kind == Kind::Text);
+    }
+
+    void store() {
+        const double expected = std::max(1.0, passing_);
+        if (recorder_) {
+            planned_.table = virtual_.name();
+            planned_.tableRows = static_cast<double>(table_.featureCount().value_or(0));
+            planned_.expectedRows = expected;
+            plan_.number = recorder_->add(std::move(planned_));
+        }
+        const std::string text = plan_.toText();
+        info_.idxStr = static_cast<char*>(sqlite3_malloc64(text.size() + 1));
+        if (!info_.idxStr) {
+            throw std::bad_alloc();
+        }
+        std::memcpy(info_.idxStr, text.c_str(), text.size() + 1);
+        info_.needToFreeIdxStr = 1;
+        info_.estimatedRows = static_cast<sqlite3_int64>(expected);
+        info_.estimatedCost = 1 + expected + findingCost() / cost::handedRow; // SQLite reckons in rows
+        info_.idxFlags = unique_ ? SQLITE_INDEX_SCAN_UNIQUE : 0;
+    }
+
+    /// What finding the rows costs besides handing them on.
+    double findingCost() const {
+        const double fetching = passing_ * (cost::foundRow - cost::handedRow);
+        const double scanning = scanned_ * filterCost_;
+        if (fetches_) {
+            return fetching;
+        }
+        const double making = hasIndex_ ? 0 : rows_ * makingCost_ / assumedLookups;
+        return looksUp_ ? std::min(scanning, fetching + making) : scanning;
+    }
+
+    const VirtualTable& virtual_;
+    dp::Table& table_;
+    const TableDeclaration& declaration_;
+    sqlite3_index_info& info_;
+    ScanPlan plan_;
+    ScanRecorder* const recorder_ = ScanRecorder::current();
+    PlannedScan planned_; ///< kept for the recorder only
+    const double rows_;
+    double passing_; ///< rows that the terms let pass
+    double scanned_; ///< rows that have to be read for it
+    bool unique_ = false;
+    bool hasOpenOperand_ = false; ///< some operand is known only when the scan starts
+    bool looksUp_ = false;        ///< an attribute index answers
+    bool hasIndex_ = false;       ///< and is there already
+    bool fetches_ = false;        ///< the rows are known by their identifiers
+    double makingCost_ = 0;       ///< of an index, for each row
+    double filterCost_ = 0;       ///< of each row that is scanned
+    int arguments_ = 0;
+    int conditions_ = 0; ///< constraints on columns, taken over or not
+    int limit_ = -1;
+    int offset_ = -1;
+    int rowNumber_ = -1;
+    int relation_ = -1;
+};
+
+} // namespace
+
+void VirtualTable::plan(sqlite3_index_info& info) const {
+    Planner(*this, info).run();
+}
+
+} // namespace orvane::adaptor

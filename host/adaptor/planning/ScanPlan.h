@@ -1,0 +1,56 @@
+#pragma once
+
+#include "host/adaptor/indices/SpatialRelation.h"
+
+#include "platform/dp/ScanRequest.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace orvane::adaptor {
+
+/// What xBestIndex decides about one scan and xFilter carries out. Travels through SQLite as a text, so that
+/// no state is kept between the two. Each item below takes one value of xFilter's arguments, in this order:
+/// the terms, the row number, the limit, the offset.
+struct ScanPlan {
+    struct Term {
+        int column = 0; ///< position in the virtual table's declaration
+        dp::Comparison comparison = dp::Comparison::Equal;
+        dp::TextCollation collation = dp::TextCollation::Binary;
+        bool operator==(const Term&) const = default;
+    };
+    struct Order {
+        int column = 0; ///< position in the virtual table's declaration
+        bool isDescending = false;
+        bool operator==(const Order&) const = default;
+    };
+    enum class Ordering : std::uint8_t {
+        None,
+        InMemory,   ///< the rows are read and put in order
+        ByIndex,    ///< the same, or an attribute index delivers them in order if it is still there
+        WantsIndex, ///< SQLite sorts, which an index would save; the scan is not ordered
+    };
+    enum class RowNumber : std::uint8_t { None, Equal, In };
+
+    std::uint64_t number = 0;      ///< of what a ScanRecorder took down, 0 when there is none
+    std::uint64_t columnsUsed = 0; ///< SQLite's mask: bit 63 stands for every column from 63 on
+    std::vector<Term> terms;
+    RowNumber rowNumber = RowNumber::None;
+    std::optional<SpatialRelation> relation; ///< of the geometry column to the value
+    Ordering ordering = Ordering::None;
+    std::vector<Order> order; ///< first column first
+    bool limit = false;
+    bool offset = false;
+
+    bool usesColumn(int column) const { return (columnsUsed >> (column < 63 ? column : 63)) & 1; }
+    bool operator==(const ScanPlan&) const = default;
+
+    std::string toText() const;
+    /// Reads what toText wrote.
+    static ScanPlan fromText(std::string_view text);
+};
+
+} // namespace orvane::adaptor

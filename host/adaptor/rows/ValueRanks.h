@@ -1,0 +1,67 @@
+#pragma once
+
+#include "host/adaptor/rows/ByteArena.h"
+
+#include "platform/dp/Cancellation.h"
+#include "platform/dp/Cursor.h"
+#include "platform/dp/ScanRequest.h"
+#include <orvane/engine/LocaleOrder.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+namespace orvane::adaptor {
+
+/// The different values of a column, and their order as SQLite has it: NULL, then numbers or texts. Each
+/// value gets a code when it is added and, once all are there, a rank, which is the same for values that are
+/// equal under the collation.
+class ValueRanks {
+public:
+    using Code = std::uint32_t;
+    using Rank = std::uint32_t;
+
+    /// What one more value takes, besides its text: the value, slots, rank, place in the order, and the code
+    /// of its row.
+    static constexpr double bytesPerValue =
+        sizeof(dp::Cell) + 3 * sizeof(Code) + 2 * sizeof(Rank) + sizeof(Code);
+
+    /// Texts are compared under the collation; numbers by their value, whether integer or real.
+    explicit ValueRanks(dp::TextCollation collation);
+
+    /// The code of a value: 0 for NULL, else from 1 on.
+    Code add(const dp::Cell& value, ByteArena& texts);
+    /// Gives the ranks, in order; no more values come. Throws dp::Cancelled.
+    void finishInOrder(const dp::Cancellation& cancellation);
+    /// The same with ranks that tell only which values are equal; costs less where these have one code.
+    void finishForLookups(const dp::Cancellation& cancellation);
+
+    const dp::Cell& value(Code code) const { return values_[code]; }
+    Rank rank(Code code) const { return ranks_.empty() ? code : ranks_[code]; }
+    /// Ranks go from 0, which is for NULL, to below this.
+    Rank rankEnd() const { return rankEnd_; }
+    /// The rank of the values that are equal to the operand; nothing when there are none. NULL is equal to
+    /// NULL.
+    std::optional<Rank> find(const dp::ScanValue& operand) const;
+
+private:
+    int compare(const dp::Cell& a, const dp::Cell& b) const;
+    int compareTexts(std::string_view a, std::string_view b) const;
+    /// The slot of a value or, when it has none, the free one for it.
+    std::size_t slotOf(const dp::Cell& value) const;
+    void growSlots();
+
+    dp::TextCollation collation_;
+    std::shared_ptr<const engine::LocaleOrder> locale_;
+    bool hasTexts_ = false;
+    std::vector<dp::Cell> values_{dp::Cell()}; ///< by code
+    std::vector<Code> slots_;  ///< a hash table of the codes by value, 0 for a free slot; a power of two
+    std::vector<Rank> ranks_;  ///< by code; empty when each code is its rank
+    std::vector<Code> sorted_; ///< all codes but that of NULL, by rank; empty when each code is its rank
+    Rank rankEnd_ = 1;
+};
+
+} // namespace orvane::adaptor

@@ -1,0 +1,411 @@
+#include "host/adaptor/scanning/VirtualCursor.h"
+
+#include "platform/cs/CoordSystem.h"
+#include "platform/geometry/shapes/Shapes.h"
+#include <orvane/engine/EngineCache.h>
+#include <orvane/engine/SpatialiteBlob.h>
+
+#include <QElapsedTimer>
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+
+namespace orvane::adaptor {
+
+using geometry::GeometryPtr;
+
+namespace {
+
+/// Rows between two looks at the cancellation.
+constexpr unsigned rowsBetweenChecks = 1024;
+
+/// Sets an operand, reusing the memory of the text that was there; false for a value that only SQLite can
+/// compare with the column.
+bool setOperand(sqlite3_value* value, dp::ScanValue& operand) {
+    switch (sqlite3_value_type(value)) {
+    case SQLITE_NULL: operand = std::monostate(); return true;
+    case SQLITE_INTEGER: operand.emplace<std::int64_t>(sqlite3_value_int64(value)); return true;
+    case SQLITE_FLOAT: operand.emplace<double>(sqlite3_value_double(value)); return true;
+    case SQLITE_TEXT: {
+        const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(value));
+        const auto size = static_cast<std::size_t>(sqlite3_value_bytes(value));
+        if (auto* known = std::get_if<std::string>(&operand)) {
+            known->assign(text, size);
+        } else {
+            operand.emplace<std::string>(text, size);
+        }
+        return true;
+    }
+    default: return false;
+    }
+}
+
+/// Calls `take` with each value of an In list; false when it holds one that `take` refuses.
+template<class Take>
+bool eachInList(sqlite3_value* list, Take take) {
+    sqlite3_value* item = nullptr;
+    for (int code = sqlite3_vtab_in_first(list, &item); code == SQLITE_OK && item;
+         code = sqlite3_vtab_in_next(list, &item)) {
+        if (!take(item)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// The row number that a value is equal to, if it is one.
+std::optional<qint64> rowNumberOf(sqlite3_value* value) {
+    switch (sqlite3_value_numeric_type(value)) {
+    case SQLITE_INTEGER: return sqlite3_value_int64(value);
+    case SQLITE_FLOAT: {
+        const double real = sqlite3_value_double(value);
+        const qint64 whole = sqlite3_value_int64(value);
+        return static_cast<double>(whole) == real ? std::optional<qint64>(whole) : std::nullopt;
+    }
+    default: return std::nullopt;
+    }
+}
+
+/// The geometry of a value; null for anything that is none.
+GeometryPtr geometryOf(sqlite3_value* value, engine::EngineCache& cache) {
+    if (sqlite3_value_type(value) != SQLITE_BLOB) {
+        return nullptr;
+    }
+    const auto* data = static_cast<const char*>(sqlite3_value_blob(value));
+    const auto size = static_cast<std::size_t>(sqlite3_value_bytes(value));
+    double x = 0, y = 0;
+    const auto header = engine::readSpatialiteHeader({data, size});
+    if (header && engine::spatialiteBlobPoint(*header, x, y)) {
+        // The usual value of a join by place, made for every row of the other table.
+        auto point = std::make_shared<geometry::Point>(x, y);
+        point->setCoordSystem(cache.get(header->srid));
+        return point;
+    }
+    return cache.geometryInfo(data, static_cast<unsigned>(size), true).geometry();
+}
+
+void textResult(sqlite3_context* context, std::string_view text) {
+    sqlite3_result_text64(context, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+}
+
+} // namespace
+
+VirtualCursor::VirtualCursor(VirtualTable& table)
+    : sqlite3_vtab_cursor{}, table_(table), coordSystem_(table.table().coordSystem()),
+      geometryAttribute_(table.table().schema()->geometryIndex()), repeated_(table.declaration()),
+      geometry_(coordSystem_, table.cache()) {}
+
+void VirtualCursor::readPlan(const char* planText) {
+    plan_ = ScanPlan::fromText(planText);
+    planText_ = planText;
+    const ScanRecorder* recorder = ScanRecorder::current();
+    report_ = recorder ? recorder->report(plan_.number) : nullptr;
+    repeated_.restart();
+    request_ = {};
+    const auto& columns = table_.declaration().columns();
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        if (columns[i].attribute >= 0 && plan_.usesColumn(static_cast<int>(i))) {
+            request_.attributes.push_back(columns[i].attribute);
+        }
+    }
+    for (const ScanPlan::Term& planned : plan_.terms) {
+        dp::ScanTerm& term = request_.terms.emplace_back();
+        term.attribute = columns[static_cast<std::size_t>(planned.column)].attribute;
+        term.comparison = planned.comparison;
+        term.collation = planned.collation;
+    }
+}
+
+bool VirtualCursor::readRowNumbers(sqlite3_value* value) {
+    auto& ids = request_.ids.emplace();
+    const auto add = [this, &ids](sqlite3_value* item) {
+        if (const auto number = rowNumberOf(item)) {
+            if (dp::FeatureId id = table_.cache().intToId(*number); id.isValid()) {
+                ids.push_back(std::move(id));
+            }
+        }
+        return true;
+    };
+    if (plan_.rowNumber == ScanPlan::RowNumber::In) {
+        eachInList(value, add);
+    } else {
+        add(value);
+    }
+    return !ids.empty();
+}
+
+/// Looks the related features up in the spatial index. Where the coordinate systems differ there is no common
+/// plane to search in, so every row is tested.
+bool VirtualCursor::readRelation(sqlite3_value* value) {
+    const GeometryPtr related = geometryOf(value, table_.cache());
+    if (!related) {
+        return false;
+    }
+    const auto other = related->coordSystem();
+    if (coordSystem_ && other && coordSystem_ != other && !coordSystem_->equals(*other)) {
+        related_ = related;
+        auto& attributes = request_.attributes;
+        if (std::find(attributes.begin(), attributes.end(), geometryAttribute_) == attributes.end()) {
+            attributes.push_back(geometryAttribute_);
+        }
+        return true;
+    }
+    auto& ids = request_.ids.emplace();
+    spatialIndex().search(*plan_.relation, related, table_.table(), ids);
+    return !ids.empty();
+}
+
+SpatialIndex& VirtualCursor::spatialIndex() {
+    if (!report_ || table_.hasSpatialIndex()) {
+        return table_.spatialIndex(cancellation_);
+    }
+    QElapsedTimer timer;
+    timer.start();
+    SpatialIndex& index = table_.spatialIndex(cancellation_);
+    report_->makingMs = static_cast<double>(timer.nsecsElapsed()) / 1e6;
+    return index;
+}
+
+bool VirtualCursor::readOperands(sqlite3_value* value, dp::ScanTerm& term) {
+    switch (term.comparison) {
+    case dp::Comparison::IsNull:
+    case dp::Comparison::IsNotNull: return true;
+    case dp::Comparison::In:
+        term.operands.clear();
+        return eachInList(
+            value, [&term](sqlite3_value* item) { return setOperand(item, term.operands.emplace_back()); });
+    default: term.operands.resize(1); return setOperand(value, term.operands.front());
+    }
+}
+
+bool VirtualCursor::readArguments(std::span<sqlite3_value*> arguments) {
+    request_.ids.reset();
+    related_.reset();
+    request_.limit = -1;
+    std::size_t next = 0;
+    for (std::size_t term = 0; next < plan_.terms.size(); ++next) {
+        if (readOperands(arguments[next], request_.terms[term])) {
+            ++term;
+        } else {
+            request_.terms.erase(request_.terms.begin() + static_cast<std::ptrdiff_t>(term));
+            planText_ = nullptr; // the next scan takes all terms again
+        }
+    }
+    if (plan_.rowNumber != ScanPlan::RowNumber::None && !readRowNumbers(arguments[next++])) {
+        return false;
+    }
+    if (plan_.relation && !readRelation(arguments[next++])) {
+        return false;
+    }
+    if (plan_.limit) {
+        const sqlite3_int64 limit = sqlite3_value_int64(arguments[next++]);
+        const sqlite3_int64 offset = plan_.offset ? sqlite3_value_int64(arguments[next++]) : 0;
+        constexpr sqlite3_int64 most = std::int64_t{1} << 62;
+        if (limit >= 0 && limit < most && offset < most) {
+            request_.limit = limit + (offset > 0 ? offset : 0);
+        }
+    }
+    return true;
+}
+
+int VirtualCursor::filter(const char* planText, std::span<sqlite3_value*> arguments) {
+    rows_ = nullptr;
+    cancellation_ = {};
+    if (planText == planText_ && ordered_ && arguments.empty()) {
+        startOrdered(); // the same rows again, for another row of an outer table
+        return SQLITE_OK;
+    }
+    scan_.reset();
+    ordered_.reset();
+    if (planText != planText_) {
+        readPlan(planText);
+    }
+    openRows(arguments);
+    if (report_) {
+        report();
+    }
+    const bool isOrderPromised =
+        plan_.ordering == ScanPlan::Ordering::InMemory || plan_.ordering == ScanPlan::Ordering::ByIndex;
+    return rows_ && isOrderPromised && !isInIndexOrder_ ? arrange() : SQLITE_OK;
+}
+
+void VirtualCursor::openRows(std::span<sqlite3_value*> arguments) {
+    if (!readArguments(arguments)) {
+        return;
+    }
+    filter_.assign(request_.terms);
+    if (filter_.matchesNothing()) {
+        return;
+    }
+    if (request_.ids || related_) {
+        scan_ = table_.table().openCursor(request_);
+        rows_ = scan_.get();
+    } else {
+        openTerms();
+    }
+}
+
+/// From memory, through an attribute index, or from the table.
+void VirtualCursor::openTerms() {
+    dp::Table& table = table_.table();
+    if (openInOrder()) {
+        return;
+    }
+    const bool mayRepeat = plan_.ordering == ScanPlan::Ordering::None && !request_.terms.empty();
+    rows_ = mayRepeat ? repeated_.find(table, request_, cancellation_) : nullptr;
+    if (rows_) {
+        return;
+    }
+    request_.ids = table_.findByIndex(request_.terms, cancellation_);
+    if (request_.ids) {
+        repeated_.countLookup(request_.ids->size());
+    } else {
+        repeated_.countScan(table, table_.lastIndexUse().outcome);
+    }
+    if (!request_.ids || !request_.ids->empty()) {
+        scan_ = table.openCursor(request_);
+        rows_ = scan_.get();
+    }
+}
+
+/// What the plan says of an attribute index for the order of the rows; false when the scan has to be made.
+bool VirtualCursor::openInOrder() {
+    isInIndexOrder_ = false;
+    if (plan_.ordering != ScanPlan::Ordering::ByIndex && plan_.ordering != ScanPlan::Ordering::WantsIndex) {
+        return false;
+    }
+    auto keys = orderKeys();
+    if (plan_.ordering == ScanPlan::Ordering::WantsIndex) {
+        table_.countSort(keys.front().attribute, cancellation_);
+        return false;
+    }
+    scan_ = table_.openInOrder(request_.attributes, std::move(keys), cancellation_);
+    rows_ = scan_.get();
+    isInIndexOrder_ = rows_ != nullptr;
+    return isInIndexOrder_;
+}
+
+std::vector<ArrangedRows::Key> VirtualCursor::orderKeys() const {
+    const auto& columns = table_.declaration().columns();
+    std::vector<ArrangedRows::Key> keys;
+    for (const ScanPlan::Order& each : plan_.order) {
+        const TableDeclaration::Column& column = columns[static_cast<std::size_t>(each.column)];
+        keys.push_back({column.attribute, column.collation, each.isDescending});
+    }
+    return keys;
+}
+
+int VirtualCursor::arrange() {
+    if (report_) {
+        report_->isArranged = true;
+    }
+    ArrangedRows ordered(request_.attributes, orderKeys());
+    for (int code = next(); rows_ || code != SQLITE_OK; code = next()) {
+        if (code != SQLITE_OK) {
+            return code;
+        }
+        ordered.add(*rows_);
+        if (ordered.rowCount() % rowsBetweenChecks == 0 && cancellation_.isRequested()) {
+            return SQLITE_INTERRUPT;
+        }
+    }
+    ordered.arrangeInOrder(cancellation_);
+    ordered_.emplace(std::move(ordered));
+    startOrdered();
+    return SQLITE_OK;
+}
+
+void VirtualCursor::startOrdered() {
+    orderedRows_.start(*ordered_, ordered_->all());
+    rows_ = &orderedRows_;
+}
+
+void VirtualCursor::report() {
+    ScanReport& report = *report_;
+    const auto note = [&report](Access access) { ++report.scansBy(access); };
+    if (related_) {
+        note(Access::Relation);
+    } else if (!rows_ && !request_.ids) {
+        ++report.emptyScans;
+    } else if (plan_.rowNumber != ScanPlan::RowNumber::None) {
+        note(Access::RowNumber);
+    } else if (plan_.relation) {
+        note(Access::SpatialIndex);
+    } else if (rows_ && !scan_) {
+        note(Access::Memory);
+    } else if (isInIndexOrder_) {
+        note(Access::AttributeIndex);
+        report.take(table_.lastIndexUse(), *table_.table().schema());
+    } else {
+        const bool isFiltered =
+            std::any_of(report.planned.conditions.begin(), report.planned.conditions.end(),
+                        [](const PlannedCondition& condition) { return condition.isForSource; });
+        note(request_.ids ? Access::AttributeIndex : isFiltered ? Access::SourceFilter : Access::WholeTable);
+        if (!request_.terms.empty()) {
+            report.take(table_.lastIndexUse(), *table_.table().schema());
+        }
+    }
+}
+
+bool VirtualCursor::accepts() {
+    if (!filter_.isEmpty() && !filter_.accepts(*rows_)) {
+        return false;
+    }
+    if (!related_) {
+        return true;
+    }
+    const dp::Cell cell = rows_->cell(geometryAttribute_);
+    const GeometryPtr own = cell.type() == dp::CellType::Wkb ? decodeWkb(cell.view(), coordSystem_) : nullptr;
+    return own && holds(*plan_.relation, *own, *related_);
+}
+
+int VirtualCursor::next() {
+    if (ordered_) {
+        rows_ = rows_->next() ? rows_ : nullptr;
+        return SQLITE_OK;
+    }
+    unsigned row = 1;
+    for (; rows_->next(); ++row) {
+        if (accepts()) {
+            if (report_) {
+                report_->rowsRead += row;
+                ++report_->rowsPassed;
+            }
+            return SQLITE_OK;
+        }
+        if (row % rowsBetweenChecks == 0 && cancellation_.isRequested()) {
+            return SQLITE_INTERRUPT;
+        }
+    }
+    if (report_) {
+        report_->rowsRead += row - 1;
+    }
+    rows_ = nullptr;
+    return cancellation_.isRequested() ? SQLITE_INTERRUPT : SQLITE_OK;
+}
+
+void VirtualCursor::column(sqlite3_context* context, int column) {
+    const TableDeclaration::Column& declared =
+        table_.declaration().columns()[static_cast<std::size_t>(column)];
+    if (declared.attribute < 0 || sqlite3_vtab_nochange(context)) {
+        return; // NULL; an update that leaves the column alone does not read it
+    }
+    const dp::Cell cell = rows_->cell(declared.attribute);
+    switch (cell.type()) {
+    case dp::CellType::Null: break;
+    case dp::CellType::Integer: sqlite3_result_int64(context, cell.integer()); break;
+    case dp::CellType::Real: sqlite3_result_double(context, cell.real()); break;
+    case dp::CellType::Text: textResult(context, cell.view()); break;
+    case dp::CellType::Bytes:
+        sqlite3_result_blob64(context, cell.view().data(), cell.view().size(), SQLITE_TRANSIENT);
+        break;
+    case dp::CellType::Wkb: geometry_.set(context, cell.view()); break;
+    }
+}
+
+sqlite3_int64 VirtualCursor::rowNumber() {
+    return table_.cache().assignIdToInt(rows_->featureId());
+}
+
+} // namespace orvane::adaptor

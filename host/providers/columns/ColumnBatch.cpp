@@ -1,0 +1,17 @@
+#include "host/providers/columns/ColumnBatch.h"
+
+namespace orvane::files {
+
+BatchReader::~BatchReader() = default;
+
+std::shared_ptr<const BatchBoxes> boxesOf(const ColumnChunk& geometries, std::int64_t rows) {
+    auto boxes = std::make_shared<BatchBoxes>();
+    boxes->rows.reserve(static_cast<std::size_t>(rows));
+    for (std::int64_t row = 0; row < rows; ++row) {
+        boxes->rows.push_back(geometries.isNull(row) ? Box() : boxOfWkb(geometries.view(row)));
+        boxes->hull.add(boxes->rows.back());
+    }
+    return boxes;
+}
+
+} // namespace orvane::files

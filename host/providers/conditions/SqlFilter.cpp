@@ -1,0 +1,178 @@
+#include "host/providers/conditions/SqlFilter.h"
+
+#include "host/providers/datasets/GdalErrors.h"
+#include "host/providers/datasets/GdalHandles.h"
+
+#include <QSet>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+
+namespace orvane::files {
+
+namespace {
+
+/// Longer lists are replaced by the range they span; the cursor tests the values anyway.
+constexpr std::size_t MAX_RANGES = 64;
+
+std::string quoted(std::string_view text, char quote) {
+    std::string result(1, quote);
+    for (const char character : text) {
+        result += character;
+        if (character == quote)
+            result += quote;
+    }
+    return result + quote;
+}
+
+std::string sqlNumber(std::int64_t value) {
+    // The least integer has no literal of its own: 9223372036854775808 would be read as a real.
+    return value == std::numeric_limits<std::int64_t>::min() ? "(-9223372036854775807 - 1)"
+                                                             : std::to_string(value);
+}
+
+std::string sqlNumber(double value) {
+    if (std::isinf(value))
+        return value > 0 ? "9e999" : "-9e999";
+    char text[40];
+    std::snprintf(text, sizeof text, "%.17e", value);
+    return text;
+}
+
+/// Stored fractions in a column of integers are read without their fraction: 5.7 counts as 5, -0.3 as 0.
+std::string sqlRange(const std::string& name, Range<std::int64_t> range) {
+    std::string text;
+    if (range.low != std::numeric_limits<std::int64_t>::min())
+        text = name + " > " + sqlNumber(range.low - 1);
+    if (range.high != std::numeric_limits<std::int64_t>::max())
+        text += (text.empty() ? "" : " AND ") + name + " < " + sqlNumber(range.high + 1);
+    return text.empty() ? name + " IS NOT NULL" : text;
+}
+
+/// Stored integers beyond 2^53 are read as the nearest real: the range is widened by one real at each end.
+std::string sqlRange(const std::string& name, Range<double> range) {
+    const double infinite = std::numeric_limits<double>::infinity();
+    return name + " >= " + sqlNumber(std::nextafter(range.low, -infinite)) + " AND " + name +
+           " <= " + sqlNumber(std::nextafter(range.high, infinite));
+}
+
+/// Texts and blobs compare greater than every number.
+constexpr const char* ABOVE_INTEGERS = "9223372036854775807";
+constexpr const char* ABOVE_REALS = "9e999";
+
+template<class Number>
+std::string sqlRanges(const std::string& name, const std::vector<Range<Number>>& ranges,
+                      const char* aboveAll) {
+    std::string text = name + " > " + aboveAll;
+    if (ranges.size() > MAX_RANGES)
+        return text + " OR (" + sqlRange(name, Range<Number>{ranges.front().low, ranges.back().high}) + ")";
+    for (const auto& range : ranges)
+        text += " OR (" + sqlRange(name, range) + ")";
+    return text;
+}
+
+/// Identifiers are integers whatever is stored elsewhere.
+std::string sqlIdentifiers(const std::string& name, const std::vector<Range<std::int64_t>>& ranges) {
+    std::string list;
+    std::string text;
+    for (const auto& range : ranges) {
+        if (range.low == range.high)
+            list += (list.empty() ? "" : ", ") + sqlNumber(range.low);
+        else
+            text += (text.empty() ? "" : " OR ") + name + " BETWEEN " + sqlNumber(range.low) + " AND " +
+                    sqlNumber(range.high);
+    }
+    if (!list.empty())
+        text += (text.empty() ? "" : " OR ") + name + " IN (" + list + ")";
+    return text;
+}
+
+std::string sqlTexts(const std::string& name, const std::vector<std::string>& texts) {
+    std::string list;
+    for (const auto& text : texts)
+        list += (list.empty() ? "" : ", ") + quoted(text, '\'');
+    return name + " IN (" + list + ") OR " + name + " < '' OR " + name + " >= x''";
+}
+
+/// The first column of a query's result.
+QSet<QByteArray> queryColumn(GDALDatasetH dataset, const std::string& sql) {
+    const GdalErrorScope errors;
+    QSet<QByteArray> values;
+    const OGRLayerH result = GDALDatasetExecuteSQL(dataset, sql.c_str(), nullptr, nullptr);
+    if (!result)
+        return values;
+    while (const FeatureHandle feature{OGR_L_GetNextFeature(result)})
+        values.insert(QByteArray(OGR_F_GetFieldAsString(feature.get(), 0)));
+    GDALDatasetReleaseResultSet(dataset, result);
+    return values;
+}
+
+} // namespace
+
+SqlTraits sqlTraitsOf(GDALDatasetH dataset, OGRLayerH layer, const LayerSchema& schema) {
+    SqlTraits traits;
+    traits.isIndexed.resize(schema.columns.size());
+    const QByteArray driver(GDALGetDriverShortName(GDALGetDatasetDriver(dataset)));
+    const QByteArray identifier(OGR_L_GetFIDColumn(layer));
+    traits.evaluatesSql = !identifier.isEmpty() && (driver == "GPKG" || driver == "SQLite");
+    if (!traits.evaluatesSql)
+        return traits;
+    traits.identifier = quoted(identifier.toStdString(), '"');
+
+    const std::string table = OGR_L_GetName(layer);
+    const auto indexed = queryColumn(
+        dataset, "SELECT c.name FROM pragma_index_list(" + quoted(table, '\'') +
+                     ") AS i, pragma_index_info(i.name) AS c WHERE c.seqno = 0 AND NOT i.partial");
+    for (std::size_t i = 0; i < schema.columns.size(); ++i) {
+        const auto& column = schema.columns[i];
+        traits.isIndexed[i] = column.source == LayerColumn::Source::FeatureId ||
+                              indexed.contains(QByteArray::fromStdString(column.name));
+    }
+    if (driver == "GPKG" && OGR_L_TestCapability(layer, OLCFastSpatialFilter)) {
+        const std::string rtree = "rtree_" + table + "_" + OGR_L_GetGeometryColumn(layer);
+        if (!queryColumn(dataset, "SELECT 1 FROM sqlite_master WHERE name = " + quoted(rtree, '\''))
+                 .isEmpty())
+            traits.spatialIndex = quoted(rtree, '"');
+    }
+    return traits;
+}
+
+std::optional<std::string> sqlOfCondition(const LayerColumn& column, ValueClass valueClass,
+                                          const Condition& condition) {
+    const bool isNullTest = condition.integers.empty() && condition.reals.empty() && condition.texts.empty();
+    // Types that the driver converts: what SQLite compares is not what the cursor delivers.
+    if (!column.isArrowExact || (column.source == LayerColumn::Source::Geometry && !isNullTest))
+        return std::nullopt;
+    const auto name = quoted(column.name, '"');
+    std::string text;
+    if (condition.acceptsAnyValue) {
+        text = name + " IS NOT NULL";
+    } else if (condition.textsAreExcluded) {
+        return std::nullopt; // a column that ignores letter case would leave out too much
+    } else if (column.source == LayerColumn::Source::FeatureId && !condition.integers.empty()) {
+        text = sqlIdentifiers(name, condition.integers);
+    } else if (valueClass == ValueClass::Integer && !condition.integers.empty()) {
+        text = sqlRanges(name, condition.integers, ABOVE_INTEGERS);
+    } else if (valueClass == ValueClass::Real && !condition.reals.empty()) {
+        text = sqlRanges(name, condition.reals, ABOVE_REALS);
+    } else if (!condition.texts.empty()) {
+        const bool hasZero =
+            std::any_of(condition.texts.begin(), condition.texts.end(),
+                        [](const std::string& t) { return t.find('\0') != std::string::npos; });
+        if (hasZero)
+            return std::nullopt;
+        text = sqlTexts(name, condition.texts);
+    }
+    if (condition.acceptsNull)
+        text += (text.empty() ? "" : " OR ") + name + " IS NULL";
+    return text.empty() ? "0" : "(" + text + ")";
+}
+
+std::string sqlOfWindow(const SqlTraits& traits, const dp::ScanWindow& window) {
+    return traits.identifier + " IN (SELECT id FROM " + traits.spatialIndex +
+           " WHERE maxx >= " + sqlNumber(window.minX) + " AND minx <= " + sqlNumber(window.maxX) +
+           " AND maxy >= " + sqlNumber(window.minY) + " AND miny <= " + sqlNumber(window.maxY) + ")";
+}
+
+} // namespace orvane::files

@@ -1,0 +1,109 @@
+#include "host/providers/datasets/DatasetPool.h"
+
+#include "host/providers/datasets/Archive.h"
+#include "host/providers/datasets/GdalErrors.h"
+
+#include <QFileInfo>
+
+#include <stdexcept>
+
+namespace orvane::files {
+
+namespace {
+
+/// Enough for a query with several joins; each holds a file open, and some drivers keep all features in
+/// memory.
+constexpr std::size_t MAX_IDLE = 4;
+
+std::vector<const char*> nullTerminated(const QList<QByteArray>& texts) {
+    std::vector<const char*> pointers;
+    for (const auto& text : texts)
+        pointers.push_back(text.constData());
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
+/// GDAL's reason, without the path that stands before it.
+QString withoutPath(const QString& reason, const QString& path) {
+    const QString start = path + QStringLiteral(": ");
+    return reason.startsWith(start) ? reason.mid(start.size()) : reason;
+}
+
+} // namespace
+
+DatasetPool::Lease::~Lease() {
+    if (dataset_)
+        pool_->release(std::move(dataset_), generation_);
+}
+
+DatasetPool::Lease& DatasetPool::Lease::operator=(Lease&& other) noexcept {
+    std::swap(pool_, other.pool_);
+    std::swap(dataset_, other.dataset_);
+    std::swap(generation_, other.generation_);
+    return *this;
+}
+
+DatasetPool::Lease DatasetPool::acquire() {
+    std::unique_lock lock(mutex_);
+    const unsigned generation = generation_;
+    if (!idle_.empty()) {
+        auto dataset = std::move(idle_.back());
+        idle_.pop_back();
+        return {shared_from_this(), std::move(dataset), generation};
+    }
+    lock.unlock();
+    return {shared_from_this(), open(GDAL_OF_READONLY), generation};
+}
+
+DatasetHandle DatasetPool::openForUpdate() const {
+    return open(GDAL_OF_UPDATE);
+}
+
+void DatasetPool::discardHandles() {
+    std::vector<DatasetHandle> discarded;
+    const std::lock_guard lock(mutex_);
+    ++generation_;
+    discarded.swap(idle_);
+    if (source_.copy)
+        source_.copy->update();
+}
+
+DatasetHandle DatasetPool::open(unsigned flags) const {
+    const auto drivers = nullTerminated(source_.drivers);
+    const bool isForUpdate = (flags & GDAL_OF_UPDATE) != 0;
+    auto openOptions = source_.openOptions;
+    if (isForUpdate) // the values that are not edited are to be written as they were, "1.50" and "007"
+        openOptions.removeAll("AUTODETECT_TYPE=YES");
+    const auto options = nullTerminated(openOptions);
+    const GdalErrorScope errors;
+    const auto path = source_.copy && !isForUpdate ? source_.copy->path() : source_.path;
+    DatasetHandle dataset(GDALOpenEx(path.constData(), GDAL_OF_VECTOR | GDAL_OF_VERBOSE_ERROR | flags,
+                                     source_.drivers.isEmpty() ? nullptr : drivers.data(), options.data(),
+                                     nullptr));
+    if (!dataset)
+        raiseUnopened(errors.error());
+    return dataset;
+}
+
+void DatasetPool::raiseUnopened(const QString& reported) const {
+    QString path = QString::fromUtf8(source_.path);
+    QString reason = withoutPath(reported, path);
+    path = pathOnDisk(path);
+    const QFileInfo file(path);
+    if (file.isFile() && file.size() == 0)
+        reason = tr("файл пуст");
+    else if (reported.contains(QLatin1String("not recognized as a supported"))) // GDAL's words
+        reason = tr("в нём нет таблиц в известном формате");
+    const QString message = tr("Не удалось открыть «%1»").arg(path);
+    throw std::runtime_error(
+        (reason.isEmpty() ? message : message + QStringLiteral(": ") + reason).toStdString());
+}
+
+void DatasetPool::release(DatasetHandle dataset, unsigned generation) {
+    const GdalErrorScope errors;
+    const std::lock_guard lock(mutex_);
+    if (generation == generation_ && idle_.size() < MAX_IDLE)
+        idle_.push_back(std::move(dataset));
+}
+
+} // namespace orvane::files

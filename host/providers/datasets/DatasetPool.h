@@ -1,0 +1,72 @@
+#pragma once
+
+#include "host/providers/datasets/GdalHandles.h"
+#include "host/providers/datasets/ResultDirectory.h"
+#include "host/providers/text/TextFile.h"
+
+#include <QByteArray>
+#include <QCoreApplication>
+#include <QList>
+
+#include <memory>
+#include <mutex>
+#include <vector>
+
+namespace orvane::files {
+
+/// Open handles of one file. A handle serves one cursor at a time, for GDAL keeps the state of a scan in it:
+/// a cursor takes one and gives it back. Any thread may use a pool; a handle, the thread that took it.
+class DatasetPool : public std::enable_shared_from_this<DatasetPool> {
+    Q_DECLARE_TR_FUNCTIONS(orvane::files::DatasetPool)
+public:
+    /// How the file is opened. Texts are UTF-8.
+    struct Source {
+        QByteArray path;
+        QList<QByteArray> drivers; ///< the only drivers to try, all when empty
+        QList<QByteArray> openOptions;
+        std::shared_ptr<TextStandIn> copy; ///< opened for reading instead of the file unless null
+        /// Goes when nobody reads the file any more; null for a file of the user's.
+        std::shared_ptr<ResultDirectory> temporaryDirectory = nullptr;
+    };
+
+    /// A handle out of the pool; gives it back when it dies.
+    class Lease {
+    public:
+        Lease() = default;
+        Lease(std::shared_ptr<DatasetPool> pool, DatasetHandle dataset, unsigned generation)
+            : pool_(std::move(pool)), dataset_(std::move(dataset)), generation_(generation) {}
+        ~Lease();
+        Lease(Lease&&) = default;
+        Lease& operator=(Lease&& other) noexcept;
+
+        GDALDatasetH dataset() const { return dataset_.get(); }
+
+    private:
+        std::shared_ptr<DatasetPool> pool_;
+        DatasetHandle dataset_;
+        unsigned generation_ = 0;
+    };
+
+    explicit DatasetPool(Source source) : source_(std::move(source)) {}
+
+    const Source& source() const { return source_; }
+
+    /// An idle handle, or a new one. Throws std::runtime_error when the file does not open.
+    Lease acquire();
+    /// A new handle that allows edits; it does not belong to the pool. Throws as acquire().
+    DatasetHandle openForUpdate() const;
+    /// Forgets every handle, for the file has changed: idle ones now, the others when they come back.
+    void discardHandles();
+
+private:
+    DatasetHandle open(unsigned flags) const;
+    [[noreturn]] void raiseUnopened(const QString& reported) const;
+    void release(DatasetHandle dataset, unsigned generation);
+
+    const Source source_;
+    std::mutex mutex_;
+    std::vector<DatasetHandle> idle_;
+    unsigned generation_ = 0;
+};
+
+} // namespace orvane::files

@@ -1,0 +1,72 @@
+#include "host/providers/datasets/GdalErrors.h"
+
+#include "platform/log/Logger.h"
+
+#include <gdal.h>
+
+#include <mutex>
+#include <stdexcept>
+
+namespace orvane::files {
+
+namespace {
+
+constexpr int MAX_LOGGED_WARNINGS = 10;
+
+void logMessage(LogLevel level, const char* text) {
+    loggerInstance()->write(level, QStringLiteral("GdalErrors"), __LINE__, QString::fromLatin1(__func__),
+                            QStringLiteral("GDAL: ") + QString::fromUtf8(text).trimmed());
+}
+
+LogLevel logLevel(CPLErr level) {
+    return level == CE_Debug ? LogLevel::Trace : LogLevel::Warning;
+}
+
+void CPL_STDCALL logOutsideScopes(CPLErr level, CPLErrorNum, const char* text) {
+    logMessage(logLevel(level), text);
+}
+
+} // namespace
+
+void registerDrivers() {
+    static std::once_flag once;
+    std::call_once(once, [] {
+        GDALAllRegister();
+        CPLSetErrorHandler(logOutsideScopes);
+    });
+}
+
+GdalErrorScope::GdalErrorScope() {
+    CPLPushErrorHandlerEx(collect, this);
+}
+
+GdalErrorScope::~GdalErrorScope() {
+    CPLPopErrorHandler();
+}
+
+void GdalErrorScope::raise(const QString& what) const {
+    throw std::runtime_error((error_.isEmpty() ? what : what + QStringLiteral(": ") + error_).toStdString());
+}
+
+void GdalErrorScope::logError() {
+    if (error_.isEmpty())
+        return;
+    logMessage(LogLevel::Warning, error_.toUtf8().constData());
+    error_.clear();
+}
+
+void GdalErrorScope::raiseIfFailed(const QString& what) const {
+    if (!error_.isEmpty())
+        raise(what);
+}
+
+void GdalErrorScope::collect(CPLErr level, CPLErrorNum, const char* text) {
+    auto* scope = static_cast<GdalErrorScope*>(CPLGetErrorHandlerUserData());
+    if (level >= CE_Failure) {
+        scope->error_ = QString::fromUtf8(text).trimmed();
+    } else if (level == CE_Debug || ++scope->warnings_ <= MAX_LOGGED_WARNINGS) {
+        logMessage(logLevel(level), text);
+    }
+}
+
+} // namespace orvane::files

@@ -1,0 +1,201 @@
+#include "host/providers/datasets/LayerSchema.h"
+
+#include "host/providers/datasets/GdalHandles.h"
+#include "platform/cs/CoordSystem.h"
+#include "platform/log/Logger.h"
+
+#include <ogr_srs_api.h>
+
+#include <QMetaType>
+#include <QSet>
+
+namespace orvane::files {
+
+namespace {
+
+/// What the dialect rewrites wherever it stands as a column: an attribute of that name could not be reached.
+const QStringList& reservedNames() {
+    static const QStringList names{QStringLiteral("obj"),
+                                   QStringLiteral("object"),
+                                   QStringLiteral("style"),
+                                   QStringLiteral("tr$$_rendition"),
+                                   QStringLiteral("rowid"),
+                                   QStringLiteral("cd750f8a9a2b4fac9b9b05eb53795d97"),
+                                   QStringLiteral("d39f65c319974aa198a899a89b1240c7")};
+    return names;
+}
+
+QString withoutControlCharacters(QString name) {
+    QString kept;
+    kept.reserve(name.size());
+    for (const QChar character : name) {
+        if (character.category() != QChar::Other_Control)
+            kept += character;
+    }
+    return kept.trimmed();
+}
+
+struct FieldType {
+    int metaType;
+    LayerColumn::Reading reading;
+    ColumnKind arrowKind;
+    bool isArrowExact;
+};
+
+FieldType fieldType(OGRFieldDefnH field, int position, const FieldReadings& readings) {
+    using Reading = LayerColumn::Reading;
+    if (const auto other = readings.find(position); other != readings.end()) {
+        const bool isInteger = other->second == Reading::IntegerText;
+        return {isInteger ? QMetaType::LongLong : QMetaType::Double, other->second, ColumnKind::Text, false};
+    }
+    const OGRFieldSubType subType = OGR_Fld_GetSubType(field);
+    switch (OGR_Fld_GetType(field)) {
+    case OFTInteger:
+        if (subType == OFSTBoolean)
+            return {QMetaType::Bool, Reading::Integer, ColumnKind::Int64, false};
+        return {QMetaType::Int, Reading::Integer,
+                subType == OFSTInt16 ? ColumnKind::Int16 : ColumnKind::Int32, true};
+    case OFTInteger64: return {QMetaType::LongLong, Reading::Integer, ColumnKind::Int64, true};
+    case OFTReal:
+        if (subType == OFSTFloat32)
+            return {QMetaType::Float, Reading::Real, ColumnKind::Double, false};
+        return {QMetaType::Double, Reading::Real, ColumnKind::Double, true};
+    case OFTDate: return {QMetaType::QDate, Reading::Date, ColumnKind::Text, false};
+    case OFTTime: return {QMetaType::QTime, Reading::Time, ColumnKind::Text, false};
+    case OFTDateTime: return {QMetaType::QDateTime, Reading::DateTime, ColumnKind::Text, false};
+    case OFTBinary: return {QMetaType::QByteArray, Reading::Bytes, ColumnKind::Bytes, true};
+    case OFTIntegerList:
+    case OFTInteger64List:
+    case OFTRealList:
+    case OFTStringList: return {QMetaType::QString, Reading::List, ColumnKind::Text, false};
+    default: return {QMetaType::QString, Reading::Text, ColumnKind::Text, true};
+    }
+}
+
+std::shared_ptr<cs::CoordSystem> coordSystemOf(OGRSpatialReferenceH reference) {
+    if (!reference)
+        return nullptr;
+    const auto* factory = cs::CoordSysFactory::defaultCoordSysFactory();
+    const char* authority = OSRGetAuthorityName(reference, nullptr);
+    const char* code = OSRGetAuthorityCode(reference, nullptr);
+    if (authority && code && EQUAL(authority, "EPSG")) {
+        try {
+            return factory->createFromEpsg(QByteArray(code).toInt());
+        } catch (const std::runtime_error&) {
+            // A code of a newer database than the installed one: the definition may still be understood.
+        }
+    }
+    char* text = nullptr;
+    const char* const options[] = {"FORMAT=WKT2_2019", nullptr};
+    const bool exported = OSRExportToWktEx(reference, &text, options) == OGRERR_NONE;
+    const CplString wkt(text);
+    return exported && wkt ? factory->createFromWkt(QString::fromUtf8(wkt.get())) : nullptr;
+}
+
+} // namespace
+
+std::size_t bytesThatFit(std::string_view text, int mostBytes) {
+    auto size = static_cast<std::size_t>(mostBytes);
+    if (text.size() <= size)
+        return text.size();
+    while (size > 0 && (static_cast<unsigned char>(text[size]) & 0xC0) == 0x80) // in a character
+        --size;
+    return size;
+}
+
+QStringList distinctNames(const QStringList& names, int mostBytes) {
+    const auto numbered = [mostBytes](const QString& name, const QString& number) {
+        if (mostBytes == 0)
+            return name + number;
+        const QByteArray text = name.toUtf8();
+        const std::string_view bytes(text.constData(), static_cast<std::size_t>(text.size()));
+        const std::size_t kept = bytesThatFit(bytes, mostBytes - number.size());
+        return QString::fromUtf8(text.constData(), static_cast<int>(kept)).trimmed() + number;
+    };
+    QSet<QString> taken;
+    for (const auto& name : reservedNames())
+        taken.insert(name.toCaseFolded());
+    QStringList distinct;
+    for (int i = 0; i < names.size(); ++i) {
+        auto wanted = withoutControlCharacters(names[i]);
+        if (wanted.isEmpty())
+            wanted = QStringLiteral("field%1").arg(i + 1);
+        auto name = numbered(wanted, QString());
+        for (int number = 2; taken.contains(name.toCaseFolded()); ++number)
+            name = numbered(wanted, QLatin1Char('_') + QString::number(number));
+        taken.insert(name.toCaseFolded());
+        distinct.append(name);
+    }
+    return distinct;
+}
+
+LayerSchema describeLayer(OGRLayerH layer, const FieldReadings& readings,
+                          const std::shared_ptr<cs::CoordSystem>& assumedCoordSystem, int mostFields) {
+    const OGRFeatureDefnH definition = OGR_L_GetLayerDefn(layer);
+    QStringList names;
+    LayerSchema result;
+    auto add = [&](LayerColumn column, const char* name) {
+        column.name = name ? name : "";
+        result.columns.push_back(std::move(column));
+        names.append(QString::fromUtf8(name));
+    };
+
+    const char* fidName = OGR_L_GetFIDColumn(layer);
+    if (fidName && *fidName)
+        add({LayerColumn::Source::FeatureId, LayerColumn::Reading::Integer, -1, ColumnKind::Int64, true, {}},
+            fidName);
+    for (int i = 0; i < std::min(OGR_FD_GetFieldCount(definition), mostFields); ++i) {
+        const OGRFieldDefnH field = OGR_FD_GetFieldDefn(definition, i);
+        const auto type = fieldType(field, i, readings);
+        add({LayerColumn::Source::Field, type.reading, i, type.arrowKind, type.isArrowExact, {}},
+            OGR_Fld_GetNameRef(field));
+    }
+    const int geometryFields = OGR_FD_GetGeomFieldCount(definition);
+    if (geometryFields > 0) {
+        const char* name = OGR_GFld_GetNameRef(OGR_FD_GetGeomFieldDefn(definition, 0));
+        add({LayerColumn::Source::Geometry, LayerColumn::Reading::Geometry, -1, ColumnKind::Wkb, true, {}},
+            name);
+        if (names.last().isEmpty())
+            names.last() = QStringLiteral("geometry");
+    }
+    if (geometryFields > 1) {
+        loggerInstance()->write(LogLevel::Info, QStringLiteral("LayerSchema"), __LINE__,
+                                QString::fromLatin1(__func__),
+                                QStringLiteral("%1: only the first of %2 geometry columns is read")
+                                    .arg(QString::fromUtf8(OGR_L_GetName(layer)))
+                                    .arg(geometryFields));
+    }
+
+    const auto distinct = distinctNames(names);
+    const OGRSpatialReferenceH reference = OGR_L_GetSpatialRef(layer);
+    QVector<dp::AttributeDefinitionPointer> attributes;
+    for (int i = 0; i < distinct.size(); ++i) {
+        const auto& column = result.columns[static_cast<std::size_t>(i)];
+        dp::AttributeDefinition* attribute = nullptr;
+        switch (column.source) {
+        case LayerColumn::Source::FeatureId:
+            attribute = new dp::SimpleAttributeDefinition(distinct[i], QMetaType::LongLong,
+                                                          {.unique = true, .notNull = true});
+            break;
+        case LayerColumn::Source::Geometry:
+            attribute = new dp::GeometryAttributeDefinition(distinct[i], reference ? coordSystemOf(reference)
+                                                                                   : assumedCoordSystem);
+            break;
+        case LayerColumn::Source::Field: {
+            const OGRFieldDefnH field = OGR_FD_GetFieldDefn(definition, column.field);
+            attribute = new dp::SimpleAttributeDefinition(distinct[i],
+                                                          fieldType(field, column.field, readings).metaType,
+                                                          {.length = OGR_Fld_GetWidth(field),
+                                                           .precision = OGR_Fld_GetPrecision(field),
+                                                           .unique = OGR_Fld_IsUnique(field) != 0,
+                                                           .notNull = OGR_Fld_IsNullable(field) == 0});
+            break;
+        }
+        }
+        attributes.append(dp::AttributeDefinitionPointer(attribute));
+    }
+    result.schema = std::make_shared<const dp::TableSchema>(std::move(attributes));
+    return result;
+}
+
+} // namespace orvane::files

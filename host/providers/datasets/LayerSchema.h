@@ -1,0 +1,81 @@
+#pragma once
+
+#include "host/providers/columns/ColumnBatch.h"
+#include "platform/dp/TableSchema.h"
+
+#include <ogr_api.h>
+
+#include <QStringList>
+
+#include <limits>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace orvane::files {
+
+/// Where the values of one attribute come from, and how they are read.
+struct LayerColumn {
+    enum class Source : std::uint8_t { FeatureId, Field, Geometry };
+    /// How a single OGR feature's value becomes a value of a batch.
+    enum class Reading : std::uint8_t {
+        Integer,
+        Real,
+        IntegerText, ///< an integer in a text field, NULL for a text that is none
+        RealText,    ///< likewise a real number
+        Text,
+        Date,
+        Time,
+        DateTime,
+        Bytes,
+        List,
+        Geometry
+    };
+
+    Source source = Source::Field;
+    Reading reading = Reading::Text;
+    int field = -1; ///< position among the layer's fields, for Source::Field
+    /// The layout in the batches of drivers with a fast Arrow stream.
+    ColumnKind arrowKind = ColumnKind::Text;
+    /// False where such a stream gives other values than the features: it reads unreadable dates as
+    /// 1970-01-01.
+    bool isArrowExact = true;
+    std::string name; ///< the layer's own name of the field or geometry column, UTF-8
+};
+
+/// Text fields that are read as something else, by their position in the layer.
+using FieldReadings = std::map<int, LayerColumn::Reading>;
+
+/// The attributes of a layer as the table shows them.
+struct LayerSchema {
+    std::shared_ptr<const dp::TableSchema> schema;
+    std::vector<LayerColumn> columns; ///< one per attribute of the schema
+};
+
+/// The attributes are, in order: the feature identifier where the layer names it (as GeoPackage does), the
+/// layer's fields, the first geometry column. Further geometry columns are left out, with a note in the log.
+///
+/// Field types: integers of 16 and 32 bits are Int, of 64 bits LongLong, real numbers Double or Float, and
+/// Bool, QString, QDate, QTime, QDateTime and QByteArray. Lists come as texts holding a JSON array, JSON as
+/// text. Date-times are given as the file writes them: an offset from UTC is not kept.
+///
+/// `assumedCoordSystem` is the one of a layer that names none; may be null. Fields behind the first
+/// `mostFields` are left out.
+LayerSchema describeLayer(OGRLayerH layer, const FieldReadings& readings = {},
+                          const std::shared_ptr<cs::CoordSystem>& assumedCoordSystem = nullptr,
+                          int mostFields = std::numeric_limits<int>::max());
+
+/// Names that SQL can tell apart: surrounding blanks and control characters are removed, an empty name
+/// becomes "field" and its position from 1, and a name that was there before (letter case ignored) gets the
+/// smallest number from 2 that makes it new after "_": "name", "name_2". The names that queries use for
+/// something else (obj, object, style, rowid, ...) count as taken, so that a field "Style" is reached as
+/// "Style_2". None takes more than `mostBytes` in UTF-8, unless that is 0: the ends of longer ones are cut
+/// off.
+QStringList distinctNames(const QStringList& names, int mostBytes = 0);
+
+/// How many bytes of a text in UTF-8 fit where there is room for `mostBytes`, without half a character.
+std::size_t bytesThatFit(std::string_view text, int mostBytes);
+
+} // namespace orvane::files

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "host/providers/columns/ColumnBatch.h"
+
+namespace orvane::files {
+
+class RowFilter;
+
+/// Walks over the rows of batches that pass a filter.
+class BatchCursor final : public dp::Cursor {
+public:
+    /// `slots` gives for each attribute of the table its column in the batches, -1 for none. `filter` may be
+    /// null.
+    BatchCursor(std::unique_ptr<BatchReader> reader, std::vector<int> slots,
+                std::shared_ptr<const RowFilter> filter)
+        : reader_(std::move(reader)), slots_(std::move(slots)), filter_(std::move(filter)) {}
+
+    bool next() override;
+    dp::Cell cell(int attribute) override {
+        const auto slot = static_cast<std::size_t>(slots_[static_cast<std::size_t>(attribute)]);
+        return batch_.columns[slot].cell(row_);
+    }
+    dp::FeatureId featureId() override {
+        return dp::FeatureId(QVariant(static_cast<qlonglong>(batch_.fids.number<std::int64_t>(row_))));
+    }
+
+private:
+    bool nextSelected();
+
+    std::unique_ptr<BatchReader> reader_;
+    std::vector<int> slots_;
+    std::shared_ptr<const RowFilter> filter_;
+    ColumnBatch batch_;
+    std::int64_t row_ = -1;
+    std::vector<std::int32_t> selected_; ///< rows of the batch that pass the filter
+    std::size_t nextSelected_ = 0;
+};
+
+} // namespace orvane::files

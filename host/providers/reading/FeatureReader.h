@@ -1,0 +1,30 @@
+#pragma once
+
+#include "host/providers/reading/LayerScan.h"
+
+#include <QCoreApplication>
+
+namespace orvane::files {
+
+/// Reads a layer feature by feature into batches: for drivers without a fast Arrow stream, for columns that
+/// such a stream changes, and for single features.
+class FeatureReader final : public BatchReader {
+    Q_DECLARE_TR_FUNCTIONS(orvane::files::FeatureReader)
+public:
+    explicit FeatureReader(LayerScan scan);
+    FeatureReader(LayerScan scan, std::vector<std::int64_t> ids);
+    ~FeatureReader() override;
+
+    bool next(ColumnBatch& batch) override;
+
+private:
+    FeatureHandle nextFeature();
+
+    LayerScan scan_;
+    bool readsIds_ = false;
+    std::vector<std::int64_t> ids_;
+    std::size_t nextId_ = 0;
+    bool isAtEnd_ = false;
+};
+
+} // namespace orvane::files

@@ -1,0 +1,388 @@
+#include "host/providers/reading/LayerReader.h"
+
+#include "host/providers/conditions/RowFilter.h"
+#include "host/providers/datasets/GdalErrors.h"
+#include "host/providers/reading/BatchCursor.h"
+#include "host/providers/reading/CountingCursor.h"
+#include "platform/dp/Cancellation.h"
+
+#include <algorithm>
+#include <numeric>
+
+namespace orvane::files {
+
+namespace {
+
+/// Up to this size of the file, the first scan reads all columns: every later one is answered from memory.
+constexpr std::uint64_t SMALL_FILE = std::uint64_t{4} << 20;
+/// Up to this many rows, testing the boxes in memory is faster than asking the file's spatial index.
+constexpr std::int64_t MAX_BOX_ROWS = 200'000;
+/// Up to this many rows found in memory, the other columns are read feature by feature.
+constexpr std::size_t MAX_LOOKUPS = 4096;
+/// Finding a feature by its identifier costs as much as scanning about so many rows.
+constexpr std::int64_t ROWS_PER_LOOKUP = 64;
+
+/// The identifiers among the values, each once, in ascending order, which is the fastest to read.
+std::vector<std::int64_t> sortedIds(const std::vector<dp::FeatureId>& ids) {
+    std::vector<std::int64_t> sorted;
+    sorted.reserve(ids.size());
+    for (const auto& id : ids) {
+        bool isNumber = false;
+        const auto value = id.value().toLongLong(&isNumber);
+        if (isNumber)
+            sorted.push_back(value);
+    }
+    std::sort(sorted.begin(), sorted.end());
+    sorted.erase(std::unique(sorted.begin(), sorted.end()), sorted.end());
+    return sorted;
+}
+
+/// Appends an attribute unless it is there; its position.
+int addDistinct(std::vector<int>& attributes, int attribute) {
+    const auto found = std::find(attributes.begin(), attributes.end(), attribute);
+    if (found == attributes.end()) {
+        attributes.push_back(attribute);
+        return static_cast<int>(attributes.size()) - 1;
+    }
+    return static_cast<int>(found - attributes.begin());
+}
+
+} // namespace
+
+/// A request as the table can use it.
+struct LayerReader::Query {
+    struct Test {
+        int attribute;
+        Condition condition;
+    };
+
+    std::vector<int> requested; ///< attributes, each once
+    std::vector<int> needed;    ///< the same, then those that only the tests need
+    std::vector<Test> tests;
+    std::optional<dp::ScanWindow> window;
+    std::int64_t limit = -1;
+
+    std::vector<int> testedAttributes() const {
+        std::vector<int> attributes;
+        for (const auto& test : tests)
+            addDistinct(attributes, test.attribute);
+        return attributes;
+    }
+    /// The tests on the first `columns` attributes of `needed`.
+    RowFilter filter(std::size_t columns) const {
+        RowFilter result;
+        for (const auto& test : tests) {
+            const auto found = std::find(needed.begin(), needed.end(), test.attribute);
+            if (static_cast<std::size_t>(found - needed.begin()) < columns)
+                result.add(static_cast<int>(found - needed.begin()), test.condition);
+        }
+        return result;
+    }
+};
+
+LayerReader::LayerReader(std::shared_ptr<DatasetPool> pool, int layerIndex, QByteArray layerName,
+                         LayerSchema schema)
+    : pool_(std::move(pool)), layerIndex_(layerIndex), layerName_(std::move(layerName)),
+      schema_(std::make_shared<const LayerSchema>(std::move(schema))), stamp_(pool_->source().path),
+      key_(std::make_shared<std::atomic<BatchCache::TableKey>>(BatchCache::newKey())) {}
+
+LayerReader::~LayerReader() {
+    BatchCache::instance().drop(key_->exchange(0));
+}
+
+std::unique_ptr<dp::Cursor> LayerReader::openCursor(const dp::ScanRequest& request) {
+    followFile();
+    if (auto cursor = openForCounting(request))
+        return cursor;
+    loadWholeOnce();
+
+    Query query;
+    query.requested.reserve(request.attributes.size());
+    for (const int attribute : request.attributes)
+        addDistinct(query.requested, attribute);
+    query.needed = query.requested;
+    for (const auto& term : request.terms) {
+        if (auto condition = conditionOf(term, valueClass(term.attribute))) {
+            addDistinct(query.needed, term.attribute);
+            query.tests.push_back({term.attribute, std::move(*condition)});
+        }
+    }
+    query.window = request.window;
+    query.limit = request.limit;
+
+    if (request.ids)
+        return openById(query, sortedIds(*request.ids));
+    if (auto cursor = openFromCache(query))
+        return cursor;
+    if (auto cursor = openByDriver(query))
+        return cursor;
+    return openFullScan(query);
+}
+
+std::unique_ptr<dp::Cursor> LayerReader::openForCounting(const dp::ScanRequest& request) {
+    if (!request.attributes.empty() || !request.terms.empty() || request.window || request.ids)
+        return nullptr;
+    const auto rows = featureCount();
+    auto scan = makeScan({});
+    const bool isExact =
+        BatchCache::instance().rowCount(*key_) || OGR_L_TestCapability(scan.layer, OLCFastFeatureCount);
+    return rows && isExact ? std::make_unique<CountingCursor>(*rows, std::move(scan)) : nullptr;
+}
+
+std::unique_ptr<dp::Cursor> LayerReader::makeCursor(const Query& query, std::unique_ptr<BatchReader> reader,
+                                                    std::shared_ptr<const RowFilter> filter) {
+    std::vector<int> slots(schema_->columns.size(), -1);
+    for (std::size_t i = 0; i < query.requested.size(); ++i)
+        slots[static_cast<std::size_t>(query.requested[i])] = static_cast<int>(i);
+    return std::make_unique<BatchCursor>(std::move(reader), std::move(slots), std::move(filter));
+}
+
+std::unique_ptr<dp::Cursor> LayerReader::openById(const Query& query, std::vector<std::int64_t> ids) {
+    auto& cache = BatchCache::instance();
+    auto cached = cache.find(*key_, query.requested);
+    if (!cached && lookupsCostMoreThanAScan(ids.size())) {
+        load(query.requested);
+        cached = cache.find(*key_, query.requested);
+    }
+    if (!cached || !cached->rows->idsAscend)
+        return makeCursor(query, startLookup(makeScan(query.requested), std::move(ids)), nullptr);
+    RowFilter filter;
+    filter.setIds(std::move(ids));
+    const auto shared = std::make_shared<const RowFilter>(std::move(filter));
+    return makeCursor(query, std::make_unique<CachedReader>(std::move(*cached), shared, nullptr), shared);
+}
+
+bool LayerReader::lookupsCostMoreThanAScan(std::size_t count) {
+    lookups_ += static_cast<std::int64_t>(count);
+    const auto rows = featureCount();
+    const auto scan = makeScan({});
+    const bool isSlow = !OGR_L_TestCapability(scan.layer, OLCRandomRead);
+    if (!isSlow && (!rows || lookups_ < *rows / ROWS_PER_LOOKUP))
+        return false;
+    lookups_ = 0;
+    return true;
+}
+
+std::unique_ptr<dp::Cursor> LayerReader::openFromCache(const Query& query) {
+    auto attributes = query.needed;
+    const bool testsBoxes = query.window && usesWindow();
+    int geometry = -1;
+    if (testsBoxes)
+        geometry = addDistinct(attributes, schema_->schema->geometryIndex());
+    auto cached = BatchCache::instance().find(*key_, attributes);
+    if (!cached || (testsBoxes && cached->rows->rows > MAX_BOX_ROWS))
+        return nullptr;
+
+    auto filter = query.filter(query.needed.size());
+    std::shared_ptr<const CachedScan> boxes;
+    if (testsBoxes) {
+        filter.setWindow(*query.window);
+        boxes = cached->columns[static_cast<std::size_t>(geometry)].scan;
+    }
+    const auto shared = filter.isEmpty() ? nullptr : std::make_shared<const RowFilter>(std::move(filter));
+    return makeCursor(query, std::make_unique<CachedReader>(std::move(*cached), shared, std::move(boxes)),
+                      shared);
+}
+
+std::unique_ptr<dp::Cursor> LayerReader::openByDriver(const Query& query) {
+    const bool asksWindow = query.window && usesWindow();
+    if ((!asksWindow && query.tests.empty()) || !sqlTraits().evaluatesSql)
+        return nullptr;
+    std::string sql = asksWindow ? sqlOfWindow(sqlTraits(), *query.window) : std::string();
+    bool usesIndex = asksWindow;
+    for (const auto& test : query.tests) {
+        const auto position = static_cast<std::size_t>(test.attribute);
+        if (const auto text =
+                sqlOfCondition(schema_->columns[position], valueClass(test.attribute), test.condition)) {
+            sql += (sql.empty() ? "" : " AND ") + *text;
+            usesIndex = usesIndex || sqlTraits().isIndexed[position];
+        }
+    }
+    if (sql.empty())
+        return nullptr;
+    if (!usesIndex) {
+        // SQLite would look at every row. Where the columns are narrow, reading them whole costs the same and
+        // answers the next query from memory.
+        if (isNarrow(query.needed))
+            return nullptr;
+        if (++driverFilters_ > 1 && loadTestedColumns(query))
+            return openByTestedColumns(query);
+    }
+    auto scan = makeScan(query.requested);
+    scan.filter = std::move(sql);
+    auto filter = query.filter(query.requested.size());
+    const auto shared = filter.isEmpty() ? nullptr : std::make_shared<const RowFilter>(std::move(filter));
+    return makeCursor(query, startScan(std::move(scan)), shared);
+}
+
+bool LayerReader::loadTestedColumns(const Query& query) {
+    const auto tested = query.testedAttributes();
+    auto& cache = BatchCache::instance();
+    if (!cache.find(*key_, tested))
+        load(tested);
+    return cache.find(*key_, tested).has_value();
+}
+
+std::unique_ptr<dp::Cursor> LayerReader::openByTestedColumns(const Query& query) {
+    auto columns = BatchCache::instance().find(*key_, query.testedAttributes());
+    if (!columns)
+        return openFullScan(query);
+    RowFilter filter;
+    std::vector<int> tested;
+    for (const auto& test : query.tests)
+        filter.add(addDistinct(tested, test.attribute), test.condition);
+    std::vector<std::int64_t> ids;
+    std::vector<std::int32_t> rows;
+    CachedReader reader(std::move(*columns), nullptr, nullptr);
+    for (ColumnBatch batch; reader.next(batch);) {
+        filter.select(batch, rows);
+        if (ids.size() + rows.size() > MAX_LOOKUPS)
+            return openFullScan(query);
+        for (const auto row : rows)
+            ids.push_back(batch.fids.number<std::int64_t>(row));
+    }
+    std::sort(ids.begin(), ids.end());
+    return makeCursor(query, startLookup(makeScan(query.requested), std::move(ids)), nullptr);
+}
+
+std::unique_ptr<dp::Cursor> LayerReader::openFullScan(const Query& query) {
+    auto filter = query.filter(query.needed.size());
+    const auto shared = filter.isEmpty() ? nullptr : std::make_shared<const RowFilter>(std::move(filter));
+    if (query.limit < 0)
+        return makeCursor(query, startCollectedScan(query.needed), shared);
+    auto scan = makeScan(query.needed);
+    scan.batchRows = std::clamp<std::int64_t>(query.limit, 1, BATCH_ROWS);
+    return makeCursor(query, startScan(std::move(scan)), shared);
+}
+
+std::optional<std::int64_t> LayerReader::featureCount() {
+    followFile();
+    if (const auto rows = BatchCache::instance().rowCount(*key_))
+        return rows;
+    if (!featureCount_) {
+        const GdalErrorScope errors;
+        const auto lease = pool_->acquire();
+        const OGRLayerH layer = findLayer(lease.dataset(), layerIndex_, layerName_);
+        if (layer)
+            OGR_L_SetAttributeFilter(layer, nullptr);
+        featureCount_ = layer ? OGR_L_GetFeatureCount(layer, FALSE) : -1;
+    }
+    return *featureCount_ < 0 ? std::nullopt : featureCount_;
+}
+
+BatchCache::TableKey LayerReader::revision() {
+    followFile();
+    return *key_;
+}
+
+bool LayerReader::usesTerm(int attribute, dp::Comparison comparison, dp::TextCollation collation) const {
+    using dp::Comparison;
+    switch (comparison) {
+    case Comparison::Like:
+    case Comparison::Glob: return false;
+    case Comparison::IsNull:
+    case Comparison::IsNotNull: return true;
+    default: break;
+    }
+    switch (valueClass(attribute)) {
+    case ValueClass::Integer:
+    case ValueClass::Real: return true;
+    case ValueClass::Text:
+        return collation == dp::TextCollation::Binary &&
+               (comparison == Comparison::Equal || comparison == Comparison::Is ||
+                comparison == Comparison::NotEqual || comparison == Comparison::IsNot ||
+                comparison == Comparison::In);
+    case ValueClass::Other: return comparison == Comparison::Is || comparison == Comparison::IsNot;
+    }
+    return false;
+}
+
+bool LayerReader::usesWindow() {
+    return schema_->schema->geometryIndex() >= 0 && !sqlTraits().spatialIndex.empty();
+}
+
+void LayerReader::invalidate() {
+    BatchCache::instance().drop(key_->exchange(BatchCache::newKey()));
+    pool_->discardHandles();
+    stamp_.refresh();
+    featureCount_.reset();
+    sqlTraits_.reset();
+    wholeWasTried_ = false;
+    driverFilters_ = 0;
+    lookups_ = 0;
+}
+
+void LayerReader::followFile() {
+    if (stamp_.hasChanged())
+        invalidate();
+}
+
+const SqlTraits& LayerReader::sqlTraits() {
+    if (!sqlTraits_) {
+        const auto scan = makeScan({});
+        sqlTraits_ = sqlTraitsOf(scan.lease.dataset(), scan.layer, *schema_);
+    }
+    return *sqlTraits_;
+}
+
+LayerScan LayerReader::makeScan(const std::vector<int>& attributes) {
+    LayerScan scan{pool_->acquire(), nullptr, schema_, {}, {}, BATCH_ROWS};
+    scan.layer = findLayer(scan.lease.dataset(), layerIndex_, layerName_);
+    if (!scan.layer || !hasFieldsOf(scan.layer, *schema_))
+        throw std::runtime_error(tr("Слой «%1» изменил своё строение, откройте файл заново")
+                                     .arg(QString::fromUtf8(layerName_))
+                                     .toStdString());
+    for (const int attribute : attributes)
+        scan.columns.push_back(&schema_->columns[static_cast<std::size_t>(attribute)]);
+    return scan;
+}
+
+ValueClass LayerReader::valueClass(int attribute) const {
+    switch (schema_->columns[static_cast<std::size_t>(attribute)].reading) {
+    case LayerColumn::Reading::Integer:
+    case LayerColumn::Reading::IntegerText: return ValueClass::Integer;
+    case LayerColumn::Reading::Real:
+    case LayerColumn::Reading::RealText: return ValueClass::Real;
+    case LayerColumn::Reading::Bytes:
+    case LayerColumn::Reading::Geometry: return ValueClass::Other;
+    default: return ValueClass::Text;
+    }
+}
+
+bool LayerReader::isNarrow(const std::vector<int>& attributes) const {
+    return std::all_of(attributes.begin(), attributes.end(), [this](int attribute) {
+        const auto kind = valueClass(attribute);
+        return kind == ValueClass::Integer || kind == ValueClass::Real;
+    });
+}
+
+std::unique_ptr<BatchReader> LayerReader::startCollectedScan(const std::vector<int>& attributes) {
+    const auto geometry = std::find(attributes.begin(), attributes.end(), schema_->schema->geometryIndex());
+    auto scan = std::make_shared<CachedScan>(
+        attributes, geometry == attributes.end() ? -1 : static_cast<int>(geometry - attributes.begin()));
+    return std::make_unique<ScanCollector>(startScan(makeScan(attributes)), *key_, key_, std::move(scan));
+}
+
+void LayerReader::load(const std::vector<int>& attributes) {
+    const auto reader = startCollectedScan(attributes);
+    const dp::Cancellation cancellation;
+    for (ColumnBatch batch; !cancellation.isRequested() && reader->next(batch);) {
+    }
+}
+
+void LayerReader::loadWholeOnce() {
+    if (wholeWasTried_)
+        return;
+    wholeWasTried_ = true;
+    if (stamp_.size() == 0 || stamp_.size() > SMALL_FILE)
+        return;
+    std::vector<int> all(schema_->columns.size());
+    std::iota(all.begin(), all.end(), 0);
+    try {
+        load(all);
+    } catch (const std::runtime_error&) {
+        // A column that cannot be read must not stand in the way of queries that do not need it.
+    }
+}
+
+} // namespace orvane::files

@@ -1,0 +1,79 @@
+#pragma once
+
+#include "host/providers/conditions/SqlFilter.h"
+#include "host/providers/datasets/DatasetPool.h"
+#include "host/providers/datasets/FileStamp.h"
+#include "host/providers/reading/BatchCache.h"
+#include "host/providers/reading/LayerScan.h"
+
+#include <QCoreApplication>
+
+#include <optional>
+
+namespace orvane::files {
+
+/// Chooses how the requests on one layer are answered: from the batches in memory, by a query of the driver,
+/// by identifiers, or by reading the layer from one end to the other. Used from one thread at a time; the
+/// cursors do not refer to it.
+class LayerReader {
+    Q_DECLARE_TR_FUNCTIONS(orvane::files::LayerReader)
+public:
+    LayerReader(std::shared_ptr<DatasetPool> pool, int layerIndex, QByteArray layerName, LayerSchema schema);
+    ~LayerReader();
+    LayerReader(const LayerReader&) = delete;
+    LayerReader& operator=(const LayerReader&) = delete;
+
+    const std::shared_ptr<const LayerSchema>& schema() const { return schema_; }
+
+    std::unique_ptr<dp::Cursor> openCursor(const dp::ScanRequest& request);
+    std::optional<std::int64_t> featureCount();
+    BatchCache::TableKey revision();
+    bool usesTerm(int attribute, dp::Comparison comparison, dp::TextCollation collation) const;
+    bool usesWindow();
+    /// Forgets everything that was read: the rows have changed.
+    void invalidate();
+
+private:
+    struct Query;
+
+    void followFile();
+    const SqlTraits& sqlTraits();
+    LayerScan makeScan(const std::vector<int>& attributes);
+    ValueClass valueClass(int attribute) const;
+    bool isNarrow(const std::vector<int>& attributes) const;
+
+    /// When no value is asked for and the driver knows the number of rows.
+    std::unique_ptr<dp::Cursor> openForCounting(const dp::ScanRequest& request);
+    std::unique_ptr<dp::Cursor> openById(const Query& query, std::vector<std::int64_t> ids);
+    std::unique_ptr<dp::Cursor> openFromCache(const Query& query);
+    std::unique_ptr<dp::Cursor> openByDriver(const Query& query);
+    /// Whether the columns of the conditions are in memory, or could be read into it whole.
+    bool loadTestedColumns(const Query& query);
+    /// Tests these columns and looks the rows that pass up; reads the layer when they are many.
+    std::unique_ptr<dp::Cursor> openByTestedColumns(const Query& query);
+    std::unique_ptr<dp::Cursor> openFullScan(const Query& query);
+    std::unique_ptr<dp::Cursor> makeCursor(const Query& query, std::unique_ptr<BatchReader> reader,
+                                           std::shared_ptr<const RowFilter> filter);
+
+    /// Counts look-ups of features; true when keeping their columns in memory has become cheaper.
+    bool lookupsCostMoreThanAScan(std::size_t count);
+    std::unique_ptr<BatchReader> startCollectedScan(const std::vector<int>& attributes);
+    /// Reads columns into the cache, as far as there is room; stops when the query is cancelled.
+    void load(const std::vector<int>& attributes);
+    void loadWholeOnce();
+
+    std::shared_ptr<DatasetPool> pool_;
+    const int layerIndex_;
+    const QByteArray layerName_;
+    std::shared_ptr<const LayerSchema> schema_;
+    FileStamp stamp_;
+    /// The state of the rows; 0 once the table is gone. Scans that end later are not kept.
+    std::shared_ptr<std::atomic<BatchCache::TableKey>> key_;
+    std::optional<SqlTraits> sqlTraits_;
+    std::optional<std::int64_t> featureCount_; ///< -1 when the driver does not know
+    bool wholeWasTried_ = false;
+    int driverFilters_ = 0; ///< scans that the driver filtered without an index
+    std::int64_t lookups_ = 0;
+};
+
+} // namespace orvane::files

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "host/providers/columns/ColumnBatch.h"
+#include "host/providers/datasets/DatasetPool.h"
+#include "host/providers/datasets/LayerSchema.h"
+
+#include <string>
+
+namespace orvane::files {
+
+/// What one pass over a layer reads, with the handle it reads from.
+struct LayerScan {
+    DatasetPool::Lease lease;
+    OGRLayerH layer = nullptr;
+    std::shared_ptr<const LayerSchema> schema;
+    std::vector<const LayerColumn*> columns; ///< of the schema, those that are read
+    std::string filter;                      ///< condition in the driver's SQL, empty for all rows
+    std::int64_t batchRows = BATCH_ROWS;
+};
+
+/// The layer of a handle; null when the file has no such layer any more.
+OGRLayerH findLayer(GDALDatasetH dataset, int index, const QByteArray& name);
+/// Whether the layer still has the fields that the schema was made of.
+bool hasFieldsOf(OGRLayerH layer, const LayerSchema& schema);
+
+/// The reader that suits the driver and the columns: an Arrow stream where it is fast and exact, else
+/// features. Only the columns asked for are read from the file. Throws std::runtime_error when the driver
+/// refuses.
+std::unique_ptr<BatchReader> startScan(LayerScan scan);
+
+/// A reader of the features with these identifiers, in that order; those that do not exist are left out.
+std::unique_ptr<BatchReader> startLookup(LayerScan scan, std::vector<std::int64_t> ids);
+
+} // namespace orvane::files

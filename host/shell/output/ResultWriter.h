@@ -1,0 +1,48 @@
+#pragma once
+
+#include "host/shell/output/Output.h"
+#include "host/shell/output/ResultRow.h"
+#include "host/shell/session/Options.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace orvane::shell {
+
+/// Writes the result of one statement in one format. The calls come in the order begin, row for each row,
+/// end.
+class ResultWriter {
+public:
+    virtual ~ResultWriter() = default;
+    ResultWriter(const ResultWriter&) = delete;
+    ResultWriter& operator=(const ResultWriter&) = delete;
+
+    /// Whether `begin` looks at the columns' titles, which take some time to find.
+    virtual bool showsTitles() const { return true; }
+    virtual void begin(const std::vector<std::string>& columns) = 0;
+    virtual void row(const ResultRow& row) = 0;
+    virtual void end() = 0;
+
+protected:
+    explicit ResultWriter(Output& output) : output_(output) {}
+
+    Output& output_;
+};
+
+/// How a format shows what it leaves open.
+struct WriterSettings {
+    Format format = Format::Table;
+    bool header = true;
+    std::optional<std::string> nullText; ///< default: NULL in table, nothing in csv
+    int terminalWidth = 0;               ///< columns that a line of a table may take, 0 for any number
+};
+
+/// The output is not owned.
+std::unique_ptr<ResultWriter> makeResultWriter(const WriterSettings& settings, Output& output);
+
+/// The value as table and csv show it: numbers as NumberText says, geometries as WKT, other bytes as X'0A1B';
+/// nothing for NULL.
+void appendPlain(std::string& text, const ResultValue& value);
+
+} // namespace orvane::shell

@@ -1,0 +1,253 @@
+#include "host/shell/session/Options.h"
+
+#include "host/adaptor/functions/FunctionReference.h"
+#include "host/adaptor/functions/FunctionRegistry.h"
+#include "host/providers/results/ResultFile.h"
+#include "host/shell/messages/NearestName.h"
+#include "host/shell/session/Shell.h"
+
+#include <CLI/CLI.hpp>
+
+#include <QLocale>
+
+#include <charconv>
+#include <iostream>
+#include <map>
+#include <string_view>
+
+namespace orvane::shell {
+
+namespace {
+
+/// What CLI11 fills in, before the texts are taken apart.
+struct RawOptions {
+    std::vector<std::string> files, tables, commands, scripts;
+    std::string format = "table", memo = "off", log = "warning", locale, output, null, selection, function,
+                indexDirectory;
+    bool overwrite = false, noHeader = false, translate = false, sqlite = false, timing = false,
+         explain = false, noIndices = false;
+};
+
+const std::map<std::string, Format> formats{
+    {"table", Format::Table}, {"csv", Format::Csv}, {"json", Format::Json}, {"geojson", Format::GeoJson}};
+const std::map<std::string, engine::EngineCache::GaiaCache> memoModes{
+    {"off", engine::EngineCache::NoMemo},
+    {"always", engine::EngineCache::AlwaysMemo},
+    {"request", engine::EngineCache::MemoOnRequest}};
+const std::map<std::string, LogLevel> logLevels{{"trace", LogLevel::Trace},
+                                                {"debug", LogLevel::Debug},
+                                                {"info", LogLevel::Info},
+                                                {"warning", LogLevel::Warning}};
+
+std::string text(const QString& translated) {
+    return translated.toStdString();
+}
+
+template<typename Value>
+Value oneOf(const std::map<std::string, Value>& values, const std::string& word, const char* option) {
+    if (const auto found = values.find(word); found != values.end())
+        return found->second;
+    QStringList known;
+    for (const auto& [name, value] : values)
+        known += QString::fromStdString(name);
+    throw UsageError(Shell::tr("%0: значения «%1» нет, возможны %2")
+                         .arg(QString::fromLatin1(option), QString::fromStdString(word),
+                              known.join(QStringLiteral(", "))));
+}
+
+bool isQuery(const std::string& argument) {
+    const QString word = QString::fromStdString(argument).simplified().section(QLatin1Char(' '), 0, 0);
+    return word.compare(QLatin1String("select"), Qt::CaseInsensitive) == 0 ||
+           word.compare(QLatin1String("with"), Qt::CaseInsensitive) == 0;
+}
+
+/// TABLE=ID,ID,... or a query; the name may hold equals signs of its own.
+SelectionSource parseSelection(const std::string& argument) {
+    if (isQuery(argument))
+        return {{}, {}, argument};
+    const std::size_t equals = argument.rfind('=');
+    const auto fail = [&argument] {
+        throw UsageError(Shell::tr("--select: ожидается ТАБЛИЦА=НОМЕР,НОМЕР,... или Select, а не «%0»")
+                             .arg(QString::fromStdString(argument)));
+    };
+    if (equals == std::string::npos || equals == 0)
+        fail();
+    SelectionSource selection{QString::fromStdString(argument.substr(0, equals)), {}, {}};
+    const char* const end = argument.data() + argument.size();
+    for (const char* position = argument.data() + equals + 1;; ++position) {
+        qint64 id = 0;
+        const auto [next, error] = std::from_chars(position, end, id);
+        if (error != std::errc() || (next != end && *next != ','))
+            fail();
+        selection.ids.push_back(id);
+        position = next;
+        if (position == end)
+            return selection;
+    }
+}
+
+/// Statements from -c and -f in the order in which the user gave them.
+std::vector<StatementSource> inOrder(const CLI::App& app, const CLI::Option* command,
+                                     const CLI::Option* script, const RawOptions& raw) {
+    std::vector<StatementSource> statements;
+    std::size_t commands = 0;
+    std::size_t scripts = 0;
+    for (const CLI::Option* option : app.parse_order()) {
+        if (option == command)
+            statements.push_back({StatementSource::Command, raw.commands.at(commands++)});
+        else if (option == script)
+            statements.push_back({StatementSource::Script, raw.scripts.at(scripts++)});
+    }
+    return statements;
+}
+
+/// The reason in the user's language; CLI11 has English texts only.
+UsageError usageError(const CLI::ParseError& error) {
+    const QString details = QString::fromStdString(error.what());
+    const QString hint = Shell::tr("справка: orvane --help");
+    if (dynamic_cast<const CLI::ExtrasError*>(&error))
+        return UsageError(
+            Shell::tr("неизвестные параметры: %0; %1").arg(details.section(QStringLiteral(": "), 1), hint));
+    if (dynamic_cast<const CLI::ArgumentMismatch*>(&error))
+        return UsageError(Shell::tr("параметру %0 нужно одно значение; %1")
+                              .arg(details.section(QLatin1Char(':'), 0, 0), hint));
+    return UsageError(QStringLiteral("%0; %1").arg(details, hint));
+}
+
+/// What --help-function prints. Throws UsageError for a function that has no description.
+std::string describeFunction(const std::string& name) {
+    if (std::string help = adaptor::functionHelp(name); !help.empty())
+        return help;
+    QStringList known;
+    for (const adaptor::FunctionRecord& record : adaptor::allFunctionRecords())
+        known += QString::fromUtf8(record.name);
+    const QString asked = QString::fromStdString(name);
+    const QString nearest = nearestName(asked, known);
+    throw UsageError(nearest.isEmpty()
+                         ? Shell::tr("нет описания функции «%0»").arg(asked)
+                         : Shell::tr("нет описания функции «%0»; возможно, «%1»").arg(asked, nearest));
+}
+
+} // namespace
+
+QString localeOption(int argc, const char* const* argv) {
+    for (int i = 1; i < argc; ++i) {
+        const std::string_view argument = argv[i];
+        if (argument == "--locale" && i + 1 < argc)
+            return QString::fromUtf8(argv[i + 1]);
+        if (argument.substr(0, 9) == "--locale=")
+            return QString::fromUtf8(argv[i] + 9);
+    }
+    return {};
+}
+
+TableSource parseTable(const std::string& argument) {
+    const QString whole = QString::fromStdString(argument);
+    const int equals = whole.indexOf(QLatin1Char('='));
+    const int bar = whole.lastIndexOf(QLatin1Char('|'));
+    TableSource source;
+    source.name = whole.left(equals);
+    source.path = whole.mid(equals + 1, bar > equals ? bar - equals - 1 : -1);
+    source.layer = bar > equals ? whole.mid(bar + 1) : QString();
+    if (equals < 1 || source.path.isEmpty())
+        throw UsageError(Shell::tr("--table: ожидается ИМЯ=ФАЙЛ или ИМЯ=ФАЙЛ|СЛОЙ, а не «%0»").arg(whole));
+    return source;
+}
+
+std::optional<Options> parseOptions(int argc, const char* const* argv) {
+    RawOptions raw;
+    CLI::App app(text(Shell::tr(
+                     "Запросы SQL к таблицам и слоям из файлов любых форматов.\n"
+                     "Код завершения: 0 выполнено, 1 ошибка в запросе (остальные не выполняются), 2 неверный "
+                     "вызов или файл не открывается, 130 прервано.")),
+                 "orvane");
+    const auto list = [&app](const char* names, std::vector<std::string>& values, const QString& help,
+                             const char* valueName) {
+        return app.add_option(names, values, text(help))->type_name(valueName)->allow_extra_args(false);
+    };
+    const auto value = [&app](const char* names, std::string& word, const QString& help,
+                              const char* valueName) {
+        return app.add_option(names, word, text(help))
+            ->type_name(valueName)
+            ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+    };
+    app.add_option("FILE", raw.files, text(Shell::tr("открыть каждый слой файла под его именем")))
+        ->type_name("");
+    list("-t,--table", raw.tables, Shell::tr("открыть один слой под именем NAME"), "NAME=FILE[|LAYER]");
+    const auto* command = list("-c,--command", raw.commands, Shell::tr("выполнить запрос"), "TEXT");
+    const auto* script = list("-f,--script", raw.scripts, Shell::tr("выполнить запросы из файла"), "FILE");
+    const auto* format = value("-F,--format", raw.format, Shell::tr("вид ответа"), "table|csv|json|geojson");
+    const auto* output =
+        value("-o,--output", raw.output,
+              Shell::tr("записать ответ в файл, который появится, когда выполнены все запросы; «-» значит "
+                        "стандартный вывод. Без --format окончания %0 дают файл данных с типами и "
+                        "системой координат")
+                  .arg(files::ResultFile::endings().join(QStringLiteral(", "))),
+              "FILE");
+    app.add_flag("--overwrite", raw.overwrite,
+                 text(Shell::tr("заменять файлы данных, которые уже есть, в --output и Into")));
+    app.add_flag("--no-header", raw.noHeader, text(Shell::tr("без строки заголовков")));
+    const auto* null = value("--null", raw.null, Shell::tr("чем обозначить NULL в table и csv"), "TEXT");
+    app.add_flag("--translate", raw.translate,
+                 text(Shell::tr("показать текст для SQLite, а не выполнять его")));
+    app.add_flag("--sqlite", raw.sqlite, text(Shell::tr("запросы уже написаны для SQLite")));
+    const auto* selection = value("--select", raw.selection,
+                                  Shell::tr("текущая выборка: строки таблицы или то, что находит запрос"),
+                                  "TABLE=ID,ID,...|SELECT");
+    value("--locale", raw.locale, Shell::tr("язык сообщений и порядок сравнения текстов"), "NAME");
+    value("--memo", raw.memo, Shell::tr("запоминать ли разобранные геометрии"), "off|always|request");
+    value("--log", raw.log, Shell::tr("с какого уровня показывать журнал"), "trace|debug|info|warning");
+    app.add_flag("--timing", raw.timing, text(Shell::tr("время каждого запроса в стандартный вывод ошибок")));
+    app.add_flag("--explain", raw.explain,
+                 text(Shell::tr("чем получен ответ каждого запроса, в стандартный вывод ошибок")));
+    app.add_flag("--no-indices", raw.noIndices, text(Shell::tr("не делать индексов по столбцам")));
+    value("--index-directory", raw.indexDirectory, Shell::tr("где хранить индексы, пока работает программа"),
+          "DIRECTORY");
+    const auto* function = value("--help-function", raw.function, Shell::tr("описание функции"), "NAME");
+    app.set_version_flag("--version", "orvane " ORVANE_VERSION, text(Shell::tr("показать версию")));
+    app.set_help_flag("-h,--help", text(Shell::tr("показать эту справку")));
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success& request) {
+        app.exit(request, std::cout, std::cerr);
+        return std::nullopt;
+    } catch (const CLI::ParseError& error) {
+        throw usageError(error);
+    }
+
+    if (function->count() != 0) {
+        std::cout << describeFunction(raw.function);
+        return std::nullopt;
+    }
+
+    Options options;
+    for (const auto& file : raw.files)
+        options.files.push_back(QString::fromStdString(file));
+    for (const auto& table : raw.tables)
+        options.tables.push_back(parseTable(table));
+    options.statements = inOrder(app, command, script, raw);
+    if (selection->count() != 0)
+        options.selection = parseSelection(raw.selection);
+    options.format = oneOf(formats, raw.format, "--format");
+    if (output->count() != 0 && raw.output != "-") // standard output, as everywhere
+        options.outputPath = raw.output;
+    options.overwrite = raw.overwrite;
+    options.outputIsData = options.outputPath && format->count() == 0 && !raw.translate &&
+                           files::ResultFile::isKnown(QString::fromStdString(raw.output)) &&
+                           !raw.output.starts_with("/dev/");
+    if (null->count() != 0)
+        options.nullText = raw.null;
+    options.header = !raw.noHeader;
+    options.translateOnly = raw.translate;
+    options.sqlite = raw.sqlite;
+    options.timing = raw.timing;
+    options.explain = raw.explain;
+    options.noIndices = raw.noIndices;
+    options.indexDirectory = QString::fromStdString(raw.indexDirectory);
+    options.memo = oneOf(memoModes, raw.memo, "--memo");
+    options.logLevel = oneOf(logLevels, raw.log, "--log");
+    return options;
+}
+
+} // namespace orvane::shell

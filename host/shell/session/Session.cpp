@@ -1,0 +1,162 @@
+#include "host/shell/session/Session.h"
+
+#include "host/adaptor/Adaptor.h"
+#include "host/adaptor/QuerySelection.h"
+#include "host/providers/FileSource.h"
+#include "host/providers/FilesExtension.h"
+#include "host/providers/results/ResultFile.h"
+#include "host/shell/messages/NearestName.h"
+#include "host/shell/messages/SqliteErrors.h"
+#include "host/shell/session/Shell.h"
+#include "platform/di/ServiceLocator.h"
+
+#include <orvane/Engine.h>
+
+#include <QFileInfo>
+#include <QSqlDriver>
+
+namespace orvane::shell {
+
+namespace {
+
+/// What went wrong, from the outermost account to the cause.
+QString reason(const std::exception& failure) {
+    QString text = QString::fromUtf8(failure.what());
+    try {
+        std::rethrow_if_nested(failure);
+    } catch (const std::exception& cause) {
+        text += QStringLiteral(": ") + reason(cause);
+    } catch (...) {
+    }
+    return text;
+}
+
+std::vector<std::shared_ptr<files::LayerTable>> openLayers(const QString& source) {
+    try {
+        return files::openFile(source);
+    } catch (const std::exception& failure) {
+        throw UsageError(reason(failure));
+    }
+}
+
+} // namespace
+
+Session::Session() {
+    serviceLocator().exchange(settings_);
+    core_.registerService(&catalog_);
+    engine_ = Engine::load(&core_);
+    engine_->loadTableAdapterModule(&core_, adaptor::initialise);
+    database_ = *static_cast<sqlite3* const*>(engine_->engineDatabase().driver()->handle().constData());
+    files_ = std::make_unique<files::FilesExtension>(nullptr);
+    core_.pluginManager()->registerExtension(files_.get());
+    files_->linkDataCatalog();
+}
+
+Session::~Session() {
+    serviceLocator().exchange<TypedSettings>(nullptr);
+}
+
+void Session::open(const Options& options) {
+    apply(options);
+    for (const QString& path : options.files)
+        openFile(path);
+    for (const TableSource& table : options.tables)
+        openTable(table);
+    if (options.selection)
+        select(*options.selection);
+}
+
+void Session::apply(const Options& options) {
+    if (!options.indexDirectory.isEmpty() && !QFileInfo(options.indexDirectory).isDir())
+        throw UsageError(Shell::tr("--index-directory: нет папки «%0»").arg(options.indexDirectory));
+    settings_->setValue(DefaultSettingsList::IndexDirectory, options.indexDirectory);
+    settings_->setValue(DefaultSettingsList::NoAttributeIndices, options.noIndices);
+    engine_->cache()->setUseGaiaCache(options.memo);
+}
+
+void Session::openFile(const QString& path) {
+    const auto tables = openLayers(path);
+    files::addToCatalog(catalog_, tables);
+    makeVirtualTables();
+}
+
+void Session::openTable(const TableSource& source) {
+    const QString whole =
+        source.layer.isEmpty() ? source.path : source.path + QLatin1Char('|') + source.layer;
+    const auto tables = openLayers(whole);
+    if (tables.size() != 1) {
+        QStringList layers;
+        for (const auto& table : tables)
+            layers += table->name();
+        throw UsageError(
+            Shell::tr("%0: выберите один из слоёв: %1").arg(source.path, layers.join(QStringLiteral(", "))));
+    }
+    tables.front()->setName(source.name);
+    if (!catalog_.add(tables.front()))
+        throw UsageError(Shell::tr("имя таблицы «%0» уже занято").arg(source.name));
+    makeVirtualTables();
+}
+
+void Session::select(const SelectionSource& source) {
+    if (!source.query.empty())
+        return select(source.query);
+    const auto object = catalog_.dataObject(source.table);
+    if (!object) {
+        QStringList known;
+        for (const auto& other : catalog_.dataObjects())
+            known += other->name();
+        const QString nearest = nearestName(source.table, known);
+        throw UsageError(nearest.isEmpty()
+                             ? Shell::tr("--select: нет таблицы «%0»").arg(source.table)
+                             : Shell::tr("--select: нет таблицы «%0»; возможно, имелось в виду «%1»")
+                                   .arg(source.table, nearest));
+    }
+    std::vector<dp::FeatureId> ids;
+    for (const qint64 id : source.ids)
+        ids.emplace_back(QVariant(id));
+    catalog_.setSelection({object, std::move(ids)});
+}
+
+void Session::select(const std::string& query) {
+    try {
+        catalog_.setSelection(adaptor::selectionOf(query, *engine_, catalog_));
+    } catch (const adaptor::SelectionError& error) {
+        const sql::TokenizedText text = sql::tokenize(query);
+        const Names known = names();
+        const SqliteErrors errors(text, std::string(), -1, known);
+        const Problem problem = errors.explain(QString::fromUtf8(error.what()));
+        throw UsageError(QStringLiteral("--select: %0").arg(problem.message));
+    }
+}
+
+void Session::addResult(const QString& name, files::ResultRows& rows) {
+    if (dp::DataObject::makeValidObjectName(name) != name ||
+        name.compare(dp::DataCatalogWithSelection::selectionTableName(), Qt::CaseInsensitive) == 0)
+        throw std::runtime_error(Shell::tr("таблица не может называться «%0»").arg(name).toStdString());
+    files::addResultTable(catalog_, name, rows);
+    try {
+        makeVirtualTables();
+    } catch (...) {
+        catalog_.close(name);
+        throw;
+    }
+}
+
+bool Session::closeTable(const QString& name) {
+    const auto object = catalog_.dataObject(name);
+    if (!object || !catalog_.close(object->name()))
+        return false;
+    QCoreApplication::sendPostedEvents();
+    return true;
+}
+
+/// The catalogue announces new tables by queued signals; a failure to make one is thrown from their delivery.
+void Session::makeVirtualTables() {
+    try {
+        QCoreApplication::sendPostedEvents();
+    } catch (const std::exception& failure) {
+        throw UsageError(reason(failure));
+    }
+}
+
+} // namespace orvane::shell

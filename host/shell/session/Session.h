@@ -1,0 +1,64 @@
+#pragma once
+
+#include "host/shell/session/Names.h"
+#include "host/shell/session/Options.h"
+
+#include "platform/core/Core.h"
+#include "platform/core/TypedSettings.h"
+#include "platform/dp/DataCatalogWithSelection.h"
+
+#include <memory>
+
+namespace orvane {
+class Engine;
+}
+namespace orvane::files {
+class FilesExtension;
+class ResultRows;
+} // namespace orvane::files
+
+namespace orvane::shell {
+
+/// The engine with the tables of the user's files. Used from the main thread.
+class Session {
+public:
+    /// Sets up an engine without tables. Throws std::runtime_error when that fails.
+    Session();
+    ~Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    /// Opens what the command line names and sets the selection. Throws UsageError for a file that does not
+    /// open, a name that is taken, and a selection in no table.
+    void open(const Options& options);
+    /// Opens every layer of a file under its name. Throws UsageError.
+    void openFile(const QString& path);
+    /// Opens one layer under a name. Throws UsageError.
+    void openTable(const TableSource& source);
+    void select(const SelectionSource& source);
+    /// Selects what a query finds. Throws UsageError.
+    void select(const std::string& query);
+    /// Makes a result an open table. Throws std::runtime_error: name taken, no room.
+    void addResult(const QString& name, files::ResultRows& rows);
+    /// False when there is no such table.
+    bool closeTable(const QString& name);
+
+    Engine& engine() const { return *engine_; }
+    sqlite3* database() const { return database_; }
+    dp::DataCatalogWithSelection& catalog() { return catalog_; }
+    Names names() const { return {database_, catalog_}; }
+
+private:
+    void apply(const Options& options);
+    void makeVirtualTables();
+
+    dp::DataCatalogWithSelection catalog_; ///< outlives the engine, whose tables look into it
+    std::shared_ptr<TypedSettings> settings_ =
+        std::make_shared<TypedSettings>(); ///< a service of the process
+    Core core_;
+    Engine* engine_ = nullptr; ///< a child of the core
+    sqlite3* database_ = nullptr;
+    std::unique_ptr<files::FilesExtension> files_;
+};
+
+} // namespace orvane::shell

@@ -1,0 +1,300 @@
+#include "host/shell/statements/StatementRunner.h"
+
+#include "host/adaptor/explaining/StatementExplanation.h"
+#include "host/shell/messages/SqliteErrors.h"
+#include "host/shell/output/DataWriter.h"
+#include "host/shell/output/Progress.h"
+#include "host/shell/session/Interrupt.h"
+#include "host/shell/session/Shell.h"
+#include "host/shell/statements/ColumnTitles.h"
+
+#include "platform/sql/lexing/Script.h"
+#include "platform/sql/lexing/SqlStrings.h"
+#include "platform/sql/parsing/SqlParser.h"
+#include <orvane/Engine.h>
+#include <orvane/engine/SqliteStringBuilder.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <utility>
+
+namespace orvane::shell {
+
+namespace {
+
+struct StatementFinalizer {
+    void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
+};
+using PreparedStatement = std::unique_ptr<sqlite3_stmt, StatementFinalizer>;
+
+double millisecondsSince(std::chrono::steady_clock::time_point start) {
+    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+}
+
+Problem problemOf(const sql::SqlError& error) {
+    Problem problem{QString::fromUtf8(error.what()), std::nullopt};
+    if (const auto& place = error.place()) {
+        problem.place = {place->line, place->column, std::max(1, static_cast<int>(place->word.size()))};
+        // The parser's message begins with the place in the statement; the one in the whole text is shown
+        // instead.
+        const QString prefix =
+            QCoreApplication::translate("orvane::sql", "строка %0, столбец %1: %2")
+                .arg(QString::number(place->line), QString::number(place->column), QString());
+        if (problem.message.startsWith(prefix))
+            problem.message.remove(0, prefix.size());
+    }
+    return problem;
+}
+
+void printNotes(const QStringList& notes) {
+    for (const QString& note : notes)
+        std::fprintf(stderr, "orvane: %s\n", note.toUtf8().constData());
+}
+
+/// Where the name after Into stands.
+std::optional<TextPlace> placeOfInto(const std::string& statement) {
+    const sql::TokenizedText text = sql::tokenize(statement);
+    for (std::size_t i = 0; i + 1 < text.tokens.size(); ++i) {
+        if (text.tokens[i].keyword != sql::Keyword::Into)
+            continue;
+        const sql::Token& name = text.tokens[i + 1];
+        const sql::TextPosition position = text.position(name.offset);
+        return TextPlace{position.line, position.column, static_cast<int>(name.length)};
+    }
+    return std::nullopt;
+}
+
+/// Where a word of the statement stands, letter case ignored.
+std::optional<TextPlace> placeOfWord(const std::string& statement, const QString& word) {
+    const sql::TokenizedText text = sql::tokenize(statement);
+    for (const sql::Token& token : text.tokens) {
+        if (sql::fromSqlString(text.value(token)).compare(word, Qt::CaseInsensitive) == 0) {
+            const sql::TextPosition position = text.position(token.offset);
+            return TextPlace{position.line, position.column, static_cast<int>(token.length)};
+        }
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+StatementRunner::StatementRunner(Session& session, Settings settings, Output& output,
+                                 const Interrupt& interrupt)
+    : session_(session), settings_(std::move(settings)), output_(output), interrupt_(interrupt) {}
+
+Outcome StatementRunner::run(const StatementText& text) {
+    if (settings_.sqlite) {
+        Statement statement{text, std::string(text.text), {}};
+        return runSqlite(statement, statement.text);
+    }
+    for (const sql::ScriptStatement& part : sql::splitScript(text.text)) {
+        Statement statement{text, part.text, {part.line, part.column, 1}};
+        if (const Outcome outcome = runDialect(statement); outcome != Outcome::Done)
+            return outcome;
+    }
+    return Outcome::Done;
+}
+
+Outcome StatementRunner::runDialect(Statement& statement) {
+    const std::string sqliteText = translate(statement);
+    statement.times.translateMs = millisecondsSince(statement.times.begin);
+    if (sqliteText.empty())
+        return Outcome::Failed;
+    if (!settings_.translateOnly)
+        return runSqlite(statement, sqliteText);
+    output_.text() += sqliteText;
+    output_.text() += '\n';
+    return finish(statement);
+}
+
+std::string StatementRunner::translate(Statement& statement) {
+    engine::SqliteStringBuilder builder(QString(), nullptr);
+    builder.setSelection(session_.catalog().selection(), session_.engine().cache());
+    session_.engine().tryToTranslate(statement.text, builder, Engine::ParseAsIs);
+    if (!builder.errors().empty()) {
+        sql::SqlParser parser(nullptr);
+        if (!parser.parse(statement.text)) { // which tells the place
+            fail(statement, parser.errors().empty() ? Problem() : problemOf(*parser.errors().front()));
+            return {};
+        }
+        const sql::SqlError& error = *builder.errors().front();
+        Problem problem = problemOf(error);
+        if (dynamic_cast<const sql::SelectionTableIsAbsent*>(&error)) {
+            const QString name = dp::DataCatalogWithSelection::selectionTableName();
+            problem = {Shell::tr("выборка пуста: её задаёт параметр --select"),
+                       placeOfWord(statement.text, name)};
+        }
+        fail(statement, std::move(problem));
+        return {};
+    }
+    if (!readInto(statement, builder))
+        return {};
+    const std::string text = sql::toUtf8(builder.query());
+    // An expression by itself is a question for its value.
+    statement.isExpression = builder.isExpression();
+    return statement.isExpression ? "Select " + text : text;
+}
+
+bool StatementRunner::readInto(Statement& statement, const engine::SqliteStringBuilder& builder) {
+    const bool isFile = !builder.intoFile().empty();
+    const std::wstring& name = isFile ? builder.intoFile() : builder.intoTable();
+    if (name.empty())
+        return true;
+    IntoTarget into{sql::fromSqlString(name), isFile, placeOfInto(statement.text)};
+    if (!isFile && session_.names().tables().contains(into.name, Qt::CaseInsensitive)) {
+        fail(statement, {Shell::tr("таблица «%1» уже есть").arg(into.name), into.place});
+        return false;
+    }
+    statement.into = std::move(into);
+    return true;
+}
+
+std::unique_ptr<ResultWriter> StatementRunner::makeWriter(const Statement& statement,
+                                                          sqlite3_stmt* prepared) {
+    DataWriter::Target target;
+    if (statement.into && statement.into->isFile) {
+        const auto file = std::make_shared<files::ResultFile>(statement.into->name, settings_.overwrite);
+        target = [file](files::ResultRows& rows) {
+            const QStringList notes = file->write(rows);
+            file->publish();
+            printNotes(notes);
+        };
+    } else if (statement.into) {
+        target = [this, name = statement.into->name](files::ResultRows& rows) {
+            session_.addResult(name, rows);
+        };
+    } else if (settings_.dataFile) {
+        if (std::exchange(dataFileIsTaken_, true))
+            throw DataError(Shell::tr("в файл данных записывается только один ответ").toStdString());
+        target = [this](files::ResultRows& rows) { printNotes(settings_.dataFile->write(rows)); };
+    } else {
+        return makeResultWriter(settings_.writer, output_);
+    }
+    return std::make_unique<DataWriter>(prepared, session_, std::move(target), output_);
+}
+
+Outcome StatementRunner::runSqlite(Statement& statement, const std::string& sqliteText) {
+    const char* const begin = sqliteText.data();
+    const char* const end = begin + sqliteText.size();
+    for (const char* rest = begin; rest != end;) {
+        const auto offset = static_cast<std::size_t>(rest - begin);
+        std::optional<adaptor::StatementExplanation> explanation;
+        if (settings_.explain)
+            explanation.emplace(session_.database(),
+                                std::string_view(rest, static_cast<std::size_t>(end - rest)));
+        const auto prepareBegin = Clock::now();
+        sqlite3_stmt* handle = nullptr;
+        const int code =
+            sqlite3_prepare_v2(session_.database(), rest, static_cast<int>(end - rest), &handle, &rest);
+        const PreparedStatement prepared(handle);
+        statement.times.prepareMs += millisecondsSince(prepareBegin);
+        if (code != SQLITE_OK)
+            return failSqlite(statement, sqliteText, offset);
+        if (!prepared)
+            continue; // a comment or nothing
+        if (const Outcome outcome = execute(statement, prepared.get()); outcome == Outcome::Failed)
+            return statement.problem ? fail(statement, *statement.problem)
+                                     : failSqlite(statement, sqliteText, offset);
+        else if (outcome == Outcome::Cancelled)
+            return cancel();
+        if (explanation)
+            statement.explanation += explanation->lines();
+        if (settings_.sqlite) {
+            finish(statement);
+            statement.times = Times();
+            statement.explanation.clear();
+        }
+    }
+    return settings_.sqlite ? Outcome::Done : finish(statement);
+}
+
+std::vector<std::string> StatementRunner::titles(const Statement& statement, sqlite3_stmt* prepared) const {
+    if (settings_.sqlite)
+        return columnTitles(prepared, nullptr, false);
+    const sql::TokenizedText userText = sql::tokenize(statement.text);
+    return columnTitles(prepared, &userText, statement.isExpression);
+}
+
+Outcome StatementRunner::execute(Statement& statement, sqlite3_stmt* prepared) {
+    int code = SQLITE_DONE;
+    try {
+        std::unique_ptr<ResultWriter> writer;
+        if (sqlite3_column_count(prepared) != 0) {
+            writer = makeWriter(statement, prepared);
+            writer->begin(writer->showsTitles() ? titles(statement, prepared) : std::vector<std::string>());
+        }
+        code = writeRows(statement, prepared, writer.get());
+        if (writer && code == SQLITE_DONE && !interrupt_.requested())
+            writer->end();
+    } catch (const OutputError&) {
+        throw; // no statement is at fault
+    } catch (const std::runtime_error& error) {
+        statement.problem = {QString::fromUtf8(error.what()),
+                             statement.into ? statement.into->place : std::nullopt};
+    }
+    if (code == SQLITE_INTERRUPT || interrupt_.requested())
+        return Outcome::Cancelled;
+    return code == SQLITE_DONE && !statement.problem ? Outcome::Done : Outcome::Failed;
+}
+
+int StatementRunner::writeRows(Statement& statement, sqlite3_stmt* prepared, ResultWriter* writer) {
+    Progress progress;
+    const ResultRow row(prepared, session_.engine().cache());
+    int code = SQLITE_DONE;
+    while (!interrupt_.requested() && (code = sqlite3_step(prepared)) == SQLITE_ROW) {
+        if (statement.times.rows++ == 0) {
+            statement.times.firstRowMs = millisecondsSince(statement.times.begin);
+            if (output_.isLive())
+                progress.stop(); // rows show that it goes on
+        }
+        progress.setRows(statement.times.rows);
+        writer->row(row);
+    }
+    return code;
+}
+
+Outcome StatementRunner::finish(Statement& statement) {
+    output_.commit();
+    const Times& times = statement.times;
+    const double totalMs = millisecondsSince(times.begin);
+    for (const QString& line : statement.explanation)
+        std::fprintf(stderr, "%s\n", line.toUtf8().constData());
+    if (settings_.timing) {
+        std::fprintf(stderr, "translate_ms=%.3f prepare_ms=%.3f first_row_ms=%.3f total_ms=%.3f rows=%lld\n",
+                     times.translateMs, times.prepareMs, times.rows != 0 ? times.firstRowMs : totalMs,
+                     totalMs, static_cast<long long>(times.rows));
+    }
+    return Outcome::Done;
+}
+
+Outcome StatementRunner::failSqlite(const Statement& statement, const std::string& sqliteText,
+                                    std::size_t offset) {
+    const QString message = QString::fromUtf8(sqlite3_errmsg(session_.database()));
+    const int errorOffset = sqlite3_error_offset(session_.database());
+    if (sqlite3_errcode(session_.database()) == SQLITE_INTERRUPT)
+        return cancel();
+    const sql::TokenizedText userText = sql::tokenize(statement.text);
+    const Names names = session_.names();
+    const SqliteErrors errors(userText, sqliteText,
+                              errorOffset < 0 ? -1 : static_cast<int>(offset) + errorOffset, names);
+    return fail(statement, errors.explain(message));
+}
+
+Outcome StatementRunner::fail(const Statement& statement, Problem problem) {
+    output_.discard();
+    if (problem.place)
+        problem.place = placeInText(*problem.place, statement.start);
+    const std::string message = describe(problem, statement.source);
+    std::fwrite(message.data(), 1, message.size(), stderr);
+    return Outcome::Failed;
+}
+
+Outcome StatementRunner::cancel() {
+    output_.discard();
+    std::fprintf(stderr, "orvane: %s\n", Shell::tr("прервано").toUtf8().constData());
+    return Outcome::Cancelled;
+}
+
+} // namespace orvane::shell

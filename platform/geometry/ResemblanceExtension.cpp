@@ -1,9 +1,0 @@
-#include "platform/geometry/ResemblanceExtension.h"
-
-namespace orvane::geometry {
-
-ResemblanceExtension::ResemblanceExtension(QObject* parent) : QObject(parent) {}
-ResemblanceExtension::~ResemblanceExtension() = default;
-void ResemblanceExtension::adjustSetup(Setup&) {}
-
-} // namespace orvane::geometry

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "platform/Export.h"
+#include "platform/geometry/shapes/Geometry.h"
+
+#include <QByteArray>
+#include <QSysInfo>
+
+#include <string_view>
+
+namespace orvane::geometry {
+
+/// Geometries from and to well-known binary (ISO 13249-3: z, m and curves by codes of 1000, 2000 and 3000).
+class ORVANE_PLATFORM_EXPORT GeometryFactory {
+public:
+    /// Empty for null. Ellipses and rounded rectangles are written as inStandardKinds makes them.
+    static QByteArray toWkb(const std::shared_ptr<const Geometry>& geometry, QSysInfo::Endian byteOrder);
+
+    /// Reads either byte order, part by part. The high bits of the extended form (0x80000000 z, 0x40000000 m,
+    /// 0x20000000 SRID) are understood too; an SRID serves as EPSG code when `coordSystem` is null. Throws
+    /// std::runtime_error for broken bytes, bytes left over, and nesting beyond 32 levels.
+    static std::shared_ptr<Geometry> fromWkb(const QByteArray& bytes,
+                                             const std::shared_ptr<cs::CoordSystem>& coordSystem);
+    static std::shared_ptr<Geometry> fromWkb(std::string_view bytes,
+                                             const std::shared_ptr<cs::CoordSystem>& coordSystem);
+
+    /// The body of a SpatiaLite blob: a kind (linear, 1 to 3007) and what follows it up to the end mark,
+    /// parts introduced by a mark and their kind, all in one byte order. Throws std::runtime_error as fromWkb
+    /// does.
+    static std::shared_ptr<Geometry> fromSpatialiteBody(std::string_view body, bool littleEndian,
+                                                        const std::shared_ptr<cs::CoordSystem>& coordSystem);
+};
+
+/// The geometry as its coordinate system wants it: latitudes of a geographic system that rounding pushed
+/// beyond a pole (by up to a millionth of a degree) are put on the pole. The same pointer when there is
+/// nothing to do.
+ORVANE_PLATFORM_EXPORT std::shared_ptr<const Geometry>
+fitGeometry(const std::shared_ptr<const Geometry>& geometry);
+
+} // namespace orvane::geometry

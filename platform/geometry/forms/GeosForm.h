@@ -1,0 +1,63 @@
+#pragma once
+
+#include "platform/geometry/shapes/Geometry.h"
+
+#include <geos_c.h>
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+namespace orvane::geometry {
+
+/// The GEOS context of the calling thread, silent; the text of the last failure is geosMessage().
+GEOSContextHandle_t geosContext();
+/// Throws std::runtime_error with the last message of GEOS on this thread.
+[[noreturn]] void throwGeosError();
+
+struct GeosGeometryDeleter {
+    void operator()(GEOSGeometry* geometry) const;
+};
+struct GeosPreparedDeleter {
+    void operator()(const GEOSPreparedGeometry* prepared) const;
+};
+using GeosPtr = std::unique_ptr<GEOSGeometry, GeosGeometryDeleter>;
+using GeosPreparedPtr = std::unique_ptr<const GEOSPreparedGeometry, GeosPreparedDeleter>;
+
+/// Takes over what GEOS has made. Throws std::runtime_error for null.
+GeosPtr checked(GEOSGeometry* geometry);
+/// A collection of that kind of GEOS, which takes over the parts. Throws std::runtime_error.
+GeosPtr collectionOf(int kind, std::vector<GeosPtr> parts);
+
+/// Curves are made linear, open rings are closed and too short ones filled up with their last position, so
+/// that every shape with finite coordinates has a form. Null when a coordinate is not finite. Throws
+/// std::runtime_error when GEOS fails.
+GeosPtr toGeos(const Geometry& geometry);
+/// z is kept, m is not (GEOS has none). Throws std::runtime_error.
+std::shared_ptr<Geometry> fromGeos(const GEOSGeometry* geos);
+
+/// What GEOS made of a shape, shared by the copies of a geometry. GEOS objects compute things lazily, also
+/// when they are only read, so that whoever uses them holds the lock.
+class GeosForm {
+public:
+    void addReference() { references_.fetch_add(1, std::memory_order_relaxed); }
+    void release();
+
+    std::mutex& mutex() { return mutex_; }
+    /// With the lock held: the GEOS object, null when a coordinate is not finite.
+    const GEOSGeometry* plain(const Geometry& owner);
+    /// With the lock held: the prepared form, made for whoever asks a second time; null before that, and
+    /// where plain() is null.
+    const GEOSPreparedGeometry* prepared(const Geometry& owner);
+
+private:
+    std::atomic<int> references_{1};
+    std::mutex mutex_;
+    GeosPtr geometry_;
+    GeosPreparedPtr prepared_; // destroyed before the geometry it looks at
+    bool converted_ = false;
+    bool asked_ = false;
+};
+
+} // namespace orvane::geometry

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "platform/Export.h"
+#include "platform/geometry/shapes/Shapes.h"
+
+#include <memory>
+
+namespace orvane::geometry {
+
+// Relations in the plane of the coordinates. When both geometries carry coordinate systems that differ, the
+// second is brought to the system of the first before; when that is not possible they have no relation. An
+// empty geometry, and one with a coordinate that is not finite, has no relation to anything. Curves are
+// approximated. The prepared form of a geometry is made once it is asked for again, and kept. Any thread may
+// call these functions, also with the same geometry. They throw std::runtime_error when GEOS fails on
+// geometries that could not be repaired.
+
+/// The two share a position, borders included.
+ORVANE_PLATFORM_EXPORT bool Intersects(const Geometry& a, const Geometry& b);
+/// Nothing of b is outside a, and their interiors meet: what lies on the border of a only is not contained.
+ORVANE_PLATFORM_EXPORT bool Contains(const Geometry& a, const Geometry& b);
+/// a contains the centroid of b; a position on the border is not contained.
+ORVANE_PLATFORM_EXPORT bool ContainsCentroid(const Geometry& a, const Geometry& b);
+
+/// The first two for a position in the system of a, without a geometry object for it.
+ORVANE_PLATFORM_EXPORT bool intersectsPosition(const Geometry& a, double x, double y);
+ORVANE_PLATFORM_EXPORT bool containsPosition(const Geometry& a, double x, double y);
+
+/// The shortest way between the two in units of the coordinates, whatever their systems; 0 when they
+/// intersect. Throws std::runtime_error when a coordinate is not finite.
+ORVANE_PLATFORM_EXPORT double planarDistance(const Geometry& a, const Geometry& b);
+
+/// The centre of mass of the parts of the highest dimension, in the plane of the coordinates, z and m left
+/// out. Null for an empty geometry and for coordinates that are not finite.
+ORVANE_PLATFORM_EXPORT std::shared_ptr<Point> centroid(const Geometry& geometry);
+/// A position that certainly lies on the geometry, inside where it has an inside. Null as for centroid.
+ORVANE_PLATFORM_EXPORT std::shared_ptr<Point> PointOnSurface(const Geometry& geometry);
+
+/// The geometry without self-intersections, open rings or rings that cross each other: the same pointer when
+/// it is valid, else made valid from its line work, which keeps every vertex; curves have become linear then
+/// and m is lost. Throws std::runtime_error when a coordinate is not finite.
+ORVANE_PLATFORM_EXPORT std::shared_ptr<const Geometry>
+normalizedGeometry(const std::shared_ptr<const Geometry>& geometry);
+
+} // namespace orvane::geometry

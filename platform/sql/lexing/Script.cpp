@@ -1,0 +1,105 @@
+#include "platform/sql/lexing/Script.h"
+
+#include <algorithm>
+
+namespace orvane::sql {
+
+namespace {
+
+class Splitter {
+public:
+    explicit Splitter(std::string_view script) : script_(script) {}
+
+    std::vector<ScriptStatement> run() {
+        while (skipBlanks()) {
+            ScriptStatement statement;
+            countTo(pos_);
+            statement.line = line_;
+            statement.column = column_;
+            const std::size_t start = pos_;
+            skipStatement();
+            statement.text = script_.substr(start, pos_ - start);
+            statement.terminated = pos_ < script_.size();
+            if (statement.terminated) {
+                ++pos_;
+            }
+            if (!statement.text.empty()) {
+                statements_.push_back(std::move(statement));
+            }
+        }
+        return std::move(statements_);
+    }
+
+private:
+    bool at(std::string_view symbols) const { return script_.substr(pos_, symbols.size()) == symbols; }
+
+    /// Goes behind the next occurrence of `close`, or to the end.
+    void skipBeyond(std::string_view close) {
+        const std::size_t found = script_.find(close, pos_);
+        pos_ = found == std::string_view::npos ? script_.size() : found + close.size();
+    }
+
+    bool skipComment() {
+        if (at("--")) {
+            skipBeyond("\n");
+        } else if (at("/*")) {
+            pos_ += 2;
+            skipBeyond("*/");
+        } else {
+            return false;
+        }
+        return true;
+    }
+
+    /// Goes to the first word of the next statement; false at the end of the script.
+    bool skipBlanks() {
+        while (pos_ < script_.size()) {
+            if (at("\xEF\xBB\xBF")) { // the byte order mark that some editors write
+                pos_ += 3;
+            } else if (std::string_view(" \t\r\n\v\f").find(script_[pos_]) != std::string_view::npos) {
+                ++pos_;
+            } else if (!skipComment()) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    void skipStatement() {
+        while (pos_ < script_.size() && script_[pos_] != ';') {
+            const char symbol = script_[pos_];
+            if (symbol == '\'' || symbol == '"' || symbol == '[') {
+                ++pos_;
+                skipBeyond(symbol == '[' ? "]" : std::string_view(&symbol, 1));
+            } else if (!skipComment()) {
+                ++pos_;
+            }
+        }
+    }
+
+    void countTo(std::size_t offset) {
+        for (; counted_ < offset; ++counted_) {
+            if (script_[counted_] == '\n') {
+                ++line_;
+                column_ = 1;
+            } else if ((script_[counted_] & 0xC0) != 0x80) { // the first byte of a character
+                ++column_;
+            }
+        }
+    }
+
+    std::string_view script_;
+    std::size_t pos_ = 0;
+    std::size_t counted_ = 0;
+    int line_ = 1;
+    int column_ = 1;
+    std::vector<ScriptStatement> statements_;
+};
+
+} // namespace
+
+std::vector<ScriptStatement> splitScript(std::string_view utf8) {
+    return Splitter(utf8).run();
+}
+
+} // namespace orvane::sql

@@ -1,0 +1,433 @@
+#include "platform/sql/parsing/Parser.h"
+
+#include <QCoreApplication>
+
+#include <utility>
+
+namespace orvane::sql {
+
+namespace {
+
+/// `Select * From (query) alias`. Brings what SQLite cannot write in one place or the other into a form that
+/// it can.
+std::shared_ptr<ast::QuerySpecification> selectAllFrom(ast::NodePtr query) {
+    auto outer = std::make_shared<ast::QuerySpecification>();
+    outer->columns.push_back(
+        std::make_shared<ast::DerivedColumn>(std::make_shared<ast::QualifiedAsterisk>()));
+    ast::NodePtr source;
+    if (const auto* table = ast::nodeAs<ast::ExplicitTable>(query)) {
+        source = std::make_shared<ast::TablePrimary>(table->name);
+    } else {
+        source = std::make_shared<ast::DerivedTable>(std::move(query));
+    }
+    outer->from = std::make_shared<ast::FromSource>(ast::NodeList{std::move(source)});
+    return outer;
+}
+
+/// The query as one that can be ordered and limited; null for `Table t`.
+ast::QueryExpression* asQueryExpression(const ast::NodePtr& query) {
+    return query->kind == ast::NodeKind::ExplicitTable ? nullptr
+                                                       : static_cast<ast::QueryExpression*>(query.get());
+}
+
+bool hasWith(const ast::NodePtr& query) {
+    const auto* select = ast::nodeAs<ast::QuerySpecification>(query);
+    return select && !select->with.empty();
+}
+
+bool isOrderedOrLimited(const ast::NodePtr& query) {
+    const ast::QueryExpression* expression = asQueryExpression(query);
+    return expression && (!expression->orderBy.empty() || expression->limit);
+}
+
+/// Whether the word after a query goes on with it.
+bool continuesQuery(Keyword keyword) {
+    switch (keyword) {
+    case Keyword::Union:
+    case Keyword::Intersect:
+    case Keyword::Except:
+    case Keyword::Order:
+    case Keyword::Limit:
+    case Keyword::Offset:
+    case Keyword::Fetch: return true;
+    default: return false;
+    }
+}
+
+/// SQLite applies set operators strictly from left to right and orders only the whole: operands that would
+/// mean something else there are wrapped.
+ast::NodePtr combine(ast::SetOperator code, ast::NodePtr left, ast::NodePtr right) {
+    const auto* leftOperation = ast::nodeAs<ast::QueryOperation>(left);
+    if (hasWith(left) || isOrderedOrLimited(left) ||
+        (code == ast::SetOperator::Intersect && leftOperation &&
+         leftOperation->operation != ast::SetOperator::Intersect)) {
+        left = selectAllFrom(std::move(left));
+    }
+    if (hasWith(right) || isOrderedOrLimited(right) || right->kind == ast::NodeKind::QueryOperation) {
+        right = selectAllFrom(std::move(right));
+    }
+    return std::make_shared<ast::QueryOperation>(code, std::move(left), std::move(right));
+}
+
+} // namespace
+
+/// Whether a query begins here, be it in parentheses.
+bool Parser::startsQuery() const {
+    const auto nameFollows = [this] {
+        return atAhead(1, TokenKind::QuotedName) ||
+               (atAhead(1, TokenKind::Word) && !isReserved(peek(1).keyword));
+    };
+    return at(Keyword::Select) || ((at(Keyword::With) || at(Keyword::Table)) && nameFollows()) ||
+           (at(TokenKind::LeftParenthesis) && startsParenthesizedQuery());
+}
+
+/// Tells `(Select 1) Union …` from `(Select 1) + 2`: by what follows the closing parenthesis.
+bool Parser::startsParenthesizedQuery() const {
+    std::size_t depth = 0;
+    while (depth <= nestingLimit && atAhead(depth, TokenKind::LeftParenthesis)) {
+        ++depth;
+    }
+    if (!atAhead(depth, Keyword::Select) && !atAhead(depth, Keyword::With) &&
+        !atAhead(depth, Keyword::Table)) {
+        return false;
+    }
+    std::size_t open = depth;
+    for (std::size_t i = pos_ + depth; i + 1 < text_.tokens.size(); ++i) {
+        const TokenKind kind = text_.tokens[i].kind;
+        open += kind == TokenKind::LeftParenthesis ? 1 : 0;
+        open -= kind == TokenKind::RightParenthesis ? 1 : 0;
+        if (kind != TokenKind::RightParenthesis || open >= depth) {
+            continue;
+        }
+        depth = open;
+        const Token& next = text_.tokens[i + 1];
+        const bool ends = next.kind == TokenKind::RightParenthesis || next.kind == TokenKind::End ||
+                          next.kind == TokenKind::Semicolon;
+        if (depth == 0 || !(ends || continuesQuery(next.keyword))) {
+            return ends || continuesQuery(next.keyword);
+        }
+    }
+    return true; // a parenthesis is missing: let the query's own rules tell
+}
+
+ast::NodePtr Parser::parseQuery() {
+    const Level level(*this);
+    return at(Keyword::With) ? parseWithQuery() : parseQueryBody();
+}
+
+ast::NodePtr Parser::parseWithQuery() {
+    advance();
+    const bool recursive = at(Keyword::Recursive) && !atAhead(1, Keyword::As);
+    if (recursive) {
+        advance();
+    }
+    std::vector<ast::CommonTable> tables;
+    do {
+        tables.push_back(parseCommonTable());
+    } while (accept(TokenKind::Comma));
+
+    ast::NodePtr body = parseQueryBody();
+    auto select = body->kind == ast::NodeKind::QuerySpecification && !hasWith(body)
+                      ? std::static_pointer_cast<ast::QuerySpecification>(body)
+                      : nullptr;
+    if (!select) {
+        // The order belongs outside: the order of a derived table does not bind the query around it.
+        ast::QueryExpression* inner = asQueryExpression(body);
+        select = selectAllFrom(body);
+        if (inner) {
+            select->orderBy = std::move(inner->orderBy);
+            select->limit = std::move(inner->limit);
+            select->offset = std::move(inner->offset);
+            inner->orderBy.clear();
+        }
+    }
+    select->with = std::move(tables);
+    select->recursive = recursive;
+    return select;
+}
+
+ast::CommonTable Parser::parseCommonTable() {
+    ast::CommonTable table;
+    table.name = expectName();
+    if (at(TokenKind::LeftParenthesis)) {
+        table.columns = parseColumnNames();
+    }
+    expect(Keyword::As);
+    expect(TokenKind::LeftParenthesis);
+    table.query = parseQuery();
+    expect(TokenKind::RightParenthesis);
+    return table;
+}
+
+ast::NodePtr Parser::parseQueryBody() {
+    ast::NodePtr query = parseIntersections();
+    for (;;) {
+        ast::SetOperator code = ast::SetOperator::Except;
+        if (accept(Keyword::Union)) {
+            code = accept(Keyword::All) ? ast::SetOperator::UnionAll : ast::SetOperator::Union;
+            if (code == ast::SetOperator::Union) {
+                accept(Keyword::Distinct);
+            }
+        } else if (!accept(Keyword::Except)) {
+            return parseResultClauses(std::move(query));
+        }
+        intoAllowed_ = intoAllowed_ && nesting_ > 1; // the second part of the outermost query begins
+        query = combine(code, std::move(query), parseIntersections());
+        grow();
+    }
+}
+
+/// Intersect binds tighter than Union and Except.
+ast::NodePtr Parser::parseIntersections() {
+    ast::NodePtr query = parseQueryTerm();
+    while (accept(Keyword::Intersect)) {
+        query = combine(ast::SetOperator::Intersect, std::move(query), parseQueryTerm());
+        grow();
+    }
+    return query;
+}
+
+ast::NodePtr Parser::parseQueryTerm() {
+    if (accept(TokenKind::LeftParenthesis)) {
+        ast::NodePtr query = parseQuery();
+        expect(TokenKind::RightParenthesis);
+        return query;
+    }
+    if (at(Keyword::Table)) {
+        advance();
+        return std::make_shared<ast::ExplicitTable>(expectName());
+    }
+    expect(Keyword::Select);
+    return parseSelect();
+}
+
+// After "Select".
+ast::NodePtr Parser::parseSelect() {
+    auto query = std::make_shared<ast::QuerySpecification>();
+    if (accept(Keyword::Distinct)) {
+        query->quantifier = ast::SetQuantifier::Distinct;
+    } else if (accept(Keyword::All)) {
+        query->quantifier = ast::SetQuantifier::All;
+    }
+    do {
+        query->columns.push_back(parseDerivedColumn());
+    } while (accept(TokenKind::Comma));
+    if (at(Keyword::Into)) {
+        if (!intoAllowed_ || nesting_ > 1) {
+            failAt(peek(),
+                   QCoreApplication::translate("orvane::sql", "Into годится только в самом внешнем запросе"));
+        }
+        advance();
+        using Target = ast::IntoClause::Target;
+        query->into = at(TokenKind::Text) ? std::make_shared<ast::IntoClause>(takeValue(), Target::File)
+                                          : std::make_shared<ast::IntoClause>(expectName());
+    }
+    if (accept(Keyword::From)) {
+        query->from = parseFrom();
+    }
+    if (accept(Keyword::Where)) {
+        query->where = parseExpression();
+    }
+    if (accept(Keyword::Group)) {
+        expect(Keyword::By);
+        query->groupBy = parseExpressions();
+    }
+    if (accept(Keyword::Having)) {
+        query->having = parseExpression();
+    }
+    return query;
+}
+
+ast::NodePtr Parser::parseDerivedColumn() {
+    if (accept(TokenKind::Asterisk)) {
+        return std::make_shared<ast::DerivedColumn>(std::make_shared<ast::QualifiedAsterisk>());
+    }
+    if (atName() && atAhead(1, TokenKind::Dot) && atAhead(2, TokenKind::Asterisk)) {
+        std::wstring qualifier = takeValue();
+        advance();
+        advance();
+        return std::make_shared<ast::DerivedColumn>(
+            std::make_shared<ast::QualifiedAsterisk>(std::move(qualifier)));
+    }
+    ast::NodePtr expression = parseExpression();
+    return std::make_shared<ast::DerivedColumn>(std::move(expression), parseAlias());
+}
+
+// After "From".
+ast::NodePtr Parser::parseFrom() {
+    ast::NodeList sources;
+    do {
+        sources.push_back(parseJoinedTable());
+    } while (accept(TokenKind::Comma));
+    return std::make_shared<ast::FromSource>(std::move(sources));
+}
+
+ast::NodePtr Parser::parseJoinedTable() {
+    const Level level(*this);
+    ast::NodePtr left = parseTablePrimary();
+    while (const std::optional<JoinWords> words = parseJoinWords()) {
+        ast::NodePtr right = parseTablePrimary();
+        ast::NodePtr matching;
+        if (words->cross) {
+            // Not "Cross Join", by which SQLite forbids itself to choose the order of the tables.
+            matching = std::make_shared<ast::JoinCondition>(
+                std::make_shared<ast::TernaryLogicNode>(TernaryLogic::True));
+        } else if (accept(Keyword::Using)) {
+            matching = std::make_shared<ast::NamedColumnsJoin>(parseColumnNames());
+        } else if (!words->natural) {
+            expect(Keyword::On);
+            matching = std::make_shared<ast::JoinCondition>(parseExpression());
+        }
+        left = std::make_shared<ast::JoinNode>(words->kind, words->natural, std::move(left), std::move(right),
+                                               std::move(matching));
+        grow();
+    }
+    return left;
+}
+
+/// The words up to and with Join; nothing when no join follows.
+std::optional<Parser::JoinWords> Parser::parseJoinWords() {
+    JoinWords words;
+    words.natural = accept(Keyword::Natural);
+    words.cross = !words.natural && accept(Keyword::Cross);
+    bool stated = words.natural || words.cross;
+    if (!words.cross) {
+        constexpr std::pair<Keyword, ast::JoinKind> outerKinds[] = {{Keyword::Left, ast::JoinKind::Left},
+                                                                    {Keyword::Right, ast::JoinKind::Right},
+                                                                    {Keyword::Full, ast::JoinKind::Full}};
+        for (const auto& [keyword, kind] : outerKinds) {
+            if (words.kind == ast::JoinKind::Inner && accept(keyword)) {
+                words.kind = kind;
+                accept(Keyword::Outer);
+            }
+        }
+        stated = words.kind != ast::JoinKind::Inner || accept(Keyword::Inner) || stated;
+    }
+    if (stated) {
+        expect(Keyword::Join);
+        return words;
+    }
+    return accept(Keyword::Join) ? std::optional(words) : std::nullopt;
+}
+
+ast::NodePtr Parser::parseTablePrimary() {
+    if (at(TokenKind::LeftParenthesis)) {
+        advance();
+        if (startsQuery()) {
+            return parseDerivedTable();
+        }
+        ast::NodePtr joined = parseJoinedTable();
+        expect(TokenKind::RightParenthesis);
+        return joined;
+    }
+    std::wstring name = expectName();
+    return std::make_shared<ast::TablePrimary>(std::move(name), parseAlias());
+}
+
+// After "(".
+ast::NodePtr Parser::parseDerivedTable() {
+    ast::NodePtr query = parseQuery();
+    expect(TokenKind::RightParenthesis);
+    std::wstring alias = parseAlias();
+    if (!alias.empty() && at(TokenKind::LeftParenthesis)) {
+        // SQLite names columns only in With: `(query) d(a, b)` is `(With d(a, b) As (query) Select * From d)
+        // d`.
+        ast::CommonTable named{alias, parseColumnNames(), std::move(query)};
+        auto outer = selectAllFrom(std::make_shared<ast::ExplicitTable>(alias));
+        outer->with.push_back(std::move(named));
+        query = std::move(outer);
+    }
+    return std::make_shared<ast::DerivedTable>(std::move(query), std::move(alias));
+}
+
+ast::NodePtr Parser::parseResultClauses(ast::NodePtr query) {
+    const auto target = [&query]() -> ast::QueryExpression& {
+        if (!asQueryExpression(query) || isOrderedOrLimited(query)) {
+            query = selectAllFrom(std::move(query));
+        }
+        return *asQueryExpression(query);
+    };
+    if (at(Keyword::Order)) {
+        ast::QueryExpression& ordered = target();
+        ordered.orderBy = parseOrderBy();
+        parseLimit(ordered);
+    } else if (at(Keyword::Limit) || at(Keyword::Offset) || at(Keyword::Fetch)) {
+        parseLimit(target());
+    } else {
+        for (const Keyword absent : {Keyword::Order, Keyword::Limit, Keyword::Offset}) {
+            accept(absent); // for the message, should nothing else fit
+        }
+    }
+    return query;
+}
+
+/// `Limit n [Offset m]`, `Limit m, n`, or the standard's `[Offset m Rows] [Fetch First n Rows Only]`.
+void Parser::parseLimit(ast::QueryExpression& query) {
+    const auto acceptRows = [this] { return accept(Keyword::Rows) || accept(Keyword::Row); };
+    if (accept(Keyword::Limit)) {
+        query.limit = parseExpression();
+        if (accept(TokenKind::Comma)) {
+            query.offset = std::exchange(query.limit, parseExpression());
+        }
+    }
+    if (!query.offset && accept(Keyword::Offset)) {
+        query.offset = parseExpression();
+        acceptRows();
+    }
+    if (!query.limit && accept(Keyword::Fetch)) {
+        if (!accept(Keyword::First)) {
+            expect(Keyword::Next);
+        }
+        query.limit = parseExpression();
+        acceptRows();
+        expect(Keyword::Only);
+    }
+    if (query.offset && !query.limit) {
+        // SQLite has no offset without a limit; a negative limit is none.
+        query.limit =
+            std::make_shared<ast::Operation>(OperationCode::Negate, std::make_shared<ast::Number>(L"1"));
+    }
+}
+
+ast::NodeList Parser::parseOrderBy() {
+    ast::NodeList terms;
+    if (accept(Keyword::Order)) {
+        expect(Keyword::By);
+        do {
+            terms.push_back(parseSortSpecification());
+        } while (accept(TokenKind::Comma));
+    }
+    return terms;
+}
+
+ast::NodePtr Parser::parseSortSpecification() {
+    using Sort = ast::SortSpecification;
+    auto term = std::make_shared<Sort>(parseExpression());
+    if (accept(Keyword::Asc)) {
+        term->direction = Sort::Direction::Ascending;
+    } else if (accept(Keyword::Desc)) {
+        term->direction = Sort::Direction::Descending;
+    }
+    if (accept(Keyword::Nulls)) {
+        if (accept(Keyword::First)) {
+            term->nulls = Sort::Nulls::First;
+        } else {
+            expect(Keyword::Last);
+            term->nulls = Sort::Nulls::Last;
+        }
+    }
+    return term;
+}
+
+/// `(a, b)`.
+ast::NodeList Parser::parseColumnNames() {
+    ast::NodeList columns;
+    expect(TokenKind::LeftParenthesis);
+    do {
+        columns.push_back(std::make_shared<ast::ColumnReference>(std::wstring(), expectName()));
+    } while (accept(TokenKind::Comma));
+    expect(TokenKind::RightParenthesis);
+    return columns;
+}
+
+} // namespace orvane::sql

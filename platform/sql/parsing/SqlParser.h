@@ -1,0 +1,52 @@
+#pragma once
+
+#include "platform/Export.h"
+#include "platform/sql/lexing/SqlError.h"
+#include "platform/sql/parsing/ParseContext.h"
+#include "platform/sql/tree/Node.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace orvane::sql {
+
+/// A parsed statement. Copies share the tree.
+class ParseResult {
+public:
+    ParseResult() = default;
+    ParseResult(std::shared_ptr<ast::Node> node, bool isExpression)
+        : node_(std::move(node)), isExpression_(isExpression) {}
+
+    /// The root of the tree; null before anything was parsed.
+    const std::shared_ptr<ast::Node>& node() const { return node_; }
+    /// Whether the text was a value expression rather than a statement.
+    bool isExpression() const { return isExpression_; }
+
+private:
+    std::shared_ptr<ast::Node> node_;
+    bool isExpression_ = false;
+};
+
+/// Turns a statement or a lone expression of the dialect into its tree. Any number of texts one after
+/// another; one thread at a time.
+class ORVANE_PLATFORM_EXPORT SqlParser {
+public:
+    /// The context, not owned, may be null and is asked only during parse().
+    explicit SqlParser(const ParseContext* context) : context_(context) {}
+
+    /// Parses UTF-8 text holding one statement, a final ";" allowed. False when it has a fault: then errors()
+    /// tells where, and result() is empty. Throws nothing for the text's sake, however broken, long or deep
+    /// it is.
+    bool parse(const std::string& text);
+
+    const ParseResult& result() const { return result_; }
+    const std::vector<std::shared_ptr<SqlSyntaxError>>& errors() const { return errors_; }
+
+private:
+    const ParseContext* context_;
+    ParseResult result_;
+    std::vector<std::shared_ptr<SqlSyntaxError>> errors_;
+};
+
+} // namespace orvane::sql

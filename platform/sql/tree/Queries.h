@@ -1,0 +1,153 @@
+#pragma once
+
+#include "platform/sql/tree/Node.h"
+
+#include <string>
+
+namespace orvane::sql::ast {
+
+/// One result column: an expression with its alias, or a QualifiedAsterisk.
+struct ORVANE_PLATFORM_EXPORT DerivedColumn : NodeOfKind<NodeKind::DerivedColumn> {
+    explicit DerivedColumn(NodePtr columnExpression, std::wstring columnAlias = {})
+        : expression(std::move(columnExpression)), alias(std::move(columnAlias)) {}
+
+    NodePtr expression;
+    std::wstring alias; ///< empty when there is none
+};
+
+/// A table of the database in From, or the target of a change.
+struct ORVANE_PLATFORM_EXPORT TablePrimary : NodeOfKind<NodeKind::TablePrimary> {
+    explicit TablePrimary(std::wstring tableName, std::wstring tableAlias = {})
+        : name(std::move(tableName)), alias(std::move(tableAlias)) {}
+
+    std::wstring name;
+    std::wstring alias; ///< empty when there is none
+};
+
+/// A query in From.
+struct ORVANE_PLATFORM_EXPORT DerivedTable : NodeOfKind<NodeKind::DerivedTable> {
+    explicit DerivedTable(NodePtr tableQuery, std::wstring tableAlias = {})
+        : query(std::move(tableQuery)), alias(std::move(tableAlias)) {}
+
+    NodePtr query;
+    std::wstring alias; ///< empty when there is none
+};
+
+/// `Table name`: the query of all rows and columns of one table.
+struct ORVANE_PLATFORM_EXPORT ExplicitTable : NodeOfKind<NodeKind::ExplicitTable> {
+    explicit ExplicitTable(std::wstring tableName) : name(std::move(tableName)) {}
+
+    std::wstring name;
+};
+
+/// `On condition`.
+struct ORVANE_PLATFORM_EXPORT JoinCondition : NodeOfKind<NodeKind::JoinCondition> {
+    explicit JoinCondition(NodePtr joinCondition) : condition(std::move(joinCondition)) {}
+
+    NodePtr condition;
+};
+
+/// `Using (a, b)`.
+struct ORVANE_PLATFORM_EXPORT NamedColumnsJoin : NodeOfKind<NodeKind::NamedColumnsJoin> {
+    explicit NamedColumnsJoin(NodeList joinColumns) : columns(std::move(joinColumns)) {}
+
+    NodeList columns; ///< ColumnReference without qualifiers
+};
+
+enum class JoinKind { Inner, Left, Right, Full };
+
+/// Two joined sources.
+struct ORVANE_PLATFORM_EXPORT JoinNode : NodeOfKind<NodeKind::JoinNode> {
+    JoinNode(JoinKind joinKind, bool isNatural, NodePtr leftSource, NodePtr rightSource, NodePtr joinMatching)
+        : join(joinKind), natural(isNatural), left(std::move(leftSource)), right(std::move(rightSource)),
+          matching(std::move(joinMatching)) {}
+
+    JoinKind join;
+    bool natural;
+    NodePtr left;
+    NodePtr right;
+    NodePtr matching; ///< JoinCondition or NamedColumnsJoin; null for a natural join
+};
+
+/// The sources after From, separated by commas.
+struct ORVANE_PLATFORM_EXPORT FromSource : NodeOfKind<NodeKind::FromSource> {
+    explicit FromSource(NodeList fromSources) : sources(std::move(fromSources)) {}
+
+    NodeList sources; ///< TablePrimary, DerivedTable or JoinNode
+};
+
+/// `Into name` or `Into 'path'`: the table or the file that the result of the query becomes.
+struct ORVANE_PLATFORM_EXPORT IntoClause : NodeOfKind<NodeKind::IntoClause> {
+    enum class Target { Table, File };
+
+    explicit IntoClause(std::wstring targetName, Target intoTarget = Target::Table)
+        : name(std::move(targetName)), target(intoTarget) {}
+
+    std::wstring name;
+    Target target;
+};
+
+/// One term of Order By.
+struct ORVANE_PLATFORM_EXPORT SortSpecification : NodeOfKind<NodeKind::SortSpecification> {
+    enum class Direction { Unstated, Ascending, Descending };
+    enum class Nulls { Unstated, First, Last };
+
+    explicit SortSpecification(NodePtr sortKey) : key(std::move(sortKey)) {}
+
+    NodePtr key;
+    Direction direction = Direction::Unstated;
+    Nulls nulls = Nulls::Unstated;
+};
+
+/// What applies to the whole result of a query.
+struct ORVANE_PLATFORM_EXPORT QueryExpression : Node {
+    NodeList orderBy; ///< SortSpecification
+    NodePtr limit;    ///< null when there is none
+    NodePtr offset;   ///< null when there is none; stands only beside a limit
+
+protected:
+    using Node::Node;
+};
+
+/// A query named before the statement: `With name (columns) As (query)`.
+struct CommonTable {
+    std::wstring name;
+    NodeList columns; ///< ColumnReference without qualifiers; empty: named by the query
+    NodePtr query;
+};
+
+enum class SetQuantifier { Unstated, All, Distinct };
+
+/// One Select.
+struct ORVANE_PLATFORM_EXPORT QuerySpecification : NodeOfKind<NodeKind::QuerySpecification, QueryExpression> {
+    std::vector<CommonTable> with;
+    bool recursive = false; ///< `With Recursive`
+    SetQuantifier quantifier = SetQuantifier::Unstated;
+    NodeList columns; ///< DerivedColumn
+    NodePtr into;     ///< IntoClause or null
+    NodePtr from;     ///< FromSource, or null for a query of constants
+    NodePtr where;
+    NodeList groupBy;
+    NodePtr having;
+};
+
+enum class SetOperator { Union, UnionAll, Intersect, Except };
+
+/// Two queries put together. Operands are applied from left to right; an operand that is itself ordered or
+/// limited, or a right operand that is a QueryOperation, has to be wrapped as `Select * From (…)`.
+struct ORVANE_PLATFORM_EXPORT QueryOperation : NodeOfKind<NodeKind::QueryOperation, QueryExpression> {
+    QueryOperation(SetOperator setOperator, NodePtr leftQuery, NodePtr rightQuery)
+        : operation(setOperator), left(std::move(leftQuery)), right(std::move(rightQuery)) {}
+
+    SetOperator operation;
+    NodePtr left;
+    NodePtr right;
+};
+
+/// Whether the node is a query and so stands in parentheses when used as a value.
+inline bool isQuery(const NodePtr& node) {
+    return node && (node->kind == NodeKind::QuerySpecification || node->kind == NodeKind::QueryOperation ||
+                    node->kind == NodeKind::ExplicitTable);
+}
+
+} // namespace orvane::sql::ast
