@@ -278,7 +278,7 @@
     </message>
 </context>
 <context>
-    <name>orvane::dp</name>
+    <name>orvane::work</name>
     <message>
         <source>Запрос прерван</source>
         <translation>The query was interrupted</translation>

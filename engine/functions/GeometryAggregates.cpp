@@ -29,7 +29,7 @@ public:
           longest_(sqlite3_limit(sqlite3_context_db_handle(context), SQLITE_LIMIT_LENGTH, -1)) {}
 
     const GatheredParts& parts() const { return parts_; }
-    const dp::Cancellation& cancellation() const { return cancellation_; }
+    const work::Cancellation& cancellation() const { return cancellation_; }
     int srid() const { return srid_; }
     /// More bytes than a value may have.
     bool isTooLarge() const { return parts_.size() > static_cast<std::size_t>(longest_); }
@@ -111,7 +111,7 @@ private:
     GatheredParts parts_;
     std::shared_ptr<cs::CoordSystem> coordSystem_;
     int srid_ = 0;
-    const dp::Cancellation cancellation_;
+    const work::Cancellation cancellation_;
 };
 
 /// What SQLite keeps for a group, filled with zeros at first.

@@ -171,7 +171,7 @@ std::uint32_t GatheredParts::kindOfAll() const {
     return hasKind_[Point] ? MultiPoint : hasKind_[LineString] ? MultiLineString : MultiPolygon;
 }
 
-std::string GatheredParts::collected(int srid, const dp::Cancellation& cancellation) const {
+std::string GatheredParts::collected(int srid, const work::Cancellation& cancellation) const {
     if (ends_.empty()) {
         return {};
     }
@@ -204,7 +204,7 @@ std::string GatheredParts::collected(int srid, const dp::Cancellation& cancellat
     return finished(std::move(blob), srid, envelope_);
 }
 
-std::string GatheredParts::line(int srid, const dp::Cancellation& cancellation) const {
+std::string GatheredParts::line(int srid, const work::Cancellation& cancellation) const {
     std::string blob(bodyOffset, '\0');
     appendUInt32(blob, withDimensions(LineString, dimensions_));
     const std::size_t countOffset = blob.size();

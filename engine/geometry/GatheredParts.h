@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/dp/Cancellation.h"
 #include "platform/geometry/shapes/Geometry.h"
+#include "platform/work/Cancellation.h"
 #include <orvane/engine/SpatialiteBlob.h>
 
 #include <string>
@@ -28,11 +28,11 @@ public:
     geometry::GeometryPtr part(std::size_t index) const;
     /// The blob of all parts: what was added when that was one geometry, else a multi-part geometry of their
     /// kind, or a collection. z and m are 0 where only others have them. Empty when there is no part. Throws
-    /// dp::Cancelled.
-    std::string collected(int srid, const dp::Cancellation& cancellation) const;
+    /// work::Cancelled.
+    std::string collected(int srid, const work::Cancellation& cancellation) const;
     /// The blob of the line through all positions of points and lines, in their order. Empty when there are
-    /// areas or fewer than two positions. Throws dp::Cancelled.
-    std::string line(int srid, const dp::Cancellation& cancellation) const;
+    /// areas or fewer than two positions. Throws work::Cancelled.
+    std::string line(int srid, const work::Cancellation& cancellation) const;
 
 private:
     std::string_view bytesOf(std::size_t index) const;

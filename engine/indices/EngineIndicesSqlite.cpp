@@ -348,7 +348,8 @@ void EngineIndicesSqlite::enumColumns(int index, const std::function<Status(int)
     }
 }
 
-std::unique_ptr<EngineIndices::RowLoader> EngineIndicesSqlite::getLoader(int index, dp::Progress* progress) {
+std::unique_ptr<EngineIndices::RowLoader> EngineIndicesSqlite::getLoader(int index,
+                                                                         work::Progress* progress) {
     const IndexEntry* entry = internal_->find(index);
     if (!isCorrect() || !entry || entry->columns.isEmpty()) {
         return nullptr;

@@ -133,14 +133,14 @@ std::string_view RowSorter::key(std::size_t ordinal) const {
     return {keys_.data() + begin, end - begin};
 }
 
-void RowSorter::sort(const dp::Cancellation& cancellation) {
+void RowSorter::sort(const work::Cancellation& cancellation) {
     sortFrom(rows_, 0, cancellation);
 }
 
 /// Orders rows whose keys agree in the first `depth` bytes: by the next eight, which are brought to the rows
 /// so that sorting stays off the keys, and then group by group. No key is the beginning of another one, so a
 /// group is all equal once one of its keys has ended.
-void RowSorter::sortFrom(RowSpan rows, std::size_t depth, const dp::Cancellation& cancellation) {
+void RowSorter::sortFrom(RowSpan rows, std::size_t depth, const work::Cancellation& cancellation) {
     if (rows.size() < 2) {
         return;
     }
@@ -156,7 +156,7 @@ void RowSorter::sortFrom(RowSpan rows, std::size_t depth, const dp::Cancellation
         row.head = qFromBigEndian<quint64>(bytes.data());
     }
     std::sort(rows.begin(), rows.end(),
-              dp::cancellable(cancellation, [](const Row& a, const Row& b) { return a.head < b.head; }));
+              work::cancellable(cancellation, [](const Row& a, const Row& b) { return a.head < b.head; }));
     for (std::size_t begin = 0; begin < rows.size();) {
         std::size_t end = begin + 1;
         while (end < rows.size() && rows[end].head == rows[begin].head) {
@@ -167,9 +167,9 @@ void RowSorter::sortFrom(RowSpan rows, std::size_t depth, const dp::Cancellation
     }
 }
 
-void RowSorter::sortRest(RowSpan rows, std::size_t depth, const dp::Cancellation& cancellation) {
+void RowSorter::sortRest(RowSpan rows, std::size_t depth, const work::Cancellation& cancellation) {
     std::sort(rows.begin(), rows.end(),
-              dp::cancellable(cancellation, [this, depth](const Row& a, const Row& b) {
+              work::cancellable(cancellation, [this, depth](const Row& a, const Row& b) {
                   const std::string_view keyA = key(a.ordinal);
                   const std::string_view keyB = key(b.ordinal);
                   const int order = depth < keyA.size() && depth < keyB.size()

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "engine/indices/TextOrder.h"
-#include "platform/dp/Cancellation.h"
 #include "platform/dp/Cursor.h"
+#include "platform/work/Cancellation.h"
 
 #include <memory>
 #include <span>
@@ -24,8 +24,8 @@ public:
 
     /// Copies what the views show. As many values as columns.
     void add(qint64 row, std::span<const dp::Cell> values);
-    /// Throws dp::Cancelled; the order is then open.
-    void sort(const dp::Cancellation& cancellation);
+    /// Throws work::Cancelled; the order is then open.
+    void sort(const work::Cancellation& cancellation);
     void clear();
 
     std::size_t rowCount() const { return rows_.size(); }
@@ -60,8 +60,8 @@ private:
 
     std::string_view key(std::size_t ordinal) const;
     void appendKey(const dp::Cell& value, bool isCollated);
-    void sortFrom(RowSpan rows, std::size_t depth, const dp::Cancellation& cancellation);
-    void sortRest(RowSpan rows, std::size_t depth, const dp::Cancellation& cancellation);
+    void sortFrom(RowSpan rows, std::size_t depth, const work::Cancellation& cancellation);
+    void sortRest(RowSpan rows, std::size_t depth, const work::Cancellation& cancellation);
 
     std::vector<bool> collated_;
     std::unique_ptr<TextOrder> textOrder_; ///< null when no column is collated

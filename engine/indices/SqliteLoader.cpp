@@ -45,7 +45,7 @@ bool isEmpty(dp::SqliteDatabaseAccess& database, int index) {
 
 SqliteLoader::SqliteLoader(std::shared_ptr<dp::SqliteDatabaseAccess> database, int index,
                            const IndexColumns& columns, RowSorter sorter, Stored stored,
-                           dp::Progress* progress)
+                           work::Progress* progress)
     : database_(std::move(database)), work_(database_->open(QStringLiteral("addRows"))),
       insertMany_(insertStatement(*database_, index, columns, rowsPerStatement)),
       insertOne_(insertStatement(*database_, index, columns, 1)), sorter_(std::move(sorter)),

@@ -2,9 +2,9 @@
 
 #include "engine/indices/IndexMatching.h"
 #include "engine/indices/RowSorter.h"
-#include "platform/dp/Cancellation.h"
-#include "platform/dp/Progress.h"
 #include "platform/dp/SqliteDatabaseAccess.h"
+#include "platform/work/Cancellation.h"
+#include "platform/work/Progress.h"
 
 #include <functional>
 
@@ -27,7 +27,7 @@ public:
     using Stored = std::function<void(const GroupCounts* counts)>;
 
     SqliteLoader(std::shared_ptr<dp::SqliteDatabaseAccess> database, int index, const IndexColumns& columns,
-                 RowSorter sorter, Stored stored, dp::Progress* progress);
+                 RowSorter sorter, Stored stored, work::Progress* progress);
     ~SqliteLoader() override;
 
     void addRow(qint64 row, std::span<const dp::Cell> values) override;
@@ -48,8 +48,8 @@ private:
     Stored stored_;
     bool isCounting_;
     GroupCounts counts_;
-    dp::Cancellation cancellation_;
-    dp::Progress* progress_;
+    work::Cancellation cancellation_;
+    work::Progress* progress_;
     qint64 unreported_ = 0; ///< rows added since the progress was told
 };
 

@@ -4,10 +4,10 @@
 
 #include "platform/core/Core.h"
 #include "platform/core/SqliteException.h"
-#include "platform/dp/Cancellation.h"
 #include "platform/dp/Table.h"
 #include "platform/plugin/ExtensionConsumer.h"
 #include "platform/plugin/PluginManager.h"
+#include "platform/work/Cancellation.h"
 #include <orvane/engine/EngineIndicesFactory.h>
 #include <orvane/engine/EngineIndicesSetup.h>
 
@@ -137,7 +137,7 @@ void Engine::clearIndices(const std::shared_ptr<dp::Table>& table) {
 }
 
 void Engine::cancelQuery() {
-    dp::Cancellation::cancelAll();
+    work::Cancellation::cancelAll();
     sqlite3_interrupt(internal_->sqliteHandle());
 }
 

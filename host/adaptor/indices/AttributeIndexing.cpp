@@ -164,7 +164,7 @@ void AttributeIndexing::forget() {
 
 std::optional<std::vector<dp::FeatureId>> AttributeIndexing::find(dp::Table& table, EngineIndices& store,
                                                                   std::span<const dp::ScanTerm> terms,
-                                                                  const dp::Cancellation& cancellation) {
+                                                                  const work::Cancellation& cancellation) {
     using Outcome = IndexUse::Outcome;
     use_ = {};
     const Terms chosen = chooseTerms(terms, store);
@@ -214,7 +214,8 @@ std::optional<std::vector<dp::FeatureId>> AttributeIndexing::find(dp::Table& tab
 }
 
 bool AttributeIndexing::ensure(Demand& demand, const Attributes& attributes, double savedCost,
-                               dp::Table& table, EngineIndices& store, const dp::Cancellation& cancellation) {
+                               dp::Table& table, EngineIndices& store,
+                               const work::Cancellation& cancellation) {
     if (demand.index >= 0) {
         return true;
     }
@@ -261,7 +262,7 @@ std::unique_ptr<EngineIndices::RowLookup> AttributeIndexing::inOrder(const dp::T
 }
 
 void AttributeIndexing::countSort(dp::Table& table, EngineIndices& store, int attribute,
-                                  const dp::Cancellation& cancellation) {
+                                  const work::Cancellation& cancellation) {
     const auto rows = table.featureCount().value_or(0);
     if (rows < fewestRows) {
         return;

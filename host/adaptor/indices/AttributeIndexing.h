@@ -3,8 +3,8 @@
 #include "host/adaptor/declaration/TableDeclaration.h"
 #include "host/adaptor/indices/IndexUse.h"
 
-#include "platform/dp/Cancellation.h"
 #include "platform/dp/Table.h"
+#include "platform/work/Cancellation.h"
 #include <orvane/engine/EngineIndices.h>
 
 #include <cstdint>
@@ -44,7 +44,7 @@ public:
     /// when the table cannot be read or the work is cancelled.
     std::optional<std::vector<dp::FeatureId>> find(dp::Table& table, engine::EngineIndices& store,
                                                    std::span<const dp::ScanTerm> terms,
-                                                   const dp::Cancellation& cancellation);
+                                                   const work::Cancellation& cancellation);
 
     /// Whether an index holds the rows of the table as it is now in the order of the attribute.
     bool hasOrder(const dp::Table& table, int attribute) const;
@@ -53,7 +53,7 @@ public:
     inOrder(const dp::Table& table, const engine::EngineIndices& store, int attribute, bool isDescending);
     /// Counts a sort that an index on the attribute would have saved, and makes the index once that pays.
     void countSort(dp::Table& table, engine::EngineIndices& store, int attribute,
-                   const dp::Cancellation& cancellation);
+                   const work::Cancellation& cancellation);
 
     /// What came of the last find.
     const IndexUse& lastUse() const { return use_; }
@@ -92,7 +92,7 @@ private:
     double buildCost(const Attributes& attributes, double rows) const;
     /// Adds a cost that the index would have saved, and makes it when that pays; whether there is one.
     bool ensure(Demand& demand, const Attributes& attributes, double savedCost, dp::Table& table,
-                engine::EngineIndices& store, const dp::Cancellation& cancellation);
+                engine::EngineIndices& store, const work::Cancellation& cancellation);
     void follow(const dp::Table& table, engine::EngineIndices& store);
     static Lookup& lookup(Demand& demand, const Terms& terms, const engine::EngineIndices& store);
     /// The index on one attribute; -1 when there is none.

@@ -1,8 +1,8 @@
 #include "host/adaptor/indices/IndexBuilder.h"
 
 #include "platform/core/SqliteException.h"
-#include "platform/dp/Progress.h"
 #include "platform/log/Logger.h"
+#include "platform/work/Progress.h"
 #include <orvane/engine/EngineCache.h>
 
 #include <QCoreApplication>
@@ -65,7 +65,7 @@ int buildIndex(const std::vector<int>& attributes, dp::Table& table, EngineIndic
     for (const int attribute : attributes) {
         columns.push_back({static_cast<quint32>(attribute), EngineIndices::Equal});
     }
-    dp::Progress progress(Words::tr("индекс %0").arg(name), 2 * table.featureCount().value_or(0));
+    work::Progress progress(Words::tr("индекс %0").arg(name), 2 * table.featureCount().value_or(0));
     int index = -1;
     try {
         index = store.addIndex(columns);

@@ -16,7 +16,7 @@ constexpr std::size_t portionGrowth = 4;
 IndexOrderCursor::IndexOrderCursor(std::shared_ptr<dp::Table> table, engine::EngineCache& cache,
                                    std::unique_ptr<engine::EngineIndices::RowLookup> order,
                                    std::vector<int> attributes, std::vector<ArrangedRows::Key> keys,
-                                   const dp::Cancellation& cancellation)
+                                   const work::Cancellation& cancellation)
     : table_(std::move(table)), cache_(cache), order_(std::move(order)), attributes_(std::move(attributes)),
       keys_(std::move(keys)), cancellation_(cancellation) {
     order_->start({});

@@ -2,8 +2,8 @@
 
 #include "host/adaptor/rows/ArrangedRows.h"
 
-#include "platform/dp/Cancellation.h"
 #include "platform/dp/Table.h"
+#include "platform/work/Cancellation.h"
 #include <orvane/engine/EngineIndices.h>
 
 #include <memory>
@@ -26,9 +26,9 @@ public:
     /// read.
     IndexOrderCursor(std::shared_ptr<dp::Table> table, engine::EngineCache& cache,
                      std::unique_ptr<engine::EngineIndices::RowLookup> order, std::vector<int> attributes,
-                     std::vector<ArrangedRows::Key> keys, const dp::Cancellation& cancellation);
+                     std::vector<ArrangedRows::Key> keys, const work::Cancellation& cancellation);
 
-    /// Throws dp::Cancelled.
+    /// Throws work::Cancelled.
     bool next() override;
     dp::Cell cell(int attribute) override { return cursor_.cell(attribute); }
     dp::FeatureId featureId() override { return cursor_.featureId(); }
@@ -41,7 +41,7 @@ private:
     std::unique_ptr<engine::EngineIndices::RowLookup> order_;
     const std::vector<int> attributes_;
     const std::vector<ArrangedRows::Key> keys_;
-    const dp::Cancellation cancellation_;
+    const work::Cancellation cancellation_;
     std::size_t portion_ = 16;
     std::vector<dp::FeatureId> waiting_; ///< rows of the last portion that belong to the next
     std::optional<ArrangedRows> rows_;

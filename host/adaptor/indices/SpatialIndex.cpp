@@ -1,9 +1,9 @@
 #include "host/adaptor/indices/SpatialIndex.h"
 
-#include "platform/dp/Progress.h"
 #include "platform/geometry/forms/GeometryFactory.h"
 #include "platform/geometry/relations/Relations.h"
 #include "platform/geometry/shapes/Shapes.h"
+#include "platform/work/Progress.h"
 
 #include <QCoreApplication>
 
@@ -115,14 +115,14 @@ bool holds(SpatialRelation relation, const geometry::Geometry& a, const geometry
 
 SpatialIndex::~SpatialIndex() = default;
 
-SpatialIndex::SpatialIndex(dp::Table& table, const dp::Cancellation& cancellation)
+SpatialIndex::SpatialIndex(dp::Table& table, const work::Cancellation& cancellation)
     : tree_(std::make_unique<Tree>()) {
     const int attribute = table.schema()->geometryIndex();
     const auto coordSystem = table.coordSystem();
     dp::ScanRequest request;
     request.attributes = {attribute};
     const auto rows = table.openCursor(request);
-    dp::Progress progress(
+    work::Progress progress(
         QCoreApplication::translate("orvane::adaptor", "R-дерево таблицы %0").arg(table.name()),
         table.featureCount().value_or(0));
     std::vector<Node> nodes;

@@ -2,9 +2,9 @@
 
 #include "host/adaptor/indices/SpatialRelation.h"
 
-#include "platform/dp/Cancellation.h"
 #include "platform/dp/Table.h"
 #include "platform/geometry/shapes/Geometry.h"
+#include "platform/work/Cancellation.h"
 
 #include <cstdint>
 #include <memory>
@@ -18,9 +18,9 @@ namespace orvane::adaptor {
 /// made; used from one thread.
 class SpatialIndex {
 public:
-    /// Reads the geometry of every feature, with a dp::Progress. Throws std::runtime_error when the table
-    /// cannot be read, dp::Cancelled when the work is cancelled.
-    SpatialIndex(dp::Table& table, const dp::Cancellation& cancellation);
+    /// Reads the geometry of every feature, with a work::Progress. Throws std::runtime_error when the table
+    /// cannot be read, work::Cancelled when the work is cancelled.
+    SpatialIndex(dp::Table& table, const work::Cancellation& cancellation);
 
     ~SpatialIndex();
     SpatialIndex(const SpatialIndex&) = delete;

@@ -8,8 +8,8 @@
 #include "platform/core/Core.h"
 #include "platform/core/TypedSettings.h"
 #include "platform/di/ServiceLocator.h"
-#include "platform/dp/Cancellation.h"
 #include "platform/dp/DataCatalog.h"
+#include "platform/work/Cancellation.h"
 #include <orvane/Engine.h>
 
 #include <QCoreApplication>
@@ -119,7 +119,7 @@ int barrier(char** message, Work work) {
         return work();
     } catch (const std::bad_alloc&) {
         return SQLITE_NOMEM;
-    } catch (const dp::Cancelled& cancelled) {
+    } catch (const work::Cancelled& cancelled) {
         setMessage(message, cancelled.what());
         return SQLITE_INTERRUPT;
     } catch (const std::exception& exception) {

@@ -106,7 +106,7 @@ void ArrangedRows::sortBy(const KeyColumn& column) {
     order_ = std::move(sorted);
 }
 
-void ArrangedRows::arrangeInOrder(const dp::Cancellation& cancellation) {
+void ArrangedRows::arrangeInOrder(const work::Cancellation& cancellation) {
     placeAsTheyCame();
     for (auto column = keys_.rbegin(); column != keys_.rend(); ++column) {
         column->ranks.finishInOrder(cancellation);
@@ -120,7 +120,7 @@ std::uint32_t ArrangedRows::lastGroup() const {
     return *std::prev(end);
 }
 
-std::size_t ArrangedRows::arrangeForLookups(const dp::Cancellation& cancellation) {
+std::size_t ArrangedRows::arrangeForLookups(const work::Cancellation& cancellation) {
     placeAsTheyCame();
     for (KeyColumn& column : keys_) {
         column.ranks.finishForLookups(cancellation);

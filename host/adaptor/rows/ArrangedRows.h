@@ -3,9 +3,9 @@
 #include "host/adaptor/rows/ByteArena.h"
 #include "host/adaptor/rows/ValueRanks.h"
 
-#include "platform/dp/Cancellation.h"
 #include "platform/dp/Cursor.h"
 #include "platform/dp/ScanRequest.h"
+#include "platform/work/Cancellation.h"
 
 #include <cstdint>
 #include <optional>
@@ -43,14 +43,14 @@ public:
     std::size_t bytes() const;
 
     /// Puts the rows in the order of the keys, the first one first; rows that agree in all stay in the order
-    /// in which they came. NULL comes before all values. Throws dp::Cancelled.
-    void arrangeInOrder(const dp::Cancellation& cancellation);
+    /// in which they came. NULL comes before all values. Throws work::Cancelled.
+    void arrangeInOrder(const work::Cancellation& cancellation);
     /// The place of the first of those rows that agree with the last one in the first key, when there are
     /// rows and they are in order.
     std::uint32_t lastGroup() const;
     /// Arranges for find by the key with the most different values, and answers its position.
-    /// Throws dp::Cancelled.
-    std::size_t arrangeForLookups(const dp::Cancellation& cancellation);
+    /// Throws work::Cancelled.
+    std::size_t arrangeForLookups(const work::Cancellation& cancellation);
 
     Range all() const { return {0, static_cast<std::uint32_t>(order_.size())}; }
     /// The rows in which the key of arrangeForLookups is equal to the operand.

@@ -108,7 +108,7 @@ int ValueRanks::compare(const Cell& a, const Cell& b) const {
     return isNumber(a) ? compareNumbers(a, b) : compareTexts(a.view(), b.view());
 }
 
-void ValueRanks::finishForLookups(const dp::Cancellation& cancellation) {
+void ValueRanks::finishForLookups(const work::Cancellation& cancellation) {
     if (hasTexts_ && collation_ != dp::TextCollation::Binary) {
         finishInOrder(cancellation);
     } else {
@@ -116,10 +116,10 @@ void ValueRanks::finishForLookups(const dp::Cancellation& cancellation) {
     }
 }
 
-void ValueRanks::finishInOrder(const dp::Cancellation& cancellation) {
+void ValueRanks::finishInOrder(const work::Cancellation& cancellation) {
     sorted_.resize(values_.size() - 1);
     std::iota(sorted_.begin(), sorted_.end(), Code{1});
-    std::sort(sorted_.begin(), sorted_.end(), dp::cancellable(cancellation, [this](Code a, Code b) {
+    std::sort(sorted_.begin(), sorted_.end(), work::cancellable(cancellation, [this](Code a, Code b) {
                   return compare(values_[a], values_[b]) < 0;
               }));
     cancellation.check();

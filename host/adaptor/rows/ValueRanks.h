@@ -2,9 +2,9 @@
 
 #include "host/adaptor/rows/ByteArena.h"
 
-#include "platform/dp/Cancellation.h"
 #include "platform/dp/Cursor.h"
 #include "platform/dp/ScanRequest.h"
+#include "platform/work/Cancellation.h"
 #include <orvane/engine/LocaleOrder.h>
 
 #include <cstddef>
@@ -34,10 +34,10 @@ public:
 
     /// The code of a value: 0 for NULL, else from 1 on.
     Code add(const dp::Cell& value, ByteArena& texts);
-    /// Gives the ranks, in order; no more values come. Throws dp::Cancelled.
-    void finishInOrder(const dp::Cancellation& cancellation);
+    /// Gives the ranks, in order; no more values come. Throws work::Cancelled.
+    void finishInOrder(const work::Cancellation& cancellation);
     /// The same with ranks that tell only which values are equal; costs less where these have one code.
-    void finishForLookups(const dp::Cancellation& cancellation);
+    void finishForLookups(const work::Cancellation& cancellation);
 
     const dp::Cell& value(Code code) const { return values_[code]; }
     Rank rank(Code code) const { return ranks_.empty() ? code : ranks_[code]; }

@@ -48,7 +48,7 @@ bool RepeatedScan::isUsable(const dp::ScanTerm& term) const {
 }
 
 dp::Cursor* RepeatedScan::find(dp::Table& table, const dp::ScanRequest& request,
-                               const dp::Cancellation& cancellation) {
+                               const work::Cancellation& cancellation) {
     if (!rows_ && !keep(table, request, cancellation)) {
         return nullptr;
     }
@@ -60,7 +60,7 @@ dp::Cursor* RepeatedScan::find(dp::Table& table, const dp::ScanRequest& request,
 }
 
 bool RepeatedScan::keep(dp::Table& table, const dp::ScanRequest& request,
-                        const dp::Cancellation& cancellation) {
+                        const work::Cancellation& cancellation) {
     if (isGivenUp_ || spent_ == 0) {
         return false;
     }

@@ -4,8 +4,8 @@
 #include "host/adaptor/indices/IndexUse.h"
 #include "host/adaptor/rows/ArrangedRows.h"
 
-#include "platform/dp/Cancellation.h"
 #include "platform/dp/Table.h"
+#include "platform/work/Cancellation.h"
 
 #include <cstddef>
 #include <optional>
@@ -26,7 +26,8 @@ public:
 
     /// The rows that can satisfy the terms of a request, perhaps more, valid until the next call; null when
     /// they are not kept. Throws std::runtime_error when the table cannot be read.
-    dp::Cursor* find(dp::Table& table, const dp::ScanRequest& request, const dp::Cancellation& cancellation);
+    dp::Cursor* find(dp::Table& table, const dp::ScanRequest& request,
+                     const work::Cancellation& cancellation);
 
     /// Counts a scan over the table, or a look-up that found so many rows.
     void countScan(const dp::Table& table, IndexUse::Outcome index);
@@ -39,7 +40,7 @@ public:
 
 private:
     bool isUsable(const dp::ScanTerm& term) const;
-    bool keep(dp::Table& table, const dp::ScanRequest& request, const dp::Cancellation& cancellation);
+    bool keep(dp::Table& table, const dp::ScanRequest& request, const work::Cancellation& cancellation);
 
     const TableDeclaration& declaration_;
     double spent_ = 0; ///< on scans and look-ups, in nanoseconds

@@ -7,7 +7,7 @@
 #include "host/adaptor/scanning/TermFilter.h"
 #include "host/adaptor/tables/VirtualTable.h"
 
-#include "platform/dp/Cancellation.h"
+#include "platform/work/Cancellation.h"
 
 #include <sqlite3.h>
 
@@ -70,7 +70,7 @@ private:
     bool isInIndexOrder_ = false;
     GeometryResult geometry_;
     std::shared_ptr<ScanReport> report_; ///< null when nobody asks how the statement is answered
-    dp::Cancellation cancellation_;
+    work::Cancellation cancellation_;
 };
 
 } // namespace orvane::adaptor

@@ -18,7 +18,7 @@ engine::EngineIndices* VirtualTable::indices() const {
 }
 
 std::optional<std::vector<dp::FeatureId>> VirtualTable::findByIndex(std::span<const dp::ScanTerm> terms,
-                                                                    const dp::Cancellation& cancellation) {
+                                                                    const work::Cancellation& cancellation) {
     engine::EngineIndices* store = terms.empty() ? nullptr : indices();
     return store ? indexing_.find(table(), *store, terms, cancellation) : std::nullopt;
 }
@@ -58,7 +58,7 @@ std::optional<double> VirtualTable::largestGroup(int attribute) const {
 
 std::unique_ptr<dp::Cursor> VirtualTable::openInOrder(const std::vector<int>& attributes,
                                                       std::vector<ArrangedRows::Key> keys,
-                                                      const dp::Cancellation& cancellation) {
+                                                      const work::Cancellation& cancellation) {
     const engine::EngineIndices* store = indices();
     auto order = store ? indexing_.inOrder(table(), *store, keys.front().attribute, keys.front().isDescending)
                        : nullptr;
@@ -67,7 +67,7 @@ std::unique_ptr<dp::Cursor> VirtualTable::openInOrder(const std::vector<int>& at
                  : nullptr;
 }
 
-void VirtualTable::countSort(int attribute, const dp::Cancellation& cancellation) {
+void VirtualTable::countSort(int attribute, const work::Cancellation& cancellation) {
     if (engine::EngineIndices* store = indices()) {
         indexing_.countSort(table(), *store, attribute, cancellation);
     }
@@ -85,7 +85,7 @@ dp::Table& VirtualTable::table() const {
     return *table_;
 }
 
-SpatialIndex& VirtualTable::spatialIndex(const dp::Cancellation& cancellation) {
+SpatialIndex& VirtualTable::spatialIndex(const work::Cancellation& cancellation) {
     if (!hasSpatialIndex()) {
         const std::uint64_t revision = table().revision();
         spatialIndex_ = std::make_unique<SpatialIndex>(table(), cancellation);

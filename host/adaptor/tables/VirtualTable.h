@@ -57,19 +57,19 @@ public:
     /// Whether the spatial index of the table as it is now is there already.
     bool hasSpatialIndex() const { return spatialIndex_ && spatialIndexRevision_ == table().revision(); }
     /// The spatial index of the table as it is now, made when first asked for.
-    SpatialIndex& spatialIndex(const dp::Cancellation& cancellation);
+    SpatialIndex& spatialIndex(const work::Cancellation& cancellation);
 
     /// The features that can satisfy the terms, where an attribute index tells.
     std::optional<std::vector<dp::FeatureId>> findByIndex(std::span<const dp::ScanTerm> terms,
-                                                          const dp::Cancellation& cancellation);
+                                                          const work::Cancellation& cancellation);
     /// As the functions of AttributeIndexing; no order and nothing counted where no index is to be made.
     bool hasOrder(int attribute) const;
     std::optional<double> largestGroup(int attribute) const;
     /// The rows in the order of the keys; null when no index has that of the first.
     std::unique_ptr<dp::Cursor> openInOrder(const std::vector<int>& attributes,
                                             std::vector<ArrangedRows::Key> keys,
-                                            const dp::Cancellation& cancellation);
-    void countSort(int attribute, const dp::Cancellation& cancellation);
+                                            const work::Cancellation& cancellation);
+    void countSort(int attribute, const work::Cancellation& cancellation);
     /// Whether attribute indices are made of the table when they pay.
     bool makesIndices() const { return indexStore_ != nullptr; }
     /// What came of the last findByIndex.

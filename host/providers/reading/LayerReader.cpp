@@ -4,7 +4,7 @@
 #include "host/providers/datasets/GdalErrors.h"
 #include "host/providers/reading/BatchCursor.h"
 #include "host/providers/reading/CountingCursor.h"
-#include "platform/dp/Cancellation.h"
+#include "platform/work/Cancellation.h"
 
 #include <algorithm>
 #include <numeric>
@@ -365,7 +365,7 @@ std::unique_ptr<BatchReader> LayerReader::startCollectedScan(const std::vector<i
 
 void LayerReader::load(const std::vector<int>& attributes) {
     const auto reader = startCollectedScan(attributes);
-    const dp::Cancellation cancellation;
+    const work::Cancellation cancellation;
     for (ColumnBatch batch; !cancellation.isRequested() && reader->next(batch);) {
     }
 }

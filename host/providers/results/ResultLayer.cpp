@@ -4,9 +4,9 @@
 #include "host/providers/datasets/GdalHandles.h"
 #include "host/providers/datasets/LayerSchema.h"
 #include "platform/cs/CoordSystem.h"
-#include "platform/dp/Cancellation.h"
 #include "platform/geometry/forms/GeometryFactory.h"
 #include "platform/geometry/forms/TextFormats.h"
+#include "platform/work/Cancellation.h"
 #include <orvane/engine/SpatialiteBlob.h>
 
 #include <QCoreApplication>
@@ -346,7 +346,7 @@ void LayerWriter::writeRow(const std::vector<ResultCell>& cells) {
 }
 
 WrittenLayer LayerWriter::writeRows() {
-    const dp::Cancellation cancellation;
+    const work::Cancellation cancellation;
     const bool hasTransactions = GDALDatasetTestCapability(dataset_.get(), ODsCTransactions) != 0;
     if (hasTransactions && GDALDatasetStartTransaction(dataset_.get(), FALSE) != OGRERR_NONE)
         errors_.raise(Texts::tr("слой не записывается"));

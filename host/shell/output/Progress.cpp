@@ -16,7 +16,7 @@ namespace orvane::shell {
 Progress::Progress() {
     if (!::isatty(STDERR_FILENO))
         return;
-    dp::Progress::exchangeWatcher([this](const dp::Progress::State& state) {
+    work::Progress::exchangeWatcher([this](const work::Progress::State& state) {
         const std::lock_guard lock(mutex_);
         work_ = state;
     });
@@ -26,7 +26,7 @@ Progress::Progress() {
 void Progress::stop() {
     if (!thread_.joinable())
         return;
-    dp::Progress::exchangeWatcher({});
+    work::Progress::exchangeWatcher({});
     {
         const std::lock_guard lock(mutex_);
         stopping_ = true;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/dp/Progress.h"
+#include "platform/work/Progress.h"
 
 #include <atomic>
 #include <chrono>
@@ -33,7 +33,7 @@ private:
     std::mutex mutex_;
     std::condition_variable stopped_;
     bool stopping_ = false;
-    dp::Progress::State work_; ///< long work inside the statement, such as making an index
+    work::Progress::State work_; ///< long work inside the statement, such as making an index
     std::thread thread_;
 };
 

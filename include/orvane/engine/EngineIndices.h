@@ -2,7 +2,7 @@
 
 #include "platform/dp/Cursor.h"
 #include "platform/dp/Feature.h"
-#include "platform/dp/Progress.h"
+#include "platform/work/Progress.h"
 #include <orvane/engine/Export.h>
 #include <orvane/engine/IndexStatistics.h>
 
@@ -80,7 +80,7 @@ public:
 
     /// Loads many rows into one index, all of them or none: sorted in memory in portions of about 128 MiB.
     /// One loader of a store at a time, and no change of its indices meanwhile. Its operations throw
-    /// dp::Cancelled. May outlive its store, not for any use.
+    /// work::Cancelled. May outlive its store, not for any use.
     class ORVANE_ENGINE_EXPORT RowLoader {
     public:
         virtual ~RowLoader();
@@ -159,7 +159,7 @@ protected:
 public:
     /// The fast way to fill an index; null for an unknown one. The progress, if there is one, is told of each
     /// row twice: when it has been added and when it has been stored.
-    virtual std::unique_ptr<RowLoader> getLoader(int index, dp::Progress* progress = nullptr) = 0;
+    virtual std::unique_ptr<RowLoader> getLoader(int index, work::Progress* progress = nullptr) = 0;
     /// The fast way to search one: `columns` are attributes of the index with the comparisons that all have
     /// to hold, in any number; without any every row is found. Null for an unknown index or an attribute that
     /// it does not cover.

@@ -26,7 +26,7 @@ public:
     void setQuantity(unsigned long long quantity) override;
     unsigned long long estimateRows(int index, const std::vector<Column>& columns) const override;
     void enumColumns(int index, const std::function<Status(int attribute)>& callback) const override;
-    std::unique_ptr<RowLoader> getLoader(int index, dp::Progress* progress) override;
+    std::unique_ptr<RowLoader> getLoader(int index, work::Progress* progress) override;
     std::unique_ptr<RowLookup> getLookup(int index, std::span<const Column> columns,
                                          RowOrder order) const override;
     unsigned long long groups(int index) const override;

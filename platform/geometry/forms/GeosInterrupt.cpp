@@ -1,6 +1,6 @@
 #include "platform/geometry/forms/GeosInterrupt.h"
 
-#include "platform/dp/Cancellation.h"
+#include "platform/work/Cancellation.h"
 
 #include <geos_c.h>
 
@@ -10,7 +10,7 @@ namespace orvane::geometry {
 
 namespace {
 
-thread_local std::optional<dp::Cancellation> currentWork;
+thread_local std::optional<work::Cancellation> currentWork;
 GEOSInterruptCallback* callbackBefore = nullptr;
 
 /// GEOS calls this from its loops, on the thread that works, and fails there when it was requested.

@@ -11,7 +11,7 @@ namespace orvane::geometry {
 
 namespace {
 
-std::vector<GeosPtr> geosForms(const NextGeometry& next, const dp::Cancellation& cancellation) {
+std::vector<GeosPtr> geosForms(const NextGeometry& next, const work::Cancellation& cancellation) {
     std::vector<GeosPtr> forms;
     while (const GeometryPtr geometry = next()) {
         cancellation.check();
@@ -26,7 +26,7 @@ std::vector<GeosPtr> geosForms(const NextGeometry& next, const dp::Cancellation&
 
 /// What GEOS says of a computation that was cancelled is no message for a user.
 template<typename Compute>
-std::shared_ptr<Geometry> computed(const dp::Cancellation& cancellation, const Compute& compute) {
+std::shared_ptr<Geometry> computed(const work::Cancellation& cancellation, const Compute& compute) {
     try {
         return compute();
     } catch (const std::runtime_error&) {
@@ -40,7 +40,7 @@ std::shared_ptr<Geometry> fromGeosUnlessEmpty(const GeosPtr& geos) {
     return geos && GEOSisEmpty_r(geosContext(), geos.get()) == 0 ? fromGeos(geos.get()) : nullptr;
 }
 
-GeosPtr madeValid(const GEOSGeometry* collection, const dp::Cancellation& cancellation) {
+GeosPtr madeValid(const GEOSGeometry* collection, const work::Cancellation& cancellation) {
     std::vector<GeosPtr> valid;
     const int count = GEOSGetNumGeometries_r(geosContext(), collection);
     for (int i = 0; i < count; ++i) {
@@ -53,7 +53,7 @@ GeosPtr madeValid(const GEOSGeometry* collection, const dp::Cancellation& cancel
 
 } // namespace
 
-std::shared_ptr<Geometry> unionOf(const NextGeometry& next, const dp::Cancellation& cancellation) {
+std::shared_ptr<Geometry> unionOf(const NextGeometry& next, const work::Cancellation& cancellation) {
     return computed(cancellation, [&] {
         const GeosPtr all = collectionOf(GEOS_GEOMETRYCOLLECTION, geosForms(next, cancellation));
         GeosPtr united(GEOSUnaryUnion_r(geosContext(), all.get()));
@@ -64,7 +64,7 @@ std::shared_ptr<Geometry> unionOf(const NextGeometry& next, const dp::Cancellati
     });
 }
 
-std::shared_ptr<Geometry> polygonized(const NextGeometry& next, const dp::Cancellation& cancellation) {
+std::shared_ptr<Geometry> polygonized(const NextGeometry& next, const work::Cancellation& cancellation) {
     return computed(cancellation, [&] {
         const std::vector<GeosPtr> lines = geosForms(next, cancellation);
         std::vector<const GEOSGeometry*> lent;

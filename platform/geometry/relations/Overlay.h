@@ -1,8 +1,8 @@
 #pragma once
 
 #include "platform/Export.h"
-#include "platform/dp/Cancellation.h"
 #include "platform/geometry/shapes/Geometry.h"
+#include "platform/work/Cancellation.h"
 
 #include <functional>
 #include <memory>
@@ -12,7 +12,7 @@ namespace orvane::geometry {
 // What becomes of many geometries in the plane of the coordinates. They are asked for one after another, so
 // that the objects need not exist all at once; `next` gives null at the end. Curves are made linear, m is
 // left out, coordinate systems are not looked at. The results have none; null when there is nothing. All
-// functions throw dp::Cancelled, and std::runtime_error when a coordinate is not finite or GEOS fails.
+// functions throw work::Cancelled, and std::runtime_error when a coordinate is not finite or GEOS fails.
 
 using NextGeometry = std::function<GeometryPtr()>;
 
@@ -20,10 +20,10 @@ using NextGeometry = std::function<GeometryPtr()>;
 /// where they cross, every point once. Areas that cross themselves are made valid when GEOS does not get by
 /// without.
 ORVANE_PLATFORM_EXPORT std::shared_ptr<Geometry> unionOf(const NextGeometry& next,
-                                                         const dp::Cancellation& cancellation);
+                                                         const work::Cancellation& cancellation);
 
 /// The areas that lines and borders enclose. Lines bound an area only where they meet in their ends.
 ORVANE_PLATFORM_EXPORT std::shared_ptr<Geometry> polygonized(const NextGeometry& next,
-                                                             const dp::Cancellation& cancellation);
+                                                             const work::Cancellation& cancellation);
 
 } // namespace orvane::geometry

@@ -1,6 +1,6 @@
 #include "IndexFixture.h"
 
-#include "platform/dp/Cancellation.h"
+#include "platform/work/Cancellation.h"
 
 #include <QFile>
 
@@ -50,11 +50,11 @@ TEST_F(MillionRows, AreLoadedInBoundedMemoryAndAllFoundAgain) {
     std::map<unsigned, std::vector<qint64>> sample; ///< the rows of some names
     std::int64_t reported = 0;
     std::int64_t largestReport = 0;
-    dp::Progress::exchangeWatcher([&](const dp::Progress::State& state) {
+    work::Progress::exchangeWatcher([&](const work::Progress::State& state) {
         largestReport = std::max(largestReport, state.done - reported);
         reported = std::max(reported, state.done);
     });
-    dp::Progress progress(QStringLiteral("индекс"), 2 * numRows);
+    work::Progress progress(QStringLiteral("индекс"), 2 * numRows);
     auto names = store_->getLoader(byName, &progress);
     for (int row = 0; row < numRows; ++row) {
         const unsigned number = unsigned(row) % numNames;
@@ -66,7 +66,7 @@ TEST_F(MillionRows, AreLoadedInBoundedMemoryAndAllFoundAgain) {
     }
     names->finish();
     names.reset();
-    dp::Progress::exchangeWatcher({});
+    work::Progress::exchangeWatcher({});
     EXPECT_EQ(reported, 2 * numRows);
     EXPECT_LE(largestReport, numRows / 100) << "at least a hundred reports on the way";
     auto numbers = store_->getLoader(byNumber);
@@ -108,9 +108,9 @@ TEST_F(MillionRows, StopLoadingWithinATenthOfASecond) {
         std::thread user([&cancelled, delay] { // while rows are sorted, while they are stored
             std::this_thread::sleep_for(delay);
             cancelled = std::chrono::steady_clock::now();
-            dp::Cancellation::cancelAll();
+            work::Cancellation::cancelAll();
         });
-        EXPECT_THROW(loader->finish(), dp::Cancelled);
+        EXPECT_THROW(loader->finish(), work::Cancelled);
         const auto stopped = std::chrono::steady_clock::now();
         user.join();
         EXPECT_LT(stopped - cancelled, std::chrono::milliseconds(100 * slowdown));

@@ -3,7 +3,7 @@
 #include "support/RandomText.h"
 
 #include "platform/core/SqliteException.h"
-#include "platform/dp/Cancellation.h"
+#include "platform/work/Cancellation.h"
 
 #include <cmath>
 #include <random>
@@ -113,8 +113,8 @@ TEST_F(RowLoaderTest, StoresAllOrNothing) {
     {
         const auto loader = store_->getLoader(index);
         loader->addRow(5, cells);
-        dp::Cancellation::cancelAll();
-        EXPECT_THROW(loader->finish(), dp::Cancelled);
+        work::Cancellation::cancelAll();
+        EXPECT_THROW(loader->finish(), work::Cancelled);
     }
     EXPECT_THROW(store_->getLoader(index)->addRow(5, Cells{}), std::logic_error);
     EXPECT_EQ(all(index), std::vector<qint64>{0});

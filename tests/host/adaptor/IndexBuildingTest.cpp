@@ -3,9 +3,9 @@
 #include "host/adaptor/explaining/StatementExplanation.h"
 #include "platform/core/TypedSettings.h"
 #include "platform/di/ServiceLocator.h"
-#include "platform/dp/Cancellation.h"
-#include "platform/dp/Progress.h"
 #include "platform/log/Logger.h"
+#include "platform/work/Cancellation.h"
+#include "platform/work/Progress.h"
 
 #include <QDir>
 #include <QSqlDriver>
@@ -32,7 +32,7 @@ protected:
         sink_ = loggerInstance()->exchangeSink([this](const LogEntry& entry) { log_ += entry.text; });
     }
     void TearDown() override {
-        dp::Progress::exchangeWatcher({});
+        work::Progress::exchangeWatcher({});
         loggerInstance()->exchangeSink(sink_);
         serviceLocator().exchange<TypedSettings>(nullptr);
         AdaptorTest::TearDown();
@@ -75,8 +75,9 @@ protected:
 
 TEST_F(IndexBuildingTest, TellsHowFarItIsAndLogsWhatItMade) {
     const auto table = openItems("told");
-    std::vector<dp::Progress::State> states;
-    dp::Progress::exchangeWatcher([&states](const dp::Progress::State& state) { states.push_back(state); });
+    std::vector<work::Progress::State> states;
+    work::Progress::exchangeWatcher(
+        [&states](const work::Progress::State& state) { states.push_back(state); });
     EXPECT_TRUE(explanation(lookupsIn("told")).contains(QStringLiteral("сделан сейчас")));
     ASSERT_GT(states.size(), 10U);
     EXPECT_EQ(states.front().work, QStringLiteral("индекс told(number)"));
@@ -96,10 +97,10 @@ TEST_F(IndexBuildingTest, EndsWhenTheQueryIsCancelledAndBeginsAfresh) {
     const auto table = openItems("stopped");
     for (const qint64 from : {1, 7'000}) { // while rows are read, while they are stored
         bool stopped = false;
-        dp::Progress::exchangeWatcher([&stopped, from](const dp::Progress::State& state) {
+        work::Progress::exchangeWatcher([&stopped, from](const work::Progress::State& state) {
             if (state.done >= from && !stopped) {
                 stopped = true;
-                dp::Cancellation::cancelAll();
+                work::Cancellation::cancelAll();
             }
         });
         QSqlQuery query(engine().engineDatabase());
@@ -107,7 +108,7 @@ TEST_F(IndexBuildingTest, EndsWhenTheQueryIsCancelledAndBeginsAfresh) {
         EXPECT_TRUE(stopped);
         EXPECT_EQ(query.lastError().nativeErrorCode(), QString::number(SQLITE_INTERRUPT));
     }
-    dp::Progress::exchangeWatcher({});
+    work::Progress::exchangeWatcher({});
     EXPECT_TRUE(
         explanation(lookupsIn("stopped")).contains(QStringLiteral("индекс по number (сделан сейчас")));
 }

@@ -38,7 +38,7 @@ std::string shownOnTerminal(unsigned short columns, Function function) {
 TEST(Progress, ShowsTheWorkInOneLineAndWipesIt) {
     const auto work = [] {
         Progress progress;
-        dp::Progress index(QStringLiteral("индекс города(имя)"), 200);
+        work::Progress index(QStringLiteral("индекс города(имя)"), 200);
         index.advance(50);
         std::this_thread::sleep_for(std::chrono::milliseconds(600)); // it appears after 500
     };

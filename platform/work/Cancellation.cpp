@@ -1,17 +1,17 @@
-#include "platform/dp/Cancellation.h"
+#include "platform/work/Cancellation.h"
 
 #include <QCoreApplication>
 
 #include <atomic>
 
-namespace orvane::dp {
+namespace orvane::work {
 
 namespace {
 std::atomic<std::uint64_t> cancellations{0};
 }
 
 Cancelled::Cancelled()
-    : std::runtime_error(QCoreApplication::translate("orvane::dp", "Запрос прерван").toStdString()) {}
+    : std::runtime_error(QCoreApplication::translate("orvane::work", "Запрос прерван").toStdString()) {}
 
 Cancellation::Cancellation() : since_(cancellations.load(std::memory_order_relaxed)) {}
 
@@ -29,4 +29,4 @@ void Cancellation::cancelAll() {
     cancellations.fetch_add(1, std::memory_order_relaxed);
 }
 
-} // namespace orvane::dp
+} // namespace orvane::work

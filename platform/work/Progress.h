@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <functional>
 
-namespace orvane::dp {
+namespace orvane::work {
 
 /// Tells whoever watches how far a piece of long work is, such as making an index. Exists for as long as the
 /// work; used from the thread that does it. Reports are for portions of work, not for single rows.
@@ -35,4 +35,4 @@ private:
     State state_;
 };
 
-} // namespace orvane::dp
+} // namespace orvane::work

@@ -6,7 +6,7 @@
 #include <stdexcept>
 #include <utility>
 
-namespace orvane::dp {
+namespace orvane::work {
 
 /// Long work was cancelled. The text is UTF-8 for the user.
 class ORVANE_PLATFORM_EXPORT Cancelled : public std::runtime_error {
@@ -45,4 +45,4 @@ auto cancellable(const Cancellation& cancellation, Order order) {
     };
 }
 
-} // namespace orvane::dp
+} // namespace orvane::work

@@ -1,9 +1,9 @@
-#include "platform/dp/Progress.h"
+#include "platform/work/Progress.h"
 
 #include <mutex>
 #include <utility>
 
-namespace orvane::dp {
+namespace orvane::work {
 
 namespace {
 
@@ -41,4 +41,4 @@ Progress::Watcher Progress::exchangeWatcher(Watcher watcher) {
     return std::exchange(currentWatcher(), std::move(watcher));
 }
 
-} // namespace orvane::dp
+} // namespace orvane::work
