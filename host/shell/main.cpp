@@ -1,9 +1,9 @@
+#include "host/shell/messages/Language.h"
+#include "host/shell/messages/Shell.h"
 #include "host/shell/prompt/Prompt.h"
 #include "host/shell/session/Interrupt.h"
-#include "host/shell/session/Language.h"
 #include "host/shell/session/Options.h"
 #include "host/shell/session/Session.h"
-#include "host/shell/session/Shell.h"
 #include "host/shell/statements/StatementRunner.h"
 
 #include <orvane/Engine.h>

@@ -1,7 +1,7 @@
 #include "host/shell/messages/Problem.h"
 
-#include "host/shell/output/DisplayWidth.h"
-#include "host/shell/session/Shell.h"
+#include "host/shell/messages/DisplayWidth.h"
+#include "host/shell/messages/Shell.h"
 
 #include <algorithm>
 

@@ -2,7 +2,7 @@
 
 #include "host/adaptor/functions/FunctionRegistry.h"
 #include "host/shell/messages/NearestName.h"
-#include "host/shell/session/Shell.h"
+#include "host/shell/messages/Shell.h"
 
 #include "platform/sql/lexing/SqlStrings.h"
 #include <orvane/engine/FunctionNames.h>

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "host/shell/messages/Names.h"
 #include "host/shell/messages/Problem.h"
 #include "host/shell/messages/StatementNames.h"
-#include "host/shell/session/Names.h"
 
 #include "platform/sql/lexing/Lexer.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/shell/session/Names.h"
+#include "host/shell/messages/Names.h"
 
 #include "platform/sql/lexing/Lexer.h"
 

@@ -1,9 +1,5 @@
 #include "host/shell/output/DataWriter.h"
 
-#include "host/shell/session/Session.h"
-
-#include <orvane/Engine.h>
-
 namespace orvane::shell {
 
 namespace {
@@ -19,14 +15,16 @@ void orDataError(Work work) {
 
 } // namespace
 
-DataWriter::DataWriter(sqlite3_stmt* statement, Session& session, Target target, Output& output)
-    : ResultWriter(output), statement_(statement), session_(session), target_(std::move(target)) {}
+DataWriter::DataWriter(sqlite3_stmt* statement, const dp::DataCatalog& catalog, engine::EngineCache& cache,
+                       Target target, Output& output)
+    : ResultWriter(output), statement_(statement), catalog_(catalog), cache_(cache),
+      target_(std::move(target)) {}
 
 void DataWriter::begin(const std::vector<std::string>& columns) {
     QStringList names;
     for (const std::string& column : columns)
         names += QString::fromStdString(column);
-    orDataError([&] { rows_.emplace(statement_, names, session_.catalog(), *session_.engine().cache()); });
+    orDataError([&] { rows_.emplace(statement_, names, catalog_, cache_); });
 }
 
 void DataWriter::row(const ResultRow&) {

@@ -9,8 +9,6 @@
 
 namespace orvane::shell {
 
-class Session;
-
 /// The result did not become the table or the file that it should; the text is UTF-8 for the user.
 class DataError : public std::runtime_error {
 public:
@@ -24,7 +22,8 @@ public:
     using Target = std::function<void(files::ResultRows&)>;
 
     /// The statement is the one whose rows are written. Nothing is owned.
-    DataWriter(sqlite3_stmt* statement, Session& session, Target target, Output& output);
+    DataWriter(sqlite3_stmt* statement, const dp::DataCatalog& catalog, engine::EngineCache& cache,
+               Target target, Output& output);
 
     void begin(const std::vector<std::string>& columns) override;
     void row(const ResultRow& row) override;
@@ -32,7 +31,8 @@ public:
 
 private:
     sqlite3_stmt* statement_;
-    Session& session_;
+    const dp::DataCatalog& catalog_;
+    engine::EngineCache& cache_;
     Target target_;
     std::optional<files::ResultRows> rows_;
 };

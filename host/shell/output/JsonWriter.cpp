@@ -1,8 +1,8 @@
 #include "host/shell/output/JsonWriter.h"
 
-#include "host/shell/output/DisplayWidth.h"
+#include "host/shell/messages/DisplayWidth.h"
+#include "host/shell/messages/Shell.h"
 #include "host/shell/output/NumberText.h"
-#include "host/shell/session/Shell.h"
 
 #include "platform/cs/CoordSystem.h"
 #include "platform/geometry/forms/TextFormats.h"

@@ -1,6 +1,6 @@
 #include "host/shell/output/Output.h"
 
-#include "host/shell/session/Shell.h"
+#include "host/shell/messages/Shell.h"
 
 #include <algorithm>
 #include <array>

@@ -1,8 +1,8 @@
 #include "host/shell/output/Progress.h"
 
-#include "host/shell/output/DisplayWidth.h"
+#include "host/shell/messages/DisplayWidth.h"
+#include "host/shell/messages/Shell.h"
 #include "host/shell/output/Output.h"
-#include "host/shell/session/Shell.h"
 
 #include <QLocale>
 

@@ -2,9 +2,9 @@
 
 #include "host/shell/output/Output.h"
 #include "host/shell/output/ResultRow.h"
-#include "host/shell/session/Options.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -29,6 +29,8 @@ protected:
 
     Output& output_;
 };
+
+enum class Format { Table, Csv, Json, GeoJson };
 
 /// How a format shows what it leaves open.
 struct WriterSettings {

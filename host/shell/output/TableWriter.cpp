@@ -1,6 +1,6 @@
 #include "host/shell/output/TableWriter.h"
 
-#include "host/shell/output/DisplayWidth.h"
+#include "host/shell/messages/DisplayWidth.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #include "host/shell/prompt/LineEditor.h"
 
-#include "host/shell/output/DisplayWidth.h"
+#include "host/shell/messages/DisplayWidth.h"
 #include "host/shell/output/Output.h"
 #include "host/shell/session/Interrupt.h"
 

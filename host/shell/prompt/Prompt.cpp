@@ -1,9 +1,9 @@
 #include "host/shell/prompt/Prompt.h"
 
+#include "host/shell/messages/Shell.h"
 #include "host/shell/prompt/PromptCommands.h"
 #include "host/shell/prompt/WordCompletion.h"
 #include "host/shell/session/Interrupt.h"
-#include "host/shell/session/Shell.h"
 
 #include "platform/sql/lexing/Script.h"
 

@@ -2,7 +2,7 @@
 
 #include "host/adaptor/functions/FunctionRegistry.h"
 #include "host/shell/messages/NearestName.h"
-#include "host/shell/session/Shell.h"
+#include "host/shell/messages/Shell.h"
 
 #include "platform/cs/CoordSystem.h"
 #include "platform/dp/Table.h"

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "host/shell/messages/Names.h"
 #include "host/shell/prompt/LineEditor.h"
-#include "host/shell/session/Names.h"
 
 namespace orvane::shell {
 

@@ -1,6 +1,6 @@
 #include "host/shell/session/Interrupt.h"
 
-#include "host/shell/session/Shell.h"
+#include "host/shell/messages/Shell.h"
 
 #include <chrono>
 #include <csignal>

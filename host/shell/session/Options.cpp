@@ -4,7 +4,7 @@
 #include "host/adaptor/functions/FunctionRegistry.h"
 #include "host/providers/results/ResultFile.h"
 #include "host/shell/messages/NearestName.h"
-#include "host/shell/session/Shell.h"
+#include "host/shell/messages/Shell.h"
 
 #include <CLI/CLI.hpp>
 

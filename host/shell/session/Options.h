@@ -1,5 +1,7 @@
 #pragma once
 
+#include "host/shell/output/ResultWriter.h"
+
 #include "platform/log/Logger.h"
 #include <orvane/engine/EngineCache.h>
 
@@ -10,8 +12,6 @@
 #include <vector>
 
 namespace orvane::shell {
-
-enum class Format { Table, Csv, Json, GeoJson };
 
 /// A layer to open under a name of the user's choice; without layer name the only one of the file.
 struct TableSource {

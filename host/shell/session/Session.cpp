@@ -6,8 +6,8 @@
 #include "host/providers/FilesExtension.h"
 #include "host/providers/results/ResultFile.h"
 #include "host/shell/messages/NearestName.h"
+#include "host/shell/messages/Shell.h"
 #include "host/shell/messages/SqliteErrors.h"
-#include "host/shell/session/Shell.h"
 #include "platform/di/ServiceLocator.h"
 
 #include <orvane/Engine.h>

@@ -1,6 +1,6 @@
 #include "host/shell/statements/ColumnTitles.h"
 
-#include "host/shell/session/Names.h"
+#include "host/shell/messages/Names.h"
 
 #include "platform/sql/lexing/SqlStrings.h"
 

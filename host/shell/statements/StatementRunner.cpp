@@ -1,11 +1,11 @@
 #include "host/shell/statements/StatementRunner.h"
 
 #include "host/adaptor/explaining/StatementExplanation.h"
+#include "host/shell/messages/Shell.h"
 #include "host/shell/messages/SqliteErrors.h"
 #include "host/shell/output/DataWriter.h"
 #include "host/shell/output/Progress.h"
 #include "host/shell/session/Interrupt.h"
-#include "host/shell/session/Shell.h"
 #include "host/shell/statements/ColumnTitles.h"
 
 #include "platform/sql/lexing/Script.h"
@@ -172,7 +172,8 @@ std::unique_ptr<ResultWriter> StatementRunner::makeWriter(const Statement& state
     } else {
         return makeResultWriter(settings_.writer, output_);
     }
-    return std::make_unique<DataWriter>(prepared, session_, std::move(target), output_);
+    return std::make_unique<DataWriter>(prepared, session_.catalog(), *session_.engine().cache(),
+                                        std::move(target), output_);
 }
 
 Outcome StatementRunner::runSqlite(Statement& statement, const std::string& sqliteText) {

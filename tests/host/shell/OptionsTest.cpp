@@ -1,5 +1,5 @@
 #include "host/shell/session/Options.h"
-#include "host/shell/session/Shell.h"
+#include "host/shell/messages/Shell.h"
 
 #include <gtest/gtest.h>
 

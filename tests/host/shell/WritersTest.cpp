@@ -1,4 +1,4 @@
-#include "host/shell/output/DisplayWidth.h"
+#include "host/shell/messages/DisplayWidth.h"
 #include "host/shell/output/NumberText.h"
 #include "host/shell/output/ResultWriter.h"
 #include "support/TextBlocks.h"

@@ -1,4 +1,4 @@
-#include "host/shell/session/Names.h"
+#include "host/shell/messages/Names.h"
 
 #include "host/adaptor/functions/FunctionRegistry.h"
 

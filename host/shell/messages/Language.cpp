@@ -1,4 +1,4 @@
-#include "host/shell/session/Language.h"
+#include "host/shell/messages/Language.h"
 
 #include <QCoreApplication>
 #include <QLocale>

@@ -1,4 +1,4 @@
-#include "host/shell/output/DisplayWidth.h"
+#include "host/shell/messages/DisplayWidth.h"
 
 #include <QChar>
 
