@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/dp/Cursor.h"
 #include "platform/dp/ScanRequest.h"
 #include "platform/dp/TableSchema.h"
 
@@ -23,6 +24,12 @@ public:
         bool unique = false;
 
         bool isLocaleText() const { return kind == Kind::Text && collation == dp::TextCollation::Locale; }
+        /// Whether SQLite compares the column with a value of the type as both are: numbers or texts.
+        bool comparesAsIs(dp::CellType type) const {
+            return kind == Kind::Text ? type == dp::CellType::Text
+                                      : kind == Kind::Number &&
+                                            (type == dp::CellType::Integer || type == dp::CellType::Real);
+        }
     };
 
     explicit TableDeclaration(const dp::TableSchema& schema);

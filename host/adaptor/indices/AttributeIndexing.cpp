@@ -1,7 +1,7 @@
 #include "host/adaptor/indices/AttributeIndexing.h"
 
+#include "host/adaptor/indices/Costs.h"
 #include "host/adaptor/indices/IndexBuilder.h"
-#include "host/adaptor/planning/Costs.h"
 #include "host/adaptor/rows/ValueOrder.h"
 
 #include <orvane/engine/EngineCache.h>
@@ -97,7 +97,6 @@ IndexUse::Outcome AttributeIndexing::judge(const TableDeclaration::Column& colum
 
 bool AttributeIndexing::isServed(const dp::ScanTerm& term, const EngineIndices& store) const {
     const TableDeclaration::Column& asked = column(term.attribute);
-    const bool isText = asked.kind == Kind::Text;
     if (judge(asked, term.comparison, term.collation) != IndexUse::Outcome::Used) {
         return false;
     }
@@ -105,9 +104,8 @@ bool AttributeIndexing::isServed(const dp::ScanTerm& term, const EngineIndices& 
         const auto* pattern = std::get_if<std::string>(&term.operands.front());
         return pattern && store.narrows(operationOf(term.comparison), *pattern);
     }
-    return std::all_of(term.operands.begin(), term.operands.end(), [isText](const dp::ScanValue& operand) {
-        return std::holds_alternative<std::string>(operand) == isText &&
-               !std::holds_alternative<std::monostate>(operand);
+    return std::all_of(term.operands.begin(), term.operands.end(), [&asked](const dp::ScanValue& operand) {
+        return asked.comparesAsIs(cellOf(operand).type());
     });
 }
 

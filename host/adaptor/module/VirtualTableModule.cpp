@@ -2,6 +2,7 @@
 
 #include "host/adaptor/functions/FunctionRecord.h"
 #include "host/adaptor/module/TableEdit.h"
+#include "host/adaptor/planning/BestIndex.h"
 #include "host/adaptor/scanning/VirtualCursor.h"
 #include "host/adaptor/tables/VirtualTable.h"
 
@@ -221,7 +222,7 @@ int xDestroy(sqlite3_vtab* table) {
 
 int xBestIndex(sqlite3_vtab* table, sqlite3_index_info* info) {
     return barrier(&table->zErrMsg, [&] {
-        tableOf(table).plan(*info);
+        planScan(tableOf(table), *info);
         return SQLITE_OK;
     });
 }

@@ -1,6 +1,9 @@
-#include "host/adaptor/planning/Costs.h"
+#include "host/adaptor/planning/BestIndex.h"
+
+#include "host/adaptor/explaining/ScanReport.h"
+#include "host/adaptor/indices/Costs.h"
+#include "host/adaptor/planning/ScanPlan.h"
 #include "host/adaptor/rows/ArrangedRows.h"
-#include "host/adaptor/scanning/TermFilter.h"
 #include "host/adaptor/tables/VirtualTable.h"
 
 #include <algorithm>
@@ -245,7 +248,7 @@ private:
         const bool hasOperand = !nullTest && comparison != Comparison::In;
         const auto operand = hasOperand ? constantOperand(i) : std::nullopt;
         const bool isText = column.kind == Kind::Text;
-        const bool isOwnKind = operand && TermFilter::isExact(isText, *operand);
+        const bool isOwnKind = operand && column.comparesAsIs(operand->type());
         hasOpenOperand_ = hasOpenOperand_ || (hasOperand && !operand);
         hand(i, nullTest || (isOwnKind && knownCollation));
         plan_.terms.push_back({constraint(i).iColumn, comparison, *collation});
@@ -499,8 +502,8 @@ private:
 
 } // namespace
 
-void VirtualTable::plan(sqlite3_index_info& info) const {
-    Planner(*this, info).run();
+void planScan(const VirtualTable& table, sqlite3_index_info& info) {
+    Planner(table, info).run();
 }
 
 } // namespace orvane::adaptor

@@ -1,6 +1,7 @@
 #include "host/adaptor/scanning/RepeatedScan.h"
 
-#include "host/adaptor/planning/Costs.h"
+#include "host/adaptor/indices/Costs.h"
+#include "host/adaptor/rows/ValueOrder.h"
 
 #include <algorithm>
 
@@ -9,7 +10,6 @@ namespace orvane::adaptor {
 namespace {
 
 using dp::Comparison;
-using Kind = TableDeclaration::Kind;
 
 /// Above this, keeping the rows anew for each statement costs more than an index does in the long run.
 constexpr double mostRowsBeforeIndex = 200'000;
@@ -41,10 +41,8 @@ bool RepeatedScan::isUsable(const dp::ScanTerm& term) const {
     const auto& columns = declaration_.columns();
     const auto column = std::find_if(columns.begin(), columns.end(),
                                      [&term](const auto& each) { return each.attribute == term.attribute; });
-    const dp::ScanValue& operand = term.operands.front();
-    const bool isText = std::holds_alternative<std::string>(operand);
-    return std::holds_alternative<std::monostate>(operand) ||
-           (isText ? column->kind == Kind::Text : column->kind == Kind::Number);
+    const dp::Cell operand = cellOf(term.operands.front());
+    return operand.isNull() || column->comparesAsIs(operand.type());
 }
 
 dp::Cursor* RepeatedScan::find(dp::Table& table, const dp::ScanRequest& request,

@@ -49,10 +49,6 @@ bool isNullTest(Comparison comparison) {
 
 } // namespace
 
-bool TermFilter::isExact(bool textColumn, const Cell& operand) {
-    return textColumn ? operand.type() == CellType::Text : isNumber(operand);
-}
-
 void TermFilter::assign(std::span<const ScanTerm> terms) {
     terms_ = terms;
     lists_.clear();

@@ -20,10 +20,6 @@ namespace orvane::adaptor {
 /// passes wrongly is for SQLite to judge.
 class ORVANE_ADAPTOR_EXPORT TermFilter {
 public:
-    /// Whether the filter's answer for one operand and a column of that kind of value is SQLite's own, so
-    /// that SQLite need not check again.
-    static bool isExact(bool textColumn, const dp::Cell& operand);
-
     /// Takes the terms of the next scan. `terms` must outlive the scan.
     void assign(std::span<const dp::ScanTerm> terms);
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/adaptor/explaining/ScanReport.h"
 #include "host/adaptor/planning/ScanPlan.h"
 #include "host/adaptor/rows/ArrangedRows.h"
 #include "host/adaptor/scanning/GeometryResult.h"

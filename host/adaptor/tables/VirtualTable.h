@@ -1,10 +1,8 @@
 #pragma once
 
 #include "host/adaptor/declaration/TableDeclaration.h"
-#include "host/adaptor/explaining/ScanReport.h"
 #include "host/adaptor/indices/AttributeIndexing.h"
 #include "host/adaptor/indices/SpatialIndex.h"
-#include "host/adaptor/planning/ScanPlan.h"
 #include "host/adaptor/rows/ArrangedRows.h"
 
 #include "platform/dp/Table.h"
@@ -82,9 +80,6 @@ public:
     /// Whether an index can look texts up by how the pattern begins; false where none is to be made.
     bool narrows(dp::Comparison comparison, std::string_view pattern) const;
     void forgetIndices() { indexing_.forget(); }
-
-    /// Decides which constraints a scan takes over (xBestIndex).
-    void plan(sqlite3_index_info& info) const;
 
 private:
     /// The table's attribute indices; null when none are made, and for a closed table.
