@@ -12,6 +12,7 @@
 #include <clocale>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -44,10 +45,13 @@ Input readScript(const std::string& path) {
     if (path == "-")
         return {QString(), readAll(std::cin)};
     std::ifstream file(path, std::ios::binary);
-    std::string text = readAll(file);
-    if (!file.is_open() || file.bad())
+    // A stream opens a directory, too, and throws when it is read.
+    const bool opened = file.is_open() && !(std::filesystem::is_directory(path) && (errno = EISDIR));
+    std::string text = opened ? readAll(file) : std::string();
+    if (!opened || file.bad()) {
         throw UsageError(QStringLiteral("%0: %1").arg(QString::fromStdString(path),
                                                       QString::fromLocal8Bit(std::strerror(errno))));
+    }
     if (text.rfind("\xEF\xBB\xBF", 0) == 0)
         text.erase(0, 3); // a byte order mark is no part of the first statement
     return {QString::fromStdString(path), std::move(text)};

@@ -59,6 +59,7 @@ TEST(Program, answersWrongUseWithStatus2) {
                              QStringLiteral("%1 -t Cities=%1").arg(cities),
                              QStringLiteral("%1 --select citis=1").arg(cities),
                              QStringLiteral("-f ") + directory.filePath(QStringLiteral("no.sql")),
+                             QStringLiteral("-f ") + directory.path(),
                              QStringLiteral("-o ") + directory.filePath(QStringLiteral("no/out.csv"))};
     for (const QString& words : cases) {
         const Answer answer = runProgram(words.split(QLatin1Char(' ')) + QStringList{QStringLiteral("-c1")});
