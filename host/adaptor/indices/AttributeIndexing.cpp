@@ -141,22 +141,22 @@ AttributeIndexing::Terms AttributeIndexing::chooseTerms(std::span<const dp::Scan
     return chosen;
 }
 
+bool AttributeIndexing::isOf(const dp::Table& table, const EngineIndices& store) const {
+    return store_ == &store && revision_ == table.revision();
+}
+
 void AttributeIndexing::follow(const dp::Table& table, EngineIndices& store) {
-    const std::uint64_t revision = table.revision();
-    const bool storageIsLost =
-        !store.isCorrect() && std::any_of(demands_.begin(), demands_.end(),
-                                          [](const auto& demand) { return demand.second.index >= 0; });
-    // A store that was another table's holds what that one left there.
-    if (store_ != &store || revision_ != revision || storageIsLost) {
-        demands_.clear();
+    if (!isOf(table, store)) { // a store that was another table's holds what that one left there
+        forget();
         store.dropStorage();
-        revision_ = revision;
+        revision_ = table.revision();
         store_ = &store;
     }
 }
 
 void AttributeIndexing::forget() {
-    demands_.clear();
+    searches_.clear();
+    spent_.clear();
     store_ = nullptr;
 }
 
@@ -178,23 +178,26 @@ std::optional<std::vector<dp::FeatureId>> AttributeIndexing::find(dp::Table& tab
         return std::nullopt;
     }
     follow(table, store);
-    Attributes attributes;
+    Conditions conditions;
     for (const dp::ScanTerm* term : chosen) {
-        if (attributes.empty() || attributes.back() != term->attribute) {
-            attributes.push_back(term->attribute);
+        conditions.emplace_back(term->attribute, operationOf(term->comparison));
+    }
+    Search& search = searches_[conditions];
+    if (search.attributes.empty()) {
+        for (const auto& [attribute, operation] : conditions) {
+            if (search.attributes.empty() || search.attributes.back() != attribute) {
+                search.attributes.push_back(attribute);
+            }
         }
     }
-    const auto known = demands_.try_emplace(attributes).first;
-    Demand& demand = known->second;
-    use_.attributes = &known->first;
+    use_.attributes = &search.attributes;
     const double savedCost = scanCost(chosen, static_cast<double>(*rows));
-    if (!ensure(demand, attributes, savedCost, table, store, cancellation)) {
+    if (!prepare(search, conditions, savedCost, table, store, cancellation)) {
         return std::nullopt;
     }
-    Lookup& search = lookup(demand, chosen, store);
     use_.outcome = Outcome::FindsMuch;
     std::vector<qint64> found;
-    if (!search.rows || search.failures >= mostFailures) {
+    if (search.failures >= mostFailures) {
         return std::nullopt;
     }
     if (!collect(*search.rows, chosen, static_cast<std::size_t>(savedCost / cost::foundRow), found)) {
@@ -211,51 +214,64 @@ std::optional<std::vector<dp::FeatureId>> AttributeIndexing::find(dp::Table& tab
     return ids;
 }
 
-bool AttributeIndexing::ensure(Demand& demand, const Attributes& attributes, double savedCost,
-                               dp::Table& table, EngineIndices& store,
-                               const work::Cancellation& cancellation) {
-    if (demand.index >= 0) {
-        return true;
+bool AttributeIndexing::prepare(Search& search, const Conditions& conditions, double savedCost,
+                                dp::Table& table, EngineIndices& store,
+                                const work::Cancellation& cancellation) {
+    if (search.rows && store.statistics(search.index).known != 0) {
+        return true; // no other index ever gets its number
     }
-    demand.scanCost += savedCost;
-    use_.scanCost = demand.scanCost;
+    search.index = findIndex(search.attributes, store);
+    if (search.index < 0) {
+        search.index = make(search.attributes, savedCost, table, store, cancellation);
+    }
+    std::vector<EngineIndices::Column> columns;
+    for (const auto& [attribute, operation] : conditions) {
+        columns.push_back({static_cast<quint32>(attribute), operation});
+    }
+    search.rows = store.getLookup(search.index, columns);
+    return search.rows != nullptr;
+}
+
+int AttributeIndexing::make(const Attributes& attributes, double savedCost, dp::Table& table,
+                            EngineIndices& store, const work::Cancellation& cancellation) {
+    double& spent = spent_[attributes];
+    spent += savedCost;
+    use_.scanCost = spent;
     use_.makingCost = buildCost(attributes, static_cast<double>(table.featureCount().value_or(0)));
     if (use_.scanCost < use_.makingCost) {
         use_.outcome = IndexUse::Outcome::ScansCheaper;
-        return false;
+        return -1;
     }
     cancellation.check();
+    spent = 0; // tried again, where it cannot be made, when as much has been spent once more
     QElapsedTimer timer;
     timer.start();
-    demand.index = buildIndex(attributes, table, store, cache_);
-    use_.isMade = demand.index >= 0;
-    if (!use_.isMade) {
-        demand.scanCost = 0; // tried again when as much has been spent once more
+    const int index = buildIndex(attributes, table, store, cache_);
+    use_.isMade = index >= 0;
+    if (use_.isMade) {
+        use_.makingCost = static_cast<double>(timer.nsecsElapsed());
+    } else {
         use_.outcome = IndexUse::Outcome::NoStorage;
-        return false;
     }
-    use_.makingCost = static_cast<double>(timer.nsecsElapsed());
-    return true;
+    return index;
 }
 
-bool AttributeIndexing::hasOrder(const dp::Table& table, int attribute) const {
-    const auto demand = demands_.find({attribute});
-    return demand != demands_.end() && demand->second.index >= 0 && revision_ == table.revision();
+bool AttributeIndexing::hasOrder(const dp::Table& table, const EngineIndices& store, int attribute) const {
+    return revision_ == table.revision() && indexOn(attribute, store) >= 0;
 }
 
 std::unique_ptr<EngineIndices::RowLookup> AttributeIndexing::inOrder(const dp::Table& table,
                                                                      const EngineIndices& store,
                                                                      int attribute, bool isDescending) {
-    if (!hasOrder(table, attribute) || !store.isCorrect()) {
+    if (!hasOrder(table, store, attribute)) {
         return nullptr;
     }
-    const auto known = demands_.find({attribute});
-    auto rows = store.getLookup(known->second.index, {},
+    auto rows = store.getLookup(indexOn(attribute, store), {},
                                 isDescending ? EngineIndices::RowOrder::Descending
                                              : EngineIndices::RowOrder::Ascending);
     use_ = {};
-    use_.attributes = &known->first;
-    use_.outcome = rows ? IndexUse::Outcome::Used : IndexUse::Outcome::NoStorage;
+    use_.attributes = &spent_.try_emplace({attribute}).first->first;
+    use_.outcome = IndexUse::Outcome::Used;
     return rows;
 }
 
@@ -267,24 +283,9 @@ void AttributeIndexing::countSort(dp::Table& table, EngineIndices& store, int at
     }
     use_ = {};
     follow(table, store);
-    const auto known = demands_.try_emplace({attribute}).first;
-    ensure(known->second, known->first, cost::sortedRow * static_cast<double>(rows), table, store,
-           cancellation);
-}
-
-AttributeIndexing::Lookup& AttributeIndexing::lookup(Demand& demand, const Terms& terms,
-                                                     const EngineIndices& store) {
-    std::vector<std::uint8_t> operations;
-    std::vector<EngineIndices::Column> columns;
-    for (const dp::ScanTerm* term : terms) {
-        operations.push_back(operationOf(term->comparison));
-        columns.push_back({static_cast<quint32>(term->attribute), operations.back()});
+    if (findIndex({attribute}, store) < 0) {
+        make({attribute}, cost::sortedRow * static_cast<double>(rows), table, store, cancellation);
     }
-    Lookup& kept = demand.lookups[operations];
-    if (!kept.rows) {
-        kept.rows = store.getLookup(demand.index, columns);
-    }
-    return kept;
 }
 
 bool AttributeIndexing::collect(EngineIndices::RowLookup& rowLookup, const Terms& terms, std::size_t most,
@@ -317,8 +318,7 @@ bool AttributeIndexing::collect(EngineIndices::RowLookup& rowLookup, const Terms
 }
 
 int AttributeIndexing::indexOn(int attribute, const EngineIndices& store) const {
-    const auto demand = demands_.find({attribute});
-    return store_ == &store && demand != demands_.end() ? demand->second.index : -1;
+    return store_ == &store ? findIndex({attribute}, store) : -1;
 }
 
 std::optional<double> AttributeIndexing::averageGroup(int attribute, const EngineIndices& store) const {

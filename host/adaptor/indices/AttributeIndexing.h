@@ -12,6 +12,7 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <utility>
 #include <vector>
 
 namespace orvane::engine {
@@ -23,8 +24,8 @@ namespace orvane::adaptor {
 /// Answers the terms of scans from attribute indices, and decides when one is made: once the scans that it
 /// would have saved are worth what making it costs. So a table that is asked once is scanned, a table in the
 /// inner loop of a join is indexed after a moment, and no run of queries costs much more than twice the
-/// better way. Indices are made of the table as it is and dropped when it changes. Used from the thread of
-/// the engine.
+/// better way. Which indices there are the store knows. They are made of the table as it is and dropped when
+/// it changes. Used from the thread of the engine.
 class AttributeIndexing {
 public:
     AttributeIndexing(const TableDeclaration& declaration, engine::EngineCache& cache)
@@ -47,7 +48,7 @@ public:
                                                    const work::Cancellation& cancellation);
 
     /// Whether an index holds the rows of the table as it is now in the order of the attribute.
-    bool hasOrder(const dp::Table& table, int attribute) const;
+    bool hasOrder(const dp::Table& table, const engine::EngineIndices& store, int attribute) const;
     /// The row numbers in that order, NULL first, or the reverse; null when there is no such index.
     std::unique_ptr<engine::EngineIndices::RowLookup>
     inOrder(const dp::Table& table, const engine::EngineIndices& store, int attribute, bool isDescending);
@@ -74,15 +75,14 @@ private:
     using Attributes = std::vector<int>;
     using Terms = std::vector<const dp::ScanTerm*>;
 
-    struct Lookup {
+    using Conditions = std::vector<std::pair<int, std::uint8_t>>;
+
+    /// A look-up by certain comparisons of certain attributes.
+    struct Search {
+        Attributes attributes;
+        int index = -1; ///< that the look-up was prepared for
         std::unique_ptr<engine::EngineIndices::RowLookup> rows;
         int failures = 0; ///< how much more often it found too many rows than not
-    };
-    /// One set of attributes that an index would serve, or serves.
-    struct Demand {
-        double scanCost = 0; ///< of the scans so far, in nanoseconds
-        int index = -1;
-        std::map<std::vector<std::uint8_t>, Lookup> lookups; ///< by the comparisons of the attributes
     };
 
     const TableDeclaration::Column& column(int attribute) const;
@@ -90,12 +90,15 @@ private:
     Terms chooseTerms(std::span<const dp::ScanTerm> terms, const engine::EngineIndices& store) const;
     double scanCost(const Terms& terms, double rows) const;
     double buildCost(const Attributes& attributes, double rows) const;
-    /// Adds a cost that the index would have saved, and makes it when that pays; whether there is one.
-    bool ensure(Demand& demand, const Attributes& attributes, double savedCost, dp::Table& table,
-                engine::EngineIndices& store, const work::Cancellation& cancellation);
+    /// Prepares the search for an index that serves it; false when there is none.
+    bool prepare(Search& search, const Conditions& conditions, double savedCost, dp::Table& table,
+                 engine::EngineIndices& store, const work::Cancellation& cancellation);
+    /// Adds a cost that an index would have saved, and makes it when that pays; -1 as long as it does not.
+    int make(const Attributes& attributes, double savedCost, dp::Table& table, engine::EngineIndices& store,
+             const work::Cancellation& cancellation);
     void follow(const dp::Table& table, engine::EngineIndices& store);
-    static Lookup& lookup(Demand& demand, const Terms& terms, const engine::EngineIndices& store);
-    /// The index on one attribute; -1 when there is none.
+    bool isOf(const dp::Table& table, const engine::EngineIndices& store) const;
+    /// The index of this table that begins with the attribute; -1 when there is none.
     int indexOn(int attribute, const engine::EngineIndices& store) const;
     /// Runs the look-up for every combination of the operands of In lists; false when more than `most` rows
     /// were found.
@@ -104,7 +107,8 @@ private:
 
     const TableDeclaration& declaration_;
     engine::EngineCache& cache_;
-    std::map<Attributes, Demand> demands_;
+    std::map<Conditions, Search> searches_;
+    std::map<Attributes, double> spent_; ///< on scans that an index would have saved, in nanoseconds
     IndexUse use_;
     std::optional<std::uint64_t> revision_;        ///< of the table that the indices were made of
     const engine::EngineIndices* store_ = nullptr; ///< that holds them; a renamed table has another

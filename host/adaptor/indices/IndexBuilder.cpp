@@ -1,7 +1,7 @@
 #include "host/adaptor/indices/IndexBuilder.h"
 
-#include "platform/core/SqliteException.h"
 #include "platform/log/Logger.h"
+#include "platform/work/Cancellation.h"
 #include "platform/work/Progress.h"
 #include <orvane/engine/EngineCache.h>
 
@@ -19,6 +19,15 @@ using engine::EngineIndices;
 struct Words {
     Q_DECLARE_TR_FUNCTIONS(orvane::adaptor)
 };
+
+std::vector<int> columnsOf(int index, const EngineIndices& store) {
+    std::vector<int> attributes;
+    store.enumColumns(index, [&attributes](int attribute) {
+        attributes.push_back(attribute);
+        return EngineIndices::Status::Continue;
+    });
+    return attributes;
+}
 
 /// "cities(country, name)"
 QString indexName(const std::vector<int>& attributes, const dp::Table& table) {
@@ -50,39 +59,63 @@ std::int64_t loadRows(const std::vector<int>& attributes, dp::Table& table, Engi
     return rows;
 }
 
-} // namespace
-
-int buildIndex(const std::vector<int>& attributes, dp::Table& table, EngineIndices& store,
-               engine::EngineCache& cache) {
+/// Fills an index that holds nothing yet.
+void fill(int index, dp::Table& table, EngineIndices& store, engine::EngineCache& cache) {
+    const std::vector<int> attributes = columnsOf(index, store);
     const QString name = indexName(attributes, table);
     QElapsedTimer timer;
     timer.start();
-    if (!store.isCorrect() && !store.createStorage(*table.schema())) {
-        log(LogLevel::Warning, __LINE__, Words::tr("Негде хранить индекс %0").arg(name));
-        return -1;
-    }
+    work::Progress progress(Words::tr("индекс %0").arg(name), 2 * table.featureCount().value_or(0));
+    const auto loader = store.getLoader(index, &progress);
+    const std::int64_t rows = loadRows(attributes, table, *loader, cache);
+    log(LogLevel::Info, __LINE__,
+        Words::tr("Индекс %0: строк %1, %2 мс").arg(name).arg(rows).arg(timer.elapsed()));
+}
+
+std::vector<EngineIndices::Column> equalities(const std::vector<int>& attributes) {
     std::vector<EngineIndices::Column> columns;
+    columns.reserve(attributes.size());
     for (const int attribute : attributes) {
         columns.push_back({static_cast<quint32>(attribute), EngineIndices::Equal});
     }
-    work::Progress progress(Words::tr("индекс %0").arg(name), 2 * table.featureCount().value_or(0));
-    int index = -1;
+    return columns;
+}
+
+/// An index that was added and is not filled, because that was cancelled, knows nothing of its rows.
+bool isFilled(int index, const EngineIndices& store) {
+    return (store.statistics(index).known & engine::IndexStatistics::Rows) != 0;
+}
+
+} // namespace
+
+int findIndex(const std::vector<int>& attributes, const EngineIndices& store) {
+    EngineIndices::Conformance conformance;
+    const int index = store.findIndex(equalities(attributes), &conformance);
+    return index >= 0 && conformance.score >= 1.0 && isFilled(index, store) ? index : -1;
+}
+
+int buildIndex(const std::vector<int>& attributes, dp::Table& table, EngineIndices& store,
+               engine::EngineCache& cache) {
     try {
-        index = store.addIndex(columns);
-        const auto loader = store.getLoader(index, &progress);
-        if (!loader) {
+        if (!store.isCorrect() && !store.createStorage(*table.schema())) {
+            log(LogLevel::Warning, __LINE__,
+                Words::tr("Негде хранить индекс %0").arg(indexName(attributes, table)));
             return -1;
         }
-        const std::int64_t rows = loadRows(attributes, table, *loader, cache);
-        log(LogLevel::Info, __LINE__,
-            Words::tr("Индекс %0: строк %1, %2 мс").arg(name).arg(rows).arg(timer.elapsed()));
-    } catch (const err::SqliteException& failure) {
+        const int index = store.addIndex(equalities(attributes));
+        if (index >= 0 && !isFilled(index, store)) {
+            fill(index, table, store, cache);
+        }
+        return index;
+    } catch (const work::Cancelled&) {
+        throw;
+    } catch (const std::exception& failure) {
         log(LogLevel::Warning, __LINE__,
-            Words::tr("Индекс %0 не сделан: %1").arg(name, QString::fromUtf8(failure.what())));
+            Words::tr("Индекс %0 не сделан: %1")
+                .arg(indexName(attributes, table), QString::fromUtf8(failure.what())));
         store.dropStorage(); // with it goes whatever is half done, and the place it takes
         return -1;
     }
-    return index;
 }
 
 } // namespace orvane::adaptor

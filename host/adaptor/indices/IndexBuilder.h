@@ -11,10 +11,13 @@ class EngineCache;
 
 namespace orvane::adaptor {
 
-/// Makes an index on attributes of a table in its store, which gets storage if it has none. Returns the
-/// number of the index; -1 when there is no place for it, which is logged: a query is slower without, not
-/// wrong. Announces a work::Progress and logs what it has made. Throws work::Cancelled, and
-/// std::runtime_error when the table cannot be read; no part of the index is left then.
+/// The index of the store that begins with the attributes, in any order, and holds the rows; -1 when there is
+/// none.
+int findIndex(const std::vector<int>& attributes, const engine::EngineIndices& store);
+
+/// The same, made of the table's rows when there is none yet, in a store that gets storage if it has none. -1
+/// when it cannot be made, which is logged: a query is slower without, not wrong. Announces a work::Progress
+/// and logs what it has made. Throws work::Cancelled, and no other exception.
 int buildIndex(const std::vector<int>& attributes, dp::Table& table, engine::EngineIndices& store,
                engine::EngineCache& cache);
 

@@ -48,7 +48,8 @@ bool VirtualTable::narrows(dp::Comparison comparison, std::string_view pattern) 
 }
 
 bool VirtualTable::hasOrder(int attribute) const {
-    return makesIndices() && indexing_.hasOrder(table(), attribute);
+    const engine::EngineIndices* store = indices();
+    return store && indexing_.hasOrder(table(), *store, attribute);
 }
 
 std::optional<double> VirtualTable::largestGroup(int attribute) const {

@@ -18,12 +18,9 @@
 #include <span>
 #include <string_view>
 
-namespace orvane {
-class Engine;
-namespace engine {
+namespace orvane::engine {
 class EngineCache;
 }
-} // namespace orvane
 
 namespace orvane::adaptor {
 

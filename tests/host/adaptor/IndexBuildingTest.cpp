@@ -122,6 +122,29 @@ TEST_F(IndexBuildingTest, WithoutAPlaceForItQueriesAreAnsweredAllTheSame) {
     EXPECT_LT(log_.size(), 20) << "it is not tried at every scan";
 }
 
+TEST_F(IndexBuildingTest, AFailureWhileItIsMadeIsLoggedAndTheQueryGoesOn) {
+    struct Unreadable : MemoryTable {
+        using MemoryTable::MemoryTable;
+        std::unique_ptr<dp::Cursor> openCursor(const dp::ScanRequest& request) override {
+            if (request.terms.empty() && !request.ids) { // an index reads all rows
+                throw std::runtime_error("torn page");
+            }
+            return MemoryTable::openCursor(request);
+        }
+    };
+    std::vector<MemoryTable::Row> rows(2'000, {QVariant(7LL)});
+    catalog().add(std::make_shared<Unreadable>(QStringLiteral("torn"),
+                                               QVector{attribute("number", QMetaType::LongLong)}, rows));
+    QCoreApplication::processEvents();
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_EQ(ask(lookupsIn("torn")), "0");
+    }
+    ASSERT_FALSE(log_.isEmpty());
+    EXPECT_EQ(log_.front(), QStringLiteral("Индекс torn(number) не сделан: torn page"));
+    EXPECT_LT(log_.size(), 40) << "it is not tried at every scan";
+    EXPECT_TRUE(files().isEmpty());
+}
+
 TEST_F(IndexBuildingTest, IsLeftOutWhenTheHostSwitchesItOff) {
     settings_->setValue(DefaultSettingsList::NoAttributeIndices, true);
     const auto table = openItems("scanned");

@@ -81,6 +81,22 @@ TEST_F(IndexingTest, RepeatedTermsAreAnsweredByAnIndexWithTheSameRows) {
     }
 }
 
+TEST_F(IndexingTest, AnIndexServesWhateverItBeginsWith) {
+    const auto table = openItems("wide");
+    const std::string ask1 = "Select Count(*), Sum(size) From wide Where ";
+    askUntilIndexed(*table, ask1 + "number = 43 And word = 'DELTA87'");
+    for (const auto& [sql, answer] : {std::pair(ask1 + "number = 1500", "2|1500.25"),
+                                      std::pair(ask1 + "number Between 100 And 102", "6|303.75"),
+                                      std::pair(std::string("Select Max(number) From wide"), "1999")}) {
+        EXPECT_EQ(ask(sql), answer) << sql;
+        EXPECT_TRUE(table->lastRequest.ids) << sql;
+    }
+    const std::string byWord = ask1 + "word = 'delta87'"; // stands second there
+    ask(byWord);
+    EXPECT_FALSE(table->lastRequest.ids);
+    askUntilIndexed(*table, byWord);
+}
+
 TEST_F(IndexingTest, TermsThatFindMuchOfTheTableAreScanned) {
     const auto table = openItems();
     for (int round = 0; round < 700; ++round) {
