@@ -12,8 +12,10 @@ class MemoryTable : public dp::Table {
 public:
     using Row = std::vector<QVariant>;
 
-    MemoryTable(QString name, QVector<dp::AttributeDefinitionPointer> attributes, std::vector<Row> rows = {})
-        : dp::Table(std::move(name)), schema_(std::make_shared<dp::TableSchema>(std::move(attributes))) {
+    MemoryTable(QString name, QVector<dp::AttributeDefinitionPointer> attributes, std::vector<Row> rows = {},
+                qint64 firstId = 100) ///< far from the row numbers that the engine assigns
+        : dp::Table(std::move(name)), schema_(std::make_shared<dp::TableSchema>(std::move(attributes))),
+          nextId_(firstId) {
         for (Row& row : rows) {
             rows_.emplace(nextId_++, std::move(row));
         }
@@ -111,7 +113,7 @@ private:
     std::shared_ptr<const dp::TableSchema> schema_;
     std::map<qint64, Row> rows_, before_;
     std::uint64_t revision_ = 1;
-    qint64 nextId_ = 100; ///< far from the row numbers that the engine assigns
+    qint64 nextId_;
 };
 
 inline dp::AttributeDefinitionPointer attribute(const char* name, int type,

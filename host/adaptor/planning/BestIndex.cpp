@@ -130,6 +130,7 @@ public:
             conditions_ +=
                 operation != SQLITE_INDEX_CONSTRAINT_LIMIT && operation != SQLITE_INDEX_CONSTRAINT_OFFSET;
         }
+        noteRowNumbers();
         // Terms are checked in this order: texts, which are slow to compare, only where the numbers agree.
         for (const bool numbers : {true, false}) {
             for (int i = 0; i < info_.nConstraint; ++i) {
@@ -172,8 +173,8 @@ private:
             limit_ = i;
         } else if (constraint(i).op == SQLITE_INDEX_CONSTRAINT_OFFSET) {
             offset_ = i;
-        } else if (column < 0 && comparison == Comparison::Equal) {
-            rowNumber_ = i;
+        } else if (column < 0) {
+            rowNumber_ = comparison && isEquality(*comparison) ? i : rowNumber_;
         } else if (constraint(i).op >= SQLITE_INDEX_CONSTRAINT_FUNCTION) {
             relation_ = column == declaration_.geometryColumn() ? i : relation_;
         } else if (column >= 0 && comparison) {
@@ -325,6 +326,16 @@ private:
             return *group / rows_;
         }
         return std::min(selectivity(comparison), assumedGroup / rows_);
+    }
+
+    /// A scan that leaves rows out would number those that it reads before the others.
+    void noteRowNumbers() {
+        for (int i = 0; i < info_.nConstraint; ++i) {
+            const auto comparison = comparisonOf(constraint(i).op);
+            if (constraint(i).iColumn < 0 && comparison && !isEquality(*comparison)) {
+                plan_.rowNumber = ScanPlan::RowNumber::Other;
+            }
+        }
     }
 
     void takeRowNumber() {

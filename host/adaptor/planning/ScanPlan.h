@@ -33,7 +33,12 @@ struct ScanPlan {
         ByIndex,    ///< the same, or an attribute index delivers them in order if it is still there
         WantsIndex, ///< SQLite sorts, which an index would save; the scan is not ordered
     };
-    enum class RowNumber : std::uint8_t { None, Equal, In };
+    enum class RowNumber : std::uint8_t {
+        None,
+        Equal,
+        In,
+        Other ///< SQLite compares the row numbers, without an argument; all rows need theirs first
+    };
 
     std::uint64_t number = 0;      ///< of what a ScanRecorder took down, 0 when there is none
     std::uint64_t columnsUsed = 0; ///< SQLite's mask: bit 63 stands for every column from 63 on
@@ -46,6 +51,7 @@ struct ScanPlan {
     bool offset = false;
 
     bool usesColumn(int column) const { return (columnsUsed >> (column < 63 ? column : 63)) & 1; }
+    bool looksUpRowNumbers() const { return rowNumber == RowNumber::Equal || rowNumber == RowNumber::In; }
     bool operator==(const ScanPlan&) const = default;
 
     std::string toText() const;

@@ -120,10 +120,10 @@ void VirtualCursor::readPlan(const char* planText) {
 bool VirtualCursor::readRowNumbers(sqlite3_value* value) {
     auto& ids = request_.ids.emplace();
     const auto add = [this, &ids](sqlite3_value* item) {
-        if (const auto number = rowNumberOf(item)) {
-            if (dp::FeatureId id = table_.cache().intToId(*number); id.isValid()) {
-                ids.push_back(std::move(id));
-            }
+        const auto number = rowNumberOf(item);
+        if (dp::FeatureId id = number ? table_.idOfRow(*number, cancellation_) : dp::FeatureId();
+            id.isValid()) {
+            ids.push_back(std::move(id));
         }
         return true;
     };
@@ -192,8 +192,11 @@ bool VirtualCursor::readArguments(std::span<sqlite3_value*> arguments) {
             planText_ = nullptr; // the next scan takes all terms again
         }
     }
-    if (plan_.rowNumber != ScanPlan::RowNumber::None && !readRowNumbers(arguments[next++])) {
+    if (plan_.looksUpRowNumbers() && !readRowNumbers(arguments[next++])) {
         return false;
+    }
+    if (plan_.rowNumber == ScanPlan::RowNumber::Other) {
+        table_.numberRows(cancellation_);
     }
     if (plan_.relation && !readRelation(arguments[next++])) {
         return false;
@@ -328,7 +331,7 @@ void VirtualCursor::report() {
         note(Access::Relation);
     } else if (!rows_ && !request_.ids) {
         ++report.emptyScans;
-    } else if (plan_.rowNumber != ScanPlan::RowNumber::None) {
+    } else if (plan_.looksUpRowNumbers()) {
         note(Access::RowNumber);
     } else if (plan_.relation) {
         note(Access::SpatialIndex);

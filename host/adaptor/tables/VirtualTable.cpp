@@ -2,11 +2,19 @@
 
 #include "host/adaptor/indices/IndexOrderCursor.h"
 
+#include <orvane/engine/EngineCache.h>
+
 #include <QCoreApplication>
 
 #include <stdexcept>
 
 namespace orvane::adaptor {
+
+namespace {
+
+constexpr unsigned rowsBetweenChecks = 1024;
+
+}
 
 VirtualTable::VirtualTable(QString name, std::shared_ptr<dp::Table> table, const dp::TableSchema& schema,
                            engine::EngineCache& cache, IndexStore indexStore)
@@ -93,6 +101,29 @@ SpatialIndex& VirtualTable::spatialIndex(const work::Cancellation& cancellation)
         spatialIndexRevision_ = revision;
     }
     return *spatialIndex_;
+}
+
+void VirtualTable::numberRows(const work::Cancellation& cancellation) {
+    const std::uint64_t revision = table().revision();
+    if (numberedRevision_ == revision) {
+        return;
+    }
+    const auto rows = table().openCursor({});
+    for (unsigned row = 1; rows->next(); ++row) {
+        cache_.assignIdToInt(rows->featureId());
+        if (row % rowsBetweenChecks == 0) {
+            cancellation.check();
+        }
+    }
+    cancellation.check(); // of a reader that stopped early
+    numberedRevision_ = revision;
+}
+
+dp::FeatureId VirtualTable::idOfRow(qint64 number, const work::Cancellation& cancellation) {
+    if (number >= cache_.idLimit()) {
+        numberRows(cancellation);
+    }
+    return cache_.intToId(number);
 }
 
 std::shared_ptr<cs::CoordSystem> VirtualTableManagement::coordSystem() {

@@ -54,6 +54,11 @@ public:
     /// The spatial index of the table as it is now, made when first asked for.
     SpatialIndex& spatialIndex(const work::Cancellation& cancellation);
 
+    /// Gives every row of the table as it is now its row number, in the table's order.
+    void numberRows(const work::Cancellation& cancellation);
+    /// The row of that number; invalid when none has it once all rows are numbered.
+    dp::FeatureId idOfRow(qint64 number, const work::Cancellation& cancellation);
+
     /// The features that can satisfy the terms, where an attribute index tells.
     std::optional<std::vector<dp::FeatureId>> findByIndex(std::span<const dp::ScanTerm> terms,
                                                           const work::Cancellation& cancellation);
@@ -90,6 +95,7 @@ private:
     AttributeIndexing indexing_;
     std::unique_ptr<SpatialIndex> spatialIndex_;
     std::uint64_t spatialIndexRevision_ = 0;
+    std::optional<std::uint64_t> numberedRevision_; ///< of the table when all its rows were numbered
 };
 
 /// What the engine holds of a virtual table.

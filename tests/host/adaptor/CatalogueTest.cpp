@@ -93,6 +93,50 @@ TEST_F(CatalogueTest, RowNumbersFindTheirRows) {
     EXPECT_EQ(ask("Select Count(*) From towns Where rowid = -1"), "0");
 }
 
+/// Each time in a table none of whose rows has been read: %0 is the number of its fourth row, whatever asks.
+TEST_F(CatalogueTest, RowNumbersFindRowsThatNobodyHasRead) {
+    const struct {
+        const char* sql;
+        const char* answer;
+        const char* left = "0\n1\n2\n3\n4\n5"; ///< in the table afterwards
+    } cases[] = {
+        {"Select place From fresh Where rowid = %0", "3"},
+        {"Select place From fresh Where %0.0 Is rowid", "3"},
+        {"Select place From fresh Where rowid = '%0'", "3"},
+        {"Select place From fresh Where rowid + 0 = %0", "3"},
+        {"Select place From fresh Where rowid In (%0, %0 + 1000)", "3"},
+        {"Select place From fresh Where rowid In (Select %0)", "3"},
+        {"Select place From fresh Where rowid Between %0 And %0", "3"},
+        {"Select place From fresh Where rowid > %0 - 1 And rowid <= %0 And kind = 1", "3"},
+        {"Select place From fresh Where kind = 1 And rowid Is Not %0 - 2 And rowid <> %0 + 2", "3"},
+        {"Select place From fresh Where rowid = %0 Or rowid = -1", "3"},
+        {"Select place From fresh Where rowid = (Select Min(u.rowid) + 3 From fresh u)", "3"},
+        {"Select Count(*) From fresh a Where Exists (Select 1 From fresh b Where b.rowid = a.rowid + 1)",
+         "5"},
+        {"Select a.place, b.place From fresh a, fresh b Where a.kind = 1 And b.rowid < a.rowid And b.place = "
+         "2",
+         "3|2\n5|2"},
+        {"Delete From fresh Where rowid In (%0, %0 + 1) And place > 0", "", "0\n1\n2\n5"},
+        {"Update fresh Set place = 7 Where rowid >= %0 And kind = 1", "", "0\n1\n2\n7\n4\n7"},
+        {"Update fresh Set place = rowid - %0 Where rowid = %0", "", "0\n1\n2\n0\n4\n5"},
+    };
+    qint64 firstId = 1'000'000'000;
+    for (const auto& test : cases) {
+        QString sql = QString::fromLatin1(test.sql);
+        sql.replace(QLatin1String("%0"), QString::number(engine().cache()->idLimit() + 3));
+        catalog().add(std::make_shared<MemoryTable>(
+            QStringLiteral("fresh"),
+            QVector<dp::AttributeDefinitionPointer>{attribute("place", QMetaType::Int),
+                                                    attribute("kind", QMetaType::Int)},
+            std::vector<MemoryTable::Row>{{0, 0}, {1, 1}, {2, 0}, {3, 1}, {4, 0}, {5, 1}}, firstId += 1000));
+        QCoreApplication::processEvents();
+        EXPECT_EQ(ask(sql.toStdString()), test.answer) << test.sql;
+        EXPECT_EQ(ask("Select place From fresh"), test.left) << test.sql;
+        catalog().close(QStringLiteral("fresh"));
+        QCoreApplication::processEvents();
+    }
+}
+
 TEST_F(CatalogueTest, TablesComeAndGoWithTheirObjects) {
     openTowns("Города 2024");
     EXPECT_EQ(ask("Select Count(*) From \"Города 2024\""), "5");
