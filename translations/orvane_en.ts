@@ -842,6 +842,14 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
         <translation>there is no table &quot;%0&quot; to take the column &quot;%1&quot; from</translation>
     </message>
     <message>
+        <source>таблица «%0» названа здесь «%1»: столбец пишется %1.%2</source>
+        <translation>the table &quot;%0&quot; is named &quot;%1&quot; here: write the column as %1.%2</translation>
+    </message>
+    <message>
+        <source>имя «%0» дано после From дважды: таблицам нужны разные имена</source>
+        <translation>the name &quot;%0&quot; is given twice after From: tables need different names</translation>
+    </message>
+    <message>
         <source>в таблице «%0» нет столбца «%1»</source>
         <translation>the table &quot;%0&quot; has no column &quot;%1&quot;</translation>
     </message>

@@ -38,23 +38,30 @@ std::vector<std::wstring> joinableColumns(const QSqlDatabase& database, const st
 bool Engine::tryToTranslate(const std::string& text, engine::SqliteStringBuilder& builder,
                             CheckParseResults check) const {
     sql::SqlParser parser(internal_->runtime());
-    if (!parser.parse(text)) {
-        builder.setError(std::make_shared<sql::GeneralSyntaxError>(
-            sql::toSqlString(QObject::tr("проверьте корректность выражений в запросе"))));
-    } else if (check == ExpressionOnly && !parser.result().isExpression()) {
+    if (parser.parse(text)) {
+        return tryToTranslate(parser.result(), builder, check);
+    }
+    builder.setError(std::make_shared<sql::GeneralSyntaxError>(
+        sql::toSqlString(QObject::tr("проверьте корректность выражений в запросе"))));
+    return !builder.query().empty();
+}
+
+bool Engine::tryToTranslate(const sql::ParseResult& statement, engine::SqliteStringBuilder& builder,
+                            CheckParseResults check) const {
+    if (check == ExpressionOnly && !statement.isExpression()) {
         builder.addError(
             std::make_shared<sql::UnexpectedParseResult>(sql::toSqlString(QObject::tr("Выражение"))));
     } else {
         builder.setCollate(QStringLiteral("Locale"));
         builder.setTableColumns(
             [this](const std::wstring& table) { return joinableColumns(internal_->database(), table); });
-        std::wstring query = builder.buildString(*parser.result().node());
+        std::wstring query = builder.buildString(*statement.node());
         builder.setTableColumns(nullptr);
         if (builder.hasErrors()) {
             builder.addTranslateErrors();
         } else {
             builder.setQuery(std::move(query));
-            builder.setIsExpression(parser.result().isExpression());
+            builder.setIsExpression(statement.isExpression());
         }
     }
     return !builder.query().empty();

@@ -3,6 +3,7 @@
 #include "platform/sql/lexing/SqlStrings.h"
 #include "platform/sql/parsing/SqlParser.h"
 #include "platform/sql/tree/FunctionInfo.h"
+#include "platform/sql/tree/NodeVisitor.h"
 #include <orvane/Engine.h>
 #include <orvane/engine/EngineCache.h>
 #include <orvane/engine/SqliteStringBuilder.h>
@@ -31,34 +32,27 @@ using namespace sql;
         "выбирать может один Select из таблицы, без Group By и без функций по многим строкам"));
 }
 
-/// Finds calls that make one row of many. Queries within the expression are none of its business.
-class AggregateFinder : public SqlStringBuilder {
-public:
-    AggregateFinder() : SqlStringBuilder(nullptr) {}
-
-    using SqlStringBuilder::visit;
-    void visit(const ast::Function& node) override {
-        found_ = found_ || (!node.over && isAggregate(node));
-        SqlStringBuilder::visit(node);
-    }
-    void visit(const ast::QuerySpecification&) override { push({}); }
-
-    bool found() const { return found_; }
-
-private:
-    static bool isAggregate(const ast::Function& node) {
-        const std::string name = toUtf8(node.name);
-        for (const FunctionInfo& info : functionInfos()) {
-            if (qstricmp(info.name, name.c_str()) == 0) { // Min and Max of several values are plain functions
-                return (info.types & FunctionInfo::Aggregate) &&
-                       (!(info.types & FunctionInfo::Scalar) || node.arguments.size() == 1);
-            }
+bool isAggregate(const ast::Function& node) {
+    const std::string name = toUtf8(node.name);
+    for (const FunctionInfo& info : functionInfos()) {
+        if (qstricmp(info.name, name.c_str()) == 0) { // Min and Max of several values are plain functions
+            return (info.types & FunctionInfo::Aggregate) &&
+                   (!(info.types & FunctionInfo::Scalar) || node.arguments.size() == 1);
         }
-        return false;
     }
+    return false;
+}
 
-    bool found_ = false;
-};
+/// Whether an expression has a call that makes one row of many. Queries within it are none of its business.
+bool hasAggregate(const ast::Node& expression) {
+    bool found = false;
+    ast::forEachNode(expression, [&found](const ast::Node& node) {
+        const auto* function = ast::nodeAs<ast::Function>(&node);
+        found = found || (function && !function->over && isAggregate(*function));
+        return !found && node.kind != ast::NodeKind::QuerySpecification;
+    });
+    return found;
+}
 
 /// The first source of From; refuses one that is no table.
 const ast::TablePrimary& firstTable(const ast::QuerySpecification& query) {
@@ -75,21 +69,19 @@ const ast::TablePrimary& firstTable(const ast::QuerySpecification& query) {
 }
 
 bool isAggregate(const ast::QuerySpecification& query) {
-    AggregateFinder finder;
-    for (const ast::NodePtr& column : query.columns) {
-        finder.buildString(*column);
-    }
-    return finder.found() || !query.groupBy.empty() || query.having;
+    return !query.groupBy.empty() || query.having ||
+           std::any_of(query.columns.begin(), query.columns.end(),
+                       [](const ast::NodePtr& column) { return hasAggregate(*column); });
 }
 
-/// The same query with the row number of its first table as one more result column, as text.
-std::string withRowNumber(const ast::QuerySpecification& query, const ast::TablePrimary& table) {
-    ast::QuerySpecification numbered = query;
-    numbered.into = nullptr;
+/// The same query with the row number of its first table as one more result column.
+ParseResult withRowNumber(const ast::QuerySpecification& query, const ast::TablePrimary& table) {
+    const auto numbered = std::make_shared<ast::QuerySpecification>(query);
+    numbered->into = nullptr;
     const std::wstring& qualifier = table.alias.empty() ? table.name : table.alias;
-    numbered.columns.push_back(
+    numbered->columns.push_back(
         std::make_shared<ast::DerivedColumn>(std::make_shared<ast::ColumnReference>(qualifier, L"rowid")));
-    return toUtf8(SqlStringBuilder(nullptr).buildString(numbered));
+    return {numbered, false, {}};
 }
 
 std::vector<dp::FeatureId> findFeatures(const QString& sql, const Engine& engine) {

@@ -25,6 +25,9 @@ class Table;
 namespace geometry {
 class ResemblanceExtension;
 }
+namespace sql {
+class ParseResult;
+}
 namespace engine {
 class EngineCache;
 class EngineIndices;
@@ -83,6 +86,10 @@ public:
     /// Translates dialect text into the builder; true when the builder then holds a query. Errors stay in the
     /// builder, nothing is thrown.
     bool tryToTranslate(const std::string& text, engine::SqliteStringBuilder& builder,
+                        CheckParseResults check) const;
+    /// The same for a statement that is parsed already: for callers who need the tree or the place of a fault
+    /// themselves.
+    bool tryToTranslate(const sql::ParseResult& statement, engine::SqliteStringBuilder& builder,
                         CheckParseResults check) const;
     /// The SQLite text for dialect text (UTF-8), or the text itself when it cannot be translated; the reasons
     /// are logged.

@@ -175,10 +175,10 @@ std::size_t charactersIn(const std::string& utf8, int bytes) {
 
 } // namespace
 
-SqliteErrors::SqliteErrors(const sql::TokenizedText& statement, std::string sqliteText, int errorOffset,
-                           const Names& names)
+SqliteErrors::SqliteErrors(const sql::TokenizedText& statement, const sql::ast::NodeList& tables,
+                           std::string sqliteText, int errorOffset, const Names& names)
     : statement_(statement), sqliteText_(sql::tokenize(sqliteText)),
-      errorOffset_(charactersIn(sqliteText, errorOffset)), names_(names), used_(statement, names) {}
+      errorOffset_(charactersIn(sqliteText, errorOffset)), names_(names), used_(tables, names) {}
 
 Problem SqliteErrors::explain(const QString& message) const {
     using Explain = Problem (SqliteErrors::*)(const QString&) const;
@@ -257,9 +257,13 @@ Problem SqliteErrors::missingColumn(const QString& name) const {
     const QString column = userColumnName(name.mid(dot + 1));
     if (!qualifier.isEmpty()) {
         const QString table = used_.tableBehind(qualifier);
-        if (table.isEmpty() && !used_.isDeclared(qualifier)) {
+        const QString alias = used_.aliasOf(qualifier);
+        if (table.isEmpty() && used_.countOf(qualifier) == 0) {
             const QString message =
-                Shell::tr("нет таблицы «%0», из которой берётся столбец «%1»").arg(qualifier, column);
+                alias.isEmpty()
+                    ? Shell::tr("нет таблицы «%0», из которой берётся столбец «%1»").arg(qualifier, column)
+                    : Shell::tr("таблица «%0» названа здесь «%1»: столбец пишется %1.%2")
+                          .arg(qualifier, alias, column);
             return {message, placeOf(name, Role::Column)};
         }
         const QString message =
@@ -323,6 +327,10 @@ Problem SqliteErrors::misusedRowNumber(const QString& name) const {
 
 Problem SqliteErrors::ambiguousColumn(const QString& name) const {
     const QString column = userColumnName(name.section(QLatin1Char('.'), -1));
+    const QString qualifier = name.section(QLatin1Char('.'), 0, -2);
+    if (used_.countOf(qualifier) > 1)
+        return {Shell::tr("имя «%0» дано после From дважды: таблицам нужны разные имена").arg(qualifier),
+                placeOf(name, Role::Column)};
     return {Shell::tr("столбец «%0» есть в нескольких таблицах: укажите таблицу перед ним").arg(column),
             placeOf(name, Role::Column)};
 }

@@ -15,10 +15,11 @@ namespace orvane::shell {
 /// language, the place in the user's text, and the nearest known name for one that is unknown.
 class SqliteErrors {
 public:
-    /// `statement` is the user's text, `sqliteText` what SQLite was given for it, `errorOffset` where in that
-    /// SQLite sees the fault (sqlite3_error_offset, in bytes, -1 for unknown).
-    SqliteErrors(const sql::TokenizedText& statement, std::string sqliteText, int errorOffset,
-                 const Names& names);
+    /// `statement` is the user's text and `tables` those it names (sql::SqlParser::tables()), `sqliteText`
+    /// what SQLite was given for it, `errorOffset` where in that SQLite sees the fault (sqlite3_error_offset,
+    /// in bytes, -1 for unknown).
+    SqliteErrors(const sql::TokenizedText& statement, const sql::ast::NodeList& tables,
+                 std::string sqliteText, int errorOffset, const Names& names);
 
     Problem explain(const QString& message) const;
 

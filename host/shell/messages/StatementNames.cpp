@@ -2,49 +2,59 @@
 
 #include "platform/sql/lexing/SqlStrings.h"
 
+#include <algorithm>
+
 namespace orvane::shell {
 
-StatementNames::StatementNames(const sql::TokenizedText& statement, const Names& names)
-    : statement_(statement), known_(names.tables()) {}
+namespace {
+
+bool isSame(const QString& a, const QString& b) {
+    return a.compare(b, Qt::CaseInsensitive) == 0;
+}
+
+} // namespace
+
+StatementNames::StatementNames(sql::ast::NodeList tables, const Names& names) : known_(names.tables()) {
+    using namespace sql;
+    for (const ast::NodePtr& node : tables) {
+        if (const auto* table = ast::nodeAs<ast::TablePrimary>(node))
+            sources_.emplace_back(fromSqlString(table->name), fromSqlString(table->alias));
+        else if (const auto* whole = ast::nodeAs<ast::ExplicitTable>(node))
+            sources_.emplace_back(fromSqlString(whole->name), QString());
+        else if (const auto* derived = ast::nodeAs<ast::DerivedTable>(node))
+            sources_.emplace_back(QString(), fromSqlString(derived->alias));
+    }
+}
 
 QStringList StatementNames::tables() const {
     QStringList used;
-    for (std::size_t i = 0; i < statement_.tokens.size(); ++i) {
-        const QString name = nameAt(i);
+    for (const auto& [name, alias] : sources_) {
         if (known_.contains(name, Qt::CaseInsensitive) && !used.contains(name, Qt::CaseInsensitive))
             used += name;
     }
     return used;
 }
 
-QString StatementNames::tableBehind(const QString& alias) const {
-    const auto& tokens = statement_.tokens;
-    for (std::size_t i = 0; i + 1 < tokens.size(); ++i) {
-        const QString table = nameAt(i);
-        if (!known_.contains(table, Qt::CaseInsensitive))
-            continue;
-        const std::size_t next = tokens[i + 1].keyword == sql::Keyword::As ? i + 2 : i + 1;
-        const bool isAlias = next < tokens.size() && nameAt(next).compare(alias, Qt::CaseInsensitive) == 0;
-        if (isAlias || table.compare(alias, Qt::CaseInsensitive) == 0)
+QString StatementNames::tableBehind(const QString& name) const {
+    for (const auto& [table, alias] : sources_) {
+        if (isSame(alias.isEmpty() ? table : alias, name) && known_.contains(table, Qt::CaseInsensitive))
             return table;
     }
     return {};
 }
 
-bool StatementNames::isDeclared(const QString& alias) const {
-    for (std::size_t i = 0; i + 1 < statement_.tokens.size(); ++i) {
-        if (statement_.tokens[i + 1].kind != sql::TokenKind::Dot &&
-            nameAt(i).compare(alias, Qt::CaseInsensitive) == 0)
-            return true;
+QString StatementNames::aliasOf(const QString& table) const {
+    for (const auto& [name, alias] : sources_) {
+        if (!alias.isEmpty() && isSame(name, table))
+            return alias;
     }
-    return false;
+    return {};
 }
 
-QString StatementNames::nameAt(std::size_t token) const {
-    const sql::Token& found = statement_.tokens[token];
-    if (found.kind != sql::TokenKind::Word && found.kind != sql::TokenKind::QuotedName)
-        return {};
-    return sql::fromSqlString(statement_.value(found));
+int StatementNames::countOf(const QString& name) const {
+    return static_cast<int>(std::count_if(sources_.begin(), sources_.end(), [&name](const auto& source) {
+        return isSame(source.second.isEmpty() ? source.first : source.second, name);
+    }));
 }
 
 } // namespace orvane::shell

@@ -2,28 +2,29 @@
 
 #include "host/shell/messages/Names.h"
 
-#include "platform/sql/lexing/Lexer.h"
+#include "platform/sql/tree/Queries.h"
 
 namespace orvane::shell {
 
-/// Which tables a statement names, and how, as far as its tokens tell: it need not be complete or right.
+/// Which tables a statement names, and how.
 class StatementNames {
 public:
-    /// Neither is owned.
-    StatementNames(const sql::TokenizedText& statement, const Names& names);
+    /// The tables as sql::SqlParser::tables() lists them, of a statement that need not be complete.
+    StatementNames(sql::ast::NodeList tables, const Names& names);
 
+    /// The open ones.
     QStringList tables() const;
-    /// The table that an alias, or the table's own name, stands for; empty when it is none.
-    QString tableBehind(const QString& alias) const;
-    /// Whether the statement gives that name to anything: a derived table, for instance.
-    bool isDeclared(const QString& alias) const;
+    /// The open table that stands under a name: an alias or, where it has none, its own; empty when it is
+    /// none.
+    QString tableBehind(const QString& name) const;
+    /// The alias that hides a table's own name; empty when nothing does.
+    QString aliasOf(const QString& table) const;
+    /// How many sources stand under a name: tables, named queries, queries in From.
+    int countOf(const QString& name) const;
 
 private:
-    /// The name that a token is; empty for another token.
-    QString nameAt(std::size_t token) const;
-
-    const sql::TokenizedText& statement_;
     QStringList known_;
+    std::vector<std::pair<QString, QString>> sources_; ///< name and alias; a query has no name
 };
 
 } // namespace orvane::shell

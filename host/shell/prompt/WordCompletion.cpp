@@ -4,7 +4,10 @@
 #include "host/shell/prompt/PromptCommands.h"
 
 #include "platform/sql/lexing/Keywords.h"
+#include "platform/sql/lexing/Lexer.h"
+#include "platform/sql/lexing/Script.h"
 #include "platform/sql/lexing/SqlStrings.h"
+#include "platform/sql/parsing/SqlParser.h"
 
 #include <QDir>
 
@@ -113,7 +116,10 @@ Completion completeStatement(const std::string& statement, const Names& names) {
     if (isQualified && start == 1) {
         return {word.size() + 1, beginningWith(L"." + word, PromptCommands::names())};
     }
-    const StatementNames used(text, names);
+    sql::SqlParser parsed(nullptr);
+    const std::vector<sql::ScriptStatement> script = sql::splitScript(statement);
+    parsed.parse(script.empty() ? std::string() : script.back().text); // as far as it is written
+    const StatementNames used(parsed.tables(), names);
     if (isQualified) {
         // The qualifier is the token before the dot.
         QString qualifier;

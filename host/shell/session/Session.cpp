@@ -9,6 +9,7 @@
 #include "host/shell/messages/Shell.h"
 #include "host/shell/messages/SqliteErrors.h"
 #include "platform/di/ServiceLocator.h"
+#include "platform/sql/parsing/SqlParser.h"
 
 #include <orvane/Engine.h>
 
@@ -123,7 +124,9 @@ void Session::select(const std::string& query) {
     } catch (const adaptor::SelectionError& error) {
         const sql::TokenizedText text = sql::tokenize(query);
         const Names known = names();
-        const SqliteErrors errors(text, std::string(), -1, known);
+        sql::SqlParser parsed(nullptr);
+        parsed.parse(query);
+        const SqliteErrors errors(text, parsed.tables(), std::string(), -1, known);
         const Problem problem = errors.explain(QString::fromUtf8(error.what()));
         throw UsageError(QStringLiteral("--select: %0").arg(problem.message));
     }

@@ -3,129 +3,87 @@
 #include "host/shell/messages/Names.h"
 
 #include "platform/sql/lexing/SqlStrings.h"
+#include "platform/sql/tree/Expressions.h"
+#include "platform/sql/tree/Queries.h"
 
 #include <algorithm>
-#include <optional>
 
 namespace orvane::shell {
 
 namespace {
 
-/// The tokens of one expression, the end excluded.
-struct TokenRange {
-    std::size_t begin;
-    std::size_t end;
-};
+using namespace sql;
 
-bool endsSelectList(const sql::Token& token) {
-    switch (token.keyword) {
-    case sql::Keyword::From:
-    case sql::Keyword::Into:
-    case sql::Keyword::Where:
-    case sql::Keyword::Group:
-    case sql::Keyword::Order:
-    case sql::Keyword::Limit:
-    case sql::Keyword::Union:
-    case sql::Keyword::Intersect:
-    case sql::Keyword::Except: return true;
-    default: return token.kind == sql::TokenKind::End || token.kind == sql::TokenKind::Semicolon;
-    }
+const ast::NodePtr& onlySource(const ast::QuerySpecification& query) {
+    static const ast::NodePtr none;
+    const auto* from = ast::nodeAs<ast::FromSource>(query.from);
+    return from && from->sources.size() == 1 ? from->sources.front() : none;
 }
 
-/// The first token of the outermost query's Select list, behind the named queries of a With; none when the
-/// statement is of another form.
-std::optional<std::size_t> beginOfSelectList(const std::vector<sql::Token>& tokens) {
-    std::size_t i = 0;
-    if (tokens.front().keyword == sql::Keyword::With) {
-        int depth = 0;
-        while (tokens[i].kind != sql::TokenKind::End &&
-               (depth != 0 || tokens[i].keyword != sql::Keyword::Select)) {
-            if (tokens[i].kind == sql::TokenKind::LeftParenthesis)
-                ++depth;
-            else if (tokens[i].kind == sql::TokenKind::RightParenthesis)
-                --depth;
-            ++i;
-        }
-    }
-    return tokens[i].keyword == sql::Keyword::Select ? std::optional(i + 1) : std::nullopt;
-}
-
-/// The expressions between Select and From of the outermost query; none when the statement is of another
-/// form.
-std::vector<TokenRange> selectList(const std::vector<sql::Token>& tokens) {
-    const auto first = beginOfSelectList(tokens);
-    if (!first)
+/// The result columns that a query names. In a compound query the first names them, and an asterisk after
+/// which there is nothing but a query stands for the columns of that one.
+ast::NodeList resultColumns(ast::NodePtr query) {
+    while (const auto* operation = ast::nodeAs<ast::QueryOperation>(query))
+        query = operation->left;
+    const auto* select = ast::nodeAs<ast::QuerySpecification>(query);
+    if (!select)
         return {};
-    std::size_t begin = *first;
-    if (tokens[begin].keyword == sql::Keyword::Distinct || tokens[begin].keyword == sql::Keyword::All)
-        ++begin;
-    std::vector<TokenRange> list;
-    int depth = 0;
-    for (std::size_t i = begin;; ++i) {
-        if (tokens[i].kind == sql::TokenKind::End || (depth == 0 && endsSelectList(tokens[i]))) {
-            list.push_back({begin, i});
-            return list;
-        }
-        if (tokens[i].kind == sql::TokenKind::LeftParenthesis)
-            ++depth;
-        else if (tokens[i].kind == sql::TokenKind::RightParenthesis)
-            --depth;
-        else if (tokens[i].kind == sql::TokenKind::Comma && depth == 0) {
-            list.push_back({begin, i});
-            begin = i + 1;
-        }
-    }
+    const auto* only =
+        select->columns.size() == 1 ? ast::nodeAs<ast::DerivedColumn>(select->columns.front()) : nullptr;
+    const auto* derived = ast::nodeAs<ast::DerivedTable>(onlySource(*select));
+    if (only && derived && ast::nodeAs<ast::QualifiedAsterisk>(only->expression))
+        return resultColumns(derived->query);
+    return select->columns;
 }
 
-/// What the user wrote, with single blanks in place of line breaks.
-std::string writtenText(const sql::TokenizedText& statement, TokenRange range) {
-    const sql::Token& first = statement.tokens[range.begin];
-    const sql::Token& last = statement.tokens[range.end - 1];
-    const QString text =
-        sql::fromSqlString(statement.source.substr(first.offset, last.offset + last.length - first.offset));
-    return text.simplified().toStdString();
-}
-
-/// For each result column the expression it comes from, an empty range where that cannot be told. Asterisks
-/// stand for any number of columns: what is before the first counts from the left, what is behind the last
-/// from the right.
-std::vector<TokenRange> columnSources(const std::vector<sql::Token>& tokens, std::size_t count) {
-    const std::vector<TokenRange> list = selectList(tokens);
-    std::vector<TokenRange> sources(count, TokenRange{0, 0});
-    const auto isAsterisk = [&tokens](const TokenRange& range) {
-        return range.begin != range.end && tokens[range.end - 1].kind == sql::TokenKind::Asterisk;
+/// For each result column of the statement the node that it comes from, null where that cannot be told.
+/// Asterisks stand for any number of columns: what is before the first counts from the left, what is behind
+/// the last from the right.
+std::vector<const ast::DerivedColumn*> columnSources(const ast::NodePtr& query, std::size_t count) {
+    const ast::NodeList list = resultColumns(query);
+    const auto isAsterisk = [](const ast::NodePtr& node) {
+        const auto* column = ast::nodeAs<ast::DerivedColumn>(node);
+        return column && ast::nodeAs<ast::QualifiedAsterisk>(column->expression);
     };
+    std::vector<const ast::DerivedColumn*> sources(count);
     const auto first = std::find_if(list.begin(), list.end(), isAsterisk);
     const auto last = std::find_if(list.rbegin(), list.rend(), isAsterisk);
     if (list.size() > count + 1 || (first == list.end() && list.size() != count))
         return sources;
-    std::copy(list.begin(), first, sources.begin());
-    std::copy(list.rbegin(), last, sources.rbegin());
+    const auto column = [](const ast::NodePtr& node) { return ast::nodeAs<ast::DerivedColumn>(node); };
+    std::transform(list.begin(), first, sources.begin(), column);
+    std::transform(list.rbegin(), last, sources.rbegin(), column);
     return sources;
+}
+
+/// With single blanks in place of line breaks.
+QString writtenText(const ParseResult& statement, ast::SourceRange place) {
+    return fromSqlString(statement.text(place)).simplified();
+}
+
+QString titleOf(const ast::DerivedColumn& column, const QString& sqliteName, const ParseResult& statement) {
+    if (!column.alias.empty())
+        return fromSqlString(column.alias);
+    if (const auto* reference = ast::nodeAs<ast::ColumnReference>(column.expression)) {
+        // The table's own spelling, where SQLite knows it.
+        const QString name = fromSqlString(reference->name);
+        return name.compare(sqliteName, Qt::CaseInsensitive) == 0 ? sqliteName : name;
+    }
+    return writtenText(statement, column.place);
 }
 
 } // namespace
 
-std::vector<std::string> columnTitles(sqlite3_stmt* prepared, const sql::TokenizedText* statement,
-                                      bool isExpression) {
+std::vector<std::string> columnTitles(sqlite3_stmt* prepared, const ParseResult& statement) {
     const auto count = static_cast<std::size_t>(sqlite3_column_count(prepared));
-    if (statement && isExpression)
-        return {writtenText(*statement, {0, statement->tokens.size() - 1})};
-    std::vector<TokenRange> sources(count, TokenRange{0, 0});
-    if (statement)
-        sources = columnSources(statement->tokens, count);
+    if (statement.isExpression())
+        return {writtenText(statement, statement.node()->place).toStdString()};
+    const std::vector<const ast::DerivedColumn*> sources = columnSources(statement.node(), count);
     std::vector<std::string> titles;
     for (std::size_t column = 0; column < count; ++column) {
         const QString name = QString::fromUtf8(sqlite3_column_name(prepared, static_cast<int>(column)));
-        const QString userName = userColumnName(name);
-        titles.push_back(userName.toStdString());
-        const TokenRange source = sources[column];
-        if (source.begin == source.end || userName != name)
-            continue;
-        // A name or an alias ends the expression; any other text is SQLite's rendering of the translation.
-        const QString last = sql::fromSqlString(statement->value(statement->tokens[source.end - 1]));
-        if (last.compare(name, Qt::CaseInsensitive) != 0)
-            titles.back() = writtenText(*statement, source);
+        titles.push_back((sources[column] ? titleOf(*sources[column], name, statement) : userColumnName(name))
+                             .toStdString());
     }
     return titles;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/sql/lexing/Lexer.h"
+#include "platform/sql/parsing/SqlParser.h"
 
 #include <sqlite3.h>
 
@@ -10,9 +10,8 @@
 namespace orvane::shell {
 
 /// The names of the result columns as the user knows them: aliases and columns by their names, other
-/// expressions as the user wrote them. `statement` is the user's text of the prepared statement, a query or
-/// an expression by itself; null when it runs untranslated.
-std::vector<std::string> columnTitles(sqlite3_stmt* prepared, const sql::TokenizedText* statement,
-                                      bool isExpression);
+/// expressions as the user wrote them. `statement` is the user's own, a query or an expression by itself; one
+/// without a tree when SQLite's text was the user's.
+std::vector<std::string> columnTitles(sqlite3_stmt* prepared, const sql::ParseResult& statement);
 
 } // namespace orvane::shell

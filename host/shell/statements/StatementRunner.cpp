@@ -10,12 +10,13 @@
 
 #include "platform/sql/lexing/Script.h"
 #include "platform/sql/lexing/SqlStrings.h"
-#include "platform/sql/parsing/SqlParser.h"
+#include "platform/sql/tree/NodeVisitor.h"
 #include <orvane/Engine.h>
 #include <orvane/engine/SqliteStringBuilder.h>
 
 #include <algorithm>
 #include <cstdio>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -53,29 +54,29 @@ void printNotes(const QStringList& notes) {
         std::fprintf(stderr, "orvane: %s\n", note.toUtf8().constData());
 }
 
-/// Where the name after Into stands.
-std::optional<TextPlace> placeOfInto(const std::string& statement) {
-    const sql::TokenizedText text = sql::tokenize(statement);
-    for (std::size_t i = 0; i + 1 < text.tokens.size(); ++i) {
-        if (text.tokens[i].keyword != sql::Keyword::Into)
-            continue;
-        const sql::Token& name = text.tokens[i + 1];
-        const sql::TextPosition position = text.position(name.offset);
-        return TextPlace{position.line, position.column, static_cast<int>(name.length)};
-    }
-    return std::nullopt;
+/// Where the first node stands that fits.
+std::optional<TextPlace> placeOf(const sql::ParseResult& statement,
+                                 const std::function<bool(const sql::ast::Node&)>& fits) {
+    const sql::ast::Node* found = nullptr;
+    sql::ast::forEachNode(*statement.node(), [&](const sql::ast::Node& node) {
+        found = !found && fits(node) ? &node : found;
+        return !found;
+    });
+    if (!found)
+        return std::nullopt;
+    const sql::TextPosition position = sql::positionIn(statement.source(), found->place.offset);
+    return TextPlace{position.line, position.column, static_cast<int>(found->place.length)};
 }
 
-/// Where a word of the statement stands, letter case ignored.
-std::optional<TextPlace> placeOfWord(const std::string& statement, const QString& word) {
-    const sql::TokenizedText text = sql::tokenize(statement);
-    for (const sql::Token& token : text.tokens) {
-        if (sql::fromSqlString(text.value(token)).compare(word, Qt::CaseInsensitive) == 0) {
-            const sql::TextPosition position = text.position(token.offset);
-            return TextPlace{position.line, position.column, static_cast<int>(token.length)};
-        }
-    }
-    return std::nullopt;
+bool isInto(const sql::ast::Node& node) {
+    return node.kind == sql::ast::NodeKind::IntoClause;
+}
+
+bool isSelectionTable(const sql::ast::Node& node) {
+    const auto* table = sql::ast::nodeAs<sql::ast::TablePrimary>(&node);
+    return table &&
+           sql::fromSqlString(table->name)
+                   .compare(dp::DataCatalogWithSelection::selectionTableName(), Qt::CaseInsensitive) == 0;
 }
 
 } // namespace
@@ -112,19 +113,17 @@ Outcome StatementRunner::runDialect(Statement& statement) {
 std::string StatementRunner::translate(Statement& statement) {
     engine::SqliteStringBuilder builder(QString(), nullptr);
     builder.setSelection(session_.catalog().selection(), session_.engine().cache());
-    session_.engine().tryToTranslate(statement.text, builder, Engine::ParseAsIs);
+    if (!statement.parsed.parse(statement.text)) {
+        fail(statement, problemOf(*statement.parsed.errors().front()));
+        return {};
+    }
+    session_.engine().tryToTranslate(statement.parsed.result(), builder, Engine::ParseAsIs);
     if (!builder.errors().empty()) {
-        sql::SqlParser parser(nullptr);
-        if (!parser.parse(statement.text)) { // which tells the place
-            fail(statement, parser.errors().empty() ? Problem() : problemOf(*parser.errors().front()));
-            return {};
-        }
         const sql::SqlError& error = *builder.errors().front();
         Problem problem = problemOf(error);
         if (dynamic_cast<const sql::SelectionTableIsAbsent*>(&error)) {
-            const QString name = dp::DataCatalogWithSelection::selectionTableName();
             problem = {Shell::tr("выборка пуста: её задаёт параметр --select"),
-                       placeOfWord(statement.text, name)};
+                       placeOf(statement.parsed.result(), isSelectionTable)};
         }
         fail(statement, std::move(problem));
         return {};
@@ -133,8 +132,7 @@ std::string StatementRunner::translate(Statement& statement) {
         return {};
     const std::string text = sql::toUtf8(builder.query());
     // An expression by itself is a question for its value.
-    statement.isExpression = builder.isExpression();
-    return statement.isExpression ? "Select " + text : text;
+    return builder.isExpression() ? "Select " + text : text;
 }
 
 bool StatementRunner::readInto(Statement& statement, const engine::SqliteStringBuilder& builder) {
@@ -142,7 +140,7 @@ bool StatementRunner::readInto(Statement& statement, const engine::SqliteStringB
     const std::wstring& name = isFile ? builder.intoFile() : builder.intoTable();
     if (name.empty())
         return true;
-    IntoTarget into{sql::fromSqlString(name), isFile, placeOfInto(statement.text)};
+    IntoTarget into{sql::fromSqlString(name), isFile, placeOf(statement.parsed.result(), isInto)};
     if (!isFile && session_.names().tables().contains(into.name, Qt::CaseInsensitive)) {
         fail(statement, {Shell::tr("таблица «%1» уже есть").arg(into.name), into.place});
         return false;
@@ -211,20 +209,14 @@ Outcome StatementRunner::runSqlite(Statement& statement, const std::string& sqli
     return settings_.sqlite ? Outcome::Done : finish(statement);
 }
 
-std::vector<std::string> StatementRunner::titles(const Statement& statement, sqlite3_stmt* prepared) const {
-    if (settings_.sqlite)
-        return columnTitles(prepared, nullptr, false);
-    const sql::TokenizedText userText = sql::tokenize(statement.text);
-    return columnTitles(prepared, &userText, statement.isExpression);
-}
-
 Outcome StatementRunner::execute(Statement& statement, sqlite3_stmt* prepared) {
     int code = SQLITE_DONE;
     try {
         std::unique_ptr<ResultWriter> writer;
         if (sqlite3_column_count(prepared) != 0) {
             writer = makeWriter(statement, prepared);
-            writer->begin(writer->showsTitles() ? titles(statement, prepared) : std::vector<std::string>());
+            writer->begin(writer->showsTitles() ? columnTitles(prepared, statement.parsed.result())
+                                                : std::vector<std::string>());
         }
         code = writeRows(statement, prepared, writer.get());
         if (writer && code == SQLITE_DONE && !interrupt_.requested())
@@ -278,7 +270,7 @@ Outcome StatementRunner::failSqlite(const Statement& statement, const std::strin
         return cancel();
     const sql::TokenizedText userText = sql::tokenize(statement.text);
     const Names names = session_.names();
-    const SqliteErrors errors(userText, sqliteText,
+    const SqliteErrors errors(userText, statement.parsed.tables(), sqliteText,
                               errorOffset < 0 ? -1 : static_cast<int>(offset) + errorOffset, names);
     return fail(statement, errors.explain(message));
 }

@@ -5,7 +5,7 @@
 #include "host/shell/session/Session.h"
 
 #include "host/providers/results/ResultFile.h"
-#include "platform/sql/lexing/Lexer.h"
+#include "platform/sql/parsing/SqlParser.h"
 
 #include <chrono>
 #include <memory>
@@ -65,10 +65,10 @@ private:
     /// The statement that runs.
     struct Statement {
         const StatementText& source;
-        std::string text;          ///< the user's
-        TextPlace start;           ///< of that text in the source
-        bool isExpression = false; ///< not a statement but a value
-        QStringList explanation{}; ///< of its SQLite statements
+        std::string text;               ///< the user's
+        TextPlace start;                ///< of that text in the source
+        sql::SqlParser parsed{nullptr}; ///< without a tree when SQLite's text is the user's
+        QStringList explanation{};      ///< of its SQLite statements
         std::optional<IntoTarget> into = {};
         std::optional<Problem> problem = {}; ///< of a failure that is not SQLite's
         Times times = {};
@@ -83,7 +83,6 @@ private:
     /// Runs the SQLite statements of a text. They count as one statement, unless the user wrote them.
     Outcome runSqlite(Statement& statement, const std::string& sqliteText);
     Outcome execute(Statement& statement, sqlite3_stmt* prepared);
-    std::vector<std::string> titles(const Statement& statement, sqlite3_stmt* prepared) const;
     /// Steps to the end; answers SQLite's code.
     int writeRows(Statement& statement, sqlite3_stmt* prepared, ResultWriter* writer);
     Outcome finish(Statement& statement);

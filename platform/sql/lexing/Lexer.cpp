@@ -288,7 +288,7 @@ std::wstring TokenizedText::value(const Token& token) const {
     return result;
 }
 
-TextPosition TokenizedText::position(std::size_t offset) const {
+TextPosition positionIn(std::wstring_view source, std::size_t offset) {
     const auto end = source.begin() + static_cast<std::ptrdiff_t>(std::min(offset, source.size()));
     const auto line = std::count(source.begin(), end, L'\n');
     const auto lineStart = std::find(std::make_reverse_iterator(end), source.rend(), L'\n').base();

@@ -53,6 +53,9 @@ struct TextPosition {
     int column = 1; ///< from 1, in characters
 };
 
+/// Where a character of a statement stands, given its offset in the wide source text.
+ORVANE_PLATFORM_EXPORT TextPosition positionIn(std::wstring_view source, std::size_t offset);
+
 /// A statement cut into tokens, comments and blanks left out. The last token is always End.
 struct ORVANE_PLATFORM_EXPORT TokenizedText {
     std::wstring source;
@@ -66,7 +69,7 @@ struct ORVANE_PLATFORM_EXPORT TokenizedText {
     }
     /// What the token means: a quoted name or text without quotes, doubled ones made single.
     std::wstring value(const Token& token) const;
-    TextPosition position(std::size_t offset) const;
+    TextPosition position(std::size_t offset) const { return positionIn(source, offset); }
 };
 
 /// Cuts UTF-8 text into tokens. Never throws for the text's sake.

@@ -56,13 +56,14 @@ OperationCode symbolOperator(TokenKind kind) {
 // operators of two operands associate to the left, the power included (2 ^ 3 ^ 2 is 64).
 ast::NodePtr Parser::parseExpression(Precedence loosest) {
     const Level level(*this);
-    ast::NodePtr left = parsePrefix();
+    const std::size_t first = pos_;
+    ast::NodePtr left = placed(first, parsePrefix());
     for (;;) {
         const OperationCode code = infixOperator();
         if (code == OperationCode::None || precedenceOf(code) < loosest) {
             return left;
         }
-        left = parseInfix(code, std::move(left));
+        left = placed(first, parseInfix(code, std::move(left)));
         grow();
     }
 }
@@ -195,8 +196,9 @@ ast::NodePtr Parser::parseIs(ast::NodePtr left) {
 
 // After "In": a list, a query, or the name of a table with one column.
 ast::NodePtr Parser::parseInOperand() {
+    const std::size_t first = pos_;
     if (atName()) {
-        return std::make_shared<ast::ExplicitTable>(takeValue());
+        return parseExplicitTable();
     }
     expect(TokenKind::LeftParenthesis);
     ast::NodePtr operand;
@@ -214,7 +216,7 @@ ast::NodePtr Parser::parseInOperand() {
                       : std::make_shared<ast::RowValueExpressionList>(std::move(list));
     }
     expect(TokenKind::RightParenthesis);
-    return operand;
+    return placed(first, std::move(operand));
 }
 
 ast::NodePtr Parser::parsePrimary() {

@@ -102,6 +102,7 @@ Parser::Result Parser::parseAll() {
         result.isExpression = true;
         result.node = parseExpression();
     }
+    result.node->place = since(0);
     accept(TokenKind::Semicolon);
     if (!at(TokenKind::End)) {
         failExpecting(Noun::EndOfText);
@@ -165,6 +166,29 @@ std::wstring Parser::expectName() {
         failExpecting(Noun::Name);
     }
     return takeValue();
+}
+
+ast::SourceRange Parser::since(std::size_t first) const {
+    if (pos_ == first) {
+        return {};
+    }
+    const Token& last = text_.tokens[pos_ - 1];
+    const std::size_t begin = text_.tokens[first].offset;
+    return {begin, last.offset + last.length - begin};
+}
+
+std::shared_ptr<ast::TablePrimary> Parser::parseTableName() {
+    const std::size_t first = pos_;
+    auto table = placed(first, std::make_shared<ast::TablePrimary>(expectName()));
+    tables_.push_back(table);
+    return table;
+}
+
+std::shared_ptr<ast::ExplicitTable> Parser::parseExplicitTable() {
+    const std::size_t first = pos_;
+    auto table = placed(first, std::make_shared<ast::ExplicitTable>(expectName()));
+    tables_.push_back(table);
+    return table;
 }
 
 std::wstring Parser::parseAlias() {

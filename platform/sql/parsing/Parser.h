@@ -7,6 +7,7 @@
 #include <QString>
 
 #include <bitset>
+#include <utility>
 
 namespace orvane::sql {
 
@@ -23,6 +24,8 @@ public:
     };
     /// The whole text as one statement or expression.
     Result parseAll();
+    /// What was read where a table may stand, up to a fault if there was one.
+    ast::NodeList takeTables() { return std::move(tables_); }
 
 private:
     /// Parentheses, subqueries and calls may nest so deep; deeper would endanger the stack of the thread.
@@ -66,7 +69,7 @@ private:
     ast::NodePtr parseIntersections();
     ast::NodePtr parseQueryTerm();
     ast::NodePtr parseSelect();
-    ast::NodePtr parseResultClauses(ast::NodePtr query);
+    ast::NodePtr parseResultClauses(std::size_t first, ast::NodePtr query);
     void parseLimit(ast::QueryExpression& query);
     ast::NodePtr parseDerivedColumn();
     ast::NodePtr parseFrom();
@@ -121,6 +124,19 @@ private:
     void expect(TokenKind kind);
     std::wstring takeValue();
     std::wstring expectName();
+    /// The stretch of text from the token `first` to the last one taken.
+    ast::SourceRange since(std::size_t first) const;
+    /// The node, which begins with the token `first`; one that has its place already keeps it.
+    template<class NodePointer>
+    NodePointer placed(std::size_t first, NodePointer node) const {
+        if (node && node->place.length == 0) {
+            node->place = since(first);
+        }
+        return node;
+    }
+    /// A name where a table stands.
+    std::shared_ptr<ast::TablePrimary> parseTableName();
+    std::shared_ptr<ast::ExplicitTable> parseExplicitTable();
     /// A name after As, or standing alone where `implicit` allows it; empty when there is none.
     std::wstring parseAlias();
 
@@ -150,6 +166,7 @@ private:
     bool intoAllowed_ = false;  ///< only the first Select of a query statement may have an Into
     bool inExpression_ = false; ///< the text is read as a lone expression
     Expectations expected_;
+    ast::NodeList tables_;
     /// The last word taken as an alias without As: it may be a misspelt keyword.
     std::size_t aliasPos_ = static_cast<std::size_t>(-1);
 };

@@ -116,6 +116,7 @@ ast::NodePtr Parser::parseQuery() {
 }
 
 ast::NodePtr Parser::parseWithQuery() {
+    const std::size_t first = pos_;
     advance();
     const bool recursive = at(Keyword::Recursive) && !atAhead(1, Keyword::As);
     if (recursive) {
@@ -143,12 +144,15 @@ ast::NodePtr Parser::parseWithQuery() {
     }
     select->with = std::move(tables);
     select->recursive = recursive;
+    select->place = since(first);
     return select;
 }
 
 ast::CommonTable Parser::parseCommonTable() {
     ast::CommonTable table;
+    const std::size_t first = pos_;
     table.name = expectName();
+    table.place = since(first);
     if (at(TokenKind::LeftParenthesis)) {
         table.columns = parseColumnNames();
     }
@@ -160,6 +164,7 @@ ast::CommonTable Parser::parseCommonTable() {
 }
 
 ast::NodePtr Parser::parseQueryBody() {
+    const std::size_t first = pos_;
     ast::NodePtr query = parseIntersections();
     for (;;) {
         ast::SetOperator code = ast::SetOperator::Except;
@@ -169,19 +174,20 @@ ast::NodePtr Parser::parseQueryBody() {
                 accept(Keyword::Distinct);
             }
         } else if (!accept(Keyword::Except)) {
-            return parseResultClauses(std::move(query));
+            return parseResultClauses(first, std::move(query));
         }
         intoAllowed_ = intoAllowed_ && nesting_ > 1; // the second part of the outermost query begins
-        query = combine(code, std::move(query), parseIntersections());
+        query = placed(first, combine(code, std::move(query), parseIntersections()));
         grow();
     }
 }
 
 /// Intersect binds tighter than Union and Except.
 ast::NodePtr Parser::parseIntersections() {
+    const std::size_t first = pos_;
     ast::NodePtr query = parseQueryTerm();
     while (accept(Keyword::Intersect)) {
-        query = combine(ast::SetOperator::Intersect, std::move(query), parseQueryTerm());
+        query = placed(first, combine(ast::SetOperator::Intersect, std::move(query), parseQueryTerm()));
         grow();
     }
     return query;
@@ -195,10 +201,11 @@ ast::NodePtr Parser::parseQueryTerm() {
     }
     if (at(Keyword::Table)) {
         advance();
-        return std::make_shared<ast::ExplicitTable>(expectName());
+        return parseExplicitTable();
     }
+    const std::size_t first = pos_;
     expect(Keyword::Select);
-    return parseSelect();
+    return placed(first, parseSelect());
 }
 
 // After "Select".
@@ -219,8 +226,10 @@ ast::NodePtr Parser::parseSelect() {
         }
         advance();
         using Target = ast::IntoClause::Target;
-        query->into = at(TokenKind::Text) ? std::make_shared<ast::IntoClause>(takeValue(), Target::File)
-                                          : std::make_shared<ast::IntoClause>(expectName());
+        const std::size_t first = pos_;
+        query->into =
+            placed(first, at(TokenKind::Text) ? std::make_shared<ast::IntoClause>(takeValue(), Target::File)
+                                              : std::make_shared<ast::IntoClause>(expectName()));
     }
     if (accept(Keyword::From)) {
         query->from = parseFrom();
@@ -239,18 +248,20 @@ ast::NodePtr Parser::parseSelect() {
 }
 
 ast::NodePtr Parser::parseDerivedColumn() {
+    const std::size_t first = pos_;
+    ast::NodePtr expression;
     if (accept(TokenKind::Asterisk)) {
-        return std::make_shared<ast::DerivedColumn>(std::make_shared<ast::QualifiedAsterisk>());
-    }
-    if (atName() && atAhead(1, TokenKind::Dot) && atAhead(2, TokenKind::Asterisk)) {
-        std::wstring qualifier = takeValue();
+        expression = std::make_shared<ast::QualifiedAsterisk>();
+    } else if (atName() && atAhead(1, TokenKind::Dot) && atAhead(2, TokenKind::Asterisk)) {
+        expression = std::make_shared<ast::QualifiedAsterisk>(takeValue());
         advance();
         advance();
-        return std::make_shared<ast::DerivedColumn>(
-            std::make_shared<ast::QualifiedAsterisk>(std::move(qualifier)));
+    } else {
+        const auto column = placed(first, std::make_shared<ast::DerivedColumn>(parseExpression()));
+        column->alias = parseAlias();
+        return column;
     }
-    ast::NodePtr expression = parseExpression();
-    return std::make_shared<ast::DerivedColumn>(std::move(expression), parseAlias());
+    return placed(first, std::make_shared<ast::DerivedColumn>(placed(first, std::move(expression))));
 }
 
 // After "From".
@@ -320,8 +331,9 @@ ast::NodePtr Parser::parseTablePrimary() {
         expect(TokenKind::RightParenthesis);
         return joined;
     }
-    std::wstring name = expectName();
-    return std::make_shared<ast::TablePrimary>(std::move(name), parseAlias());
+    const auto table = parseTableName();
+    table->alias = parseAlias();
+    return table;
 }
 
 // After "(".
@@ -337,10 +349,11 @@ ast::NodePtr Parser::parseDerivedTable() {
         outer->with.push_back(std::move(named));
         query = std::move(outer);
     }
-    return std::make_shared<ast::DerivedTable>(std::move(query), std::move(alias));
+    tables_.push_back(std::make_shared<ast::DerivedTable>(std::move(query), std::move(alias)));
+    return tables_.back();
 }
 
-ast::NodePtr Parser::parseResultClauses(ast::NodePtr query) {
+ast::NodePtr Parser::parseResultClauses(std::size_t first, ast::NodePtr query) {
     const auto target = [&query]() -> ast::QueryExpression& {
         if (!asQueryExpression(query) || isOrderedOrLimited(query)) {
             query = selectAllFrom(std::move(query));
@@ -357,7 +370,9 @@ ast::NodePtr Parser::parseResultClauses(ast::NodePtr query) {
         for (const Keyword absent : {Keyword::Order, Keyword::Limit, Keyword::Offset}) {
             accept(absent); // for the message, should nothing else fit
         }
+        return query;
     }
+    query->place = since(first);
     return query;
 }
 
@@ -402,7 +417,8 @@ ast::NodeList Parser::parseOrderBy() {
 
 ast::NodePtr Parser::parseSortSpecification() {
     using Sort = ast::SortSpecification;
-    auto term = std::make_shared<Sort>(parseExpression());
+    const std::size_t first = pos_;
+    auto term = placed(first, std::make_shared<Sort>(parseExpression()));
     if (accept(Keyword::Asc)) {
         term->direction = Sort::Direction::Ascending;
     } else if (accept(Keyword::Desc)) {
@@ -424,7 +440,9 @@ ast::NodeList Parser::parseColumnNames() {
     ast::NodeList columns;
     expect(TokenKind::LeftParenthesis);
     do {
-        columns.push_back(std::make_shared<ast::ColumnReference>(std::wstring(), expectName()));
+        const std::size_t first = pos_;
+        columns.push_back(
+            placed(first, std::make_shared<ast::ColumnReference>(std::wstring(), expectName())));
     } while (accept(TokenKind::Comma));
     expect(TokenKind::RightParenthesis);
     return columns;

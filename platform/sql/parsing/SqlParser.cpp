@@ -14,19 +14,21 @@ bool isStandardBareFunction(const std::wstring& lowercaseName) {
 bool SqlParser::parse(const std::string& text) {
     result_ = {};
     errors_.clear();
-    const TokenizedText tokens = tokenize(text);
-    if (tokens.error) {
-        errors_.push_back(std::make_shared<SqlSyntaxError>(*tokens.error));
-        return false;
-    }
+    TokenizedText tokens = tokenize(text);
+    Parser parser(tokens, context_);
     try {
-        Parser::Result parsed = Parser(tokens, context_).parseAll();
-        result_ = ParseResult(std::move(parsed.node), parsed.isExpression);
-        return true;
+        Parser::Result parsed = parser.parseAll();
+        if (!tokens.error) {
+            result_ = ParseResult(std::move(parsed.node), parsed.isExpression, std::move(tokens.source));
+        }
     } catch (const SqlSyntaxError& error) {
         errors_.push_back(std::make_shared<SqlSyntaxError>(error));
-        return false;
     }
+    tables_ = parser.takeTables();
+    if (tokens.error) { // it comes before any other: the tokens end there
+        errors_.assign(1, std::make_shared<SqlSyntaxError>(*tokens.error));
+    }
+    return errors_.empty();
 }
 
 } // namespace orvane::sql

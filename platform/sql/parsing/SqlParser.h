@@ -15,17 +15,22 @@ namespace orvane::sql {
 class ParseResult {
 public:
     ParseResult() = default;
-    ParseResult(std::shared_ptr<ast::Node> node, bool isExpression)
-        : node_(std::move(node)), isExpression_(isExpression) {}
+    ParseResult(std::shared_ptr<ast::Node> node, bool isExpression, std::wstring source)
+        : node_(std::move(node)), isExpression_(isExpression), source_(std::move(source)) {}
 
     /// The root of the tree; null before anything was parsed.
     const std::shared_ptr<ast::Node>& node() const { return node_; }
     /// Whether the text was a value expression rather than a statement.
     bool isExpression() const { return isExpression_; }
+    /// The text, which the places of the nodes refer to.
+    const std::wstring& source() const { return source_; }
+    /// What the user wrote at a place.
+    std::wstring text(ast::SourceRange place) const { return source_.substr(place.offset, place.length); }
 
 private:
     std::shared_ptr<ast::Node> node_;
     bool isExpression_ = false;
+    std::wstring source_;
 };
 
 /// Turns a statement or a lone expression of the dialect into its tree. Any number of texts one after
@@ -42,11 +47,15 @@ public:
 
     const ParseResult& result() const { return result_; }
     const std::vector<std::shared_ptr<SqlSyntaxError>>& errors() const { return errors_; }
+    /// What the text has where a table may stand: TablePrimary, DerivedTable and ExplicitTable, in its order.
+    /// Where the text has a fault, those before it: a statement may be asked about while it is being written.
+    const ast::NodeList& tables() const { return tables_; }
 
 private:
     const ParseContext* context_;
     ParseResult result_;
     std::vector<std::shared_ptr<SqlSyntaxError>> errors_;
+    ast::NodeList tables_;
 };
 
 } // namespace orvane::sql

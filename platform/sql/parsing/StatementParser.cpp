@@ -27,9 +27,9 @@ ast::NodePtr Parser::parseInsert() {
     advance();
     expect(Keyword::Into);
     auto statement = std::make_shared<ast::InsertStatement>();
-    std::wstring name = expectName();
-    statement->table = std::make_shared<ast::TablePrimary>(
-        std::move(name), accept(Keyword::As) ? expectName() : std::wstring());
+    const auto table = parseTableName();
+    table->alias = accept(Keyword::As) ? expectName() : std::wstring();
+    statement->table = table;
     if (at(TokenKind::LeftParenthesis) && !startsQuery()) {
         statement->columns = parseColumnNames();
     }
@@ -50,9 +50,11 @@ ast::NodePtr Parser::parseInsertSource() {
     }
     ast::NodeList rows;
     do {
+        const std::size_t first = pos_;
         expect(TokenKind::LeftParenthesis);
-        rows.push_back(std::make_shared<ast::RowValueExpression>(parseExpressions()));
+        const auto row = std::make_shared<ast::RowValueExpression>(parseExpressions());
         expect(TokenKind::RightParenthesis);
+        rows.push_back(placed(first, row));
     } while (accept(TokenKind::Comma));
     return std::make_shared<ast::RowValueExpressionList>(std::move(rows));
 }
@@ -82,19 +84,22 @@ ast::NodePtr Parser::parseDelete() {
 }
 
 ast::NodePtr Parser::parseTargetTable() {
-    std::wstring name = expectName();
-    return std::make_shared<ast::TablePrimary>(std::move(name), parseAlias());
+    const auto table = parseTableName();
+    table->alias = parseAlias();
+    return table;
 }
 
 ast::NodePtr Parser::parseSetClause() {
+    const std::size_t first = pos_;
     ast::NodePtr target;
     if (at(TokenKind::LeftParenthesis)) {
         target = std::make_shared<ast::RowValueExpression>(parseColumnNames());
     } else {
         target = std::make_shared<ast::ColumnReference>(std::wstring(), expectName());
     }
+    target = placed(first, std::move(target));
     expect(TokenKind::Equal);
-    return std::make_shared<ast::SetClause>(std::move(target), parseExpression());
+    return placed(first, std::make_shared<ast::SetClause>(std::move(target), parseExpression()));
 }
 
 ast::NodePtr Parser::parseOptionalWhere() {

@@ -2,6 +2,7 @@
 
 #include "platform/Export.h"
 
+#include <cstddef>
 #include <memory>
 #include <vector>
 
@@ -37,6 +38,12 @@ enum class NodeKind {
     UpdateStatement
 };
 
+/// A stretch of a statement's text, in units of std::wstring.
+struct SourceRange {
+    std::size_t offset = 0;
+    std::size_t length = 0;
+};
+
 /// A piece of a statement. A tree is built once, then only read; subtrees may be shared between trees.
 /// Texts in nodes are std::wstring, which holds UTF-32 where wchar_t has 32 bits (and UTF-16 where it has
 /// 16): lengths and offsets count its units.
@@ -44,6 +51,10 @@ struct ORVANE_PLATFORM_EXPORT Node {
     virtual ~Node();
     Node& operator=(const Node&) = delete;
     const NodeKind kind;
+    /// Where the node was written, without its alias and without parentheses around it: of a table and of
+    /// Into the name, of a result column the expression as it stands there, of the root everything. Empty
+    /// where the text has nothing of its own for the node, and in a tree made by hand.
+    SourceRange place;
 
 protected:
     explicit Node(NodeKind nodeKind) : kind(nodeKind) {}

@@ -2,6 +2,89 @@
 
 namespace orvane::sql::ast {
 
+namespace {
+
+using NodeFunction = std::function<void(const Node&)>;
+
+/// Hands the children of a node to a function.
+class Children : public NodeVisitor {
+public:
+    explicit Children(const NodeFunction& take) : take_(take) {}
+
+    void visit(const ColumnReference&) override {}
+    void visit(const ContextuallyTypedValueSpecification&) override {}
+    void visit(const DeleteStatement& node) override { add(node.table, node.where); }
+    void visit(const DerivedColumn& node) override { add(node.expression); }
+    void visit(const DerivedTable& node) override { add(node.query); }
+    void visit(const ExplicitTable&) override {}
+    void visit(const FromSource& node) override { add(node.sources); }
+    void visit(const Function& node) override {
+        add(node.arguments, node.filter);
+        if (node.over) {
+            add(node.over->partitionBy, node.over->orderBy);
+            if (node.over->frame) {
+                add(node.over->frame->start.offset);
+                add(node.over->frame->end ? node.over->frame->end->offset : nullptr);
+            }
+        }
+    }
+    void visit(const InsertStatement& node) override { add(node.table, node.columns, node.source); }
+    void visit(const IntoClause&) override {}
+    void visit(const JoinCondition& node) override { add(node.condition); }
+    void visit(const JoinNode& node) override { add(node.left, node.right, node.matching); }
+    void visit(const NamedColumnsJoin& node) override { add(node.columns); }
+    void visit(const Number&) override {}
+    void visit(const Operation& node) override { add(node.left(), node.right(), node.escape()); }
+    void visit(const QualifiedAsterisk&) override {}
+    void visit(const QueryOperation& node) override {
+        addNamed(node);
+        add(node.left, node.right, node.orderBy, node.limit, node.offset);
+    }
+    void visit(const QuerySpecification& node) override {
+        addNamed(node);
+        add(node.columns, node.into, node.from, node.where, node.groupBy, node.having, node.orderBy,
+            node.limit, node.offset);
+    }
+    void visit(const Range& node) override { add(node.low, node.high); }
+    void visit(const RowValueExpression& node) override { add(node.values); }
+    void visit(const RowValueExpressionList& node) override { add(node.elements); }
+    void visit(const SetClause& node) override { add(node.target, node.value); }
+    void visit(const SortSpecification& node) override { add(node.key); }
+    void visit(const String&) override {}
+    void visit(const TablePrimary&) override {}
+    void visit(const TernaryLogicNode&) override {}
+    void visit(const UpdateStatement& node) override {
+        add(node.table, node.assignments, node.from, node.where);
+    }
+    void faultAction() override {}
+
+private:
+    void add(const NodePtr& child) {
+        if (child) {
+            take_(*child);
+        }
+    }
+    void add(const NodeList& children) {
+        for (const NodePtr& child : children) {
+            add(child);
+        }
+    }
+    template<class First, class... Rest>
+    void add(const First& first, const Rest&... rest) {
+        add(first);
+        (add(rest), ...);
+    }
+    void addNamed(const QueryExpression& query) {
+        for (const CommonTable& table : query.with) {
+            add(table.columns, table.query);
+        }
+    }
+
+    const NodeFunction& take_;
+};
+
+} // namespace
+
 Node::~Node() = default;
 NodeVisitor::~NodeVisitor() = default;
 
@@ -45,6 +128,13 @@ void NodeVisitor::doVisit(const Node& node) {
     case NodeKind::UpdateStatement: return visit(static_cast<const UpdateStatement&>(node));
     }
     faultAction();
+}
+
+void forEachNode(const Node& root, const std::function<bool(const Node&)>& visit) {
+    if (visit(root)) {
+        const NodeFunction descend = [&visit](const Node& child) { forEachNode(child, visit); };
+        Children(descend).doVisit(root);
+    }
 }
 
 } // namespace orvane::sql::ast

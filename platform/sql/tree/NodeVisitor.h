@@ -4,6 +4,8 @@
 #include "platform/sql/tree/Queries.h"
 #include "platform/sql/tree/Statements.h"
 
+#include <functional>
+
 namespace orvane::sql::ast {
 
 /// One operation per kind of node, chosen by doVisit. Visiting children is the visitor's own affair.
@@ -45,5 +47,9 @@ public:
     void doVisit(const Node& node);
     void doVisit(const NodePtr& node);
 };
+
+/// Visits every node of a tree: `root` first, a node before its children, these in the order of the text. The
+/// children of a node for which `visit` answers false are left out.
+ORVANE_PLATFORM_EXPORT void forEachNode(const Node& root, const std::function<bool(const Node&)>& visit);
 
 } // namespace orvane::sql::ast

@@ -99,29 +99,30 @@ struct ORVANE_PLATFORM_EXPORT SortSpecification : NodeOfKind<NodeKind::SortSpeci
     Nulls nulls = Nulls::Unstated;
 };
 
-/// What applies to the whole result of a query.
-struct ORVANE_PLATFORM_EXPORT QueryExpression : Node {
-    NodeList orderBy; ///< SortSpecification
-    NodePtr limit;    ///< null when there is none
-    NodePtr offset;   ///< null when there is none; stands only beside a limit
-
-protected:
-    using Node::Node;
-};
-
 /// A query named before the statement: `With name (columns) As (query)`.
 struct CommonTable {
     std::wstring name;
     NodeList columns; ///< ColumnReference without qualifiers; empty: named by the query
     NodePtr query;
+    SourceRange place = {}; ///< of the name
+};
+
+/// What applies to the whole of a query.
+struct ORVANE_PLATFORM_EXPORT QueryExpression : Node {
+    std::vector<CommonTable> with;
+    bool recursive = false; ///< `With Recursive`
+    NodeList orderBy;       ///< SortSpecification
+    NodePtr limit;          ///< null when there is none
+    NodePtr offset;         ///< null when there is none; stands only beside a limit
+
+protected:
+    using Node::Node;
 };
 
 enum class SetQuantifier { Unstated, All, Distinct };
 
 /// One Select.
 struct ORVANE_PLATFORM_EXPORT QuerySpecification : NodeOfKind<NodeKind::QuerySpecification, QueryExpression> {
-    std::vector<CommonTable> with;
-    bool recursive = false; ///< `With Recursive`
     SetQuantifier quantifier = SetQuantifier::Unstated;
     NodeList columns; ///< DerivedColumn
     NodePtr into;     ///< IntoClause or null

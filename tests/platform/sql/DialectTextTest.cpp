@@ -27,9 +27,35 @@ TEST(DialectText, PrintsAndParsesBackToTheSameTree) {
         EXPECT_EQ(print(first), expected.dialect) << expected;
 
         ASSERT_TRUE(parser.parse(expected.dialect)) << expected << '\n' << parser.errors().front()->what();
-        EXPECT_EQ(toUtf8(dumpTree(parser.result().node())), toUtf8(dumpTree(first.node()))) << expected;
+        EXPECT_EQ(toUtf8(dumpTree(*parser.result().node())), toUtf8(dumpTree(*first.node()))) << expected;
         EXPECT_EQ(parser.result().isExpression(), first.isExpression()) << expected;
     }
+}
+
+/// Every expression and query within a statement is what its place in the text says.
+TEST(DialectText, NodesKnowTheirPlaces) {
+    using ast::NodeKind;
+    int compared = 0;
+    for (const DialectCase& expected : readDialectCases()) {
+        SqlParser parser(nullptr);
+        if (!parser.parse(expected.input)) {
+            continue;
+        }
+        const ParseResult whole = parser.result();
+        ast::forEachNode(*whole.node(), [&](const ast::Node& node) {
+            const bool isText = node.kind == NodeKind::Operation || node.kind == NodeKind::ColumnReference ||
+                                node.kind == NodeKind::Function || node.kind == NodeKind::Number ||
+                                node.kind == NodeKind::QuerySpecification;
+            const std::string text = toUtf8(whole.text(node.place));
+            if (isText && node.place.length != 0) {
+                ++compared;
+                EXPECT_TRUE(parser.parse(text)) << expected << '\n' << text;
+                EXPECT_EQ(toUtf8(dumpTree(*parser.result().node())), toUtf8(dumpTree(node))) << expected;
+            }
+            return true;
+        });
+    }
+    EXPECT_GT(compared, 900);
 }
 
 TEST(DialectText, ErrorsNameThePlaceAndTheRemedy) {

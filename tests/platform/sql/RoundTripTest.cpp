@@ -19,7 +19,7 @@ TEST(RoundTrip, PrintedTreesParseBackEqual) {
         SqlParser parser(nullptr);
         ASSERT_TRUE(parser.parse(text)) << "seed " << seed << ": " << text << '\n'
                                         << parser.errors().front()->what();
-        ASSERT_EQ(toUtf8(dumpTree(parser.result().node())), toUtf8(dumpTree(tree)))
+        ASSERT_EQ(toUtf8(dumpTree(*parser.result().node())), toUtf8(dumpTree(*tree)))
             << "seed " << seed << ": " << text;
     }
 }

@@ -92,7 +92,7 @@ private:
 
 } // namespace
 
-std::wstring dumpTree(const sql::ast::NodePtr& node) {
+std::wstring dumpTree(const sql::ast::Node& node) {
     Dump dump;
     dump.doVisit(node);
     return dump.text;
