@@ -2,7 +2,7 @@
 
 #include "host/adaptor/indices/Costs.h"
 #include "host/adaptor/indices/IndexBuilder.h"
-#include "host/adaptor/rows/ValueOrder.h"
+#include "platform/dp/ValueOrder.h"
 
 #include <orvane/engine/EngineCache.h>
 
@@ -105,7 +105,7 @@ bool AttributeIndexing::isServed(const dp::ScanTerm& term, const EngineIndices& 
         return pattern && store.narrows(operationOf(term.comparison), *pattern);
     }
     return std::all_of(term.operands.begin(), term.operands.end(), [&asked](const dp::ScanValue& operand) {
-        return asked.comparesAsIs(cellOf(operand).type());
+        return asked.comparesAsIs(dp::cellOf(operand).type());
     });
 }
 
@@ -297,7 +297,7 @@ bool AttributeIndexing::collect(EngineIndices::RowLookup& rowLookup, const Terms
     std::vector<dp::Cell> operands(terms.size());
     for (bool more = true; more;) {
         for (std::size_t i = 0; i < terms.size(); ++i) {
-            operands[i] = cellOf(terms[i]->operands[choice[i]]);
+            operands[i] = dp::cellOf(terms[i]->operands[choice[i]]);
         }
         rowLookup.start(operands);
         for (qint64 row = 0; rowLookup.next(row);) {

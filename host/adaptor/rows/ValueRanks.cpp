@@ -1,6 +1,6 @@
 #include "host/adaptor/rows/ValueRanks.h"
 
-#include "host/adaptor/rows/ValueOrder.h"
+#include "platform/dp/ValueOrder.h"
 
 #include <algorithm>
 #include <bit>
@@ -10,7 +10,9 @@
 namespace orvane::adaptor {
 
 using dp::Cell;
+using dp::cellOf;
 using dp::CellType;
+using dp::compareFolded;
 
 namespace {
 

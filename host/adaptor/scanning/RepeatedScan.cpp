@@ -1,7 +1,7 @@
 #include "host/adaptor/scanning/RepeatedScan.h"
 
 #include "host/adaptor/indices/Costs.h"
-#include "host/adaptor/rows/ValueOrder.h"
+#include "platform/dp/ValueOrder.h"
 
 #include <algorithm>
 
@@ -41,7 +41,7 @@ bool RepeatedScan::isUsable(const dp::ScanTerm& term) const {
     const auto& columns = declaration_.columns();
     const auto column = std::find_if(columns.begin(), columns.end(),
                                      [&term](const auto& each) { return each.attribute == term.attribute; });
-    const dp::Cell operand = cellOf(term.operands.front());
+    const dp::Cell operand = dp::cellOf(term.operands.front());
     return operand.isNull() || column->comparesAsIs(operand.type());
 }
 

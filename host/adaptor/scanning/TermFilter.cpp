@@ -1,6 +1,6 @@
 #include "host/adaptor/scanning/TermFilter.h"
 
-#include "host/adaptor/rows/ValueOrder.h"
+#include "platform/dp/ValueOrder.h"
 
 #include <algorithm>
 #include <cmath>
@@ -10,8 +10,11 @@ namespace orvane::adaptor {
 namespace {
 
 using dp::Cell;
+using dp::cellOf;
 using dp::CellType;
+using dp::compareFolded;
 using dp::Comparison;
+using dp::foldAscii;
 using dp::ScanTerm;
 using dp::TextCollation;
 

@@ -1,5 +1,5 @@
 #include "host/adaptor/scanning/TermFilter.h"
-#include "host/adaptor/rows/ValueOrder.h"
+#include "platform/dp/ValueOrder.h"
 
 #include <orvane/engine/Collator.h>
 
@@ -37,7 +37,7 @@ private:
 bool accepts(const ScanTerm& term, const ScanValue& cell) {
     TermFilter filter;
     filter.assign({&term, 1});
-    OneCell cursor(cellOf(cell));
+    OneCell cursor(dp::cellOf(cell));
     return !filter.matchesNothing() && filter.accepts(cursor);
 }
 

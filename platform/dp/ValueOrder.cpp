@@ -1,11 +1,8 @@
-#include "host/adaptor/rows/ValueOrder.h"
+#include "platform/dp/ValueOrder.h"
 
 #include <algorithm>
 
-namespace orvane::adaptor {
-
-using dp::Cell;
-using dp::CellType;
+namespace orvane::dp {
 
 namespace {
 
@@ -33,7 +30,7 @@ int compareSame(Number a, Number b) {
 
 } // namespace
 
-Cell cellOf(const dp::ScanValue& value) {
+Cell cellOf(const ScanValue& value) {
     if (const auto* integer = std::get_if<std::int64_t>(&value)) {
         return Cell::ofInteger(*integer);
     }
@@ -67,4 +64,4 @@ int compareFolded(std::string_view a, std::string_view b) {
     return a.size() < b.size() ? -1 : a.size() > b.size();
 }
 
-} // namespace orvane::adaptor
+} // namespace orvane::dp

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "platform/Export.h"
+#include "platform/dp/Cursor.h"
+#include "platform/dp/ScanRequest.h"
+
+#include <cmath>
+#include <string_view>
+
+namespace orvane::dp {
+
+/// The operand as a cell that shows it.
+ORVANE_PLATFORM_EXPORT Cell cellOf(const ScanValue& value);
+
+/// SQLite stores a real that is not a number as NULL.
+inline bool isNull(const Cell& cell) {
+    return cell.isNull() || (cell.type() == CellType::Real && std::isnan(cell.real()));
+}
+
+inline bool isNumber(const Cell& cell) {
+    return cell.type() == CellType::Integer || cell.type() == CellType::Real;
+}
+
+/// Exact three-way comparison of two numbers.
+ORVANE_PLATFORM_EXPORT int compareNumbers(const Cell& a, const Cell& b);
+
+inline char foldAscii(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+/// Three-way comparison under SQLite's NOCASE.
+ORVANE_PLATFORM_EXPORT int compareFolded(std::string_view a, std::string_view b);
+
+} // namespace orvane::dp
