@@ -7,6 +7,8 @@
 #include "platform/dp/SqliteStatement.h"
 #include "platform/log/Logger.h"
 #include "platform/sql/lexing/SqlStrings.h"
+#include "platform/utils/Quoting.h"
+#include "platform/work/Cancellation.h"
 #include <orvane/engine/ColumnNames.h>
 #include <orvane/engine/GeometryConversions.h>
 #include <orvane/engine/functions/Converters.h>
@@ -16,6 +18,7 @@
 #include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlField>
+#include <QSqlQuery>
 #include <QSqlRecord>
 
 namespace orvane::engine {
@@ -25,10 +28,6 @@ namespace {
 void logInfo(int line, const char* function, const QString& text) {
     loggerInstance()->write(LogLevel::Info, QStringLiteral("EngineExpression"), line,
                             QString::fromLatin1(function), text);
-}
-
-QString quoteLiteral(QString text) {
-    return escapeString(std::move(text), '\'');
 }
 
 sqlite3* sqliteHandle(const QSqlDatabase& database) {
@@ -58,7 +57,7 @@ QVariant valueOf(const dp::SqliteStatement& statement) {
 } // namespace
 
 EngineExpression::EngineExpression(QSqlDatabase database, const dp::TableSchema& schema, EngineCache* cache)
-    : tableId_(QUuid::createUuid()), database_(std::move(database)), query_(database_) {
+    : tableId_(QUuid::createUuid()), database_(std::move(database)) {
     if (schema.numAttributes() == 0) {
         tableId_ = QUuid();
         return;
@@ -84,7 +83,7 @@ EngineExpression::~EngineExpression() {
     expression_.reset();
     ofValues_.reset();
     if (!tableName().isEmpty()) {
-        query_.exec(QStringLiteral("Drop Table If Exists %0;").arg(tableName()));
+        QSqlQuery(database_).exec(QStringLiteral("Drop Table If Exists %0;").arg(tableName()));
     }
 }
 
@@ -98,8 +97,9 @@ void EngineExpression::createTable(const dp::TableSchema& schema, EngineCache* c
             return toExtensionValue(value);
         });
     }
-    valid_ = query_.exec(QStringLiteral("Create Virtual Table temp.%0 Using %0;").arg(tableName()));
-    lastErrorText_ = query_.lastError().text();
+    QSqlQuery query(database_);
+    valid_ = query.exec(QStringLiteral("Create Virtual Table temp.%0 Using %0;").arg(tableName()));
+    lastErrorText_ = query.lastError().text();
     if (!valid_) {
         return;
     }
@@ -113,28 +113,27 @@ void EngineExpression::createTable(const dp::TableSchema& schema, EngineCache* c
 }
 
 bool EngineExpression::setExpression(const QString& expression) {
-    QString sql = QStringLiteral("Select ") + expression;
+    sql_ = QStringLiteral("Select ") + expression;
     if (!tableName().isEmpty()) {
-        sql += QStringLiteral(" From ") + tableName();
+        sql_ += QStringLiteral(" From ") + tableName();
     }
-    sql += QLatin1Char(';');
+    sql_ += QLatin1Char(';');
     expression_.reset();
     ofValues_.reset();
+    lastErrorText_.clear();
     if (row_) {
         row_->startExpression();
     }
-    valid_ = query_.prepare(sql);
-    lastErrorText_ = query_.lastError().text();
-    if (valid_) {
-        try {
-            expression_ = std::make_unique<dp::SqliteStatement>(sqliteHandle(database_), sql, QString(),
-                                                                dp::SqliteStatement::Use::Repeated);
-            ofValues_ = row_ ? row_->prepareForValues(expression) : nullptr;
-        } catch (const err::SqliteException& failure) {
-            valid_ = false;
-            lastErrorText_ = failure.sqliteMessage();
-        }
+    try {
+        expression_ = std::make_unique<dp::SqliteStatement>(sqliteHandle(database_), sql_, QString(),
+                                                            dp::SqliteStatement::Use::Repeated);
+        ofValues_ = row_ ? row_->prepareForValues(expression) : nullptr;
+    } catch (const err::SqliteException&) {
+        QSqlQuery query(database_);
+        query.prepare(sql_);
+        lastErrorText_ = query.lastError().text(); // as the driver puts it
     }
+    valid_ = expression_ != nullptr;
     return valid_;
 }
 
@@ -162,10 +161,8 @@ bool EngineExpression::setRow(const dp::FeaturePtr& feature) {
 }
 
 QVariant EngineExpression::exec() {
-    QString reason;
-    if (!expression_) {
-        reason = query_.lastError().text();
-    } else {
+    QString reason = lastErrorText_;
+    if (expression_) {
         try {
             dp::SqliteStatement& statement =
                 ofValues_ && row_->bindTo(*ofValues_) ? *ofValues_ : *expression_;
@@ -182,55 +179,57 @@ QVariant EngineExpression::exec() {
 }
 
 QVector<QVariant> EngineExpression::execAll(const std::vector<dp::FeaturePtr>& features) {
+    const work::Cancellation cancellation;
     QVector<QVariant> values(static_cast<int>(features.size()));
     std::size_t next = 0;
     if (expression_ && row_ && !row_->isInTransaction()) {
-        while (next < features.size() && execFrom(features, next, values)) {
+        while (next < features.size() && execFrom(features, next, values, cancellation)) {
         }
     }
-    for (; next < features.size(); ++next) {
+    for (; next < features.size() && !cancellation.isRequested(); ++next) {
         values[static_cast<int>(next)] = fill(features[next]) ? exec() : QVariant();
     }
     return values;
 }
 
 /// Runs the statement over the features from `next` on, up to one that fails. False, with `next` as it was,
-/// for an expression that wants to see the next row before it gives the value for the one before: an
-/// aggregate, to which each feature is a table of its own.
+/// for an expression that wants to see the next row before it gives the value for the one before (an
+/// aggregate, to which each feature is a table of its own), and for one with a query over the row.
 bool EngineExpression::execFrom(const std::vector<dp::FeaturePtr>& features, std::size_t& next,
-                                QVector<QVariant>& values) {
+                                QVector<QVariant>& values, const work::Cancellation& cancellation) {
     const std::size_t first = next;
     bool isAnswered = true, readsAhead = false;
+    const auto needsMore = [&] { return readsAhead || row_->isReadTwice(); };
     const auto advance = [&] {
         readsAhead = readsAhead || !isAnswered;
         isAnswered = false;
-        while (!readsAhead && next < features.size()) {
+        while (!needsMore() && next < features.size() && !cancellation.isRequested()) {
             if (setRow(features[next++])) {
                 return true;
             }
         }
         return false;
     };
-    if (!advance()) {
-        return true;
-    }
     row_->setAdvance(advance);
     const auto end = qScopeGuard([this] {
         row_->setAdvance({});
         expression_->reset();
     });
+    if (!advance()) {
+        return !cancellation.isRequested();
+    }
     try {
-        while (expression_->next() && !readsAhead) {
+        while (expression_->next() && !needsMore()) {
             values[static_cast<int>(next) - 1] = valueOf(*expression_);
             isAnswered = true;
         }
     } catch (const err::SqliteException& failure) {
         logFailure(failure.sqliteMessage());
     }
-    if (readsAhead) {
+    if (needsMore()) {
         next = first;
     }
-    return !readsAhead;
+    return !needsMore() && !cancellation.isRequested();
 }
 
 void EngineExpression::logFailure(const QString& reason) const {
@@ -269,10 +268,9 @@ QVariant::Type EngineExpression::type() const {
         return QVariant::String;
     }
     // The driver tells types only of a statement that has run.
-    QSqlQuery query = query_;
-    query.exec();
+    QSqlQuery query(database_);
+    query.exec(sql_);
     const QSqlRecord record = query.record();
-    query.finish();
     const QVariant::Type type = record.field(0).type();
     return type == QVariant::Invalid ? QVariant::String : type; // nothing declared, and no value yet
 }
@@ -298,7 +296,7 @@ QString EngineExpression::toStr(const QVariant& value) {
     case QMetaType::Float: return QString::number(value.toDouble(), 'g', 6);
     case QMetaType::QDate:
     case QMetaType::QTime:
-    case QMetaType::QDateTime: return quoteLiteral(momentText(value));
+    case QMetaType::QDateTime: return utils::sqlText(momentText(value));
     default: break;
     }
     if (value.userType() == qMetaTypeId<QDecNumber>()) {
@@ -306,9 +304,9 @@ QString EngineExpression::toStr(const QVariant& value) {
     }
     const ExtensionString extension = toExtensionString(value);
     if (!extension.handled) {
-        return quoteLiteral(value.toString());
+        return utils::sqlText(value.toString());
     }
-    return extension.quote ? quoteLiteral(extension.text) : extension.text;
+    return extension.quote ? utils::sqlText(extension.text) : extension.text;
 }
 
 QVariant EngineExpression::toValue(const QVariant& value) {

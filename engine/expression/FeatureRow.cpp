@@ -4,8 +4,8 @@
 
 #include "platform/core/SqliteException.h"
 #include "platform/sql/lexing/SqlStrings.h"
+#include "platform/utils/Quoting.h"
 #include <orvane/engine/ColumnNames.h>
-#include <orvane/engine/functions/Converters.h>
 
 #include <sqlite3.h>
 
@@ -34,11 +34,6 @@ bool isOfClass(const dp::Cell& cell, Affinity affinity) {
 }
 
 } // namespace
-
-bool FeatureRow::State::uses(std::size_t column) const {
-    constexpr std::size_t lastBit = 63;
-    return (usedColumns >> std::min(column, lastBit) & 1) != 0;
-}
 
 dp::Cell FeatureRow::State::cell(std::size_t column) {
     Column& asked = columns[column];
@@ -87,18 +82,26 @@ void FeatureRow::clear() {
     state_->values = {};
 }
 
-std::unique_ptr<dp::SqliteStatement> FeatureRow::prepareForValues(const QString& expression) const {
+void FeatureRow::setAdvance(std::function<bool()> advance) {
+    state_->advance = std::move(advance);
+    state_->numScans = 0;
+}
+
+std::unique_ptr<dp::SqliteStatement> FeatureRow::prepareForValues(const QString& expression) {
+    constexpr std::size_t lastBit = 63;
+    parameters_.clear();
     QStringList names;
     QStringList values;
     for (std::size_t i = 0; i < state_->columns.size(); ++i) {
-        const Column& column = state_->columns[i];
-        if (state_->uses(i)) {
-            names += escapeString(QString::fromUtf8(column.name), '"');
-            // The cast gives the column its affinity; a value of its class stays what it is.
-            values += QStringLiteral("Cast(?%0 As %1) Collate %2")
-                          .arg(QString::number(i + 1), QLatin1String(typeOf(column.affinity)),
-                               QString::fromUtf8(column.collation));
+        if ((state_->usedColumns >> std::min(i, lastBit) & 1) == 0) {
+            continue;
         }
+        const Column& column = state_->columns[i];
+        parameters_.push_back(i);
+        names += utils::sqlIdentifier(QString::fromUtf8(column.name));
+        // The cast gives the column its affinity; a value of its class stays what it is.
+        values += QStringLiteral("Cast(? As %1) Collate %2")
+                      .arg(QLatin1String(typeOf(column.affinity)), QString::fromUtf8(column.collation));
     }
     if (values.isEmpty()) {
         return nullptr;
@@ -115,15 +118,16 @@ std::unique_ptr<dp::SqliteStatement> FeatureRow::prepareForValues(const QString&
 }
 
 bool FeatureRow::bindTo(dp::SqliteStatement& statement) const {
-    for (std::size_t i = 0; i < state_->columns.size(); ++i) {
-        if (!state_->uses(i)) {
-            continue;
-        }
-        const dp::Cell cell = state_->cell(i);
-        if (!state_->hasRow || !isOfClass(cell, state_->columns[i].affinity)) {
+    if (!state_->hasRow) {
+        return false;
+    }
+    int parameter = 0;
+    for (const std::size_t column : parameters_) {
+        const dp::Cell cell = state_->cell(column);
+        if (!isOfClass(cell, state_->columns[column].affinity)) {
             return false;
         }
-        statement.bindView(static_cast<int>(i) + 1, cell);
+        statement.bindView(++parameter, cell);
     }
     return true;
 }
@@ -164,33 +168,34 @@ void FeatureRow::follow(const dp::TableSchema& schema) {
     for (Column& column : state_->columns) {
         column.attribute = -1;
     }
-    for (int i = 0; i < schema.numAttributes(); ++i) {
-        Column* column = columnOf(*schema.at(i));
-        if (!column) {
-            throw std::runtime_error(QStringLiteral("table %0 has no column named %1")
-                                         .arg(name_, schema.at(i)->name())
-                                         .toStdString());
-        }
-        column->attribute = i;
+    std::vector<std::size_t> columns;
+    for (const auto& attribute : schema.attributes()) {
+        columns.push_back(columnOf(*attribute));
     }
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        state_->columns[columns[i]].attribute = static_cast<int>(i);
+    }
+    state_->replacements.assign(columns.size(), QVariant());
     attributes_ = schema.attributes();
-    state_->replacements.assign(static_cast<std::size_t>(attributes_.size()), QVariant());
 }
 
-/// Null when there is none. Names match as in SQL, the letter case of Latin letters ignored.
-FeatureRow::Column* FeatureRow::columnOf(const dp::AttributeDefinition& attribute) {
+/// Names match as in SQL, the letter case of Latin letters ignored.
+std::size_t FeatureRow::columnOf(const dp::AttributeDefinition& attribute) const {
     QByteArray name = attribute.name().toUtf8();
     if (dynamic_cast<const dp::GeometryAttributeDefinition*>(&attribute)) {
         name = sql::fromSqlString(geometryColumnName()).toLatin1();
     } else if (dynamic_cast<const dp::RenditionAttributeDefinition*>(&attribute)) {
         name = sql::fromSqlString(styleColumnName()).toLatin1();
     }
-    for (Column& column : state_->columns) {
-        if (sqlite3_stricmp(column.name.constData(), name.constData()) == 0) {
-            return &column;
-        }
+    const auto found =
+        std::find_if(state_->columns.begin(), state_->columns.end(), [&name](const Column& column) {
+            return sqlite3_stricmp(column.name.constData(), name.constData()) == 0;
+        });
+    if (found == state_->columns.end()) {
+        throw std::runtime_error(
+            QStringLiteral("table %0 has no column named %1").arg(name_, attribute.name()).toStdString());
     }
-    return nullptr;
+    return static_cast<std::size_t>(found - state_->columns.begin());
 }
 
 } // namespace orvane::engine

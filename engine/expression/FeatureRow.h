@@ -42,16 +42,19 @@ public:
     void clear();
     /// Throws std::runtime_error for a feature with an attribute that the table lacks; there is no row then.
     void set(const dp::Feature& feature);
-    /// While it is set, a statement that asks for the row after the one that it was given gets another if
-    /// `advance` answers true: one execution reads many features.
-    void setAdvance(std::function<bool()> advance) { state_->advance = std::move(advance); }
+    /// While it is set, the first scan of the table goes on to another row where `advance` answers true: one
+    /// execution reads many features.
+    void setAdvance(std::function<bool()> advance);
+    /// Whether the table was scanned a second time since setAdvance: a query within the expression reads it,
+    /// so that each feature needs an execution of its own.
+    bool isReadTwice() const { return state_->numScans > 1; }
 
     /// Before an expression is prepared over the table: notes anew which columns are used.
     void startExpression() { state_->usedColumns = 0; }
     /// Another statement for the expression that has been prepared since startExpression: it takes the values
     /// as parameters, which spares SQLite the transaction and the cursor of one that reads a table. Null when
     /// the expression needs the table.
-    std::unique_ptr<dp::SqliteStatement> prepareForValues(const QString& expression) const;
+    std::unique_ptr<dp::SqliteStatement> prepareForValues(const QString& expression);
     /// Binds the row to that statement. False without a row, and where a value is not of the class that its
     /// column declares: only the table shows such a value as it is.
     bool bindTo(dp::SqliteStatement& statement) const;
@@ -71,9 +74,9 @@ public:
         std::vector<QVariant> replacements; ///< what the extension made of them; invalid where it did not
         bool hasRow = false;
         std::function<bool()> advance; ///< makes the next feature the row; empty for a single one
-        std::uint64_t usedColumns = 0; ///< one bit for each, the last one for all from there on
+        int numScans = 0;              ///< since `advance` was set
+        std::uint64_t usedColumns = 0; ///< by statements; one bit for each, the last for all from there on
 
-        bool uses(std::size_t column) const;
         /// The row's value as the column stores it; NULL without a row.
         dp::Cell cell(std::size_t column);
     };
@@ -81,13 +84,14 @@ public:
 private:
     QVariant replacementOf(const QVariant& value) const;
     void follow(const dp::TableSchema& schema);
-    Column* columnOf(const dp::AttributeDefinition& attribute);
+    std::size_t columnOf(const dp::AttributeDefinition& attribute) const;
 
     sqlite3* database_;
     QString name_;
     Extension extension_;
     std::shared_ptr<State> state_;
     QVector<dp::AttributeDefinitionPointer> attributes_; ///< that the columns know their places in
+    std::vector<std::size_t> parameters_;                ///< the columns of the statement with parameters
 };
 
 } // namespace orvane::engine

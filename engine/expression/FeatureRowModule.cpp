@@ -1,8 +1,9 @@
 #include "engine/expression/FeatureRowModule.h"
 
-#include <sqlite3.h>
+#include "platform/core/SqliteBarrier.h"
+#include "platform/dp/SqliteCell.h"
 
-#include <new>
+#include <sqlite3.h>
 
 // The callbacks of SQLite's virtual-table interface, under SQLite's names, for a table of at most one row.
 
@@ -20,26 +21,11 @@ struct RowTable : sqlite3_vtab {
 struct RowCursor : sqlite3_vtab_cursor {
     RowCursor() : sqlite3_vtab_cursor{} {}
     bool atEnd = true;
+    bool advances = false; ///< to further features
 };
 
 State& stateOf(sqlite3_vtab_cursor* cursor) {
     return *static_cast<RowTable*>(cursor->pVtab)->state;
-}
-
-/// Copies texts and bytes: other statements may hold the row while the next one takes its place.
-void setResult(sqlite3_context* context, const dp::Cell& cell) {
-    // An empty view may carry a null pointer, which would be NULL.
-    const char* const data = cell.isNull() || cell.view().empty() ? "" : cell.view().data();
-    switch (cell.type()) {
-    case dp::CellType::Null: return;
-    case dp::CellType::Integer: return sqlite3_result_int64(context, cell.integer());
-    case dp::CellType::Real: return sqlite3_result_double(context, cell.real());
-    case dp::CellType::Text:
-        return sqlite3_result_text64(context, data, cell.view().size(), SQLITE_TRANSIENT, SQLITE_UTF8);
-    case dp::CellType::Bytes:
-    case dp::CellType::Wkb: break;
-    }
-    sqlite3_result_blob64(context, data, cell.view().size(), SQLITE_TRANSIENT);
 }
 
 int xConnect(sqlite3* database, void* clientData, int, const char* const*, sqlite3_vtab** result,
@@ -49,8 +35,10 @@ int xConnect(sqlite3* database, void* clientData, int, const char* const*, sqlit
         *message = sqlite3_mprintf("%s", sqlite3_errmsg(database));
         return code;
     }
-    *result = new (std::nothrow) RowTable(state);
-    return *result ? SQLITE_OK : SQLITE_NOMEM;
+    return err::barrier(message, [&] {
+        *result = new RowTable(state);
+        return SQLITE_OK;
+    });
 }
 
 int xDisconnect(sqlite3_vtab* table) {
@@ -65,9 +53,11 @@ int xBestIndex(sqlite3_vtab* table, sqlite3_index_info* info) {
     return SQLITE_OK;
 }
 
-int xOpen(sqlite3_vtab*, sqlite3_vtab_cursor** result) {
-    *result = new (std::nothrow) RowCursor;
-    return *result ? SQLITE_OK : SQLITE_NOMEM;
+int xOpen(sqlite3_vtab* table, sqlite3_vtab_cursor** result) {
+    return err::barrier(&table->zErrMsg, [&] {
+        *result = new RowCursor;
+        return SQLITE_OK;
+    });
 }
 
 int xClose(sqlite3_vtab_cursor* cursor) {
@@ -76,14 +66,20 @@ int xClose(sqlite3_vtab_cursor* cursor) {
 }
 
 int xFilter(sqlite3_vtab_cursor* cursor, int, const char*, int, sqlite3_value**) {
-    static_cast<RowCursor*>(cursor)->atEnd = !stateOf(cursor).hasRow;
+    State& state = stateOf(cursor);
+    auto& row = *static_cast<RowCursor*>(cursor);
+    row.atEnd = !state.hasRow;
+    row.advances = state.advance && ++state.numScans == 1;
     return SQLITE_OK;
 }
 
 int xNext(sqlite3_vtab_cursor* cursor) {
-    const State& state = stateOf(cursor);
-    static_cast<RowCursor*>(cursor)->atEnd = !state.advance || !state.advance();
-    return SQLITE_OK;
+    return err::barrier(cursor, [cursor] {
+        const State& state = stateOf(cursor);
+        auto& row = *static_cast<RowCursor*>(cursor);
+        row.atEnd = !row.advances || !state.advance || !state.advance();
+        return SQLITE_OK;
+    });
 }
 
 int xEof(sqlite3_vtab_cursor* cursor) {
@@ -91,12 +87,10 @@ int xEof(sqlite3_vtab_cursor* cursor) {
 }
 
 int xColumn(sqlite3_vtab_cursor* cursor, sqlite3_context* context, int column) {
-    try {
-        setResult(context, stateOf(cursor).cell(static_cast<std::size_t>(column)));
+    return err::barrier(cursor, [&] {
+        dp::setResult(context, stateOf(cursor).cell(static_cast<std::size_t>(column)));
         return SQLITE_OK;
-    } catch (const std::bad_alloc&) {
-        return SQLITE_NOMEM;
-    }
+    });
 }
 
 int xRowid(sqlite3_vtab_cursor*, sqlite3_int64* rowNumber) {

@@ -53,6 +53,9 @@ Cell storedInteger(qint64 number, Affinity affinity, std::string& memory) {
 
 Cell storedReal(double number, Affinity affinity, std::string& memory) {
     constexpr double limit = 9223372036854775808.0; // 2^63
+    if (std::isnan(number)) {
+        return {}; // SQLite has no other place for it
+    }
     if (affinity == Affinity::Text) {
         std::array<char, longestNumber> text;
         memory = sqlite3_snprintf(static_cast<int>(text.size()), text.data(), "%!.15g", number);

@@ -3,6 +3,7 @@
 #include "TextArguments.h"
 #include "platform/utils/Compare.h"
 #include "platform/utils/MetaTypes.h"
+#include "platform/utils/Quoting.h"
 
 #include <cerrno>
 #include <clocale>
@@ -198,9 +199,7 @@ QDateTime toDateTime(sqlite3_value* value) {
 }
 
 QString escapeString(QString text, char quote) {
-    const QChar mark = QLatin1Char(quote);
-    text.replace(mark, QString(2, mark));
-    return mark + text + mark;
+    return utils::quoted(std::move(text), QLatin1Char(quote));
 }
 
 bool isGeometry(const dp::AttributeDefinitionPointer& definition) {

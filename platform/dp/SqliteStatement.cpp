@@ -1,6 +1,7 @@
 #include "platform/dp/SqliteStatement.h"
 
 #include "platform/core/SqliteException.h"
+#include "platform/dp/SqliteCell.h"
 
 #include <QScopeGuard>
 
@@ -44,15 +45,15 @@ SqliteStatement::SqliteStatement(SqliteStatement&&) noexcept = default;
 SqliteStatement& SqliteStatement::operator=(SqliteStatement&&) noexcept = default;
 
 void SqliteStatement::bindNull(int parameter) {
-    check(sqlite3_bind_null(statement_.get(), parameter));
+    bind(parameter, Cell());
 }
 
 void SqliteStatement::bind(int parameter, qint64 value) {
-    check(sqlite3_bind_int64(statement_.get(), parameter, value));
+    bind(parameter, Cell::ofInteger(value));
 }
 
 void SqliteStatement::bind(int parameter, double value) {
-    check(sqlite3_bind_double(statement_.get(), parameter, value));
+    bind(parameter, Cell::ofReal(value));
 }
 
 void SqliteStatement::bind(int parameter, std::u16string_view text) {
@@ -63,32 +64,15 @@ void SqliteStatement::bind(int parameter, std::u16string_view text) {
 }
 
 void SqliteStatement::bind(int parameter, std::string_view utf8) {
-    check(sqlite3_bind_text64(statement_.get(), parameter, utf8.empty() ? "" : utf8.data(), utf8.size(),
-                              SQLITE_TRANSIENT, SQLITE_UTF8));
+    bind(parameter, Cell::ofText(utf8));
 }
 
 void SqliteStatement::bind(int parameter, const Cell& cell) {
-    bindCell(parameter, cell, SQLITE_TRANSIENT);
+    check(bindCell(statement_.get(), parameter, cell, Binding::Copied));
 }
 
 void SqliteStatement::bindView(int parameter, const Cell& cell) {
-    bindCell(parameter, cell, SQLITE_STATIC);
-}
-
-void SqliteStatement::bindCell(int parameter, const Cell& cell, void (*destructor)(void*)) {
-    // An empty view may carry a null pointer, which would bind NULL.
-    const char* data = cell.isNull() || cell.view().empty() ? "" : cell.view().data();
-    switch (cell.type()) {
-    case CellType::Null: return bindNull(parameter);
-    case CellType::Integer: return bind(parameter, qint64{cell.integer()});
-    case CellType::Real: return bind(parameter, cell.real());
-    case CellType::Text:
-        return check(sqlite3_bind_text64(statement_.get(), parameter, data, cell.view().size(), destructor,
-                                         SQLITE_UTF8));
-    case CellType::Bytes:
-    case CellType::Wkb: break;
-    }
-    check(sqlite3_bind_blob64(statement_.get(), parameter, data, cell.view().size(), destructor));
+    check(bindCell(statement_.get(), parameter, cell, Binding::Viewed));
 }
 
 bool SqliteStatement::next() {

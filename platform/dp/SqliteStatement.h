@@ -62,7 +62,6 @@ private:
         void operator()(sqlite3_stmt* statement) const;
     };
 
-    void bindCell(int parameter, const Cell& cell, void (*destructor)(void*));
     void check(int code) const;
 
     std::unique_ptr<sqlite3_stmt, Finalizer> statement_;

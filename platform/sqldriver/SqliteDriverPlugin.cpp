@@ -1,4 +1,6 @@
-#include "SqliteDriverPlugin.h"
+#include "platform/sqldriver/SqliteDriverPlugin.h"
+
+#include "platform/sqldriver/SqliteDriver.h"
 
 #include <QCoreApplication>
 #include <QLibraryInfo>
@@ -16,7 +18,8 @@ QSqlDriver* SqliteDriverPlugin::create(const QString& name) {
             loader_.setFileName(directory + QLatin1String("/sqldrivers/libqsqlite"));
         }
         if (auto* plugin = qobject_cast<QSqlDriverPlugin*>(loader_.instance())) {
-            return plugin->create(QStringLiteral("QSQLITE"));
+            std::unique_ptr<QSqlDriver> driver(plugin->create(QStringLiteral("QSQLITE")));
+            return driver ? new SqliteDriver(std::move(driver)) : nullptr;
         }
     }
     return nullptr;

@@ -5,9 +5,9 @@
 
 namespace orvane {
 
-/// The Qt SQL driver "QTSQLITE": Qt's own SQLite driver under a name of ours, so that a host in which another
-/// driver took the name "QSQLITE" still gets the one that works on the SQLite library the engine is linked
-/// to. The driver's handle() is the sqlite3*.
+/// The Qt SQL driver "QTSQLITE": Qt's own SQLite driver under a name of ours (SqliteDriver), so that a host
+/// in which another driver took the name "QSQLITE" still gets the one that works on the SQLite library the
+/// engine is linked to. The driver's handle() is the sqlite3*.
 class SqliteDriverPlugin : public QSqlDriverPlugin {
     Q_OBJECT
     Q_PLUGIN_METADATA(IID QSqlDriverFactoryInterface_iid FILE "qtsqlite.json")

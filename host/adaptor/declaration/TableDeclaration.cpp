@@ -1,5 +1,6 @@
 #include "host/adaptor/declaration/TableDeclaration.h"
 
+#include "platform/utils/Quoting.h"
 #include <orvane/engine/ColumnNames.h>
 
 #include <QMetaType>
@@ -7,12 +8,6 @@
 namespace orvane::adaptor {
 
 namespace {
-
-std::string quotedIdentifier(const QString& name) {
-    QString doubled = name;
-    doubled.replace(QLatin1Char('"'), QLatin1String("\"\""));
-    return '"' + doubled.toStdString() + '"';
-}
 
 /// The fixed column names are hexadecimal digits.
 std::string asciiName(const std::wstring& name) {
@@ -64,7 +59,7 @@ TableDeclaration::TableDeclaration(const dp::TableSchema& schema) {
             continue;
         }
         const TypeName type = typeName(simple->type());
-        sql_ += quotedIdentifier(simple->name()) + type.sql + ',';
+        sql_ += utils::sqlIdentifier(simple->name().toStdString()) + type.sql + ',';
         const auto collation =
             simple->type() == QMetaType::QString ? dp::TextCollation::Locale : dp::TextCollation::Binary;
         columns_.push_back({position, type.kind, collation, simple->isUnique()});

@@ -7,10 +7,10 @@
 #include "host/adaptor/tables/VirtualTable.h"
 
 #include "platform/core/Core.h"
+#include "platform/core/SqliteBarrier.h"
 #include "platform/core/TypedSettings.h"
 #include "platform/di/ServiceLocator.h"
 #include "platform/dp/DataCatalog.h"
-#include "platform/work/Cancellation.h"
 #include <orvane/Engine.h>
 
 #include <QCoreApplication>
@@ -18,10 +18,8 @@
 
 #include <sqlite3.h>
 
-#include <exception>
 #include <map>
 #include <memory>
-#include <new>
 
 // The callbacks of SQLite's virtual-table interface, under SQLite's names. They only unpack; the work is done
 // by VirtualTable and VirtualCursor.
@@ -29,6 +27,8 @@
 namespace orvane::adaptor {
 
 namespace {
+
+using err::barrier;
 
 struct ModuleContext {
     /// What a virtual table shows. SQLite forgets its connection to every table when one is renamed, and asks
@@ -110,30 +110,6 @@ VirtualCursor& cursorOf(sqlite3_vtab_cursor* cursor) {
 void setMessage(char** message, const char* text) {
     sqlite3_free(*message);
     *message = sqlite3_mprintf("%s", text);
-}
-
-/// The one place where exceptions of the virtual tables become codes. `message` receives the text for the
-/// user.
-template<class Work>
-int barrier(char** message, Work work) {
-    try {
-        return work();
-    } catch (const std::bad_alloc&) {
-        return SQLITE_NOMEM;
-    } catch (const work::Cancelled& cancelled) {
-        setMessage(message, cancelled.what());
-        return SQLITE_INTERRUPT;
-    } catch (const std::exception& exception) {
-        setMessage(message, exception.what());
-    } catch (...) {
-        setMessage(message, "Unexpected error");
-    }
-    return SQLITE_ERROR;
-}
-
-template<class Work>
-int barrier(sqlite3_vtab_cursor* cursor, Work work) {
-    return barrier(&cursor->pVtab->zErrMsg, work);
 }
 
 /// A module argument as EngineExtension wrote it: a bare text or a quoted SQL text.

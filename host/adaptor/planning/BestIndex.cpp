@@ -5,6 +5,7 @@
 #include "host/adaptor/planning/ScanPlan.h"
 #include "host/adaptor/rows/ArrangedRows.h"
 #include "host/adaptor/tables/VirtualTable.h"
+#include "platform/utils/Quoting.h"
 
 #include <algorithm>
 #include <cstring>
@@ -202,16 +203,11 @@ private:
         noted.isPattern = AttributeIndexing::isPattern(*comparison);
         const dp::Cell operand = noted.isPattern ? constantOperand(i).value_or(dp::Cell()) : dp::Cell();
         if (operand.type() == dp::CellType::Text) {
-            noted.comparison += QLatin1Char(' ') + quoted(operand.view());
+            noted.comparison += QLatin1Char(' ') + QString::fromStdString(utils::sqlText(operand.view()));
             if (noted.index == IndexUse::Outcome::Used && !isLookedUp(*comparison, operand)) {
                 noted.index = IndexUse::Outcome::Pattern;
             }
         }
-    }
-
-    static QString quoted(std::string_view text) {
-        QString shown = QString::fromUtf8(text.data(), static_cast<int>(text.size()));
-        return QLatin1Char('\'') + shown.replace(QLatin1Char('\''), QLatin1String("''")) + QLatin1Char('\'');
     }
 
     /// What a column is compared with, if that is known by now. NULL for bytes, too.

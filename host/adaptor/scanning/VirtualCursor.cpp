@@ -1,6 +1,7 @@
 #include "host/adaptor/scanning/VirtualCursor.h"
 
 #include "platform/cs/CoordSystem.h"
+#include "platform/dp/SqliteCell.h"
 #include "platform/geometry/shapes/Shapes.h"
 #include <orvane/engine/EngineCache.h>
 #include <orvane/engine/SpatialiteBlob.h>
@@ -83,10 +84,6 @@ GeometryPtr geometryOf(sqlite3_value* value, engine::EngineCache& cache) {
         return point;
     }
     return cache.geometryInfo(data, static_cast<unsigned>(size), true).geometry();
-}
-
-void textResult(sqlite3_context* context, std::string_view text) {
-    sqlite3_result_text64(context, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
 }
 
 } // namespace
@@ -395,15 +392,10 @@ void VirtualCursor::column(sqlite3_context* context, int column) {
         return; // NULL; an update that leaves the column alone does not read it
     }
     const dp::Cell cell = rows_->cell(declared.attribute);
-    switch (cell.type()) {
-    case dp::CellType::Null: break;
-    case dp::CellType::Integer: sqlite3_result_int64(context, cell.integer()); break;
-    case dp::CellType::Real: sqlite3_result_double(context, cell.real()); break;
-    case dp::CellType::Text: textResult(context, cell.view()); break;
-    case dp::CellType::Bytes:
-        sqlite3_result_blob64(context, cell.view().data(), cell.view().size(), SQLITE_TRANSIENT);
-        break;
-    case dp::CellType::Wkb: geometry_.set(context, cell.view()); break;
+    if (cell.type() == dp::CellType::Wkb) {
+        geometry_.set(context, cell.view());
+    } else {
+        dp::setResult(context, cell);
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "host/providers/datasets/GdalErrors.h"
 #include "host/providers/datasets/GdalHandles.h"
+#include "platform/utils/Quoting.h"
 
 #include <QSet>
 
@@ -15,16 +16,6 @@ namespace {
 
 /// Longer lists are replaced by the range they span; the cursor tests the values anyway.
 constexpr std::size_t MAX_RANGES = 64;
-
-std::string quoted(std::string_view text, char quote) {
-    std::string result(1, quote);
-    for (const char character : text) {
-        result += character;
-        if (character == quote)
-            result += quote;
-    }
-    return result + quote;
-}
 
 std::string sqlNumber(std::int64_t value) {
     // The least integer has no literal of its own: 9223372036854775808 would be read as a real.
@@ -91,7 +82,7 @@ std::string sqlIdentifiers(const std::string& name, const std::vector<Range<std:
 std::string sqlTexts(const std::string& name, const std::vector<std::string>& texts) {
     std::string list;
     for (const auto& text : texts)
-        list += (list.empty() ? "" : ", ") + quoted(text, '\'');
+        list += (list.empty() ? "" : ", ") + utils::sqlText(text);
     return name + " IN (" + list + ") OR " + name + " < '' OR " + name + " >= x''";
 }
 
@@ -118,11 +109,11 @@ SqlTraits sqlTraitsOf(GDALDatasetH dataset, OGRLayerH layer, const LayerSchema& 
     traits.evaluatesSql = !identifier.isEmpty() && (driver == "GPKG" || driver == "SQLite");
     if (!traits.evaluatesSql)
         return traits;
-    traits.identifier = quoted(identifier.toStdString(), '"');
+    traits.identifier = utils::sqlIdentifier(identifier.toStdString());
 
     const std::string table = OGR_L_GetName(layer);
     const auto indexed = queryColumn(
-        dataset, "SELECT c.name FROM pragma_index_list(" + quoted(table, '\'') +
+        dataset, "SELECT c.name FROM pragma_index_list(" + utils::sqlText(table) +
                      ") AS i, pragma_index_info(i.name) AS c WHERE c.seqno = 0 AND NOT i.partial");
     for (std::size_t i = 0; i < schema.columns.size(); ++i) {
         const auto& column = schema.columns[i];
@@ -131,9 +122,9 @@ SqlTraits sqlTraitsOf(GDALDatasetH dataset, OGRLayerH layer, const LayerSchema& 
     }
     if (driver == "GPKG" && OGR_L_TestCapability(layer, OLCFastSpatialFilter)) {
         const std::string rtree = "rtree_" + table + "_" + OGR_L_GetGeometryColumn(layer);
-        if (!queryColumn(dataset, "SELECT 1 FROM sqlite_master WHERE name = " + quoted(rtree, '\''))
+        if (!queryColumn(dataset, "SELECT 1 FROM sqlite_master WHERE name = " + utils::sqlText(rtree))
                  .isEmpty())
-            traits.spatialIndex = quoted(rtree, '"');
+            traits.spatialIndex = utils::sqlIdentifier(rtree);
     }
     return traits;
 }
@@ -144,7 +135,7 @@ std::optional<std::string> sqlOfCondition(const LayerColumn& column, ValueClass 
     // Types that the driver converts: what SQLite compares is not what the cursor delivers.
     if (!column.isArrowExact || (column.source == LayerColumn::Source::Geometry && !isNullTest))
         return std::nullopt;
-    const auto name = quoted(column.name, '"');
+    const auto name = utils::sqlIdentifier(column.name);
     std::string text;
     if (condition.acceptsAnyValue) {
         text = name + " IS NOT NULL";

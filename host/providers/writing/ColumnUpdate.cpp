@@ -1,18 +1,13 @@
 #include "host/providers/writing/ColumnUpdate.h"
 
+#include "platform/utils/Quoting.h"
+
 #include <stdexcept>
 #include <string>
 
 namespace orvane::files {
 
 namespace {
-
-std::string quoted(std::string_view name) {
-    std::string result = "\"";
-    for (const char character : name)
-        result.append(character == '"' ? 2 : 1, character);
-    return result + '"';
-}
 
 bool isBindable(OGRFieldType type) {
     return type == OFTInteger || type == OFTInteger64 || type == OFTReal || type == OFTString ||
@@ -43,7 +38,7 @@ bool ColumnUpdate::prepare(const LayerSchema& schema) {
             !isBindable(OGR_Fld_GetType(OGR_FD_GetFieldDefn(definition, column.field))))
             return false;
         fields_.push_back(column.field);
-        assignments += (assignments.empty() ? "" : ",") + quoted(column.name) + "=?";
+        assignments += (assignments.empty() ? "" : ",") + utils::sqlIdentifier(column.name) + "=?";
     }
     // Of a view, whose rows its triggers change, SQLite does not count them.
     const bool isTable =
@@ -51,8 +46,8 @@ bool ColumnUpdate::prepare(const LayerSchema& schema) {
                                       nullptr, nullptr, nullptr) == SQLITE_OK;
     if (idColumn.empty() || !isTable)
         return false;
-    const std::string text = "Update " + quoted(OGR_L_GetName(layer_)) + " Set " + assignments + " Where " +
-                             quoted(idColumn) + "=?";
+    const std::string text = "Update " + utils::sqlIdentifier(std::string_view(OGR_L_GetName(layer_))) +
+                             " Set " + assignments + " Where " + utils::sqlIdentifier(idColumn) + "=?";
     sqlite3_stmt* statement = nullptr;
     const int code =
         sqlite3_prepare_v3(database_, text.c_str(), -1, SQLITE_PREPARE_PERSISTENT, &statement, nullptr);

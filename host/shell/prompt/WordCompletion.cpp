@@ -8,6 +8,7 @@
 #include "platform/sql/lexing/Script.h"
 #include "platform/sql/lexing/SqlStrings.h"
 #include "platform/sql/parsing/SqlParser.h"
+#include "platform/utils/Quoting.h"
 
 #include <QDir>
 
@@ -42,8 +43,7 @@ QString quotedWhereNeeded(const QString& name) {
     const std::wstring text = sql::toSqlString(name);
     if (sql::isPlainName(text) && !sql::isReserved(sql::findKeyword(text)))
         return name;
-    return QLatin1Char('"') + QString(name).replace(QLatin1Char('"'), QStringLiteral("\"\"")) +
-           QLatin1Char('"');
+    return utils::sqlIdentifier(name);
 }
 
 QStringList quotedWhereNeeded(QStringList names) {

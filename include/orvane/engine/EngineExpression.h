@@ -5,7 +5,6 @@
 #include <orvane/engine/Export.h>
 
 #include <QSqlDatabase>
-#include <QSqlQuery>
 #include <QStringList>
 #include <QUuid>
 #include <QVariant>
@@ -15,6 +14,9 @@
 
 namespace orvane::dp {
 class SqliteStatement;
+}
+namespace orvane::work {
+class Cancellation;
 }
 
 namespace orvane::engine {
@@ -56,7 +58,8 @@ public:
     QVariant exec();
 
     /// The values for many features, in their order, each as fill and exec would give it: one execution of
-    /// the statement goes over all of them, which takes about three quarters of the time.
+    /// the statement goes over all of them, which takes about three quarters of the time. When it is
+    /// cancelled (Engine::cancelQuery), the values from there on are invalid.
     QVector<QVariant> execAll(const std::vector<dp::FeaturePtr>& features);
 
     /// Empty for a schema without attributes.
@@ -93,13 +96,14 @@ private:
     void createTable(const dp::TableSchema& schema, EngineCache* cache);
     bool setRow(const dp::FeaturePtr& feature);
     void logFailure(const QString& reason) const;
-    bool execFrom(const std::vector<dp::FeaturePtr>& features, std::size_t& next, QVector<QVariant>& values);
+    bool execFrom(const std::vector<dp::FeaturePtr>& features, std::size_t& next, QVector<QVariant>& values,
+                  const work::Cancellation& cancellation);
 
     QUuid tableId_;
     QSqlDatabase database_;
-    QSqlQuery query_;
     std::unique_ptr<FeatureRow> row_;                 ///< null without a table
-    std::unique_ptr<dp::SqliteStatement> expression_; ///< that of query_, free of its costs per execution
+    QString sql_;                                     ///< over the table
+    std::unique_ptr<dp::SqliteStatement> expression_; ///< of sql_; null where it could not be prepared
     std::unique_ptr<dp::SqliteStatement> ofValues_; ///< FeatureRow::prepareForValues; null where it cannot be
     QString lastErrorText_;
     QString geoName_;

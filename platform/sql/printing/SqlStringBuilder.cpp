@@ -3,6 +3,7 @@
 #include "platform/sql/lexing/Keywords.h"
 #include "platform/sql/lexing/SqlStrings.h"
 #include "platform/sql/parsing/ParseContext.h"
+#include "platform/utils/Quoting.h"
 
 #include <sqlite3.h>
 
@@ -71,17 +72,6 @@ bool isSqliteKeyword(std::wstring_view name) {
     }
     std::transform(name.begin(), name.end(), narrow.begin(), [](wchar_t c) { return static_cast<char>(c); });
     return sqlite3_keyword_check(narrow.data(), static_cast<int>(name.size())) != 0;
-}
-
-void appendQuoted(std::wstring& text, std::wstring_view content, wchar_t quote) {
-    text.push_back(quote);
-    for (const wchar_t symbol : content) {
-        if (symbol == quote) {
-            text.push_back(quote);
-        }
-        text.push_back(symbol);
-    }
-    text.push_back(quote);
 }
 
 /// Quotes the name that a text begins with when it is one of the words given and no qualifier.
@@ -170,7 +160,7 @@ void SqlStringBuilder::appendName(std::wstring& text, const std::wstring& name, 
         !(context_ && context_->isReservedName(name))) {
         text += name;
     } else {
-        appendQuoted(text, name, L'"');
+        text += utils::quoted(std::wstring_view(name), L'"');
     }
 }
 
@@ -212,7 +202,7 @@ void SqlStringBuilder::visit(const ast::String& node) {
     if (node.content == ast::String::Content::Hexadecimal) {
         text.push_back(L'X');
     }
-    appendQuoted(text, node.value, L'\'');
+    text += utils::quoted(std::wstring_view(node.value), L'\'');
     push(std::move(text));
 }
 

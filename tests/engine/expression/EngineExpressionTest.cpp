@@ -10,6 +10,12 @@
 
 #include <QDateTime>
 #include <QPoint>
+#include <QSqlDriver>
+#include <QSqlQuery>
+
+#include <sqlite3.h>
+
+#include <cmath>
 
 namespace orvane::engine {
 
@@ -112,6 +118,97 @@ TEST(EngineExpression, FailuresAreReportedAndLogged) {
     EXPECT_THAT(log.entries[0].text.toStdString(), ::testing::StartsWith("Expression error: "));
     EXPECT_THAT(log.entries[1].text.toStdString(), ::testing::StartsWith("Expression exec error: "));
     EXPECT_EQ(log.entries[1].sourceFile, QStringLiteral("EngineExpression"));
+}
+
+TEST(EngineExpression, AFeatureOfAnotherSchemaLeavesNothingBehind) {
+    const auto schema = townSchema();
+    EngineExpression expression(database(), *schema, cache());
+    ASSERT_TRUE(expression.setExpression(QStringLiteral("name")));
+    const auto other = std::make_shared<dp::TableSchema>(QVector<dp::AttributeDefinitionPointer>{
+        attribute("name", QMetaType::QString), attribute("other", QMetaType::Int)});
+    const auto bare = std::make_shared<dp::TableSchema>();
+    EXPECT_FALSE(expression.fill(std::make_shared<dp::Feature>(other, dp::FeatureId(1))));
+    expression.fill(std::make_shared<dp::Feature>(bare, dp::FeatureId(1)));
+    EXPECT_TRUE(expression.exec().isNull());
+    ASSERT_TRUE(expression.fill(town(schema, QStringLiteral("x"), 1)));
+    EXPECT_EQ(expression.exec(), QVariant(QStringLiteral("x")));
+}
+
+TEST(EngineExpression, AllAtOnceAsOneByOneUntilCancelled) {
+    static const auto cancel = [](sqlite3_context* context, int, sqlite3_value** arguments) {
+        if (sqlite3_value_int(arguments[0]) == 25) {
+            testing::Application::instance().engine->cancelQuery();
+        }
+        sqlite3_result_value(context, arguments[0]);
+    };
+    auto* handle = *static_cast<sqlite3* const*>(database().driver()->handle().constData());
+    sqlite3_create_function(handle, "cancelAt25", 1, SQLITE_UTF8, nullptr, cancel, nullptr, nullptr);
+    const auto schema = townSchema();
+    std::vector<dp::FeaturePtr> features;
+    for (int i = 0; i < 40; ++i) {
+        features.push_back(town(schema, QStringLiteral("n%0").arg(i), i));
+    }
+    EngineExpression expression(database(), *schema, cache());
+    QSqlQuery reader(database());
+    const QString table = expression.tableName();
+    for (const char* text :
+         {"\"odd \"\" name\"", "name || (Select \"odd \"\" name\" From %0)",
+          "Case When name > 'n3' Then (Select Max(name) From %0) Else 'no' End",
+          "name In (Select name From %0 Where \"odd \"\" name\" < 9)", "Count(*)", "rowid"}) {
+        SCOPED_TRACE(text);
+        ASSERT_TRUE(expression.setExpression(QString::fromLatin1(text).replace(QLatin1String("%0"), table)));
+        // Whoever reads other columns of the table meanwhile does not matter.
+        ASSERT_TRUE(reader.exec(QStringLiteral("Select * From ") + table));
+        const QVector<QVariant> values = expression.execAll(features);
+        for (int i = 0; i < values.size(); ++i) {
+            ASSERT_TRUE(expression.fill(features[static_cast<std::size_t>(i)]));
+            ASSERT_EQ(values[i], expression.exec()) << i;
+            ASSERT_TRUE(values[i].isValid());
+        }
+    }
+    reader.finish(); // as long as it is under way, a cancellation goes on
+    for (const char* text : {"cancelAt25(\"odd \"\" name\")", // in one execution, and in one for each
+                             "cancelAt25((Select \"odd \"\" name\" From %0))"}) {
+        ASSERT_TRUE(expression.setExpression(QString::fromLatin1(text).replace(QLatin1String("%0"), table)));
+        const QVector<QVariant> values = expression.execAll(features);
+        EXPECT_EQ(values[24].toInt(), 24) << text;
+        for (int i = 26; i < values.size(); ++i) {
+            EXPECT_FALSE(values[i].isValid()) << text << ' ' << i;
+        }
+    }
+}
+
+TEST(EngineExpression, NotANumberIsNull) {
+    const dp::TableSchema schema({attribute("t", QMetaType::QString), attribute("i", QMetaType::Int),
+                                  attribute("r", QMetaType::Double), attribute("b", QMetaType::QByteArray)});
+    const auto feature =
+        std::make_shared<dp::Feature>(std::make_shared<dp::TableSchema>(schema), dp::FeatureId());
+    EngineExpression expression(database(), schema, cache());
+    for (const QVariant& none : {QVariant(std::nan("")), QVariant(std::nanf(""))}) {
+        for (int i = 0; i < 4; ++i) {
+            feature->setAttribute(i, none);
+        }
+        for (const char* text : {"Coalesce(t, i, r, b)", "Coalesce(t, i, r, b, substr(NULL, rowid))"}) {
+            ASSERT_TRUE(expression.setExpression(QLatin1String(text)));
+            ASSERT_TRUE(expression.fill(feature));
+            EXPECT_TRUE(expression.exec().isNull()) << text;
+        }
+    }
+}
+
+TEST(EngineExpression, ColumnsOfAnyNameAreFoundByTheirFieldName) {
+    for (const char* name : {"Area [m2]", "a.b", "\"q\"", "[z]", "it's", "Ключ", "x]y", "select"}) {
+        const auto schema = std::make_shared<dp::TableSchema>(
+            QVector<dp::AttributeDefinitionPointer>{attribute(name, QMetaType::QString)});
+        EngineExpression expression(database(), *schema, cache());
+        ASSERT_TRUE(expression.setExpression(expression.fieldName(schema->at(0)) + QStringLiteral("||'!'")))
+            << expression.lastError().toStdString();
+        auto feature = std::make_shared<dp::Feature>(schema, dp::FeatureId());
+        feature->setAttribute(0, QStringLiteral("x"));
+        ASSERT_TRUE(expression.fill(feature));
+        EXPECT_EQ(expression.exec(), QVariant(QStringLiteral("x!"))) << name;
+        EXPECT_EQ(expression.columns(), QStringList(QString::fromUtf8(name)));
+    }
 }
 
 TEST(EngineExpression, WritesLiteralsAndBindsValues) {

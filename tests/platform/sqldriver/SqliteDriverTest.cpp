@@ -2,7 +2,10 @@
 #include <QSqlDatabase>
 #include <QSqlDriver>
 #include <QSqlError>
+#include <QSqlField>
+#include <QSqlIndex>
 #include <QSqlQuery>
+#include <QSqlRecord>
 #include <QVariant>
 
 #include <gtest/gtest.h>
@@ -43,6 +46,34 @@ TEST_F(SqliteDriverTest, WorksOnTheLibraryThatThisProgramIsLinkedTo) {
     ASSERT_TRUE(query.next()) << qPrintable(query.lastError().text());
     EXPECT_EQ(query.value(0), query.value(1));
     EXPECT_EQ(query.value(2).toString(), QString::fromUtf8("Ёж"));
+}
+
+TEST_F(SqliteDriverTest, NamesAreWhatSqliteReads) {
+    database_.setDatabaseName(QStringLiteral(":memory:"));
+    ASSERT_TRUE(database_.open());
+    QSqlQuery query(database_);
+    for (const char* text :
+         {"roads", "roads.v2", "plan [2020]", "[z]", "\"q\"", "x]y", "it's", "main.x", "Ключ"}) {
+        const QString name = QString::fromUtf8(text);
+        const QString table = database_.driver()->escapeIdentifier(name, QSqlDriver::TableName);
+        const QString column = database_.driver()->escapeIdentifier(name, QSqlDriver::FieldName);
+        ASSERT_TRUE(query.exec(QStringLiteral("Create Table %0(%1 Integer, \"x\"\"y\" Text, Primary Key(%1))")
+                                   .arg(table, column)))
+            << text << ": " << qPrintable(query.lastError().text());
+        EXPECT_TRUE(database_.tables().contains(name)) << text;
+        const QSqlRecord record = database_.record(name);
+        ASSERT_EQ(record.count(), 2) << text;
+        EXPECT_EQ(record.fieldName(0), name);
+        EXPECT_EQ(record.field(0).type(), QVariant::Int);
+        EXPECT_EQ(record.fieldName(1), QStringLiteral("x\"y"));
+        ASSERT_EQ(database_.primaryIndex(name).count(), 1) << text;
+        EXPECT_EQ(database_.primaryIndex(name).fieldName(0), name);
+    }
+    EXPECT_TRUE(database_.record(QStringLiteral("z")).isEmpty());
+    ASSERT_TRUE(database_.transaction());
+    EXPECT_FALSE(database_.transaction());
+    EXPECT_TRUE(database_.lastError().isValid());
+    EXPECT_TRUE(database_.rollback());
 }
 
 } // namespace
