@@ -1,7 +1,7 @@
 #include "engine/expression/StoredValue.h"
 
-#include "engine/functions/Utf8.h"
 #include "platform/decimal/QDecNumber.h"
+#include "platform/utils/Utf8.h"
 #include <orvane/engine/functions/Converters.h>
 
 #include <QDateTime>
@@ -89,7 +89,11 @@ std::optional<Cell> numberInText(std::string_view text, Affinity affinity, std::
 }
 
 Cell storedText(const QString& text, Affinity affinity, std::string& memory) {
-    const std::string_view bytes = utf8::encode(text, memory);
+    const std::size_t most = static_cast<std::size_t>(text.size()) * utf8::mostBytesOfUnit;
+    if (memory.size() < most) {
+        memory.resize(most);
+    }
+    const std::string_view bytes(memory.data(), utf8::encode(text, memory.data()));
     const auto number = isForNumbers(affinity) ? numberInText(bytes, affinity, memory) : std::nullopt;
     return number ? *number : Cell::ofText(bytes);
 }

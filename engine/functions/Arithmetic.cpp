@@ -2,7 +2,6 @@
 
 #include "Barrier.h"
 #include "TextArguments.h"
-#include "Utf8.h"
 #include "platform/utils/Numbers.h"
 #include <orvane/engine/functions/Converters.h>
 
@@ -62,17 +61,14 @@ void withNumbers(sqlite3_value** values, Body&& body) {
     }
 }
 
-/// Joins two texts: as bytes where those are well-formed UTF-8, which saves two conversions.
 void resultJoined(sqlite3_context* context, sqlite3_value** values) {
     const unsigned char* a = utf8View(values[0]);
     const unsigned char* b = utf8View(values[1]);
-    if (a == nullptr || b == nullptr || utf8::countUnits(a) < 0 || utf8::countUnits(b) < 0) {
-        resultText(context, toQString(values[0]) + toQString(values[1]));
-        return;
-    }
     QVarLengthArray<unsigned char, 1024> joined;
     for (const unsigned char* text : {a, b}) {
-        joined.append(text, static_cast<int>(std::strlen(reinterpret_cast<const char*>(text))));
+        if (text != nullptr) {
+            joined.append(text, static_cast<int>(std::strlen(reinterpret_cast<const char*>(text))));
+        }
     }
     resultUtf8(context, joined.cbegin(), joined.cend());
 }

@@ -18,7 +18,7 @@ const QString dateTimeFormat = QStringLiteral("yyyy-MM-dd ") + timeFormat;
 
 namespace {
 
-const char* utf8(sqlite3_value* value) {
+const char* bytes(sqlite3_value* value) {
     return reinterpret_cast<const char*>(sqlite3_value_text(value));
 }
 
@@ -52,7 +52,7 @@ Number toNumber(sqlite3_value* value, bool* ok, Number (*stored)(sqlite3_value*)
     switch (sqlite3_value_type(value)) {
     case SQLITE_INTEGER:
     case SQLITE_FLOAT: number = stored(value); break;
-    case SQLITE_TEXT: number = numberInText<Number>(utf8(value)); break;
+    case SQLITE_TEXT: number = numberInText<Number>(bytes(value)); break;
     default: break;
     }
     if (ok != nullptr) {
@@ -113,7 +113,7 @@ bool joinsDateAndTime(char separator) {
 }
 
 QString latin1(sqlite3_value* value) {
-    return QString::fromLatin1(utf8(value));
+    return QString::fromLatin1(bytes(value));
 }
 
 } // namespace
@@ -123,7 +123,7 @@ std::optional<double> doubleInText(const unsigned char* text) {
 }
 
 std::string toString(sqlite3_value* value) {
-    const char* text = utf8(value);
+    const char* text = bytes(value);
     return text != nullptr ? std::string(text) : std::string();
 }
 
@@ -140,11 +140,12 @@ QString toString(const QDateTime& dateTime) {
 }
 
 QString toQString(sqlite3_value* value) {
-    return QString(static_cast<const QChar*>(sqlite3_value_text16(value)));
+    const char* text = bytes(value);
+    return text != nullptr ? utf8::decode(text) : QString();
 }
 
 QString toQStringUTF8(sqlite3_value* value) {
-    return QString::fromUtf8(utf8(value));
+    return toQString(value);
 }
 
 double toDouble(sqlite3_value* value, bool* ok) {
@@ -160,7 +161,7 @@ QTime toTime(sqlite3_value* value) {
     if (sqlite3_value_type(value) == SQLITE_NULL) {
         return {};
     }
-    if (const char* common = utf8(value); common != nullptr) {
+    if (const char* common = bytes(value); common != nullptr) {
         const bool hasDate = commonDate(common).isValid();
         if (const QTime time = commonTime(hasDate && joinsDateAndTime(common[10]) ? common + 11 : common);
             time.isValid()) {
@@ -181,7 +182,7 @@ QDate toDate(sqlite3_value* value) {
     if (sqlite3_value_type(value) == SQLITE_NULL) {
         return {};
     }
-    if (const char* common = utf8(value); common != nullptr) {
+    if (const char* common = bytes(value); common != nullptr) {
         const QDate date = commonDate(common);
         if (date.isValid() &&
             (common[10] == '\0' || (joinsDateAndTime(common[10]) && commonTime(common + 11).isValid()))) {

@@ -10,7 +10,7 @@ namespace orvane::engine {
 namespace {
 
 /// Capital letters of Unicode 14, which the regular expressions know and Qt 5's tables do not.
-bool isNewCapital(std::uint32_t character) {
+bool isNewCapital(char32_t character) {
     switch (character) {
     case 0x2C2F:
     case 0xA7C0:
@@ -24,7 +24,7 @@ bool isNewCapital(std::uint32_t character) {
     }
 }
 
-std::uint32_t smallOfNewCapital(std::uint32_t character) {
+char32_t smallOfNewCapital(char32_t character) {
     if (character == 0x2C2F) {
         return 0x2C5F;
     }
@@ -33,10 +33,10 @@ std::uint32_t smallOfNewCapital(std::uint32_t character) {
 
 /// In the order of the folded forms.
 std::vector<CaseVariant> findVariants() {
-    constexpr std::uint32_t casedEnd = 0x1F000; // no letter beyond has a case
+    constexpr char32_t casedEnd = 0x1F000; // no letter beyond has a case
     std::vector<CaseVariant> variants;
-    for (std::uint32_t character = 0; character < casedEnd; ++character) {
-        if (const std::uint32_t folded = foldCase(character); folded != character) {
+    for (char32_t character = 0; character < casedEnd; ++character) {
+        if (const char32_t folded = foldCase(character); folded != character) {
             variants.push_back({folded, character});
         }
     }
@@ -47,12 +47,12 @@ std::vector<CaseVariant> findVariants() {
 
 } // namespace
 
-std::uint32_t foldBeyondAscii(std::uint32_t character) {
-    const std::uint32_t folded = QChar::toCaseFolded(character);
+char32_t foldBeyondAscii(char32_t character) {
+    const char32_t folded = QChar::toCaseFolded(character);
     return folded == character && isNewCapital(character) ? smallOfNewCapital(character) : folded;
 }
 
-std::span<const CaseVariant> caseVariants(std::uint32_t folded) {
+std::span<const CaseVariant> caseVariants(char32_t folded) {
     static const std::vector<CaseVariant> variants = findVariants();
     const auto [first, last] =
         std::equal_range(variants.begin(), variants.end(), CaseVariant{folded, 0},

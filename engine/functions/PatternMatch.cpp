@@ -1,44 +1,25 @@
 #include "engine/functions/PatternMatch.h"
 
-#include "engine/functions/Barrier.h"
 #include "engine/functions/LetterCase.h"
-#include "engine/functions/PreparedArgument.h"
-#include "engine/functions/Utf8.h"
-
-#include <QCoreApplication>
+#include "platform/utils/Utf8.h"
 
 #include <algorithm>
 #include <cstring>
-#include <stdexcept>
 
 namespace orvane::engine {
 
-using utf8::isContinuation;
+using utf8::previousCharacter;
 using utf8::readCharacter;
 
-namespace {
-
-/// The character before `at`, where texts are cut as readCharacter cuts them.
-const unsigned char* previousCharacter(const unsigned char* begin, const unsigned char* at) {
-    const unsigned char* last = at - 1;
-    const unsigned char* lead = last;
-    while (lead != begin && isContinuation(*lead)) {
-        --lead;
-    }
-    return *lead >= 0xC0 ? lead : last; // continuation bytes without a lead stand for themselves
-}
-
-} // namespace
-
-bool PatternMatch::Class::contains(std::uint32_t character) const {
-    const auto inRanges = [this](std::uint32_t c) {
+bool PatternMatch::Class::contains(char32_t character) const {
+    const auto inRanges = [this](char32_t c) {
         return std::any_of(ranges.begin(), ranges.end(),
                            [c](Range range) { return range.first <= c && c <= range.last; });
     };
     if (inRanges(character)) {
         return !negated;
     }
-    const std::uint32_t folded = foldCase(character);
+    const char32_t folded = foldCase(character);
     const auto variants = caseVariants(folded);
     const bool found = inRanges(folded) ||
                        std::any_of(variants.begin(), variants.end(),
@@ -46,11 +27,11 @@ bool PatternMatch::Class::contains(std::uint32_t character) const {
     return found != negated;
 }
 
-PatternMatch PatternMatch::like(const unsigned char* pattern, std::uint32_t escape) {
+PatternMatch PatternMatch::like(const unsigned char* pattern, char32_t escape) {
     PatternMatch result;
     result.escape_ = escape;
     while (*pattern != 0) {
-        const std::uint32_t character = readCharacter(pattern);
+        const char32_t character = readCharacter(pattern);
         if (escape != 0 && character == escape) {
             if (*pattern == 0) {
                 result.matchesNothing_ = true;
@@ -70,7 +51,7 @@ PatternMatch PatternMatch::like(const unsigned char* pattern, std::uint32_t esca
 PatternMatch PatternMatch::glob(const unsigned char* pattern) {
     PatternMatch result;
     while (*pattern != 0 && !result.matchesNothing_) {
-        const std::uint32_t character = readCharacter(pattern);
+        const char32_t character = readCharacter(pattern);
         switch (character) {
         case '*': result.addRun(); break;
         case '?': result.add(anyCharacter); break;
@@ -91,7 +72,7 @@ void PatternMatch::readClass(const unsigned char*& at) {
     bool mayStartRange = false;
     for (bool first = true; *at != 0 && (first || *at != ']'); first = false) {
         const bool isClosing = *at == ']'; // the first one of a class is a member, but starts no range
-        const std::uint32_t character = readCharacter(at);
+        const char32_t character = readCharacter(at);
         if (character == '-' && mayStartRange && *at != ']' && *at != 0) {
             // Of a range that runs backwards only the first character is a member.
             Range& range = members.ranges.back();
@@ -108,7 +89,7 @@ void PatternMatch::readClass(const unsigned char*& at) {
     classes_.push_back(std::move(members));
 }
 
-bool PatternMatch::matchesElement(Element element, std::uint32_t character) const {
+bool PatternMatch::matchesElement(Element element, char32_t character) const {
     if (element < anyCharacter) {
         return element == foldCase(character);
     }
@@ -179,52 +160,6 @@ bool PatternMatch::matches(const unsigned char* text) const {
         tail = previousCharacter(at, tail);
     }
     return matchPiece(last, tail) != nullptr;
-}
-
-namespace {
-
-/// Matches the text in argument 1 against the pattern in argument 0; NULL for NULL.
-template<typename Read>
-void matchPrepared(sqlite3_context* context, sqlite3_value** values, std::uint32_t escape, Read read) {
-    barrier(context, [&] {
-        const unsigned char* pattern = sqlite3_value_text(values[0]);
-        const unsigned char* text = sqlite3_value_text(values[1]);
-        if (pattern == nullptr || text == nullptr) {
-            return;
-        }
-        withPrepared<PatternMatch>(
-            context, 0, [escape](const PatternMatch& prepared) { return prepared.escape() == escape; },
-            [&] { return read(pattern); },
-            [&](const PatternMatch& prepared) {
-                sqlite3_result_int(context, prepared.matches(text) ? 1 : 0);
-            });
-    });
-}
-
-} // namespace
-
-void likePattern(sqlite3_context* context, int count, sqlite3_value** values) {
-    std::uint32_t escape = 0;
-    if (count > 2) {
-        const unsigned char* text = sqlite3_value_text(values[2]);
-        const bool isNone = text == nullptr || *text == 0;
-        escape = isNone ? 0 : readCharacter(text);
-        if (!isNone && *text != 0) {
-            barrier(context, [] {
-                throw std::runtime_error(
-                    QCoreApplication::translate("orvane::engine", "после Escape должен стоять один символ")
-                        .toStdString());
-            });
-            return;
-        }
-    }
-    matchPrepared(context, values, escape,
-                  [escape](const unsigned char* pattern) { return PatternMatch::like(pattern, escape); });
-}
-
-void globPattern(sqlite3_context* context, int, sqlite3_value** values) {
-    matchPrepared(context, values, 0,
-                  [](const unsigned char* pattern) { return PatternMatch::glob(pattern); });
 }
 
 } // namespace orvane::engine

@@ -2,9 +2,9 @@
 
 #include "Barrier.h"
 #include "TextArguments.h"
-#include "Utf8.h"
+#include "platform/utils/Utf8.h"
+#include <orvane/engine/functions/Converters.h>
 
-#include <QString>
 #include <QVarLengthArray>
 
 #include <algorithm>
@@ -14,7 +14,7 @@ namespace orvane::engine {
 
 namespace {
 
-using utf8::wellFormedLength;
+using utf8::characterLength;
 
 /// Case mapping of what most texts are made of, ASCII and the Cyrillic alphabet (U+0400 to U+045F), where it
 /// is plain arithmetic and keeps the length in UTF-8. Qt's mapping agrees on them; everything else is left to
@@ -39,14 +39,14 @@ struct LowerCase {
 /// currencies, letter-like signs); 0 for any other character.
 int caselessLength(const unsigned char* at) {
     if (at[0] == 0xC2) {
-        return at[1] != 0xB5 && wellFormedLength(at) == 2 ? 2 : 0;
+        return at[1] != 0xB5 && characterLength(at) == 2 ? 2 : 0;
     }
     const bool isSign = at[0] == 0xE2 && (at[1] < 0x84 || (at[1] == 0x84 && at[2] < 0xA6));
-    return isSign && wellFormedLength(at) == 3 ? 3 : 0;
+    return isSign && characterLength(at) == 3 ? 3 : 0;
 }
 
 bool isCyrillic(const unsigned char* at) {
-    return (at[0] == 0xD0 || (at[0] == 0xD1 && at[1] < 0xA0)) && wellFormedLength(at) == 2;
+    return (at[0] == 0xD0 || (at[0] == 0xD1 && at[1] < 0xA0)) && characterLength(at) == 2;
 }
 
 /// Writes the mapped bytes; false at the first character that is left to Qt.
@@ -81,7 +81,7 @@ void changeCase(sqlite3_context* context, sqlite3_value* value) {
     if (mapCommonLetters<Case>(text, mapped.data())) {
         resultUtf8(context, mapped.constData(), mapped.constData() + size);
     } else {
-        resultText(context, Case::whole(textView(value).toString()));
+        resultText(context, Case::whole(toQString(value)));
     }
 }
 

@@ -2,8 +2,8 @@
 
 #include "Barrier.h"
 #include "TextArguments.h"
-#include "Utf8.h"
 #include "platform/geometry/shapes/GeoSqlType.h"
+#include "platform/utils/Utf8.h"
 #include <orvane/engine/GeometryConversions.h>
 #include <orvane/engine/functions/Converters.h>
 
@@ -100,8 +100,8 @@ void ascUTF16(sqlite3_context* context, int, sqlite3_value** values) {
             sqlite3_result_int(context, *text);
             return;
         }
-        const QStringView view = textView(values[0]);
-        sqlite3_result_int(context, view.isEmpty() ? 0 : view.at(0).unicode());
+        const QString units = toQString(values[0]);
+        sqlite3_result_int(context, units.isEmpty() ? 0 : units.at(0).unicode());
     });
 }
 
@@ -139,7 +139,7 @@ void len(sqlite3_context* context, int, sqlite3_value** values) {
     barrier(context, [&] {
         const unsigned char* text = utf8View(values[0]);
         const qint64 units = text != nullptr ? utf8::countUnits(text) : 0;
-        sqlite3_result_int(context, toResult(units >= 0 ? units : textView(values[0]).size()));
+        sqlite3_result_int(context, toResult(units >= 0 ? units : toQString(values[0]).size()));
     });
 }
 
@@ -154,8 +154,8 @@ void left_utf16(sqlite3_context* context, int, sqlite3_value** values) {
             resultUtf8(context, text, end);
             return;
         }
-        const QStringView view = textView(values[0]);
-        resultText(context, view.left(std::min<qsizetype>(count, view.size())));
+        const QString units = toQString(values[0]);
+        resultText(context, units.left(count));
     });
 }
 
@@ -172,8 +172,8 @@ void right_utf16(sqlite3_context* context, int, sqlite3_value** values) {
                 return;
             }
         }
-        const QStringView view = textView(values[0]);
-        resultText(context, view.right(std::min<qsizetype>(count, view.size())));
+        const QString units = toQString(values[0]);
+        resultText(context, units.right(count));
     });
 }
 
@@ -193,9 +193,9 @@ void midUTF16(sqlite3_context* context, int, sqlite3_value** values) {
             }
             return;
         }
-        const QStringView view = textView(values[0]);
-        if (start < view.size()) {
-            resultText(context, view.mid(start, std::min<qint64>(view.size() - start, count)));
+        const QString units = toQString(values[0]);
+        if (start < units.size()) {
+            resultText(context, units.mid(static_cast<int>(start), static_cast<int>(count)));
         }
     });
 }
@@ -258,7 +258,7 @@ void repeat(sqlite3_context* context, int, sqlite3_value** values) {
         if (!count) {
             return;
         }
-        const QStringView text = textView(values[1]);
+        const QString text = toQString(values[1]);
         const bool isPair = text.size() > 1 && text.at(0).isHighSurrogate() && text.at(1).isLowSurrogate();
         resultRepeated(context, text.isEmpty() ? QByteArray(" ") : text.left(isPair ? 2 : 1).toUtf8(),
                        *count);

@@ -1,12 +1,11 @@
 #include <orvane/engine/functions/Text.h>
 
 #include "Barrier.h"
+#include "PatternMatch.h"
+#include "PreparedArgument.h"
 #include "TextArguments.h"
-#include "Utf8.h"
-#include "platform/utils/Patterns.h"
+#include "platform/utils/Utf8.h"
 #include <orvane/engine/functions/Converters.h>
-
-#include <QRegularExpression>
 
 #include <cstring>
 #include <optional>
@@ -17,9 +16,9 @@ namespace {
 
 /// The position by UTF-16 code units.
 qint64 positionInUtf16(sqlite3_value** values, int start, int occurrence) {
-    const QStringView text = textView(values[0]);
-    const QStringView part = textView(values[1]);
-    qsizetype at = start - 1;
+    const QString text = toQString(values[0]);
+    const QString part = toQString(values[1]);
+    int at = start - 1;
     for (int found = 0;; at += part.size()) {
         at = at <= text.size() ? text.indexOf(part, at, Qt::CaseSensitive) : -1;
         if (at < 0) {
@@ -56,15 +55,28 @@ std::optional<qint64> positionInUtf8(sqlite3_value** values, int start, int occu
     }
 }
 
-void match(sqlite3_context* context, const QString& expression, sqlite3_value* text) {
-    const QRegularExpression regular(expression, QRegularExpression::CaseInsensitiveOption);
-    sqlite3_result_int(context, regular.match(toQString(text)).hasMatch() ? 1 : 0);
+/// Matches the text in argument 1 against the pattern in argument 0; NULL for NULL. A pattern that is
+/// constant in a statement is read once.
+template<typename Read>
+void match(sqlite3_context* context, sqlite3_value** values, char32_t escape, Read read) {
+    barrier(context, [&] {
+        const unsigned char* pattern = utf8View(values[0]);
+        const unsigned char* text = utf8View(values[1]);
+        if (pattern == nullptr || text == nullptr) {
+            return;
+        }
+        withPrepared<PatternMatch>(
+            context, 0, [escape](const PatternMatch& prepared) { return prepared.escape() == escape; },
+            [&] { return read(pattern); },
+            [&](const PatternMatch& prepared) {
+                sqlite3_result_int(context, prepared.matches(text) ? 1 : 0);
+            });
+    });
 }
 
-void likeWithEscape(sqlite3_context* context, sqlite3_value** values, QChar escape) {
-    if (!isNull(values[0]) && !isNull(values[1])) {
-        match(context, utils::likeToRegular(toQString(values[0]), escape), values[1]);
-    }
+void matchLike(sqlite3_context* context, sqlite3_value** values, char32_t escape) {
+    match(context, values, escape,
+          [escape](const unsigned char* pattern) { return PatternMatch::like(pattern, escape); });
 }
 
 } // namespace
@@ -94,29 +106,23 @@ void inStrUTF16(sqlite3_context* context, int count, sqlite3_value** values) {
 }
 
 void caseInsensitiveGlob(sqlite3_context* context, int, sqlite3_value** values) {
-    barrier(context, [&] {
-        if (!isNull(values[0]) && !isNull(values[1])) {
-            match(context, utils::globToRegular(toQString(values[0])), values[1]);
-        }
-    });
+    match(context, values, 0, &PatternMatch::glob);
 }
 
 void caseInsensitiveLike(sqlite3_context* context, int, sqlite3_value** values) {
-    barrier(context, [&] { likeWithEscape(context, values, QChar()); });
+    matchLike(context, values, 0);
 }
 
 void caseInsensitiveLikeEscape(sqlite3_context* context, int, sqlite3_value** values) {
-    barrier(context, [&] {
-        const QStringView escape = textView(values[2]);
-        likeWithEscape(context, values, escape.isEmpty() ? QChar() : escape.at(0));
-    });
+    const unsigned char* escape = utf8View(values[2]);
+    matchLike(context, values, escape == nullptr || *escape == 0 ? 0 : utf8::readCharacter(escape));
 }
 
 void caseSensitiveCompare(sqlite3_context* context, int, sqlite3_value** values) {
     barrier(context, [&] {
         if (!isNull(values[0]) && !isNull(values[1])) {
-            const QStringView a = textView(values[0]);
-            const QStringView b = textView(values[1]);
+            const QString a = toQString(values[0]);
+            const QString b = toQString(values[1]);
             sqlite3_result_int(context, a.compare(b, Qt::CaseSensitive));
         }
     });

@@ -1,7 +1,7 @@
 #include "engine/indices/PatternRange.h"
 
 #include "engine/functions/LetterCase.h"
-#include "engine/functions/Utf8.h"
+#include "platform/utils/Utf8.h"
 #include <orvane/engine/EngineIndices.h>
 
 #include <QString>
@@ -15,7 +15,9 @@ namespace orvane::engine {
 namespace {
 
 std::string toUtf8(char32_t character) {
-    return QString::fromUcs4(&character, 1).toStdString();
+    std::string text;
+    utf8::append(text, character);
+    return text;
 }
 
 /// The text before the first wildcard.
@@ -27,7 +29,7 @@ std::string literalPrefix(std::string_view pattern, quint8 operation) {
 
 /// Every form that a pattern takes for the character.
 std::vector<char32_t> formsOf(char32_t character) {
-    const std::uint32_t folded = foldCase(character);
+    const char32_t folded = foldCase(character);
     std::vector<char32_t> forms{folded};
     for (const CaseVariant& variant : caseVariants(folded)) {
         forms.push_back(variant.character);
@@ -154,8 +156,8 @@ PatternRange PatternRanges::find(std::string_view pattern, quint8 operation) {
     }
     const std::string prefix = literalPrefix(pattern, operation);
     std::vector<char32_t> letters;
-    for (const auto* at = reinterpret_cast<const unsigned char*>(prefix.c_str()); *at != 0;) {
-        const char32_t character = utf8::readCharacter(at);
+    for (std::size_t at = 0; at < prefix.size();) {
+        const char32_t character = utf8::nextCharacter(prefix, at);
         if (!letter(character).place) {
             break;
         }

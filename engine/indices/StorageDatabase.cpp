@@ -1,10 +1,10 @@
 #include "engine/indices/StorageDatabase.h"
 
-#include "engine/functions/PatternMatch.h"
 #include "engine/indices/StorageFile.h"
 #include "platform/core/SqliteException.h"
 #include <orvane/engine/Collator.h>
 #include <orvane/engine/LocaleOrder.h>
+#include <orvane/engine/functions/Text.h>
 
 #include <sqlite3.h>
 
@@ -63,11 +63,11 @@ std::shared_ptr<dp::SqliteDatabaseAccess> openStorageDatabase(const QString& pat
         registerCollation(database->handle(), options);
     }
     if (options.caseInsensitiveLike) {
-        registerFunction(database->handle(), "like", 2, likePattern);
-        registerFunction(database->handle(), "like", 3, likePattern);
+        registerFunction(database->handle(), "like", 2, caseInsensitiveLike);
+        registerFunction(database->handle(), "like", 3, caseInsensitiveLikeEscape);
     }
     if (options.caseInsensitiveGlob) {
-        registerFunction(database->handle(), "glob", 2, globPattern);
+        registerFunction(database->handle(), "glob", 2, caseInsensitiveGlob);
     }
     return database;
 }

@@ -1,5 +1,6 @@
 #include <orvane/engine/LocaleOrder.h>
 
+#include "platform/utils/Utf8.h"
 #include <orvane/engine/Collator.h>
 
 #include <QLocale>
@@ -7,6 +8,7 @@
 #include <QVarLengthArray>
 
 #include <algorithm>
+#include <iterator>
 #include <vector>
 
 namespace orvane::engine {
@@ -15,34 +17,10 @@ namespace {
 
 using Utf16 = QVarLengthArray<char16_t, 256>;
 
-constexpr char32_t replacementCharacter = 0xfffd;
-
-/// Takes one character off the front of a text that is not empty.
-char32_t takeCharacter(std::string_view& utf8) {
-    const auto byte = [&utf8](std::size_t i) { return static_cast<unsigned char>(utf8[i]); };
-    const unsigned char first = byte(0);
-    std::size_t length = 1;
-    char32_t character = first;
-    if (first >= 0x80) {
-        length = first >= 0xf0 ? 4 : first >= 0xe0 ? 3 : first >= 0xc2 ? 2 : 0;
-        character = length == 0 ? replacementCharacter : first & (0x7fu >> length);
-        for (std::size_t i = 1; i < length; ++i) {
-            if (i >= utf8.size() || (byte(i) & 0xc0) != 0x80) {
-                length = 0;
-                character = replacementCharacter;
-                break;
-            }
-            character = (character << 6) | (byte(i) & 0x3fu);
-        }
-    }
-    utf8.remove_prefix(std::max<std::size_t>(length, 1));
-    return character <= 0x10ffff ? character : replacementCharacter;
-}
-
-void toUtf16(std::string_view utf8, Utf16& out) {
-    out.reserve(static_cast<int>(utf8.size()));
-    while (!utf8.empty()) {
-        const char32_t character = takeCharacter(utf8);
+void toUtf16(std::string_view text, Utf16& out) {
+    out.reserve(static_cast<int>(text.size()));
+    for (std::size_t at = 0; at < text.size();) {
+        const char32_t character = utf8::nextCharacter(text, at);
         if (character < 0x10000) {
             out.push_back(static_cast<char16_t>(character));
         } else {
@@ -109,33 +87,42 @@ void LocaleOrder::rankCharacters() {
     }
 }
 
-/// Letters that a locale orders as one when they stand together (Czech "ch", Danish "aa") lose their ranks.
-/// Such a pair is out of place among the pairs with the same first letter.
+/// Letters that a locale orders as one when they stand together (Czech "ch", Danish "aa"), or with a sign
+/// behind them (Uzbek "o'"), lose their ranks. Such a pair is out of place among the pairs with the same
+/// first letter.
 void LocaleOrder::excludeDigraphs() {
     std::vector<std::size_t> letters;
+    std::vector<std::size_t> seconds; // one character of each rank, but of the letters the small ones
     for (std::size_t position = 0; position < numRanked; ++position) {
-        const QChar letter = rankedCharacter(position);
-        if (ranks_[position] != noRank && letter.isLetter() && letter.isLower()) {
-            letters.push_back(position);
+        const QChar character = rankedCharacter(position);
+        if (ranks_[position] != noRank && !character.isUpper()) {
+            seconds.push_back(position);
         }
     }
-    std::stable_sort(letters.begin(), letters.end(),
-                     [this](std::size_t a, std::size_t b) { return ranks_[a] < ranks_[b]; });
+    const auto rankOf = [this](std::size_t position) { return ranks_[position]; };
+    std::stable_sort(seconds.begin(), seconds.end(),
+                     [&](std::size_t a, std::size_t b) { return rankOf(a) < rankOf(b); });
+    seconds.erase(std::unique(seconds.begin(), seconds.end(),
+                              [&](std::size_t a, std::size_t b) { return rankOf(a) == rankOf(b); }),
+                  seconds.end());
+    std::copy_if(seconds.begin(), seconds.end(), std::back_inserter(letters),
+                 [](std::size_t position) { return rankedCharacter(position).isLetter(); });
     std::array<bool, numRanked> isJoined{};
     for (std::size_t first = 0; first + 1 < letters.size(); ++first) {
         const QChar letter = rankedCharacter(letters[first]);
         const QString after(rankedCharacter(letters[first + 1]));
         QString last(letter);
-        for (const std::size_t second : letters) {
-            if (rankedCharacter(second).script() != letter.script()) {
+        for (const std::size_t position : seconds) {
+            const QChar second = rankedCharacter(position);
+            if (second.isLetter() && second.script() != letter.script()) {
                 continue;
             }
-            const QString pair = QString(letter) + rankedCharacter(second);
+            const QString pair = QString(letter) + second;
             if (collator_.compare(last, pair) < 0 && collator_.compare(pair, after) < 0) {
                 last = pair;
             } else {
                 isJoined[ranks_[letters[first]]] = true;
-                isJoined[ranks_[second]] = true;
+                isJoined[ranks_[position]] = true;
             }
         }
     }

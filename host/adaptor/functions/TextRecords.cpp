@@ -1,6 +1,5 @@
 #include "host/adaptor/functions/ScalarRecord.h"
 
-#include "engine/functions/PatternMatch.h"
 #include <orvane/engine/functions/Text.h>
 
 namespace orvane::adaptor {
@@ -69,15 +68,15 @@ const FunctionRecord records[] = {
     pureFunction("Repeat", group, two, engine::repeat,
                  {"Repeat(count, text)", "The first character of a text, a number of times.",
                   "Repeat(3, 'xyz')", "xxx"}),
-    pureFunction("Like", patterns, two, engine::likePattern,
+    pureFunction("Like", patterns, two, engine::caseInsensitiveLike,
                  {"text Like pattern",
                   "1 when the text matches without regard to case: % is any run, _ one character.",
                   "'МОСКВА' Like 'мос%'", "1"}),
-    pureFunction("Like", patterns, Arity::exactly(3), engine::likePattern,
+    pureFunction("Like", patterns, Arity::exactly(3), engine::caseInsensitiveLikeEscape,
                  {"text Like pattern Escape character",
                   "The same; the escape makes the next character literal.", "'100%' Like '1__!%' Escape '!'",
                   "1"}),
-    pureFunction("Glob", patterns, two, engine::globPattern,
+    pureFunction("Glob", patterns, two, engine::caseInsensitiveGlob,
                  {"text Glob pattern",
                   "1 when the text matches without regard to case: * is any run, ? one character, [a-z] one "
                   "of a class.",

@@ -1,5 +1,7 @@
 #include "host/shell/messages/DisplayWidth.h"
 
+#include "platform/utils/Utf8.h"
+
 #include <QChar>
 
 #include <algorithm>
@@ -80,46 +82,24 @@ int characterWidth(char32_t character) {
     return isWide(character) ? 2 : 1;
 }
 
-int displayWidth(std::string_view utf8) {
+int displayWidth(std::string_view text) {
     WidthCounter counter;
     int width = 0;
-    for (std::size_t position = 0; position < utf8.size();)
-        width += counter.add(nextCharacter(utf8, position));
+    for (std::size_t position = 0; position < text.size();)
+        width += counter.add(utf8::nextCharacter(text, position));
     return width;
 }
 
-std::size_t prefixOfWidth(std::string_view utf8, int columns) {
+std::size_t prefixOfWidth(std::string_view text, int columns) {
     WidthCounter counter;
     int width = 0;
-    for (std::size_t position = 0; position < utf8.size();) {
+    for (std::size_t position = 0; position < text.size();) {
         const std::size_t start = position;
-        width += counter.add(nextCharacter(utf8, position));
+        width += counter.add(utf8::nextCharacter(text, position));
         if (width > columns)
             return start;
     }
-    return utf8.size();
-}
-
-char32_t nextCharacter(std::string_view utf8, std::size_t& position) {
-    constexpr char32_t replacement = 0xFFFD;
-    const auto lead = static_cast<unsigned char>(utf8[position++]);
-    if (lead < 0x80)
-        return lead;
-    const std::size_t following = lead >= 0xF0 && lead < 0xF8   ? 3
-                                  : lead >= 0xE0 && lead < 0xF0 ? 2
-                                  : lead >= 0xC2 && lead < 0xE0 ? 1
-                                                                : 0;
-    if (following == 0 || following > utf8.size() - position)
-        return replacement;
-    char32_t character = lead & (0x3Fu >> following);
-    for (std::size_t i = 0; i < following; ++i) {
-        const auto byte = static_cast<unsigned char>(utf8[position + i]);
-        if ((byte & 0xC0) != 0x80)
-            return replacement;
-        character = (character << 6) | (byte & 0x3Fu);
-    }
-    position += following;
-    return character;
+    return text.size();
 }
 
 } // namespace orvane::shell

@@ -16,8 +16,4 @@ int displayWidth(std::string_view utf8);
 /// The length in bytes of the longest beginning of a UTF-8 text that fits into so many columns.
 std::size_t prefixOfWidth(std::string_view utf8, int columns);
 
-/// The character at a position, which is moved behind it; U+FFFD, and one byte further, for what is no UTF-8.
-/// The position must be inside the text.
-char32_t nextCharacter(std::string_view utf8, std::size_t& position);
-
 } // namespace orvane::shell

@@ -3,6 +3,8 @@
 #include "host/shell/messages/DisplayWidth.h"
 #include "host/shell/messages/Shell.h"
 
+#include "platform/utils/Utf8.h"
+
 #include <algorithm>
 
 namespace orvane::shell {
@@ -28,7 +30,7 @@ std::string_view lineOf(std::string_view text, int number) {
 std::size_t offsetOfCharacter(std::string_view text, int character) {
     std::size_t offset = 0;
     while (character-- > 0 && offset < text.size())
-        nextCharacter(text, offset);
+        utf8::nextCharacter(text, offset);
     return offset;
 }
 

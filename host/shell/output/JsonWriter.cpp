@@ -1,12 +1,12 @@
 #include "host/shell/output/JsonWriter.h"
 
-#include "host/shell/messages/DisplayWidth.h"
 #include "host/shell/messages/Shell.h"
 #include "host/shell/output/NumberText.h"
 
 #include "platform/cs/CoordSystem.h"
 #include "platform/geometry/forms/TextFormats.h"
 #include "platform/geometry/shapes/Geometry.h"
+#include "platform/utils/Utf8.h"
 
 #include <cmath>
 #include <set>
@@ -55,21 +55,21 @@ void appendJsonValue(std::string& text, const ResultValue& value) {
 
 } // namespace
 
-void appendJsonText(std::string& text, std::string_view utf8) {
+void appendJsonText(std::string& text, std::string_view bytes) {
     constexpr std::string_view hex = "0123456789abcdef";
     text += '"';
-    std::size_t plain = 0; // start of what can be copied as it is
-    for (std::size_t position = 0; position < utf8.size();) {
-        const std::size_t start = position;
-        const auto byte = static_cast<unsigned char>(utf8[start]);
-        if (byte < 0x80) {
-            ++position;
-            if (byte >= 0x20 && byte != '"' && byte != '\\')
-                continue;
-        } else if (nextCharacter(utf8, position) != 0xFFFD || position != start + 1)
+    const auto* at = reinterpret_cast<const unsigned char*>(bytes.data());
+    const unsigned char* const end = at + bytes.size();
+    const unsigned char* plain = at; // start of what can be copied as it is
+    while (at != end) {
+        const unsigned char byte = *at;
+        const bool isEscaped = byte < 0x20 || byte == '"' || byte == '\\';
+        if (const int length = utf8::characterLength(at, end); length != 0 && !isEscaped) {
+            at += length;
             continue;
-        text += utf8.substr(plain, start - plain);
-        plain = position;
+        }
+        text.append(plain, at);
+        plain = ++at;
         switch (byte) {
         case '"': text += "\\\""; break;
         case '\\': text += "\\\\"; break;
@@ -86,7 +86,7 @@ void appendJsonText(std::string& text, std::string_view utf8) {
             text += hex[byte & 15];
         }
     }
-    text += utf8.substr(plain);
+    text.append(plain, end);
     text += '"';
 }
 

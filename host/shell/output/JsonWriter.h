@@ -54,6 +54,6 @@ private:
 };
 
 /// A JSON string with its quotes; bytes that are no UTF-8 become U+FFFD.
-void appendJsonText(std::string& text, std::string_view utf8);
+void appendJsonText(std::string& text, std::string_view bytes);
 
 } // namespace orvane::shell

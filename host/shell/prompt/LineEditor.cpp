@@ -4,6 +4,8 @@
 #include "host/shell/output/Output.h"
 #include "host/shell/session/Interrupt.h"
 
+#include "platform/utils/Utf8.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cwchar>
@@ -27,20 +29,13 @@ std::string commonStart(const std::vector<std::string>& candidates) {
         start.erase(difference.first, start.end());
     }
     // Not in the middle of a character.
-    std::size_t whole = 0;
-    for (std::size_t position = 0; position < start.size();) {
-        const std::size_t before = position;
-        if (nextCharacter(start, position) == 0xFFFD && position == before + 1)
-            break;
-        whole = position;
-    }
-    return start.substr(0, whole);
+    return start.substr(0, utf8::findIllFormed(start));
 }
 
 int charactersIn(const std::string& text) {
     int count = 0;
     for (std::size_t position = 0; position < text.size(); ++count)
-        nextCharacter(text, position);
+        utf8::nextCharacter(text, position);
     return count;
 }
 

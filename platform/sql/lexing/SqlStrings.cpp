@@ -1,5 +1,7 @@
 #include "platform/sql/lexing/SqlStrings.h"
 
+#include "platform/utils/Utf8.h"
+
 #include <QChar>
 
 #include <algorithm>
@@ -31,35 +33,6 @@ bool isWordSymbolBeyondAscii(wchar_t symbol) {
     }
 }
 
-/// How many bytes follow the first byte of a character; -1 when it begins none.
-constexpr int continuationCount(unsigned char first) {
-    if (first < 0x80) {
-        return 0;
-    }
-    if (first >= 0xC2 && first <= 0xDF) {
-        return 1;
-    }
-    if (first >= 0xE0 && first <= 0xEF) {
-        return 2;
-    }
-    return first >= 0xF0 && first <= 0xF4 ? 3 : -1;
-}
-
-void appendSymbol(std::string& utf8, char32_t symbol) {
-    const auto continuation = [symbol](int shift) {
-        return static_cast<char>(0x80 | (symbol >> shift & 0x3F));
-    };
-    if (symbol < 0x80) {
-        utf8 += static_cast<char>(symbol);
-    } else if (symbol < 0x800) {
-        utf8 += {static_cast<char>(0xC0 | symbol >> 6), continuation(0)};
-    } else if (symbol < 0x10000) {
-        utf8 += {static_cast<char>(0xE0 | symbol >> 12), continuation(6), continuation(0)};
-    } else {
-        utf8 += {static_cast<char>(0xF0 | symbol >> 18), continuation(12), continuation(6), continuation(0)};
-    }
-}
-
 } // namespace
 
 std::wstring toSqlString(const QString& text) {
@@ -71,20 +44,17 @@ QString fromSqlString(const std::wstring& text) {
 }
 
 std::string toUtf8(std::wstring_view text) {
-    std::string utf8;
-    utf8.reserve(text.size());
+    std::string bytes;
+    bytes.reserve(text.size());
     for (std::size_t i = 0; i < text.size(); ++i) {
         auto symbol = static_cast<char32_t>(text[i]);
         if (sizeof(wchar_t) == 2 && QChar::isHighSurrogate(symbol) && i + 1 < text.size() &&
             QChar::isLowSurrogate(static_cast<char32_t>(text[i + 1]))) {
             symbol = QChar::surrogateToUcs4(static_cast<ushort>(symbol), static_cast<ushort>(text[++i]));
         }
-        if (symbol > 0x10FFFF || QChar::isSurrogate(symbol)) {
-            symbol = QChar::ReplacementCharacter;
-        }
-        appendSymbol(utf8, symbol);
+        utf8::append(bytes, symbol);
     }
-    return utf8;
+    return bytes;
 }
 
 std::wstring toLowercase(const std::wstring& text) {
@@ -101,25 +71,11 @@ std::wstring toLowercase(const std::wstring& text) {
 
 std::size_t appendUtf8(std::wstring& wide, std::string_view text) {
     wide.reserve(wide.size() + text.size());
-    std::size_t pos = 0;
-    while (pos < text.size()) {
-        const auto first = static_cast<unsigned char>(text[pos]);
-        const int count = continuationCount(first);
-        if (count < 0 || static_cast<std::size_t>(count) >= text.size() - pos) {
-            break;
-        }
-        char32_t symbol = count == 0 ? first : first & (0x3Fu >> count);
-        bool valid = true;
-        for (int i = 1; i <= count; ++i) {
-            const auto next = static_cast<unsigned char>(text[pos + static_cast<std::size_t>(i)]);
-            valid = valid && (next & 0xC0) == 0x80;
-            symbol = symbol << 6 | (next & 0x3Fu);
-        }
-        constexpr char32_t shortest[] = {0, 0x80, 0x800, 0x10000};
-        if (!valid || symbol < shortest[count] || symbol > 0x10FFFF ||
-            (symbol >= 0xD800 && symbol <= 0xDFFF)) {
-            break;
-        }
+    const auto* const begin = reinterpret_cast<const unsigned char*>(text.data());
+    const unsigned char* const end = begin + text.size();
+    const unsigned char* at = begin;
+    while (at != end && utf8::characterLength(at, end) != 0) {
+        char32_t symbol = utf8::readCharacter(at, end);
         if constexpr (sizeof(wchar_t) == 2) {
             if (symbol > 0xFFFF) {
                 wide.push_back(static_cast<wchar_t>(QChar::highSurrogate(symbol)));
@@ -127,9 +83,8 @@ std::size_t appendUtf8(std::wstring& wide, std::string_view text) {
             }
         }
         wide.push_back(static_cast<wchar_t>(symbol));
-        pos += 1 + static_cast<std::size_t>(count);
     }
-    return pos;
+    return static_cast<std::size_t>(at - begin);
 }
 
 bool isNameStart(wchar_t symbol) {

@@ -1,5 +1,7 @@
 #include "SqlFunctions.h"
 
+#include "platform/utils/Utf8.h"
+
 #include <QLocale>
 #include <QRegularExpression>
 
@@ -29,8 +31,8 @@ QString textOf(sqlite3_stmt* statement) {
         return QLatin1String("real ") + number + QLatin1String(whole ? ".0" : "");
     }
     case SQLITE_TEXT: {
-        const int units = sqlite3_column_bytes16(statement, 0) / 2;
-        const QString text(static_cast<const QChar*>(sqlite3_column_text16(statement, 0)), units);
+        const QString text = utf8::decode({reinterpret_cast<const char*>(sqlite3_column_text(statement, 0)),
+                                           static_cast<std::size_t>(sqlite3_column_bytes(statement, 0))});
         return text.isEmpty() ? QStringLiteral("text") : QLatin1String("text ") + text;
     }
     case SQLITE_BLOB: {

@@ -1,10 +1,10 @@
 #include "IndexFixture.h"
 
 #include "support/DefaultLocale.h"
+#include "support/PatternExpression.h"
 #include "support/RandomText.h"
 
 #include "engine/indices/PatternRange.h"
-#include "platform/utils/Patterns.h"
 #include <orvane/engine/Collator.h>
 
 #include <QRegularExpression>
@@ -100,10 +100,9 @@ struct Sample {
 
 private:
     void findMatches(Pattern& pattern) const {
-        const QRegularExpression expression(pattern.operation == EngineIndices::Like
-                                                ? utils::likeToRegular(pattern.text, QChar(0))
-                                                : utils::globToRegular(pattern.text),
-                                            QRegularExpression::CaseInsensitiveOption);
+        const QRegularExpression expression = pattern.operation == EngineIndices::Like
+                                                  ? tests::PatternExpression::like(pattern.text, 0)
+                                                  : tests::PatternExpression::glob(pattern.text);
         for (std::size_t row = 0; row < texts.size(); ++row) {
             if (expression.match(texts[row]).hasMatch()) {
                 pattern.matches.push_back(static_cast<qint64>(row));

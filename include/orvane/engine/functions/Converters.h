@@ -28,9 +28,9 @@ ORVANE_ENGINE_EXPORT QString toString(const QDate& date);
 ORVANE_ENGINE_EXPORT QString toString(const QTime& time);
 /// Wall clock as the object holds it, without a time zone.
 ORVANE_ENGINE_EXPORT QString toString(const QDateTime& dateTime);
-/// The text in UTF-16; null for NULL.
+/// The text in UTF-16 up to its first zero, each byte that is no UTF-8 as U+FFFD; null for NULL.
 ORVANE_ENGINE_EXPORT QString toQString(sqlite3_value* value);
-/// The same, decoded from UTF-8.
+/// The same.
 ORVANE_ENGINE_EXPORT QString toQStringUTF8(sqlite3_value* value);
 
 /// A number, or the number that a text begins with after white space: decimal, hexadecimal, infinity or

@@ -47,9 +47,9 @@ ORVANE_ENGINE_EXPORT void space(sqlite3_context* context, int count, sqlite3_val
 ORVANE_ENGINE_EXPORT void repeat(sqlite3_context* context, int count, sqlite3_value** values);
 
 /// `glob(pattern, text)`, `like(pattern, text)`, `like(pattern, text, escape)`: 1 when the whole text matches
-/// without regard to case (utils::globToRegular, utils::likeToRegular), else 0. They stand in for SQLite's
-/// functions of these names. The escape is the first code unit; NULL or an empty text means none. The pattern
-/// is compiled on each call.
+/// without regard to case, else 0. They stand in for SQLite's functions of these names. The escape makes the
+/// next character literal; of a longer text the first character counts, NULL and an empty text mean none. A
+/// pattern that is constant in a statement is read once per statement.
 ORVANE_ENGINE_EXPORT void caseInsensitiveGlob(sqlite3_context* context, int count, sqlite3_value** values);
 ORVANE_ENGINE_EXPORT void caseInsensitiveLike(sqlite3_context* context, int count, sqlite3_value** values);
 ORVANE_ENGINE_EXPORT void caseInsensitiveLikeEscape(sqlite3_context* context, int count,
