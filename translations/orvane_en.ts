@@ -399,10 +399,6 @@
         <translation>Cannot delete a feature of &quot;%1&quot;</translation>
     </message>
     <message>
-        <source>Файл «%1» не в UTF-8 или с одним столбцом, его можно только читать</source>
-        <translation>The file &quot;%1&quot; is not in UTF-8 or has a single column, it can only be read</translation>
-    </message>
-    <message>
         <source>Слой «%1» изменил своё строение, откройте файл заново</source>
         <translation>The layer &quot;%1&quot; has changed its columns; open the file again</translation>
     </message>
@@ -424,7 +420,7 @@
     </message>
 </context>
 <context>
-    <name>orvane::files::LayerReader</name>
+    <name>orvane::files::LayerSource</name>
     <message>
         <source>Слой «%1» изменил своё строение, откройте файл заново</source>
         <translation>The layer &quot;%1&quot; has changed its columns; open the file again</translation>
@@ -516,22 +512,80 @@
     </message>
 </context>
 <context>
-    <name>orvane::files::TextStandIn</name>
+    <name>orvane::files::RecordReader</name>
     <message>
         <source>Неизвестная кодировка «%1»</source>
         <translation>Unknown character set &quot;%1&quot;</translation>
     </message>
     <message>
-        <source>Не удалось прочитать «%1»: %2</source>
-        <translation>Cannot read &quot;%1&quot;: %2</translation>
+        <source>Не удалось открыть «%1»: %2</source>
+        <translation>Cannot open &quot;%1&quot;: %2</translation>
+    </message>
+    <message>
+        <source>кавычка в строке %1 не закрыта</source>
+        <translation>a quotation mark in line %1 is not closed</translation>
+    </message>
+    <message>
+        <source>запись в строке %1 длиннее %2 байт</source>
+        <translation>the record in line %1 is longer than %2 bytes</translation>
+    </message>
+    <message>
+        <source>ошибка чтения данных</source>
+        <translation>the data cannot be read</translation>
+    </message>
+    <message>
+        <source>текст не в UTF-8: укажите кодировку, например «%1|encoding=windows-1251»</source>
+        <translation>the text is not UTF-8: name its character set, for example &quot;%1|encoding=windows-1251&quot;</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::files::TextEditor</name>
+    <message>
+        <source>Архив «%1» можно только читать</source>
+        <translation>The archive &quot;%1&quot; can only be read</translation>
+    </message>
+    <message>
+        <source>Файл «%1» не в UTF-8, его можно только читать</source>
+        <translation>The file &quot;%1&quot; is not in UTF-8, it can only be read</translation>
+    </message>
+    <message>
+        <source>Файл «%1» можно только читать</source>
+        <translation>The file &quot;%1&quot; can only be read</translation>
+    </message>
+    <message>
+        <source>Правка «%1» уже начата</source>
+        <translation>An edit of &quot;%1&quot; has begun already</translation>
     </message>
     <message>
         <source>Не удалось записать «%1»: %2</source>
         <translation>Cannot write &quot;%1&quot;: %2</translation>
     </message>
     <message>
-        <source>Текст в «%1» не в UTF-8: укажите кодировку, например «%1|encoding=windows-1251»</source>
-        <translation>The text of &quot;%1&quot; is not UTF-8: name its character set, for example &quot;%1|encoding=windows-1251&quot;</translation>
+        <source>В «%1» нет записи %2</source>
+        <translation>&quot;%1&quot; has no record %2</translation>
+    </message>
+    <message>
+        <source>Файл «%1» изменён другой программой, правка не записана</source>
+        <translation>The file &quot;%1&quot; was changed by another program, the edit is not written</translation>
+    </message>
+    <message>
+        <source>В «%1» нет имён столбцов: без числа в первой строке она была бы принята за них</source>
+        <translation>&quot;%1&quot; has no names of columns: without a number in the first line it would be taken for them</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::files::TextTable</name>
+    <message>
+        <source>Не удалось открыть «%1»: файл пуст</source>
+        <translation>Cannot open &quot;%1&quot;: the file is empty</translation>
+    </message>
+    <message>
+        <source>в нём нет таблиц</source>
+        <translation>it has no tables</translation>
+    </message>
+    <message>
+        <source>таблица изменила своё строение, откройте файл заново</source>
+        <translation>the table has changed its columns; open the file again</translation>
     </message>
 </context>
 <context>

@@ -5,13 +5,12 @@
 #include "host/providers/datasets/GdalErrors.h"
 #include "host/providers/datasets/GdalHandles.h"
 #include "host/providers/datasets/LayerSchema.h"
-#include "host/providers/text/CsvRules.h"
-#include "platform/cs/CoordSystem.h"
+#include "host/providers/text/TextEditor.h"
+#include "host/providers/text/TextSource.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
 
-#include <limits>
 #include <stdexcept>
 #include <string_view>
 
@@ -52,87 +51,71 @@ QString tableName(const QString& layerName, const QString& path) {
                                                                    : layerName);
 }
 
-/// A file and what is known of its layers before they are described.
-struct OpenedFile {
-    std::shared_ptr<DatasetPool> pool;
-    FieldReadings readings;
-    std::shared_ptr<cs::CoordSystem> assumedCoordSystem;
-    int mostFields = std::numeric_limits<int>::max(); ///< that the table shows
+/// The tables that are wanted, and the names of all layers.
+struct Opened {
+    std::vector<std::shared_ptr<LayerTable>> tables;
+    QStringList layers;
+
+    /// Notes a layer; whether it is wanted.
+    bool add(const QString& layer, const SourceName& source) {
+        layers.append(layer);
+        return source.layer.isEmpty() || layer.compare(source.layer, Qt::CaseInsensitive) == 0;
+    }
 };
 
-/// Whether somebody has said what the types are, which counts then.
-bool hasTypesBeside(const QString& path) {
-    const QString types = path.left(path.lastIndexOf(QLatin1Char('.'))) + QStringLiteral(".csvt");
-    VSIStatBufL found;
-    return VSIStatL(types.toUtf8().constData(), &found) == 0;
+void openTextTable(const QString& path, const SourceName& source, Opened& opened) {
+    const QString name = QFileInfo(path).completeBaseName();
+    if (!opened.add(name, source))
+        return;
+    const auto table = std::make_shared<TextTable>(path.toUtf8(), source.encoding.toUtf8());
+    opened.tables.push_back(std::make_shared<LayerTable>(
+        tableName(name, path), std::make_shared<TextSource>(table), std::make_unique<TextEditor>(table)));
 }
 
-OpenedFile openTextTable(const QString& path, const QString& encoding, const QList<QByteArray>& options) {
-    DatasetPool::Source source{path.toUtf8(), {"CSV"}, options, nullptr};
-    TextStandIn::Changes changes;
-    changes.encoding = encodingOfTextFile(path, encoding);
-    changes.addedSeparator = separatorForOneColumn(path, changes.encoding);
-    if (changes.ofText())
-        source.copy = std::make_shared<TextStandIn>(path, changes);
-
-    const auto plain = std::make_shared<DatasetPool>(source)->acquire();
-    const OGRLayerH plainLayer = GDALDatasetGetLayer(plain.dataset(), 0);
-    OpenedFile file;
-    if (!plainLayer) {
-        file.pool = std::make_shared<DatasetPool>(std::move(source));
-        return file;
-    }
-    const auto rules = csvRulesOf(plainLayer);
-    source.openOptions = rules.openOptions + options;
-    if (rules.isGeographic)
-        file.assumedCoordSystem = cs::CoordSysFactory::defaultCoordSysFactory()->createFromEpsg(4326);
-    file.pool = std::make_shared<DatasetPool>(source);
-    auto typed = file.pool->acquire();
-    if (!hasTypesBeside(path) && mayHoldCodes(source.copy ? QString::fromUtf8(source.copy->path()) : path)) {
-        changes.types = typesKeepingCodes(plainLayer, GDALDatasetGetLayer(typed.dataset(), 0));
-        if (!changes.types.isEmpty()) {
-            source.copy = std::make_shared<TextStandIn>(path, changes);
-            file.pool = std::make_shared<DatasetPool>(std::move(source));
-            typed = file.pool->acquire();
-        }
-    }
+void openLayers(const SourceName& source, Opened& opened) {
+    QList<QByteArray> options;
+    if (!source.encoding.isEmpty())
+        options.append("ENCODING=" + source.encoding.toUtf8());
+    const auto pool = std::make_shared<DatasetPool>(
+        DatasetPool::Source{pathForGdal(source.path).toUtf8(), {}, std::move(options)});
+    const auto lease = pool->acquire();
     const GdalErrorScope errors;
-    file.readings = numbersWithGaps(GDALDatasetGetLayer(typed.dataset(), 0));
-    if (changes.addedSeparator != 0)
-        file.mostFields = 1;
-    return file;
+    for (int i = 0; i < GDALDatasetGetLayerCount(lease.dataset()); ++i) {
+        const OGRLayerH layer = GDALDatasetGetLayer(lease.dataset(), i);
+        const QByteArray name(layer ? OGR_L_GetName(layer) : "");
+        if (layer && opened.add(QString::fromUtf8(name), source))
+            opened.tables.push_back(LayerTable::ofLayer(tableName(opened.layers.last(), source.path), pool, i,
+                                                        name, describeLayer(layer)));
+    }
 }
 
-OpenedFile openOther(const QString& path, const QString& encoding, QList<QByteArray> options) {
-    if (!encoding.isEmpty())
-        options.append("ENCODING=" + encoding.toUtf8());
-    DatasetPool::Source source{pathForGdal(path).toUtf8(), {}, std::move(options), nullptr};
-    return {std::make_shared<DatasetPool>(std::move(source)), {}, nullptr};
-}
-
-/// Whether GDAL finds something else in a file than tables of text.
-bool holdsMoreThanText(const OpenedFile& file) {
+/// Whether GDAL finds something else in an archive than tables of text.
+bool holdsMoreThanText(const QString& archive) {
     try {
-        const auto lease = file.pool->acquire();
+        const auto lease =
+            std::make_shared<DatasetPool>(DatasetPool::Source{pathForGdal(archive).toUtf8(), {}, {}})
+                ->acquire();
         return std::string_view(GDALGetDriverShortName(GDALGetDatasetDriver(lease.dataset()))) != "CSV";
     } catch (const std::runtime_error&) {
         return false;
     }
 }
 
-/// A file, or the text tables in an archive, each of which has rules of its own.
-std::vector<OpenedFile> openAll(const QString& path, const QString& encoding,
-                                const QList<QByteArray>& options) {
-    if (isTextTableName(path) && QFileInfo(path).isFile())
-        return {openTextTable(path, encoding, options)};
-    std::vector<OpenedFile> files{openOther(path, encoding, options)};
-    const auto texts = textTablesIn(path);
-    if (texts.isEmpty() || holdsMoreThanText(files.front()))
-        return files;
-    files.clear();
+/// The layers of a file, or the text tables in an archive.
+Opened openAll(const SourceName& source) {
+    Opened opened;
+    if (isTextTableName(source.path) && !QFileInfo(source.path).isDir()) {
+        openTextTable(source.path, source, opened);
+        return opened;
+    }
+    const auto texts = textTablesIn(source.path);
+    if (texts.isEmpty() || holdsMoreThanText(source.path)) {
+        openLayers(source, opened);
+        return opened;
+    }
     for (const auto& text : texts)
-        files.push_back(openTextTable(text, encoding, options));
-    return files;
+        openTextTable(text, source, opened);
+    return opened;
 }
 
 [[noreturn]] void raiseNoSuchLayer(const SourceName& source, const QStringList& layers) {
@@ -145,33 +128,15 @@ std::vector<OpenedFile> openAll(const QString& path, const QString& encoding,
 
 std::vector<std::shared_ptr<LayerTable>> openFile(const QString& source, const OpenOptions& options) {
     registerDrivers();
-    const auto name = splitSource(source);
-    const auto& encoding = options.encoding.isEmpty() ? name.encoding : options.encoding;
-    QList<QByteArray> driverOptions;
-    for (const auto& option : options.driverOptions)
-        driverOptions.append(option.toUtf8());
-    std::vector<std::shared_ptr<LayerTable>> tables;
-    QStringList layers;
-    for (const auto& file : openAll(name.path, encoding, driverOptions)) {
-        const auto lease = file.pool->acquire();
-        const GdalErrorScope errors;
-        for (int i = 0; i < GDALDatasetGetLayerCount(lease.dataset()); ++i) {
-            const OGRLayerH layer = GDALDatasetGetLayer(lease.dataset(), i);
-            if (!layer)
-                continue;
-            const QByteArray layerName(OGR_L_GetName(layer));
-            layers.append(QString::fromUtf8(layerName));
-            if (name.layer.isEmpty() || layers.last().compare(name.layer, Qt::CaseInsensitive) == 0)
-                tables.push_back(std::make_shared<LayerTable>(
-                    tableName(layers.last(), name.path), file.pool, i, layerName,
-                    describeLayer(layer, file.readings, file.assumedCoordSystem, file.mostFields)));
-        }
-    }
-    if (layers.isEmpty())
+    auto name = splitSource(source);
+    if (!options.encoding.isEmpty())
+        name.encoding = options.encoding;
+    Opened opened = openAll(name);
+    if (opened.layers.isEmpty())
         throw std::runtime_error(Texts::tr("В «%1» нет таблиц").arg(name.path).toStdString());
-    if (tables.empty())
-        raiseNoSuchLayer(name, layers);
-    return tables;
+    if (opened.tables.empty())
+        raiseNoSuchLayer(name, opened.layers);
+    return opened.tables;
 }
 
 void addToCatalog(dp::DataCatalog& catalog, const std::vector<std::shared_ptr<LayerTable>>& tables) {

@@ -11,11 +11,9 @@
 namespace orvane::files {
 
 struct OpenOptions {
-    /// Character set of the texts, e.g. "windows-1251"; empty to find out. CSV files without a byte order
+    /// Character set of the texts, e.g. "windows-1251"; empty to find out. Text tables without a byte order
     /// mark have to be UTF-8 unless it is given; other formats say it themselves.
     QString encoding;
-    /// Open options of the GDAL driver, "NAME=VALUE".
-    QStringList driverOptions;
 };
 
 /// Opens the layers of a file, in their order in the file. `source` is a path, or a path and the name of the

@@ -1,22 +1,30 @@
 #include "host/providers/LayerTable.h"
 
 #include "host/providers/reading/LayerReader.h"
+#include "host/providers/reading/LayerSource.h"
 #include "host/providers/writing/LayerEditor.h"
 
 #include <numeric>
 
 namespace orvane::files {
 
-LayerTable::LayerTable(QString name, std::shared_ptr<DatasetPool> pool, int layerIndex, QByteArray layerName,
-                       LayerSchema schema)
-    : Table(std::move(name)),
-      reader_(std::make_unique<LayerReader>(pool, layerIndex, layerName, std::move(schema))),
-      editor_(std::make_unique<LayerEditor>(pool, layerIndex, layerName, reader_->schema())) {}
+LayerTable::LayerTable(QString name, std::shared_ptr<RowSource> source, std::unique_ptr<TableEditor> editor)
+    : Table(std::move(name)), reader_(std::make_unique<LayerReader>(std::move(source))),
+      editor_(std::move(editor)) {}
+
+std::shared_ptr<LayerTable> LayerTable::ofLayer(QString name, const std::shared_ptr<DatasetPool>& pool,
+                                                int layerIndex, const QByteArray& layerName,
+                                                LayerSchema schema) {
+    const auto shared = std::make_shared<const LayerSchema>(std::move(schema));
+    return std::make_shared<LayerTable>(std::move(name),
+                                        std::make_shared<LayerSource>(pool, layerIndex, layerName, shared),
+                                        std::make_unique<LayerEditor>(pool, layerIndex, layerName, shared));
+}
 
 LayerTable::~LayerTable() = default;
 
 std::shared_ptr<const dp::TableSchema> LayerTable::schema() const {
-    return reader_->schema()->schema;
+    return reader_->source().schema();
 }
 
 std::unique_ptr<dp::Cursor> LayerTable::openCursor(const dp::ScanRequest& request) {

@@ -9,11 +9,12 @@
 namespace orvane::files {
 
 class DatasetPool;
-class LayerEditor;
 class LayerReader;
+class RowSource;
+class TableEditor;
 struct LayerSchema;
 
-/// A layer of a file as a table. Identifiers are the layer's 64-bit feature identifiers.
+/// A layer of a file, or a text table. Identifiers are the layer's 64-bit feature identifiers.
 ///
 /// Any number of cursors may be open at once, each in a thread of its own; they see the file as it was when
 /// they were opened or later. What another program writes to the file is seen by cursors opened a tenth of a
@@ -21,9 +22,11 @@ struct LayerSchema;
 class ORVANE_FILES_EXPORT LayerTable final : public dp::Table {
     Q_OBJECT
 public:
+    LayerTable(QString name, std::shared_ptr<RowSource> source, std::unique_ptr<TableEditor> editor);
     /// A layer by its position in the file. Use openFile().
-    LayerTable(QString name, std::shared_ptr<DatasetPool> pool, int layerIndex, QByteArray layerName,
-               LayerSchema schema);
+    static std::shared_ptr<LayerTable> ofLayer(QString name, const std::shared_ptr<DatasetPool>& pool,
+                                               int layerIndex, const QByteArray& layerName,
+                                               LayerSchema schema);
     ~LayerTable() override;
 
     std::shared_ptr<const dp::TableSchema> schema() const override;
@@ -55,7 +58,7 @@ private:
     std::invoke_result_t<Edit> edit(Edit edit);
 
     std::unique_ptr<LayerReader> reader_;
-    std::unique_ptr<LayerEditor> editor_;
+    std::unique_ptr<TableEditor> editor_;
     bool isInGroup_ = false;
 };
 

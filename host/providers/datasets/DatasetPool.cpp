@@ -64,20 +64,13 @@ void DatasetPool::discardHandles() {
     const std::lock_guard lock(mutex_);
     ++generation_;
     discarded.swap(idle_);
-    if (source_.copy)
-        source_.copy->update();
 }
 
 DatasetHandle DatasetPool::open(unsigned flags) const {
     const auto drivers = nullTerminated(source_.drivers);
-    const bool isForUpdate = (flags & GDAL_OF_UPDATE) != 0;
-    auto openOptions = source_.openOptions;
-    if (isForUpdate) // the values that are not edited are to be written as they were, "1.50" and "007"
-        openOptions.removeAll("AUTODETECT_TYPE=YES");
-    const auto options = nullTerminated(openOptions);
+    const auto options = nullTerminated(source_.openOptions);
     const GdalErrorScope errors;
-    const auto path = source_.copy && !isForUpdate ? source_.copy->path() : source_.path;
-    DatasetHandle dataset(GDALOpenEx(path.constData(), GDAL_OF_VECTOR | GDAL_OF_VERBOSE_ERROR | flags,
+    DatasetHandle dataset(GDALOpenEx(source_.path.constData(), GDAL_OF_VECTOR | GDAL_OF_VERBOSE_ERROR | flags,
                                      source_.drivers.isEmpty() ? nullptr : drivers.data(), options.data(),
                                      nullptr));
     if (!dataset)

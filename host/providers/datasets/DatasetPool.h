@@ -2,7 +2,6 @@
 
 #include "host/providers/datasets/GdalHandles.h"
 #include "host/providers/datasets/ResultDirectory.h"
-#include "host/providers/text/TextFile.h"
 
 #include <QByteArray>
 #include <QCoreApplication>
@@ -24,7 +23,6 @@ public:
         QByteArray path;
         QList<QByteArray> drivers; ///< the only drivers to try, all when empty
         QList<QByteArray> openOptions;
-        std::shared_ptr<TextStandIn> copy; ///< opened for reading instead of the file unless null
         /// Goes when nobody reads the file any more; null for a file of the user's.
         std::shared_ptr<ResultDirectory> temporaryDirectory = nullptr;
     };

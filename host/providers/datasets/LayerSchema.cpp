@@ -42,12 +42,8 @@ struct FieldType {
     bool isArrowExact;
 };
 
-FieldType fieldType(OGRFieldDefnH field, int position, const FieldReadings& readings) {
+FieldType fieldType(OGRFieldDefnH field) {
     using Reading = LayerColumn::Reading;
-    if (const auto other = readings.find(position); other != readings.end()) {
-        const bool isInteger = other->second == Reading::IntegerText;
-        return {isInteger ? QMetaType::LongLong : QMetaType::Double, other->second, ColumnKind::Text, false};
-    }
     const OGRFieldSubType subType = OGR_Fld_GetSubType(field);
     switch (OGR_Fld_GetType(field)) {
     case OFTInteger:
@@ -72,6 +68,8 @@ FieldType fieldType(OGRFieldDefnH field, int position, const FieldReadings& read
     }
 }
 
+} // namespace
+
 std::shared_ptr<cs::CoordSystem> coordSystemOf(OGRSpatialReferenceH reference) {
     if (!reference)
         return nullptr;
@@ -91,8 +89,6 @@ std::shared_ptr<cs::CoordSystem> coordSystemOf(OGRSpatialReferenceH reference) {
     const CplString wkt(text);
     return exported && wkt ? factory->createFromWkt(QString::fromUtf8(wkt.get())) : nullptr;
 }
-
-} // namespace
 
 std::size_t bytesThatFit(std::string_view text, int mostBytes) {
     auto size = static_cast<std::size_t>(mostBytes);
@@ -129,8 +125,7 @@ QStringList distinctNames(const QStringList& names, int mostBytes) {
     return distinct;
 }
 
-LayerSchema describeLayer(OGRLayerH layer, const FieldReadings& readings,
-                          const std::shared_ptr<cs::CoordSystem>& assumedCoordSystem, int mostFields) {
+LayerSchema describeLayer(OGRLayerH layer) {
     const OGRFeatureDefnH definition = OGR_L_GetLayerDefn(layer);
     QStringList names;
     LayerSchema result;
@@ -144,9 +139,9 @@ LayerSchema describeLayer(OGRLayerH layer, const FieldReadings& readings,
     if (fidName && *fidName)
         add({LayerColumn::Source::FeatureId, LayerColumn::Reading::Integer, -1, ColumnKind::Int64, true, {}},
             fidName);
-    for (int i = 0; i < std::min(OGR_FD_GetFieldCount(definition), mostFields); ++i) {
+    for (int i = 0; i < OGR_FD_GetFieldCount(definition); ++i) {
         const OGRFieldDefnH field = OGR_FD_GetFieldDefn(definition, i);
-        const auto type = fieldType(field, i, readings);
+        const auto type = fieldType(field);
         add({LayerColumn::Source::Field, type.reading, i, type.arrowKind, type.isArrowExact, {}},
             OGR_Fld_GetNameRef(field));
     }
@@ -167,7 +162,7 @@ LayerSchema describeLayer(OGRLayerH layer, const FieldReadings& readings,
     }
 
     const auto distinct = distinctNames(names);
-    const OGRSpatialReferenceH reference = OGR_L_GetSpatialRef(layer);
+    const auto coordSystem = coordSystemOf(OGR_L_GetSpatialRef(layer));
     QVector<dp::AttributeDefinitionPointer> attributes;
     for (int i = 0; i < distinct.size(); ++i) {
         const auto& column = result.columns[static_cast<std::size_t>(i)];
@@ -178,13 +173,11 @@ LayerSchema describeLayer(OGRLayerH layer, const FieldReadings& readings,
                                                           {.unique = true, .notNull = true});
             break;
         case LayerColumn::Source::Geometry:
-            attribute = new dp::GeometryAttributeDefinition(distinct[i], reference ? coordSystemOf(reference)
-                                                                                   : assumedCoordSystem);
+            attribute = new dp::GeometryAttributeDefinition(distinct[i], coordSystem);
             break;
         case LayerColumn::Source::Field: {
             const OGRFieldDefnH field = OGR_FD_GetFieldDefn(definition, column.field);
-            attribute = new dp::SimpleAttributeDefinition(distinct[i],
-                                                          fieldType(field, column.field, readings).metaType,
+            attribute = new dp::SimpleAttributeDefinition(distinct[i], fieldType(field).metaType,
                                                           {.length = OGR_Fld_GetWidth(field),
                                                            .precision = OGR_Fld_GetPrecision(field),
                                                            .unique = OGR_Fld_IsUnique(field) != 0,

@@ -7,8 +7,6 @@
 
 #include <QStringList>
 
-#include <limits>
-#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -20,19 +18,7 @@ namespace orvane::files {
 struct LayerColumn {
     enum class Source : std::uint8_t { FeatureId, Field, Geometry };
     /// How a single OGR feature's value becomes a value of a batch.
-    enum class Reading : std::uint8_t {
-        Integer,
-        Real,
-        IntegerText, ///< an integer in a text field, NULL for a text that is none
-        RealText,    ///< likewise a real number
-        Text,
-        Date,
-        Time,
-        DateTime,
-        Bytes,
-        List,
-        Geometry
-    };
+    enum class Reading : std::uint8_t { Integer, Real, Text, Date, Time, DateTime, Bytes, List, Geometry };
 
     Source source = Source::Field;
     Reading reading = Reading::Text;
@@ -44,9 +30,6 @@ struct LayerColumn {
     bool isArrowExact = true;
     std::string name; ///< the layer's own name of the field or geometry column, UTF-8
 };
-
-/// Text fields that are read as something else, by their position in the layer.
-using FieldReadings = std::map<int, LayerColumn::Reading>;
 
 /// The attributes of a layer as the table shows them.
 struct LayerSchema {
@@ -60,12 +43,10 @@ struct LayerSchema {
 /// Field types: integers of 16 and 32 bits are Int, of 64 bits LongLong, real numbers Double or Float, and
 /// Bool, QString, QDate, QTime, QDateTime and QByteArray. Lists come as texts holding a JSON array, JSON as
 /// text. Date-times are given as the file writes them: an offset from UTC is not kept.
-///
-/// `assumedCoordSystem` is the one of a layer that names none; may be null. Fields behind the first
-/// `mostFields` are left out.
-LayerSchema describeLayer(OGRLayerH layer, const FieldReadings& readings = {},
-                          const std::shared_ptr<cs::CoordSystem>& assumedCoordSystem = nullptr,
-                          int mostFields = std::numeric_limits<int>::max());
+LayerSchema describeLayer(OGRLayerH layer);
+
+/// Null for a null reference, and for one that PROJ does not understand.
+std::shared_ptr<cs::CoordSystem> coordSystemOf(OGRSpatialReferenceH reference);
 
 /// Names that SQL can tell apart: surrounding blanks and control characters are removed, an empty name
 /// becomes "field" and its position from 1, and a name that was there before (letter case ignored) gets the

@@ -12,7 +12,7 @@ bool CountingCursor::next() {
 
 dp::FeatureId CountingCursor::featureId() {
     if (!reader_) {
-        reader_ = startScan(std::move(scan_));
+        reader_ = source_->scan({});
     }
     while (row_ >= firstOfBatch_ + batch_.rows) {
         firstOfBatch_ += batch_.rows;

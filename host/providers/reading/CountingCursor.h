@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/providers/reading/LayerScan.h"
+#include "host/providers/reading/RowSource.h"
 #include "platform/dp/Cursor.h"
 
 #include <memory>
@@ -11,8 +11,8 @@ namespace orvane::files {
 /// identifier all the same gets it from a scan that is started then.
 class CountingCursor final : public dp::Cursor {
 public:
-    /// `scan` reads no column.
-    CountingCursor(std::int64_t rows, LayerScan scan) : rows_(rows), scan_(std::move(scan)) {}
+    CountingCursor(std::int64_t rows, std::shared_ptr<RowSource> source)
+        : rows_(rows), source_(std::move(source)) {}
 
     bool next() override;
     dp::Cell cell(int) override { return {}; }
@@ -21,7 +21,7 @@ public:
 private:
     std::int64_t rows_;
     std::int64_t row_ = -1;
-    LayerScan scan_;
+    std::shared_ptr<RowSource> source_;
     std::unique_ptr<BatchReader> reader_; ///< null until an identifier is asked for
     ColumnBatch batch_;
     std::int64_t firstOfBatch_ = 0;

@@ -2,7 +2,6 @@
 
 #include "host/providers/columns/ColumnBuilder.h"
 #include "host/providers/datasets/GdalErrors.h"
-#include "host/providers/text/CsvRules.h"
 
 #include <ogr_feature.h>
 
@@ -65,12 +64,6 @@ void appendField(OGRFeatureH feature, const LayerColumn& column, ColumnBuilder& 
         builder.append(std::int64_t{OGR_F_GetFieldAsInteger64(feature, column.field)});
         return;
     case Reading::Real: builder.append(OGR_F_GetFieldAsDouble(feature, column.field)); return;
-    case Reading::IntegerText:
-        builder.appendOrNull(integerInText(OGR_F_GetFieldAsString(feature, column.field)));
-        return;
-    case Reading::RealText:
-        builder.appendOrNull(realInText(OGR_F_GetFieldAsString(feature, column.field)));
-        return;
     case Reading::Bytes: {
         int size = 0;
         const auto* bytes =
@@ -100,10 +93,8 @@ void appendValue(OGRFeatureH feature, const LayerColumn& column, ColumnBuilder& 
 
 ColumnKind builtKind(const LayerColumn& column) {
     switch (column.reading) {
-    case Reading::Integer:
-    case Reading::IntegerText: return ColumnKind::Int64;
-    case Reading::Real:
-    case Reading::RealText: return ColumnKind::Double;
+    case Reading::Integer: return ColumnKind::Int64;
+    case Reading::Real: return ColumnKind::Double;
     case Reading::Bytes: return ColumnKind::Bytes;
     case Reading::Geometry: return ColumnKind::Wkb;
     default: return ColumnKind::Text;

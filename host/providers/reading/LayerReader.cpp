@@ -1,7 +1,6 @@
 #include "host/providers/reading/LayerReader.h"
 
 #include "host/providers/conditions/RowFilter.h"
-#include "host/providers/datasets/GdalErrors.h"
 #include "host/providers/reading/BatchCursor.h"
 #include "host/providers/reading/CountingCursor.h"
 #include "platform/work/Cancellation.h"
@@ -51,14 +50,9 @@ int addDistinct(std::vector<int>& attributes, int attribute) {
 
 /// A request as the table can use it.
 struct LayerReader::Query {
-    struct Test {
-        int attribute;
-        Condition condition;
-    };
-
     std::vector<int> requested; ///< attributes, each once
     std::vector<int> needed;    ///< the same, then those that only the tests need
-    std::vector<Test> tests;
+    std::vector<RowSource::Test> tests;
     std::optional<dp::ScanWindow> window;
     std::int64_t limit = -1;
 
@@ -80,10 +74,8 @@ struct LayerReader::Query {
     }
 };
 
-LayerReader::LayerReader(std::shared_ptr<DatasetPool> pool, int layerIndex, QByteArray layerName,
-                         LayerSchema schema)
-    : pool_(std::move(pool)), layerIndex_(layerIndex), layerName_(std::move(layerName)),
-      schema_(std::make_shared<const LayerSchema>(std::move(schema))), stamp_(pool_->source().path),
+LayerReader::LayerReader(std::shared_ptr<RowSource> source)
+    : source_(std::move(source)), geometry_(source_->schema()->geometryIndex()), stamp_(source_->path()),
       key_(std::make_shared<std::atomic<BatchCache::TableKey>>(BatchCache::newKey())) {}
 
 LayerReader::~LayerReader() {
@@ -102,7 +94,7 @@ std::unique_ptr<dp::Cursor> LayerReader::openCursor(const dp::ScanRequest& reque
         addDistinct(query.requested, attribute);
     query.needed = query.requested;
     for (const auto& term : request.terms) {
-        if (auto condition = conditionOf(term, valueClass(term.attribute))) {
+        if (auto condition = conditionOf(term, source_->valueClass(term.attribute))) {
             addDistinct(query.needed, term.attribute);
             query.tests.push_back({term.attribute, std::move(*condition)});
         }
@@ -123,15 +115,13 @@ std::unique_ptr<dp::Cursor> LayerReader::openForCounting(const dp::ScanRequest& 
     if (!request.attributes.empty() || !request.terms.empty() || request.window || request.ids)
         return nullptr;
     const auto rows = featureCount();
-    auto scan = makeScan({});
-    const bool isExact =
-        BatchCache::instance().rowCount(*key_) || OGR_L_TestCapability(scan.layer, OLCFastFeatureCount);
-    return rows && isExact ? std::make_unique<CountingCursor>(*rows, std::move(scan)) : nullptr;
+    const bool isExact = BatchCache::instance().rowCount(*key_) || source_->countsExactly();
+    return rows && isExact ? std::make_unique<CountingCursor>(*rows, source_) : nullptr;
 }
 
 std::unique_ptr<dp::Cursor> LayerReader::makeCursor(const Query& query, std::unique_ptr<BatchReader> reader,
                                                     std::shared_ptr<const RowFilter> filter) {
-    std::vector<int> slots(schema_->columns.size(), -1);
+    std::vector<int> slots(static_cast<std::size_t>(source_->schema()->numAttributes()), -1);
     for (std::size_t i = 0; i < query.requested.size(); ++i)
         slots[static_cast<std::size_t>(query.requested[i])] = static_cast<int>(i);
     return std::make_unique<BatchCursor>(std::move(reader), std::move(slots), std::move(filter));
@@ -145,7 +135,7 @@ std::unique_ptr<dp::Cursor> LayerReader::openById(const Query& query, std::vecto
         cached = cache.find(*key_, query.requested);
     }
     if (!cached || !cached->rows->idsAscend)
-        return makeCursor(query, startLookup(makeScan(query.requested), std::move(ids)), nullptr);
+        return makeCursor(query, source_->lookUp(query.requested, std::move(ids)), nullptr);
     RowFilter filter;
     filter.setIds(std::move(ids));
     const auto shared = std::make_shared<const RowFilter>(std::move(filter));
@@ -155,9 +145,7 @@ std::unique_ptr<dp::Cursor> LayerReader::openById(const Query& query, std::vecto
 bool LayerReader::lookupsCostMoreThanAScan(std::size_t count) {
     lookups_ += static_cast<std::int64_t>(count);
     const auto rows = featureCount();
-    const auto scan = makeScan({});
-    const bool isSlow = !OGR_L_TestCapability(scan.layer, OLCRandomRead);
-    if (!isSlow && (!rows || lookups_ < *rows / ROWS_PER_LOOKUP))
+    if (source_->findsRows() && (!rows || lookups_ < *rows / ROWS_PER_LOOKUP))
         return false;
     lookups_ = 0;
     return true;
@@ -168,7 +156,7 @@ std::unique_ptr<dp::Cursor> LayerReader::openFromCache(const Query& query) {
     const bool testsBoxes = query.window && usesWindow();
     int geometry = -1;
     if (testsBoxes)
-        geometry = addDistinct(attributes, schema_->schema->geometryIndex());
+        geometry = addDistinct(attributes, geometry_);
     auto cached = BatchCache::instance().find(*key_, attributes);
     if (!cached || (testsBoxes && cached->rows->rows > MAX_BOX_ROWS))
         return nullptr;
@@ -185,22 +173,10 @@ std::unique_ptr<dp::Cursor> LayerReader::openFromCache(const Query& query) {
 }
 
 std::unique_ptr<dp::Cursor> LayerReader::openByDriver(const Query& query) {
-    const bool asksWindow = query.window && usesWindow();
-    if ((!asksWindow && query.tests.empty()) || !sqlTraits().evaluatesSql)
+    auto sql = source_->filterOf(query.tests, query.window);
+    if (!sql)
         return nullptr;
-    std::string sql = asksWindow ? sqlOfWindow(sqlTraits(), *query.window) : std::string();
-    bool usesIndex = asksWindow;
-    for (const auto& test : query.tests) {
-        const auto position = static_cast<std::size_t>(test.attribute);
-        if (const auto text =
-                sqlOfCondition(schema_->columns[position], valueClass(test.attribute), test.condition)) {
-            sql += (sql.empty() ? "" : " AND ") + *text;
-            usesIndex = usesIndex || sqlTraits().isIndexed[position];
-        }
-    }
-    if (sql.empty())
-        return nullptr;
-    if (!usesIndex) {
+    if (!sql->usesIndex) {
         // SQLite would look at every row. Where the columns are narrow, reading them whole costs the same and
         // answers the next query from memory.
         if (isNarrow(query.needed))
@@ -208,11 +184,9 @@ std::unique_ptr<dp::Cursor> LayerReader::openByDriver(const Query& query) {
         if (++driverFilters_ > 1 && loadTestedColumns(query))
             return openByTestedColumns(query);
     }
-    auto scan = makeScan(query.requested);
-    scan.filter = std::move(sql);
     auto filter = query.filter(query.requested.size());
     const auto shared = filter.isEmpty() ? nullptr : std::make_shared<const RowFilter>(std::move(filter));
-    return makeCursor(query, startScan(std::move(scan)), shared);
+    return makeCursor(query, source_->scan(query.requested, BATCH_ROWS, sql->text), shared);
 }
 
 bool LayerReader::loadTestedColumns(const Query& query) {
@@ -242,7 +216,7 @@ std::unique_ptr<dp::Cursor> LayerReader::openByTestedColumns(const Query& query)
             ids.push_back(batch.fids.number<std::int64_t>(row));
     }
     std::sort(ids.begin(), ids.end());
-    return makeCursor(query, startLookup(makeScan(query.requested), std::move(ids)), nullptr);
+    return makeCursor(query, source_->lookUp(query.requested, std::move(ids)), nullptr);
 }
 
 std::unique_ptr<dp::Cursor> LayerReader::openFullScan(const Query& query) {
@@ -250,24 +224,15 @@ std::unique_ptr<dp::Cursor> LayerReader::openFullScan(const Query& query) {
     const auto shared = filter.isEmpty() ? nullptr : std::make_shared<const RowFilter>(std::move(filter));
     if (query.limit < 0)
         return makeCursor(query, startCollectedScan(query.needed), shared);
-    auto scan = makeScan(query.needed);
-    scan.batchRows = std::clamp<std::int64_t>(query.limit, 1, BATCH_ROWS);
-    return makeCursor(query, startScan(std::move(scan)), shared);
+    const auto batchRows = std::clamp<std::int64_t>(query.limit, 1, BATCH_ROWS);
+    return makeCursor(query, source_->scan(query.needed, batchRows), shared);
 }
 
 std::optional<std::int64_t> LayerReader::featureCount() {
     followFile();
     if (const auto rows = BatchCache::instance().rowCount(*key_))
         return rows;
-    if (!featureCount_) {
-        const GdalErrorScope errors;
-        const auto lease = pool_->acquire();
-        const OGRLayerH layer = findLayer(lease.dataset(), layerIndex_, layerName_);
-        if (layer)
-            OGR_L_SetAttributeFilter(layer, nullptr);
-        featureCount_ = layer ? OGR_L_GetFeatureCount(layer, FALSE) : -1;
-    }
-    return *featureCount_ < 0 ? std::nullopt : featureCount_;
+    return source_->rowCount();
 }
 
 BatchCache::TableKey LayerReader::revision() {
@@ -284,7 +249,7 @@ bool LayerReader::usesTerm(int attribute, dp::Comparison comparison, dp::TextCol
     case Comparison::IsNotNull: return true;
     default: break;
     }
-    switch (valueClass(attribute)) {
+    switch (source_->valueClass(attribute)) {
     case ValueClass::Integer:
     case ValueClass::Real: return true;
     case ValueClass::Text:
@@ -297,16 +262,10 @@ bool LayerReader::usesTerm(int attribute, dp::Comparison comparison, dp::TextCol
     return false;
 }
 
-bool LayerReader::usesWindow() {
-    return schema_->schema->geometryIndex() >= 0 && !sqlTraits().spatialIndex.empty();
-}
-
 void LayerReader::invalidate() {
     BatchCache::instance().drop(key_->exchange(BatchCache::newKey()));
-    pool_->discardHandles();
+    source_->forget();
     stamp_.refresh();
-    featureCount_.reset();
-    sqlTraits_.reset();
     wholeWasTried_ = false;
     driverFilters_ = 0;
     lookups_ = 0;
@@ -317,50 +276,18 @@ void LayerReader::followFile() {
         invalidate();
 }
 
-const SqlTraits& LayerReader::sqlTraits() {
-    if (!sqlTraits_) {
-        const auto scan = makeScan({});
-        sqlTraits_ = sqlTraitsOf(scan.lease.dataset(), scan.layer, *schema_);
-    }
-    return *sqlTraits_;
-}
-
-LayerScan LayerReader::makeScan(const std::vector<int>& attributes) {
-    LayerScan scan{pool_->acquire(), nullptr, schema_, {}, {}, BATCH_ROWS};
-    scan.layer = findLayer(scan.lease.dataset(), layerIndex_, layerName_);
-    if (!scan.layer || !hasFieldsOf(scan.layer, *schema_))
-        throw std::runtime_error(tr("Слой «%1» изменил своё строение, откройте файл заново")
-                                     .arg(QString::fromUtf8(layerName_))
-                                     .toStdString());
-    for (const int attribute : attributes)
-        scan.columns.push_back(&schema_->columns[static_cast<std::size_t>(attribute)]);
-    return scan;
-}
-
-ValueClass LayerReader::valueClass(int attribute) const {
-    switch (schema_->columns[static_cast<std::size_t>(attribute)].reading) {
-    case LayerColumn::Reading::Integer:
-    case LayerColumn::Reading::IntegerText: return ValueClass::Integer;
-    case LayerColumn::Reading::Real:
-    case LayerColumn::Reading::RealText: return ValueClass::Real;
-    case LayerColumn::Reading::Bytes:
-    case LayerColumn::Reading::Geometry: return ValueClass::Other;
-    default: return ValueClass::Text;
-    }
-}
-
 bool LayerReader::isNarrow(const std::vector<int>& attributes) const {
     return std::all_of(attributes.begin(), attributes.end(), [this](int attribute) {
-        const auto kind = valueClass(attribute);
+        const auto kind = source_->valueClass(attribute);
         return kind == ValueClass::Integer || kind == ValueClass::Real;
     });
 }
 
 std::unique_ptr<BatchReader> LayerReader::startCollectedScan(const std::vector<int>& attributes) {
-    const auto geometry = std::find(attributes.begin(), attributes.end(), schema_->schema->geometryIndex());
+    const auto geometry = std::find(attributes.begin(), attributes.end(), geometry_);
     auto scan = std::make_shared<CachedScan>(
         attributes, geometry == attributes.end() ? -1 : static_cast<int>(geometry - attributes.begin()));
-    return std::make_unique<ScanCollector>(startScan(makeScan(attributes)), *key_, key_, std::move(scan));
+    return std::make_unique<ScanCollector>(source_->scan(attributes), *key_, key_, std::move(scan));
 }
 
 void LayerReader::load(const std::vector<int>& attributes) {
@@ -376,7 +303,7 @@ void LayerReader::loadWholeOnce() {
     wholeWasTried_ = true;
     if (stamp_.size() == 0 || stamp_.size() > SMALL_FILE)
         return;
-    std::vector<int> all(schema_->columns.size());
+    std::vector<int> all(static_cast<std::size_t>(source_->schema()->numAttributes()));
     std::iota(all.begin(), all.end(), 0);
     try {
         load(all);

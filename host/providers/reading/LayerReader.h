@@ -1,35 +1,31 @@
 #pragma once
 
-#include "host/providers/conditions/SqlFilter.h"
-#include "host/providers/datasets/DatasetPool.h"
 #include "host/providers/datasets/FileStamp.h"
 #include "host/providers/reading/BatchCache.h"
-#include "host/providers/reading/LayerScan.h"
-
-#include <QCoreApplication>
+#include "host/providers/reading/RowSource.h"
+#include "platform/dp/Cursor.h"
 
 #include <optional>
 
 namespace orvane::files {
 
-/// Chooses how the requests on one layer are answered: from the batches in memory, by a query of the driver,
-/// by identifiers, or by reading the layer from one end to the other. Used from one thread at a time; the
+/// Chooses how the requests on one table are answered: from the batches in memory, by a filter of the format,
+/// by identifiers, or by reading the rows from one end to the other. Used from one thread at a time; the
 /// cursors do not refer to it.
 class LayerReader {
-    Q_DECLARE_TR_FUNCTIONS(orvane::files::LayerReader)
 public:
-    LayerReader(std::shared_ptr<DatasetPool> pool, int layerIndex, QByteArray layerName, LayerSchema schema);
+    explicit LayerReader(std::shared_ptr<RowSource> source);
     ~LayerReader();
     LayerReader(const LayerReader&) = delete;
     LayerReader& operator=(const LayerReader&) = delete;
 
-    const std::shared_ptr<const LayerSchema>& schema() const { return schema_; }
+    const RowSource& source() const { return *source_; }
 
     std::unique_ptr<dp::Cursor> openCursor(const dp::ScanRequest& request);
     std::optional<std::int64_t> featureCount();
     BatchCache::TableKey revision();
     bool usesTerm(int attribute, dp::Comparison comparison, dp::TextCollation collation) const;
-    bool usesWindow();
+    bool usesWindow() { return source_->hasSpatialIndex(); }
     /// Forgets everything that was read: the rows have changed.
     void invalidate();
 
@@ -37,9 +33,6 @@ private:
     struct Query;
 
     void followFile();
-    const SqlTraits& sqlTraits();
-    LayerScan makeScan(const std::vector<int>& attributes);
-    ValueClass valueClass(int attribute) const;
     bool isNarrow(const std::vector<int>& attributes) const;
 
     /// When no value is asked for and the driver knows the number of rows.
@@ -62,15 +55,11 @@ private:
     void load(const std::vector<int>& attributes);
     void loadWholeOnce();
 
-    std::shared_ptr<DatasetPool> pool_;
-    const int layerIndex_;
-    const QByteArray layerName_;
-    std::shared_ptr<const LayerSchema> schema_;
+    const std::shared_ptr<RowSource> source_;
+    const int geometry_; ///< position of the geometry, -1 for none
     FileStamp stamp_;
     /// The state of the rows; 0 once the table is gone. Scans that end later are not kept.
     std::shared_ptr<std::atomic<BatchCache::TableKey>> key_;
-    std::optional<SqlTraits> sqlTraits_;
-    std::optional<std::int64_t> featureCount_; ///< -1 when the driver does not know
     bool wholeWasTried_ = false;
     int driverFilters_ = 0; ///< scans that the driver filtered without an index
     std::int64_t lookups_ = 0;

@@ -148,7 +148,7 @@ std::shared_ptr<LayerTable> addResultTable(dp::DataCatalog& catalog, const QStri
     try {
         const auto written = writeLayer(rows, tableFormat, path, QString::fromUtf8(layerName), true);
         const auto pool = std::make_shared<DatasetPool>(
-            DatasetPool::Source{path.toUtf8(), {"GPKG"}, {}, nullptr, std::move(directory)});
+            DatasetPool::Source{path.toUtf8(), {"GPKG"}, {}, std::move(directory)});
         const auto lease = pool->acquire();
         LayerSchema schema = describeLayer(GDALDatasetGetLayer(lease.dataset(), 0));
         // The row numbers of the file are no column of the result; the types of the query are finer than the
@@ -159,7 +159,7 @@ std::shared_ptr<LayerTable> addResultTable(dp::DataCatalog& catalog, const QStri
         if (hasGeometry)
             definitions += schema.schema->attributes().last();
         schema.schema = std::make_shared<const dp::TableSchema>(std::move(definitions));
-        auto table = std::make_shared<LayerTable>(name, pool, 0, layerName, std::move(schema));
+        auto table = LayerTable::ofLayer(name, pool, 0, layerName, std::move(schema));
         requireFree();
         catalog.add(table);
         return table;

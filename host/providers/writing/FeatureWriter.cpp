@@ -23,12 +23,6 @@ struct Texts {
 
 using GeometryValue = std::shared_ptr<const geometry::Geometry>;
 
-[[noreturn]] void raiseUnfit(const dp::AttributeDefinition& attribute, const QVariant& value) {
-    throw dp::EditError(Texts::tr("Значение «%1» не подходит полю «%2»")
-                            .arg(value.toString(), attribute.name())
-                            .toStdString());
-}
-
 void writeInteger(OGRFeatureH feature, const LayerColumn& column, const dp::AttributeDefinition& attribute,
                   const QVariant& value) {
     bool isNumber = false;
@@ -88,27 +82,33 @@ void writeList(OGRFeatureH feature, const LayerColumn& column, const dp::Attribu
 }
 
 void writeGeometry(OGRFeatureH feature, const dp::AttributeDefinition& attribute, const QVariant& value) {
+    const auto wkb = geometry::GeometryFactory::toWkb(geometryFor(attribute, value), QSysInfo::LittleEndian);
+    OGRGeometryH made = nullptr;
+    if (OGR_G_CreateFromWkb(wkb.constData(), nullptr, &made, wkb.size()) != OGRERR_NONE)
+        raiseUnfit(attribute, value);
+    OGR_F_SetGeometryDirectly(feature, made);
+}
+
+} // namespace
+
+void raiseUnfit(const dp::AttributeDefinition& attribute, const QVariant& value) {
+    throw dp::EditError(Texts::tr("Значение «%1» не подходит полю «%2»")
+                            .arg(value.toString(), attribute.name())
+                            .toStdString());
+}
+
+GeometryValue geometryFor(const dp::AttributeDefinition& attribute, const QVariant& value) {
     auto shape = value.value<GeometryValue>();
     if (!shape)
         raiseUnfit(attribute, value);
     const auto& target = static_cast<const dp::GeometryAttributeDefinition&>(attribute).coordSystem();
     const auto source = shape->coordSystem();
     try {
-        if (target && source && !target->equals(*source))
-            shape = shape->transformed(target);
-        const auto wkb = geometry::GeometryFactory::toWkb(shape, QSysInfo::LittleEndian);
-        OGRGeometryH made = nullptr;
-        if (OGR_G_CreateFromWkb(wkb.constData(), nullptr, &made, wkb.size()) != OGRERR_NONE)
-            raiseUnfit(attribute, value);
-        OGR_F_SetGeometryDirectly(feature, made);
-    } catch (const dp::EditError&) {
-        throw;
+        return target && source && !target->equals(*source) ? shape->transformed(target) : shape;
     } catch (const std::exception& error) {
         throw dp::EditError(error.what());
     }
 }
-
-} // namespace
 
 void writeValue(OGRFeatureH feature, const LayerColumn& column, const dp::AttributeDefinition& attribute,
                 const QVariant& value) {
@@ -133,8 +133,6 @@ void writeValue(OGRFeatureH feature, const LayerColumn& column, const dp::Attrib
     }
     case Reading::List: writeList(feature, column, attribute, value); return;
     case Reading::Geometry: writeGeometry(feature, attribute, value); return;
-    case Reading::IntegerText:
-    case Reading::RealText:
     case Reading::Text:
         OGR_F_SetFieldString(feature, column.field, value.toString().toUtf8().constData());
         return;

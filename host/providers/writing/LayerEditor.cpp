@@ -176,9 +176,6 @@ void LayerEditor::open() {
     const auto path = QString::fromUtf8(pool_->source().path);
     if (isInArchive(path))
         throw dp::EditError(tr("Архив «%1» можно только читать").arg(pathOnDisk(path)).toStdString());
-    if (const auto& copy = pool_->source().copy; copy && copy->changes().ofText())
-        throw dp::EditError(
-            tr("Файл «%1» не в UTF-8 или с одним столбцом, его можно только читать").arg(path).toStdString());
     try {
         dataset_ = pool_->openForUpdate();
     } catch (const std::runtime_error& error) {

@@ -3,7 +3,7 @@
 #include "host/providers/datasets/DatasetPool.h"
 #include "host/providers/datasets/LayerSchema.h"
 #include "host/providers/writing/ColumnUpdate.h"
-#include "platform/dp/Feature.h"
+#include "host/providers/writing/TableEditor.h"
 
 #include <QCoreApplication>
 
@@ -13,29 +13,23 @@
 namespace orvane::files {
 
 /// Writes features to a layer through a handle of its own, which is open from the first edit to the end of
-/// the group. Outside a group each edit is one. Every failure is a dp::EditError. Used from one thread at a
-/// time.
-class LayerEditor {
+/// the group.
+class LayerEditor final : public TableEditor {
     Q_DECLARE_TR_FUNCTIONS(orvane::files::LayerEditor)
 public:
     LayerEditor(std::shared_ptr<DatasetPool> pool, int layerIndex, QByteArray layerName,
                 std::shared_ptr<const LayerSchema> schema)
         : pool_(std::move(pool)), layerIndex_(layerIndex), layerName_(std::move(layerName)),
           schema_(std::move(schema)) {}
-    ~LayerEditor();
+    ~LayerEditor() override;
 
-    /// Whether the driver, or the permissions of the file, allow no edit of any kind.
-    bool isReadOnly();
-
-    void begin();
-    void commit();
-    /// Fails where the format has no transactions: what was written stays.
-    void rollback();
-
-    std::int64_t insert(const dp::Feature& feature);
-    /// Writes the attributes at these positions; the others stay.
-    void update(const dp::Feature& feature, const std::vector<int>& positions);
-    void remove(const dp::FeatureId& id);
+    bool isReadOnly() override;
+    void begin() override;
+    void commit() override;
+    void rollback() override;
+    std::int64_t insert(const dp::Feature& feature) override;
+    void update(const dp::Feature& feature, const std::vector<int>& positions) override;
+    void remove(const dp::FeatureId& id) override;
 
 private:
     void open();

@@ -29,13 +29,16 @@ std::vector<std::vector<std::string>> rowsOfFeatures(const QString& path) {
     const auto dataset = openDataset(path);
     auto* layer = dataset->GetLayer(0);
     const bool hasFid = *layer->GetFIDColumn() != '\0';
+    const bool isCsv = path.endsWith(QLatin1String(".csv"));
     std::vector<std::vector<std::string>> rows;
     for (const auto& feature : layer) {
         auto& row = rows.emplace_back();
         if (hasFid)
             row.push_back("i:" + std::to_string(feature->GetFID()));
-        for (int i = 0; i < feature->GetFieldCount(); ++i)
-            row.push_back(describeField(*feature, i));
+        for (int i = 0; i < feature->GetFieldCount(); ++i) {
+            const auto cell = describeField(*feature, i);
+            row.push_back(isCsv && cell == "t:" ? "NULL" : cell); // nothing between separators
+        }
         if (layer->GetGeomType() != wkbNone)
             row.push_back(describeGeometry(*feature));
     }

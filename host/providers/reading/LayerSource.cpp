@@ -1,0 +1,100 @@
+#include "host/providers/reading/LayerSource.h"
+
+#include "host/providers/datasets/GdalErrors.h"
+
+#include <stdexcept>
+
+namespace orvane::files {
+
+ValueClass LayerSource::valueClass(int attribute) const {
+    switch (schema_->columns[static_cast<std::size_t>(attribute)].reading) {
+    case LayerColumn::Reading::Integer: return ValueClass::Integer;
+    case LayerColumn::Reading::Real: return ValueClass::Real;
+    case LayerColumn::Reading::Bytes:
+    case LayerColumn::Reading::Geometry: return ValueClass::Other;
+    default: return ValueClass::Text;
+    }
+}
+
+std::optional<std::int64_t> LayerSource::rowCount() {
+    if (!rowCount_) {
+        const GdalErrorScope errors;
+        const auto lease = pool_->acquire();
+        const OGRLayerH layer = findLayer(lease.dataset(), layerIndex_, layerName_);
+        if (layer)
+            OGR_L_SetAttributeFilter(layer, nullptr);
+        rowCount_ = layer ? OGR_L_GetFeatureCount(layer, FALSE) : -1;
+    }
+    return *rowCount_ < 0 ? std::nullopt : rowCount_;
+}
+
+bool LayerSource::countsExactly() {
+    return OGR_L_TestCapability(makeScan().layer, OLCFastFeatureCount) != 0;
+}
+
+bool LayerSource::findsRows() {
+    return OGR_L_TestCapability(makeScan().layer, OLCRandomRead) != 0;
+}
+
+bool LayerSource::hasSpatialIndex() {
+    return schema_->schema->geometryIndex() >= 0 && !sqlTraits().spatialIndex.empty();
+}
+
+std::optional<RowSource::Filter> LayerSource::filterOf(const std::vector<Test>& tests,
+                                                       const std::optional<dp::ScanWindow>& window) {
+    const bool asksWindow = window && hasSpatialIndex();
+    if ((!asksWindow && tests.empty()) || !sqlTraits().evaluatesSql)
+        return std::nullopt;
+    Filter filter{asksWindow ? sqlOfWindow(sqlTraits(), *window) : std::string(), asksWindow};
+    for (const auto& test : tests) {
+        const auto position = static_cast<std::size_t>(test.attribute);
+        const auto text =
+            sqlOfCondition(schema_->columns[position], valueClass(test.attribute), test.condition);
+        if (!text)
+            continue;
+        filter.text += (filter.text.empty() ? "" : " AND ") + *text;
+        filter.usesIndex = filter.usesIndex || sqlTraits().isIndexed[position];
+    }
+    return filter.text.empty() ? std::nullopt : std::optional(std::move(filter));
+}
+
+std::unique_ptr<BatchReader> LayerSource::scan(const std::vector<int>& attributes, std::int64_t batchRows,
+                                               const std::string& filter) {
+    auto scan = makeScan(attributes);
+    scan.batchRows = batchRows;
+    scan.filter = filter;
+    return startScan(std::move(scan));
+}
+
+std::unique_ptr<BatchReader> LayerSource::lookUp(const std::vector<int>& attributes,
+                                                 std::vector<std::int64_t> ids) {
+    return startLookup(makeScan(attributes), std::move(ids));
+}
+
+void LayerSource::forget() {
+    pool_->discardHandles();
+    sqlTraits_.reset();
+    rowCount_.reset();
+}
+
+const SqlTraits& LayerSource::sqlTraits() {
+    if (!sqlTraits_) {
+        const auto scan = makeScan();
+        sqlTraits_ = sqlTraitsOf(scan.lease.dataset(), scan.layer, *schema_);
+    }
+    return *sqlTraits_;
+}
+
+LayerScan LayerSource::makeScan(const std::vector<int>& attributes) {
+    LayerScan scan{pool_->acquire(), nullptr, schema_, {}, {}, BATCH_ROWS};
+    scan.layer = findLayer(scan.lease.dataset(), layerIndex_, layerName_);
+    if (!scan.layer || !hasFieldsOf(scan.layer, *schema_))
+        throw std::runtime_error(tr("Слой «%1» изменил своё строение, откройте файл заново")
+                                     .arg(QString::fromUtf8(layerName_))
+                                     .toStdString());
+    for (const int attribute : attributes)
+        scan.columns.push_back(&schema_->columns[static_cast<std::size_t>(attribute)]);
+    return scan;
+}
+
+} // namespace orvane::files

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "host/providers/conditions/SqlFilter.h"
+#include "host/providers/datasets/DatasetPool.h"
+#include "host/providers/reading/LayerScan.h"
+#include "host/providers/reading/RowSource.h"
+
+#include <QCoreApplication>
+
+namespace orvane::files {
+
+/// The rows of a layer, through GDAL.
+class LayerSource final : public RowSource {
+    Q_DECLARE_TR_FUNCTIONS(orvane::files::LayerSource)
+public:
+    LayerSource(std::shared_ptr<DatasetPool> pool, int layerIndex, QByteArray layerName,
+                std::shared_ptr<const LayerSchema> schema)
+        : pool_(std::move(pool)), layerIndex_(layerIndex), layerName_(std::move(layerName)),
+          schema_(std::move(schema)) {}
+
+    const QByteArray& path() const override { return pool_->source().path; }
+    std::shared_ptr<const dp::TableSchema> schema() const override { return schema_->schema; }
+    ValueClass valueClass(int attribute) const override;
+
+    std::optional<std::int64_t> rowCount() override;
+    bool countsExactly() override;
+    bool findsRows() override;
+    bool hasSpatialIndex() override;
+    std::optional<Filter> filterOf(const std::vector<Test>& tests,
+                                   const std::optional<dp::ScanWindow>& window) override;
+    std::unique_ptr<BatchReader> scan(const std::vector<int>& attributes, std::int64_t batchRows,
+                                      const std::string& filter) override;
+    std::unique_ptr<BatchReader> lookUp(const std::vector<int>& attributes,
+                                        std::vector<std::int64_t> ids) override;
+    void forget() override;
+
+private:
+    LayerScan makeScan(const std::vector<int>& attributes = {});
+    const SqlTraits& sqlTraits();
+
+    const std::shared_ptr<DatasetPool> pool_;
+    const int layerIndex_;
+    const QByteArray layerName_;
+    const std::shared_ptr<const LayerSchema> schema_;
+    std::optional<SqlTraits> sqlTraits_;
+    std::optional<std::int64_t> rowCount_; ///< -1 when the driver does not know
+};
+
+} // namespace orvane::files

@@ -1,0 +1,63 @@
+#pragma once
+
+#include "host/providers/columns/ColumnBatch.h"
+#include "host/providers/conditions/Condition.h"
+#include "platform/dp/TableSchema.h"
+
+#include <QByteArray>
+
+#include <optional>
+#include <string>
+
+namespace orvane::files {
+
+/// The rows of a table as its format delivers them. The readers it makes may live longer than the source, and
+/// any thread may start one; all else is for one thread at a time. Whatever fails throws std::runtime_error
+/// with the name of the file and the reason.
+class RowSource {
+public:
+    /// A demand on the values of an attribute.
+    struct Test {
+        int attribute;
+        Condition condition;
+    };
+    /// Tests in the words of the format.
+    struct Filter {
+        std::string text;
+        bool usesIndex = false; ///< without, every row is looked at
+    };
+
+    RowSource() = default;
+    virtual ~RowSource();
+    RowSource(const RowSource&) = delete;
+    RowSource& operator=(const RowSource&) = delete;
+
+    /// GDAL's path of the file, UTF-8.
+    virtual const QByteArray& path() const = 0;
+    virtual std::shared_ptr<const dp::TableSchema> schema() const = 0;
+    virtual ValueClass valueClass(int attribute) const = 0;
+
+    /// Nothing where only a scan would tell.
+    virtual std::optional<std::int64_t> rowCount() = 0;
+    /// Whether rowCount() may stand for a scan.
+    virtual bool countsExactly() = 0;
+    /// Whether finding a row by its identifier needs no scan.
+    virtual bool findsRows() = 0;
+    virtual bool hasSpatialIndex() { return false; }
+    /// A filter that lets every row pass that passes the tests, and whose box meets the window; nothing where
+    /// reading all rows is as good.
+    virtual std::optional<Filter> filterOf(const std::vector<Test>& tests,
+                                           const std::optional<dp::ScanWindow>& window);
+
+    /// Reads rows whole or as far as these attributes go.
+    virtual std::unique_ptr<BatchReader> scan(const std::vector<int>& attributes,
+                                              std::int64_t batchRows = BATCH_ROWS,
+                                              const std::string& filter = {}) = 0;
+    /// Reads the rows with these identifiers, ascending; those that do not exist are left out.
+    virtual std::unique_ptr<BatchReader> lookUp(const std::vector<int>& attributes,
+                                                std::vector<std::int64_t> ids) = 0;
+    /// The file has changed, or is about to be.
+    virtual void forget() = 0;
+};
+
+} // namespace orvane::files

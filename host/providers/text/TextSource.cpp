@@ -1,0 +1,175 @@
+#include "host/providers/text/TextSource.h"
+
+#include "host/providers/datasets/GdalErrors.h"
+#include "host/providers/text/RecordReader.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+namespace orvane::files {
+
+namespace {
+
+/// A batch ends early when its texts reach this size.
+constexpr std::size_t MAX_BATCH_BYTES = std::size_t{64} << 20;
+
+void appendPoint(std::string_view x, std::string_view y, bool takesComma, ColumnBuilder& builder) {
+    const auto realX = realInText(x, takesComma), realY = realInText(y, takesComma);
+    if (!realX || !realY) {
+        builder.appendNull();
+        return;
+    }
+    constexpr std::string_view start("\1\1\0\0\0", 5); // little-endian, a point
+    std::array<char, 21> wkb;
+    std::memcpy(wkb.data(), start.data(), start.size());
+    std::memcpy(wkb.data() + 5, &*realX, sizeof(double));
+    std::memcpy(wkb.data() + 13, &*realY, sizeof(double));
+    builder.append(std::string_view(wkb.data(), wkb.size()));
+}
+
+/// Well-known text, GeoJSON, or well-known binary in hexadecimal digits; null for any other text.
+GeometryHandle geometryInText(const std::string& text) {
+    const GdalErrorScope errors;
+    if (text.find('{') == 0)
+        return GeometryHandle(OGR_G_CreateGeometryFromJson(text.c_str()));
+    OGRGeometryH geometry = nullptr;
+    if (text.find('0') == 0) {
+        int size = 0;
+        const CplString wkb(reinterpret_cast<char*>(CPLHexToBinary(text.c_str(), &size)));
+        OGR_G_CreateFromWkb(wkb.get(), nullptr, &geometry, size);
+    } else {
+        std::string copy = text;
+        char* start = copy.data();
+        OGR_G_CreateFromWkt(&start, nullptr, &geometry);
+    }
+    return GeometryHandle(geometry);
+}
+
+void appendGeometry(const std::string& text, ColumnBuilder& builder) {
+    const GeometryHandle geometry = text.empty() ? nullptr : geometryInText(text);
+    if (!geometry) {
+        builder.appendNull();
+        return;
+    }
+    auto* wkb = builder.appendSpace(static_cast<std::size_t>(OGR_G_WkbSize(geometry.get())));
+    if (OGR_G_ExportToIsoWkb(geometry.get(), wkbNDR, reinterpret_cast<unsigned char*>(wkb)) != OGRERR_NONE)
+        builder.replaceLastByNull();
+}
+
+class TextReader final : public BatchReader {
+public:
+    /// All rows, or those with these numbers.
+    TextReader(std::shared_ptr<const TextTable> table, std::vector<int> attributes, std::int64_t batchRows,
+               std::optional<std::vector<std::int64_t>> ids)
+        : table_(std::move(table)), attributes_(std::move(attributes)), batchRows_(batchRows),
+          ids_(std::move(ids)), records_(table_->path(), table_->form().encoding, table_->form().separator) {
+        if (table_->form().hasNames)
+            records_.next();
+    }
+
+    bool next(ColumnBatch& batch) override {
+        ColumnBuilder fids(ColumnKind::Int64);
+        std::vector<ColumnBuilder> builders;
+        for (const int attribute : attributes_)
+            builders.emplace_back(isGeometry(attribute) ? ColumnKind::Wkb : column(attribute).kind());
+        std::size_t bytes = 0;
+        batch.rows = 0;
+        while (batch.rows < batchRows_ && bytes < MAX_BATCH_BYTES && nextRecord()) {
+            fids.append(row_);
+            bytes = 0;
+            for (std::size_t i = 0; i < builders.size(); ++i) {
+                append(attributes_[i], builders[i]);
+                bytes += builders[i].dataSize();
+            }
+            ++batch.rows;
+        }
+        batch.fids = std::move(fids).finish();
+        batch.columns.clear();
+        for (auto& builder : builders)
+            batch.columns.push_back(std::move(builder).finish());
+        return batch.rows > 0;
+    }
+
+private:
+    bool isGeometry(int attribute) const { return attribute == static_cast<int>(table_->columns().size()); }
+    const ColumnForm& column(int attribute) const {
+        return table_->columns()[static_cast<std::size_t>(attribute)];
+    }
+
+    bool nextRecord() {
+        if (ids_ && nextId_ == ids_->size())
+            return false;
+        while (records_.next()) {
+            ++row_;
+            if (!ids_)
+                return true;
+            while (nextId_ < ids_->size() && (*ids_)[nextId_] < row_)
+                ++nextId_;
+            if (nextId_ < ids_->size() && (*ids_)[nextId_] == row_) {
+                ++nextId_;
+                return true;
+            }
+        }
+        return false;
+    }
+
+    void append(int attribute, ColumnBuilder& builder) {
+        if (isGeometry(attribute)) {
+            const TextGeometry& geometry = table_->geometry();
+            if (geometry.text >= 0) {
+                text_ = value(geometry.text);
+                appendGeometry(text_, builder);
+            } else {
+                text_ = value(geometry.x);
+                appendPoint(text_, value(geometry.y), column(geometry.x).takesComma, builder);
+            }
+            return;
+        }
+        const auto field = static_cast<std::size_t>(attribute);
+        if (field < records_.size())
+            column(attribute).read(records_.value(field), records_.isQuoted(field), builder);
+        else
+            builder.appendNull();
+    }
+
+    std::string_view value(int column) {
+        const auto field = static_cast<std::size_t>(column);
+        return field < records_.size() ? records_.value(field) : std::string_view();
+    }
+
+    const std::shared_ptr<const TextTable> table_;
+    const std::vector<int> attributes_;
+    const std::int64_t batchRows_;
+    const std::optional<std::vector<std::int64_t>> ids_;
+    RecordReader records_;
+    std::int64_t row_ = 0;
+    std::size_t nextId_ = 0;
+    std::string text_;
+};
+
+} // namespace
+
+ValueClass TextSource::valueClass(int attribute) const {
+    if (attribute == static_cast<int>(table_->columns().size()))
+        return ValueClass::Other;
+    switch (table_->columns()[static_cast<std::size_t>(attribute)].kind()) {
+    case ColumnKind::Int64: return ValueClass::Integer;
+    case ColumnKind::Double: return ValueClass::Real;
+    default: return ValueClass::Text;
+    }
+}
+
+std::unique_ptr<BatchReader> TextSource::scan(const std::vector<int>& attributes, std::int64_t batchRows,
+                                              const std::string&) {
+    table_->rowCount(); // refuses a file that is another table now
+    return std::make_unique<TextReader>(table_, attributes, batchRows, std::nullopt);
+}
+
+std::unique_ptr<BatchReader> TextSource::lookUp(const std::vector<int>& attributes,
+                                                std::vector<std::int64_t> ids) {
+    table_->rowCount();
+    return std::make_unique<TextReader>(table_, attributes, BATCH_ROWS, std::move(ids));
+}
+
+} // namespace orvane::files
