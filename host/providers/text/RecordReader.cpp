@@ -1,6 +1,7 @@
 #include "host/providers/text/RecordReader.h"
 
 #include "host/providers/datasets/Archive.h"
+#include "platform/utils/Utf8.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -20,8 +21,20 @@ bool isBlank(char character, char separator) {
     return character == ' ' || (character == '\t' && separator != '\t');
 }
 
-bool isAscii(std::string_view text) {
-    return std::all_of(text.begin(), text.end(), [](char byte) { return byte >= 0; });
+/// Where well-formed UTF-8 ends.
+std::size_t endOfUtf8(std::string_view text, std::size_t from) {
+    const auto* const begin = reinterpret_cast<const unsigned char*>(text.data());
+    const auto* const end = begin + text.size();
+    const auto* at = begin + from;
+    for (int length = 1; at != end && length > 0; at += length) {
+        for (std::uint64_t eight = 0; end - at > 8; at += 8) { // mostly ASCII
+            std::memcpy(&eight, at, sizeof eight);
+            if ((eight & 0x8080808080808080U) != 0)
+                break;
+        }
+        length = utf8::characterLength(at, end);
+    }
+    return static_cast<std::size_t>(at - begin);
 }
 
 } // namespace
@@ -166,6 +179,7 @@ std::string_view RecordReader::value(std::size_t field) {
 
 void RecordReader::fill() {
     buffer_.erase(0, next_);
+    checked_ -= std::min(checked_, next_);
     before_ = record_ = recordEnd_ = next_ = 0;
     // What is read at once grows with the record, which is looked at anew each time.
     const std::size_t wanted = std::max(CHUNK, buffer_.size());
@@ -179,6 +193,12 @@ void RecordReader::fill() {
     }
     data_ = buffer_.data();
     size_ = buffer_.size();
+    if (!isNew_ || decoder_)
+        return;
+    checked_ = endOfUtf8(view(0, size_), checked_);
+    if (size_ - checked_ > (isAtEnd_ ? 0 : 3)) // the rest of a character may come
+        raise(tr("текст не в UTF-8: укажите кодировку, например «%1|encoding=windows-1251»")
+                  .arg(pathOnDisk(QString::fromUtf8(path_))));
 }
 
 QByteArray RecordReader::readChunk() {
@@ -189,13 +209,6 @@ QByteArray RecordReader::readChunk() {
         raise(tr("ошибка чтения данных"));
     if (decoder_)
         return decoder_->toUnicode(bytes).toUtf8();
-    const std::string_view text(bytes.constData(), static_cast<std::size_t>(bytes.size()));
-    if (isNew_ && (utf8_.remainingChars > 0 || !isAscii(text))) {
-        codecNamed("UTF-8")->toUnicode(bytes.constData(), bytes.size(), &utf8_);
-        if (utf8_.invalidChars > 0)
-            raise(tr("текст не в UTF-8: укажите кодировку, например «%1|encoding=windows-1251»")
-                      .arg(pathOnDisk(QString::fromUtf8(path_))));
-    }
     return bytes;
 }
 

@@ -66,7 +66,7 @@ private:
     qint64 bytesLeft_ = 0;
     std::unique_ptr<QTextDecoder> decoder_; ///< null for UTF-8
     bool isNew_ = false;
-    QTextCodec::ConverterState utf8_;
+    std::size_t checked_ = 0; ///< up to here the buffer is in UTF-8
     char separator_;
     std::array<bool, 256> endsValue_{};
 
