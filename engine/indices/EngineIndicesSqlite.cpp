@@ -7,7 +7,6 @@
 #include "engine/indices/SqliteLookup.h"
 #include "engine/indices/StorageDatabase.h"
 #include "engine/indices/StorageFile.h"
-#include <orvane/engine/Collator.h>
 #include <orvane/engine/EngineCache.h>
 #include <orvane/engine/EngineIndicesSetup.h>
 #include <orvane/engine/functions/Converters.h>
@@ -27,7 +26,7 @@ constexpr quint32 allKnown =
 struct IndexEntry {
     IndexColumns columns;
     IndexStatistics statistics;
-    unsigned long long groups = 0;
+    SqliteLoader::GroupCounts groups; ///< by number of columns; empty when nothing is known
 };
 
 bool covers(const IndexColumns& columns, qint32 attribute) {
@@ -84,7 +83,7 @@ struct EngineIndicesSqlite::Internal {
 
     void resetStatistics(int index);
     /// The same after a load, with what the loader has counted if it could.
-    void resetStatistics(int index, const GroupCounts* counts);
+    void resetStatistics(int index, qint64 rows, SqliteLoader::GroupCounts groups);
     bool isOrderedByCollator(const dp::TableSchema& schema, int attribute) const;
     /// Whether a pattern on the attribute can be narrowed to a range of the index. The order of the column
     /// has to ignore letter case as the pattern does, or rows would be lost.
@@ -94,15 +93,12 @@ struct EngineIndicesSqlite::Internal {
         return isPattern(column.operation) && ignoresCase &&
                isOrderedByCollator(schema, static_cast<int>(column.attribute));
     }
-    std::vector<Constant> withPatternRanges(const dp::TableSchema& schema,
-                                            const std::vector<Constant>& constants);
     PatternRanges& patterns() {
         if (!patternRanges) {
-            patternRanges = std::make_shared<PatternRanges>(options.collator);
+            patternRanges = std::make_shared<PatternRanges>(options.order);
         }
         return *patternRanges;
     }
-    QString searchSql(int index, const IndexColumns& columns, const std::vector<Constant>& constants) const;
 };
 
 void EngineIndicesSqlite::Internal::resetStatistics(int index) {
@@ -125,20 +121,20 @@ void EngineIndicesSqlite::Internal::resetStatistics(int index) {
     statistics.largestGroup = query.integer(1);
     statistics.smallestGroup = query.integer(2);
     statistics.known = allKnown;
-    found->second.groups = 0;
+    auto& groups = found->second.groups;
+    groups.assign(static_cast<std::size_t>(found->second.columns.size()), {});
+    groups.back() = {0, statistics.largestGroup, statistics.smallestGroup};
 }
 
-void EngineIndicesSqlite::Internal::resetStatistics(int index, const GroupCounts* counts) {
+void EngineIndicesSqlite::Internal::resetStatistics(int index, qint64 rows,
+                                                    SqliteLoader::GroupCounts groups) {
     const auto found = indices.find(index);
-    if (found == indices.end()) {
-        return;
-    }
-    if (!counts) {
+    if (found == indices.end() || groups.empty()) {
         resetStatistics(index);
         return;
     }
-    found->second.statistics = {allKnown, counts->rows, counts->largestGroup, counts->smallestGroup};
-    found->second.groups = static_cast<unsigned long long>(counts->groups);
+    found->second.statistics = {allKnown, rows, groups.back().largest, groups.back().smallest};
+    found->second.groups = std::move(groups);
 }
 
 bool EngineIndicesSqlite::Internal::isOrderedByCollator(const dp::TableSchema& schema, int attribute) const {
@@ -146,50 +142,12 @@ bool EngineIndicesSqlite::Internal::isOrderedByCollator(const dp::TableSchema& s
            schema.at(attribute)->type() == QMetaType::QString;
 }
 
-std::vector<EngineIndices::Constant>
-EngineIndicesSqlite::Internal::withPatternRanges(const dp::TableSchema& schema,
-                                                 const std::vector<Constant>& constants) {
-    std::vector<Constant> expanded;
-    for (const Constant& constant : constants) {
-        if (isNarrowed(schema, {static_cast<quint32>(constant.attribute), constant.operation}) &&
-            !constant.value.isNull()) {
-            const PatternRange range =
-                patterns().find(constant.value.toString().toStdString(), constant.operation);
-            if (!range.lower.empty()) {
-                expanded.push_back({constant.attribute, GreaterOrEqual, QString::fromStdString(range.lower)});
-            }
-            if (!range.upper.empty()) {
-                expanded.push_back({constant.attribute, Less, QString::fromStdString(range.upper)});
-            }
-        }
-        expanded.push_back(constant);
-    }
-    return expanded;
-}
-
-QString EngineIndicesSqlite::Internal::searchSql(int index, const IndexColumns& columns,
-                                                 const std::vector<Constant>& constants) const {
-    QString conditions;
-    for (const Constant& constant : constants) {
-        if (!covers(columns, constant.attribute)) {
-            continue;
-        }
-        conditions +=
-            (conditions.isEmpty() ? QString() : QStringLiteral(" And ")) + indexColumn(constant.attribute);
-        conditions += constant.value.isNull() ? QStringLiteral(" Is Null")
-                                              : operatorText(constant.operation) + sqlLiteral(constant.value);
-    }
-    return conditions.isEmpty() ? QString()
-                                : QStringLiteral("Select id From ") + indexTable(index) +
-                                      QStringLiteral(" Where ") + conditions + QLatin1Char(';');
-}
-
 EngineIndicesSqlite::EngineIndicesSqlite(const EngineIndicesSetup& setup, EngineCache& cache)
     : EngineIndices(setup, cache), internal_(std::make_unique<Internal>()) {
     internal_->options.caseInsensitiveGlob = setup.value("UseCaseInsensitiveGlob", false).toBool();
     internal_->options.caseInsensitiveLike = setup.value("UseCaseInsensitiveLike", false).toBool();
     internal_->options.collate = setup.value("Collate", QString()).toString();
-    internal_->options.collator = collator();
+    internal_->options.order = LocaleOrder::current();
 }
 
 EngineIndicesSqlite::~EngineIndicesSqlite() {
@@ -275,17 +233,22 @@ EngineIndices::FeatureIds EngineIndicesSqlite::findRows(int index,
     FeatureIds ids(
         [](const dp::FeatureId& a, const dp::FeatureId& b) { return variantCompare(a.value(), b.value()); });
     const IndexEntry* entry = internal_->find(index);
-    if (!isCorrect() || !entry) {
-        return ids;
+    std::vector<Column> columns;
+    std::vector<dp::Cell> operands;
+    std::vector<std::string> texts(constants.size());
+    for (const Constant& constant : constants) {
+        if (entry && covers(entry->columns, constant.attribute)) {
+            const quint8 operation = constant.value.isNull() ? quint8(Is) : constant.operation;
+            columns.push_back({static_cast<quint32>(constant.attribute), operation});
+            operands.push_back(operandOf(constant.value, texts[operands.size()]));
+        }
     }
-    const QString sql =
-        internal_->searchSql(index, entry->columns, internal_->withPatternRanges(*schema(), constants));
-    if (sql.isEmpty()) {
-        return ids;
-    }
-    dp::SqliteStatement query = internal_->database->query(sql);
-    while (query.next()) {
-        ids.insert(cache().intToId(query.integer(0)));
+    const auto lookup = columns.empty() ? nullptr : getLookup(index, columns, RowOrder::Any);
+    if (lookup) {
+        lookup->start(operands);
+        for (qint64 row = 0; lookup->next(row);) {
+            ids.insert(cache().intToId(row));
+        }
     }
     return ids;
 }
@@ -354,14 +317,17 @@ std::unique_ptr<EngineIndices::RowLoader> EngineIndicesSqlite::getLoader(int ind
     if (!isCorrect() || !entry || entry->columns.isEmpty()) {
         return nullptr;
     }
-    std::vector<bool> collated;
+    std::vector<engine::RowOrder::Key> keys;
     for (const qint32 column : entry->columns) {
-        collated.push_back(internal_->isOrderedByCollator(*schema(), column));
+        keys.push_back({internal_->isOrderedByCollator(*schema(), column) ? dp::TextCollation::Locale
+                                                                          : dp::TextCollation::Binary});
     }
     return std::make_unique<SqliteLoader>(
-        internal_->database, index, entry->columns,
-        RowSorter(std::move(collated), internal_->options.collator),
-        [this, index](const GroupCounts* counts) { internal_->resetStatistics(index, counts); }, progress);
+        internal_->database, index, entry->columns, std::move(keys), internal_->options.order,
+        [this, index](qint64 rows, SqliteLoader::GroupCounts groups) {
+            internal_->resetStatistics(index, rows, std::move(groups));
+        },
+        progress);
 }
 
 std::unique_ptr<EngineIndices::RowLookup>
@@ -391,9 +357,11 @@ EngineIndicesSqlite::getLookup(int index, std::span<const Column> columns, RowOr
     return std::make_unique<SqliteLookup>(internal_->lookups, std::move(search), internal_->patternRanges);
 }
 
-unsigned long long EngineIndicesSqlite::groups(int index) const {
+EngineIndices::Groups EngineIndicesSqlite::groups(int index, int columns) const {
     const IndexEntry* entry = internal_->find(index);
-    return isCorrect() && entry ? entry->groups : 0;
+    const bool isKnown =
+        isCorrect() && entry && columns > 0 && static_cast<std::size_t>(columns) <= entry->groups.size();
+    return isKnown ? entry->groups[static_cast<std::size_t>(columns) - 1] : Groups();
 }
 
 bool EngineIndicesSqlite::narrows(quint8 operation, std::string_view pattern) const {

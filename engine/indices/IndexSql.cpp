@@ -1,5 +1,6 @@
 #include "engine/indices/IndexSql.h"
 
+#include "engine/expression/StoredValue.h"
 #include "platform/decimal/QDecNumber.h"
 #include "platform/utils/MetaTypes.h"
 #include <orvane/engine/functions/Converters.h>
@@ -94,6 +95,19 @@ QString sqlLiteral(const QVariant& value) {
         return decimalLiteral(value.value<QDecNumber>());
     }
     return quoted(value.toString());
+}
+
+dp::Cell operandOf(const QVariant& value, std::string& memory) {
+    if (value.userType() == qMetaTypeId<QDecNumber>()) {
+        const auto number = value.value<QDecNumber>();
+        const QString text = decNumberToString(number);
+        return text.back().isDigit() ? storedValue(text, Affinity::Numeric, memory)
+                                     : dp::Cell::ofReal(number.toDouble());
+    }
+    if (isStandardType(value.userType()) && value.userType() != QMetaType::Float) {
+        return storedValue(value, Affinity::Blob, memory);
+    }
+    return storedValue(value.toString(), Affinity::Text, memory);
 }
 
 QString createIndexSql(const QString& table, const std::vector<EngineIndices::Column>& columns,

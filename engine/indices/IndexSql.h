@@ -18,6 +18,10 @@ QString operatorText(quint8 operation);
 /// its first zero character, and a number that is none is Null: neither can be written.
 QString sqlLiteral(const QVariant& value);
 
+/// The value as the literal shows it to SQL. Texts are put into `memory`, which they need as long as the cell
+/// is used.
+dp::Cell operandOf(const QVariant& value, std::string& memory);
+
 /// "Create Temporary Table i1(c3 Integer,c5 Varchar(30) Collate Locale,id Int,Primary Key(c3,c5,id));"
 /// Attributes that are not simple are left out; empty when none is left.
 QString createIndexSql(const QString& table, const std::vector<EngineIndices::Column>& columns,

@@ -58,14 +58,14 @@ const std::vector<std::string>& joiners() {
 
 } // namespace
 
-PatternRanges::PatternRanges(const QCollator& collator) : order_(collator) {
+PatternRanges::PatternRanges(std::shared_ptr<const LocaleOrder> order) : order_(std::move(order)) {
     std::map<std::string, std::string> plain; // by key, which is as long as all others
     constexpr std::pair<char32_t, char32_t> ranked[] = {{0x20, 0x7e}, {0x400, 0x47f}};
     for (const auto& [first, last] : ranked) {
         for (char32_t character = first; character <= last; ++character) {
             std::string text = toUtf8(character);
             std::string key;
-            if (order_.plainKey(text, key)) {
+            if (order_->plainKey(text, key)) {
                 plain.emplace(std::move(key), std::move(text));
             }
         }
@@ -83,8 +83,8 @@ void PatternRanges::appendLetterBehind() {
     std::string next;
     for (const char32_t letter : firstLetters) {
         std::string text = toUtf8(letter);
-        const bool isBehind = !alphabet_.empty() && order_.compare(alphabet_.back() + '1', text + '0') < 0;
-        if (isBehind && (next.empty() || order_.compare(text, next) < 0)) {
+        const bool isBehind = !alphabet_.empty() && order_->compare(alphabet_.back() + '1', text + '0') < 0;
+        if (isBehind && (next.empty() || order_->compare(text, next) < 0)) {
             next = std::move(text);
         }
     }
@@ -95,13 +95,13 @@ void PatternRanges::appendLetterBehind() {
 
 std::optional<PatternRanges::Place> PatternRanges::plainPlace(const std::string& character) const {
     std::string key;
-    const auto place = order_.plainKey(character, key) ? plainPlaces_.find(key) : plainPlaces_.end();
+    const auto place = order_->plainKey(character, key) ? plainPlaces_.find(key) : plainPlaces_.end();
     return place == plainPlaces_.end() ? std::nullopt : std::optional(place->second);
 }
 
 /// Whether two characters differ in accents or case at most, so that what follows them decides first.
 bool PatternRanges::sharePlace(const std::string& a, const std::string& b) const {
-    return order_.compare(a + '0', b + '1') < 0 && order_.compare(b + '0', a + '1') < 0;
+    return order_->compare(a + '0', b + '1') < 0 && order_->compare(b + '0', a + '1') < 0;
 }
 
 /// The place of a plain character, or that of the letter to which the marks of the character are but accents.
@@ -140,9 +140,9 @@ const PatternRanges::Ending& PatternRanges::ending(char32_t character) {
     for (const char32_t form : formsOf(character)) {
         for (const std::string& joiner : joiners()) {
             const std::string joined = toUtf8(form) + joiner;
-            found.isLowest = found.isLowest && order_.compare(joined, alphabet_[place]) >= 0;
+            found.isLowest = found.isLowest && order_->compare(joined, alphabet_[place]) >= 0;
             while (found.after < alphabet_.size() &&
-                   order_.compare(joined + '1', alphabet_[found.after] + '0') >= 0) {
+                   order_->compare(joined + '1', alphabet_[found.after] + '0') >= 0) {
                 ++found.after;
             }
         }

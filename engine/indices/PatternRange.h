@@ -4,6 +4,7 @@
 
 #include <QtGlobal>
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -27,7 +28,7 @@ struct PatternRange {
 /// after "z"). Not for use from two threads at once.
 class PatternRanges {
 public:
-    explicit PatternRanges(const QCollator& collator);
+    explicit PatternRanges(std::shared_ptr<const LocaleOrder> order);
 
     /// A zero byte ends the pattern. Any operation but Like and Glob has no bounds.
     PatternRange find(std::string_view pattern, quint8 operation);
@@ -53,7 +54,7 @@ private:
     std::optional<Place> plainPlace(const std::string& character) const;
     bool sharePlace(const std::string& a, const std::string& b) const;
 
-    LocaleOrder order_;
+    std::shared_ptr<const LocaleOrder> order_;
     std::vector<std::string> alphabet_;                  ///< one plain character of each rank, in order, and
                                                          ///< a letter behind them
     std::unordered_map<std::string, Place> plainPlaces_; ///< by LocaleOrder's key of a plain character

@@ -12,8 +12,8 @@ namespace {
 
 /// Rows are gathered up to this size before they are sorted and stored.
 constexpr std::size_t portionSize = std::size_t(128) << 20;
-constexpr std::size_t rowsPerStatement = 256;
-constexpr qint64 rowsPerReport = 4096;
+constexpr std::uint32_t rowsPerStatement = 256;
+constexpr std::size_t rowsPerReport = 4096;
 /// SQLite's default limit of parameters in a statement is 32766.
 static_assert(rowsPerStatement * 33 < 32766, "the columns of an index are few");
 
@@ -44,25 +44,38 @@ bool isEmpty(dp::SqliteDatabaseAccess& database, int index) {
 } // namespace
 
 SqliteLoader::SqliteLoader(std::shared_ptr<dp::SqliteDatabaseAccess> database, int index,
-                           const IndexColumns& columns, RowSorter sorter, Stored stored,
-                           work::Progress* progress)
+                           const IndexColumns& columns, std::vector<RowOrder::Key> keys,
+                           std::shared_ptr<const LocaleOrder> locale, Stored stored, work::Progress* progress)
     : database_(std::move(database)), work_(database_->open(QStringLiteral("addRows"))),
       insertMany_(insertStatement(*database_, index, columns, rowsPerStatement)),
-      insertOne_(insertStatement(*database_, index, columns, 1)), sorter_(std::move(sorter)),
-      stored_(std::move(stored)), isCounting_(isEmpty(*database_, index)), progress_(progress) {}
+      insertOne_(insertStatement(*database_, index, columns, 1)), keys_(std::move(keys)),
+      locale_(std::move(locale)), stored_(std::move(stored)), isCounting_(isEmpty(*database_, index)),
+      progress_(progress) {
+    restart();
+}
 
 SqliteLoader::~SqliteLoader() = default;
 
+void SqliteLoader::restart() {
+    order_.emplace(keys_, locale_);
+    texts_.emplace();
+    rows_.clear();
+}
+
 void SqliteLoader::addRow(qint64 row, std::span<const dp::Cell> values) {
-    if (values.size() != sorter_.columnCount()) {
+    if (values.size() != keys_.size()) {
         throw std::logic_error("an index row has one value per column");
     }
-    sorter_.add(row, values);
+    for (std::size_t key = 0; key < values.size(); ++key) {
+        order_->add(key, values[key], *texts_);
+    }
+    rows_.push_back(row);
+    ++rowCount_;
     if (++unreported_ == rowsPerReport) {
         cancellation_.check();
         report(std::exchange(unreported_, 0));
     }
-    if (sorter_.size() >= portionSize) {
+    if (order_->bytes() + texts_->size() + rows_.size() * sizeof rows_.front() >= portionSize) {
         storePortion();
         isCounting_ = false;
     }
@@ -71,59 +84,61 @@ void SqliteLoader::addRow(qint64 row, std::span<const dp::Cell> values) {
 void SqliteLoader::finish() {
     storePortion();
     work_.close();
-    stored_(isCounting_ ? &counts_ : nullptr);
+    stored_(rowCount_, isCounting_ ? std::move(groups_) : GroupCounts());
 }
 
 void SqliteLoader::countGroups() {
-    counts_.rows = static_cast<qint64>(sorter_.rowCount());
-    qint64 size = 0;
-    for (std::size_t position = 0; position < sorter_.rowCount(); ++position) {
-        ++size;
-        if (position + 1 < sorter_.rowCount() && sorter_.isSameGroup(position, position + 1)) {
-            continue;
+    groups_.assign(keys_.size(), {});
+    const std::uint32_t end = order_->all().end;
+    std::vector<std::uint32_t> begins(keys_.size(), 0);
+    for (std::uint32_t next = 1; next <= end; ++next) {
+        for (std::size_t key = next < end ? order_->firstDifference(next - 1, next) : 0; key < keys_.size();
+             ++key) {
+            const qint64 size = next - std::exchange(begins[key], next);
+            EngineIndices::Groups& groups = groups_[key];
+            groups.smallest = groups.number == 0 ? size : std::min(groups.smallest, size);
+            groups.largest = std::max(groups.largest, size);
+            ++groups.number;
         }
-        counts_.largestGroup = std::max(counts_.largestGroup, size);
-        counts_.smallestGroup = counts_.groups == 0 ? size : std::min(counts_.smallestGroup, size);
-        ++counts_.groups;
-        size = 0;
     }
 }
 
 void SqliteLoader::storePortion() {
     report(std::exchange(unreported_, 0));
-    sorter_.sort(cancellation_);
+    order_->arrangeInOrder(cancellation_, rows_);
     if (isCounting_) {
         countGroups();
     }
-    const std::size_t numRows = sorter_.rowCount();
-    std::size_t position = 0;
-    for (; numRows - position >= rowsPerStatement; position += rowsPerStatement) {
+    const std::uint32_t end = order_->all().end;
+    std::uint32_t place = 0;
+    for (; end - place >= rowsPerStatement; place += rowsPerStatement) {
         cancellation_.check();
-        insert(insertMany_, position, rowsPerStatement);
+        insert(insertMany_, place, rowsPerStatement);
         report(rowsPerStatement);
     }
     cancellation_.check();
-    const std::size_t rest = numRows - position;
-    for (; position < numRows; ++position) {
-        insert(insertOne_, position, 1);
+    const std::uint32_t rest = end - place;
+    for (; place < end; ++place) {
+        insert(insertOne_, place, 1);
     }
-    report(static_cast<qint64>(rest));
-    sorter_.clear();
+    report(rest);
+    restart();
 }
 
-void SqliteLoader::report(qint64 rows) {
+void SqliteLoader::report(std::size_t rows) {
     if (progress_) {
-        progress_->advance(rows);
+        progress_->advance(static_cast<qint64>(rows));
     }
 }
 
-void SqliteLoader::insert(dp::SqliteStatement& statement, std::size_t first, std::size_t count) {
+void SqliteLoader::insert(dp::SqliteStatement& statement, std::uint32_t first, std::uint32_t count) {
     int parameter = 0;
-    for (std::size_t position = first; position < first + count; ++position) {
-        for (std::size_t column = 0; column < sorter_.columnCount(); ++column) {
-            statement.bindView(++parameter, sorter_.value(position, column));
+    for (std::uint32_t place = first; place < first + count; ++place) {
+        const std::uint32_t row = order_->row(place);
+        for (std::size_t key = 0; key < keys_.size(); ++key) {
+            statement.bindView(++parameter, order_->value(row, key));
         }
-        statement.bind(++parameter, sorter_.row(position));
+        statement.bind(++parameter, static_cast<qint64>(rows_[row]));
     }
     statement.run();
 }

@@ -3,7 +3,6 @@
 #include "engine/indices/StorageFile.h"
 #include "platform/core/SqliteException.h"
 #include <orvane/engine/Collator.h>
-#include <orvane/engine/LocaleOrder.h>
 #include <orvane/engine/functions/Text.h>
 
 #include <sqlite3.h>
@@ -14,35 +13,33 @@ namespace orvane::engine {
 
 namespace {
 
-int compareUtf16(void* collator, int length1, const void* text1, int length2, const void* text2) {
-    return collatorCompare(*static_cast<const QCollator*>(collator), length1, text1, length2, text2);
+using Order = std::shared_ptr<const LocaleOrder>;
+
+const LocaleOrder& orderOf(void* kept) {
+    return **static_cast<const Order*>(kept);
+}
+
+int compareUtf16(void* order, int length1, const void* text1, int length2, const void* text2) {
+    return collatorCompare(orderOf(order).collator(), length1, text1, length2, text2);
 }
 
 /// The database holds its texts in UTF-8. Without this form of the collation SQLite would allocate a
 /// converted copy of both texts for every comparison.
 int compareUtf8(void* order, int length1, const void* text1, int length2, const void* text2) {
-    return static_cast<const LocaleOrder*>(order)->compare(
-        {static_cast<const char*>(text1), static_cast<std::size_t>(length1)},
-        {static_cast<const char*>(text2), static_cast<std::size_t>(length2)});
+    return orderOf(order).compare({static_cast<const char*>(text1), static_cast<std::size_t>(length1)},
+                                  {static_cast<const char*>(text2), static_cast<std::size_t>(length2)});
 }
 
-/// Registers one form of a collation, which keeps what it compares with.
-template<typename Order>
-void addCollation(sqlite3* database, const QString& name, int encoding, std::unique_ptr<Order> order,
+/// Registers one form of the collation, which keeps what it compares with.
+void addCollation(sqlite3* database, const StorageOptions& options, int encoding,
                   int (*compare)(void*, int, const void*, int, const void*)) {
-    const auto remove = [](void* kept) { delete static_cast<Order*>(kept); };
-    if (sqlite3_create_collation_v2(database, name.toUtf8().constData(), encoding, order.get(), compare,
-                                    remove) != SQLITE_OK) {
-        throw err::SqliteException(database, name); // SQLite does not destroy what it refused
+    auto kept = std::make_unique<Order>(options.order);
+    const auto remove = [](void* order) { delete static_cast<Order*>(order); };
+    if (sqlite3_create_collation_v2(database, options.collate.toUtf8().constData(), encoding, kept.get(),
+                                    compare, remove) != SQLITE_OK) {
+        throw err::SqliteException(database, options.collate); // SQLite does not destroy what it refused
     }
-    order.release();
-}
-
-void registerCollation(sqlite3* database, const StorageOptions& options) {
-    addCollation(database, options.collate, SQLITE_UTF16, std::make_unique<QCollator>(options.collator),
-                 compareUtf16);
-    addCollation(database, options.collate, SQLITE_UTF8, std::make_unique<LocaleOrder>(options.collator),
-                 compareUtf8);
+    kept.release();
 }
 
 void registerFunction(sqlite3* database, const char* name, int arguments,
@@ -60,7 +57,8 @@ std::shared_ptr<dp::SqliteDatabaseAccess> openStorageDatabase(const QString& pat
     auto database = std::make_shared<dp::SqliteDatabaseAccess>(path);
     claimStorage(*database);
     if (!options.collate.isEmpty()) {
-        registerCollation(database->handle(), options);
+        addCollation(database->handle(), options, SQLITE_UTF16, compareUtf16);
+        addCollation(database->handle(), options, SQLITE_UTF8, compareUtf8);
     }
     if (options.caseInsensitiveLike) {
         registerFunction(database->handle(), "like", 2, caseInsensitiveLike);

@@ -1,15 +1,16 @@
 #pragma once
 
 #include "platform/dp/SqliteDatabaseAccess.h"
+#include <orvane/engine/LocaleOrder.h>
 
-#include <QCollator>
+#include <memory>
 
 namespace orvane::engine {
 
 /// What the statements of an index database need besides SQLite.
 struct StorageOptions {
-    QString collate; ///< the name under which the collator orders texts; none when empty
-    QCollator collator;
+    QString collate; ///< the name under which texts are ordered; none when empty
+    std::shared_ptr<const LocaleOrder> order;
     bool caseInsensitiveLike = false;
     bool caseInsensitiveGlob = false;
 };

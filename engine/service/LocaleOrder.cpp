@@ -50,7 +50,7 @@ std::shared_ptr<const LocaleOrder> LocaleOrder::current() {
     };
     thread_local Made made;
     if (!made.order || made.locale != QLocale()) {
-        made = {QLocale(), std::make_shared<const LocaleOrder>(collator())};
+        made = {QLocale(), std::make_shared<const LocaleOrder>(engine::collator())};
     }
     return made.order;
 }
@@ -188,8 +188,7 @@ int LocaleOrder::compareByCollator(std::string_view a, std::string_view b) const
                            right.constData());
 }
 
-bool LocaleOrder::plainKey(std::string_view text, std::string& key) const {
-    key.clear();
+bool LocaleOrder::appendPlainKey(std::string_view text, std::string& key) const {
     const char* at = text.data();
     const char* const end = at + text.size();
     while (at != end) {

@@ -323,16 +323,15 @@ int AttributeIndexing::indexOn(int attribute, const EngineIndices& store) const 
 
 std::optional<double> AttributeIndexing::averageGroup(int attribute, const EngineIndices& store) const {
     const int index = indexOn(attribute, store);
-    const unsigned long long groups = index < 0 ? 0 : store.groups(index);
-    return groups == 0 ? std::nullopt
-                       : std::optional(static_cast<double>(store.statistics(index).rows) /
-                                       static_cast<double>(groups));
+    const EngineIndices::Groups groups = store.groups(index, 1);
+    return groups.number == 0 ? std::nullopt
+                              : std::optional(static_cast<double>(store.statistics(index).rows) /
+                                              static_cast<double>(groups.number));
 }
 
 std::optional<double> AttributeIndexing::largestGroup(int attribute, const EngineIndices& store) const {
-    const int index = indexOn(attribute, store);
-    return index < 0 ? std::nullopt
-                     : std::optional(static_cast<double>(store.statistics(index).largestGroup));
+    const EngineIndices::Groups groups = store.groups(indexOn(attribute, store), 1);
+    return groups.largest == 0 ? std::nullopt : std::optional(static_cast<double>(groups.largest));
 }
 
 std::optional<double> AttributeIndexing::countRows(int attribute, Comparison comparison,

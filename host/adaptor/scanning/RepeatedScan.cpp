@@ -53,7 +53,8 @@ dp::Cursor* RepeatedScan::find(dp::Table& table, const dp::ScanRequest& request,
     const auto term = std::find_if(request.terms.begin(), request.terms.end(), [this](const auto& each) {
         return each.attribute == key_.attribute && each.collation == key_.collation && isUsable(each);
     });
-    cursor_.start(*rows_, term == request.terms.end() ? rows_->all() : rows_->find(term->operands.front()));
+    cursor_.start(*rows_, term == request.terms.end() ? rows_->all()
+                                                      : rows_->find(dp::cellOf(term->operands.front())));
     return &cursor_;
 }
 

@@ -59,6 +59,13 @@ public:
 
     enum class Status : int { Stop = 0, Continue = 1 };
 
+    /// Groups of rows that agree in the first attributes of an index.
+    struct Groups {
+        qint64 number = 0;  ///< 0 when it is not known
+        qint64 largest = 0; ///< likewise
+        qint64 smallest = 0;
+    };
+
     /// The order in which a look-up delivers its rows: of no concern, or that of the index's columns (NULL
     /// first), or its reverse.
     enum class RowOrder : quint8 { Any, Ascending, Descending };
@@ -87,9 +94,7 @@ public:
         /// One value per column of the index, in index order. Geometries are not indexed. The views are
         /// copied.
         virtual void addRow(qint64 row, std::span<const dp::Cell> values) = 0;
-        /// Stores what was added and brings the statistics up to date. Without it nothing is stored. Groups
-        /// are counted by the sorter when it had all rows at once: there texts agree if they do so letter by
-        /// letter.
+        /// Stores what was added and brings the statistics up to date. Without it nothing is stored.
         virtual void finish() = 0;
     };
 
@@ -165,9 +170,9 @@ public:
     /// it does not cover.
     virtual std::unique_ptr<RowLookup> getLookup(int index, std::span<const Column> columns,
                                                  RowOrder order = RowOrder::Any) const = 0;
-    /// Number of different combinations of values, so that rows / groups is the size of the average group; 0
-    /// when it is not known.
-    virtual unsigned long long groups(int index) const = 0;
+    /// The groups of rows that agree in the first so many attributes, from 1 on, of an index. All is known
+    /// when one loader stored all rows in one portion.
+    virtual Groups groups(int index, int columns) const = 0;
     /// Whether a Like or Glob search in a text column with that pattern (UTF-8) reads a part of the index
     /// only: the pattern begins with letters, and the texts that begin so are neighbours.
     virtual bool narrows(quint8 operation, std::string_view pattern) const = 0;

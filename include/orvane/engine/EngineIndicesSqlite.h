@@ -29,7 +29,7 @@ public:
     std::unique_ptr<RowLoader> getLoader(int index, work::Progress* progress) override;
     std::unique_ptr<RowLookup> getLookup(int index, std::span<const Column> columns,
                                          RowOrder order) const override;
-    unsigned long long groups(int index) const override;
+    Groups groups(int index, int columns) const override;
     bool narrows(quint8 operation, std::string_view pattern) const override;
     unsigned long long countRows(int index, const Column& column, const dp::Cell& operand,
                                  unsigned long long most) const override;

@@ -28,9 +28,16 @@ public:
     int compare(std::string_view a, std::string_view b) const;
     bool equal(std::string_view a, std::string_view b) const { return a == b || compare(a, b) == 0; }
 
-    /// Stores the ranks of a text that is all plain characters, else returns false. Two such texts are equal
-    /// when their ranks are, and ordered as their ranks are.
-    bool plainKey(std::string_view text, std::string& key) const;
+    /// Stores the ranks of a text that is all plain characters, none of them zero, else returns false. Two
+    /// such texts are equal when their ranks are, and ordered as their ranks are.
+    bool plainKey(std::string_view text, std::string& key) const {
+        key.clear();
+        return appendPlainKey(text, key);
+    }
+    /// The same behind what the key holds; undefined bytes are appended where the answer is false.
+    bool appendPlainKey(std::string_view text, std::string& key) const;
+
+    const QCollator& collator() const { return collator_; }
 
 private:
     /// Positions in ranks_: ASCII, then the 128 characters from U+0400 on, which take two bytes each.

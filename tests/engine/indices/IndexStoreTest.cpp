@@ -17,7 +17,7 @@ TEST_F(IndexStore, AnswersNothingBeforeItHasStorage) {
     store_->setQuantity(7);
     EXPECT_EQ(store_->quantity(), 0U);
     EXPECT_EQ(store_->estimateRows(1, {{0, 1}}), 0U);
-    EXPECT_EQ(store_->groups(1), 0U);
+    EXPECT_EQ(store_->groups(1, 1).number, 0);
     EXPECT_EQ(store_->getLoader(1), nullptr);
     EXPECT_EQ(store_->getLookup(1, {}), nullptr);
     store_->dropIndex(1);

@@ -36,11 +36,14 @@ TEST_P(RowLoaderOrder, StoresWhatAnInserterStoresAndKnowsTheSameGroups) {
     const std::vector<double> numbers = {-1e300, -1, -0.0, 0, 0.5, 3, 1e18};
     std::mt19937 random(7);
     std::vector<std::vector<QVariant>> rows;
+    std::map<QString, qint64> groups;
     for (int i = 0; i < 2000; ++i) {
         const auto word = unsigned(random() % unsigned(words.size() + 1));
         const auto number = unsigned(random() % unsigned(numbers.size() + 1));
         rows.push_back({word == words.size() ? QVariant() : QString::fromStdString(words[word]),
                         number == numbers.size() ? QVariant() : numbers[number]});
+        const QString key = rows.back()[0].isValid() ? rows.back()[0].toString() : QStringLiteral("NULL");
+        ++groups[GetParam() ? key.toCaseFolded() : key];
     }
     const int inserted = makeIndex();
     insert(inserted, rows);
@@ -67,7 +70,14 @@ TEST_P(RowLoaderOrder, StoresWhatAnInserterStoresAndKnowsTheSameGroups) {
     EXPECT_EQ(store_->statistics(loaded).rows, statistics.rows);
     EXPECT_EQ(store_->statistics(loaded).largestGroup, statistics.largestGroup);
     EXPECT_EQ(store_->statistics(loaded).smallestGroup, statistics.smallestGroup);
-    EXPECT_EQ(store_->groups(loaded), (differentWords + 1) * 7); // with NULL among both
+    EXPECT_EQ(store_->groups(loaded, 1).number, differentWords + 1); // with NULL among both
+    EXPECT_EQ(store_->groups(loaded, 1).largest,
+              std::max_element(groups.begin(), groups.end(), [](const auto& a, const auto& b) {
+                  return a.second < b.second;
+              })->second);
+    EXPECT_EQ(store_->groups(loaded, 2).number, (differentWords + 1) * 7);
+    EXPECT_EQ(store_->groups(loaded, 2).largest, statistics.largestGroup);
+    EXPECT_EQ(store_->groups(loaded, 3).number, 0);
 }
 
 INSTANTIATE_TEST_SUITE_P(Orders, RowLoaderOrder, testing::Bool());
@@ -82,7 +92,7 @@ TEST_F(RowLoaderTest, TextsWithZerosInThemStayApart) {
         loader->addRow(row, Cells{dp::Cell::ofText(texts[row]), dp::Cell::ofInteger(1)});
     }
     loader->finish();
-    EXPECT_EQ(store_->groups(index), std::size(texts));
+    EXPECT_EQ(store_->groups(index, 1).number, std::size(texts));
     EXPECT_EQ(all(index), (std::vector<qint64>{7, 6, 5, 4, 3, 2, 1, 0}));
 }
 
@@ -127,7 +137,7 @@ TEST_F(RowLoaderTest, AnEmptyTableHasNoGroups) {
     store_->getLoader(index)->finish();
     EXPECT_EQ(store_->statistics(index).known, 7U);
     EXPECT_EQ(store_->statistics(index).rows, 0);
-    EXPECT_EQ(store_->groups(index), 0U);
+    EXPECT_EQ(store_->groups(index, 1).number, 0);
     EXPECT_TRUE(all(index).empty());
 }
 

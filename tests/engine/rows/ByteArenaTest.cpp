@@ -1,11 +1,11 @@
-#include "host/adaptor/rows/ByteArena.h"
+#include <orvane/engine/rows/ByteArena.h>
 
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
-using orvane::adaptor::ByteArena;
+using orvane::engine::ByteArena;
 
 TEST(ByteArena, KeepsCopiesInPlaceInMemoryAndInItsFile) {
     ByteArena arena;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <orvane/engine/Export.h>
+
 #include <QTemporaryFile>
 
 #include <cstddef>
@@ -7,11 +9,11 @@
 #include <string_view>
 #include <vector>
 
-namespace orvane::adaptor {
+namespace orvane::engine {
 
 /// Keeps copies of bytes at addresses that do not change until the arena goes. What is above `heapBytes` lies
 /// in a nameless temporary file that is mapped into memory, so that the system can write it out.
-class ByteArena {
+class ORVANE_ENGINE_EXPORT ByteArena {
 public:
     static constexpr std::size_t heapBytes = std::size_t{64} << 20;
 
@@ -31,4 +33,4 @@ private:
     std::size_t size_ = 0;
 };
 
-} // namespace orvane::adaptor
+} // namespace orvane::engine

@@ -1,11 +1,10 @@
 #pragma once
 
-#include "host/adaptor/rows/ByteArena.h"
-
 #include "platform/dp/Cursor.h"
 #include "platform/dp/ScanRequest.h"
 #include "platform/work/Cancellation.h"
 #include <orvane/engine/LocaleOrder.h>
+#include <orvane/engine/rows/ByteArena.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -14,9 +13,9 @@
 #include <string_view>
 #include <vector>
 
-namespace orvane::adaptor {
+namespace orvane::engine {
 
-/// The different values of a column, and their order as SQLite has it: NULL, then numbers or texts. Each
+/// The different values of a column, and their order as SQLite has it: NULL, numbers, texts, bytes. Each
 /// value gets a code when it is added and, once all are there, a rank, which is the same for values that are
 /// equal under the collation.
 class ValueRanks {
@@ -29,8 +28,10 @@ public:
     static constexpr double bytesPerValue =
         sizeof(dp::Cell) + 3 * sizeof(Code) + 2 * sizeof(Rank) + sizeof(Code);
 
-    /// Texts are compared under the collation; numbers by their value, whether integer or real.
-    explicit ValueRanks(dp::TextCollation collation);
+    /// Texts are compared under the collation, which may be Locale only with `locale`; numbers by their
+    /// value, whether integer or real.
+    ValueRanks(dp::TextCollation collation, std::shared_ptr<const LocaleOrder> locale)
+        : collation_(collation), locale_(std::move(locale)) {}
 
     /// The code of a value: 0 for NULL, else from 1 on.
     Code add(const dp::Cell& value, ByteArena& texts);
@@ -45,17 +46,25 @@ public:
     Rank rankEnd() const { return rankEnd_; }
     /// The rank of the values that are equal to the operand; nothing when there are none. NULL is equal to
     /// NULL.
-    std::optional<Rank> find(const dp::ScanValue& operand) const;
+    std::optional<Rank> find(const dp::Cell& operand) const;
+
+    /// Bytes taken, about, besides the texts.
+    std::size_t bytes() const { return values_.size() * sizeof(dp::Cell) + slots_.size() * sizeof(Code); }
 
 private:
-    int compare(const dp::Cell& a, const dp::Cell& b) const;
+    bool isLess(const dp::Cell& a, const dp::Cell& b) const;
+    bool isSame(const dp::Cell& a, const dp::Cell& b) const;
     int compareTexts(std::string_view a, std::string_view b) const;
+    bool appendKey(const dp::Cell& value, std::string& key) const;
+    std::vector<Code> sorted(const work::Cancellation& cancellation) const;
+    std::vector<Code> sortedByComparing(std::vector<Code> texts,
+                                        const work::Cancellation& cancellation) const;
     /// The slot of a value or, when it has none, the free one for it.
     std::size_t slotOf(const dp::Cell& value) const;
     void growSlots();
 
     dp::TextCollation collation_;
-    std::shared_ptr<const engine::LocaleOrder> locale_;
+    std::shared_ptr<const LocaleOrder> locale_;
     bool hasTexts_ = false;
     std::vector<dp::Cell> values_{dp::Cell()}; ///< by code
     std::vector<Code> slots_;  ///< a hash table of the codes by value, 0 for a free slot; a power of two
@@ -64,4 +73,4 @@ private:
     Rank rankEnd_ = 1;
 };
 
-} // namespace orvane::adaptor
+} // namespace orvane::engine

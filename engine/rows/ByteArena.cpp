@@ -1,10 +1,10 @@
-#include "host/adaptor/rows/ByteArena.h"
+#include <orvane/engine/rows/ByteArena.h>
 
 #include <algorithm>
 #include <cstring>
 #include <new>
 
-namespace orvane::adaptor {
+namespace orvane::engine {
 
 namespace {
 
@@ -56,4 +56,4 @@ char* ByteArena::map(std::size_t size) {
     return reinterpret_cast<char*>(block);
 }
 
-} // namespace orvane::adaptor
+} // namespace orvane::engine

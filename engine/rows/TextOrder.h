@@ -8,9 +8,9 @@
 
 namespace orvane::engine {
 
-/// Bytes whose order is about the order of texts under a collator: exactly, as far as it goes by single
-/// characters. Where a locale orders by more than that (accents after all letters, digraphs) neighbours may
-/// change places.
+/// Bytes whose order is about the order of texts under a collator: as far as it goes by the letters one by
+/// one, accents and letter case left out. Texts that a locale tells apart by more than that, or orders
+/// otherwise (digraphs, most scripts of Asia), may change places.
 class TextOrder {
 public:
     explicit TextOrder(const QCollator& collator);
@@ -21,8 +21,6 @@ public:
 private:
     /// Latin, Greek and Cyrillic letters have ranks by the collator, everything behind goes by its code.
     static constexpr int numRanked = 0x530;
-
-    void appendCode(ushort code, std::string& bytes) const;
 
     std::array<ushort, numRanked> ranks_;
 };
