@@ -2,6 +2,7 @@
 
 #include "TextArguments.h"
 #include "platform/utils/Compare.h"
+#include "platform/utils/DateTimes.h"
 #include "platform/utils/MetaTypes.h"
 #include "platform/utils/Quoting.h"
 
@@ -136,7 +137,8 @@ QString toString(const QTime& time) {
 }
 
 QString toString(const QDateTime& dateTime) {
-    return dateTime.toString(dateTimeFormat);
+    // The local clock does not show every wall clock that the object may hold.
+    return QDateTime(dateTime.date(), dateTime.time(), Qt::UTC).toString(dateTimeFormat);
 }
 
 QString toQString(sqlite3_value* value) {
@@ -158,7 +160,7 @@ qint64 toInt64(sqlite3_value* value, bool* ok) {
 }
 
 QTime toTime(sqlite3_value* value) {
-    if (sqlite3_value_type(value) == SQLITE_NULL) {
+    if (isNull(value)) {
         return {};
     }
     if (const char* common = bytes(value); common != nullptr) {
@@ -169,7 +171,7 @@ QTime toTime(sqlite3_value* value) {
         }
     }
     const QString text = latin1(value);
-    if (const QTime time = QDateTime::fromString(text, Qt::ISODate).time(); time.isValid()) {
+    if (const QTime time = utils::dateTimeOfText(text).time(); time.isValid()) {
         return time;
     }
     if (const QTime time = QTime::fromString(text, Qt::ISODate); time.isValid()) {
@@ -179,24 +181,23 @@ QTime toTime(sqlite3_value* value) {
 }
 
 QDate toDate(sqlite3_value* value) {
-    if (sqlite3_value_type(value) == SQLITE_NULL) {
+    const QDate date = toDateTime(value).date();
+    return date.isValid() || isNull(value) ? date : QDate::fromString(latin1(value), Qt::ISODate);
+}
+
+QDateTime toDateTime(sqlite3_value* value) {
+    if (isNull(value)) {
         return {};
     }
     if (const char* common = bytes(value); common != nullptr) {
         const QDate date = commonDate(common);
-        if (date.isValid() &&
-            (common[10] == '\0' || (joinsDateAndTime(common[10]) && commonTime(common + 11).isValid()))) {
-            return date;
+        const bool isWhole = date.isValid() && common[10] == '\0';
+        const QTime time = date.isValid() && joinsDateAndTime(common[10]) ? commonTime(common + 11) : QTime();
+        if (isWhole || time.isValid()) {
+            return QDateTime(date, isWhole ? QTime(0, 0) : time, Qt::UTC);
         }
     }
-    const QString text = latin1(value);
-    const QDate date = QDateTime::fromString(text, Qt::ISODate).date();
-    return date.isValid() ? date : QDate::fromString(text, Qt::ISODate);
-}
-
-QDateTime toDateTime(sqlite3_value* value) {
-    return sqlite3_value_type(value) == SQLITE_NULL ? QDateTime()
-                                                    : QDateTime::fromString(latin1(value), Qt::ISODate);
+    return utils::dateTimeOfText(latin1(value));
 }
 
 QString escapeString(QString text, char quote) {

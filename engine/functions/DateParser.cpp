@@ -61,83 +61,80 @@ int normalizedYear(int year) {
 class DateResolver {
 public:
     DateResolver(FieldCandidates& candidates, CallTime& callTime)
-        : callTime_(callTime), day_{candidates[0], undecidedPart, &QDate::day},
-          month_{candidates[1], undecidedPart, &QDate::month}, year_{candidates[2], undecidedYear,
-                                                                     &QDate::year},
-          weekday_(candidates[static_cast<size_t>(DateField::Weekday)]) {}
+        : candidates_(candidates), callTime_(callTime) {}
 
     QDate resolve() {
-        for (Part* part : parts_) {
-            if (part->candidates.list.isEmpty()) {
-                part->value = today(*part);
+        for (std::size_t field = 0; field < undecided.size(); ++field) {
+            if (candidates_[field].list.isEmpty()) {
+                chosen_[field] = today(field);
             }
         }
         eliminate();
-        if (weekday_.exist() && day_.isUndecided()) {
-            if (const QDate date = dateOnWeekday(weekday_.first()); date.isValid()) {
+        const Candidates& weekday = candidates_[static_cast<std::size_t>(DateField::Weekday)];
+        if (weekday.exist() && isUndecided(0)) {
+            if (const QDate date = dateOnWeekday(weekday.first()); date.isValid()) {
                 return date;
             }
         }
-        for (Part* part : parts_) {
-            if (part->isUndecided()) {
-                take(*part);
+        for (std::size_t field = 0; field < undecided.size(); ++field) {
+            if (isUndecided(field)) {
+                take(field);
             }
         }
-        return date(year_.value, month_.value, day_.value);
+        return date(chosen_[2], chosen_[1], chosen_[0]);
     }
 
 private:
-    static constexpr int undecidedPart = 0;
-    static constexpr int undecidedYear = -1;
+    /// Of the day, the month and the year.
+    static constexpr std::array<int, 3> undecided{0, 0, -1};
 
-    struct Part {
-        Candidates& candidates;
-        int undecided;
-        int (QDate::*ofDate)() const;
-        int value = undecided;
+    bool isUndecided(std::size_t field) const { return chosen_[field] == undecided[field]; }
 
-        bool isUndecided() const { return value == undecided; }
-        /// What the part may still be.
-        QVarLengthArray<int, 8> values() const {
-            QVarLengthArray<int, 8> result;
-            if (!isUndecided()) {
-                result.append(value);
-                return result;
-            }
-            for (const Candidate& candidate : candidates.list) {
-                result.append(candidate.value);
-            }
+    /// What the field may still be, each value once.
+    QVarLengthArray<int, 32> values(std::size_t field) const {
+        QVarLengthArray<int, 32> result;
+        if (!isUndecided(field)) {
+            result.append(chosen_[field]);
             return result;
         }
-    };
+        for (const Candidate& candidate : candidates_[field].list) {
+            if (!result.contains(candidate.value)) {
+                result.append(candidate.value);
+            }
+        }
+        return result;
+    }
 
-    int today(const Part& part) const { return (callTime_.today().*part.ofDate)(); }
+    int today(std::size_t field) {
+        const QDate today = callTime_.today();
+        return field == 0 ? today.day() : (field == 1 ? today.month() : today.year());
+    }
 
     static QDate date(int year, int month, int day) { return QDate(normalizedYear(year), month, day); }
 
-    /// The first candidate, which is then none of the other parts; today's value where none is left.
-    void take(Part& part) {
-        if (part.candidates.list.isEmpty()) {
-            part.value = today(part);
+    /// The first candidate, which is then none of the other fields; today's value where none is left.
+    void take(std::size_t field) {
+        if (candidates_[field].list.isEmpty()) {
+            chosen_[field] = today(field);
             return;
         }
-        const Candidate chosen = part.candidates.list.first();
-        part.value = chosen.value;
-        for (Part* other : parts_) {
-            if (other != &part) {
-                other->candidates.remove(chosen.token);
+        const Candidate chosen = candidates_[field].list.first();
+        chosen_[field] = chosen.value;
+        for (std::size_t other = 0; other < undecided.size(); ++other) {
+            if (other != field) {
+                candidates_[other].remove(chosen.token);
             }
         }
     }
 
-    /// Settles parts with one candidate. That may leave another part with one, unless the token was certain
+    /// Settles fields with one candidate. That may leave another field with one, unless the token was certain
     /// and stood nowhere else.
     void eliminate() {
         const auto settleOne = [this] {
-            for (Part* part : parts_) {
-                if (part->isUndecided() && part->candidates.list.size() == 1) {
-                    take(*part);
-                    if (part->candidates.best != Certain) {
+            for (std::size_t field = 0; field < undecided.size(); ++field) {
+                if (isUndecided(field) && candidates_[field].list.size() == 1) {
+                    take(field);
+                    if (candidates_[field].best != Certain) {
                         return true;
                     }
                 }
@@ -149,9 +146,11 @@ private:
     }
 
     QDate dateOnWeekday(int weekday) const {
-        for (const int year : year_.values()) {
-            for (const int month : month_.values()) {
-                for (const int day : day_.values()) {
+        const auto days = values(0);
+        const auto months = values(1);
+        for (const int year : values(2)) {
+            for (const int month : months) {
+                for (const int day : days) {
                     if (const QDate candidate = date(year, month, day); candidate.dayOfWeek() == weekday) {
                         return candidate;
                     }
@@ -161,12 +160,9 @@ private:
         return {};
     }
 
+    FieldCandidates& candidates_;
     CallTime& callTime_;
-    Part day_;
-    Part month_;
-    Part year_;
-    const Candidates& weekday_;
-    std::array<Part*, 3> parts_{&day_, &month_, &year_};
+    std::array<int, 3> chosen_ = undecided;
 };
 
 } // namespace

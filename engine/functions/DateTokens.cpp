@@ -75,17 +75,13 @@ int milliseconds(QStringView digits, int value) {
 }
 
 /// The field of a number before a colon; false when the rules for other numbers decide.
-bool scoreBeforeColon(DateToken& token, const DateTokens& earlier) {
-    const auto isTime = [](const DateToken& other) {
-        return other.isCertain(DateField::Hour) || other.isCertain(DateField::Minute) ||
-               other.isCertain(DateField::Second);
-    };
+bool scoreBeforeColon(DateToken& token, const DateTokens& earlier, bool hasTime) {
     DateField field = DateField::Hour;
     if (!earlier.empty() && earlier.back().isCertain(DateField::Minute)) {
         field = DateField::Second;
     } else if (!earlier.empty() && earlier.back().isCertain(DateField::Hour)) {
         field = DateField::Minute;
-    } else if (std::any_of(earlier.begin(), earlier.end(), isTime)) {
+    } else if (hasTime) {
         return false;
     }
     token.score(field) = Certain;
@@ -117,7 +113,8 @@ void scoreByContext(DateToken& token, QStringView digits, const DateTokens& earl
     token.score(DateField::Year) = Weak;
 }
 
-void addNumber(DateTokens& tokens, QStringView digits, QStringView separator) {
+/// `hasTime` says whether a token is certain to be an hour, a minute or a second.
+void addNumber(DateTokens& tokens, bool& hasTime, QStringView digits, QStringView separator) {
     const qint64 number = numberOfDigits(digits);
     if (number < 0) {
         return;
@@ -132,9 +129,11 @@ void addNumber(DateTokens& tokens, QStringView digits, QStringView separator) {
     DateToken token;
     token.value = value;
     const bool beforeColon = separator == QLatin1String(":");
-    if (!beforeColon || !scoreBeforeColon(token, tokens)) {
+    if (!beforeColon || !scoreBeforeColon(token, tokens, hasTime)) {
         scoreByContext(token, digits, tokens);
     }
+    hasTime = hasTime || token.isCertain(DateField::Hour) || token.isCertain(DateField::Minute) ||
+              token.isCertain(DateField::Second);
     tokens.push_back(token);
 }
 
@@ -184,13 +183,14 @@ DateTokens dateTokens(const QString& text, CallTime& callTime) {
         return tokens;
     }
     const QStringView all(text);
+    bool hasTime = false;
     for (int at = 0; at < text.size();) {
         const int digitsEnd = endOfRun(text, at, true);
         const int separatorEnd = endOfRun(text, digitsEnd, false);
         // A separator in front of the first digit belongs to no number and says nothing.
         if (digitsEnd > at) {
             const QStringView separator = all.mid(digitsEnd, separatorEnd - digitsEnd).trimmed();
-            addNumber(tokens, all.mid(at, digitsEnd - at), separator);
+            addNumber(tokens, hasTime, all.mid(at, digitsEnd - at), separator);
             addWord(tokens, separator);
         }
         at = separatorEnd;

@@ -1,6 +1,7 @@
 #include "platform/dp/CellConversion.h"
 
 #include "platform/geometry/forms/GeometryFactory.h"
+#include "platform/utils/DateTimes.h"
 
 #include <QDateTime>
 
@@ -29,7 +30,7 @@ QVariant fromText(const QString& text, int type) {
     switch (type) {
     case QMetaType::QDate: return orText(QDate::fromString(text, Qt::ISODate));
     case QMetaType::QTime: return orText(QTime::fromString(text, Qt::ISODateWithMs));
-    case QMetaType::QDateTime: return orText(QDateTime::fromString(text, Qt::ISODateWithMs));
+    case QMetaType::QDateTime: return orText(utils::dateTimeOfText(text));
     default: return text;
     }
 }

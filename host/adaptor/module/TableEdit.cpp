@@ -1,6 +1,7 @@
 #include "host/adaptor/module/TableEdit.h"
 
 #include "platform/geometry/shapes/Geometry.h"
+#include "platform/utils/DateTimes.h"
 #include <orvane/engine/EngineCache.h>
 
 #include <QCoreApplication>
@@ -60,12 +61,11 @@ QVariant realNumber(const Target& target, sqlite3_value* value) {
     return sqlite3_value_double(value);
 }
 
-/// A value that Qt reads from an ISO text.
-template<class Moment>
-QVariant moment(const Target& target, sqlite3_value* value, const QString& expected) {
-    const Moment parsed = sqlite3_value_type(value) == SQLITE_TEXT
-                              ? Moment::fromString(valueText(value), Qt::ISODate)
-                              : Moment();
+/// A value that is read from an ISO text.
+template<class Read>
+QVariant moment(const Target& target, sqlite3_value* value, Read read, const QString& expected) {
+    const bool isText = sqlite3_value_type(value) == SQLITE_TEXT;
+    const auto parsed = read(isText ? valueText(value) : QString());
     if (!parsed.isValid()) {
         refuse(target, expected, value);
     }
@@ -81,15 +81,16 @@ QVariant plainValue(const Target& target, sqlite3_value* value) {
     case QMetaType::Float:
     case QMetaType::Double: return realNumber(target, value);
     case QMetaType::QDate:
-        return moment<QDate>(target, value,
-                             QCoreApplication::translate("orvane::adaptor", "дата yyyy-MM-dd"));
+        return moment(
+            target, value, [](const QString& text) { return QDate::fromString(text, Qt::ISODate); },
+            QCoreApplication::translate("orvane::adaptor", "дата yyyy-MM-dd"));
     case QMetaType::QTime:
-        return moment<QTime>(target, value,
-                             QCoreApplication::translate("orvane::adaptor", "время hh:mm:ss.zzz"));
+        return moment(
+            target, value, [](const QString& text) { return QTime::fromString(text, Qt::ISODate); },
+            QCoreApplication::translate("orvane::adaptor", "время hh:mm:ss.zzz"));
     case QMetaType::QDateTime:
-        return moment<QDateTime>(
-            target, value,
-            QCoreApplication::translate("orvane::adaptor", "дата и время yyyy-MM-dd hh:mm:ss.zzz"));
+        return moment(target, value, &utils::dateTimeOfText,
+                      QCoreApplication::translate("orvane::adaptor", "дата и время yyyy-MM-dd hh:mm:ss.zzz"));
     case QMetaType::QByteArray:
         return QByteArray(static_cast<const char*>(sqlite3_value_blob(value)), sqlite3_value_bytes(value));
     default: break;

@@ -5,6 +5,7 @@
 #include "platform/dp/Table.h"
 #include "platform/geometry/forms/GeometryFactory.h"
 #include "platform/geometry/shapes/Geometry.h"
+#include "platform/utils/DateTimes.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
@@ -57,8 +58,7 @@ void writeMoment(OGRFeatureH feature, const LayerColumn& column, const dp::Attri
         time = isText ? QTime::fromString(value.toString(), Qt::ISODateWithMs) : value.toTime();
         break;
     default: {
-        const auto moment =
-            isText ? QDateTime::fromString(value.toString(), Qt::ISODateWithMs) : value.toDateTime();
+        const auto moment = isText ? utils::dateTimeOfText(value.toString()) : value.toDateTime();
         date = moment.date();
         time = moment.time();
     }

@@ -105,7 +105,9 @@ TEST(CellConversion, GivesTheTypeOfTheAttributeWhereItCanHoldTheValue) {
         {Cell::ofText("31.12.1969"), QMetaType::QDate, QStringLiteral("31.12.1969")},
         {Cell::ofText("23:59:58.125"), QMetaType::QTime, QTime(23, 59, 58, 125)},
         {Cell::ofText("2024-02-29 06:07:08.009"), QMetaType::QDateTime,
-         QDateTime(QDate(2024, 2, 29), QTime(6, 7, 8, 9))},
+         QDateTime(QDate(2024, 2, 29), QTime(6, 7, 8, 9), Qt::UTC)},
+        {Cell::ofText("2024-03-31 02:30:00"), QMetaType::QDateTime, // an hour that summer time skips
+         QDateTime(QDate(2024, 3, 31), QTime(2, 30), Qt::UTC)},
         {Cell::ofBytes(std::string_view("\0\xff", 2)), QMetaType::QByteArray, QByteArray("\0\xff", 2)},
     };
     for (const Case& test : cases) {
