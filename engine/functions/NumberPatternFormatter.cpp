@@ -11,84 +11,65 @@ namespace {
 
 constexpr int significantDigits = 15; // what a double holds of any decimal number
 
-/// Writes one number by one section, from left to right.
+/// Writes one number by one section, from left to right. The decimal digits are those of the number's
+/// shortest text: they are scaled and rounded as written, so that no binary fraction shows.
 class SectionFormatter {
 public:
     SectionFormatter(const PatternSection& section, const QLocale& locale)
-        : section_(section), locale_(locale) {
-        locale_.setNumberOptions(locale_.numberOptions() | QLocale::OmitGroupSeparator);
-    }
+        : section_(section), locale_(locale) {}
 
     QString format(double number) {
         if (std::signbit(number) && number != 0.0) {
             text_ += locale_.negativeSign();
         }
-        number = std::abs(number);
-        if (number != 0.0 && section_.scale != PatternSection::plainScale) {
-            number *= std::pow(10.0, static_cast<int>(section_.scale) -
-                                         static_cast<int>(PatternSection::plainScale));
-        }
         if (!std::isfinite(number)) {
             appendLiterals(PatternLiteral::Prefix);
-            text_ += locale_.toString(number);
-        } else if (section_.exponent) {
-            writeWithExponent(number);
+            text_ += locale_.toString(std::abs(number));
         } else {
-            writePlain(number);
+            utils::DecimalDigits digits(number);
+            digits.point += static_cast<int>(section_.scale) - static_cast<int>(PatternSection::plainScale);
+            section_.exponent ? writeWithExponent(digits) : writePlain(digits);
         }
         appendLiterals(PatternLiteral::Suffix);
         return text_;
     }
 
 private:
-    void writePlain(double number) {
+    void writePlain(utils::DecimalDigits& digits) {
         const int fractionDigits = section_.fractionDigits;
-        number = utils::getRound(number, fractionDigits);
-        appendLiterals(PatternLiteral::Prefix);
-        const double whole = std::floor(number);
-        QString digits;
-        if (whole != 0.0) {
-            digits = utils::castExponentialFormat(locale_.toString(whole, 'g', significantDigits), locale_,
-                                                  nullptr);
-        } else if (section_.zeroPlaceholder) {
-            digits = locale_.zeroDigit();
+        digits.round(fractionDigits);
+        if (digits.point > significantDigits) {
+            digits.keep(significantDigits);
         }
-        writeInteger(digits, section_.integerDigits);
+        appendLiterals(PatternLiteral::Prefix);
+        QString whole;
+        if (!digits.digits.empty() && digits.point > 0) {
+            whole = digits.slice(0, digits.point);
+        } else if (section_.zeroPlaceholder) {
+            whole = QLatin1Char('0');
+        }
+        writeInteger(localDigits(whole), section_.integerDigits);
         if (fractionDigits > 0) {
-            const QString fraction = locale_.toString(number - whole, 'f', fractionDigits);
-            writeFraction(fraction.mid(fraction.indexOf(locale_.decimalPoint()) + 1));
+            writeFraction(localDigits(digits.slice(digits.point, fractionDigits)));
         }
     }
 
     /// The mantissa has as many digits in front of the point as there are placeholders (at least one, at
     /// least four where a comma asks for a group) and as many behind it; so "0.00E+00" shows three
     /// significant digits.
-    void writeWithExponent(double number) {
+    void writeWithExponent(utils::DecimalDigits& digits) {
         const int integerDigits = std::max<int>(section_.integerDigits, section_.commaThenDigit ? 4 : 1);
         const int fractionDigits = section_.fractionDigits;
-        const int shown = integerDigits + fractionDigits;
-        const int precision = std::min(shown, significantDigits);
-
-        // Rounded as written first: the scientific text alone would round the binary value.
-        const int magnitude =
-            number == 0.0 ? 0 : exponentOf(QString::number(number, 'e', significantDigits + 1));
-        number = utils::getRound(number, precision - 1 - magnitude);
-        const QString scientific = QString::number(number, 'e', precision - 1);
-        QString digits = scientific.left(scientific.indexOf(QLatin1Char('e'))).remove(QLatin1Char('.'));
-        digits += QString(shown - precision, QLatin1Char('0'));
+        digits.keep(std::min(integerDigits + fractionDigits, significantDigits));
 
         appendLiterals(PatternLiteral::Prefix);
-        writeInteger(localDigits(digits.left(integerDigits)), integerDigits);
+        writeInteger(localDigits(digits.slice(0, integerDigits)), integerDigits);
         if (fractionDigits > 0) {
-            writeFraction(localDigits(digits.mid(integerDigits)));
+            writeFraction(localDigits(digits.slice(integerDigits, fractionDigits)));
         }
         appendLiterals(PatternLiteral::BeforeExponent);
-        writeExponent(number == 0.0 ? 0 : exponentOf(scientific) - (integerDigits - 1));
+        writeExponent(digits.digits.empty() ? 0 : digits.point - integerDigits);
         appendLiterals(PatternLiteral::InExponent);
-    }
-
-    static int exponentOf(const QString& scientific) {
-        return scientific.mid(scientific.indexOf(QLatin1Char('e')) + 1).toInt();
     }
 
     void writeExponent(int exponent) {

@@ -23,8 +23,8 @@ public:
         pattern_.valid_ = text.isEmpty() || !isExponentLetter(text.back());
         for (int i = 0; i < text.size() && pattern_.valid_; ++i) {
             if (text.at(i) == QLatin1Char('\\')) {
+                rejectUnsignedExponent();
                 if (++i < text.size()) {
-                    rejectUnsignedExponent();
                     literal(text.at(i));
                     previous_ = QChar();
                 }

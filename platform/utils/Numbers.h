@@ -5,7 +5,27 @@
 #include <QLocale>
 #include <QString>
 
+#include <string>
+
 namespace orvane::utils {
+
+/// The shortest decimal text that stands for a finite number, without its sign: 0.d1d2... times ten to the
+/// power of `point`.
+struct ORVANE_PLATFORM_EXPORT DecimalDigits {
+    explicit DecimalDigits(double value);
+
+    /// Rounds to the first `count` digits, halves up.
+    void keep(qint64 count);
+    /// Rounds to decimal places, to tens, hundreds, ... for a negative count.
+    void round(int places) { keep(qint64{point} + places); }
+    /// `count` digits from one on; zeros in front of the first and behind the last.
+    QString slice(int from, int count) const;
+    /// Infinity beyond the largest double.
+    double toDouble() const;
+
+    std::string digits; ///< none for zero
+    int point = 0;      ///< digits in front of the decimal point
+};
 
 /// The number rounded to `digits` decimal places, to tens, hundreds, ... for a negative count. Halves go away
 /// from zero, as written: the digits that decide are those of the shortest decimal text of the number,
@@ -24,10 +44,5 @@ ORVANE_PLATFORM_EXPORT QString toLocalizedString(double value, const QLocale& lo
 /// that is the null character or does not occur.
 ORVANE_PLATFORM_EXPORT QString separateThousands(QString text, QChar decimalPoint, QChar groupSeparator,
                                                  int from);
-
-/// A number text that the locale wrote with an exponent, in plain digits; any other text, also one with an
-/// exponent that no double has, as it is. `keep`, when given, is asked with the exponent and says whether the
-/// form stays.
-ORVANE_PLATFORM_EXPORT QString castExponentialFormat(QString text, const QLocale& locale, bool (*keep)(int));
 
 } // namespace orvane::utils

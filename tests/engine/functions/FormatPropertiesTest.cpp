@@ -49,6 +49,29 @@ TEST_P(FormatProperties, WhatTheFormattersWriteTheParsersReadBack) {
     }
 }
 
+/// Every scaling shifts the decimal text: what the digits say is rounded, half away from zero.
+TEST_P(FormatProperties, HalvesAreRoundedAsWritten) {
+    const struct {
+        const char* picture;
+        int places; ///< of the number, the last of which is rounded away
+        const char* sign;
+    } pictures[] = {{"0", 1, ""},   {"0.000", 4, ""}, {"0%", 3, "%"},   {"0.0%", 4, "%"},
+                    {"0‰", 4, "‰"}, {"0,", -2, ""},   {"0,.00", 0, ""}, {"0,,.0", -4, ""}};
+    for (int i = 0; i < 2000; ++i) {
+        const auto& [picture, places, sign] = pictures[i % 8];
+        const auto units = static_cast<qint64>(random_() % 100000000) * 10 + 5;
+        const QString number = QStringLiteral("%1e%2").arg(units).arg(-places);
+        const QString written =
+            text(QStringLiteral("Format(%1, ?1)").arg(number), QString::fromUtf8(picture));
+        QString digits; // of any script
+        for (const QChar unit : written) {
+            digits += unit.isDigit() ? QString::number(unit.digitValue()) : QString();
+        }
+        ASSERT_EQ(units / 10 + 1, digits.toLongLong()) << number.toStdString() << ' ' << picture;
+        ASSERT_TRUE(written.endsWith(QString::fromUtf8(sign))) << written.toStdString();
+    }
+}
+
 TEST_P(FormatProperties, DatesThatStrWritesAreReadWhereTheDayComesFirst) {
     if (QStringList{QStringLiteral("en_US"), QStringLiteral("sv_SE")}.contains(QLatin1String(GetParam()))) {
         GTEST_SKIP() << "the month or the year comes first";

@@ -64,13 +64,3 @@ TEST(NumberTexts, ThousandsStartWhereToldAndEndAtThePoint) {
     }
     EXPECT_EQ(QString(), separateThousands(QString(), QChar(), QLatin1Char(' '), 0));
 }
-
-TEST(NumberTexts, ExponentsBecomePlainDigits) {
-    for (const auto& row : rowsOf("plain")) {
-        const auto& [kind, locale, text, expected] = row.columns<4>();
-        EXPECT_EQ(expected, castExponentialFormat(text, QLocale(locale), nullptr)) << row.place;
-    }
-    const auto keepLarge = [](int exponent) { return exponent > 5; };
-    EXPECT_EQ(QLatin1String("1e9"), castExponentialFormat(QStringLiteral("1e9"), QLocale::c(), keepLarge));
-    EXPECT_EQ(QLatin1String("1000"), castExponentialFormat(QStringLiteral("1e3"), QLocale::c(), keepLarge));
-}
