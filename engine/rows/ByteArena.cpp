@@ -1,5 +1,7 @@
 #include <orvane/engine/rows/ByteArena.h>
 
+#include <fcntl.h>
+
 #include <algorithm>
 #include <cstring>
 #include <new>
@@ -47,9 +49,11 @@ char* ByteArena::map(std::size_t size) {
         }
     }
     const qint64 offset = file_->size();
-    uchar* const block = file_->resize(offset + static_cast<qint64>(size))
-                             ? file_->map(offset, static_cast<qint64>(size))
-                             : nullptr;
+    const auto length = static_cast<qint64>(size);
+    // Room is taken at once: writing to a mapped page for which there is none would end the process.
+    const bool hasRoom = posix_fallocate(file_->handle(), offset, length) == 0;
+    // The size is asked for anew, by which Qt maps.
+    uchar* const block = hasRoom && file_->size() == offset + length ? file_->map(offset, length) : nullptr;
     if (!block) {
         throw std::bad_alloc();
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QSqlDriver>
+#include <QVariant>
 
 #include <memory>
 
