@@ -2,6 +2,7 @@
 
 #include "host/adaptor/indices/Costs.h"
 #include "host/adaptor/indices/IndexBuilder.h"
+#include "host/adaptor/indices/IndexOrderCursor.h"
 #include "platform/dp/ValueOrder.h"
 
 #include <orvane/engine/EngineCache.h>
@@ -141,43 +142,58 @@ AttributeIndexing::Terms AttributeIndexing::chooseTerms(std::span<const dp::Scan
     return chosen;
 }
 
-bool AttributeIndexing::isOf(const dp::Table& table, const EngineIndices& store) const {
-    return store_ == &store && revision_ == table.revision();
+bool AttributeIndexing::narrows(Comparison comparison, std::string_view pattern) const {
+    const EngineIndices* indices = store();
+    return indices && indices->narrows(operationOf(comparison), pattern);
 }
 
-void AttributeIndexing::follow(const dp::Table& table, EngineIndices& store) {
-    if (!isOf(table, store)) { // a store that was another table's holds what that one left there
+bool AttributeIndexing::isUpToDate(const EngineIndices& store) const {
+    return known_ == &store && revision_ == table_->revision();
+}
+
+void AttributeIndexing::follow(EngineIndices& store) {
+    if (!isUpToDate(store)) { // a store that was another table's holds what that one left there
         forget();
         store.dropStorage();
-        revision_ = table.revision();
-        store_ = &store;
+        revision_ = table_->revision();
+        known_ = &store;
     }
+}
+
+void AttributeIndexing::drop() {
+    if (EngineIndices* indices = store()) {
+        indices->dropStorage();
+    }
+    forget();
 }
 
 void AttributeIndexing::forget() {
     searches_.clear();
     spent_.clear();
-    store_ = nullptr;
+    known_ = nullptr;
 }
 
-std::optional<std::vector<dp::FeatureId>> AttributeIndexing::find(dp::Table& table, EngineIndices& store,
-                                                                  std::span<const dp::ScanTerm> terms,
+std::optional<std::vector<dp::FeatureId>> AttributeIndexing::find(std::span<const dp::ScanTerm> terms,
                                                                   const work::Cancellation& cancellation) {
     using Outcome = IndexUse::Outcome;
+    EngineIndices* indices = terms.empty() ? nullptr : store();
+    if (!indices) {
+        return std::nullopt;
+    }
     use_ = {};
-    const Terms chosen = chooseTerms(terms, store);
+    const Terms chosen = chooseTerms(terms, *indices);
     if (chosen.empty()) {
         const bool hasPattern = std::any_of(
             terms.begin(), terms.end(), [](const dp::ScanTerm& term) { return isPattern(term.comparison); });
         use_.outcome = hasPattern ? Outcome::Pattern : Outcome::Operand;
         return std::nullopt;
     }
-    const auto rows = table.featureCount();
+    const auto rows = table_->featureCount();
     if (!rows || *rows < fewestRows) {
         use_.outcome = rows ? Outcome::SmallTable : Outcome::UnknownSize;
         return std::nullopt;
     }
-    follow(table, store);
+    follow(*indices);
     Conditions conditions;
     for (const dp::ScanTerm* term : chosen) {
         conditions.emplace_back(term->attribute, operationOf(term->comparison));
@@ -192,7 +208,7 @@ std::optional<std::vector<dp::FeatureId>> AttributeIndexing::find(dp::Table& tab
     }
     use_.attributes = &search.attributes;
     const double savedCost = scanCost(chosen, static_cast<double>(*rows));
-    if (!prepare(search, conditions, savedCost, table, store, cancellation)) {
+    if (!prepare(search, conditions, savedCost, *indices, cancellation)) {
         return std::nullopt;
     }
     use_.outcome = Outcome::FindsMuch;
@@ -215,14 +231,13 @@ std::optional<std::vector<dp::FeatureId>> AttributeIndexing::find(dp::Table& tab
 }
 
 bool AttributeIndexing::prepare(Search& search, const Conditions& conditions, double savedCost,
-                                dp::Table& table, EngineIndices& store,
-                                const work::Cancellation& cancellation) {
+                                EngineIndices& store, const work::Cancellation& cancellation) {
     if (search.rows && store.statistics(search.index).known != 0) {
         return true; // no other index ever gets its number
     }
     search.index = findIndex(search.attributes, store);
     if (search.index < 0) {
-        search.index = make(search.attributes, savedCost, table, store, cancellation);
+        search.index = make(search.attributes, savedCost, store, cancellation);
     }
     std::vector<EngineIndices::Column> columns;
     for (const auto& [attribute, operation] : conditions) {
@@ -232,12 +247,12 @@ bool AttributeIndexing::prepare(Search& search, const Conditions& conditions, do
     return search.rows != nullptr;
 }
 
-int AttributeIndexing::make(const Attributes& attributes, double savedCost, dp::Table& table,
-                            EngineIndices& store, const work::Cancellation& cancellation) {
+int AttributeIndexing::make(const Attributes& attributes, double savedCost, EngineIndices& store,
+                            const work::Cancellation& cancellation) {
     double& spent = spent_[attributes];
     spent += savedCost;
     use_.scanCost = spent;
-    use_.makingCost = buildCost(attributes, static_cast<double>(table.featureCount().value_or(0)));
+    use_.makingCost = buildCost(attributes, static_cast<double>(table_->featureCount().value_or(0)));
     if (use_.scanCost < use_.makingCost) {
         use_.outcome = IndexUse::Outcome::ScansCheaper;
         return -1;
@@ -246,7 +261,7 @@ int AttributeIndexing::make(const Attributes& attributes, double savedCost, dp::
     spent = 0; // tried again, where it cannot be made, when as much has been spent once more
     QElapsedTimer timer;
     timer.start();
-    const int index = buildIndex(attributes, table, store, cache_);
+    const int index = buildIndex(attributes, *table_, store, cache_);
     use_.isMade = index >= 0;
     if (use_.isMade) {
         use_.makingCost = static_cast<double>(timer.nsecsElapsed());
@@ -256,35 +271,34 @@ int AttributeIndexing::make(const Attributes& attributes, double savedCost, dp::
     return index;
 }
 
-bool AttributeIndexing::hasOrder(const dp::Table& table, const EngineIndices& store, int attribute) const {
-    return revision_ == table.revision() && indexOn(attribute, store) >= 0;
-}
-
-std::unique_ptr<EngineIndices::RowLookup> AttributeIndexing::inOrder(const dp::Table& table,
-                                                                     const EngineIndices& store,
-                                                                     int attribute, bool isDescending) {
-    if (!hasOrder(table, store, attribute)) {
+std::unique_ptr<dp::Cursor> AttributeIndexing::openInOrder(const std::vector<int>& attributes,
+                                                           std::vector<ArrangedRows::Key> keys,
+                                                           const work::Cancellation& cancellation) {
+    const int attribute = keys.front().attribute;
+    const int index = indexOn(attribute);
+    if (index < 0) {
         return nullptr;
     }
-    auto rows = store.getLookup(indexOn(attribute, store), {},
-                                isDescending ? EngineIndices::RowOrder::Descending
-                                             : EngineIndices::RowOrder::Ascending);
+    using Order = EngineIndices::RowOrder;
     use_ = {};
     use_.attributes = &spent_.try_emplace({attribute}).first->first;
     use_.outcome = IndexUse::Outcome::Used;
-    return rows;
+    auto rows =
+        store()->getLookup(index, {}, keys.front().isDescending ? Order::Descending : Order::Ascending);
+    return std::make_unique<IndexOrderCursor>(table_, cache_, std::move(rows), attributes, std::move(keys),
+                                              cancellation);
 }
 
-void AttributeIndexing::countSort(dp::Table& table, EngineIndices& store, int attribute,
-                                  const work::Cancellation& cancellation) {
-    const auto rows = table.featureCount().value_or(0);
+void AttributeIndexing::countSort(int attribute, const work::Cancellation& cancellation) {
+    EngineIndices* indices = store();
+    const auto rows = indices ? table_->featureCount().value_or(0) : 0;
     if (rows < fewestRows) {
         return;
     }
     use_ = {};
-    follow(table, store);
-    if (findIndex({attribute}, store) < 0) {
-        make({attribute}, cost::sortedRow * static_cast<double>(rows), table, store, cancellation);
+    follow(*indices);
+    if (findIndex({attribute}, *indices) < 0) {
+        make({attribute}, cost::sortedRow * static_cast<double>(rows), *indices, cancellation);
     }
 }
 
@@ -317,32 +331,33 @@ bool AttributeIndexing::collect(EngineIndices::RowLookup& rowLookup, const Terms
     return true;
 }
 
-int AttributeIndexing::indexOn(int attribute, const EngineIndices& store) const {
-    return store_ == &store ? findIndex({attribute}, store) : -1;
+int AttributeIndexing::indexOn(int attribute) const {
+    const EngineIndices* indices = store();
+    return indices && isUpToDate(*indices) ? findIndex({attribute}, *indices) : -1;
 }
 
-std::optional<double> AttributeIndexing::averageGroup(int attribute, const EngineIndices& store) const {
-    const int index = indexOn(attribute, store);
-    const EngineIndices::Groups groups = store.groups(index, 1);
+std::optional<double> AttributeIndexing::averageGroup(int attribute) const {
+    const int index = indexOn(attribute);
+    const auto groups = index < 0 ? EngineIndices::Groups() : store()->groups(index, 1);
     return groups.number == 0 ? std::nullopt
-                              : std::optional(static_cast<double>(store.statistics(index).rows) /
+                              : std::optional(static_cast<double>(store()->statistics(index).rows) /
                                               static_cast<double>(groups.number));
 }
 
-std::optional<double> AttributeIndexing::largestGroup(int attribute, const EngineIndices& store) const {
-    const EngineIndices::Groups groups = store.groups(indexOn(attribute, store), 1);
+std::optional<double> AttributeIndexing::largestGroup(int attribute) const {
+    const int index = indexOn(attribute);
+    const auto groups = index < 0 ? EngineIndices::Groups() : store()->groups(index, 1);
     return groups.largest == 0 ? std::nullopt : std::optional(static_cast<double>(groups.largest));
 }
 
 std::optional<double> AttributeIndexing::countRows(int attribute, Comparison comparison,
-                                                   const dp::Cell& operand, const EngineIndices& store,
-                                                   std::size_t most) const {
-    const int index = indexOn(attribute, store);
+                                                   const dp::Cell& operand, std::size_t most) const {
+    const int index = indexOn(attribute);
     if (index < 0) {
         return std::nullopt;
     }
     const EngineIndices::Column condition{static_cast<quint32>(attribute), operationOf(comparison)};
-    return static_cast<double>(store.countRows(index, condition, operand, most));
+    return static_cast<double>(store()->countRows(index, condition, operand, most));
 }
 
 } // namespace orvane::adaptor

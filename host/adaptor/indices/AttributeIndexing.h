@@ -2,16 +2,19 @@
 
 #include "host/adaptor/declaration/TableDeclaration.h"
 #include "host/adaptor/indices/IndexUse.h"
+#include "host/adaptor/rows/ArrangedRows.h"
 
 #include "platform/dp/Table.h"
 #include "platform/work/Cancellation.h"
 #include <orvane/engine/EngineIndices.h>
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
 #include <span>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -28,8 +31,17 @@ namespace orvane::adaptor {
 /// it changes. Used from the thread of the engine.
 class AttributeIndexing {
 public:
-    AttributeIndexing(const TableDeclaration& declaration, engine::EngineCache& cache)
-        : declaration_(declaration), cache_(cache) {}
+    /// Answers the index store of a table; null without an engine. No function at all where no index is to be
+    /// made.
+    using Stores = std::function<engine::EngineIndices*(const std::shared_ptr<dp::Table>&)>;
+
+    /// `table` is null once it was closed.
+    AttributeIndexing(const std::shared_ptr<dp::Table>& table, const TableDeclaration& declaration,
+                      engine::EngineCache& cache, Stores stores)
+        : table_(table), declaration_(declaration), cache_(cache), stores_(std::move(stores)) {}
+
+    /// Whether indices are made when they pay. Where they are not, nothing below is found or known.
+    bool isOn() const { return stores_ != nullptr; }
 
     static bool isPattern(dp::Comparison comparison) {
         return comparison == dp::Comparison::Like || comparison == dp::Comparison::Glob;
@@ -40,41 +52,44 @@ public:
     /// Whether an index on the column can serve equalities under a collation, in a table of so many rows.
     static bool serves(const TableDeclaration::Column& column, dp::TextCollation collation, double rows);
 
+    /// Whether an index can look texts up by how the pattern begins.
+    bool narrows(dp::Comparison comparison, std::string_view pattern) const;
+
     /// Finds the features that can satisfy the terms, a superset of those that do. Nothing when no index
-    /// serves them yet, or when so many rows would be found that a scan is faster. Throws std::runtime_error
-    /// when the table cannot be read or the work is cancelled.
-    std::optional<std::vector<dp::FeatureId>> find(dp::Table& table, engine::EngineIndices& store,
-                                                   std::span<const dp::ScanTerm> terms,
+    /// serves them yet, or when so many rows would be found that a scan is faster. Throws work::Cancelled.
+    std::optional<std::vector<dp::FeatureId>> find(std::span<const dp::ScanTerm> terms,
                                                    const work::Cancellation& cancellation);
 
     /// Whether an index holds the rows of the table as it is now in the order of the attribute.
-    bool hasOrder(const dp::Table& table, const engine::EngineIndices& store, int attribute) const;
-    /// The row numbers in that order, NULL first, or the reverse; null when there is no such index.
-    std::unique_ptr<engine::EngineIndices::RowLookup>
-    inOrder(const dp::Table& table, const engine::EngineIndices& store, int attribute, bool isDescending);
+    bool hasOrder(int attribute) const { return indexOn(attribute) >= 0; }
+    /// The rows in the order of the keys; null when no index has that of the first.
+    std::unique_ptr<dp::Cursor> openInOrder(const std::vector<int>& attributes,
+                                            std::vector<ArrangedRows::Key> keys,
+                                            const work::Cancellation& cancellation);
     /// Counts a sort that an index on the attribute would have saved, and makes the index once that pays.
-    void countSort(dp::Table& table, engine::EngineIndices& store, int attribute,
-                   const work::Cancellation& cancellation);
+    /// Throws work::Cancelled.
+    void countSort(int attribute, const work::Cancellation& cancellation);
 
     /// What came of the last find.
-    const IndexUse& lastUse() const { return use_; }
+    IndexUse lastUse() const { return isOn() ? use_ : IndexUse{IndexUse::Outcome::SwitchedOff}; }
 
     /// Rows that an equality on the attribute finds on average; nothing before there is an index.
-    std::optional<double> averageGroup(int attribute, const engine::EngineIndices& store) const;
+    std::optional<double> averageGroup(int attribute) const;
     /// The most rows that agree in the attribute; nothing before there is an index.
-    std::optional<double> largestGroup(int attribute, const engine::EngineIndices& store) const;
+    std::optional<double> largestGroup(int attribute) const;
     /// Rows that a range or pattern on the attribute finds, counted up to `most`; nothing before there is an
     /// index.
     std::optional<double> countRows(int attribute, dp::Comparison comparison, const dp::Cell& operand,
-                                    const engine::EngineIndices& store, std::size_t most) const;
+                                    std::size_t most) const;
 
+    /// Drops the indices with their place on the disk.
+    void drop();
     /// Forgets the indices: their storage is gone.
     void forget();
 
 private:
     using Attributes = std::vector<int>;
     using Terms = std::vector<const dp::ScanTerm*>;
-
     using Conditions = std::vector<std::pair<int, std::uint8_t>>;
 
     /// A look-up by certain comparisons of certain attributes.
@@ -91,27 +106,32 @@ private:
     double scanCost(const Terms& terms, double rows) const;
     double buildCost(const Attributes& attributes, double rows) const;
     /// Prepares the search for an index that serves it; false when there is none.
-    bool prepare(Search& search, const Conditions& conditions, double savedCost, dp::Table& table,
-                 engine::EngineIndices& store, const work::Cancellation& cancellation);
+    bool prepare(Search& search, const Conditions& conditions, double savedCost, engine::EngineIndices& store,
+                 const work::Cancellation& cancellation);
     /// Adds a cost that an index would have saved, and makes it when that pays; -1 as long as it does not.
-    int make(const Attributes& attributes, double savedCost, dp::Table& table, engine::EngineIndices& store,
+    int make(const Attributes& attributes, double savedCost, engine::EngineIndices& store,
              const work::Cancellation& cancellation);
-    void follow(const dp::Table& table, engine::EngineIndices& store);
-    bool isOf(const dp::Table& table, const engine::EngineIndices& store) const;
-    /// The index of this table that begins with the attribute; -1 when there is none.
-    int indexOn(int attribute, const engine::EngineIndices& store) const;
+    /// The table's store; null when no index is made, and for a closed table.
+    engine::EngineIndices* store() const { return table_ && stores_ ? stores_(table_) : nullptr; }
+    /// Whether what the store holds is of the table as it is now.
+    bool isUpToDate(const engine::EngineIndices& store) const;
+    void follow(engine::EngineIndices& store);
+    /// The index that begins with the attribute; -1 when there is none.
+    int indexOn(int attribute) const;
     /// Runs the look-up for every combination of the operands of In lists; false when more than `most` rows
     /// were found.
     static bool collect(engine::EngineIndices::RowLookup& lookup, const Terms& terms, std::size_t most,
                         std::vector<qint64>& rows);
 
+    const std::shared_ptr<dp::Table>& table_;
     const TableDeclaration& declaration_;
     engine::EngineCache& cache_;
+    const Stores stores_;
     std::map<Conditions, Search> searches_;
     std::map<Attributes, double> spent_; ///< on scans that an index would have saved, in nanoseconds
     IndexUse use_;
     std::optional<std::uint64_t> revision_;        ///< of the table that the indices were made of
-    const engine::EngineIndices* store_ = nullptr; ///< that holds them; a renamed table has another
+    const engine::EngineIndices* known_ = nullptr; ///< that holds them; a renamed table has another
 };
 
 } // namespace orvane::adaptor

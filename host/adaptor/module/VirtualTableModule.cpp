@@ -50,7 +50,7 @@ class ModuleTable : public VirtualTable {
 public:
     ModuleTable(QString name, std::shared_ptr<dp::Table> source, const dp::TableSchema& schema,
                 ModuleContext& context)
-        : VirtualTable(std::move(name), std::move(source), schema, *context.cache, indexStore(context)),
+        : VirtualTable(std::move(name), std::move(source), schema, *context.cache, indexStores(context)),
           context_(context) {}
 
     void announce() {
@@ -85,7 +85,7 @@ public:
     void forget() { context_.sources.erase(name()); }
 
 private:
-    static IndexStore indexStore(const ModuleContext& context) {
+    static AttributeIndexing::Stores indexStores(const ModuleContext& context) {
         const auto settings = serviceLocator().find<TypedSettings>();
         if (settings && settings->value(DefaultSettingsList::NoAttributeIndices).toBool()) {
             return nullptr;

@@ -118,7 +118,8 @@ dp::Cell cellOf(sqlite3_value* value) {
 class Planner {
 public:
     Planner(const VirtualTable& table, sqlite3_index_info& info)
-        : virtual_(table), table_(table.table()), declaration_(table.declaration()), info_(info),
+        : virtual_(table), indexing_(table.indexing()), table_(table.table()),
+          declaration_(table.declaration()), info_(info),
           rows_(std::max(1.0, static_cast<double>(
                                   table_.featureCount().value_or(static_cast<std::int64_t>(assumedRows))))),
           passing_(rows_), scanned_(rows_) {
@@ -219,7 +220,7 @@ private:
 
     /// Whether an index could answer the pattern; true also where none is to be made.
     bool isLookedUp(Comparison comparison, const dp::Cell& pattern) const {
-        return !virtual_.makesIndices() || virtual_.narrows(comparison, pattern.view());
+        return !indexing_.isOn() || indexing_.narrows(comparison, pattern.view());
     }
 
     void takeTerm(int i, const TableDeclaration::Column& column, Comparison comparison) {
@@ -249,7 +250,7 @@ private:
         hasOpenOperand_ = hasOpenOperand_ || (hasOperand && !operand);
         hand(i, nullTest || (isOwnKind && knownCollation));
         plan_.terms.push_back({constraint(i).iColumn, comparison, *collation});
-        const bool isServed = virtual_.makesIndices() && AttributeIndexing::serves(column, *collation, rows_);
+        const bool isServed = indexing_.isOn() && AttributeIndexing::serves(column, *collation, rows_);
         // Texts that a file keeps apart may be equal under the collation, so only numbers are known to be
         // unique.
         const bool findsOne = isEquality(comparison) && column.unique && column.kind == Kind::Number;
@@ -258,7 +259,7 @@ private:
                                                      : shareOf(column, comparison);
         passing_ *= share;
         unique_ = unique_ || findsOne;
-        if (isEquality(comparison) && isServed && (!operand || virtual_.averageGroup(column.attribute))) {
+        if (isEquality(comparison) && isServed && (!operand || indexing_.averageGroup(column.attribute))) {
             expectLookups(column); // at once, or soon: a join that repeats the scan gets its index
         }
         filterCost_ = std::max(filterCost_, isText ? cost::textTest : cost::numberTest);
@@ -283,8 +284,7 @@ private:
         hand(i, false);
         plan_.terms.push_back({constraint(i).iColumn, comparison, column.collation});
         hasOpenOperand_ = hasOpenOperand_ || !operand;
-        const bool isServed =
-            virtual_.makesIndices() && AttributeIndexing::serves(column, column.collation, rows_);
+        const bool isServed = indexing_.isOn() && AttributeIndexing::serves(column, column.collation, rows_);
         passing_ *= isServed && isText ? shareByIndex(column, comparison, *operand) : selectivity(comparison);
         if (isServed && !operand) {
             expectLookups(column);
@@ -294,7 +294,7 @@ private:
 
     void expectLookups(const TableDeclaration::Column& column) {
         looksUp_ = true;
-        hasIndex_ = hasIndex_ || virtual_.averageGroup(column.attribute);
+        hasIndex_ = hasIndex_ || indexing_.averageGroup(column.attribute);
         makingCost_ =
             std::max(makingCost_, column.kind == Kind::Number ? cost::indexedNumber : cost::indexedText);
     }
@@ -305,7 +305,7 @@ private:
         if (isEquality(comparison) || comparison == Comparison::NotEqual || comparison == Comparison::IsNot) {
             return shareOf(column, comparison);
         }
-        const auto count = virtual_.countRows(column.attribute, comparison, operand, mostCounted);
+        const auto count = indexing_.countRows(column.attribute, comparison, operand, mostCounted);
         if (!count || *count >= mostCounted) {
             return selectivity(comparison);
         }
@@ -318,7 +318,7 @@ private:
         if (!isEquality(comparison)) {
             return selectivity(comparison);
         }
-        if (const auto group = virtual_.averageGroup(column.attribute)) {
+        if (const auto group = indexing_.averageGroup(column.attribute)) {
             return *group / rows_;
         }
         return std::min(selectivity(comparison), assumedGroup / rows_);
@@ -407,10 +407,10 @@ private:
         const int attribute = declaration_.columns()[static_cast<std::size_t>(position)].attribute;
         const bool isOnlyColumn = position < 63 && info_.colUsed == std::uint64_t{1} << position;
         const bool isMaximum = isOnlyColumn && plan_.order.size() == 1 && plan_.order.front().isDescending;
-        if (conditions_ > 0 || !virtual_.makesIndices() || (limit_ < 0 && !isMaximum)) {
+        if (conditions_ > 0 || !indexing_.isOn() || (limit_ < 0 && !isMaximum)) {
             return Ordering::None;
         }
-        if (!virtual_.hasOrder(attribute)) {
+        if (!indexing_.hasOrder(attribute)) {
             return limit_ >= 0 ? Ordering::WantsIndex : Ordering::None;
         }
         return plan_.order.size() == 1 || sortsLittle(attribute) ? Ordering::ByIndex : Ordering::None;
@@ -419,7 +419,7 @@ private:
     /// Whether rows that agree in the first column of the order are few enough to be fetched one by one and
     /// put in order by the others: their number is that of the largest such group, since it may come first.
     bool sortsLittle(int attribute) const {
-        const double group = virtual_.largestGroup(attribute).value_or(rows_);
+        const double group = indexing_.largestGroup(attribute).value_or(rows_);
         const double wanted = constantNumber(limit_) + constantNumber(offset_);
         const double fetching = (wanted + group) * cost::foundRow;
         return fetching < rows_ * (cost::handedRow + cost::sortedRow) && isArrangeable(wanted + group);
@@ -483,6 +483,7 @@ private:
     }
 
     const VirtualTable& virtual_;
+    const AttributeIndexing& indexing_;
     dp::Table& table_;
     const TableDeclaration& declaration_;
     sqlite3_index_info& info_;

@@ -257,11 +257,11 @@ void VirtualCursor::openTerms() {
     if (rows_) {
         return;
     }
-    request_.ids = table_.findByIndex(request_.terms, cancellation_);
+    request_.ids = table_.indexing().find(request_.terms, cancellation_);
     if (request_.ids) {
         repeated_.countLookup(request_.ids->size());
     } else {
-        repeated_.countScan(table, table_.lastIndexUse().outcome);
+        repeated_.countScan(table, table_.indexing().lastUse().outcome);
     }
     if (!request_.ids || !request_.ids->empty()) {
         scan_ = table.openCursor(request_);
@@ -277,10 +277,10 @@ bool VirtualCursor::openInOrder() {
     }
     auto keys = orderKeys();
     if (plan_.ordering == ScanPlan::Ordering::WantsIndex) {
-        table_.countSort(keys.front().attribute, cancellation_);
+        table_.indexing().countSort(keys.front().attribute, cancellation_);
         return false;
     }
-    scan_ = table_.openInOrder(request_.attributes, std::move(keys), cancellation_);
+    scan_ = table_.indexing().openInOrder(request_.attributes, std::move(keys), cancellation_);
     rows_ = scan_.get();
     isInIndexOrder_ = rows_ != nullptr;
     return isInIndexOrder_;
@@ -336,14 +336,14 @@ void VirtualCursor::report() {
         note(Access::Memory);
     } else if (isInIndexOrder_) {
         note(Access::AttributeIndex);
-        report.take(table_.lastIndexUse(), *table_.table().schema());
+        report.take(table_.indexing().lastUse(), *table_.table().schema());
     } else {
         const bool isFiltered =
             std::any_of(report.planned.conditions.begin(), report.planned.conditions.end(),
                         [](const PlannedCondition& condition) { return condition.isForSource; });
         note(request_.ids ? Access::AttributeIndex : isFiltered ? Access::SourceFilter : Access::WholeTable);
         if (!request_.terms.empty()) {
-            report.take(table_.lastIndexUse(), *table_.table().schema());
+            report.take(table_.indexing().lastUse(), *table_.table().schema());
         }
     }
 }

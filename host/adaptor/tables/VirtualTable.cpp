@@ -1,7 +1,5 @@
 #include "host/adaptor/tables/VirtualTable.h"
 
-#include "host/adaptor/indices/IndexOrderCursor.h"
-
 #include <orvane/engine/EngineCache.h>
 
 #include <QCoreApplication>
@@ -17,73 +15,13 @@ constexpr unsigned rowsBetweenChecks = 1024;
 }
 
 VirtualTable::VirtualTable(QString name, std::shared_ptr<dp::Table> table, const dp::TableSchema& schema,
-                           engine::EngineCache& cache, IndexStore indexStore)
+                           engine::EngineCache& cache, AttributeIndexing::Stores indices)
     : sqlite3_vtab{}, name_(std::move(name)), table_(std::move(table)), declaration_(schema), cache_(cache),
-      indexStore_(std::move(indexStore)), indexing_(declaration_, cache_) {}
-
-engine::EngineIndices* VirtualTable::indices() const {
-    return table_ && makesIndices() ? indexStore_(table_) : nullptr;
-}
-
-std::optional<std::vector<dp::FeatureId>> VirtualTable::findByIndex(std::span<const dp::ScanTerm> terms,
-                                                                    const work::Cancellation& cancellation) {
-    engine::EngineIndices* store = terms.empty() ? nullptr : indices();
-    return store ? indexing_.find(table(), *store, terms, cancellation) : std::nullopt;
-}
+      indexing_(table_, declaration_, cache_, std::move(indices)) {}
 
 void VirtualTable::detach() {
-    if (engine::EngineIndices* store = indices()) {
-        store->dropStorage();
-    }
-    forgetIndices();
+    indexing_.drop();
     table_.reset();
-}
-
-std::optional<double> VirtualTable::averageGroup(int attribute) const {
-    const engine::EngineIndices* store = indices();
-    return store ? indexing_.averageGroup(attribute, *store) : std::nullopt;
-}
-
-std::optional<double> VirtualTable::countRows(int attribute, dp::Comparison comparison,
-                                              const dp::Cell& operand, std::size_t most) const {
-    const engine::EngineIndices* store = indices();
-    return store ? indexing_.countRows(attribute, comparison, operand, *store, most) : std::nullopt;
-}
-
-bool VirtualTable::narrows(dp::Comparison comparison, std::string_view pattern) const {
-    const engine::EngineIndices* store = indices();
-    return store && store->narrows(static_cast<quint8>(comparison), pattern);
-}
-
-bool VirtualTable::hasOrder(int attribute) const {
-    const engine::EngineIndices* store = indices();
-    return store && indexing_.hasOrder(table(), *store, attribute);
-}
-
-std::optional<double> VirtualTable::largestGroup(int attribute) const {
-    const engine::EngineIndices* store = indices();
-    return store ? indexing_.largestGroup(attribute, *store) : std::nullopt;
-}
-
-std::unique_ptr<dp::Cursor> VirtualTable::openInOrder(const std::vector<int>& attributes,
-                                                      std::vector<ArrangedRows::Key> keys,
-                                                      const work::Cancellation& cancellation) {
-    const engine::EngineIndices* store = indices();
-    auto order = store ? indexing_.inOrder(table(), *store, keys.front().attribute, keys.front().isDescending)
-                       : nullptr;
-    return order ? std::make_unique<IndexOrderCursor>(table_, cache_, std::move(order), attributes,
-                                                      std::move(keys), cancellation)
-                 : nullptr;
-}
-
-void VirtualTable::countSort(int attribute, const work::Cancellation& cancellation) {
-    if (engine::EngineIndices* store = indices()) {
-        indexing_.countSort(table(), *store, attribute, cancellation);
-    }
-}
-
-IndexUse VirtualTable::lastIndexUse() const {
-    return makesIndices() ? indexing_.lastUse() : IndexUse{IndexUse::Outcome::SwitchedOff};
 }
 
 dp::Table& VirtualTable::table() const {

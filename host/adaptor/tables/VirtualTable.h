@@ -3,7 +3,6 @@
 #include "host/adaptor/declaration/TableDeclaration.h"
 #include "host/adaptor/indices/AttributeIndexing.h"
 #include "host/adaptor/indices/SpatialIndex.h"
-#include "host/adaptor/rows/ArrangedRows.h"
 
 #include "platform/dp/Table.h"
 #include <orvane/engine/TableManagement.h>
@@ -12,11 +11,8 @@
 
 #include <sqlite3.h>
 
-#include <functional>
 #include <memory>
 #include <optional>
-#include <span>
-#include <string_view>
 
 namespace orvane::engine {
 class EngineCache;
@@ -28,13 +24,9 @@ namespace orvane::adaptor {
 /// through the base.
 class VirtualTable : public sqlite3_vtab {
 public:
-    /// Answers the index store of a table; null without an engine. No function at all where no index is to be
-    /// made.
-    using IndexStore = std::function<engine::EngineIndices*(const std::shared_ptr<dp::Table>&)>;
-
     /// A null table is one that was closed already.
     VirtualTable(QString name, std::shared_ptr<dp::Table> table, const dp::TableSchema& schema,
-                 engine::EngineCache& cache, IndexStore indexStore);
+                 engine::EngineCache& cache, AttributeIndexing::Stores indices);
 
     const QString& name() const { return name_; }
     void setName(QString name) { name_ = std::move(name); }
@@ -59,39 +51,15 @@ public:
     /// The row of that number; invalid when none has it once all rows are numbered.
     dp::FeatureId idOfRow(qint64 number, const work::Cancellation& cancellation);
 
-    /// The features that can satisfy the terms, where an attribute index tells.
-    std::optional<std::vector<dp::FeatureId>> findByIndex(std::span<const dp::ScanTerm> terms,
-                                                          const work::Cancellation& cancellation);
-    /// As the functions of AttributeIndexing; no order and nothing counted where no index is to be made.
-    bool hasOrder(int attribute) const;
-    std::optional<double> largestGroup(int attribute) const;
-    /// The rows in the order of the keys; null when no index has that of the first.
-    std::unique_ptr<dp::Cursor> openInOrder(const std::vector<int>& attributes,
-                                            std::vector<ArrangedRows::Key> keys,
-                                            const work::Cancellation& cancellation);
-    void countSort(int attribute, const work::Cancellation& cancellation);
-    /// Whether attribute indices are made of the table when they pay.
-    bool makesIndices() const { return indexStore_ != nullptr; }
-    /// What came of the last findByIndex.
-    IndexUse lastIndexUse() const;
-    /// Rows that an equality on the attribute finds on average; nothing when it is not known.
-    std::optional<double> averageGroup(int attribute) const;
-    /// Rows that a range or pattern on the attribute finds, up to `most`; nothing without an index on it.
-    std::optional<double> countRows(int attribute, dp::Comparison comparison, const dp::Cell& operand,
-                                    std::size_t most) const;
-    /// Whether an index can look texts up by how the pattern begins; false where none is to be made.
-    bool narrows(dp::Comparison comparison, std::string_view pattern) const;
-    void forgetIndices() { indexing_.forget(); }
+    /// The attribute indices of the table.
+    AttributeIndexing& indexing() { return indexing_; }
+    const AttributeIndexing& indexing() const { return indexing_; }
 
 private:
-    /// The table's attribute indices; null when none are made, and for a closed table.
-    engine::EngineIndices* indices() const;
-
     QString name_;
     std::shared_ptr<dp::Table> table_;
     TableDeclaration declaration_;
     engine::EngineCache& cache_;
-    IndexStore indexStore_;
     AttributeIndexing indexing_;
     std::unique_ptr<SpatialIndex> spatialIndex_;
     std::uint64_t spatialIndexRevision_ = 0;
@@ -106,7 +74,7 @@ public:
     bool isOf(const VirtualTable& table) const { return &table_ == &table; }
     void detach() override { table_.detach(); }
     QString tableName() const override { return table_.name(); }
-    void indicesCleared() override { table_.forgetIndices(); }
+    void indicesCleared() override { table_.indexing().forget(); }
     std::shared_ptr<cs::CoordSystem> coordSystem() override;
 
 private:
