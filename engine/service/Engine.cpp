@@ -11,6 +11,9 @@
 #include <orvane/engine/EngineIndicesFactory.h>
 #include <orvane/engine/EngineIndicesSetup.h>
 
+#include <QMutex>
+#include <QPointer>
+
 #include <sqlite3.h>
 
 namespace orvane {
@@ -44,7 +47,12 @@ Engine* Engine::load(Core* core) {
     if (auto* service = qobject_cast<Engine*>(core->findService(&staticMetaObject, name))) {
         return service;
     }
-    static Engine* const instance = new Engine(core);
+    static QMutex mutex;
+    static QPointer<Engine> instance; // goes with the core that was its parent
+    const QMutexLocker lock(&mutex);
+    if (!instance) {
+        instance = new Engine(core);
+    }
     core->registerService(instance);
     core->pluginManager()->registerExtensionConsumer(
         std::make_unique<plugin::ExtensionConsumerAdapter<geometry::ResemblanceExtension, Engine>>(instance));
@@ -53,7 +61,9 @@ Engine* Engine::load(Core* core) {
 
 Engine::Engine(QObject* parent) : QObject(parent), internal_(std::make_shared<Internal>(this)) {}
 
-Engine::~Engine() = default;
+Engine::~Engine() {
+    internal_->letGoOfConnection();
+}
 
 QSqlDatabase Engine::engineDatabase() const {
     return internal_->database();
@@ -138,7 +148,9 @@ void Engine::clearIndices(const std::shared_ptr<dp::Table>& table) {
 
 void Engine::cancelQuery() {
     work::Cancellation::cancelAll();
-    sqlite3_interrupt(internal_->sqliteHandle());
+    if (sqlite3* database = internal_->sqliteHandle()) {
+        sqlite3_interrupt(database);
+    }
 }
 
 } // namespace orvane

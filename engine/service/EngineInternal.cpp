@@ -3,10 +3,12 @@
 #include "platform/core/SqliteException.h"
 #include "platform/geometry/forms/GeosInterrupt.h"
 #include "platform/sql/parsing/SqlRuntime.h"
+#include "platform/utils/Quoting.h"
 #include <orvane/engine/Collator.h>
 
 #include <QCoreApplication>
 #include <QSqlDriver>
+#include <QSqlQuery>
 #include <QVariant>
 
 #include <sqlite3.h>
@@ -31,6 +33,8 @@ QString message(const char* text, const char* argument) {
 QSqlDatabase openEngineDatabase() {
     QCoreApplication::addLibraryPath(QCoreApplication::applicationDirPath() +
                                      QStringLiteral("/../../third-party/out/qtplugins"));
+    // That of an engine before, which was destroyed with its core.
+    QSqlDatabase::removeDatabase(QLatin1String(connectionName));
     QSqlDatabase database =
         QSqlDatabase::addDatabase(QLatin1String(driverName), QLatin1String(connectionName));
     if (!database.isValid()) {
@@ -49,6 +53,29 @@ QSqlDatabase openEngineDatabase() {
 void leaveBloomFiltersOut(sqlite3* database) {
     constexpr unsigned bloomFilter = 0x00080000; // SQLITE_BloomFilter in SQLite's sqliteInt.h
     sqlite3_test_control(SQLITE_TESTCTRL_OPTIMIZATIONS, database, bloomFilter);
+}
+
+QStringList firstColumn(QSqlQuery& query) {
+    QStringList texts;
+    while (query.next()) {
+        texts << query.value(0).toString();
+    }
+    return texts;
+}
+
+std::string_view view(const void* text, int length) {
+    return {static_cast<const char*>(text), static_cast<std::size_t>(length)};
+}
+
+/// The order of two texts by `compare`; by their bytes where that fails for want of memory: a collation has
+/// no way to report it.
+template<class Compare>
+int ordered(std::string_view a, std::string_view b, Compare compare) noexcept {
+    try {
+        return compare();
+    } catch (...) {
+        return a.compare(b);
+    }
 }
 
 } // namespace
@@ -70,13 +97,52 @@ Engine::Internal::Internal(Engine* owner)
         },
         nullptr);
     setUseGaiaCache(NoMemo);
-    sqlite3_create_collation(db, "Locale", SQLITE_UTF16, this, &Internal::localeCollation);
-    // The database holds its texts in UTF-8: without this form SQLite would convert both texts for every
-    // comparison.
-    sqlite3_create_collation(db, "Locale", SQLITE_UTF8, this, &Internal::localeCollationUtf8);
+    registerCollation(this);
 }
 
-Engine::Internal::~Internal() = default;
+Engine::Internal::~Internal() {
+    spatialiteConnection_.reset();
+}
+
+void Engine::Internal::letGoOfConnection() {
+    sqlite3* db = sqliteHandle();
+    if (!db) {
+        return; // somebody has removed the connection
+    }
+    for (sqlite3_stmt* each = sqlite3_next_stmt(db, nullptr); each; each = sqlite3_next_stmt(db, each)) {
+        sqlite3_reset(each);
+    }
+    if (!sqlite3_get_autocommit(db)) {
+        sqlite3_exec(db, "Rollback", nullptr, nullptr, nullptr);
+    }
+    QSqlQuery tables(QStringLiteral("Select name From sqlite_master Where type = 'table' And rootpage = 0"),
+                     database_);
+    for (const QString& name : firstColumn(tables)) {
+        const QByteArray sql = "Drop Table " + utils::sqlIdentifier(name).toUtf8();
+        sqlite3_exec(db, sql.constData(), nullptr, nullptr, nullptr);
+    }
+    QSqlQuery functions(QStringLiteral("Select Distinct name || ' ' || narg From pragma_function_list "
+                                       "Where Not builtin"),
+                        database_);
+    for (const QString& function : firstColumn(functions)) {
+        const int blank = function.lastIndexOf(QLatin1Char(' '));
+        for (const int encoding : {SQLITE_UTF8, SQLITE_UTF16LE, SQLITE_UTF16BE}) {
+            sqlite3_create_function(db, function.left(blank).toUtf8().constData(),
+                                    function.mid(blank + 1).toInt(), encoding, nullptr, nullptr, nullptr,
+                                    nullptr);
+        }
+    }
+    sqlite3_drop_modules(db, nullptr);
+    registerCollation(nullptr);
+}
+
+void Engine::Internal::registerCollation(Internal* userData) {
+    sqlite3* db = sqliteHandle();
+    sqlite3_create_collation(db, "Locale", SQLITE_UTF16, userData, &Internal::localeCollation);
+    // The database holds its texts in UTF-8: without this form SQLite would convert both texts for every
+    // comparison.
+    sqlite3_create_collation(db, "Locale", SQLITE_UTF8, userData, &Internal::localeCollationUtf8);
+}
 
 void Engine::Internal::SpatialiteCleanUp::operator()(void* connection) const {
     spatialite_cleanup_ex(connection);
@@ -112,20 +178,27 @@ std::shared_ptr<cs::CoordSystem> Engine::Internal::tableCS(const QString& tableN
 
 int Engine::Internal::localeCollation(void* userData, int length1, const void* text1, int length2,
                                       const void* text2) {
-    if (const auto* self = static_cast<const Internal*>(userData)) {
-        return engine::collatorCompare(self->collator_, length1, text1, length2, text2);
-    }
-    return engine::collatorCompare(engine::collator(), length1, text1, length2, text2);
+    const auto* self = static_cast<const Internal*>(userData);
+    return ordered(view(text1, length1), view(text2, length2), [&] {
+        return engine::collatorCompare(self ? self->collator_ : engine::collator(), length1, text1, length2,
+                                       text2);
+    });
 }
 
 int Engine::Internal::localeCollationUtf8(void* userData, int length1, const void* text1, int length2,
                                           const void* text2) {
     auto* self = static_cast<Internal*>(userData);
-    if (!self->localeOrder_) {
-        self->localeOrder_ = std::make_unique<engine::LocaleOrder>(self->collator_);
-    }
-    return self->localeOrder_->compare({static_cast<const char*>(text1), static_cast<std::size_t>(length1)},
-                                       {static_cast<const char*>(text2), static_cast<std::size_t>(length2)});
+    const std::string_view a = view(text1, length1);
+    const std::string_view b = view(text2, length2);
+    return ordered(a, b, [&] {
+        if (!self) {
+            return engine::LocaleOrder::current()->compare(a, b);
+        }
+        if (!self->localeOrder_) {
+            self->localeOrder_ = std::make_unique<engine::LocaleOrder>(self->collator_);
+        }
+        return self->localeOrder_->compare(a, b);
+    });
 }
 
 } // namespace orvane

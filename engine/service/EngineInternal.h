@@ -25,6 +25,10 @@ public:
     explicit Internal(Engine* owner);
     ~Internal() override;
 
+    /// Takes out of the connection, which may outlive the engine, whatever leads back to it: the virtual
+    /// tables, the functions and the modules. Locale stays, without what the engine keeps for it.
+    void letGoOfConnection();
+
     std::shared_ptr<cs::CoordSystem> tableCS(const QString& tableName) override;
 
     const QSqlDatabase& database() const { return database_; }
@@ -44,6 +48,7 @@ private:
                                    const void* text2);
 
     void initialiseSpatialite();
+    void registerCollation(Internal* userData);
 
     QSqlDatabase database_;
     QCollator collator_;
