@@ -1,5 +1,6 @@
 #include <orvane/EngineExtension.h>
 
+#include "engine/catalogue/VirtualTables.h"
 #include "platform/core/Core.h"
 #include "platform/di/DependencyManager.h"
 #include "platform/dp/DataCatalog.h"
@@ -13,9 +14,6 @@
 #include <QSqlError>
 #include <QSqlField>
 #include <QSqlQuery>
-#include <QTimer>
-
-#include <sqlite3.h>
 
 #include <algorithm>
 #include <exception>
@@ -50,9 +48,7 @@ std::string withClassName(const QString& text, const QObject& extension) {
 
 } // namespace
 
-EngineExtension::EngineExtension(QObject* parent) : plugin::Extension(parent), retry_(new QTimer(this)) {
-    retry_->setInterval(20);
-    connect(retry_, &QTimer::timeout, this, &EngineExtension::catchUp);
+EngineExtension::EngineExtension(QObject* parent) : plugin::Extension(parent) {
     dependencyManager()->addDependency(&Engine::staticMetaObject, serviceName<Engine>(), {});
     dependencyManager()->addDependency(&dp::DataCatalog::staticMetaObject, serviceName<dp::DataCatalog>(),
                                        {});
@@ -60,7 +56,16 @@ EngineExtension::EngineExtension(QObject* parent) : plugin::Extension(parent), r
                                        [this](QObject* provided) { core_ = qobject_cast<Core*>(provided); });
 }
 
-EngineExtension::~EngineExtension() = default;
+EngineExtension::~EngineExtension() {
+    if (VirtualTables* known = tables()) {
+        known->forget(this);
+    }
+}
+
+VirtualTables* EngineExtension::tables() const {
+    const Engine* engine = engineService();
+    return engine ? &engine->virtualTables() : nullptr;
+}
 
 Engine* EngineExtension::engineService() const {
     return qobject_cast<Engine*>(dependencyManager()->getService(serviceName<Engine>()));
@@ -94,34 +99,39 @@ void EngineExtension::linkDataCatalog() {
 void EngineExtension::connectCatalog(dp::DataCatalog& catalog) {
     static const int pointerType = qRegisterMetaType<orvane::dp::DataObject*>("orvane::dp::DataObject*");
     Q_UNUSED(pointerType)
-    // The object may be gone again when the queued call arrives: only one that is still in the catalogue is
-    // touched.
+    // The object may be gone again when the queued call arrives, and a rename may have been first.
     connect(
         &catalog, &dp::DataCatalog::dataObjectAdded, this,
         [this](dp::DataObject* added) {
-            const dp::DataCatalog* source = dataCatalog();
-            const QList<std::shared_ptr<dp::DataObject>> objects =
-                source ? source->dataObjects() : QList<std::shared_ptr<dp::DataObject>>();
-            for (const auto& object : objects) {
-                if (object.get() == added && !tableNames_.contains(added)) { // a rename may have been first
-                    handleDataObject(added);
-                    return;
-                }
+            const VirtualTables* known = tables();
+            if (isInCatalog(added) && !(known && known->find(added))) {
+                handleDataObject(added);
             }
         },
         Qt::QueuedConnection);
 }
 
+bool EngineExtension::isInCatalog(const dp::DataObject* object) const {
+    const dp::DataCatalog* catalog = dataCatalog();
+    const auto objects = catalog ? catalog->dataObjects() : QList<std::shared_ptr<dp::DataObject>>();
+    return std::any_of(objects.begin(), objects.end(),
+                       [object](const auto& each) { return each.get() == object; });
+}
+
 void EngineExtension::connectDataObject(const dp::DataObject& object) {
     disconnect(&object, &dp::DataObject::closeRequested, this, nullptr); // of the table made before
-    tableNames_[&object] = object.name();
     connect(
         &object, &dp::DataObject::closeRequested, this,
         [this, key = &object] {
-            if (const QString name = tableNames_.take(key); !name.isEmpty()) {
-                unregisterName(name);
+            VirtualTables* known = tables();
+            const VirtualTables::Table* table = known ? known->find(key) : nullptr;
+            if (table && table->isMade()) {
+                unregisterName(QString(table->name));
             }
-            catchUp();
+            if (known) {
+                known->forget(key);
+                known->settle();
+            }
         },
         Qt::QueuedConnection);
 }
@@ -174,15 +184,19 @@ void EngineExtension::handleDataObject(const dp::DataObject* dobj) {
     if (module.isEmpty()) {
         return;
     }
-    // Two names may have moved on before the signal of the first came.
-    if (const QString former = tableNames_.value(dobj); !former.isEmpty() && former != dobj->name()) {
-        unregisterName(former);
-    }
-    // The other has another name by now, as a signal under way will tell.
-    if (isTableOfAnother(*dobj) || !dropIfClosed(dobj->name())) {
-        waiting_ << dobj;
-        retry_->start();
-        return;
+    VirtualTables* known = tables();
+    if (known) {
+        connect(known, &VirtualTables::namesFreed, this, &EngineExtension::makeWaiting, Qt::UniqueConnection);
+        // Two names may have moved on before the signal of the first came.
+        if (const auto* former = known->find(dobj);
+            former && former->isMade() && former->name != dobj->name()) {
+            unregisterName(QString(former->name));
+        }
+        if (!known->isFree(dobj->name(), dobj)) {
+            known->wait(this, dobj);
+            connectDataObject(*dobj);
+            return;
+        }
     }
     try {
         const QString sql =
@@ -198,7 +212,9 @@ void EngineExtension::handleDataObject(const dp::DataObject* dobj) {
                 failureText(query));
             throw std::runtime_error(tr("Ошибка при создании виртуальной таблицы").toStdString());
         }
-        waiting_.removeAll(dobj);
+        if (known) {
+            known->made(this, dobj, dobj->name());
+        }
         connectDataObject(*dobj);
     } catch (...) {
         std::throw_with_nested(
@@ -207,75 +223,32 @@ void EngineExtension::handleDataObject(const dp::DataObject* dobj) {
 }
 
 void EngineExtension::unregisterName(QString name) {
-    for (auto entry = tableNames_.begin(); entry != tableNames_.end();) {
-        entry = *entry == name ? tableNames_.erase(entry) : std::next(entry);
+    if (VirtualTables* known = tables()) {
+        known->close(name);
     }
     const QSqlDatabase database = engineDatabase();
-    if (exec(database, dropStatement(database, name))) {
-        closedTables_.removeAll(name);
-        return;
-    }
-    if (Engine* engine = engineService()) {
+    Engine* engine = exec(database, dropStatement(database, name)) ? nullptr : engineService();
+    if (engine) {
         engine->detachTable(name);
-        if (!closedTables_.contains(name)) {
-            closedTables_ << name;
-        }
-        retry_->start();
     }
 }
 
-bool EngineExtension::dropIfClosed(const QString& name) {
-    const auto closed =
-        std::find_if(closedTables_.begin(), closedTables_.end(),
-                     [&name](const QString& other) { return other.compare(name, Qt::CaseInsensitive) == 0; });
-    if (closed == closedTables_.end()) {
-        return true;
-    }
-    const QSqlDatabase database = engineDatabase();
-    QSqlQuery query(database);
-    constexpr int primaryCode = 0xFF; // without what SQLite adds to tell one lock from another
-    if (!query.exec(dropStatement(database, *closed)) &&
-        (query.lastError().nativeErrorCode().toInt() & primaryCode) == SQLITE_LOCKED) {
-        return false;
-    }
-    closedTables_.erase(closed);
-    return true;
-}
-
-bool EngineExtension::isTableOfAnother(const dp::DataObject& object) const {
-    for (auto entry = tableNames_.begin(); entry != tableNames_.end(); ++entry) {
-        if (entry.key() != &object && entry->compare(object.name(), Qt::CaseInsensitive) == 0) {
-            return true;
-        }
-    }
-    return false;
-}
-
-void EngineExtension::catchUp() {
-    const QStringList names = closedTables_;
-    for (const QString& name : names) {
-        if (Engine* engine = dropIfClosed(name) ? nullptr : engineService()) {
-            engine->detachTable(name); // SQLite may have connected it anew
-        }
-    }
-    const QList<const dp::DataObject*> waiting = std::exchange(waiting_, {});
-    const dp::DataCatalog* catalog = dataCatalog();
-    const auto objects = catalog ? catalog->dataObjects() : QList<std::shared_ptr<dp::DataObject>>();
-    for (const auto& object : objects) {
-        if (!waiting.contains(object.get())) {
-            continue;
-        }
+void EngineExtension::makeWaiting() {
+    VirtualTables* known = tables();
+    const auto waiting = known ? known->waiting(this) : std::vector<const dp::DataObject*>();
+    for (const dp::DataObject* object : waiting) {
         try {
-            handleDataObject(object.get());
+            if (isInCatalog(object)) {
+                handleDataObject(object);
+                continue;
+            }
         } catch (const std::exception& failure) {
             loggerInstance()->write(LogLevel::Warning, QStringLiteral("EngineExtension"), __LINE__,
-                                    QStringLiteral("void orvane::EngineExtension::catchUp()"),
+                                    QStringLiteral("void orvane::EngineExtension::makeWaiting()"),
                                     object->name() + QStringLiteral(": ") +
                                         QString::fromUtf8(failure.what()));
         }
-    }
-    if (closedTables_.isEmpty() && waiting_.isEmpty()) {
-        retry_->stop();
+        known->forget(object);
     }
 }
 
@@ -285,7 +258,9 @@ void EngineExtension::rename(QString oldName, QString newName) {
         return;
     }
     renameImpl(oldName, std::move(newName));
-    catchUp();
+    if (VirtualTables* known = tables()) {
+        known->settle();
+    }
 }
 
 void EngineExtension::renameImpl(const QString& oldName, QString newName) {
@@ -293,38 +268,48 @@ void EngineExtension::renameImpl(const QString& oldName, QString newName) {
     if (!catalog || !catalog->dataObject(newName)) {
         newName = dp::DataObject::makeValidObjectName(newName);
     }
+    VirtualTables* known = tables();
     const auto renamed = catalog ? catalog->dataObject(newName) : nullptr;
-    if (renamed && tableNames_.value(renamed.get()) == newName) {
-        return; // an object that was renamed before its table was made
+    // The object tells which table is its own, the name only when the object has moved on or is gone.
+    const VirtualTables::Table* found = known ? known->find(renamed.get()) : nullptr;
+    if (known && (!found || !found->isMade())) {
+        found = known->find(oldName);
     }
-    // A table that was closed while it was read may still bear one of the names: it is no table to rename.
-    const bool hasTable = !closedTables_.contains(oldName, Qt::CaseInsensitive);
-    if (renameRealized() && hasTable && dropIfClosed(newName)) {
-        Engine* engine = engineService();
-        if (engine::TableManagement* management = engine ? engine->findManagement(oldName) : nullptr) {
-            management->setNewName(newName);
-        }
-        const QSqlDatabase database = engineDatabase();
-        if (exec(database,
-                 QStringLiteral("Alter Table %0 Rename To %1;")
-                     .arg(tableIdentifier(database, oldName), tableIdentifier(database, newName)))) {
-            for (QString& name : tableNames_) {
-                name = name == oldName ? newName : name;
-            }
-        } else if (renamed) {
-            waiting_ << renamed.get();
+    if (!found || !found->isMade()) {
+        if (renamed) {
+            handleDataObject(renamed.get());
         }
         return;
     }
-    if (hasTable) {
-        // Of an object that meanwhile has the name of another it makes the table again.
-        if (const auto* owner = tableNames_.key(oldName); owner && owner != renamed.get()) {
-            waiting_ << owner;
-        }
-        unregisterName(oldName);
+    const VirtualTables::Table table = *found;
+    if (table.maker != this || table.name == newName) {
+        return;
+    }
+    if (renameRealized() && known->isFree(newName, table.object)) {
+        renameTable(table.object, table.name, newName);
+        return;
+    }
+    unregisterName(table.name);
+    if (table.object != renamed.get()) {
+        known->wait(this, table.object); // it has yet another name by now
     }
     if (renamed) {
         handleDataObject(renamed.get());
+    }
+}
+
+void EngineExtension::renameTable(const dp::DataObject* object, const QString& oldName,
+                                  const QString& newName) {
+    const QSqlDatabase database = engineDatabase();
+    engine::TableManagement* management = engineService()->findManagement(oldName);
+    if (management) {
+        management->setNewName(newName);
+    }
+    if (exec(database, QStringLiteral("Alter Table %0 Rename To %1;")
+                           .arg(tableIdentifier(database, oldName), tableIdentifier(database, newName)))) {
+        tables()->renamed(object, newName);
+    } else if ((management = engineService()->findManagement(oldName))) {
+        management->setNewName(QString()); // it keeps the table that it has
     }
 }
 

@@ -5,6 +5,7 @@
 #include "platform/core/Core.h"
 #include "platform/core/SqliteException.h"
 #include "platform/dp/Table.h"
+#include "platform/log/Logger.h"
 #include "platform/plugin/ExtensionConsumer.h"
 #include "platform/plugin/PluginManager.h"
 #include "platform/work/Cancellation.h"
@@ -62,7 +63,13 @@ Engine* Engine::load(Core* core) {
 Engine::Engine(QObject* parent) : QObject(parent), internal_(std::make_shared<Internal>(this)) {}
 
 Engine::~Engine() {
-    internal_->letGoOfConnection();
+    try {
+        internal_->letGoOfConnection();
+    } catch (const std::exception& failure) {
+        loggerInstance()->write(LogLevel::Warning, QStringLiteral("Engine"), __LINE__,
+                                QStringLiteral("orvane::Engine::~Engine()"),
+                                QString::fromUtf8(failure.what()));
+    }
 }
 
 QSqlDatabase Engine::engineDatabase() const {
@@ -144,6 +151,14 @@ void Engine::clearIndices(const std::shared_ptr<dp::Table>& table) {
     if (engine::TableManagement* management = findManagement(name)) {
         management->indicesCleared();
     }
+}
+
+void Engine::settleTables() {
+    virtualTables().settleSoon();
+}
+
+VirtualTables& Engine::virtualTables() const {
+    return internal_->virtualTables();
 }
 
 void Engine::cancelQuery() {

@@ -1,6 +1,7 @@
 #include "engine/service/EngineInternal.h"
 
 #include "platform/core/SqliteException.h"
+#include "platform/dp/SqliteStatement.h"
 #include "platform/geometry/forms/GeosInterrupt.h"
 #include "platform/sql/parsing/SqlRuntime.h"
 #include "platform/utils/Quoting.h"
@@ -8,7 +9,6 @@
 
 #include <QCoreApplication>
 #include <QSqlDriver>
-#include <QSqlQuery>
 #include <QVariant>
 
 #include <sqlite3.h>
@@ -55,10 +55,12 @@ void leaveBloomFiltersOut(sqlite3* database) {
     sqlite3_test_control(SQLITE_TESTCTRL_OPTIMIZATIONS, database, bloomFilter);
 }
 
-QStringList firstColumn(QSqlQuery& query) {
+/// Not by Qt's classes, which may be gone when the engine ends with the process.
+QStringList firstColumn(sqlite3* database, const QString& sql) {
     QStringList texts;
-    while (query.next()) {
-        texts << query.value(0).toString();
+    dp::SqliteStatement statement(database, sql, QString());
+    while (statement.next()) {
+        texts << statement.text(0);
     }
     return texts;
 }
@@ -89,13 +91,15 @@ Engine::Internal::Internal(Engine* owner)
     }
     initialiseSpatialite();
     leaveBloomFiltersOut(db);
+    virtualTables_ = std::make_unique<VirtualTables>(database_, db);
     sqlite3_trace_v2(
         db, SQLITE_TRACE_STMT,
-        [](unsigned, void*, void*, void*) {
+        [](unsigned, void* tables, void*, void*) {
             geometry::beginInterruptibleWork();
+            static_cast<VirtualTables*>(tables)->settleSoon();
             return 0;
         },
-        nullptr);
+        virtualTables_.get());
     setUseGaiaCache(NoMemo);
     registerCollation(this);
 }
@@ -115,16 +119,14 @@ void Engine::Internal::letGoOfConnection() {
     if (!sqlite3_get_autocommit(db)) {
         sqlite3_exec(db, "Rollback", nullptr, nullptr, nullptr);
     }
-    QSqlQuery tables(QStringLiteral("Select name From sqlite_master Where type = 'table' And rootpage = 0"),
-                     database_);
-    for (const QString& name : firstColumn(tables)) {
+    for (const QString& name : firstColumn(
+             db, QStringLiteral("Select name From sqlite_master Where type = 'table' And rootpage = 0"))) {
         const QByteArray sql = "Drop Table " + utils::sqlIdentifier(name).toUtf8();
         sqlite3_exec(db, sql.constData(), nullptr, nullptr, nullptr);
     }
-    QSqlQuery functions(QStringLiteral("Select Distinct name || ' ' || narg From pragma_function_list "
-                                       "Where Not builtin"),
-                        database_);
-    for (const QString& function : firstColumn(functions)) {
+    for (const QString& function :
+         firstColumn(db, QStringLiteral("Select Distinct name || ' ' || narg From pragma_function_list "
+                                        "Where Not builtin"))) {
         const int blank = function.lastIndexOf(QLatin1Char(' '));
         for (const int encoding : {SQLITE_UTF8, SQLITE_UTF16LE, SQLITE_UTF16BE}) {
             sqlite3_create_function(db, function.left(blank).toUtf8().constData(),
@@ -133,6 +135,7 @@ void Engine::Internal::letGoOfConnection() {
         }
     }
     sqlite3_drop_modules(db, nullptr);
+    sqlite3_trace_v2(db, 0, nullptr, nullptr);
     registerCollation(nullptr);
 }
 

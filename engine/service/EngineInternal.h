@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/catalogue/VirtualTables.h"
 #include <orvane/Engine.h>
 #include <orvane/engine/EngineCache.h>
 #include <orvane/engine/EngineIndices.h>
@@ -37,6 +38,8 @@ public:
     std::map<QString, std::unique_ptr<engine::EngineIndices>>& tableIndices() { return tableIndices_; }
     std::map<QString, std::unique_ptr<engine::TableManagement>>& managements() { return managements_; }
 
+    VirtualTables& virtualTables() { return *virtualTables_; }
+
 private:
     struct SpatialiteCleanUp {
         void operator()(void* connection) const;
@@ -55,6 +58,7 @@ private:
     std::unique_ptr<engine::LocaleOrder> localeOrder_; ///< made when texts are first compared
     std::unique_ptr<void, SpatialiteCleanUp> spatialiteConnection_;
     sql::SqlRuntime* runtime_ = nullptr;
+    std::unique_ptr<VirtualTables> virtualTables_;
     std::map<QString, std::unique_ptr<engine::EngineIndices>> tableIndices_;
     std::map<QString, std::unique_ptr<engine::TableManagement>> managements_;
 };

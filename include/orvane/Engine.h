@@ -18,6 +18,7 @@ struct sqlite3;
 namespace orvane {
 
 class Core;
+class VirtualTables;
 
 namespace dp {
 class Table;
@@ -115,7 +116,14 @@ public:
     /// Interrupts whatever statement runs on the engine connection. Any thread.
     void cancelQuery();
 
+    /// Lets the extensions drop closed tables, and make those that wait for their names, from the event loop:
+    /// for a module that sees the last scan of a closed table end.
+    void settleTables();
+
 private:
+    friend class EngineExtension;
+    VirtualTables& virtualTables() const;
+
     class Internal;
     std::shared_ptr<Internal> internal_;
 };

@@ -3,21 +3,19 @@
 #include "platform/plugin/Extension.h"
 #include <orvane/engine/Export.h>
 
-#include <QHash>
 #include <QList>
 #include <QSqlDatabase>
-#include <QStringList>
 #include <QVariant>
 
 #include <memory>
 
 class QSqlDriver;
-class QTimer;
 
 namespace orvane {
 
 class Core;
 class Engine;
+class VirtualTables;
 
 namespace dp {
 class DataCatalog;
@@ -32,7 +30,9 @@ class Table;
 ///
 /// A table that a statement reads cannot be dropped. Closing it lets go of the data object at once: the
 /// statement keeps the rows it has begun, a new scan fails with the table's name, and the table goes, or
-/// comes back for an object opened meanwhile, soon after the statement is done.
+/// comes back for an object opened meanwhile, by whichever extension, when the statement is done. After a
+/// transaction was rolled back the tables are made to agree with the catalogue again. Both happen from the
+/// event loop. Tables that other extensions made are left alone.
 class ORVANE_ENGINE_EXPORT EngineExtension : public plugin::Extension {
     Q_OBJECT
 public:
@@ -89,17 +89,13 @@ protected Q_SLOTS:
     void rename(QString oldName, QString newName);
 
 private:
-    /// False when a closed table of that name is still read.
-    bool dropIfClosed(const QString& name);
-    bool isTableOfAnother(const dp::DataObject& object) const;
-    /// Drops the closed tables that are not read any more, and makes those that waited for their name.
-    void catchUp();
+    VirtualTables* tables() const;
+    bool isInCatalog(const dp::DataObject* object) const;
+    /// Makes the tables of the objects that wait for their names.
+    void makeWaiting();
+    void renameTable(const dp::DataObject* object, const QString& oldName, const QString& newName);
 
     Core* core_ = nullptr;
-    QHash<const dp::DataObject*, QString> tableNames_; ///< of the open objects; the keys are only compared
-    QStringList closedTables_;                         ///< still to be dropped
-    QList<const dp::DataObject*> waiting_;             ///< for their name; only compared
-    QTimer* retry_;                                    ///< a child
 };
 
 } // namespace orvane

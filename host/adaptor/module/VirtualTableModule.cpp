@@ -18,6 +18,7 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <map>
 #include <memory>
 
@@ -31,16 +32,17 @@ namespace {
 using err::barrier;
 
 struct ModuleContext {
-    /// What a virtual table shows. SQLite forgets its connection to every table when one is renamed, and asks
-    /// for it again when it next needs the table, be it to drop one whose object is closed.
+    /// What a virtual table shows. SQLite forgets its connection to every table when one is renamed or a
+    /// transaction is rolled back, and asks for it again when it next needs the table, be it to drop one
+    /// whose object is closed.
     struct Source {
-        QString object; ///< its name in the catalogue
+        std::weak_ptr<dp::Table> table;
         std::shared_ptr<const dp::TableSchema> schema;
     };
 
     QPointer<Core> core;
     engine::EngineCache* cache;
-    std::map<QString, Source> sources; ///< by the name of the virtual table
+    std::map<QString, Source> sources; ///< by the name of the virtual table, also one it had before
 
     Engine* engine() const { return core ? core->findService<Engine>() : nullptr; }
 };
@@ -70,19 +72,18 @@ public:
     }
     void rename(const QString& newName) {
         withdraw();
-        auto entry = context_.sources.extract(name());
-        if (entry) {
-            if (entry.mapped().object == name()) {
-                entry.mapped().object = newName; // the catalogue has renamed the object too
-            }
-            context_.sources.erase(newName);
-            entry.key() = newName;
-            context_.sources.insert(std::move(entry));
+        if (const auto known = context_.sources.find(name()); known != context_.sources.end()) {
+            context_.sources[newName] = known->second;
         }
         setName(newName);
         announce();
     }
-    void forget() { context_.sources.erase(name()); }
+    /// The end of a scan: a closed table that nobody reads any longer can be dropped.
+    void scanEnds() {
+        if (Engine* engine = tableOrNull() || nRef > 0 ? nullptr : context_.engine()) {
+            engine->settleTables();
+        }
+    }
 
 private:
     static AttributeIndexing::Stores indexStores(const ModuleContext& context) {
@@ -129,6 +130,13 @@ std::shared_ptr<dp::Table> findTable(const ModuleContext& context, const QString
     return object ? std::dynamic_pointer_cast<dp::Table>(object->underlyingObject()) : nullptr;
 }
 
+bool isOpen(const ModuleContext& context, const dp::Table* table) {
+    const auto* catalog = context.core ? context.core->findService<dp::DataCatalog>() : nullptr;
+    const auto objects = catalog ? catalog->dataObjects() : QList<std::shared_ptr<dp::DataObject>>();
+    return std::any_of(objects.begin(), objects.end(),
+                       [table](const auto& object) { return object->underlyingObject().get() == table; });
+}
+
 int connect(sqlite3* database, ModuleContext& context, const QString& name, std::shared_ptr<dp::Table> source,
             const dp::TableSchema& schema, sqlite3_vtab** result, char** message) {
     auto table = std::make_unique<ModuleTable>(name, std::move(source), schema, context);
@@ -148,37 +156,37 @@ int xCreate(sqlite3* database, void* clientData, int argc, const char* const* ar
     return barrier(message, [&] {
         auto& context = *static_cast<ModuleContext*>(clientData);
         const QString name = QString::fromUtf8(argv[2]);
-        QString object = name;
-        auto source = findTable(context, object);
+        auto source = findTable(context, name);
         if (!source && argc > 3) {
-            object = unquoted(argv[3]);
-            source = findTable(context, object);
+            source = findTable(context, unquoted(argv[3]));
         }
         if (!source) {
             throw std::runtime_error(QCoreApplication::translate("orvane::adaptor", "Нет открытой таблицы %0")
                                          .arg(name)
                                          .toStdString());
         }
+        std::erase_if(context.sources, [](const auto& known) { return known.second.table.expired(); });
         const auto schema = source->schema();
-        context.sources[name] = {object, schema};
+        context.sources[name] = {source, schema};
         return connect(database, context, name, std::move(source), *schema, result, message);
     });
 }
 
-int xConnect(sqlite3* database, void* clientData, int argc, const char* const* argv, sqlite3_vtab** result,
+/// Always connects: a table that shows nothing could not even be dropped.
+int xConnect(sqlite3* database, void* clientData, int, const char* const* argv, sqlite3_vtab** result,
              char** message) {
-    auto& context = *static_cast<ModuleContext*>(clientData);
-    const auto known = context.sources.find(QString::fromUtf8(argv[2]));
-    if (known == context.sources.end()) {
-        return xCreate(database, clientData, argc, argv, result, message);
-    }
     return barrier(message, [&] {
-        auto source = findTable(context, known->second.object);
-        if (source) {
-            known->second.schema = source->schema();
+        auto& context = *static_cast<ModuleContext*>(clientData);
+        const QString name = QString::fromUtf8(argv[2]);
+        ModuleContext::Source& known = context.sources[name];
+        auto source = known.table.lock();
+        if (!isOpen(context, source.get())) {
+            source = nullptr;
         }
-        return connect(database, context, known->first, std::move(source), *known->second.schema, result,
-                       message);
+        if (source || !known.schema) {
+            known.schema = source ? source->schema() : std::make_shared<dp::TableSchema>();
+        }
+        return connect(database, context, name, std::move(source), *known.schema, result, message);
     });
 }
 
@@ -189,11 +197,6 @@ int xDisconnect(sqlite3_vtab* table) {
         owned->detach();
         return SQLITE_OK;
     });
-}
-
-int xDestroy(sqlite3_vtab* table) {
-    tableOf(table).forget();
-    return xDisconnect(table);
 }
 
 int xBestIndex(sqlite3_vtab* table, sqlite3_index_info* info) {
@@ -211,8 +214,12 @@ int xOpen(sqlite3_vtab* table, sqlite3_vtab_cursor** result) {
 }
 
 int xClose(sqlite3_vtab_cursor* cursor) {
+    ModuleTable& table = tableOf(cursor->pVtab);
     delete &cursorOf(cursor);
-    return SQLITE_OK;
+    return barrier(&table.zErrMsg, [&table] {
+        table.scanEnds();
+        return SQLITE_OK;
+    });
 }
 
 int xNext(sqlite3_vtab_cursor* cursor) {
@@ -332,7 +339,7 @@ constexpr sqlite3_module tableModule = [] {
     module.xConnect = xConnect;
     module.xBestIndex = xBestIndex;
     module.xDisconnect = xDisconnect;
-    module.xDestroy = xDestroy;
+    module.xDestroy = xDisconnect;
     module.xOpen = xOpen;
     module.xClose = xClose;
     module.xFilter = xFilter;

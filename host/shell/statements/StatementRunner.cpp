@@ -14,6 +14,8 @@
 #include <orvane/Engine.h>
 #include <orvane/engine/SqliteStringBuilder.h>
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <cstdio>
 #include <functional>
@@ -178,6 +180,7 @@ Outcome StatementRunner::runSqlite(Statement& statement, const std::string& sqli
     const char* const begin = sqliteText.data();
     const char* const end = begin + sqliteText.size();
     for (const char* rest = begin; rest != end;) {
+        QCoreApplication::sendPostedEvents(); // the statement before may have been a rollback
         const auto offset = static_cast<std::size_t>(rest - begin);
         std::optional<adaptor::StatementExplanation> explanation;
         if (settings_.explain)

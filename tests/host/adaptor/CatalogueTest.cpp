@@ -174,6 +174,68 @@ TEST_F(CatalogueTest, RenamedObjectsAreFoundUnderTheNewName) {
     }
 }
 
+TEST_F(CatalogueTest, TransactionsEndWithTheTablesOfTheCatalogue) {
+    for (const bool renames : {false, true}) {
+        link(renames);
+        for (const std::vector<const char*>& end :
+             {std::vector{"Commit"}, {"Rollback"}, {"Rollback To s"}, {"Rollback To s", "Rollback"}}) {
+            SCOPED_TRACE(std::string(renames ? "with Alter: " : "made again: ") + end.back());
+            openTowns("before");
+            openTowns("closed");
+            openTowns("read");
+            ask("Begin");
+            ask("Savepoint s");
+            openTowns("opened");
+            catalog().rename(QStringLiteral("before"), QStringLiteral("after"));
+            QSqlQuery reader(engine().engineDatabase());
+            ASSERT_TRUE(reader.exec(QStringLiteral("Select name From \"read\"")) && reader.next());
+            catalog().close(QStringLiteral("closed"));
+            catalog().close(QStringLiteral("read"));
+            QCoreApplication::processEvents();
+            EXPECT_EQ(ask("Select Count(*) From opened, after"), "25");
+            reader.finish();
+            for (const char* statement : end) {
+                ask(statement);
+                QCoreApplication::processEvents();
+                EXPECT_EQ(ask("Select name From sqlite_master Where rootpage = 0 Order By name"),
+                          "after\nopened");
+                EXPECT_EQ(ask("Select Count(*) From opened, after"), "25");
+            }
+            ask("Commit");
+            EXPECT_NE(engine().findManagement(QStringLiteral("after")), nullptr);
+            catalog().close(QStringLiteral("after"));
+            catalog().close(QStringLiteral("opened"));
+            QCoreApplication::processEvents();
+            EXPECT_EQ(ask("Select name From sqlite_master Where rootpage = 0"), "");
+        }
+    }
+}
+
+TEST_F(CatalogueTest, ARenameThatFailsLeavesTheTableAsItWas) {
+    link(true);
+    openTowns("before");
+    ask("Create Table after(own)");
+    ask("Insert Into after Values('mine')");
+    ASSERT_TRUE(catalog().rename(QStringLiteral("before"), QStringLiteral("after")));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(ask("Select Count(*), own From before, after"), "5|mine");
+    catalog().close(QStringLiteral("after"));
+    QCoreApplication::processEvents();
+    EXPECT_THAT(ask("Select Count(*) From before"), HasSubstr("no such table"));
+    EXPECT_EQ(ask("Select own From after"), "mine");
+    ask("Drop Table after");
+}
+
+TEST_F(CatalogueTest, TablesOfAnotherExtensionAreLeftAlone) {
+    openTowns("theirs");
+    testing::MemoryExtension other(true); // has made no table, and so has none to rename
+    other.rename(QStringLiteral("theirs"), QStringLiteral("mine"));
+    EXPECT_EQ(ask("Select Count(*) From theirs"), "5");
+    catalog().close(QStringLiteral("theirs"));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(ask("Select name From sqlite_master Where rootpage = 0"), "");
+}
+
 TEST_F(CatalogueTest, ResetMakesTheTableAfresh) {
     const auto table = openTowns();
     engine().detachTable(QStringLiteral("towns"));
