@@ -1,6 +1,7 @@
 #include "engine/expression/StoredValue.h"
 
 #include "platform/decimal/QDecNumber.h"
+#include "platform/utils/Numbers.h"
 #include "platform/utils/Utf8.h"
 #include <orvane/engine/functions/Converters.h>
 
@@ -11,6 +12,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <limits>
 #include <system_error>
 
 namespace orvane::engine {
@@ -52,7 +54,6 @@ Cell storedInteger(qint64 number, Affinity affinity, std::string& memory) {
 }
 
 Cell storedReal(double number, Affinity affinity, std::string& memory) {
-    constexpr double limit = 9223372036854775808.0; // 2^63
     if (std::isnan(number)) {
         return {}; // SQLite has no other place for it
     }
@@ -61,11 +62,12 @@ Cell storedReal(double number, Affinity affinity, std::string& memory) {
         memory = sqlite3_snprintf(static_cast<int>(text.size()), text.data(), "%!.15g", number);
         return Cell::ofText(memory);
     }
-    if ((affinity == Affinity::Integer || affinity == Affinity::Numeric) && number > -limit &&
-        number < limit && number == std::trunc(number)) {
-        return Cell::ofInteger(static_cast<qint64>(number));
-    }
-    return Cell::ofReal(number);
+    const auto whole = utils::wholePart(number);
+    const bool isInteger = whole && static_cast<double>(*whole) == number &&
+                           *whole != std::numeric_limits<qint64>::min(); // which SQLite leaves a real
+    return isInteger && (affinity == Affinity::Integer || affinity == Affinity::Numeric)
+               ? Cell::ofInteger(*whole)
+               : Cell::ofReal(number);
 }
 
 /// The number that a text is, blanks around it left out; nothing for any other text.

@@ -18,7 +18,6 @@ namespace {
 
 constexpr qint64 smallestInteger = std::numeric_limits<qint64>::min();
 constexpr qint64 largestInteger = std::numeric_limits<qint64>::max();
-constexpr double integersEnd = 9223372036854775808.0; // 2^63
 
 bool areIntegers(sqlite3_value** values) {
     return sqlite3_value_type(values[0]) == SQLITE_INTEGER && sqlite3_value_type(values[1]) == SQLITE_INTEGER;
@@ -124,13 +123,13 @@ void quotient(sqlite3_context* context, int, sqlite3_value** values) {
             return;
         }
         withNumbers(values, [&](double a, double b) {
-            const double result = a / b;
+            const double result = std::floor(a / b);
             if (!std::isfinite(result)) {
                 resultError(context, "Division by zero");
-            } else if (result < -integersEnd || result >= integersEnd) {
-                resultError(context, "Integer overflow");
+            } else if (const auto whole = utils::wholePart(result)) {
+                sqlite3_result_int64(context, *whole);
             } else {
-                sqlite3_result_int64(context, static_cast<qint64>(std::floor(result)));
+                resultError(context, "Integer overflow");
             }
         });
     });
@@ -187,10 +186,8 @@ void floor(sqlite3_context* context, int, sqlite3_value** values) {
             if (std::isnan(x)) {
                 return;
             }
-            const double whole = std::floor(x);
-            sqlite3_result_int64(context, whole < -integersEnd   ? smallestInteger
-                                          : whole >= integersEnd ? largestInteger
-                                                                 : static_cast<qint64>(whole));
+            sqlite3_result_int64(
+                context, utils::wholePart(std::floor(x)).value_or(x < 0 ? smallestInteger : largestInteger));
         });
     });
 }

@@ -2,7 +2,7 @@
 
 #include "engine/rows/KeySorter.h"
 #include "engine/rows/TextOrder.h"
-#include "platform/dp/ValueOrder.h"
+#include "platform/utils/Numbers.h"
 
 #include <QtEndian>
 
@@ -21,20 +21,10 @@ namespace {
 /// From so many texts on that only the collator can compare, it pays to bring them about in order first.
 constexpr std::size_t manyTexts = 2000;
 
-/// The integer that a real is equal to, if there is one.
-std::optional<std::int64_t> wholeNumber(double real) {
-    constexpr double limit = 9223372036854775808.0; // 2^63
-    if (real < -limit || real >= limit) {
-        return std::nullopt;
-    }
-    const auto integer = static_cast<std::int64_t>(real);
-    return static_cast<double>(integer) == real ? std::optional(integer) : std::nullopt;
-}
-
 /// The form in which numbers are the same exactly when they are equal.
 Cell normalForm(const Cell& value) {
-    const auto whole = value.type() == CellType::Real ? wholeNumber(value.real()) : std::nullopt;
-    return whole ? Cell::ofInteger(*whole) : value;
+    const auto whole = value.type() == CellType::Real ? utils::wholePart(value.real()) : std::nullopt;
+    return whole && static_cast<double>(*whole) == value.real() ? Cell::ofInteger(*whole) : value;
 }
 
 /// Both in normal form.
@@ -187,15 +177,6 @@ ValueRanks::Code ValueRanks::add(const Cell& value, ByteArena& texts) {
         hasTexts_ = hasTexts_ || isText;
     }
     return code;
-}
-
-int ValueRanks::compareTexts(std::string_view a, std::string_view b) const {
-    switch (collation_) {
-    case dp::TextCollation::Binary: return a.compare(b);
-    case dp::TextCollation::NoCase: return dp::compareFolded(a, b);
-    case dp::TextCollation::Locale: return locale_->compare(a, b);
-    }
-    return 0;
 }
 
 /// One of them is a text.

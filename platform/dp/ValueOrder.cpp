@@ -1,34 +1,42 @@
 #include "platform/dp/ValueOrder.h"
 
+#include "platform/utils/Numbers.h"
+
 #include <algorithm>
 
 namespace orvane::dp {
 
 namespace {
 
-/// The double is a number.
-int compareMixed(std::int64_t a, double b) {
-    constexpr double limit = 9223372036854775808.0; // 2^63
-    if (b >= limit) {
-        return -1;
-    }
-    if (b < -limit) {
-        return 1;
-    }
-    const double whole = std::trunc(b);
-    const auto integer = static_cast<std::int64_t>(whole);
-    if (a != integer) {
-        return a < integer ? -1 : 1;
-    }
-    return whole < b ? -1 : whole > b;
-}
-
 template<class Number>
 int compareSame(Number a, Number b) {
     return a < b ? -1 : a > b;
 }
 
+int compareMixed(std::int64_t a, double b) {
+    const auto whole = utils::wholePart(b);
+    if (!whole) {
+        return b > 0 ? -1 : 1;
+    }
+    return a != *whole ? compareSame(a, *whole) : compareSame(static_cast<double>(*whole), b);
+}
+
+/// SQLite's NOCASE.
+int compareFolded(std::string_view a, std::string_view b) {
+    const std::size_t common = std::min(a.size(), b.size());
+    for (std::size_t i = 0; i < common; ++i) {
+        const auto left = static_cast<unsigned char>(foldAscii(a[i]));
+        const auto right = static_cast<unsigned char>(foldAscii(b[i]));
+        if (left != right) {
+            return left < right ? -1 : 1;
+        }
+    }
+    return compareSame(a.size(), b.size());
+}
+
 } // namespace
+
+TextComparison::~TextComparison() = default;
 
 Cell cellOf(const ScanValue& value) {
     if (const auto* integer = std::get_if<std::int64_t>(&value)) {
@@ -52,16 +60,14 @@ int compareNumbers(const Cell& a, const Cell& b) {
                                       : -compareMixed(b.integer(), a.real());
 }
 
-int compareFolded(std::string_view a, std::string_view b) {
-    const std::size_t common = std::min(a.size(), b.size());
-    for (std::size_t i = 0; i < common; ++i) {
-        const int difference =
-            static_cast<unsigned char>(foldAscii(a[i])) - static_cast<unsigned char>(foldAscii(b[i]));
-        if (difference != 0) {
-            return difference;
-        }
+int compareTexts(std::string_view a, std::string_view b, TextCollation collation,
+                 const TextComparison* locale) {
+    switch (collation) {
+    case TextCollation::Binary: return a.compare(b);
+    case TextCollation::NoCase: return compareFolded(a, b);
+    case TextCollation::Locale: return locale->compare(a, b);
     }
-    return a.size() < b.size() ? -1 : a.size() > b.size();
+    return 0;
 }
 
 } // namespace orvane::dp

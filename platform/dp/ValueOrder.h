@@ -21,14 +21,27 @@ inline bool isNumber(const Cell& cell) {
     return cell.type() == CellType::Integer || cell.type() == CellType::Real;
 }
 
-/// Exact three-way comparison of two numbers.
+/// Exact three-way comparison of two numbers, neither of them a not-a-number.
 ORVANE_PLATFORM_EXPORT int compareNumbers(const Cell& a, const Cell& b);
 
 inline char foldAscii(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
-/// Three-way comparison under SQLite's NOCASE.
-ORVANE_PLATFORM_EXPORT int compareFolded(std::string_view a, std::string_view b);
+/// How texts compare under the collation Locale. May be used by several threads at once.
+class ORVANE_PLATFORM_EXPORT TextComparison {
+public:
+    TextComparison() = default;
+    virtual ~TextComparison();
+    TextComparison(const TextComparison&) = delete;
+    TextComparison& operator=(const TextComparison&) = delete;
+
+    /// Negative, zero or positive.
+    virtual int compare(std::string_view a, std::string_view b) const = 0;
+};
+
+/// Three-way comparison of two texts. `locale` may be null unless the collation is Locale.
+ORVANE_PLATFORM_EXPORT int compareTexts(std::string_view a, std::string_view b, TextCollation collation,
+                                        const TextComparison* locale);
 
 } // namespace orvane::dp

@@ -5,9 +5,17 @@
 #include <QLocale>
 #include <QString>
 
+#include <cstdint>
+#include <optional>
 #include <string>
 
 namespace orvane::utils {
+
+/// The number without its fraction; nothing beyond 64 bits, and for what is no number.
+inline std::optional<std::int64_t> wholePart(double number) {
+    constexpr double end = 0x1p63;
+    return number >= -end && number < end ? std::optional(static_cast<std::int64_t>(number)) : std::nullopt;
+}
 
 /// The shortest decimal text that stands for a finite number, without its sign: 0.d1d2... times ten to the
 /// power of `point`.

@@ -14,6 +14,9 @@ namespace orvane::files {
 /// one block of bytes.
 enum class ColumnKind : std::uint8_t { Int16, Int32, Int64, Double, Text, Bytes, Wkb };
 
+/// The kind of values that a column delivers, whatever their width.
+enum class ValueClass : std::uint8_t { Integer, Real, Text, Other };
+
 /// The values of one column for the rows of one batch, in the layout of the Arrow C data interface. Shares
 /// the memory with whoever else reads the batch; immutable.
 struct ColumnChunk {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/providers/columns/ColumnBatch.h"
-#include "host/providers/conditions/Condition.h"
+#include "platform/dp/Condition.h"
 
 #include <optional>
 #include <vector>
@@ -12,7 +12,7 @@ namespace orvane::files {
 class RowFilter {
 public:
     /// Adds a condition on a column of the batches.
-    void add(int column, Condition condition) { conditions_.push_back({column, std::move(condition)}); }
+    void add(int column, dp::Condition condition) { conditions_.push_back({column, std::move(condition)}); }
     /// Keeps only the rows with these identifiers (ascending); for batches whose identifiers ascend.
     void setIds(std::vector<std::int64_t> ids) { ids_ = std::move(ids); }
     /// Keeps only the rows whose bounding box (ColumnBatch::boxes) meets the window.
@@ -27,7 +27,7 @@ public:
 private:
     struct ColumnCondition {
         int column;
-        Condition condition;
+        dp::Condition condition;
     };
 
     void selectIds(const ColumnBatch& batch, std::vector<std::int32_t>& rows) const;

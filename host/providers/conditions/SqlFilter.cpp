@@ -15,7 +15,7 @@ namespace orvane::files {
 namespace {
 
 /// Longer lists are replaced by the range they span; the cursor tests the values anyway.
-constexpr std::size_t MAX_RANGES = 64;
+constexpr std::size_t mostRanges = 64;
 
 std::string sqlNumber(std::int64_t value) {
     // The least integer has no literal of its own: 9223372036854775808 would be read as a real.
@@ -24,65 +24,82 @@ std::string sqlNumber(std::int64_t value) {
 }
 
 std::string sqlNumber(double value) {
-    if (std::isinf(value))
+    if (std::isinf(value)) {
         return value > 0 ? "9e999" : "-9e999";
+    }
     char text[40];
     std::snprintf(text, sizeof text, "%.17e", value);
     return text;
 }
 
 /// Stored fractions in a column of integers are read without their fraction: 5.7 counts as 5, -0.3 as 0.
-std::string sqlRange(const std::string& name, Range<std::int64_t> range) {
+std::string sqlRange(const std::string& name, dp::Range<std::int64_t> range) {
     std::string text;
-    if (range.low != std::numeric_limits<std::int64_t>::min())
+    if (range.low != std::numeric_limits<std::int64_t>::min()) {
         text = name + " > " + sqlNumber(range.low - 1);
-    if (range.high != std::numeric_limits<std::int64_t>::max())
+    }
+    if (range.high != std::numeric_limits<std::int64_t>::max()) {
         text += (text.empty() ? "" : " AND ") + name + " < " + sqlNumber(range.high + 1);
+    }
     return text.empty() ? name + " IS NOT NULL" : text;
 }
 
 /// Stored integers beyond 2^53 are read as the nearest real: the range is widened by one real at each end.
-std::string sqlRange(const std::string& name, Range<double> range) {
+std::string sqlRange(const std::string& name, dp::Range<double> range) {
     const double infinite = std::numeric_limits<double>::infinity();
     return name + " >= " + sqlNumber(std::nextafter(range.low, -infinite)) + " AND " + name +
            " <= " + sqlNumber(std::nextafter(range.high, infinite));
 }
 
 /// Texts and blobs compare greater than every number.
-constexpr const char* ABOVE_INTEGERS = "9223372036854775807";
-constexpr const char* ABOVE_REALS = "9e999";
+constexpr const char* aboveIntegers = "9223372036854775807";
+constexpr const char* aboveReals = "9e999";
 
 template<class Number>
-std::string sqlRanges(const std::string& name, const std::vector<Range<Number>>& ranges,
+std::string sqlRanges(const std::string& name, const std::vector<dp::Range<Number>>& ranges,
                       const char* aboveAll) {
+    if (ranges.empty()) {
+        return "0";
+    }
     std::string text = name + " > " + aboveAll;
-    if (ranges.size() > MAX_RANGES)
-        return text + " OR (" + sqlRange(name, Range<Number>{ranges.front().low, ranges.back().high}) + ")";
-    for (const auto& range : ranges)
+    if (ranges.size() > mostRanges) {
+        return text + " OR (" + sqlRange(name, dp::Range<Number>{ranges.front().low, ranges.back().high}) +
+               ")";
+    }
+    for (const auto& range : ranges) {
         text += " OR (" + sqlRange(name, range) + ")";
+    }
     return text;
 }
 
 /// Identifiers are integers whatever is stored elsewhere.
-std::string sqlIdentifiers(const std::string& name, const std::vector<Range<std::int64_t>>& ranges) {
+std::string sqlIdentifiers(const std::string& name, const std::vector<dp::Range<std::int64_t>>& ranges) {
     std::string list;
     std::string text;
     for (const auto& range : ranges) {
-        if (range.low == range.high)
+        if (range.low == range.high) {
             list += (list.empty() ? "" : ", ") + sqlNumber(range.low);
-        else
-            text += (text.empty() ? "" : " OR ") + name + " BETWEEN " + sqlNumber(range.low) + " AND " +
-                    sqlNumber(range.high);
+        } else {
+            text += name + " BETWEEN " + sqlNumber(range.low) + " AND " + sqlNumber(range.high) + " OR ";
+        }
     }
-    if (!list.empty())
-        text += (text.empty() ? "" : " OR ") + name + " IN (" + list + ")";
-    return text;
+    return text + (list.empty() ? "0" : name + " IN (" + list + ")");
 }
 
-std::string sqlTexts(const std::string& name, const std::vector<std::string>& texts) {
+/// Nothing where the file may compare otherwise: by another order, or unequal texts as equal, as a column
+/// that ignores letter case does. Values of other types come before and after the texts.
+std::optional<std::string> sqlTexts(const std::string& name, const dp::Condition& condition) {
+    if (condition.textTest() != dp::Condition::TextTest::Listed ||
+        condition.collation() != dp::TextCollation::Binary) {
+        return std::nullopt;
+    }
     std::string list;
-    for (const auto& text : texts)
+    for (const auto& text : condition.texts()) {
+        if (text.find('\0') != std::string::npos) {
+            return std::nullopt;
+        }
         list += (list.empty() ? "" : ", ") + utils::sqlText(text);
+    }
     return name + " IN (" + list + ") OR " + name + " < '' OR " + name + " >= x''";
 }
 
@@ -91,10 +108,12 @@ QSet<QByteArray> queryColumn(GDALDatasetH dataset, const std::string& sql) {
     const GdalErrorScope errors;
     QSet<QByteArray> values;
     const OGRLayerH result = GDALDatasetExecuteSQL(dataset, sql.c_str(), nullptr, nullptr);
-    if (!result)
+    if (!result) {
         return values;
-    while (const FeatureHandle feature{OGR_L_GetNextFeature(result)})
+    }
+    while (const FeatureHandle feature{OGR_L_GetNextFeature(result)}) {
         values.insert(QByteArray(OGR_F_GetFieldAsString(feature.get(), 0)));
+    }
     GDALDatasetReleaseResultSet(dataset, result);
     return values;
 }
@@ -107,8 +126,9 @@ SqlTraits sqlTraitsOf(GDALDatasetH dataset, OGRLayerH layer, const LayerSchema& 
     const QByteArray driver(GDALGetDriverShortName(GDALGetDatasetDriver(dataset)));
     const QByteArray identifier(OGR_L_GetFIDColumn(layer));
     traits.evaluatesSql = !identifier.isEmpty() && (driver == "GPKG" || driver == "SQLite");
-    if (!traits.evaluatesSql)
+    if (!traits.evaluatesSql) {
         return traits;
+    }
     traits.identifier = utils::sqlIdentifier(identifier.toStdString());
 
     const std::string table = OGR_L_GetName(layer);
@@ -123,41 +143,40 @@ SqlTraits sqlTraitsOf(GDALDatasetH dataset, OGRLayerH layer, const LayerSchema& 
     if (driver == "GPKG" && OGR_L_TestCapability(layer, OLCFastSpatialFilter)) {
         const std::string rtree = "rtree_" + table + "_" + OGR_L_GetGeometryColumn(layer);
         if (!queryColumn(dataset, "SELECT 1 FROM sqlite_master WHERE name = " + utils::sqlText(rtree))
-                 .isEmpty())
+                 .isEmpty()) {
             traits.spatialIndex = utils::sqlIdentifier(rtree);
+        }
     }
     return traits;
 }
 
 std::optional<std::string> sqlOfCondition(const LayerColumn& column, ValueClass valueClass,
-                                          const Condition& condition) {
-    const bool isNullTest = condition.integers.empty() && condition.reals.empty() && condition.texts.empty();
+                                          const dp::Condition& condition) {
     // Types that the driver converts: what SQLite compares is not what the cursor delivers.
-    if (!column.isArrowExact || (column.source == LayerColumn::Source::Geometry && !isNullTest))
+    if (!column.isArrowExact) {
         return std::nullopt;
-    const auto name = utils::sqlIdentifier(column.name);
-    std::string text;
-    if (condition.acceptsAnyValue) {
-        text = name + " IS NOT NULL";
-    } else if (condition.textsAreExcluded) {
-        return std::nullopt; // a column that ignores letter case would leave out too much
-    } else if (column.source == LayerColumn::Source::FeatureId && !condition.integers.empty()) {
-        text = sqlIdentifiers(name, condition.integers);
-    } else if (valueClass == ValueClass::Integer && !condition.integers.empty()) {
-        text = sqlRanges(name, condition.integers, ABOVE_INTEGERS);
-    } else if (valueClass == ValueClass::Real && !condition.reals.empty()) {
-        text = sqlRanges(name, condition.reals, ABOVE_REALS);
-    } else if (!condition.texts.empty()) {
-        const bool hasZero =
-            std::any_of(condition.texts.begin(), condition.texts.end(),
-                        [](const std::string& t) { return t.find('\0') != std::string::npos; });
-        if (hasZero)
-            return std::nullopt;
-        text = sqlTexts(name, condition.texts);
     }
-    if (condition.acceptsNull)
-        text += (text.empty() ? "" : " OR ") + name + " IS NULL";
-    return text.empty() ? "0" : "(" + text + ")";
+    const auto name = utils::sqlIdentifier(column.name);
+    if (condition.isNullTest()) {
+        return name + (condition.acceptsNull() ? " IS NULL" : " IS NOT NULL");
+    }
+    if (condition.acceptsNothing()) {
+        return "0";
+    }
+    std::optional<std::string> text;
+    if (column.source == LayerColumn::Source::FeatureId) {
+        text = sqlIdentifiers(name, condition.integers());
+    } else if (valueClass == ValueClass::Integer) {
+        text = sqlRanges(name, condition.integers(), aboveIntegers);
+    } else if (valueClass == ValueClass::Real) {
+        text = sqlRanges(name, condition.reals(), aboveReals);
+    } else if (valueClass == ValueClass::Text) {
+        text = sqlTexts(name, condition);
+    }
+    if (text && condition.acceptsNull()) {
+        *text += " OR " + name + " IS NULL";
+    }
+    return text ? std::optional("(" + *text + ")") : std::nullopt;
 }
 
 std::string sqlOfWindow(const SqlTraits& traits, const dp::ScanWindow& window) {

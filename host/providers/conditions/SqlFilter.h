@@ -1,7 +1,8 @@
 #pragma once
 
-#include "host/providers/conditions/Condition.h"
+#include "host/providers/columns/ColumnBatch.h"
 #include "host/providers/datasets/LayerSchema.h"
+#include "platform/dp/Condition.h"
 
 #include <gdal.h>
 
@@ -26,7 +27,7 @@ SqlTraits sqlTraitsOf(GDALDatasetH dataset, OGRLayerH layer, const LayerSchema& 
 /// stores what it is given, whatever the type of the column: values of another class than the column's are
 /// let through, as the driver turns them into something.
 std::optional<std::string> sqlOfCondition(const LayerColumn& column, ValueClass valueClass,
-                                          const Condition& condition);
+                                          const dp::Condition& condition);
 
 /// Rows whose bounding box in the R-tree meets the window. (OGR's own spatial filter tests the exact shape:
 /// it would leave out the U around a window, whose bounding box meets it.)

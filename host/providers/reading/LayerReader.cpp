@@ -94,9 +94,10 @@ std::unique_ptr<dp::Cursor> LayerReader::openCursor(const dp::ScanRequest& reque
         addDistinct(query.requested, attribute);
     query.needed = query.requested;
     for (const auto& term : request.terms) {
-        if (auto condition = conditionOf(term, source_->valueClass(term.attribute))) {
+        dp::Condition condition(term);
+        if (condition.isNullTest() || usesTerm(term.attribute, term.comparison, term.collation)) {
             addDistinct(query.needed, term.attribute);
-            query.tests.push_back({term.attribute, std::move(*condition)});
+            query.tests.push_back({term.attribute, std::move(condition)});
         }
     }
     query.window = request.window;
@@ -252,11 +253,7 @@ bool LayerReader::usesTerm(int attribute, dp::Comparison comparison, dp::TextCol
     switch (source_->valueClass(attribute)) {
     case ValueClass::Integer:
     case ValueClass::Real: return true;
-    case ValueClass::Text:
-        return collation == dp::TextCollation::Binary &&
-               (comparison == Comparison::Equal || comparison == Comparison::Is ||
-                comparison == Comparison::NotEqual || comparison == Comparison::IsNot ||
-                comparison == Comparison::In);
+    case ValueClass::Text: return collation == dp::TextCollation::Binary;
     case ValueClass::Other: return comparison == Comparison::Is || comparison == Comparison::IsNot;
     }
     return false;

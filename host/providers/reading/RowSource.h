@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/providers/columns/ColumnBatch.h"
-#include "host/providers/conditions/Condition.h"
+#include "platform/dp/Condition.h"
 #include "platform/dp/TableSchema.h"
 
 #include <QByteArray>
@@ -19,7 +19,7 @@ public:
     /// A demand on the values of an attribute.
     struct Test {
         int attribute;
-        Condition condition;
+        dp::Condition condition;
     };
     /// Tests in the words of the format.
     struct Filter {

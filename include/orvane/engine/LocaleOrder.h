@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/dp/ValueOrder.h"
 #include <orvane/engine/Export.h>
 
 #include <QCollator>
@@ -17,16 +18,14 @@ namespace orvane::engine {
 /// one, each by a weight of its own - have a rank; texts that differ in plain characters are ordered by the
 /// ranks, all others are the collator's. Bytes that are no UTF-8 count as U+FFFD each. Takes no memory for
 /// texts of ordinary length. May be used by several threads at once.
-class ORVANE_ENGINE_EXPORT LocaleOrder {
+class ORVANE_ENGINE_EXPORT LocaleOrder final : public dp::TextComparison {
 public:
     explicit LocaleOrder(QCollator collator);
 
     /// The order of collator() under the default locale as it is now.
     static std::shared_ptr<const LocaleOrder> current();
 
-    /// Negative, zero or positive.
-    int compare(std::string_view a, std::string_view b) const;
-    bool equal(std::string_view a, std::string_view b) const { return a == b || compare(a, b) == 0; }
+    int compare(std::string_view a, std::string_view b) const override;
 
     /// Stores the ranks of a text that is all plain characters, none of them zero, else returns false. Two
     /// such texts are equal when their ranks are, and ordered as their ranks are.

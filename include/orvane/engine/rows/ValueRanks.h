@@ -1,7 +1,6 @@
 #pragma once
 
-#include "platform/dp/Cursor.h"
-#include "platform/dp/ScanRequest.h"
+#include "platform/dp/ValueOrder.h"
 #include "platform/work/Cancellation.h"
 #include <orvane/engine/LocaleOrder.h>
 #include <orvane/engine/rows/ByteArena.h>
@@ -54,7 +53,9 @@ public:
 private:
     bool isLess(const dp::Cell& a, const dp::Cell& b) const;
     bool isSame(const dp::Cell& a, const dp::Cell& b) const;
-    int compareTexts(std::string_view a, std::string_view b) const;
+    int compareTexts(std::string_view a, std::string_view b) const {
+        return dp::compareTexts(a, b, collation_, locale_.get());
+    }
     bool appendKey(const dp::Cell& value, std::string& key) const;
     std::vector<Code> sorted(const work::Cancellation& cancellation) const;
     std::vector<Code> sortedByComparing(std::vector<Code> texts,
