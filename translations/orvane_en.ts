@@ -1215,6 +1215,14 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
         <translation>nested deeper than %0 levels</translation>
     </message>
     <message>
+        <source>больше %0 запросов, сложенных в один</source>
+        <translation>more than %0 queries put together</translation>
+    </message>
+    <message>
+        <source>неизвестный тип «%0»; Cast знает Integer, Real, Numeric, Text, Blob, Date, Time и Timestamp</source>
+        <translation>unknown type &quot;%0&quot;; Cast knows Integer, Real, Numeric, Text, Blob, Date, Time and Timestamp</translation>
+    </message>
+    <message>
         <source>выражение глубже %0 уровней</source>
         <translation>the expression is deeper than %0 levels</translation>
     </message>

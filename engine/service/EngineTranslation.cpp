@@ -53,10 +53,15 @@ bool Engine::tryToTranslate(const sql::ParseResult& statement, engine::SqliteStr
             std::make_shared<sql::UnexpectedParseResult>(sql::toSqlString(QObject::tr("Выражение"))));
     } else {
         builder.setCollate(QStringLiteral("Locale"));
-        builder.setTableColumns(
-            [this](const std::wstring& table) { return joinableColumns(internal_->database(), table); });
+        const bool isLent = !builder.tableColumns();
+        if (isLent) {
+            builder.setTableColumns(
+                [this](const std::wstring& table) { return joinableColumns(internal_->database(), table); });
+        }
         std::wstring query = builder.buildString(*statement.node());
-        builder.setTableColumns(nullptr);
+        if (isLent) {
+            builder.setTableColumns(nullptr);
+        }
         if (builder.hasErrors()) {
             builder.addTranslateErrors();
         } else {

@@ -1,9 +1,9 @@
 #include <orvane/engine/SqliteStringBuilder.h>
 
+#include "engine/translation/ComputedTexts.h"
 #include "platform/sql/lexing/SqlStrings.h"
+#include "platform/sql/tree/CastType.h"
 #include <orvane/engine/FunctionNames.h>
-
-#include <sqlite3.h>
 
 #include <algorithm>
 #include <utility>
@@ -56,19 +56,18 @@ bool comparesTexts(OperationCode code) {
     }
 }
 
-/// The name of a type with the words quoted that SQLite would take for something else (`Table`).
-std::wstring quotedType(const std::wstring& name) {
-    const std::size_t end = std::min(name.find(L'('), name.size());
-    std::wstring type;
-    for (std::size_t begin = 0; begin < end;) {
-        const std::size_t behind = std::min(name.find(L' ', begin), end);
-        const std::wstring word = name.substr(begin, behind - begin);
-        const std::string utf8 = toUtf8(word);
-        const bool isKeyword = sqlite3_keyword_check(utf8.data(), static_cast<int>(utf8.size())) != 0;
-        type += (type.empty() ? L"" : L" ") + (isKeyword ? L'"' + word + L'"' : word);
-        begin = behind + 1;
-    }
-    return type + name.substr(end);
+/// The function that stands for a Cast to a type that SQLite has not; null for any other operation.
+const wchar_t* conversionOf(const ast::Operation& node) {
+    const auto type = node.code() == OperationCode::Cast ? findCastType(node.name()) : std::nullopt;
+    return type == CastType::Date        ? L"GetDate"
+           : type == CastType::Time      ? L"time"
+           : type == CastType::Timestamp ? L"datetime"
+                                         : nullptr;
+}
+
+/// Whether the function compares its arguments, and so wants their collation.
+bool comparesArguments(const std::wstring& lowercaseName) {
+    return lowercaseName == L"max" || lowercaseName == L"min" || lowercaseName == L"nullif";
 }
 
 } // namespace
@@ -84,16 +83,16 @@ void SqliteStringBuilder::visit(const ast::Operation& node) {
         text += L"))";
         return push(std::move(text));
     }
-    if (node.code() == OperationCode::Cast) {
-        return SqlStringBuilder::visit(
-            ast::Operation(OperationCode::Cast, node.left(), quotedType(node.name())));
+    if (const wchar_t* conversion = conversionOf(node)) {
+        return push(std::wstring(conversion) + L'(' + renderValue(node.left()) + L')');
     }
     // `Case x When y` compares as well; the other form of Case has no left operand.
     const bool simpleCase = node.code() == OperationCode::Case && node.left();
     if (!collate_.isEmpty() && (comparesTexts(node.code()) || simpleCase)) {
-        const std::wstring clause = L" Collate " + toSqlString(collate_);
-        return processOperation(node,
-                                [&clause](std::wstring& text) -> std::wstring& { return text += clause; });
+        return processOperation(node, [this](std::wstring& text) -> std::wstring& {
+            appendCollation(text);
+            return text;
+        });
     }
     SqlStringBuilder::visit(node);
 }
@@ -111,7 +110,8 @@ std::wstring SqliteStringBuilder::ternaryToString(TernaryLogic::Value value) {
 }
 
 void SqliteStringBuilder::visit(const ast::Function& node) {
-    if (toLowercase(node.name) == L"rownum") {
+    const std::wstring lowercase = toLowercase(node.name);
+    if (lowercase == L"rownum") {
         return push(L"row_number() Over (Order By 1)");
     }
     if (!whiteList_.empty()) {
@@ -120,13 +120,14 @@ void SqliteStringBuilder::visit(const ast::Function& node) {
             unsupported_.insert(written);
         }
     }
-    std::wstring name = sqlFunctionName(node.name);
-    if (name == node.name) {
-        return SqlStringBuilder::visit(node);
+    ast::Function call = node;
+    call.name = sqlFunctionName(node.name);
+    if (!collate_.isEmpty() && (node.distinct || comparesArguments(lowercase))) {
+        for (ast::NodePtr& argument : call.arguments) {
+            argument = isComputedText(argument) ? collated(argument) : argument;
+        }
     }
-    ast::Function renamed = node;
-    renamed.name = std::move(name);
-    SqlStringBuilder::visit(renamed);
+    SqlStringBuilder::visit(call);
 }
 
 } // namespace orvane::engine

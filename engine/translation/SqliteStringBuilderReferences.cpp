@@ -2,6 +2,7 @@
 
 #include <orvane/engine/ColumnNames.h>
 
+#include "engine/translation/FixedColumns.h"
 #include "platform/dp/DataCatalogWithSelection.h"
 #include "platform/dp/DataObject.h"
 #include "platform/sql/lexing/SqlStrings.h"
@@ -35,10 +36,8 @@ bool isStyleName(const std::wstring& name) {
     return lowercase == L"style" || lowercase == L"tr$$_rendition";
 }
 
-/// The fixed name behind a geometry or style name of the dialect; null for any other name.
-const std::wstring* fixedName(const std::wstring& name) {
-    return isGeometryName(name) ? &geometryColumnName() : isStyleName(name) ? &styleColumnName() : nullptr;
-}
+/// How deep the columns of a query are looked for in the queries that it selects all columns from.
+constexpr int deepestNamedQuery = 20;
 
 const std::wstring& selectionTableName() {
     static const std::wstring name = toSqlString(dp::DataCatalogWithSelection::selectionTableName());
@@ -47,29 +46,52 @@ const std::wstring& selectionTableName() {
 
 } // namespace
 
-/// The result column under the name that those around it use; null when it has that already.
-ast::NodePtr SqliteStringBuilder::withColumnName(const ast::NodePtr& column, bool outermost) const {
-    const auto* derived = ast::nodeAs<ast::DerivedColumn>(column);
-    if (!derived) {
+const std::wstring* fixedColumnName(const std::wstring& name) {
+    return isGeometryName(name) ? &geometryColumnName() : isStyleName(name) ? &styleColumnName() : nullptr;
+}
+
+/// The alias of the selection for columns that are qualified by its name: that of the nearest query that has
+/// it in From. Null for other qualifiers.
+const std::wstring* SqliteStringBuilder::selectionAlias(const std::wstring& qualifier) const {
+    if (qualifier != selectionTableName()) {
         return nullptr;
     }
-    if (!outermost) {
-        const std::wstring* fixed = fixedName(derived->alias);
-        return fixed ? std::make_shared<ast::DerivedColumn>(derived->expression, *fixed) : nullptr;
-    }
-    const auto* reference = ast::nodeAs<ast::ColumnReference>(derived->expression);
-    const bool renamed = reference && derived->alias.empty() && fixedName(reference->name);
-    return renamed ? std::make_shared<ast::DerivedColumn>(derived->expression, reference->name) : nullptr;
+    const auto frame = std::find_if(frames_.rbegin(), frames_.rend(),
+                                    [](const Frame& each) { return !each.selectionAliases.empty(); });
+    return frame != frames_.rend() ? &*frame->selectionAliases.begin() : nullptr;
 }
 
 void SqliteStringBuilder::visit(const ast::ColumnReference& node) {
-    const bool redirected =
-        node.qualifier == selectionTableName() && !aliasFrames_.empty() && !aliasFrames_.back().empty();
-    if (redirected) {
-        visitCorrectedColumn(ast::ColumnReference(*aliasFrames_.back().begin(), node.name));
-    } else {
-        visitCorrectedColumn(node);
+    if (const std::wstring* alias = selectionAlias(node.qualifier)) {
+        return visitCorrectedColumn(ast::ColumnReference(*alias, node.name));
     }
+    if (const ast::NodePtr value = resultColumnNamed(node)) {
+        frames_.back().isBehindWhere = false; // the value itself is the table's
+        std::wstring text = renderValue(value);
+        frames_.back().isBehindWhere = true;
+        const bool isOperation = value->kind == ast::NodeKind::Operation;
+        return push(isOperation ? L'(' + text + L')' : std::move(text));
+    }
+    visitCorrectedColumn(node);
+}
+
+/// The value of the result column that a geometry or style name stands for within Group By, Having or Order
+/// By; null when there is none of that name. SQLite knows the result column under another one.
+ast::NodePtr SqliteStringBuilder::resultColumnNamed(const ast::ColumnReference& node) const {
+    const bool isName = !frames_.empty() && frames_.back().isBehindWhere && frames_.back().columns &&
+                        node.qualifier.empty() && fixedColumnName(node.name);
+    for (std::size_t i = 0; isName && i < frames_.back().columns->size(); ++i) {
+        const auto* column = ast::nodeAs<ast::DerivedColumn>((*frames_.back().columns)[i]);
+        if (column && toLowercase(column->alias) == toLowercase(node.name)) {
+            return column->expression;
+        }
+    }
+    return nullptr;
+}
+
+void SqliteStringBuilder::visit(const ast::QualifiedAsterisk& node) {
+    const std::wstring* alias = selectionAlias(node.qualifier);
+    SqlStringBuilder::visit(alias ? ast::QualifiedAsterisk(*alias) : node);
 }
 
 void SqliteStringBuilder::visitCorrectedColumn(const ast::ColumnReference& node) {
@@ -122,8 +144,8 @@ void SqliteStringBuilder::visitSelectionTable(const ast::TablePrimary& node) {
     } else {
         addError(std::make_shared<SelectionTableIsAbsent>());
     }
-    if (!aliasFrames_.empty()) { // the target of an Insert stands in no query
-        aliasFrames_.back().insert(table.alias);
+    if (!frames_.empty()) { // the target of an Insert stands in no query
+        frames_.back().selectionAliases.insert(table.alias);
     }
     isIdUsed_ = true;
     recordTable(table);
@@ -131,28 +153,77 @@ void SqliteStringBuilder::visitSelectionTable(const ast::TablePrimary& node) {
 }
 
 /// The columns of a source that a natural join may match; empty when they are not known.
-std::vector<std::wstring> SqliteStringBuilder::columnsOf(const ast::NodePtr& source) const {
+std::vector<std::wstring> SqliteStringBuilder::columnsOf(const ast::NodePtr& source, int depth) const {
+    if (depth > deepestNamedQuery) {
+        return {}; // a query that refers to itself
+    }
     if (const auto* table = ast::nodeAs<ast::TablePrimary>(source)) {
+        if (const ast::CommonTable* named = namedQuery(table->name)) {
+            return namedColumns(named->columns, named->query, depth);
+        }
         const bool isSelection = table->name == selectionTableName() && selectionObject_;
         return tableColumns_(isSelection ? toSqlString(selectionObject_->name()) : table->name);
     }
     if (const auto* join = ast::nodeAs<ast::JoinNode>(source)) {
-        std::vector<std::wstring> columns = columnsOf(join->left);
-        const std::vector<std::wstring> right = columnsOf(join->right);
+        std::vector<std::wstring> columns = columnsOf(join->left, depth);
+        const std::vector<std::wstring> right = columnsOf(join->right, depth);
         if (columns.empty() || right.empty()) {
             return {};
         }
         columns.insert(columns.end(), right.begin(), right.end());
         return columns;
     }
-    return {};
+    const auto* derived = ast::nodeAs<ast::DerivedTable>(source);
+    return derived ? namedColumns(derived->columns, derived->query, depth) : std::vector<std::wstring>();
+}
+
+/// The columns of a query under the names given or, without any, its own. Geometry and style are left out;
+/// empty when a column has no name that is known.
+std::vector<std::wstring> SqliteStringBuilder::namedColumns(const ast::NodeList& names,
+                                                            const ast::NodePtr& query, int depth) const {
+    const ast::QuerySpecification* select = ast::firstSelect(query.get());
+    std::vector<std::wstring> columns;
+    for (const ast::NodePtr& node : names.empty() && select ? select->columns : names) {
+        const auto* column = ast::nodeAs<ast::DerivedColumn>(node);
+        if (column && ast::nodeAs<ast::QualifiedAsterisk>(column->expression)) {
+            const std::vector<std::wstring> all = columnsOf(ast::onlySource(*select), depth + 1);
+            if (all.empty()) {
+                return {};
+            }
+            columns.insert(columns.end(), all.begin(), all.end());
+            continue;
+        }
+        const auto* reference = ast::nodeAs<ast::ColumnReference>(column ? column->expression : node);
+        const std::wstring name = column && !column->alias.empty() ? column->alias
+                                  : reference                      ? reference->name
+                                                                   : std::wstring();
+        if (name.empty()) {
+            return {};
+        }
+        if (!fixedColumnName(name)) {
+            columns.push_back(name);
+        }
+    }
+    return columns;
+}
+
+/// The query that With gives a name that can be used now; null when there is none.
+const ast::CommonTable* SqliteStringBuilder::namedQuery(const std::wstring& name) const {
+    for (auto scope = namedQueries_.rbegin(); scope != namedQueries_.rend(); ++scope) {
+        for (const ast::CommonTable& table : **scope) {
+            if (toLowercase(table.name) == toLowercase(name)) {
+                return &table;
+            }
+        }
+    }
+    return nullptr;
 }
 
 /// A natural join of tables whose columns are known names the columns that it matches.
 void SqliteStringBuilder::visit(const ast::JoinNode& node) {
     const std::vector<std::wstring> left =
-        node.natural && tableColumns_ ? columnsOf(node.left) : std::vector<std::wstring>();
-    const std::vector<std::wstring> right = left.empty() ? left : columnsOf(node.right);
+        node.natural && tableColumns_ ? columnsOf(node.left, 0) : std::vector<std::wstring>();
+    const std::vector<std::wstring> right = left.empty() ? left : columnsOf(node.right, 0);
     if (right.empty()) {
         return SqlStringBuilder::visit(node);
     }
@@ -175,7 +246,7 @@ void SqliteStringBuilder::recordTable(const ast::TablePrimary& node) {
         return;
     }
     dependencies_.push_back({node.name, node.alias});
-    if (aliasFrames_.size() == 1) {
+    if (frames_.size() == 1) {
         primaries_.push_back(dependencies_.back());
     }
 }

@@ -14,24 +14,16 @@ namespace {
 
 using namespace sql;
 
-const ast::NodePtr& onlySource(const ast::QuerySpecification& query) {
-    static const ast::NodePtr none;
-    const auto* from = ast::nodeAs<ast::FromSource>(query.from);
-    return from && from->sources.size() == 1 ? from->sources.front() : none;
-}
-
 /// The result columns that a query names. In a compound query the first names them, and an asterisk after
 /// which there is nothing but a query stands for the columns of that one.
-ast::NodeList resultColumns(ast::NodePtr query) {
-    while (const auto* operation = ast::nodeAs<ast::QueryOperation>(query))
-        query = operation->left;
-    const auto* select = ast::nodeAs<ast::QuerySpecification>(query);
+ast::NodeList resultColumns(const ast::NodePtr& query) {
+    const ast::QuerySpecification* select = ast::firstSelect(query.get());
     if (!select)
         return {};
     const auto* only =
         select->columns.size() == 1 ? ast::nodeAs<ast::DerivedColumn>(select->columns.front()) : nullptr;
-    const auto* derived = ast::nodeAs<ast::DerivedTable>(onlySource(*select));
-    if (only && derived && ast::nodeAs<ast::QualifiedAsterisk>(only->expression))
+    const auto* derived = ast::nodeAs<ast::DerivedTable>(ast::onlySource(*select));
+    if (only && derived && derived->columns.empty() && ast::nodeAs<ast::QualifiedAsterisk>(only->expression))
         return resultColumns(derived->query);
     return select->columns;
 }

@@ -69,6 +69,7 @@ public:
     /// With it a Natural Join of tables becomes one of the columns that both have; without it SQLite would
     /// match their geometries too.
     void setTableColumns(TableColumns columns) { tableColumns_ = std::move(columns); }
+    const TableColumns& tableColumns() const { return tableColumns_; }
     /// Stores the finished text.
     void setQuery(std::wstring query) { query_ = std::move(query); }
     /// Stores whether it is that of a lone expression, not of a statement.
@@ -89,7 +90,7 @@ public:
     /// Whether the statement refers to row numbers.
     bool isIdUsed() const { return isIdUsed_; }
     /// Where, in the outermost query, further result columns can be inserted: at the end of its result
-    /// columns. 0 when the statement is no query. Counts units of std::wstring.
+    /// columns. 0 when the statement is no query or puts several together. Counts units of std::wstring.
     std::size_t insertOffset() const { return insertOffset_; }
     /// The table that the result is to become (Select … Into name); empty when the statement says nothing of
     /// it. The rendered text is the query alone.
@@ -114,10 +115,15 @@ public:
     using sql::SqlStringBuilder::visit;
     void visit(const sql::ast::ColumnReference& node) override;
     void visit(const sql::ast::DeleteStatement& node) override;
+    void visit(const sql::ast::DerivedColumn& node) override;
+    void visit(const sql::ast::DerivedTable& node) override;
     void visit(const sql::ast::ExplicitTable& node) override;
     void visit(const sql::ast::Function& node) override;
+    void visit(const sql::ast::IntoClause& node) override;
     void visit(const sql::ast::JoinNode& node) override;
     void visit(const sql::ast::Operation& node) override;
+    void visit(const sql::ast::QualifiedAsterisk& node) override;
+    void visit(const sql::ast::QueryOperation& node) override;
     void visit(const sql::ast::QuerySpecification& node) override;
     void visit(const sql::ast::TablePrimary& node) override;
     void visit(const sql::ast::UpdateStatement& node) override;
@@ -128,16 +134,41 @@ public:
     std::wstring constructSelect(std::wstring select, std::wstring quantifier, std::wstring columns,
                                  std::wstring rest) override;
 
+protected:
+    std::wstring renderWith(const sql::ast::QueryExpression& query) override;
+    std::wstring renderKey(const sql::ast::NodePtr& key) override;
+    void appendResultClauses(std::wstring& text, const sql::ast::QueryExpression& query) override;
+    void appendLimit(std::wstring& text, const sql::ast::QueryExpression& query) override;
+    bool needsEnclosing(const sql::ast::NodePtr& query,
+                        const sql::ast::QueryOperation& parent) const override;
+    std::wstring renderEnclosed(const sql::ast::NodePtr& query) override;
+
 private:
+    using NamedQueries = std::vector<sql::ast::CommonTable>;
+
+    /// A query being rendered.
+    struct Frame {
+        std::set<std::wstring> selectionAliases; ///< that its From gives to the selection pseudo-table
+        const sql::ast::NodeList* columns = nullptr;
+        bool isCompared = false;    ///< its result columns are compared with others
+        bool isBehindWhere = false; ///< where names and numbers of result columns are understood
+        bool isCompound = false;    ///< of several queries put together: only their order is rendered in it
+    };
+
     void visitCorrectedColumn(const sql::ast::ColumnReference& node);
     bool visitGeo(const sql::ast::ColumnReference& node);
     bool visitStyle(const sql::ast::ColumnReference& node);
     void visitImpl(const sql::ast::ColumnReference& node);
     void visitSelectionTable(const sql::ast::TablePrimary& node);
     void recordTable(const sql::ast::TablePrimary& node);
-    std::vector<std::wstring> columnsOf(const sql::ast::NodePtr& source) const;
-    std::shared_ptr<sql::ast::QuerySpecification> adapted(const sql::ast::QuerySpecification& node);
-    sql::ast::NodePtr withColumnName(const sql::ast::NodePtr& column, bool outermost) const;
+    std::vector<std::wstring> columnsOf(const sql::ast::NodePtr& source, int depth) const;
+    std::vector<std::wstring> namedColumns(const sql::ast::NodeList& names, const sql::ast::NodePtr& query,
+                                           int depth) const;
+    sql::ast::NodePtr resultColumnNamed(const sql::ast::ColumnReference& node) const;
+    const sql::ast::CommonTable* namedQuery(const std::wstring& name) const;
+    const std::wstring* selectionAlias(const std::wstring& qualifier) const;
+    void appendCollation(std::wstring& text) const;
+    sql::ast::NodePtr collated(const sql::ast::NodePtr& value) const;
 
     std::size_t insertOffset_ = 0;
     std::size_t fromLength_ = 0;
@@ -149,8 +180,10 @@ private:
     FunctionNames whiteList_;
     FunctionNames unsupported_;
     std::vector<ColumnRef> columns_;
-    /// One entry per query being rendered: the aliases that its From gives to the selection pseudo-table.
-    std::vector<std::set<std::wstring>> aliasFrames_;
+    std::vector<Frame> frames_; ///< of the queries and changes being rendered, the innermost last
+    std::vector<const NamedQueries*> namedQueries_; ///< that can be referred to now
+    int enclosing_ = 0;                             ///< queries around this one that the user has not written
+    bool isCompared_ = false; ///< the columns of a query that begins now are compared with others
     std::set<std::int64_t> selectionIds_;
     std::shared_ptr<dp::DataObject> selectionObject_;
     bool needDependencies_ = false;

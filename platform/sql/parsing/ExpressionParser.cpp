@@ -1,5 +1,6 @@
 #include "platform/sql/lexing/SqlStrings.h"
 #include "platform/sql/parsing/Parser.h"
+#include "platform/sql/tree/CastType.h"
 
 #include <QCoreApplication>
 
@@ -351,6 +352,7 @@ ast::NodePtr Parser::parseCast() {
 
 /// `Integer`, `Double Precision`, `Decimal(10, 2)`: the words as written, one blank between them.
 std::wstring Parser::parseTypeName() {
+    const Token& first = peek();
     if (!at(TokenKind::Word) || !atName()) {
         failExpecting(Noun::Name);
     }
@@ -358,19 +360,26 @@ std::wstring Parser::parseTypeName() {
     while (at(TokenKind::Word) && atName()) {
         type += L' ' + takeValue();
     }
-    if (accept(TokenKind::LeftParenthesis)) {
-        type += L'(';
-        do {
-            if (!at(TokenKind::Number)) {
-                failExpecting(Noun::Expression);
-            }
-            type += takeValue();
-            type += at(TokenKind::Comma) ? L"," : L"";
-        } while (accept(TokenKind::Comma));
-        expect(TokenKind::RightParenthesis);
+    if (!findCastType(type)) {
+        failAt(first, QCoreApplication::translate("orvane::sql",
+                                                  "неизвестный тип «%0»; Cast знает Integer, Real, Numeric, "
+                                                  "Text, Blob, Date, Time и Timestamp")
+                          .arg(fromSqlString(type)));
+    }
+    if (accept(TokenKind::LeftParenthesis)) { // SQLite takes one number or two
+        type += L'(' + expectNumber();
+        type += accept(TokenKind::Comma) ? L',' + expectNumber() : std::wstring();
         type += L')';
+        expect(TokenKind::RightParenthesis);
     }
     return type;
+}
+
+std::wstring Parser::expectNumber() {
+    if (!at(TokenKind::Number)) {
+        failExpecting(Noun::Expression);
+    }
+    return takeValue();
 }
 
 } // namespace orvane::sql

@@ -33,6 +33,9 @@ private:
     /// Levels of the finished tree, chains such as `a And b And …` included. SQLite refuses deeper
     /// expressions.
     static constexpr int heightLimit = 1000;
+    /// Queries put together by set operators in one statement. They stand to the left in the tree, one below
+    /// the other.
+    static constexpr int operandLimit = 2500;
 
     /// Counts one level of nesting for as long as a rule runs, and the height of what it builds.
     class Level {
@@ -67,6 +70,8 @@ private:
     ast::CommonTable parseCommonTable();
     ast::NodePtr parseQueryBody();
     ast::NodePtr parseIntersections();
+    ast::NodePtr parseOperand(std::size_t first, ast::SetOperator code, ast::NodePtr left,
+                              ast::NodePtr (Parser::*parseRight)());
     ast::NodePtr parseQueryTerm();
     ast::NodePtr parseSelect();
     ast::NodePtr parseResultClauses(std::size_t first, ast::NodePtr query);
@@ -98,6 +103,7 @@ private:
     ast::NodePtr parseCase();
     ast::NodePtr parseCast();
     std::wstring parseTypeName();
+    std::wstring expectNumber();
     ast::NodePtr parseFunction(std::wstring name);
     std::shared_ptr<const ast::Window> parseWindow();
     ast::Window::Frame parseFrame(ast::Window::Unit unit);
@@ -163,6 +169,7 @@ private:
     std::size_t pos_ = 0;
     int nesting_ = 0;
     int height_ = 0;
+    int operands_ = 0;
     bool intoAllowed_ = false;  ///< only the first Select of a query statement may have an Into
     bool inExpression_ = false; ///< the text is read as a lone expression
     Expectations expected_;

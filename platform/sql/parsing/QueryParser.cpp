@@ -8,36 +8,14 @@ namespace orvane::sql {
 
 namespace {
 
-/// `Select * From (query) alias`. Brings what SQLite cannot write in one place or the other into a form that
-/// it can.
-std::shared_ptr<ast::QuerySpecification> selectAllFrom(ast::NodePtr query) {
-    auto outer = std::make_shared<ast::QuerySpecification>();
-    outer->columns.push_back(
-        std::make_shared<ast::DerivedColumn>(std::make_shared<ast::QualifiedAsterisk>()));
-    ast::NodePtr source;
-    if (const auto* table = ast::nodeAs<ast::ExplicitTable>(query)) {
-        source = std::make_shared<ast::TablePrimary>(table->name);
-    } else {
-        source = std::make_shared<ast::DerivedTable>(std::move(query));
-    }
-    outer->from = std::make_shared<ast::FromSource>(ast::NodeList{std::move(source)});
-    return outer;
+/// Every query is one that can be ordered and limited.
+ast::QueryExpression& expressionOf(const ast::NodePtr& query) {
+    return static_cast<ast::QueryExpression&>(*query);
 }
 
-/// The query as one that can be ordered and limited; null for `Table t`.
-ast::QueryExpression* asQueryExpression(const ast::NodePtr& query) {
-    return query->kind == ast::NodeKind::ExplicitTable ? nullptr
-                                                       : static_cast<ast::QueryExpression*>(query.get());
-}
-
-bool hasWith(const ast::NodePtr& query) {
-    const auto* select = ast::nodeAs<ast::QuerySpecification>(query);
-    return select && !select->with.empty();
-}
-
-bool isOrderedOrLimited(const ast::NodePtr& query) {
-    const ast::QueryExpression* expression = asQueryExpression(query);
-    return expression && (!expression->orderBy.empty() || expression->limit);
+/// The query in parentheses, ready to take further clauses.
+ast::NodePtr enclosed(ast::NodePtr query) {
+    return std::make_shared<ast::QueryOperation>(ast::SetOperator::Union, std::move(query), nullptr);
 }
 
 /// Whether the word after a query goes on with it.
@@ -52,21 +30,6 @@ bool continuesQuery(Keyword keyword) {
     case Keyword::Fetch: return true;
     default: return false;
     }
-}
-
-/// SQLite applies set operators strictly from left to right and orders only the whole: operands that would
-/// mean something else there are wrapped.
-ast::NodePtr combine(ast::SetOperator code, ast::NodePtr left, ast::NodePtr right) {
-    const auto* leftOperation = ast::nodeAs<ast::QueryOperation>(left);
-    if (hasWith(left) || isOrderedOrLimited(left) ||
-        (code == ast::SetOperator::Intersect && leftOperation &&
-         leftOperation->operation != ast::SetOperator::Intersect)) {
-        left = selectAllFrom(std::move(left));
-    }
-    if (hasWith(right) || isOrderedOrLimited(right) || right->kind == ast::NodeKind::QueryOperation) {
-        right = selectAllFrom(std::move(right));
-    }
-    return std::make_shared<ast::QueryOperation>(code, std::move(left), std::move(right));
 }
 
 } // namespace
@@ -127,25 +90,14 @@ ast::NodePtr Parser::parseWithQuery() {
         tables.push_back(parseCommonTable());
     } while (accept(TokenKind::Comma));
 
-    ast::NodePtr body = parseQueryBody();
-    auto select = body->kind == ast::NodeKind::QuerySpecification && !hasWith(body)
-                      ? std::static_pointer_cast<ast::QuerySpecification>(body)
-                      : nullptr;
-    if (!select) {
-        // The order belongs outside: the order of a derived table does not bind the query around it.
-        ast::QueryExpression* inner = asQueryExpression(body);
-        select = selectAllFrom(body);
-        if (inner) {
-            select->orderBy = std::move(inner->orderBy);
-            select->limit = std::move(inner->limit);
-            select->offset = std::move(inner->offset);
-            inner->orderBy.clear();
-        }
+    ast::NodePtr query = parseQueryBody();
+    if (!expressionOf(query).with.empty()) {
+        query = enclosed(std::move(query));
     }
-    select->with = std::move(tables);
-    select->recursive = recursive;
-    select->place = since(first);
-    return select;
+    expressionOf(query).with = std::move(tables);
+    expressionOf(query).recursive = recursive;
+    query->place = since(first);
+    return query;
 }
 
 ast::CommonTable Parser::parseCommonTable() {
@@ -177,8 +129,7 @@ ast::NodePtr Parser::parseQueryBody() {
             return parseResultClauses(first, std::move(query));
         }
         intoAllowed_ = intoAllowed_ && nesting_ > 1; // the second part of the outermost query begins
-        query = placed(first, combine(code, std::move(query), parseIntersections()));
-        grow();
+        query = parseOperand(first, code, std::move(query), &Parser::parseIntersections);
     }
 }
 
@@ -187,10 +138,20 @@ ast::NodePtr Parser::parseIntersections() {
     const std::size_t first = pos_;
     ast::NodePtr query = parseQueryTerm();
     while (accept(Keyword::Intersect)) {
-        query = placed(first, combine(ast::SetOperator::Intersect, std::move(query), parseQueryTerm()));
-        grow();
+        query = parseOperand(first, ast::SetOperator::Intersect, std::move(query), &Parser::parseQueryTerm);
     }
     return query;
+}
+
+// After a set operator.
+ast::NodePtr Parser::parseOperand(std::size_t first, ast::SetOperator code, ast::NodePtr left,
+                                  ast::NodePtr (Parser::*parseRight)()) {
+    if (++operands_ > operandLimit) {
+        failAt(peek(), QCoreApplication::translate("orvane::sql", "больше %0 запросов, сложенных в один")
+                           .arg(operandLimit));
+    }
+    ast::NodePtr right = (this->*parseRight)();
+    return placed(first, std::make_shared<ast::QueryOperation>(code, std::move(left), std::move(right)));
 }
 
 ast::NodePtr Parser::parseQueryTerm() {
@@ -340,32 +301,22 @@ ast::NodePtr Parser::parseTablePrimary() {
 ast::NodePtr Parser::parseDerivedTable() {
     ast::NodePtr query = parseQuery();
     expect(TokenKind::RightParenthesis);
-    std::wstring alias = parseAlias();
-    if (!alias.empty() && at(TokenKind::LeftParenthesis)) {
-        // SQLite names columns only in With: `(query) d(a, b)` is `(With d(a, b) As (query) Select * From d)
-        // d`.
-        ast::CommonTable named{alias, parseColumnNames(), std::move(query)};
-        auto outer = selectAllFrom(std::make_shared<ast::ExplicitTable>(alias));
-        outer->with.push_back(std::move(named));
-        query = std::move(outer);
+    const auto table = std::make_shared<ast::DerivedTable>(std::move(query), parseAlias());
+    if (!table->alias.empty() && at(TokenKind::LeftParenthesis)) {
+        table->columns = parseColumnNames();
     }
-    tables_.push_back(std::make_shared<ast::DerivedTable>(std::move(query), std::move(alias)));
-    return tables_.back();
+    tables_.push_back(table);
+    return table;
 }
 
 ast::NodePtr Parser::parseResultClauses(std::size_t first, ast::NodePtr query) {
-    const auto target = [&query]() -> ast::QueryExpression& {
-        if (!asQueryExpression(query) || isOrderedOrLimited(query)) {
-            query = selectAllFrom(std::move(query));
+    if (at(Keyword::Order) || at(Keyword::Limit) || at(Keyword::Offset) || at(Keyword::Fetch)) {
+        const ast::QueryExpression& inner = expressionOf(query);
+        if (!inner.orderBy.empty() || inner.limit || inner.offset) {
+            query = enclosed(std::move(query));
         }
-        return *asQueryExpression(query);
-    };
-    if (at(Keyword::Order)) {
-        ast::QueryExpression& ordered = target();
-        ordered.orderBy = parseOrderBy();
-        parseLimit(ordered);
-    } else if (at(Keyword::Limit) || at(Keyword::Offset) || at(Keyword::Fetch)) {
-        parseLimit(target());
+        expressionOf(query).orderBy = parseOrderBy();
+        parseLimit(expressionOf(query));
     } else {
         for (const Keyword absent : {Keyword::Order, Keyword::Limit, Keyword::Offset}) {
             accept(absent); // for the message, should nothing else fit
@@ -383,6 +334,7 @@ void Parser::parseLimit(ast::QueryExpression& query) {
         query.limit = parseExpression();
         if (accept(TokenKind::Comma)) {
             query.offset = std::exchange(query.limit, parseExpression());
+            query.offsetFirst = true;
         }
     }
     if (!query.offset && accept(Keyword::Offset)) {
@@ -394,13 +346,9 @@ void Parser::parseLimit(ast::QueryExpression& query) {
             expect(Keyword::Next);
         }
         query.limit = parseExpression();
+        query.offsetFirst = query.offset != nullptr;
         acceptRows();
         expect(Keyword::Only);
-    }
-    if (query.offset && !query.limit) {
-        // SQLite has no offset without a limit; a negative limit is none.
-        query.limit =
-            std::make_shared<ast::Operation>(OperationCode::Negate, std::make_shared<ast::Number>(L"1"));
     }
 }
 

@@ -74,12 +74,16 @@ bool isSqliteKeyword(std::wstring_view name) {
     return sqlite3_keyword_check(narrow.data(), static_cast<int>(name.size())) != 0;
 }
 
+/// The keyword that a text begins with, if it does.
+Keyword leadingKeyword(const std::wstring& text) {
+    const auto end = std::find_if_not(text.begin(), text.end(), isNamePart);
+    return findKeyword(std::wstring_view(text).substr(0, static_cast<std::size_t>(end - text.begin())));
+}
+
 /// Quotes the name that a text begins with when it is one of the words given and no qualifier.
 void quoteLeadingWord(std::wstring& text, std::initializer_list<Keyword> words) {
     const auto end = std::find_if_not(text.begin(), text.end(), isNamePart);
-    const Keyword keyword =
-        findKeyword(std::wstring_view(text).substr(0, static_cast<std::size_t>(end - text.begin())));
-    if (std::find(words.begin(), words.end(), keyword) != words.end() &&
+    if (std::find(words.begin(), words.end(), leadingKeyword(text)) != words.end() &&
         (end == text.end() || *end != L'.')) {
         text.insert(end, L'"');
         text.insert(text.begin(), L'"');
@@ -129,7 +133,6 @@ std::wstring SqlStringBuilder::render(const ast::NodePtr& node) {
     return pop();
 }
 
-/// A node as a value: a query in parentheses.
 std::wstring SqlStringBuilder::renderValue(const ast::NodePtr& node) {
     std::wstring text = render(node);
     return ast::isQuery(node) ? L'(' + std::move(text) + L')' : text;
@@ -144,7 +147,11 @@ std::wstring SqlStringBuilder::renderOperand(const ast::NodePtr& node, Operation
     // A minus after a minus would begin a comment; a sign after Part would make that a column.
     const bool signMisleads = parent == OperationCode::Negate || parent == OperationCode::ContainsPart ||
                               parent == OperationCode::ContainsEntire;
-    const bool enclosed = signMisleads && !text.empty() && (text.front() == L'-' || text.front() == L'+');
+    const bool isNullTest = (parent == OperationCode::Is || parent == OperationCode::IsNot) && !isLeft;
+    const bool enclosed =
+        (signMisleads && !text.empty() && (text.front() == L'-' || text.front() == L'+')) ||
+        (isNullTest && leadingKeyword(text) == Keyword::Null &&
+         node->kind != ast::NodeKind::TernaryLogicNode); // "Is Null" is an operator of its own
     if (enclosed || (operation && !standsBare(operation->code(), parent, isLeft))) {
         text.insert(text.begin(), L'(');
         text.push_back(L')');
@@ -354,8 +361,8 @@ void SqlStringBuilder::renderCase(const ast::Operation& node, const TextFunction
         for (const ast::NodePtr& element : branches->elements) {
             const auto* branch = ast::nodeAs<ast::RowValueExpression>(element);
             if (branch && branch->values.size() == 2) {
-                text +=
-                    L" When " + renderValue(branch->values[0]) + L" Then " + renderValue(branch->values[1]);
+                text += L" When " + renderValue(branch->values[0]);
+                text += L" Then " + renderValue(branch->values[1]);
             } else if (branch && branch->values.size() == 1) {
                 text += L" Else " + renderValue(branch->values[0]);
             }
@@ -392,8 +399,7 @@ void SqlStringBuilder::appendWindow(std::wstring& text, const ast::Window& windo
     text += L" Over (";
     const wchar_t* separator = L"";
     if (!window.partitionBy.empty()) {
-        text += L"Partition By ";
-        appendList(text, window.partitionBy);
+        appendKeys(text, L"Partition By ", window.partitionBy);
         separator = L" ";
     }
     if (!window.orderBy.empty()) {

@@ -102,12 +102,25 @@ protected:
     };
     /// A name, quoted when it has to be.
     void appendName(std::wstring& text, const std::wstring& name, NameUse use = NameUse::Plain) const;
+    void appendList(std::wstring& text, const ast::NodeList& nodes);
+    /// A node as a value: a query in parentheses.
+    std::wstring renderValue(const ast::NodePtr& node);
+
+    /// `With … `, or nothing.
+    virtual std::wstring renderWith(const ast::QueryExpression& query);
+    /// A term of Group By, Order By or Partition By, without direction.
+    virtual std::wstring renderKey(const ast::NodePtr& key);
+    /// Order By, limit and offset.
+    virtual void appendResultClauses(std::wstring& text, const ast::QueryExpression& query);
+    virtual void appendLimit(std::wstring& text, const ast::QueryExpression& query);
+    /// Whether an operand of a set operator is to be enclosed.
+    virtual bool needsEnclosing(const ast::NodePtr& query, const ast::QueryOperation& parent) const;
+    /// A query as an operand that keeps its own clauses.
+    virtual std::wstring renderEnclosed(const ast::NodePtr& query);
 
 private:
-    std::wstring renderValue(const ast::NodePtr& node);
     std::wstring renderOperand(const ast::NodePtr& node, OperationCode parent, bool isLeft);
     std::wstring renderCollated(const ast::Operation& node, const TextFunction& collated);
-    void appendList(std::wstring& text, const ast::NodeList& nodes);
     void renderOperation(const ast::Operation& node, const TextFunction& collated);
     void renderCase(const ast::Operation& node, const TextFunction& collated);
     void appendInOperand(std::wstring& text, const ast::Operation& node);
@@ -115,10 +128,10 @@ private:
     void appendBound(std::wstring& text, const ast::Window::Bound& bound);
     void appendAlias(std::wstring& text, const std::wstring& alias) const;
     std::wstring renderTarget(const ast::NodePtr& table);
+    /// The terms, the words given before the first of them.
+    void appendKeys(std::wstring& text, const wchar_t* words, const ast::NodeList& keys);
     void appendWhere(std::wstring& text, const ast::NodePtr& condition);
-    void appendResultClauses(std::wstring& text, const ast::QueryExpression& query);
-    std::wstring renderWith(const ast::QuerySpecification& query);
-    std::wstring renderSetOperand(const ast::NodePtr& query, bool isRight);
+    std::wstring renderSetOperand(const ast::NodePtr& query, const ast::QueryOperation& parent);
 
     const StringBuildContext* context_;
     std::deque<std::wstring> stack_;

@@ -37,12 +37,18 @@ void SqlStringBuilder::visit(const ast::TablePrimary& node) {
 void SqlStringBuilder::visit(const ast::DerivedTable& node) {
     std::wstring text = L'(' + render(node.query) + L')';
     appendAlias(text, node.alias);
+    if (!node.columns.empty()) {
+        text.push_back(L'(');
+        appendList(text, node.columns);
+        text.push_back(L')');
+    }
     push(std::move(text));
 }
 
 void SqlStringBuilder::visit(const ast::ExplicitTable& node) {
-    std::wstring text = L"Table ";
+    std::wstring text = renderWith(node) + L"Table ";
     appendName(text, node.name);
+    appendResultClauses(text, node);
     push(std::move(text));
 }
 
@@ -68,8 +74,7 @@ void SqlStringBuilder::visit(const ast::NamedColumnsJoin& node) {
 }
 
 void SqlStringBuilder::visit(const ast::JoinNode& node) {
-    constexpr const wchar_t* kinds[] = {L"Join ", L"Left Join ", L"Right Join ", L"Full Join ",
-                                        L"Cross Join "};
+    constexpr const wchar_t* kinds[] = {L"Join ", L"Left Join ", L"Right Join ", L"Full Join "};
     std::wstring text = render(node.left);
     text += node.natural ? L" Natural " : L" ";
     text += kinds[static_cast<int>(node.join)];
@@ -102,7 +107,7 @@ void SqlStringBuilder::visit(const ast::IntoClause& node) {
 
 void SqlStringBuilder::visit(const ast::SortSpecification& node) {
     using Sort = ast::SortSpecification;
-    std::wstring text = renderValue(node.key);
+    std::wstring text = renderKey(node.key);
     if (node.direction != Sort::Direction::Unstated) {
         text += node.direction == Sort::Direction::Ascending ? L" Asc" : L" Desc";
     }
@@ -125,6 +130,16 @@ void SqlStringBuilder::appendResultClauses(std::wstring& text, const ast::QueryE
         appendList(text, query.orderBy);
     }
     onOrderBy(text);
+    appendLimit(text, query);
+}
+
+/// In the order of the text, which numbers the parameters.
+void SqlStringBuilder::appendLimit(std::wstring& text, const ast::QueryExpression& query) {
+    if (query.offsetFirst && query.limit && query.offset) {
+        text += L" Limit " + renderValue(query.offset);
+        text += L", " + renderValue(query.limit);
+        return;
+    }
     if (query.limit) {
         text += L" Limit " + renderValue(query.limit);
     }
@@ -133,7 +148,18 @@ void SqlStringBuilder::appendResultClauses(std::wstring& text, const ast::QueryE
     }
 }
 
-std::wstring SqlStringBuilder::renderWith(const ast::QuerySpecification& query) {
+std::wstring SqlStringBuilder::renderKey(const ast::NodePtr& key) {
+    return renderValue(key);
+}
+
+void SqlStringBuilder::appendKeys(std::wstring& text, const wchar_t* words, const ast::NodeList& keys) {
+    for (const ast::NodePtr& key : keys) {
+        text += std::exchange(words, L", ");
+        text += renderKey(key);
+    }
+}
+
+std::wstring SqlStringBuilder::renderWith(const ast::QueryExpression& query) {
     std::wstring text;
     for (const ast::CommonTable& table : query.with) {
         text += !text.empty() ? L", " : query.recursive ? L"With Recursive " : L"With ";
@@ -162,7 +188,8 @@ void SqlStringBuilder::visit(const ast::QuerySpecification& node) {
     std::wstring columns = L" ";
     appendList(columns, node.columns);
     if (node.into) {
-        columns += L' ' + render(node.into);
+        const std::wstring into = render(node.into);
+        columns += into.empty() ? into : L' ' + into;
     }
     onInto(columns);
 
@@ -172,10 +199,7 @@ void SqlStringBuilder::visit(const ast::QuerySpecification& node) {
     if (node.from || node.where) {
         appendWhere(rest, node.where);
     }
-    if (!node.groupBy.empty()) {
-        rest += L" Group By ";
-        appendList(rest, node.groupBy);
-    }
+    appendKeys(rest, L" Group By ", node.groupBy);
     if (node.having) {
         rest += L" Having " + renderValue(node.having);
     }
@@ -194,22 +218,36 @@ std::wstring SqlStringBuilder::constructSelect(std::wstring select, std::wstring
     return text;
 }
 
-/// An operand that SQLite could not take as it is, is wrapped. The parser makes no such operands.
-std::wstring SqlStringBuilder::renderSetOperand(const ast::NodePtr& query, bool isRight) {
-    std::wstring text = render(query);
-    bool wrapped = isRight && query && query->kind == ast::NodeKind::QueryOperation;
-    if (query && query->kind != ast::NodeKind::ExplicitTable && ast::isQuery(query)) {
-        const auto& expression = static_cast<const ast::QueryExpression&>(*query);
-        wrapped = wrapped || !expression.orderBy.empty() || expression.limit;
-    }
-    return wrapped ? L"Select * From (" + text + L')' : text;
+/// Intersect binds tighter than the others; all group from the left.
+bool SqlStringBuilder::needsEnclosing(const ast::NodePtr& query, const ast::QueryOperation& parent) const {
+    const auto* operation = ast::nodeAs<ast::QueryOperation>(query);
+    const auto bindsTighter = [](const ast::QueryOperation& node) {
+        return node.operation == ast::SetOperator::Intersect;
+    };
+    return operation && (query == parent.right ? bindsTighter(parent) || !bindsTighter(*operation)
+                                               : bindsTighter(parent) && !bindsTighter(*operation));
+}
+
+std::wstring SqlStringBuilder::renderEnclosed(const ast::NodePtr& query) {
+    return L'(' + render(query) + L')';
+}
+
+std::wstring SqlStringBuilder::renderSetOperand(const ast::NodePtr& query,
+                                                const ast::QueryOperation& parent) {
+    const bool hasClauses =
+        ast::isQuery(query) && static_cast<const ast::QueryExpression&>(*query).hasClauses();
+    return hasClauses || !parent.right || needsEnclosing(query, parent) ? renderEnclosed(query)
+                                                                        : render(query);
 }
 
 void SqlStringBuilder::visit(const ast::QueryOperation& node) {
     constexpr const wchar_t* operators[] = {L" Union ", L" Union All ", L" Intersect ", L" Except "};
-    std::wstring text = renderSetOperand(node.left, false);
-    text += operators[static_cast<int>(node.operation)];
-    text += renderSetOperand(node.right, true);
+    std::wstring text = renderWith(node);
+    text += renderSetOperand(node.left, node);
+    if (node.right) {
+        text += operators[static_cast<int>(node.operation)];
+        text += renderSetOperand(node.right, node);
+    }
     appendResultClauses(text, node);
     push(std::move(text));
 }

@@ -15,8 +15,11 @@ public:
     void visit(const ContextuallyTypedValueSpecification&) override {}
     void visit(const DeleteStatement& node) override { add(node.table, node.where); }
     void visit(const DerivedColumn& node) override { add(node.expression); }
-    void visit(const DerivedTable& node) override { add(node.query); }
-    void visit(const ExplicitTable&) override {}
+    void visit(const DerivedTable& node) override { add(node.query, node.columns); }
+    void visit(const ExplicitTable& node) override {
+        addNamed(node);
+        add(node.orderBy, node.limit, node.offset);
+    }
     void visit(const FromSource& node) override { add(node.sources); }
     void visit(const Function& node) override {
         add(node.arguments, node.filter);

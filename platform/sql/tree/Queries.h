@@ -24,20 +24,14 @@ struct ORVANE_PLATFORM_EXPORT TablePrimary : NodeOfKind<NodeKind::TablePrimary> 
     std::wstring alias; ///< empty when there is none
 };
 
-/// A query in From.
+/// A query in From: `(query) alias (columns)`.
 struct ORVANE_PLATFORM_EXPORT DerivedTable : NodeOfKind<NodeKind::DerivedTable> {
-    explicit DerivedTable(NodePtr tableQuery, std::wstring tableAlias = {})
-        : query(std::move(tableQuery)), alias(std::move(tableAlias)) {}
+    explicit DerivedTable(NodePtr tableQuery, std::wstring tableAlias = {}, NodeList tableColumns = {})
+        : query(std::move(tableQuery)), alias(std::move(tableAlias)), columns(std::move(tableColumns)) {}
 
     NodePtr query;
     std::wstring alias; ///< empty when there is none
-};
-
-/// `Table name`: the query of all rows and columns of one table.
-struct ORVANE_PLATFORM_EXPORT ExplicitTable : NodeOfKind<NodeKind::ExplicitTable> {
-    explicit ExplicitTable(std::wstring tableName) : name(std::move(tableName)) {}
-
-    std::wstring name;
+    NodeList columns;   ///< ColumnReference without qualifiers; empty: named by the query
 };
 
 /// `On condition`.
@@ -110,13 +104,24 @@ struct CommonTable {
 /// What applies to the whole of a query.
 struct ORVANE_PLATFORM_EXPORT QueryExpression : Node {
     std::vector<CommonTable> with;
-    bool recursive = false; ///< `With Recursive`
-    NodeList orderBy;       ///< SortSpecification
-    NodePtr limit;          ///< null when there is none
-    NodePtr offset;         ///< null when there is none; stands only beside a limit
+    bool recursive = false;   ///< `With Recursive`
+    NodeList orderBy;         ///< SortSpecification
+    NodePtr limit;            ///< null when there is none
+    NodePtr offset;           ///< null when there is none
+    bool offsetFirst = false; ///< the text has the offset before the limit, as `Limit m, n`
+
+    /// Whether the query would mean something else as a part of another without parentheses around it.
+    bool hasClauses() const { return !with.empty() || !orderBy.empty() || limit || offset; }
 
 protected:
     using Node::Node;
+};
+
+/// `Table name`: the query of all rows and columns of one table.
+struct ORVANE_PLATFORM_EXPORT ExplicitTable : NodeOfKind<NodeKind::ExplicitTable, QueryExpression> {
+    explicit ExplicitTable(std::wstring tableName) : name(std::move(tableName)) {}
+
+    std::wstring name;
 };
 
 enum class SetQuantifier { Unstated, All, Distinct };
@@ -134,16 +139,30 @@ struct ORVANE_PLATFORM_EXPORT QuerySpecification : NodeOfKind<NodeKind::QuerySpe
 
 enum class SetOperator { Union, UnionAll, Intersect, Except };
 
-/// Two queries put together. Operands are applied from left to right; an operand that is itself ordered or
-/// limited, or a right operand that is a QueryOperation, has to be wrapped as `Select * From (…)`.
+/// Two queries put together, the operands being QueryExpression. Without a right one it is the left one in
+/// parentheses, to which clauses are added: `(Select … Limit 5) Limit 3`.
 struct ORVANE_PLATFORM_EXPORT QueryOperation : NodeOfKind<NodeKind::QueryOperation, QueryExpression> {
     QueryOperation(SetOperator setOperator, NodePtr leftQuery, NodePtr rightQuery)
         : operation(setOperator), left(std::move(leftQuery)), right(std::move(rightQuery)) {}
 
     SetOperator operation;
     NodePtr left;
-    NodePtr right;
+    NodePtr right; ///< or null
 };
+
+/// The Select whose columns name those of a query: of several put together, the first. Null for `Table t`.
+inline const QuerySpecification* firstSelect(const Node* query) {
+    while (const auto* operation = nodeAs<QueryOperation>(query)) {
+        query = operation->left.get();
+    }
+    return nodeAs<QuerySpecification>(query);
+}
+
+/// What stands after From when that is one source; otherwise null.
+inline NodePtr onlySource(const QuerySpecification& query) {
+    const auto* from = nodeAs<FromSource>(query.from);
+    return from && from->sources.size() == 1 ? from->sources.front() : nullptr;
+}
 
 /// Whether the node is a query and so stands in parentheses when used as a value.
 inline bool isQuery(const NodePtr& node) {

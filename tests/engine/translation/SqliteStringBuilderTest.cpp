@@ -92,6 +92,8 @@ TEST_F(SqliteStringBuilderTest, SelectionFilterRestrictsTheWholeConditionOfItsOw
          "Select a From (Select a From cities x Where x.rowid In (1,2)) d, t"},
         {"Select " + s + ".a From t", "Select " + s + ".a From t"},
         {"Select a From t \"" + s + " \"", "Select a From t \"" + s + " \""},
+        {"Select " + s + ".*, (Select Max(b) From t Where t.c = " + s + ".c) From " + s + " x",
+         "Select x.*, (Select Max(b) From t Where (t.c = x.c)) From cities x Where x.rowid In (1,2)"},
         {"Update " + s + " x Set a = 1 Where b = 2 Or c = 3",
          "Update cities As x Set a = 1 Where (b = 2 Or c = 3) And x.rowid In (1,2)"},
         {"Update t Set a = " + s + ".a From " + s + " x",
@@ -131,6 +133,14 @@ TEST_F(SqliteStringBuilderTest, TablesAreListedByDepth) {
           " s On p.a In (Select a From u) Where a = 1");
     EXPECT_EQ(names(builder.dependencies()), "t p;cities s;u ;v ;");
     EXPECT_EQ(names(builder.primaries()), "t p;cities s;");
+    SqliteStringBuilder compound(QString(), nullptr);
+    compound.setNeedDependencies(true);
+    sql::SqlParser parser(nullptr);
+    ASSERT_TRUE(
+        parser.parse("With p As (Select a From t) Select a From u Group By a Union (Table v Limit 1)"));
+    compound.buildString(*parser.result().node());
+    EXPECT_EQ(names(compound.primaries()), "u ;v ;");
+    EXPECT_TRUE(compound.isAggregate());
 }
 
 TEST_F(SqliteStringBuilderTest, ColumnsAreListedInTheOrderOfRendering) {
@@ -165,9 +175,36 @@ TEST_F(SqliteStringBuilderTest, InsertOffsetStandsAfterTheOutermostColumns) {
     }
     SqliteStringBuilder another(QString(), nullptr);
     sql::SqlParser parser(nullptr);
-    ASSERT_TRUE(parser.parse("Delete From t Where a In (Select a From u)"));
-    another.buildString(*parser.result().node());
-    EXPECT_EQ(another.insertOffset(), 0u);
+    for (const char* text : {"Delete From t Where a In (Select a From u)",
+                             "With p As (Select 1 As a) Select a From p Union Table u"}) {
+        ASSERT_TRUE(parser.parse(text));
+        another.buildString(*parser.result().node());
+        EXPECT_EQ(another.insertOffset(), 0u) << text;
+    }
+}
+
+TEST_F(SqliteStringBuilderTest, NaturalJoinsMatchTheColumnsThatBothSourcesShow) {
+    builder.setTableColumns([](const std::wstring& table) -> std::vector<std::wstring> {
+        return table == L"t" ? std::vector<std::wstring>{L"a", L"b"}
+                             : std::vector<std::wstring>{L"A", L"c", L"b"};
+    });
+    const std::pair<const char*, const char*> texts[] = {
+        {"Select * From t Natural Join u", "Select * From t Join u Using (A, b)"},
+        {"With t As (Select 1 As x, c, obj From v) Select * From t Natural Left Join u",
+         "With t As (Select 1 As x, c, cd750f8a9a2b4fac9b9b05eb53795d97 From v) Select * From t Left Join u "
+         "Using "
+         "(c)"},
+        {"With U(b, z) As (Table v Union Table w) Select (Select 1 From t Natural Join u)",
+         "With U(b, z) As (Select * From v Union Select * From w) Select (Select 1 From t Join u Using (b))"},
+        {"Select * From t Natural Join (Select * From u) d",
+         "Select * From t Join (Select * From u) d Using (A, b)"},
+        {"Select * From t Natural Join (Select a + 1 From u)",
+         "Select * From t Natural Join (Select concat((a),(1)) From u)"},
+        {"With Recursive t As (Select * From t) Select * From t Natural Join u",
+         "With Recursive t As (Select * From t) Select * From t Natural Join u"}};
+    for (const auto& [input, expected] : texts) {
+        EXPECT_EQ(build(input), expected) << input;
+    }
 }
 
 TEST_F(SqliteStringBuilderTest, WhiteListNamesWhatItDoesNotAdmit) {

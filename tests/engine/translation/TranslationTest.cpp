@@ -48,7 +48,8 @@ public:
         }
         for (const std::string& name :
              pieces("xor|concat|divide|quotient|involution|ContainsCentroid|CentroidWithin|ST_Within|ST_"
-                    "Contains|ST_Intersects|ObjectArea|ObjectPerimeter|RoundTo|MakeValidGeo|Left|Right|Mod|"
+                    "Contains|ST_Intersects|ObjectArea|ObjectPerimeter|RoundTo|MakeValidGeo|GetDate|Left|"
+                    "Right|Mod|"
                     "Contains|Buffer|Centroid")) {
             const auto nothing = [](sqlite3_context*, int, sqlite3_value**) {};
             sqlite3_create_function(handle(), name.c_str(), -1, SQLITE_UTF8, nullptr, nothing, nullptr,

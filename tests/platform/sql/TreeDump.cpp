@@ -16,8 +16,8 @@ public:
     void visit(const ContextuallyTypedValueSpecification& n) override { add(L"value", n.parameter); }
     void visit(const DeleteStatement& n) override { add(L"delete", n.table, n.where); }
     void visit(const DerivedColumn& n) override { add(L"result", n.expression, n.alias); }
-    void visit(const DerivedTable& n) override { add(L"derived", n.query, n.alias); }
-    void visit(const ExplicitTable& n) override { add(L"table", n.name); }
+    void visit(const DerivedTable& n) override { add(L"derived", n.query, n.alias, n.columns); }
+    void visit(const ExplicitTable& n) override { addQuery(n, L"table", n.name); }
     void visit(const FromSource& n) override { add(L"from", n.sources); }
     void visit(const InsertStatement& n) override { add(L"insert", n.table, n.columns, n.source); }
     void visit(const IntoClause& n) override { add(L"into", n.name, static_cast<int>(n.target)); }
@@ -32,14 +32,11 @@ public:
     }
     void visit(const QualifiedAsterisk& n) override { add(L"all", n.qualifier); }
     void visit(const QueryOperation& n) override {
-        add(L"set", static_cast<int>(n.operation), n.left, n.right, n.orderBy, n.limit, n.offset);
+        addQuery(n, L"set", static_cast<int>(n.operation), n.left, n.right);
     }
     void visit(const QuerySpecification& n) override {
-        for (const CommonTable& table : n.with) {
-            add(L"with", table.name, n.recursive, table.columns, table.query);
-        }
-        add(L"select", static_cast<int>(n.quantifier), n.columns, n.into, n.from, n.where, n.groupBy,
-            n.having, n.orderBy, n.limit, n.offset);
+        addQuery(n, L"select", static_cast<int>(n.quantifier), n.columns, n.into, n.from, n.where, n.groupBy,
+                 n.having);
     }
     void visit(const Range& n) override { add(L"range", n.low, n.high); }
     void visit(const RowValueExpression& n) override { add(L"row", n.values); }
@@ -68,6 +65,13 @@ public:
     void faultAction() override { text += L"<none>"; }
 
 private:
+    template<class... Fields>
+    void addQuery(const QueryExpression& n, const wchar_t* kind, const Fields&... fields) {
+        for (const CommonTable& table : n.with) {
+            add(L"with", table.name, n.recursive, table.columns, table.query);
+        }
+        add(kind, fields..., n.orderBy, n.limit, n.offset, n.offsetFirst);
+    }
     template<class... Fields>
     void add(const wchar_t* name, const Fields&... fields) {
         text += L'(';

@@ -90,7 +90,9 @@ NodePtr TreeGenerator::comparison(int depth) {
         return std::make_shared<Operation>(code, expression(depth), expression(depth),
                                            chance(30) ? expression(depth) : nullptr);
     }
-    case 2: return std::make_shared<Operation>(either(Code::Is, Code::IsNot), expression(depth), column());
+    case 2:
+        return std::make_shared<Operation>(either(Code::Is, Code::IsNot), expression(depth),
+                                           expression(depth));
     default: break;
     }
     const Code code = either(Code::In, Code::NotIn);
@@ -169,19 +171,25 @@ NodePtr TreeGenerator::sortTerm(int depth) {
 
 NodePtr TreeGenerator::query(int depth) {
     const int kind = below(10);
-    return kind == 0   ? std::make_shared<ExplicitTable>(name())
-           : kind <= 2 ? setOperation(depth)
-                       : select(depth);
+    if (kind == 0) {
+        auto table = std::make_shared<ExplicitTable>(name());
+        finish(*table, 0);
+        return table;
+    }
+    return kind <= 3 ? setOperation(depth) : select(depth);
 }
 
 void TreeGenerator::finish(QueryExpression& query, int depth) {
+    if (depth > 0 && chance(20)) {
+        query.recursive = chance(50);
+        query.with.push_back({name(), chance(50) ? columns() : NodeList(), this->query(depth - 1)});
+    }
     if (chance(30)) {
         query.orderBy.push_back(sortTerm(depth));
     }
-    if (chance(30)) {
-        query.limit = expression(depth);
-        query.offset = chance(50) ? expression(depth) : nullptr;
-    }
+    query.limit = chance(30) ? expression(depth) : nullptr;
+    query.offset = chance(20) ? expression(depth) : nullptr;
+    query.offsetFirst = query.limit && query.offset && chance(50);
 }
 
 NodePtr TreeGenerator::select(int depth) {
@@ -203,26 +211,17 @@ NodePtr TreeGenerator::select(int depth) {
     node->where = chance(50) ? expression(inner) : nullptr;
     node->groupBy = expressions(inner, 0, 1);
     node->having = chance(20) ? expression(inner) : nullptr;
-    if (depth > 0 && chance(20)) {
-        node->recursive = chance(50);
-        node->with.push_back({name(), chance(50) ? columns() : NodeList(), query(inner)});
-    }
-    finish(*node, inner);
+    finish(*node, depth);
     return node;
 }
 
 NodePtr TreeGenerator::setOperation(int depth) {
-    const auto operand = [&]() -> NodePtr {
-        auto node = std::make_shared<QuerySpecification>();
-        node->columns.push_back(std::make_shared<DerivedColumn>(expression(depth > 0 ? depth - 1 : 0)));
-        return chance(20) ? NodePtr(std::make_shared<ExplicitTable>(name())) : node;
-    };
+    const int inner = depth > 0 ? depth - 1 : 0;
+    const auto operand = [&] { return depth > 0 ? query(inner) : std::make_shared<ExplicitTable>(name()); };
     NodePtr left = operand();
-    if (chance(40)) {
-        left = std::make_shared<QueryOperation>(SetOperator::Intersect, left, operand());
-    }
-    auto node = std::make_shared<QueryOperation>(static_cast<SetOperator>(below(4)), left, operand());
-    finish(*node, 0);
+    NodePtr right = operand();
+    auto node = std::make_shared<QueryOperation>(static_cast<SetOperator>(below(4)), left, right);
+    finish(*node, inner);
     return node;
 }
 
@@ -238,7 +237,9 @@ NodePtr TreeGenerator::source(int depth) {
                                           source(depth - 1), std::move(matching));
     }
     if (depth > 0 && chance(30)) {
-        return std::make_shared<DerivedTable>(query(depth - 1), maybeName());
+        const std::wstring alias = maybeName();
+        const bool isNamed = !alias.empty() && chance(30);
+        return std::make_shared<DerivedTable>(query(depth - 1), alias, isNamed ? columns() : NodeList());
     }
     return std::make_shared<TablePrimary>(name(), maybeName());
 }
