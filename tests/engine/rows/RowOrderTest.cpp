@@ -32,10 +32,8 @@ int compare(const Cell& a, const Cell& b, TextCollation collation) {
     if (isNumber(a)) {
         return compareNumbers(a, b);
     }
-    const bool isBinary = kind(a) == 3 || collation == TextCollation::Binary;
-    return isBinary                             ? a.view().compare(b.view())
-           : collation == TextCollation::NoCase ? dp::compareFolded(a.view(), b.view())
-                                                : LocaleOrder::current()->compare(a.view(), b.view());
+    return dp::compareTexts(a.view(), b.view(), kind(a) == 3 ? TextCollation::Binary : collation,
+                            LocaleOrder::current().get());
 }
 
 /// Values of every kind; texts that locales order in ways of their own, often with a long common beginning.
