@@ -314,13 +314,6 @@
     </message>
 </context>
 <context>
-    <name>orvane::files::ArrowReader</name>
-    <message>
-        <source>Ошибка чтения данных</source>
-        <translation>The data cannot be read</translation>
-    </message>
-</context>
-<context>
     <name>orvane::files::DatasetPool</name>
     <message>
         <source>Не удалось открыть «%1»</source>
@@ -333,13 +326,6 @@
     <message>
         <source>в нём нет таблиц в известном формате</source>
         <translation>it has no tables in a known format</translation>
-    </message>
-</context>
-<context>
-    <name>orvane::files::FeatureReader</name>
-    <message>
-        <source>Ошибка чтения данных</source>
-        <translation>The data cannot be read</translation>
     </message>
 </context>
 <context>
@@ -417,6 +403,13 @@
     <message>
         <source>Столбец «%1»: значение «%2» уже есть</source>
         <translation>Column &quot;%1&quot;: the value &quot;%2&quot; is there already</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::files::LayerScan</name>
+    <message>
+        <source>«%1»: ошибка чтения данных</source>
+        <translation>&quot;%1&quot;: the data cannot be read</translation>
     </message>
 </context>
 <context>

@@ -38,6 +38,7 @@ public:
         Lease& operator=(Lease&& other) noexcept;
 
         GDALDatasetH dataset() const { return dataset_.get(); }
+        const DatasetPool& pool() const { return *pool_; }
 
     private:
         std::shared_ptr<DatasetPool> pool_;

@@ -22,7 +22,15 @@ LogLevel logLevel(CPLErr level) {
     return level == CE_Debug ? LogLevel::Trace : LogLevel::Warning;
 }
 
+std::mutex failuresMutex;
+FailuresOutsideScopes failures;
+
 void CPL_STDCALL logOutsideScopes(CPLErr level, CPLErrorNum, const char* text) {
+    if (level >= CE_Failure) {
+        const std::lock_guard lock(failuresMutex);
+        ++failures.count;
+        failures.last = QString::fromUtf8(text).trimmed();
+    }
     logMessage(logLevel(level), text);
 }
 
@@ -36,6 +44,11 @@ void registerDrivers() {
     });
 }
 
+FailuresOutsideScopes failuresOutsideScopes() {
+    const std::lock_guard lock(failuresMutex);
+    return failures;
+}
+
 GdalErrorScope::GdalErrorScope() {
     CPLPushErrorHandlerEx(collect, this);
 }
@@ -46,13 +59,6 @@ GdalErrorScope::~GdalErrorScope() {
 
 void GdalErrorScope::raise(const QString& what) const {
     throw std::runtime_error((error_.isEmpty() ? what : what + QStringLiteral(": ") + error_).toStdString());
-}
-
-void GdalErrorScope::logError() {
-    if (error_.isEmpty())
-        return;
-    logMessage(LogLevel::Warning, error_.toUtf8().constData());
-    error_.clear();
 }
 
 void GdalErrorScope::raiseIfFailed(const QString& what) const {

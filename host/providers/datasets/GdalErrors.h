@@ -4,11 +4,20 @@
 
 #include <cpl_error.h>
 
+#include <cstdint>
+
 namespace orvane::files {
 
 /// Registers GDAL's drivers, and sends what GDAL reports outside any GdalErrorScope, also from its worker
 /// threads, to the logger instead of standard error. Done once per process.
 void registerDrivers();
+
+/// How many failures GDAL has reported outside any GdalErrorScope, and the text of the last one. Any thread.
+struct FailuresOutsideScopes {
+    std::uint64_t count = 0;
+    QString last;
+};
+FailuresOutsideScopes failuresOutsideScopes();
 
 /// Collects what GDAL reports on this thread while the scope lives: warnings go to the logger (the first few,
 /// a damaged file can have one per row), the last error is kept. Scopes nest.
@@ -23,8 +32,6 @@ public:
     const QString& error() const { return error_; }
     /// Throws std::runtime_error with `what`, and GDAL's text after a colon when there is one.
     [[noreturn]] void raise(const QString& what) const;
-    /// Logs the last error, if any, as a warning and forgets it: reading went on in spite of it.
-    void logError();
     /// raise() when an error was reported.
     void raiseIfFailed(const QString& what) const;
 

@@ -1,7 +1,5 @@
 #include "host/providers/reading/ArrowReader.h"
 
-#include "host/providers/datasets/GdalErrors.h"
-
 #include <algorithm>
 #include <cstring>
 
@@ -65,13 +63,17 @@ void releaseArray(ArrowArray* array) {
 } // namespace
 
 bool ArrowReader::suits(const LayerScan& scan) {
-    return OGR_L_TestCapability(scan.layer, OLCFastGetArrowStream) &&
+    // FlatGeobuf's stream of no rows never ends; it does not count them either.
+    const char* driver = GDALGetDriverShortName(GDALGetDatasetDriver(scan.lease.dataset()));
+    const bool isEmpty = EQUAL(driver, "FlatGeobuf") && OGR_L_GetFeatureCount(scan.layer, FALSE) <= 0;
+    return !isEmpty && OGR_L_TestCapability(scan.layer, OLCFastGetArrowStream) &&
            std::all_of(scan.columns.begin(), scan.columns.end(),
                        [](const LayerColumn* column) { return column->isArrowExact; });
 }
 
 std::unique_ptr<ArrowReader> ArrowReader::start(LayerScan& scan) {
     std::unique_ptr<ArrowReader> reader(new ArrowReader);
+    reader->failures_ = failuresOutsideScopes().count;
     const auto batchOption = "MAX_FEATURES_IN_BATCH=" + std::to_string(scan.batchRows);
     const char* const options[] = {"INCLUDE_FID=YES", batchOption.c_str(), nullptr};
     const GdalErrorScope errors;
@@ -118,23 +120,23 @@ bool ArrowReader::hasExpectedLayout(const LayerScan& scan) {
 }
 
 bool ArrowReader::next(ColumnBatch& batch) {
-    GdalErrorScope errors;
+    constexpr int mostEmpty = 1000;
     const std::shared_ptr<ArrowArray> array(new ArrowArray{}, releaseArray);
-    do {
+    for (int i = 0; array->length == 0; ++i) {
+        const GdalErrorScope errors;
         if (array->release)
             array->release(array.get());
         *array = {};
-        if (stream_.get_next(&stream_, array.get()) != 0) {
-            const char* reason = stream_.get_last_error(&stream_);
-            errors.raise(errors.error().isEmpty() && reason ? QString::fromUtf8(reason)
-                                                            : tr("Ошибка чтения данных"));
-        }
-        if (!array->release) {
-            errors.raiseIfFailed(tr("Ошибка чтения данных"));
+        const bool hasFailed = stream_.get_next(&stream_, array.get()) != 0;
+        const char* reason = hasFailed ? stream_.get_last_error(&stream_) : nullptr;
+        if (hasFailed || !errors.error().isEmpty() || i == mostEmpty)
+            scan_.raise(errors, QString::fromUtf8(reason));
+        // The driver may read in threads of its own, and go on after failures.
+        if (const auto failures = failuresOutsideScopes(); failures.count != failures_)
+            scan_.raise(errors, failures.last);
+        if (!array->release)
             return false;
-        }
-    } while (array->length == 0);
-    errors.logError();
+    }
 
     batch.rows = array->length;
     batch.fids = makeChunk(ColumnKind::Int64, *array->children[0], scan_.batchRows, array);

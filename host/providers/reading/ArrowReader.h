@@ -2,15 +2,12 @@
 
 #include "host/providers/reading/LayerScan.h"
 
-#include <QCoreApplication>
-
 #include <ogr_recordbatch.h>
 
 namespace orvane::files {
 
 /// Reads a layer through the driver's Arrow stream: the driver fills whole columns, nothing is copied.
 class ArrowReader final : public BatchReader {
-    Q_DECLARE_TR_FUNCTIONS(orvane::files::ArrowReader)
 public:
     /// Whether the driver has such a stream of its own, and it gives the columns of the scan as they are.
     /// (The stream that GDAL makes of features for other drivers costs what features cost.)
@@ -28,6 +25,7 @@ private:
 
     LayerScan scan_;
     ArrowArrayStream stream_{};
+    std::uint64_t failures_ = 0;        ///< outside scopes, before the first batch
     std::vector<std::size_t> children_; ///< position in the stream of each column of the scan
 };
 

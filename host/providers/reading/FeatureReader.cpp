@@ -1,7 +1,6 @@
 #include "host/providers/reading/FeatureReader.h"
 
 #include "host/providers/columns/ColumnBuilder.h"
-#include "host/providers/datasets/GdalErrors.h"
 
 #include <ogr_feature.h>
 
@@ -112,20 +111,21 @@ FeatureReader::~FeatureReader() {
     OGR_L_ResetReading(scan_.layer); // an unfinished query would keep the file locked for writers
 }
 
-FeatureHandle FeatureReader::nextFeature() {
+FeatureHandle FeatureReader::nextFeature(const GdalErrorScope& errors) {
+    FeatureHandle feature;
     if (!readsIds_)
-        return FeatureHandle(OGR_L_GetNextFeature(scan_.layer));
-    while (nextId_ < ids_.size()) {
-        if (FeatureHandle feature{OGR_L_GetFeature(scan_.layer, ids_[nextId_++])})
-            return feature;
-    }
-    return nullptr;
+        feature.reset(OGR_L_GetNextFeature(scan_.layer));
+    while (readsIds_ && !feature && nextId_ < ids_.size())
+        feature.reset(OGR_L_GetFeature(scan_.layer, ids_[nextId_++]));
+    if (!errors.error().isEmpty())
+        scan_.raise(errors);
+    return feature;
 }
 
 bool FeatureReader::next(ColumnBatch& batch) {
     if (isAtEnd_)
         return false;
-    GdalErrorScope errors;
+    const GdalErrorScope errors;
     ColumnBuilder fids(ColumnKind::Int64);
     std::vector<ColumnBuilder> builders;
     for (const auto* column : scan_.columns)
@@ -134,16 +134,11 @@ bool FeatureReader::next(ColumnBatch& batch) {
     std::size_t bytes = 0;
     batch.rows = 0;
     while (batch.rows < scan_.batchRows && bytes < MAX_BATCH_BYTES) {
-        const auto feature = nextFeature();
+        const auto feature = nextFeature(errors);
         if (!feature) {
-            // Asking for an identifier that does not exist is no failure, though some drivers report it as
-            // one.
-            if (!readsIds_)
-                errors.raiseIfFailed(tr("Ошибка чтения данных"));
             isAtEnd_ = true;
             break;
         }
-        errors.logError();
         fids.append(std::int64_t{OGR_F_GetFID(feature.get())});
         bytes = 0;
         for (std::size_t i = 0; i < builders.size(); ++i) {

@@ -2,14 +2,11 @@
 
 #include "host/providers/reading/LayerScan.h"
 
-#include <QCoreApplication>
-
 namespace orvane::files {
 
 /// Reads a layer feature by feature into batches: for drivers without a fast Arrow stream, for columns that
 /// such a stream changes, and for single features.
 class FeatureReader final : public BatchReader {
-    Q_DECLARE_TR_FUNCTIONS(orvane::files::FeatureReader)
 public:
     explicit FeatureReader(LayerScan scan);
     FeatureReader(LayerScan scan, std::vector<std::int64_t> ids);
@@ -18,7 +15,7 @@ public:
     bool next(ColumnBatch& batch) override;
 
 private:
-    FeatureHandle nextFeature();
+    FeatureHandle nextFeature(const GdalErrorScope& errors);
 
     LayerScan scan_;
     bool readsIds_ = false;

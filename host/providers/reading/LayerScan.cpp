@@ -1,10 +1,11 @@
 #include "host/providers/reading/LayerScan.h"
 
-#include "host/providers/datasets/GdalErrors.h"
+#include "host/providers/datasets/Archive.h"
 #include "host/providers/reading/ArrowReader.h"
 #include "host/providers/reading/FeatureReader.h"
 
 #include <algorithm>
+#include <stdexcept>
 
 namespace orvane::files {
 
@@ -33,11 +34,19 @@ void prepareLayer(const LayerScan& scan) {
     if (OGR_L_SetIgnoredFields(scan.layer, ignored.data()) != OGRERR_NONE ||
         OGR_L_SetAttributeFilter(scan.layer, scan.filter.empty() ? nullptr : scan.filter.c_str()) !=
             OGRERR_NONE)
-        errors.raise(QString::fromUtf8(OGR_L_GetName(scan.layer)));
+        scan.raise(errors);
     OGR_L_ResetReading(scan.layer);
 }
 
 } // namespace
+
+void LayerScan::raise(const GdalErrorScope& errors, const QString& otherwise) const {
+    const QString file = pathOnDisk(QString::fromUtf8(lease.pool().source().path));
+    const QString what = tr("«%1»: ошибка чтения данных").arg(file);
+    if (!errors.error().isEmpty() || otherwise.isEmpty())
+        errors.raise(what);
+    throw std::runtime_error((what + QStringLiteral(": ") + otherwise).toStdString());
+}
 
 OGRLayerH findLayer(GDALDatasetH dataset, int index, const QByteArray& name) {
     const OGRLayerH layer = GDALDatasetGetLayer(dataset, index);

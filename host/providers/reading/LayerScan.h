@@ -2,7 +2,10 @@
 
 #include "host/providers/columns/ColumnBatch.h"
 #include "host/providers/datasets/DatasetPool.h"
+#include "host/providers/datasets/GdalErrors.h"
 #include "host/providers/datasets/LayerSchema.h"
+
+#include <QCoreApplication>
 
 #include <string>
 
@@ -10,12 +13,17 @@ namespace orvane::files {
 
 /// What one pass over a layer reads, with the handle it reads from.
 struct LayerScan {
+    Q_DECLARE_TR_FUNCTIONS(orvane::files::LayerScan)
+public:
     DatasetPool::Lease lease;
     OGRLayerH layer = nullptr;
     std::shared_ptr<const LayerSchema> schema;
     std::vector<const LayerColumn*> columns; ///< of the schema, those that are read
     std::string filter;                      ///< condition in the driver's SQL, empty for all rows
     std::int64_t batchRows = BATCH_ROWS;
+
+    /// Throws std::runtime_error with the name of the file and GDAL's reason, or the other when it gave none.
+    [[noreturn]] void raise(const GdalErrorScope& errors, const QString& otherwise = {}) const;
 };
 
 /// The layer of a handle; null when the file has no such layer any more.

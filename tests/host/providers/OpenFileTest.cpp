@@ -8,6 +8,8 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <random>
+
 namespace orvane::files {
 namespace {
 
@@ -257,12 +259,48 @@ TEST_F(OpenFile, archivesNeedNotBeUnpacked) {
     EXPECT_EQ(readRows(*old, everything(*old)).front().front(), "t:Тверь");
 }
 
-TEST_F(OpenFile, aTruncatedFileIsNotTakenForAShortOne) {
+TEST_F(OpenFile, damageIsToldInsteadOfRowsThatAreMissing) {
     const auto path = directory_.filePath(QStringLiteral("whole.gpkg"));
-    addLayerOfNumbers(*createDataset({"GPKG", "gpkg"}, path), "numbers", 60000);
+    addLayerOfNumbers(*createDataset({"GPKG", "gpkg"}, path), "numbers", 9000);
+    const auto rowsOf = [](const QString& file) {
+        const auto table = openFile(file).front();
+        return readRows(*table, everything(*table));
+    };
+    const auto whole = rowsOf(path);
     QFile file(path);
-    ASSERT_TRUE(file.resize(file.size() / 4096 / 2 * 4096));
-    EXPECT_NE(failure(path), "");
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray content = file.readAll();
+    constexpr int page = 4096;
+    std::mt19937 random(29);
+    std::uniform_int_distribution<int> byte(0, 255), pages(5, content.size() / page - 1), start(0, 200);
+    int failures = 0;
+    for (int i = 0; i < 12; ++i) {
+        QByteArray damaged = content;
+        const int first = pages(random) * page + (i % 2 == 0 ? 0 : start(random));
+        for (int at = first; at < first + (i % 2 == 0 ? 8 : 20); ++at)
+            damaged[at] = static_cast<char>(byte(random));
+        const auto copy = write("damaged.gpkg", damaged);
+        try {
+            const auto rows = rowsOf(copy);
+            EXPECT_EQ(rows.size(), whole.size()) << i; // a value may be another one, unnoticed
+        } catch (const std::runtime_error& error) {
+            ++failures;
+            EXPECT_THAT(error.what(), testing::HasSubstr("damaged.gpkg"));
+        }
+    }
+    EXPECT_GT(failures, 2);
+    write("damaged.gpkg", content.left(content.size() / page / 2 * page));
+    EXPECT_NE(failure(directory_.filePath(QStringLiteral("damaged.gpkg"))), "");
+}
+
+TEST_F(OpenFile, aLayerWithoutRowsComesToItsEnd) {
+    for (const Format& format :
+         {Format{"FlatGeobuf", "fgb"}, Format{"GPKG", "gpkg"}, Format{"GeoJSON", "geojson"}}) {
+        const auto path = directory_.filePath(QLatin1String("empty.") + QLatin1String(format.extension));
+        addLayerOfNumbers(*createDataset(format, path), "empty", 0);
+        const auto table = openFile(path).front();
+        EXPECT_EQ(readRows(*table, everything(*table)), Rows()) << format.driver;
+    }
 }
 
 } // namespace
