@@ -298,10 +298,6 @@
 <context>
     <name>orvane::engine</name>
     <message>
-        <source>после Escape должен стоять один символ</source>
-        <translation>Escape takes a single character</translation>
-    </message>
-    <message>
         <source>объект в системе координат %1 не переводится в %2, систему первого объекта группы</source>
         <translation>an object in the coordinate system %1 cannot be brought to %2, that of the first object of its group</translation>
     </message>
@@ -861,6 +857,66 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
         <translation>division by zero</translation>
     </message>
     <message>
+        <source>частное не помещается в 64 бита</source>
+        <translation>the quotient does not fit into 64 bits</translation>
+    </message>
+    <message>
+        <source>степень слишком велика или не определена</source>
+        <translation>the power is too large or not defined</translation>
+    </message>
+    <message>
+        <source>сумма слишком велика</source>
+        <translation>the sum is too large</translation>
+    </message>
+    <message>
+        <source>корень извлекается только из числа, которое не меньше нуля</source>
+        <translation>a square root needs a number that is not below zero</translation>
+    </message>
+    <message>
+        <source>место, с которого ищет InStr, должно быть не меньше 1</source>
+        <translation>the place from which InStr searches must be at least 1</translation>
+    </message>
+    <message>
+        <source>номер вхождения для InStr должен быть не меньше 1</source>
+        <translation>the number of the occurrence for InStr must be at least 1</translation>
+    </message>
+    <message>
+        <source>функция не смогла вычислить значение</source>
+        <translation>a function could not compute its value</translation>
+    </message>
+    <message>
+        <source>текст не является записью JSON</source>
+        <translation>the text is no JSON</translation>
+    </message>
+    <message>
+        <source>ошибка в пути JSON возле «%1»</source>
+        <translation>the JSON path is wrong near &quot;%1&quot;</translation>
+    </message>
+    <message>
+        <source>JSON не хранит двоичных значений</source>
+        <translation>JSON does not hold binary values</translation>
+    </message>
+    <message>
+        <source>имена в json_object должны быть текстами</source>
+        <translation>the names in json_object must be texts</translation>
+    </message>
+    <message>
+        <source>у функции %1 должно быть чётное число аргументов</source>
+        <translation>the function %1 takes an even number of arguments</translation>
+    </message>
+    <message>
+        <source>у функции %1 должно быть нечётное число аргументов</source>
+        <translation>the function %1 takes an odd number of arguments</translation>
+    </message>
+    <message>
+        <source>второй аргумент функции %1 должен быть числом от 0 до 1</source>
+        <translation>the second argument of %1 must be a number from 0 to 1</translation>
+    </message>
+    <message>
+        <source>здесь это запрещено</source>
+        <translation>this is not allowed here</translation>
+    </message>
+    <message>
         <source>значение больше миллиарда байт</source>
         <translation>a value of more than a thousand million bytes</translation>
     </message>
@@ -1119,14 +1175,6 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
     <message>
         <source>номер параметра слишком велик</source>
         <translation>the number of a parameter is too large</translation>
-    </message>
-    <message>
-        <source>после Escape нужен один символ</source>
-        <translation>one character is needed after Escape</translation>
-    </message>
-    <message>
-        <source>образец слишком длинный</source>
-        <translation>the pattern is too long</translation>
     </message>
     <message>
         <source>на диске нет места</source>

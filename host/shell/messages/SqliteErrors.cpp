@@ -110,10 +110,6 @@ constexpr PlainMessage plainMessages[] = {
      QT_TRANSLATE_NOOP("orvane::shell::Shell", "слишком много таблиц после From"), sql::Keyword::From},
     {"^variable number must be between",
      QT_TRANSLATE_NOOP("orvane::shell::Shell", "номер параметра слишком велик")},
-    {"^ESCAPE expression must be a single character$",
-     QT_TRANSLATE_NOOP("orvane::shell::Shell", "после Escape нужен один символ"), sql::Keyword::Escape},
-    {"^LIKE or GLOB pattern too complex$",
-     QT_TRANSLATE_NOOP("orvane::shell::Shell", "образец слишком длинный")},
     {"^database or disk is full$", QT_TRANSLATE_NOOP("orvane::shell::Shell", "на диске нет места")},
     {"^disk I/O error$", QT_TRANSLATE_NOOP("orvane::shell::Shell", "ошибка чтения или записи на диске")},
     {"^(.*) values for (?:\\d+) columns$",
@@ -129,6 +125,32 @@ constexpr PlainMessage plainMessages[] = {
     {"^integer overflow$",
      QT_TRANSLATE_NOOP("orvane::shell::Shell", "сумма целых чисел не помещается в 64 бита")},
     {"^Division by zero$", QT_TRANSLATE_NOOP("orvane::shell::Shell", "деление на ноль")},
+    {"^Integer overflow$", QT_TRANSLATE_NOOP("orvane::shell::Shell", "частное не помещается в 64 бита")},
+    {"^Power overflow$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "степень слишком велика или не определена")},
+    {"^Sum overflow\\.$", QT_TRANSLATE_NOOP("orvane::shell::Shell", "сумма слишком велика")},
+    {"^Square root from negative value$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "корень извлекается только из числа, которое не меньше нуля")},
+    {"^start_at must be >= 1$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "место, с которого ищет InStr, должно быть не меньше 1")},
+    {"^occurence must be >= 1$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "номер вхождения для InStr должен быть не меньше 1")},
+    {"^(?:Unexpected error|Unknown failure)$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "функция не смогла вычислить значение")},
+    {"^malformed JSON$", QT_TRANSLATE_NOOP("orvane::shell::Shell", "текст не является записью JSON")},
+    {"^JSON path error near '(.*)'$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "ошибка в пути JSON возле «%1»")},
+    {"^JSON cannot hold BLOB values$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "JSON не хранит двоичных значений")},
+    {"^json_object\\(\\) labels must be TEXT$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "имена в json_object должны быть текстами")},
+    {"^(json_object)\\(\\) requires an even number of arguments$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "у функции %1 должно быть чётное число аргументов")},
+    {"^(json_\\w+)\\(\\) needs an odd number of arguments$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "у функции %1 должно быть нечётное число аргументов")},
+    {"^second argument to (\\w+)\\(\\) must be a constant between 0\\.0 and 1\\.0$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "второй аргумент функции %1 должен быть числом от 0 до 1")},
+    {"^not authorized$", QT_TRANSLATE_NOOP("orvane::shell::Shell", "здесь это запрещено")},
     {"^string or blob too big$", QT_TRANSLATE_NOOP("orvane::shell::Shell", "значение больше миллиарда байт")},
     {"^out of memory$", QT_TRANSLATE_NOOP("orvane::shell::Shell", "не хватает памяти")},
     {"^near \"(.*)\": syntax error$",
@@ -187,6 +209,7 @@ Problem SqliteErrors::explain(const QString& message) const {
         {"^no such column: (.*)$", &SqliteErrors::missingColumn},
         {"^no such function: (.*)$", &SqliteErrors::missingFunction},
         {"^wrong number of arguments to function (.*)\\(\\)$", &SqliteErrors::wrongArguments},
+        {"^Invalid argument count\\. Usage: (\\w+) ", &SqliteErrors::wrongArguments},
         {"^ambiguous column name: (.*)$", &SqliteErrors::ambiguousColumn},
         {"^table (.* has no column named .*)$", &SqliteErrors::missingTargetColumn},
         {"^misuse of (?:aliased )?window function (row_number)\\(\\)$", &SqliteErrors::misusedRowNumber},
@@ -298,15 +321,18 @@ Problem SqliteErrors::missingFunction(const QString& name) const {
 }
 
 Problem SqliteErrors::wrongArguments(const QString& name) const {
-    QString message = Shell::tr("у функции %0 не столько аргументов").arg(engine::dialectFunctionName(name));
+    const auto place = placeOf(name, Role::Function);
+    const auto message = [](const QString& function) {
+        return Shell::tr("у функции %0 не столько аргументов").arg(engine::dialectFunctionName(function));
+    };
     for (const adaptor::FunctionRecord& record : adaptor::allFunctionRecords()) {
-        if (name.compare(QLatin1String(record.name), Qt::CaseInsensitive) == 0 && record.signature) {
-            message =
-                Shell::tr("%0; она вызывается как %1").arg(message, QString::fromUtf8(record.signature));
-            break;
-        }
+        const QLatin1String known(record.name);
+        if (name.compare(known, Qt::CaseInsensitive) == 0 && record.signature)
+            return {Shell::tr("%0; она вызывается как %1")
+                        .arg(message(known), QString::fromUtf8(record.signature)),
+                    place};
     }
-    return {message, placeOf(name, Role::Function)};
+    return {message(name), place};
 }
 
 /// The function stands for the dialect's rownum.

@@ -33,7 +33,8 @@ const std::vector<std::string> everyKindOfValue = orvane::tests::pieces(
     "NULL|0|-1|3|2147483647|9223372036854775807|(-9223372036854775807 - 1)|1e308|-2.5|1e999|''|'12.5 km'|"
     "'nan'|'2021-03-04 05:06:07.008'|'0,0.0E+0;%[a-'|'Ж😀'|x''|x'FF00C3'|x'C3'|MakePoint(1, 2, 4326)");
 
-/// How the errors begin that a function may give.
+/// How the errors begin that a function may give. The shell tells each in the words of the user: a block of
+/// shell/errors.txt has it.
 const std::vector<std::string> knownErrors = orvane::tests::pieces(
     "Division by zero|Integer overflow|Power overflow|Sum overflow.|Square root from negative value|"
     "start_at must be >= 1|occurence must be >= 1|Invalid argument count. Usage: |string or blob too big|"
