@@ -21,12 +21,13 @@ const FunctionRecord records[] = {
         "StringToDate", group, one, engine::stringToDate,
         {"StringToDate(text)",
          "The date, the time or both in a free text, in Russian or English; what a date lacks comes "
-         "from today.",
+         "from today, so that NULL and an empty text are today's date.",
          "StringToDate('15 марта 2021 12:30')", "2021-03-15 12:30:00.000"}),
     environmentFunction(
         "NumberToDate", group, one, engine::numberToDate,
         {"NumberToDate(number)",
-         "The date of a number: yyyymmdd, Unix seconds, Windows file time, or spreadsheet days.",
+         "The date of a number: yyyymmdd, Unix seconds, Windows file time, or spreadsheet days; moments are "
+         "shown in the time zone of the machine.",
          "NumberToDate(20210315)", "2021-03-15"}),
     pureFunction("Day", group, one, engine::day,
                  {"Day(date)", "The day of the month of a date.", "Day('2021-03-15')", "15"}),

@@ -3,6 +3,7 @@
 #include <sqlite3.h>
 
 #include <span>
+#include <vector>
 
 namespace orvane::adaptor {
 
@@ -16,8 +17,8 @@ struct Arity {
 };
 
 /// One SQL function: what registers it, documents it and tests it. A scalar function sets `scalar`, an
-/// aggregate `step` and `final`. Several records may carry one SQL name (second names, other entry points for
-/// other arities).
+/// aggregate `step` and `final`. Several records may carry one SQL name: other entry points for other
+/// arities.
 struct FunctionRecord {
     using Scalar = void (*)(sqlite3_context*, int, sqlite3_value**);
     using Final = void (*)(sqlite3_context*);
@@ -33,8 +34,18 @@ struct FunctionRecord {
     const char* signature; ///< as the reference shows it, e.g. "Mid(text, start, count)"
     const char* summary;   ///< one sentence
     const char* example;   ///< an expression of the dialect that runs by itself, e.g. "Mid('abcdef', 2, 3)"
-    const char*
-        result; ///< its value as text, "NULL" for none; null when it depends on the clock or the locale
+    const char* result;    ///< its value as the shell prints it, "NULL" for none; null when it depends on the
+                        ///< clock or the locale
+    const char* secondName = nullptr; ///< another SQL name of the same function; null for none
+
+    bool isNamed(const char* asked) const {
+        return sqlite3_stricmp(name, asked) == 0 ||
+               (secondName != nullptr && sqlite3_stricmp(secondName, asked) == 0);
+    }
+    /// One or two.
+    std::vector<const char*> names() const {
+        return secondName != nullptr ? std::vector{name, secondName} : std::vector{name};
+    }
 };
 
 /// The families, each a table in its own file below functions/.

@@ -41,6 +41,9 @@ void appendEntry(std::string& text, const FunctionRecord& record) {
     if (dialectName(record.name) != record.name) {
         text += std::string(" In SQL: `") + record.name + "`.";
     }
+    if (record.secondName != nullptr) {
+        text += std::string(" Also: `") + record.secondName + "`.";
+    }
     text += std::string("  \n`") + record.example + '`';
     if (record.result) {
         text += std::string(" is `") + record.result + '`';
@@ -71,9 +74,15 @@ bool isSpatial(const std::string& name) {
 } // namespace
 
 std::string functionReference(sqlite3* database) {
-    std::string text = "# Functions\n\nWritten by the tests from the running engine (see "
-                       "`FunctionReferenceTest`). Text functions "
-                       "count UTF-16 code units; NULL in gives\nNULL out unless a line says otherwise.\n\n";
+    std::string text =
+        "# Functions\n\nWritten by the tests from the running engine (see `FunctionReferenceTest`); results "
+        "are "
+        "as the shell prints them.\nText functions count UTF-16 code units, and half of a pair becomes "
+        "U+FFFD. "
+        "NULL in gives NULL out unless a line says otherwise;\nunits and a coordinate system that are NULL "
+        "count "
+        "as left out. Pictures of numbers and times and the reading of dates are\ndescribed in "
+        "[formats.md](formats.md).\n\n";
     Names described;
     std::string group;
     for (const FunctionRecord& record : allFunctionRecords()) {
@@ -81,7 +90,9 @@ std::string functionReference(sqlite3* database) {
             group = record.group;
             text += "## " + group + "\n\n";
         }
-        described.insert(record.name);
+        for (const char* name : record.names()) {
+            described.insert(name);
+        }
         appendEntry(text, record);
     }
     const Names available = functionsOf(database);
@@ -102,7 +113,7 @@ std::string functionHelp(std::string_view name) {
     const std::string asked(name);
     std::string text;
     for (const FunctionRecord& record : allFunctionRecords()) {
-        if (sqlite3_stricmp(record.name, asked.c_str()) != 0 &&
+        if (!record.isNamed(asked.c_str()) &&
             sqlite3_stricmp(dialectName(record.name).c_str(), asked.c_str()) != 0) {
             continue;
         }

@@ -18,11 +18,13 @@ int registerFunctions(sqlite3* database, std::span<const FunctionRecord> records
     for (const FunctionRecord& record : records) {
         const int flags =
             record.encoding | (record.deterministic ? SQLITE_DETERMINISTIC : 0) | SQLITE_INNOCUOUS;
-        for (int arity = record.arity.minimum; arity <= record.arity.maximum; ++arity) {
-            const int code = sqlite3_create_function_v2(database, record.name, arity, flags, cache,
-                                                        record.scalar, record.step, record.final, nullptr);
-            if (code != SQLITE_OK) {
-                return code;
+        for (const char* name : record.names()) {
+            for (int arity = record.arity.minimum; arity <= record.arity.maximum; ++arity) {
+                const int code = sqlite3_create_function_v2(
+                    database, name, arity, flags, cache, record.scalar, record.step, record.final, nullptr);
+                if (code != SQLITE_OK) {
+                    return code;
+                }
             }
         }
     }

@@ -26,12 +26,12 @@ const FunctionRecord records[] = {
                   "1230877.8"}),
     pureFunction("CartesianArea", measures, Arity::between(1, 2), engine::cartesianArea,
                  {"CartesianArea(obj [, units])", "The area in the plane of the coordinates.",
-                  "CartesianArea(GeomFromText('POLYGON((0 0,4 0,4 3,0 3,0 0))'), '')", "12.0"}),
+                  "CartesianArea(GeomFromText('POLYGON((0 0,4 0,4 3,0 3,0 0))'), '')", "12"}),
     pureFunction(
         "ObjectPerimeter", measures, Arity::between(1, 2), engine::perimeter,
         {"Perimeter(obj [, units])",
          "The length of the borders of areas: on the ellipsoid for geographic systems, else in the plane.",
-         "ObjectPerimeter(GeomFromText('POLYGON((0 0,4 0,4 3,0 3,0 0))', 3857), 'm')", "14.0"}),
+         "ObjectPerimeter(GeomFromText('POLYGON((0 0,4 0,4 3,0 3,0 0))', 3857), 'm')", "14"}),
     pureFunction(
         "SphericalPerimeter", measures, Arity::between(1, 2), engine::sphericalPerimeter,
         {"SphericalPerimeter(obj [, units])", "The length of the borders of areas on the ellipsoid.",
@@ -39,7 +39,7 @@ const FunctionRecord records[] = {
          "443.771"}),
     pureFunction("CartesianPerimeter", measures, Arity::between(1, 2), engine::cartesianPerimeter,
                  {"CartesianPerimeter(obj [, units])", "The length of the borders of areas in the plane.",
-                  "CartesianPerimeter(GeomFromText('POLYGON((0 0,4 0,4 3,0 3,0 0))'), 'cm')", "1400.0"}),
+                  "CartesianPerimeter(GeomFromText('POLYGON((0 0,4 0,4 3,0 3,0 0))'), 'cm')", "1400"}),
     pureFunction("ObjectLen", measures, Arity::between(1, 2), engine::objectLen,
                  {"ObjectLen(obj [, units])",
                   "The length of lines: on the ellipsoid for geographic systems, else in the plane; metres "
@@ -52,7 +52,7 @@ const FunctionRecord records[] = {
                   "111319.491"}),
     pureFunction("CartesianObjectLen", measures, Arity::between(1, 2), engine::cartesianObjectLen,
                  {"CartesianObjectLen(obj [, units])", "The length of lines in the plane of the coordinates.",
-                  "CartesianObjectLen(GeomFromText('LINESTRING(0 0,3 4)'), '')", "5.0"}),
+                  "CartesianObjectLen(GeomFromText('LINESTRING(0 0,3 4)'), '')", "5"}),
     pureFunction(
         "SphericalObjectDistance", measures, Arity::between(2, 3), engine::sphericalObjectDistance,
         {"SphericalObjectDistance(a, b [, units])",
@@ -65,40 +65,33 @@ const FunctionRecord records[] = {
         "CartesianObjectDistance", measures, Arity::between(2, 3), engine::cartesianObjectDistance,
         {"CartesianObjectDistance(a, b [, units])",
          "The shortest way between two objects in the plane, 0 when they meet; -1 when there is none.",
-         "CartesianObjectDistance(MakePoint(0, 0), MakePoint(3, 4), '')", "5.0"}),
+         "CartesianObjectDistance(MakePoint(0, 0), MakePoint(3, 4), '')", "5"}),
     pureFunction("CentroidX", measures, Arity::exactly(1), engine::centroidX,
                  {"CentroidX(obj)", "The x coordinate of the centre of mass.",
-                  "CentroidX(GeomFromText('POLYGON((0 0,4 0,4 2,0 2,0 0))'))", "2.0"}),
+                  "CentroidX(GeomFromText('POLYGON((0 0,4 0,4 2,0 2,0 0))'))", "2"}),
     pureFunction("CentroidY", measures, Arity::exactly(1), engine::centroidY,
                  {"CentroidY(obj)", "The y coordinate of the centre of mass.",
-                  "CentroidY(GeomFromText('POLYGON((0 0,4 0,4 2,0 2,0 0))'))", "1.0"}),
+                  "CentroidY(GeomFromText('POLYGON((0 0,4 0,4 2,0 2,0 0))'))", "1"}),
     pureFunction("ContainsCentroid", relations, Arity::exactly(2), engine::containsCentroid,
                  {"a Contains b", "1 when the centre of mass of b lies inside a.",
                   "ContainsCentroid(GeomFromText('POLYGON((0 0,4 0,4 4,0 4,0 0))'), MakePoint(1, 1))", "1"}),
     pureFunction("CentroidWithin", relations, Arity::exactly(2), engine::centroidWithin,
                  {"a Within b", "1 when the centre of mass of a lies inside b.",
                   "CentroidWithin(MakePoint(5, 1), GeomFromText('POLYGON((0 0,4 0,4 4,0 4,0 0))'))", "0"}),
-    pureFunction("Intersects", relations, Arity::exactly(2), engine::intersects,
-                 {"Intersects(a, b)", "1 when the two objects share a position, borders included.",
-                  "Intersects(GeomFromText('LINESTRING(0 0,2 2)'), GeomFromText('LINESTRING(0 2,2 0)'))",
-                  "1"}),
-    pureFunction("ST_Intersects", relations, Arity::exactly(2), engine::intersects,
-                 {"a Intersects b", "1 when the two objects share a position, borders included.",
-                  "ST_Intersects(MakePoint(0, 0), GeomFromText('LINESTRING(0 0,1 1)'))", "1"}),
-    pureFunction("ContainsEntirely", relations, Arity::exactly(2), engine::containsEntirely,
-                 {"ContainsEntirely(a, b)", "1 when no part of b is outside a.",
-                  "ContainsEntirely(GeomFromText('POLYGON((0 0,4 0,4 4,0 4,0 0))'), "
-                  "GeomFromText('LINESTRING(1 1,5 1)'))",
-                  "0"}),
-    pureFunction("ST_Contains", relations, Arity::exactly(2), engine::containsEntirely,
-                 {"a Contains Entire b", "1 when no part of b is outside a.",
-                  "ST_Contains(GeomFromText('POLYGON((0 0,4 0,4 4,0 4,0 0))'), MakePoint(1, 1))", "1"}),
-    pureFunction("EntirelyWithin", relations, Arity::exactly(2), engine::entirelyWithin,
-                 {"EntirelyWithin(a, b)", "1 when no part of a is outside b.",
-                  "EntirelyWithin(MakePoint(1, 1), GeomFromText('POLYGON((0 0,4 0,4 4,0 4,0 0))'))", "1"}),
-    pureFunction("ST_Within", relations, Arity::exactly(2), engine::entirelyWithin,
-                 {"a Entirely Within b", "1 when no part of a is outside b.",
-                  "ST_Within(MakePoint(4, 1), GeomFromText('POLYGON((0 0,4 0,4 4,0 4,0 0))'))", "0"}),
+    alsoNamed("Intersects",
+              pureFunction("ST_Intersects", relations, Arity::exactly(2), engine::intersects,
+                           {"a Intersects b", "1 when the two objects share a position, borders included.",
+                            "ST_Intersects(MakePoint(0, 0), GeomFromText('LINESTRING(0 0,1 1)'))", "1"})),
+    alsoNamed(
+        "ContainsEntirely",
+        pureFunction("ST_Contains", relations, Arity::exactly(2), engine::containsEntirely,
+                     {"a Contains Entire b", "1 when no part of b is outside a.",
+                      "ST_Contains(GeomFromText('POLYGON((0 0,4 0,4 4,0 4,0 0))'), MakePoint(1, 1))", "1"})),
+    alsoNamed(
+        "EntirelyWithin",
+        pureFunction("ST_Within", relations, Arity::exactly(2), engine::entirelyWithin,
+                     {"a Entirely Within b", "1 when no part of a is outside b.",
+                      "ST_Within(MakePoint(4, 1), GeomFromText('POLYGON((0 0,4 0,4 4,0 4,0 0))'))", "0"})),
     pureFunction("MakeValidGeo", geometries, Arity::exactly(1), engine::makeGeoValid,
                  {"MakeValid(obj)", "The object without self-intersections, open rings or crossing rings.",
                   "AsText(FromOrvGeo(MakeValidGeo(GeomFromText('POLYGON((0 0,2 2,2 0,0 2,0 0))'))))",
@@ -131,46 +124,35 @@ const FunctionRecord records[] = {
     environmentFunction("RetrieveTableCS", systems, Arity::exactly(1), engine::retrieveTableCS,
                         {"RetrieveTableCS(table name)", "The coordinate system of a table.",
                          "RetrieveTableCS('no such table')", "NULL"}),
-    aggregateFunction<engine::Collect>(
-        "Collect", aggregates, Arity::exactly(1),
-        {"Collect(obj)", "All objects as the parts of one, in the system of the first.",
-         "(Select AsText(Collect(p)) From (Select MakePoint(1, 2) As p Union All Select MakePoint(3, 4)) t)",
-         "MULTIPOINT(1 2, 3 4)"}),
-    aggregateFunction<engine::Collect>("ST_Collect", aggregates, Arity::exactly(1),
-                                       {"ST_Collect(obj)",
-                                        "All objects as the parts of one, in the system of the first.",
-                                        "(Select AsText(ST_Collect(p)) From (Select MakePoint(1, 2) As p "
-                                        "Union All Select MakePoint(3, 4)) t)",
-                                        "MULTIPOINT(1 2, 3 4)"}),
-    aggregateFunction<engine::Union>(
-        "GUnion", aggregates, Arity::exactly(1),
-        {"GUnion(obj)", "All that lies in one of the objects at least, in the system of the first.",
-         "(Select Area(GUnion(o)) From (Select BuildMbr(0, 0, 2, 2) As o Union All Select BuildMbr(1, 0, 4, "
-         "2)) t)",
-         "8.0"}),
-    aggregateFunction<engine::Union>(
-        "ST_Union", aggregates, Arity::exactly(1),
-        {"ST_Union(obj)", "All that lies in one of the objects at least, in the system of the first.",
-         "(Select Area(ST_Union(o)) From (Select BuildMbr(0, 0, 2, 2) As o Union All Select BuildMbr(1, 0, "
-         "4, 2)) t)",
-         "8.0"}),
+    alsoNamed("ST_Collect",
+              aggregateFunction<engine::Collect>(
+                  "Collect", aggregates, Arity::exactly(1),
+                  {"Collect(obj)", "All objects as the parts of one, in the system of the first.",
+                   "(Select AsText(Collect(p)) From (Select MakePoint(1, 2) As p Union All Select "
+                   "MakePoint(3, 4)) t)",
+                   "MULTIPOINT(1 2, 3 4)"})),
+    alsoNamed("ST_Union",
+              aggregateFunction<engine::Union>(
+                  "GUnion", aggregates, Arity::exactly(1),
+                  {"GUnion(obj)", "All that lies in one of the objects at least, in the system of the first.",
+                   "(Select Area(GUnion(o)) From (Select BuildMbr(0, 0, 2, 2) As o Union All Select "
+                   "BuildMbr(1, 0, 4, "
+                   "2)) t)",
+                   "8"})),
     aggregateFunction<engine::MakeLine>(
         "MakeLine", aggregates, Arity::exactly(1),
         {"MakeLine(obj)", "The line through the positions of points and lines, in the order of the rows.",
          "(Select AsText(MakeLine(p)) From (Select MakePoint(1, 2) As p Union All Select MakePoint(3, 4)) t)",
          "LINESTRING(1 2, 3 4)"}),
-    aggregateFunction<engine::Polygonize>(
-        "Polygonize", aggregates, Arity::exactly(1),
-        {"Polygonize(obj)", "The areas that lines and borders enclose; lines have to meet in their ends.",
-         "(Select ST_Area(Polygonize(l)) From (Select GeomFromText('LINESTRING(0 0,2 0,2 2)') As l Union All "
-         "Select GeomFromText('LINESTRING(2 2,0 0)')) t)",
-         "2.0"}),
-    aggregateFunction<engine::Polygonize>(
-        "ST_Polygonize", aggregates, Arity::exactly(1),
-        {"ST_Polygonize(obj)", "The areas that lines and borders enclose; lines have to meet in their ends.",
-         "(Select ST_Area(ST_Polygonize(l)) From (Select GeomFromText('LINESTRING(0 0,2 0,2 2)') As l Union "
-         "All Select GeomFromText('LINESTRING(2 2,0 0)')) t)",
-         "2.0"}),
+    alsoNamed(
+        "ST_Polygonize",
+        aggregateFunction<engine::Polygonize>(
+            "Polygonize", aggregates, Arity::exactly(1),
+            {"Polygonize(obj)", "The areas that lines and borders enclose; lines have to meet in their ends.",
+             "(Select ST_Area(Polygonize(l)) From (Select GeomFromText('LINESTRING(0 0,2 0,2 2)') As l Union "
+             "All "
+             "Select GeomFromText('LINESTRING(2 2,0 0)')) t)",
+             "2"})),
 };
 
 } // namespace

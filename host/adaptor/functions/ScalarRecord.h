@@ -27,6 +27,12 @@ constexpr FunctionRecord environmentFunction(const char* name, const char* group
     return record;
 }
 
+/// The record of a function that has a second name.
+constexpr FunctionRecord alsoNamed(const char* secondName, FunctionRecord record) {
+    record.secondName = secondName;
+    return record;
+}
+
 /// An aggregate; `Aggregate` has the static functions step and final.
 template<typename Aggregate>
 constexpr FunctionRecord aggregateFunction(const char* name, const char* group, Arity arity,

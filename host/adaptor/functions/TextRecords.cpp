@@ -11,19 +11,6 @@ constexpr const char* patterns = "Patterns and comparison";
 constexpr Arity one = Arity::exactly(1);
 constexpr Arity two = Arity::exactly(2);
 
-constexpr Documentation loCase{"LoCase(text)", "The text in lower case.", "LoCase('МОСКВА')", "москва"};
-constexpr Documentation upCase{"UpCase(text)", "The text in upper case.", "UpCase('straße')", "STRASSE"};
-constexpr Documentation leftTrim{
-    "LeftTrim(text)",
-    "The text without the blanks, tabs and line ends at its beginning; a text of nothing "
-    "else stays as it is.",
-    "LeftTrim('  a b')", "a b"};
-constexpr Documentation rightTrim{
-    "RightTrim(text)",
-    "The text without the blanks, tabs and line ends at its end; a text of nothing else "
-    "stays as it is.",
-    "RightTrim('a b  ')", "a b"};
-
 const FunctionRecord records[] = {
     pureFunction("Char", group, one, engine::charUTF16,
                  {"Char(code)", "The character of a UTF-16 code.", "Char(1046)", "Ж"}),
@@ -33,16 +20,26 @@ const FunctionRecord records[] = {
     pureFunction(
         "InStr", group, Arity::any(), engine::inStrUTF16,
         {"InStr(text, part [, start [, occurrence]])",
-         "The position of a part in a text, from a start position and by its number; 0 when it is not there.",
+         "The position of a part in a text, from a start position and by its number; 0 when it is not "
+         "there or either is NULL.",
          "InStr('abcabcabc', 'abc', 1, 3)", "7"}),
-    pureFunction("LoCase", group, one, engine::loCaseUTF16, loCase),
-    pureFunction("LCase", group, one, engine::loCaseUTF16, loCase),
-    pureFunction("UpCase", group, one, engine::upCaseUTF16, upCase),
-    pureFunction("UCase", group, one, engine::upCaseUTF16, upCase),
-    pureFunction("LeftTrim", group, one, engine::leftTrimUTF8, leftTrim),
-    pureFunction("LTrim", group, one, engine::leftTrimUTF8, leftTrim),
-    pureFunction("RightTrim", group, one, engine::rightTrimUTF8, rightTrim),
-    pureFunction("RTrim", group, one, engine::rightTrimUTF8, rightTrim),
+    alsoNamed("LCase",
+              pureFunction("LoCase", group, one, engine::loCaseUTF16,
+                           {"LoCase(text)", "The text in lower case.", "LoCase('МОСКВА')", "москва"})),
+    alsoNamed("UCase",
+              pureFunction("UpCase", group, one, engine::upCaseUTF16,
+                           {"UpCase(text)", "The text in upper case.", "UpCase('straße')", "STRASSE"})),
+    alsoNamed("LTrim",
+              pureFunction("LeftTrim", group, one, engine::leftTrimUTF8,
+                           {"LeftTrim(text)",
+                            "The text without the blanks, tabs and line ends at its beginning; a text of "
+                            "nothing else stays as it is.",
+                            "LeftTrim('  a b')", "a b"})),
+    alsoNamed("RTrim", pureFunction("RightTrim", group, one, engine::rightTrimUTF8,
+                                    {"RightTrim(text)",
+                                     "The text without the blanks, tabs and line ends at its end; a text of "
+                                     "nothing else stays as it is.",
+                                     "RightTrim('a b  ')", "a b"})),
     pureFunction("Len", group, one, engine::len,
                  {"Len(text)", "The length of a text in UTF-16 units; 0 for NULL.", "Len('Москва')", "6"}),
     pureFunction("Left", group, two, engine::left_utf16,
@@ -54,7 +51,8 @@ const FunctionRecord records[] = {
                   "Mid('abcdef', 2, 3)", "bcd"}),
     pureFunction("Val", group, one, engine::valUTF8,
                  {"Val(text)",
-                  "The number that a text begins with, 0 when there is none; &H and 0x make it hexadecimal.",
+                  "The number that a text begins with, 0 when there is none and for NULL; &H and 0x make it "
+                  "hexadecimal.",
                   "Val('12.5 km')", "12.5"}),
     pureFunction("Capitalize", group, one, engine::capitalizeUTF16,
                  {"Capitalize(text)", "The text with the first letter of each word in upper case.",
@@ -66,16 +64,19 @@ const FunctionRecord records[] = {
     pureFunction("Space", group, one, engine::space,
                  {"Space(count)", "A text of blanks.", "Len(Space(3))", "3"}),
     pureFunction("Repeat", group, two, engine::repeat,
-                 {"Repeat(count, text)", "The first character of a text, a number of times.",
+                 {"Repeat(count, text)",
+                  "The first character of a text, a number of times; of an empty text or NULL, blanks.",
                   "Repeat(3, 'xyz')", "xxx"}),
     pureFunction("Like", patterns, two, engine::caseInsensitiveLike,
                  {"text Like pattern",
                   "1 when the text matches without regard to case: % is any run, _ one character.",
                   "'МОСКВА' Like 'мос%'", "1"}),
-    pureFunction("Like", patterns, Arity::exactly(3), engine::caseInsensitiveLikeEscape,
-                 {"text Like pattern Escape character",
-                  "The same; the escape makes the next character literal.", "'100%' Like '1__!%' Escape '!'",
-                  "1"}),
+    pureFunction(
+        "Like", patterns, Arity::exactly(3), engine::caseInsensitiveLikeEscape,
+        {"text Like pattern Escape character",
+         "The same; the escape makes the next character literal. Of a longer one the first character "
+         "counts; an empty one and NULL mean none.",
+         "'100%' Like '1__!%' Escape '!'", "1"}),
     pureFunction("Glob", patterns, two, engine::caseInsensitiveGlob,
                  {"text Glob pattern",
                   "1 when the text matches without regard to case: * is any run, ? one character, [a-z] one "

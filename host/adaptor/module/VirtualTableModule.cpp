@@ -263,8 +263,7 @@ int xFindFunction(sqlite3_vtab* table, int argc, const char* name,
         return 0;
     }
     for (const FunctionRecord& record : geometryRecords()) {
-        if (sqlite3_stricmp(record.name, name) == 0 && record.arity.minimum <= 2 &&
-            record.arity.maximum >= 2) {
+        if (record.isNamed(name) && record.arity.minimum <= 2 && record.arity.maximum >= 2) {
             *function = record.scalar; // SQLite calls it wherever no scan takes the constraint over
             *userData = &asked.cache();
             return SQLITE_INDEX_CONSTRAINT_FUNCTION + static_cast<int>(*relation);

@@ -58,9 +58,11 @@ QStringList Names::functions() const {
     for (const QString& name : firstColumn("Select name From pragma_function_list Where name Glob '[a-z]*'"))
         byLowercase.emplace(name, name);
     for (const adaptor::FunctionRecord& record : adaptor::allFunctionRecords()) {
-        const QString called = QLatin1String(record.name);
-        for (const QString& name : {called, engine::dialectFunctionName(called)})
-            byLowercase[name.toLower()] = name;
+        for (const char* sqlName : record.names()) {
+            const QString called = QLatin1String(sqlName);
+            for (const QString& name : {called, engine::dialectFunctionName(called)})
+                byLowercase[name.toLower()] = name;
+        }
     }
     QStringList names;
     for (const auto& [lowercase, name] : byLowercase)

@@ -326,10 +326,9 @@ Problem SqliteErrors::wrongArguments(const QString& name) const {
         return Shell::tr("у функции %0 не столько аргументов").arg(engine::dialectFunctionName(function));
     };
     for (const adaptor::FunctionRecord& record : adaptor::allFunctionRecords()) {
-        const QLatin1String known(record.name);
-        if (name.compare(known, Qt::CaseInsensitive) == 0 && record.signature)
+        if (record.isNamed(name.toUtf8().constData()))
             return {Shell::tr("%0; она вызывается как %1")
-                        .arg(message(known), QString::fromUtf8(record.signature)),
+                        .arg(message(QLatin1String(record.name)), QString::fromUtf8(record.signature)),
                     place};
     }
     return {message(name), place};

@@ -1,5 +1,6 @@
 #include "host/shell/prompt/PromptCommands.h"
 
+#include "host/adaptor/functions/FunctionReference.h"
 #include "host/adaptor/functions/FunctionRegistry.h"
 #include "host/shell/messages/NearestName.h"
 #include "host/shell/messages/Shell.h"
@@ -175,22 +176,11 @@ void PromptCommands::showHelp(const QString& topic) {
             "запрос, Ctrl-D завершает работу."));
         return;
     }
-    bool found = false;
-    for (const adaptor::FunctionRecord& record : adaptor::allFunctionRecords()) {
-        const QString name = QLatin1String(record.name);
-        if (topic.compare(name, Qt::CaseInsensitive) != 0 &&
-            topic.compare(engine::dialectFunctionName(name), Qt::CaseInsensitive) != 0)
-            continue;
-        found = true;
-        printLine(QString::fromUtf8(record.signature));
-        printLine(QStringLiteral("  ") + QString::fromUtf8(record.summary));
-        if (record.example)
-            printLine(QStringLiteral("  %0%1").arg(
-                QString::fromUtf8(record.example),
-                record.result ? QStringLiteral(" = ") + QString::fromUtf8(record.result) : QString()));
-    }
-    if (!found)
+    const std::string help = adaptor::functionHelp(topic.toStdString());
+    if (help.empty())
         printError(Shell::tr("описания «%0» нет").arg(topic));
+    else
+        printLine(QString::fromStdString(help).chopped(1));
 }
 
 void PromptCommands::showTranslation(const QString& statement) {

@@ -120,7 +120,8 @@ std::string describeFunction(const std::string& name) {
         return help;
     QStringList known;
     for (const adaptor::FunctionRecord& record : adaptor::allFunctionRecords())
-        known += QString::fromUtf8(record.name);
+        for (const char* called : record.names())
+            known += QString::fromUtf8(called);
     const QString asked = QString::fromStdString(name);
     const QString nearest = nearestName(asked, known);
     throw UsageError(nearest.isEmpty()

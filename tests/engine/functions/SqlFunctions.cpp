@@ -1,5 +1,6 @@
 #include "SqlFunctions.h"
 
+#include "host/adaptor/functions/FunctionRegistry.h"
 #include "platform/utils/Utf8.h"
 
 #include <QLocale>
@@ -61,25 +62,13 @@ SqlFunctions::SqlFunctions() : spatialite_(spatialite_alloc_connection()) {
     }
     database_.reset(database);
     spatialite_init_ex(database, spatialite_.get(), 0);
-    for (const adaptor::FunctionRecord& record : records()) {
-        const int flags = record.encoding | (record.deterministic ? SQLITE_DETERMINISTIC : 0);
-        for (int arity = record.arity.minimum; arity <= record.arity.maximum; ++arity) {
-            if (sqlite3_create_function_v2(database, record.name, arity, flags, &cache_, record.scalar,
-                                           record.step, record.final, nullptr) != SQLITE_OK) {
-                throw std::runtime_error(record.name);
-            }
-        }
+    if (adaptor::registerFunctions(database, records(), &cache_) != SQLITE_OK) {
+        throw std::runtime_error(sqlite3_errmsg(database));
     }
 }
 
 std::vector<adaptor::FunctionRecord> SqlFunctions::records() {
-    std::vector<adaptor::FunctionRecord> all;
-    for (const auto family :
-         {adaptor::arithmeticRecords(), adaptor::textRecords(), adaptor::dateTimeRecords(),
-          adaptor::formatRecords(), adaptor::geometryRecords()}) {
-        all.insert(all.end(), family.begin(), family.end());
-    }
-    return all;
+    return adaptor::allFunctionRecords();
 }
 
 QString SqlFunctions::evaluate(const QString& expression) const {

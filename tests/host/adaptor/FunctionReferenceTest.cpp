@@ -30,14 +30,14 @@ constexpr int everyKind = 11;
 
 } // namespace
 
-TEST_F(FunctionReferenceTest, EveryExampleRunsAndGivesItsResult) {
+/// Those with a result run in the document's own test.
+TEST_F(FunctionReferenceTest, ExamplesWithoutResultRun) {
     for (const adaptor::FunctionRecord& record : adaptor::allFunctionRecords()) {
-        const QString sql = engine().translate(std::string("Select Cast(") + record.example + " As Text)");
-        const std::string given = testing::answer(engine().engineDatabase(), sql);
-        if (record.result) {
-            EXPECT_EQ(given, record.result) << record.name << ": " << sql.toStdString();
-        } else {
-            EXPECT_THAT(given, ::testing::Not(::testing::StartsWith("error"))) << record.name;
+        if (!record.result) {
+            const QString sql = engine().translate(std::string("Select ") + record.example);
+            EXPECT_THAT(testing::answer(engine().engineDatabase(), sql),
+                        ::testing::Not(::testing::StartsWith("error")))
+                << record.name;
         }
     }
 }
@@ -59,6 +59,7 @@ TEST_F(FunctionReferenceTest, TheReferenceIsThatOfTheRunningEngine) {
 TEST_F(FunctionReferenceTest, HelpKnowsTheNamesOfTheDialect) {
     EXPECT_THAT(adaptor::functionHelp("round"), ::testing::StartsWith("Round(x"));
     EXPECT_THAT(adaptor::functionHelp("AREA"), ::testing::HasSubstr("ObjectArea"));
+    EXPECT_THAT(adaptor::functionHelp("lcase"), ::testing::StartsWith("LoCase(text)"));
     EXPECT_EQ(adaptor::functionHelp("nothing"), "");
 }
 
