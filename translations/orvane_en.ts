@@ -1264,6 +1264,22 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
         <translation>unknown type &quot;%0&quot;; Cast knows Integer, Real, Numeric, Text, Blob, Date, Time and Timestamp</translation>
     </message>
     <message>
+        <source>здесь нужно значений в скобках: %0</source>
+        <translation>values in parentheses are needed here: %0</translation>
+    </message>
+    <message>
+        <source>здесь нужно одно значение</source>
+        <translation>a single value is needed here</translation>
+    </message>
+    <message>
+        <source>здесь пишется «=»: значение задаётся, а не сравнивается</source>
+        <translation>write &quot;=&quot; here: a value is set, not compared</translation>
+    </message>
+    <message>
+        <source>параметры нумеруются с 1</source>
+        <translation>parameters are numbered from 1</translation>
+    </message>
+    <message>
         <source>выражение глубже %0 уровней</source>
         <translation>the expression is deeper than %0 levels</translation>
     </message>

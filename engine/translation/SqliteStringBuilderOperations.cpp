@@ -3,6 +3,7 @@
 #include "engine/translation/ComputedTexts.h"
 #include "platform/sql/lexing/SqlStrings.h"
 #include "platform/sql/tree/CastType.h"
+#include "platform/sql/tree/Queries.h"
 #include <orvane/engine/FunctionNames.h>
 
 #include <algorithm>
@@ -56,6 +57,27 @@ bool comparesTexts(OperationCode code) {
     }
 }
 
+/// The branches of a Case with those of the Case that its Else holds; null when it holds none. SQLite's
+/// parser has room for some 20 within one another.
+std::shared_ptr<ast::RowValueExpressionList> withoutInnerCase(const ast::Operation& node) {
+    const auto* branches = ast::nodeAs<ast::RowValueExpressionList>(node.right());
+    const auto* last = branches && !branches->elements.empty()
+                           ? ast::nodeAs<ast::RowValueExpression>(branches->elements.back())
+                           : nullptr;
+    const auto* inner = !node.left() && last && last->values.size() == 1
+                            ? ast::nodeAs<ast::Operation>(last->values[0])
+                            : nullptr;
+    const auto* innerBranches = inner && inner->code() == OperationCode::Case && !inner->left()
+                                    ? ast::nodeAs<ast::RowValueExpressionList>(inner->right())
+                                    : nullptr;
+    if (!innerBranches) {
+        return nullptr;
+    }
+    ast::NodeList all(branches->elements.begin(), branches->elements.end() - 1);
+    all.insert(all.end(), innerBranches->elements.begin(), innerBranches->elements.end());
+    return std::make_shared<ast::RowValueExpressionList>(std::move(all));
+}
+
 /// The function that stands for a Cast to a type that SQLite has not; null for any other operation.
 const wchar_t* conversionOf(const ast::Operation& node) {
     const auto type = node.code() == OperationCode::Cast ? findCastType(node.name()) : std::nullopt;
@@ -75,7 +97,10 @@ bool comparesArguments(const std::wstring& lowercaseName) {
 /// The right operand is rendered first. Both stand in parentheses of their own within the call.
 void SqliteStringBuilder::visit(const ast::Operation& node) {
     const wchar_t* function = node.unary() ? nullptr : functionOf(node.code());
-    if (function) {
+    // A bound of a frame has to be made of numbers without calls.
+    const bool isPlain =
+        isInBound_ && (node.code() == OperationCode::Add || node.code() == OperationCode::Quotient);
+    if (function && !isPlain) {
         const std::wstring right = render(node.right());
         std::wstring text = std::wstring(function) + L"((" + render(node.left());
         text += L"),(";
@@ -86,21 +111,37 @@ void SqliteStringBuilder::visit(const ast::Operation& node) {
     if (const wchar_t* conversion = conversionOf(node)) {
         return push(std::wstring(conversion) + L'(' + renderValue(node.left()) + L')');
     }
+    if (node.code() == OperationCode::Case) {
+        if (const auto flat = withoutInnerCase(node)) {
+            return visit(ast::Operation(OperationCode::Case, node.left(), flat));
+        }
+    }
     // `Case x When y` compares as well; the other form of Case has no left operand.
     const bool simpleCase = node.code() == OperationCode::Case && node.left();
     if (!collate_.isEmpty() && (comparesTexts(node.code()) || simpleCase)) {
-        return processOperation(node, [this](std::wstring& text) -> std::wstring& {
+        const bool outer = std::exchange(isCompared_, ast::rowSize(node.left()) > 1);
+        processOperation(node, [this](std::wstring& text) -> std::wstring& {
             appendCollation(text);
             return text;
         });
+        isCompared_ = outer;
+        return;
     }
     SqlStringBuilder::visit(node);
+}
+
+std::wstring SqliteStringBuilder::renderBound(const ast::NodePtr& offset) {
+    const bool outer = std::exchange(isInBound_, true);
+    std::wstring text = SqlStringBuilder::renderBound(offset);
+    isInBound_ = outer;
+    return text;
 }
 
 std::wstring SqliteStringBuilder::operationToString(OperationCode code) const {
     switch (code) {
     case OperationCode::Join: return L"||";
-    case OperationCode::Mod: return L"%"; // SQLite has no word for it
+    case OperationCode::Mod: return L"%";      // SQLite has no word for it
+    case OperationCode::Quotient: return L"/"; // of whole numbers; elsewhere it is a function
     default: return SqlStringBuilder::operationToString(code);
     }
 }

@@ -198,9 +198,15 @@ void SqliteStringBuilder::appendLimit(std::wstring& text, const ast::QueryExpres
     SqlStringBuilder::appendLimit(text, query);
 }
 
-/// SQLite applies set operators strictly from left to right.
+/// SQLite applies set operators strictly from left to right, and puts at most 500 queries together.
 bool SqliteStringBuilder::needsEnclosing(const ast::NodePtr& query, const ast::QueryOperation& parent) const {
-    return query == parent.right && ast::nodeAs<ast::QueryOperation>(query);
+    constexpr std::size_t together = 400;
+    std::size_t operands = 1;
+    for (const auto* node = ast::nodeAs<ast::QueryOperation>(query); node;
+         node = ast::nodeAs<ast::QueryOperation>(node->left)) {
+        ++operands;
+    }
+    return query == parent.right ? operands > 1 : operands % together == 0;
 }
 
 std::wstring SqliteStringBuilder::renderEnclosed(const ast::NodePtr& query) {

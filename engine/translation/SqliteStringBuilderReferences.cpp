@@ -153,7 +153,7 @@ void SqliteStringBuilder::visitSelectionTable(const ast::TablePrimary& node) {
 }
 
 /// The columns of a source that a natural join may match; empty when they are not known.
-std::vector<std::wstring> SqliteStringBuilder::columnsOf(const ast::NodePtr& source, int depth) const {
+std::vector<std::wstring> SqliteStringBuilder::columnsOf(const ast::NodePtr& source, int depth) {
     if (depth > deepestNamedQuery) {
         return {}; // a query that refers to itself
     }
@@ -180,13 +180,27 @@ std::vector<std::wstring> SqliteStringBuilder::columnsOf(const ast::NodePtr& sou
 /// The columns of a query under the names given or, without any, its own. Geometry and style are left out;
 /// empty when a column has no name that is known.
 std::vector<std::wstring> SqliteStringBuilder::namedColumns(const ast::NodeList& names,
-                                                            const ast::NodePtr& query, int depth) const {
+                                                            const ast::NodePtr& query, int depth) {
+    const std::size_t scopes = namedQueries_.size();
     const ast::QuerySpecification* select = ast::firstSelect(query.get());
+    for (const ast::Node* node = query.get(); node;) {
+        namedQueries_.push_back(&static_cast<const ast::QueryExpression*>(node)->with);
+        const auto* operation = ast::nodeAs<ast::QueryOperation>(node);
+        node = operation ? operation->left.get() : nullptr;
+    }
+    std::vector<std::wstring> columns = resultColumns(names.empty() && select ? select->columns : names,
+                                                      select ? ast::onlySource(*select) : nullptr, depth);
+    namedQueries_.resize(scopes);
+    return columns;
+}
+
+std::vector<std::wstring> SqliteStringBuilder::resultColumns(const ast::NodeList& nodes,
+                                                             const ast::NodePtr& source, int depth) {
     std::vector<std::wstring> columns;
-    for (const ast::NodePtr& node : names.empty() && select ? select->columns : names) {
+    for (const ast::NodePtr& node : nodes) {
         const auto* column = ast::nodeAs<ast::DerivedColumn>(node);
         if (column && ast::nodeAs<ast::QualifiedAsterisk>(column->expression)) {
-            const std::vector<std::wstring> all = columnsOf(ast::onlySource(*select), depth + 1);
+            const std::vector<std::wstring> all = columnsOf(source, depth + 1);
             if (all.empty()) {
                 return {};
             }

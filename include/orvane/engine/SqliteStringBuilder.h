@@ -137,6 +137,7 @@ public:
 protected:
     std::wstring renderWith(const sql::ast::QueryExpression& query) override;
     std::wstring renderKey(const sql::ast::NodePtr& key) override;
+    std::wstring renderBound(const sql::ast::NodePtr& offset) override;
     void appendResultClauses(std::wstring& text, const sql::ast::QueryExpression& query) override;
     void appendLimit(std::wstring& text, const sql::ast::QueryExpression& query) override;
     bool needsEnclosing(const sql::ast::NodePtr& query,
@@ -161,9 +162,11 @@ private:
     void visitImpl(const sql::ast::ColumnReference& node);
     void visitSelectionTable(const sql::ast::TablePrimary& node);
     void recordTable(const sql::ast::TablePrimary& node);
-    std::vector<std::wstring> columnsOf(const sql::ast::NodePtr& source, int depth) const;
+    std::vector<std::wstring> columnsOf(const sql::ast::NodePtr& source, int depth);
     std::vector<std::wstring> namedColumns(const sql::ast::NodeList& names, const sql::ast::NodePtr& query,
-                                           int depth) const;
+                                           int depth);
+    std::vector<std::wstring> resultColumns(const sql::ast::NodeList& nodes, const sql::ast::NodePtr& source,
+                                            int depth);
     sql::ast::NodePtr resultColumnNamed(const sql::ast::ColumnReference& node) const;
     const sql::ast::CommonTable* namedQuery(const std::wstring& name) const;
     const std::wstring* selectionAlias(const std::wstring& qualifier) const;
@@ -183,6 +186,7 @@ private:
     std::vector<Frame> frames_; ///< of the queries and changes being rendered, the innermost last
     std::vector<const NamedQueries*> namedQueries_; ///< that can be referred to now
     int enclosing_ = 0;                             ///< queries around this one that the user has not written
+    bool isInBound_ = false;                        ///< of a frame
     bool isCompared_ = false; ///< the columns of a query that begins now are compared with others
     std::set<std::int64_t> selectionIds_;
     std::shared_ptr<dp::DataObject> selectionObject_;

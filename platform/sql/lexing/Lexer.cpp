@@ -98,10 +98,7 @@ private:
         case L'[':
             return quoted(L']', TokenKind::QuotedName,
                           QCoreApplication::translate("orvane::sql", "имя не закрыто скобкой «]»"));
-        case L'?':
-            ++pos_;
-            skipDigits();
-            return TokenKind::Parameter;
+        case L'?': return numberedParameter();
         case L':':
             if (isNameStart(peek(1))) {
                 ++pos_;
@@ -196,6 +193,16 @@ private:
         }
         fail(unfinished, start, 1);
         return kind;
+    }
+
+    TokenKind numberedParameter() {
+        const std::size_t start = pos_++;
+        skipDigits();
+        const std::wstring digits = source_.substr(start + 1, pos_ - start - 1);
+        if (!digits.empty() && digits.find_first_not_of(L'0') == std::wstring::npos) {
+            fail(QCoreApplication::translate("orvane::sql", "параметры нумеруются с 1"), start, pos_ - start);
+        }
+        return TokenKind::Parameter;
     }
 
     TokenKind hexadecimalText() {

@@ -1,6 +1,7 @@
 #include "platform/sql/lexing/SqlStrings.h"
 #include "platform/sql/parsing/Parser.h"
 #include "platform/sql/tree/CastType.h"
+#include "platform/sql/tree/Queries.h"
 
 #include <QCoreApplication>
 
@@ -156,8 +157,11 @@ ast::NodePtr Parser::parseInfix(OperationCode code, ast::NodePtr left) {
     case OperationCode::Collate: return std::make_shared<ast::Operation>(code, std::move(left), expectName());
     case OperationCode::Is: return parseIs(std::move(left));
     case OperationCode::In:
-    case OperationCode::NotIn:
-        return std::make_shared<ast::Operation>(code, std::move(left), parseInOperand());
+    case OperationCode::NotIn: {
+        ast::NodePtr list = parseInOperand();
+        checkRows(left, list);
+        return std::make_shared<ast::Operation>(code, std::move(left), std::move(list));
+    }
     case OperationCode::Between:
     case OperationCode::NotBetween: {
         auto low = parseExpression(operand);
@@ -218,6 +222,24 @@ ast::NodePtr Parser::parseInOperand() {
     }
     expect(TokenKind::RightParenthesis);
     return placed(first, std::move(operand));
+}
+
+/// Each element of a list has to be as large as what is looked for in it.
+void Parser::checkRows(const ast::NodePtr& value, const ast::NodePtr& operand) const {
+    const std::size_t size = ast::rowSize(value);
+    const auto* list = ast::nodeAs<ast::RowValueExpressionList>(operand);
+    for (const ast::NodePtr& element : list&& size != 0 ? list->elements : ast::NodeList()) {
+        const std::size_t elementSize = ast::rowSize(element);
+        if (elementSize == 0 || elementSize == size) {
+            continue;
+        }
+        const Token place{TokenKind::Number, Keyword::None, element->place.offset, element->place.length};
+        failAt(
+            place,
+            size == 1
+                ? QCoreApplication::translate("orvane::sql", "здесь нужно одно значение")
+                : QCoreApplication::translate("orvane::sql", "здесь нужно значений в скобках: %0").arg(size));
+    }
 }
 
 ast::NodePtr Parser::parsePrimary() {

@@ -109,6 +109,7 @@ private:
     ast::Window::Frame parseFrame(ast::Window::Unit unit);
     ast::Window::Bound parseBound(Keyword unbounded);
     ast::NodePtr parseInOperand();
+    void checkRows(const ast::NodePtr& value, const ast::NodePtr& operand) const;
     OperationCode infixOperator() const;
     OperationCode infixKeyword() const;
     ast::NodePtr parseInfix(OperationCode code, ast::NodePtr left);

@@ -1,5 +1,7 @@
 #include "platform/sql/parsing/Parser.h"
 
+#include <QCoreApplication>
+
 #include <utility>
 
 namespace orvane::sql {
@@ -98,7 +100,14 @@ ast::NodePtr Parser::parseSetClause() {
         target = std::make_shared<ast::ColumnReference>(std::wstring(), expectName());
     }
     target = placed(first, std::move(target));
+    const Token& sign = peek();
     expect(TokenKind::Equal);
+    if (sign.length > 1) {
+        failAt(sign,
+               QCoreApplication::translate("orvane::sql",
+                                           "здесь пишется «=»: значение задаётся, а не сравнивается"),
+               {L"="});
+    }
     return placed(first, std::make_shared<ast::SetClause>(std::move(target), parseExpression()));
 }
 

@@ -277,7 +277,11 @@ std::wstring SqlStringBuilder::renderCollated(const ast::Operation& node, const 
     const auto* range = ast::nodeAs<ast::Range>(node.right());
     const bool stated = isCollated(node.left()) || isCollated(node.right()) ||
                         (range && (isCollated(range->low) || isCollated(range->high)));
-    if (!collated || stated) {
+    // SQLite takes the collations of a row from the values of the query that gives it.
+    const bool isRowQuery =
+        ast::isQuery(node.left()) && (ast::rowSize(node.left()) > 1 || ast::rowSize(node.right()) > 1 ||
+                                      (range && ast::rowSize(range->low) > 1));
+    if (!collated || stated || isRowQuery) {
         return renderOperand(node.left(), node.code(), true);
     }
     const auto* row = ast::nodeAs<ast::RowValueExpression>(node.left());
@@ -335,7 +339,7 @@ void SqlStringBuilder::renderOperation(const ast::Operation& node, const TextFun
 
 /// SQLite wants the rows that a row value is looked for in as a query, each in parentheses.
 void SqlStringBuilder::appendInOperand(std::wstring& text, const ast::Operation& node) {
-    const auto* rows = node.left() && node.left()->kind == ast::NodeKind::RowValueExpression
+    const auto* rows = node.left() && ast::rowSize(node.left()) != 1
                            ? ast::nodeAs<ast::RowValueExpressionList>(node.right())
                            : nullptr;
     text.push_back(L'(');
@@ -425,11 +429,15 @@ void SqlStringBuilder::appendWindow(std::wstring& text, const ast::Window& windo
     text.push_back(L')');
 }
 
+std::wstring SqlStringBuilder::renderBound(const ast::NodePtr& offset) {
+    return renderOperand(offset, OperationCode::Between, false);
+}
+
 void SqlStringBuilder::appendBound(std::wstring& text, const ast::Window::Bound& bound) {
     constexpr const wchar_t* kinds[] = {L"Unbounded Preceding", L" Preceding", L"Current Row", L" Following",
                                         L"Unbounded Following"};
     if (bound.offset) {
-        text += renderOperand(bound.offset, OperationCode::Between, false);
+        text += renderBound(bound.offset);
     }
     text += kinds[static_cast<int>(bound.kind)];
 }

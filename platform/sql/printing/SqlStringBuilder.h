@@ -110,6 +110,8 @@ protected:
     virtual std::wstring renderWith(const ast::QueryExpression& query);
     /// A term of Group By, Order By or Partition By, without direction.
     virtual std::wstring renderKey(const ast::NodePtr& key);
+    /// How far a bound of a frame is away.
+    virtual std::wstring renderBound(const ast::NodePtr& offset);
     /// Order By, limit and offset.
     virtual void appendResultClauses(std::wstring& text, const ast::QueryExpression& query);
     virtual void appendLimit(std::wstring& text, const ast::QueryExpression& query);

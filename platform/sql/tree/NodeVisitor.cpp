@@ -1,5 +1,7 @@
 #include "platform/sql/tree/NodeVisitor.h"
 
+#include <algorithm>
+
 namespace orvane::sql::ast {
 
 namespace {
@@ -131,6 +133,22 @@ void NodeVisitor::doVisit(const Node& node) {
     case NodeKind::UpdateStatement: return visit(static_cast<const UpdateStatement&>(node));
     }
     faultAction();
+}
+
+std::size_t rowSize(const NodePtr& node) {
+    if (const auto* row = nodeAs<RowValueExpression>(node)) {
+        return row->values.size();
+    }
+    if (!isQuery(node)) {
+        return 1;
+    }
+    const QuerySpecification* select = firstSelect(node.get());
+    const bool hasAsterisk =
+        !select || std::any_of(select->columns.begin(), select->columns.end(), [](const NodePtr& each) {
+            const auto* column = nodeAs<DerivedColumn>(each);
+            return column && nodeAs<QualifiedAsterisk>(column->expression);
+        });
+    return hasAsterisk ? 0 : select->columns.size();
 }
 
 void forEachNode(const Node& root, const std::function<bool(const Node&)>& visit) {

@@ -158,6 +158,9 @@ inline const QuerySpecification* firstSelect(const Node* query) {
     return nodeAs<QuerySpecification>(query);
 }
 
+/// How many values a node gives together: those of a row or of a query. 0 where an asterisk hides it.
+ORVANE_PLATFORM_EXPORT std::size_t rowSize(const NodePtr& node);
+
 /// What stands after From when that is one source; otherwise null.
 inline NodePtr onlySource(const QuerySpecification& query) {
     const auto* from = nodeAs<FromSource>(query.from);

@@ -100,11 +100,17 @@ NodePtr TreeGenerator::comparison(int depth) {
         return std::make_shared<Operation>(code, expression(0), query(depth));
     }
     const bool rows = chance(30);
+    const auto value =
+        [&](int valueDepth) -> NodePtr { // every one of a list is as long as what is looked for
+        NodePtr one =
+            rows ? std::make_shared<RowValueExpression>(expressions(0, 2, 2)) : expression(valueDepth);
+        return rows || rowSize(one) == 1 ? one : column();
+    };
     NodeList elements;
     for (int i = 1 + below(2); i >= 0; --i) {
-        elements.push_back(rows ? rowValue(0) : expression(depth));
+        elements.push_back(value(depth));
     }
-    return std::make_shared<Operation>(code, rows ? rowValue(0) : expression(0),
+    return std::make_shared<Operation>(code, value(0),
                                        std::make_shared<RowValueExpressionList>(std::move(elements)));
 }
 
