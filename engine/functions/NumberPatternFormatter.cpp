@@ -85,6 +85,9 @@ private:
 
     QString localDigits(QString digits) const {
         const ushort zero = locale_.zeroDigit().unicode();
+        if (zero == '0') {
+            return digits;
+        }
         for (QChar& digit : digits) {
             digit = QChar(static_cast<ushort>(zero + (digit.unicode() - '0')));
         }
