@@ -5,6 +5,7 @@
 #include "host/providers/writing/LayerEditor.h"
 
 #include <numeric>
+#include <utility>
 
 namespace orvane::files {
 
@@ -28,15 +29,15 @@ std::shared_ptr<const dp::TableSchema> LayerTable::schema() const {
 }
 
 std::unique_ptr<dp::Cursor> LayerTable::openCursor(const dp::ScanRequest& request) {
-    return reader_->openCursor(request);
+    return reader().openCursor(request);
 }
 
 std::optional<std::int64_t> LayerTable::featureCount() const {
-    return reader_->featureCount();
+    return reader().featureCount();
 }
 
 std::uint64_t LayerTable::revision() const {
-    return reader_->revision();
+    return reader().revision();
 }
 
 bool LayerTable::usesTerm(int attribute, dp::Comparison comparison, dp::TextCollation collation) const {
@@ -44,7 +45,16 @@ bool LayerTable::usesTerm(int attribute, dp::Comparison comparison, dp::TextColl
 }
 
 bool LayerTable::usesWindow() const {
-    return reader_->usesWindow();
+    return reader().usesWindow();
+}
+
+LayerReader& LayerTable::reader() const {
+    if (std::exchange(hasUnreadEdits_, false)) {
+        if (editor_->isInGroup())
+            editor_->flush();
+        reader_->invalidate();
+    }
+    return *reader_;
 }
 
 bool LayerTable::isReadOnly() const {
@@ -52,23 +62,39 @@ bool LayerTable::isReadOnly() const {
 }
 
 void LayerTable::beginEdits() {
-    reader_->invalidate(); // idle handles must not hold the file
     editor_->begin();
-    isInGroup_ = true;
 }
 
-void LayerTable::commitEdits() {
-    isInGroup_ = false;
-    edit([this] { editor_->commit(); });
+void LayerTable::prepareEdits() {
+    editor_->prepare();
 }
 
-void LayerTable::rollbackEdits() {
-    isInGroup_ = false;
-    edit([this] { editor_->rollback(); });
+void LayerTable::commitEdits() noexcept {
+    editor_->commit();
+    hasUnreadEdits_ = true;
+}
+
+void LayerTable::rollbackEdits() noexcept {
+    editor_->rollback();
+    hasUnreadEdits_ = true;
+}
+
+void LayerTable::setSavepoint(int number) {
+    editor_->setSavepoint(number);
+}
+
+void LayerTable::releaseSavepoint(int number) {
+    editor_->releaseSavepoint(number);
+}
+
+void LayerTable::rollbackToSavepoint(int number) {
+    hasUnreadEdits_ = true;
+    editor_->rollbackTo(number);
 }
 
 dp::FeatureId LayerTable::insertFeature(const dp::Feature& feature) {
-    return edit([&] { return dp::FeatureId(QVariant(static_cast<qlonglong>(editor_->insert(feature)))); });
+    hasUnreadEdits_ = true;
+    return dp::FeatureId(QVariant(static_cast<qlonglong>(editor_->insert(feature))));
 }
 
 void LayerTable::updateFeature(const dp::Feature& feature) {
@@ -78,25 +104,13 @@ void LayerTable::updateFeature(const dp::Feature& feature) {
 }
 
 void LayerTable::updateAttributes(const dp::Feature& changes, const std::vector<int>& positions) {
-    edit([&] { editor_->update(changes, positions); });
+    hasUnreadEdits_ = true;
+    editor_->update(changes, positions);
 }
 
 void LayerTable::deleteFeature(const dp::FeatureId& id) {
-    edit([&] { editor_->remove(id); });
-}
-
-/// Runs an edit; what was read before it is forgotten unless the end of the group is still to come.
-template<class Edit>
-std::invoke_result_t<Edit> LayerTable::edit(Edit edit) {
-    struct Invalidator {
-        LayerTable& table;
-        ~Invalidator() {
-            if (!table.isInGroup_)
-                table.reader_->invalidate();
-        }
-    };
-    const Invalidator invalidator{*this};
-    return edit();
+    hasUnreadEdits_ = true;
+    editor_->remove(id);
 }
 
 } // namespace orvane::files

@@ -4,7 +4,6 @@
 #include "platform/dp/Table.h"
 
 #include <memory>
-#include <type_traits>
 
 namespace orvane::files {
 
@@ -41,12 +40,15 @@ public:
 
     /// True when the driver, or the permissions of the file, allow no edit at all.
     bool isReadOnly() const override;
-    /// Cursors see the edits of a group when it is committed. Formats without transactions write at once; for
-    /// them rollbackEdits() fails, and what was written stays. Outside a group each edit is committed by
-    /// itself.
+    /// Outside a group each edit is committed by itself. Layers of one file share a group. Files of SQLite's
+    /// are edited in a transaction of theirs, any other in a copy that takes its place.
     void beginEdits() override;
-    void commitEdits() override;
-    void rollbackEdits() override;
+    void prepareEdits() override;
+    void commitEdits() noexcept override;
+    void rollbackEdits() noexcept override;
+    void setSavepoint(int number) override;
+    void releaseSavepoint(int number) override;
+    void rollbackToSavepoint(int number) override;
     /// A valid identifier of the feature is kept where the format allows it.
     dp::FeatureId insertFeature(const dp::Feature& feature) override;
     void updateFeature(const dp::Feature& feature) override;
@@ -54,12 +56,12 @@ public:
     void deleteFeature(const dp::FeatureId& id) override;
 
 private:
-    template<class Edit>
-    std::invoke_result_t<Edit> edit(Edit edit);
+    /// Lets the reader see what was edited since it last read.
+    LayerReader& reader() const;
 
     std::unique_ptr<LayerReader> reader_;
     std::unique_ptr<TableEditor> editor_;
-    bool isInGroup_ = false;
+    mutable bool hasUnreadEdits_ = false;
 };
 
 } // namespace orvane::files

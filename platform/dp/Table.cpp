@@ -55,11 +55,15 @@ std::shared_ptr<cs::CoordSystem> Table::coordSystem() const {
 void Table::beginEdits() {
     raiseReadOnly(*this);
 }
-void Table::commitEdits() {
-    raiseReadOnly(*this);
-}
-void Table::rollbackEdits() {
-    raiseReadOnly(*this);
+void Table::prepareEdits() {}
+void Table::commitEdits() noexcept {}
+void Table::rollbackEdits() noexcept {}
+void Table::setSavepoint(int) {}
+void Table::releaseSavepoint(int) {}
+void Table::rollbackToSavepoint(int) {
+    throw EditError(QCoreApplication::translate("orvane::dp::Table", "таблица %0 не отменяет часть правки")
+                        .arg(name())
+                        .toStdString());
 }
 FeatureId Table::insertFeature(const Feature&) {
     raiseReadOnly(*this);

@@ -48,10 +48,21 @@ public:
     std::shared_ptr<cs::CoordSystem> coordSystem() const;
 
     virtual bool isReadOnly() const { return true; }
-    /// A transaction of the provider around a group of edits. Throws EditError.
+    /// A group of edits: begun, changed, prepared and committed, or rolled back at any moment. The table's
+    /// own cursors that are opened during the group show its edits; after a commit everybody's do. Throws
+    /// EditError, as the others but the last two.
     virtual void beginEdits();
-    virtual void commitEdits();
-    virtual void rollbackEdits();
+    /// Everything of a commit that can fail. commitEdits() or rollbackEdits() comes next.
+    virtual void prepareEdits();
+    virtual void commitEdits() noexcept;
+    virtual void rollbackEdits() noexcept;
+    /// Savepoints within the group bear numbers; a higher one is within a lower one. One that is released
+    /// ends, with those within it. Rolling back to one takes back the edits since and leaves it standing; to
+    /// one that was not set in this group, takes back all of the group. A table that has no savepoints throws
+    /// then, so that the whole transaction is rolled back.
+    virtual void setSavepoint(int number);
+    virtual void releaseSavepoint(int number);
+    virtual void rollbackToSavepoint(int number);
     /// Adds a feature and returns the identifier it got. Throws EditError, as the three below.
     virtual FeatureId insertFeature(const Feature& feature);
     virtual void updateFeature(const Feature& feature);

@@ -35,9 +35,20 @@ public:
     }
 
     void beginEdits() override { before_ = rows_; }
-    void commitEdits() override { before_.clear(); }
-    void rollbackEdits() override {
+    void rollbackEdits() noexcept override {
         rows_ = before_;
+        savepoints_.clear();
+        ++revision_;
+    }
+    void commitEdits() noexcept override { savepoints_.clear(); }
+    void setSavepoint(int number) override { savepoints_[number] = rows_; }
+    void releaseSavepoint(int number) override {
+        savepoints_.erase(savepoints_.lower_bound(number), savepoints_.end());
+    }
+    void rollbackToSavepoint(int number) override {
+        const auto found = savepoints_.find(number);
+        rows_ = found == savepoints_.end() ? before_ : found->second;
+        savepoints_.erase(savepoints_.upper_bound(number), savepoints_.end());
         ++revision_;
     }
     dp::FeatureId insertFeature(const dp::Feature& feature) override {
@@ -112,6 +123,7 @@ private:
 
     std::shared_ptr<const dp::TableSchema> schema_;
     std::map<qint64, Row> rows_, before_;
+    std::map<int, std::map<qint64, Row>> savepoints_;
     std::uint64_t revision_ = 1;
     qint64 nextId_;
 };

@@ -121,18 +121,6 @@ QVariant geometryValue(const Target& target, sqlite3_value* value, engine::Engin
     return QVariant::fromValue(geometry);
 }
 
-/// Runs an edit of the provider; its failures name the table.
-template<class Edit>
-auto inTable(const QString& table, Edit edit) {
-    try {
-        return edit();
-    } catch (const EditError& error) {
-        throw EditError(QCoreApplication::translate("orvane::adaptor", "Таблица %0: %1")
-                            .arg(table, QString::fromUtf8(error.what()))
-                            .toStdString());
-    }
-}
-
 } // namespace
 
 dp::FeatureId TableEdit::featureId(sqlite3_int64 rowNumber) const {

@@ -2,6 +2,8 @@
 
 #include "host/adaptor/tables/VirtualTable.h"
 
+#include <QCoreApplication>
+
 #include <sqlite3.h>
 
 #include <span>
@@ -30,5 +32,17 @@ private:
 
     VirtualTable& table_;
 };
+
+/// Runs an edit of the provider; its failures name the table.
+template<class Edit>
+auto inTable(const QString& table, Edit edit) {
+    try {
+        return edit();
+    } catch (const dp::EditError& error) {
+        throw dp::EditError(QCoreApplication::translate("orvane::adaptor", "Таблица %0: %1")
+                                .arg(table, QString::fromUtf8(error.what()))
+                                .toStdString());
+    }
+}
 
 } // namespace orvane::adaptor

@@ -21,6 +21,7 @@
 #include <algorithm>
 #include <map>
 #include <memory>
+#include <utility>
 
 // The callbacks of SQLite's virtual-table interface, under SQLite's names. They only unpack; the work is done
 // by VirtualTable and VirtualCursor.
@@ -85,6 +86,28 @@ public:
         }
     }
 
+    /// The group of edits of the transaction under way begins with its first edit: SQLite tells of no
+    /// beginning where a table is made inside a transaction, but of the end of each.
+    void beginGroup() {
+        if (!isInGroup_) {
+            inTable(name(), [this] { table().beginEdits(); });
+            isInGroup_ = true;
+        }
+    }
+    void endGroup(void (dp::Table::*end)() noexcept) noexcept {
+        if (std::exchange(isInGroup_, false) && tableOrNull()) {
+            ((*tableOrNull()).*end)();
+        }
+    }
+    /// Runs an operation on a table with a group under way; its failures name the table.
+    template<class Work>
+    int inGroup(Work work) {
+        if (isInGroup_ && tableOrNull()) {
+            inTable(name(), [&] { work(*tableOrNull()); });
+        }
+        return SQLITE_OK;
+    }
+
 private:
     static AttributeIndexing::Stores indexStores(const ModuleContext& context) {
         const auto settings = serviceLocator().find<TypedSettings>();
@@ -98,6 +121,7 @@ private:
     }
 
     ModuleContext& context_;
+    bool isInGroup_ = false;
 };
 
 ModuleTable& tableOf(sqlite3_vtab* table) {
@@ -194,6 +218,7 @@ int xDisconnect(sqlite3_vtab* table) {
     const std::unique_ptr<ModuleTable> owned(&tableOf(table));
     return barrier(&table->zErrMsg, [&] {
         owned->withdraw();
+        owned->endGroup(&dp::Table::rollbackEdits); // the table is dropped inside a transaction
         owned->detach();
         return SQLITE_OK;
     });
@@ -285,6 +310,7 @@ int xUpdate(sqlite3_vtab* table, int argc, sqlite3_value** argv, sqlite3_int64* 
     return barrier(&table->zErrMsg, [&] {
         TableEdit edit(tableOf(table));
         if (argc == 1) {
+            tableOf(table).beginGroup();
             edit.remove(sqlite3_value_int64(argv[0]));
             return SQLITE_OK;
         }
@@ -297,6 +323,7 @@ int xUpdate(sqlite3_vtab* table, int argc, sqlite3_value** argv, sqlite3_int64* 
                 QCoreApplication::translate("orvane::adaptor", "Номера строк назначает таблица")
                     .toStdString());
         }
+        tableOf(table).beginGroup();
         if (isNew) {
             *rowNumber = edit.insert(values);
         } else {
@@ -306,34 +333,48 @@ int xUpdate(sqlite3_vtab* table, int argc, sqlite3_value** argv, sqlite3_int64* 
     });
 }
 
-int xBegin(sqlite3_vtab* table) {
-    return barrier(&table->zErrMsg, [&] {
-        tableOf(table).table().beginEdits();
-        return SQLITE_OK;
-    });
+/// SQLite tells of the other steps of a transaction only where there is this one.
+int xBegin(sqlite3_vtab*) {
+    return SQLITE_OK;
+}
+
+/// The last step that may fail: what the others give back is nothing to SQLite.
+int xSync(sqlite3_vtab* table) {
+    return barrier(&table->zErrMsg,
+                   [&] { return tableOf(table).inGroup([](dp::Table& edited) { edited.prepareEdits(); }); });
 }
 
 int xCommit(sqlite3_vtab* table) {
-    return barrier(&table->zErrMsg, [&] {
-        if (const auto& edited = tableOf(table).tableOrNull()) {
-            edited->commitEdits();
-        }
-        return SQLITE_OK;
-    });
+    tableOf(table).endGroup(&dp::Table::commitEdits);
+    return SQLITE_OK;
 }
 
 int xRollback(sqlite3_vtab* table) {
+    tableOf(table).endGroup(&dp::Table::rollbackEdits);
+    return SQLITE_OK;
+}
+
+int xSavepoint(sqlite3_vtab* table, int number) {
     return barrier(&table->zErrMsg, [&] {
-        if (const auto& edited = tableOf(table).tableOrNull()) {
-            edited->rollbackEdits();
-        }
-        return SQLITE_OK;
+        return tableOf(table).inGroup([number](dp::Table& edited) { edited.setSavepoint(number); });
+    });
+}
+
+int xRelease(sqlite3_vtab* table, int number) {
+    return barrier(&table->zErrMsg, [&] {
+        return tableOf(table).inGroup([number](dp::Table& edited) { edited.releaseSavepoint(number); });
+    });
+}
+
+int xRollbackTo(sqlite3_vtab* table, int number) {
+    return barrier(&table->zErrMsg, [&] {
+        return tableOf(table).inGroup([number](dp::Table& edited) { edited.rollbackToSavepoint(number); });
     });
 }
 
 constexpr sqlite3_module tableModule = [] {
     sqlite3_module module{};
-    module.iVersion = 1;
+    module.iVersion = 2;
     module.xCreate = xCreate;
     module.xConnect = xConnect;
     module.xBestIndex = xBestIndex;
@@ -349,9 +390,13 @@ constexpr sqlite3_module tableModule = [] {
     module.xFindFunction = xFindFunction;
     module.xUpdate = xUpdate;
     module.xBegin = xBegin;
+    module.xSync = xSync;
     module.xCommit = xCommit;
     module.xRollback = xRollback;
     module.xRename = xRename;
+    module.xSavepoint = xSavepoint;
+    module.xRelease = xRelease;
+    module.xRollbackTo = xRollbackTo;
     return module;
 }();
 

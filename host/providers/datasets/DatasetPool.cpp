@@ -1,6 +1,7 @@
 #include "host/providers/datasets/DatasetPool.h"
 
 #include "host/providers/datasets/Archive.h"
+#include "host/providers/datasets/DatasetEdit.h"
 #include "host/providers/datasets/GdalErrors.h"
 
 #include <QFileInfo>
@@ -38,12 +39,17 @@ DatasetPool::Lease::~Lease() {
 
 DatasetPool::Lease& DatasetPool::Lease::operator=(Lease&& other) noexcept {
     std::swap(pool_, other.pool_);
+    std::swap(shared_, other.shared_);
     std::swap(dataset_, other.dataset_);
     std::swap(generation_, other.generation_);
     return *this;
 }
 
 DatasetPool::Lease DatasetPool::acquire() {
+    if (const auto edit = editWithChanges()) {
+        if (auto shared = edit->sharedDataset())
+            return {shared_from_this(), std::move(shared)};
+    }
     std::unique_lock lock(mutex_);
     const unsigned generation = generation_;
     if (!idle_.empty()) {
@@ -52,11 +58,27 @@ DatasetPool::Lease DatasetPool::acquire() {
         return {shared_from_this(), std::move(dataset), generation};
     }
     lock.unlock();
-    return {shared_from_this(), open(GDAL_OF_READONLY), generation};
+    return {shared_from_this(), open(GDAL_OF_READONLY, currentPath()), generation};
 }
 
-DatasetHandle DatasetPool::openForUpdate() const {
-    return open(GDAL_OF_UPDATE);
+std::shared_ptr<DatasetEdit> DatasetPool::editWithChanges() const {
+    const auto edit = edit_.lock();
+    return edit && edit->hasChanges() && !edit->isEnded() ? edit : nullptr;
+}
+
+QByteArray DatasetPool::currentPath() const {
+    const auto edit = editWithChanges();
+    return edit ? edit->path().toUtf8() : source_.path;
+}
+
+std::shared_ptr<DatasetEdit> DatasetPool::edit() {
+    auto edit = edit_.lock();
+    if (!edit || edit->isEnded()) {
+        edit = std::make_shared<DatasetEdit>(*this);
+        edit_ = edit;
+        discardHandles(); // idle ones must not hold the file
+    }
+    return edit;
 }
 
 void DatasetPool::discardHandles() {
@@ -66,11 +88,11 @@ void DatasetPool::discardHandles() {
     discarded.swap(idle_);
 }
 
-DatasetHandle DatasetPool::open(unsigned flags) const {
+DatasetHandle DatasetPool::open(unsigned flags, const QByteArray& path) const {
     const auto drivers = nullTerminated(source_.drivers);
     const auto options = nullTerminated(source_.openOptions);
     const GdalErrorScope errors;
-    DatasetHandle dataset(GDALOpenEx(source_.path.constData(), GDAL_OF_VECTOR | GDAL_OF_VERBOSE_ERROR | flags,
+    DatasetHandle dataset(GDALOpenEx(path.constData(), GDAL_OF_VECTOR | GDAL_OF_VERBOSE_ERROR | flags,
                                      source_.drivers.isEmpty() ? nullptr : drivers.data(), options.data(),
                                      nullptr));
     if (!dataset)

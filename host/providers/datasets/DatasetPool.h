@@ -13,6 +13,8 @@
 
 namespace orvane::files {
 
+class DatasetEdit;
+
 /// Open handles of one file. A handle serves one cursor at a time, for GDAL keeps the state of a scan in it:
 /// a cursor takes one and gives it back. Any thread may use a pool; a handle, the thread that took it.
 class DatasetPool : public std::enable_shared_from_this<DatasetPool> {
@@ -37,11 +39,18 @@ public:
         Lease(Lease&&) = default;
         Lease& operator=(Lease&& other) noexcept;
 
-        GDALDatasetH dataset() const { return dataset_.get(); }
+        /// A handle that shows the changes of a group of edits, and writes them.
+        Lease(std::shared_ptr<DatasetPool> pool, std::shared_ptr<void> shared)
+            : pool_(std::move(pool)), shared_(std::move(shared)) {}
+
+        GDALDatasetH dataset() const { return shared_ ? shared_.get() : dataset_.get(); }
         const DatasetPool& pool() const { return *pool_; }
+        /// Whether others use the handle too: the settings of its layers are not for a scan to change.
+        bool isShared() const { return shared_ != nullptr; }
 
     private:
         std::shared_ptr<DatasetPool> pool_;
+        std::shared_ptr<void> shared_;
         DatasetHandle dataset_;
         unsigned generation_ = 0;
     };
@@ -50,15 +59,20 @@ public:
 
     const Source& source() const { return source_; }
 
-    /// An idle handle, or a new one. Throws std::runtime_error when the file does not open.
+    /// An idle handle, or a new one; while a group of edits has changes, one that shows them. Throws
+    /// std::runtime_error when the file does not open.
     Lease acquire();
-    /// A new handle that allows edits; it does not belong to the pool. Throws as acquire().
-    DatasetHandle openForUpdate() const;
+    /// A new handle that does not belong to the pool, of the file or a copy of it. Throws as acquire().
+    DatasetHandle open(unsigned flags, const QByteArray& path) const;
+    /// The group of edits under way, or else a new one. Throws std::runtime_error.
+    std::shared_ptr<DatasetEdit> edit();
     /// Forgets every handle, for the file has changed: idle ones now, the others when they come back.
     void discardHandles();
 
 private:
-    DatasetHandle open(unsigned flags) const;
+    std::shared_ptr<DatasetEdit> editWithChanges() const;
+    /// Of the file, or the copy that a group of edits has changed.
+    QByteArray currentPath() const;
     [[noreturn]] void raiseUnopened(const QString& reported) const;
     void release(DatasetHandle dataset, unsigned generation);
 
@@ -66,6 +80,7 @@ private:
     std::mutex mutex_;
     std::vector<DatasetHandle> idle_;
     unsigned generation_ = 0;
+    std::weak_ptr<DatasetEdit> edit_;
 };
 
 } // namespace orvane::files

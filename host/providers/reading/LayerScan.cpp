@@ -3,6 +3,7 @@
 #include "host/providers/datasets/Archive.h"
 #include "host/providers/reading/ArrowReader.h"
 #include "host/providers/reading/FeatureReader.h"
+#include "platform/utils/Quoting.h"
 
 #include <algorithm>
 #include <stdexcept>
@@ -65,6 +66,14 @@ bool hasFieldsOf(OGRLayerH layer, const LayerSchema& schema) {
 }
 
 std::unique_ptr<BatchReader> startScan(LayerScan scan) {
+    if (scan.lease.isShared()) {
+        const std::string condition = scan.filter.empty() ? std::string() : " WHERE " + scan.filter;
+        scan.query = std::make_shared<DriverQuery>(
+            scan.lease.dataset(),
+            "SELECT * FROM " + utils::sqlIdentifier(std::string_view(OGR_L_GetName(scan.layer))) + condition);
+        scan.layer = scan.query->layer();
+        scan.filter.clear();
+    }
     prepareLayer(scan);
     if (ArrowReader::suits(scan)) {
         if (auto reader = ArrowReader::start(scan))
@@ -74,7 +83,8 @@ std::unique_ptr<BatchReader> startScan(LayerScan scan) {
 }
 
 std::unique_ptr<BatchReader> startLookup(LayerScan scan, std::vector<std::int64_t> ids) {
-    prepareLayer(scan);
+    if (!scan.lease.isShared())
+        prepareLayer(scan);
     return std::make_unique<FeatureReader>(std::move(scan), std::move(ids));
 }
 

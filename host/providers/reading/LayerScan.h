@@ -2,6 +2,7 @@
 
 #include "host/providers/columns/ColumnBatch.h"
 #include "host/providers/datasets/DatasetPool.h"
+#include "host/providers/datasets/DriverQuery.h"
 #include "host/providers/datasets/GdalErrors.h"
 #include "host/providers/datasets/LayerSchema.h"
 
@@ -17,6 +18,8 @@ struct LayerScan {
 public:
     DatasetPool::Lease lease;
     OGRLayerH layer = nullptr;
+    /// Read instead of a layer whose handle is not ours alone.
+    std::shared_ptr<DriverQuery> query = nullptr;
     std::shared_ptr<const LayerSchema> schema;
     std::vector<const LayerColumn*> columns; ///< of the schema, those that are read
     std::string filter;                      ///< condition in the driver's SQL, empty for all rows

@@ -21,9 +21,12 @@ std::optional<std::int64_t> LayerSource::rowCount() {
         const GdalErrorScope errors;
         const auto lease = pool_->acquire();
         const OGRLayerH layer = findLayer(lease.dataset(), layerIndex_, layerName_);
-        if (layer)
+        if (layer && !lease.isShared())
             OGR_L_SetAttributeFilter(layer, nullptr);
-        rowCount_ = layer ? OGR_L_GetFeatureCount(layer, FALSE) : -1;
+        if (layer && lease.isShared())
+            rowCount_ = countRows(lease.dataset(), layer);
+        else
+            rowCount_ = layer ? OGR_L_GetFeatureCount(layer, FALSE) : -1;
     }
     return *rowCount_ < 0 ? std::nullopt : rowCount_;
 }
@@ -86,7 +89,7 @@ const SqlTraits& LayerSource::sqlTraits() {
 }
 
 LayerScan LayerSource::makeScan(const std::vector<int>& attributes) {
-    LayerScan scan{pool_->acquire(), nullptr, schema_, {}, {}, BATCH_ROWS};
+    LayerScan scan{pool_->acquire(), nullptr, nullptr, schema_, {}, {}, BATCH_ROWS};
     scan.layer = findLayer(scan.lease.dataset(), layerIndex_, layerName_);
     if (!scan.layer || !hasFieldsOf(scan.layer, *schema_))
         throw std::runtime_error(tr("Слой «%1» изменил своё строение, откройте файл заново")

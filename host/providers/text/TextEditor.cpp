@@ -14,26 +14,12 @@
 #include <array>
 #include <cstring>
 
-#include <unistd.h>
-
 namespace orvane::files {
 
 namespace {
 
 QString fileName(const TextTable& table) {
     return pathOnDisk(QString::fromUtf8(table.path()));
-}
-
-/// What fails while a file is read fails the edit.
-template<class Read>
-auto orEditError(Read read) {
-    try {
-        return read();
-    } catch (const dp::EditError&) {
-        throw;
-    } catch (const std::runtime_error& error) {
-        throw dp::EditError(error.what());
-    }
 }
 
 /// The coordinates of a point in the plane; nothing for any other geometry.
@@ -98,41 +84,61 @@ void TextEditor::requireWritable() const {
         throw dp::EditError(tr("Файл «%1» можно только читать").arg(name).toStdString());
 }
 
-void TextEditor::begin() {
-    if (isInGroup_)
-        throw dp::EditError(tr("Правка «%1» уже начата").arg(fileName(*table_)).toStdString());
+/// The group of edits of the one table of the file.
+class TextEditor::Group final : public FileEdit {
+public:
+    explicit Group(TextEditor& editor) : FileEdit(fileName(*editor.table_)), editor_(editor) {
+        makeCopy({path(), besideFile(path(), "csvt"), besideFile(path(), "prj")});
+    }
+    ~Group() override { rollback(); }
+
+private:
+    static QString besideFile(const QString& path, const char* ending) {
+        const QFileInfo file(path);
+        return file.path() + QLatin1Char('/') + file.completeBaseName() + QLatin1Char('.') +
+               QLatin1String(ending);
+    }
+    void writeOut() override { editor_.writeOut(path()); }
+    void reopen() override { editor_.rows_ = editor_.table_->rowCount(); }
+    void close() noexcept override { editor_.forget(); }
+    void abandon() noexcept override { editor_.table_->follow(editor_.table_->path()); }
+    void finish() override {
+        FileEdit::finish();
+        abandon();
+    }
+
+    TextEditor& editor_;
+};
+
+std::shared_ptr<FileEdit> TextEditor::startEdit() {
     requireWritable();
-    rows_ = orEditError([this] { return table_->rowCount(); });
-    revision_ = table_->revision();
-    isInGroup_ = true;
+    const auto revision = table_->revision();
+    rows_ = table_->rowCount();
+    isStale_ = table_->revision() != revision;
+    return std::make_shared<Group>(*this);
 }
 
-void TextEditor::commit() {
-    if (!isInGroup_)
-        return;
-    QSaveFile file(fileName(*table_));
+void TextEditor::writeOut(const QString& path) {
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly))
+        throw dp::EditError(
+            tr("Не удалось записать «%1»: %2").arg(fileName(*table_), file.errorString()).toStdString());
     try {
-        if (!file.open(QIODevice::WriteOnly))
-            throw dp::EditError(
-                tr("Не удалось записать «%1»: %2").arg(file.fileName(), file.errorString()).toStdString());
-        orEditError([&] { write(file); });
-    } catch (const dp::EditError&) {
+        write(file);
+    } catch (...) {
         file.cancelWriting();
-        forget();
         throw;
     }
-    forget();
-    if (!file.flush() || ::fsync(file.handle()) != 0 || !file.commit())
+    if (!file.commit())
         throw dp::EditError(
-            tr("Не удалось записать «%1»: %2").arg(file.fileName(), file.errorString()).toStdString());
-}
-
-void TextEditor::rollback() {
+            tr("Не удалось записать «%1»: %2").arg(fileName(*table_), file.errorString()).toStdString());
     forget();
+    table_->follow(path.toUtf8());
+    rows_ = table_->rowCount();
+    isStale_ = false;
 }
 
 void TextEditor::forget() {
-    isInGroup_ = false;
     insertedRows_ = 0;
     nextChange_ = 0;
     changes_ = {};
@@ -140,25 +146,8 @@ void TextEditor::forget() {
     inserted_ = {};
 }
 
-template<class Edit>
-void TextEditor::inGroup(Edit edit) {
-    if (isInGroup_) {
-        edit();
-        return;
-    }
-    begin();
-    try {
-        edit();
-    } catch (const dp::EditError&) {
-        forget();
-        throw;
-    }
-    commit();
-}
-
 std::int64_t TextEditor::insert(const dp::Feature& feature) {
-    std::int64_t row = 0;
-    inGroup([&] {
+    return inGroup([&] {
         std::vector<Value> values(table_->columns().size());
         for (int position = feature.numAttributes() - 1; position >= 0; --position) { // the geometry first
             if (!feature.getAttribute(position).isNull())
@@ -176,9 +165,8 @@ std::int64_t TextEditor::insert(const dp::Feature& feature) {
         if (inserted_.size() == start) // an empty line is no record
             inserted_ += "\"\"";
         inserted_ += table_->form().lineEnd;
-        row = rows_ + ++insertedRows_;
+        return rows_ + ++insertedRows_;
     });
-    return row;
 }
 
 void TextEditor::update(const dp::Feature& feature, const std::vector<int>& positions) {
@@ -187,14 +175,21 @@ void TextEditor::update(const dp::Feature& feature, const std::vector<int>& posi
         for (const int position : positions)
             forEachColumn(feature, position,
                           [&](int column, const Value& value) { addChange(row, column, value); });
+        return true;
     });
 }
 
 void TextEditor::remove(const dp::FeatureId& id) {
-    inGroup([&] { changes_.push_back({rowOf(id)}); });
+    inGroup([&] {
+        changes_.push_back({rowOf(id)});
+        return true;
+    });
 }
 
 std::int64_t TextEditor::rowOf(const dp::FeatureId& id) const {
+    if (isStale_)
+        throw dp::EditError(
+            tr("Файл «%1» изменила другая программа, повторите правку").arg(fileName(*table_)).toStdString());
     bool isNumber = false;
     const qlonglong row = id.value().toLongLong(&isNumber);
     if (!isNumber || row < 1 || row > rows_ + insertedRows_)
@@ -281,15 +276,9 @@ void TextEditor::write(QIODevice& file) {
     };
     if (!std::is_sorted(changes_.begin(), changes_.end(), isEarlier))
         std::stable_sort(changes_.begin(), changes_.end(), isEarlier);
-    table_->rowCount();
-    if (table_->revision() != revision_)
-        throw dp::EditError(tr("Файл «%1» изменён другой программой, правка не записана")
-                                .arg(fileName(*table_))
-                                .toStdString());
-
     const TextForm& form = table_->form();
     Output output(file, fileName(*table_));
-    RecordReader records(table_->path(), {}, form.separator);
+    RecordReader records(table_->currentPath(), {}, form.separator);
     if (form.hasNames && records.next())
         output.append(records.whole());
     std::int64_t row = 0;

@@ -11,18 +11,14 @@ namespace orvane::files {
 
 class RecordReader;
 
-/// Edits a text table: changes are kept in memory until the end of the group, then the file is written anew
-/// in one pass, with all bytes as they were but those of the changed values. The new file takes the place of
-/// the old one when it is complete.
+/// Edits a text table: changes are kept in memory until somebody wants to read them or the group ends; then a
+/// copy of the file is written anew in one pass, with all bytes as they were but those of the changed values.
 class TextEditor final : public TableEditor {
     Q_DECLARE_TR_FUNCTIONS(orvane::files::TextEditor)
 public:
     explicit TextEditor(std::shared_ptr<TextTable> table) : table_(std::move(table)) {}
 
     bool isReadOnly() override;
-    void begin() override;
-    void commit() override;
-    void rollback() override;
     std::int64_t insert(const dp::Feature& feature) override;
     void update(const dp::Feature& feature, const std::vector<int>& positions) override;
     void remove(const dp::FeatureId& id) override;
@@ -40,10 +36,10 @@ private:
     /// NULL is nothing.
     using Value = std::optional<std::string>;
     class Output;
+    class Group;
 
     void requireWritable() const;
-    template<class Edit>
-    void inGroup(Edit edit);
+    std::shared_ptr<FileEdit> startEdit() override;
     std::int64_t rowOf(const dp::FeatureId& id) const;
     /// Calls `set(column, value)` for an attribute; a geometry may be in two columns.
     template<class Set>
@@ -54,6 +50,8 @@ private:
     void appendValue(int column, const std::optional<std::string_view>& value, bool isQuoted,
                      std::string& text) const;
 
+    /// Writes the file at that path anew with the changes so far.
+    void writeOut(const QString& path);
     void write(QIODevice& file);
     void copyRows(RecordReader& records, std::int64_t& row, Output& output);
     void changeRow(RecordReader& record, const Change* changes, const Change* end, Output& output);
@@ -61,9 +59,8 @@ private:
     void forget();
 
     const std::shared_ptr<TextTable> table_;
-    bool isInGroup_ = false;
     std::int64_t rows_ = 0, insertedRows_ = 0; ///< in the file, and behind them
-    std::uint64_t revision_ = 0;
+    bool isStale_ = false;                     ///< the file has changed since somebody read it
     std::vector<Change> changes_;
     std::size_t nextChange_ = 0; ///< while they are written
     std::string texts_;

@@ -63,7 +63,8 @@ public:
     TextReader(std::shared_ptr<const TextTable> table, std::vector<int> attributes, std::int64_t batchRows,
                std::optional<std::vector<std::int64_t>> ids)
         : table_(std::move(table)), attributes_(std::move(attributes)), batchRows_(batchRows),
-          ids_(std::move(ids)), records_(table_->path(), table_->form().encoding, table_->form().separator) {
+          ids_(std::move(ids)),
+          records_(table_->currentPath(), table_->form().encoding, table_->form().separator) {
         if (table_->form().hasNames)
             records_.next();
     }

@@ -86,7 +86,8 @@ std::optional<TextType> typeNamed(const QByteArray& word) {
 
 } // namespace
 
-TextTable::TextTable(QByteArray path, const QByteArray& encoding) : path_(std::move(path)) {
+TextTable::TextTable(QByteArray path, const QByteArray& encoding)
+    : path_(std::move(path)), currentPath_(path_) {
     stamp_ = stamp();
     if (stamp_.size == 0 && !isInArchive(QString::fromUtf8(path_))) {
         openTextFile(path_); // which knows better where there is none
@@ -146,7 +147,7 @@ void TextTable::findSeparator() {
 }
 
 TextTable::Content TextTable::look() {
-    RecordReader records(path_, form_.encoding, form_.separator, true);
+    RecordReader records(currentPath_, form_.encoding, form_.separator, true);
     Content content;
     if (!records.next())
         raise(tr("в нём нет таблиц"));
@@ -247,7 +248,7 @@ std::int64_t TextTable::rowCount() {
 }
 
 TextTable::Stamp TextTable::stamp() const {
-    const std::filesystem::path path(pathOnDisk(QString::fromUtf8(path_)).toStdU16String());
+    const std::filesystem::path path(pathOnDisk(QString::fromUtf8(currentPath_)).toStdU16String());
     std::error_code error;
     Stamp stamp;
     stamp.size = std::filesystem::file_size(path, error);

@@ -44,6 +44,10 @@ public:
     TextTable(QByteArray path, const QByteArray& encoding);
 
     const QByteArray& path() const { return path_; }
+    /// What is read: the file, or a copy of it that is edited.
+    const QByteArray& currentPath() const { return currentPath_; }
+    /// From the thread that edits.
+    void follow(const QByteArray& path) { currentPath_ = path; }
     const TextForm& form() const { return form_; }
     const std::vector<ColumnForm>& columns() const { return columns_; }
     const TextGeometry& geometry() const { return geometry_; }
@@ -77,6 +81,7 @@ private:
     [[noreturn]] void raise(const QString& reason) const;
 
     const QByteArray path_;
+    QByteArray currentPath_;
     TextForm form_;
     std::vector<ColumnForm> columns_;
     std::vector<std::optional<TextType>> declared_;

@@ -25,7 +25,10 @@ std::unique_ptr<ColumnUpdate> ColumnUpdate::make(GDALDatasetH dataset, OGRLayerH
     if (!database)
         return nullptr;
     std::unique_ptr<ColumnUpdate> update(new ColumnUpdate(database, layer, positions));
-    return update->prepare(schema) ? std::move(update) : nullptr;
+    if (!update->prepare(schema))
+        return nullptr;
+    update->noteChange();
+    return update;
 }
 
 bool ColumnUpdate::prepare(const LayerSchema& schema) {

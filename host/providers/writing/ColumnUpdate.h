@@ -27,8 +27,6 @@ public:
     /// Gives the row the values that the fields of `feature` have. False when there is no such row. Throws
     /// std::runtime_error with SQLite's reason.
     bool write(OGRFeatureH feature, std::int64_t id);
-    /// Notes in the table of contents that the layer has changed, as the format wants it.
-    void noteChange() const;
 
 private:
     struct Finalizer {
@@ -39,6 +37,8 @@ private:
         : database_(database), layer_(layer), positions_(std::move(positions)) {}
     bool prepare(const LayerSchema& schema);
     void bind(int parameter, OGRFeatureH feature, int field);
+    /// Notes in the table of contents that the layer changes, as the format wants it.
+    void noteChange() const;
 
     sqlite3* database_;
     OGRLayerH layer_;

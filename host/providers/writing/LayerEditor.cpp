@@ -18,95 +18,31 @@ namespace {
         (errors.error().isEmpty() ? what : what + QStringLiteral(": ") + errors.error()).toStdString());
 }
 
-/// SQLite would write to the file before the end of a transaction that does not fit its cache, for which
-/// nobody may be reading: but the rows to change come from other handles of ours. What is changed stays in
-/// memory instead until the end, about as much as it takes in the file.
-void keepChangesInMemory(GDALDatasetH dataset) {
-    const char* driver = GDALGetDriverShortName(GDALGetDatasetDriver(dataset));
-    if (!EQUAL(driver, "GPKG") && !EQUAL(driver, "SQLite"))
-        return;
-    const GdalErrorScope errors;
-    // The second keeps the pages that a statement may have to restore from being written for every row.
-    for (const char* pragma : {"PRAGMA cache_spill = OFF", "PRAGMA temp_store = MEMORY"}) {
-        if (const OGRLayerH result = GDALDatasetExecuteSQL(dataset, pragma, nullptr, nullptr))
-            GDALDatasetReleaseResultSet(dataset, result);
-    }
-}
-
 } // namespace
-
-LayerEditor::~LayerEditor() {
-    columnUpdate_.reset();
-    if (hasTransaction_) {
-        const GdalErrorScope errors;
-        GDALDatasetRollbackTransaction(dataset_.get());
-    }
-}
 
 bool LayerEditor::isReadOnly() {
     if (!isReadOnly_) {
         try {
-            open();
-            isReadOnly_ = !OGR_L_TestCapability(layer_, OLCSequentialWrite) &&
-                          !OGR_L_TestCapability(layer_, OLCRandomWrite) &&
-                          !OGR_L_TestCapability(layer_, OLCDeleteFeature);
-            if (!isInGroup_)
-                close();
-        } catch (const dp::EditError&) {
+            requireWritable();
+            const DatasetHandle dataset = pool_->open(GDAL_OF_UPDATE, pool_->source().path);
+            const OGRLayerH layer = findIn(dataset.get());
+            isReadOnly_ = !OGR_L_TestCapability(layer, OLCSequentialWrite) &&
+                          !OGR_L_TestCapability(layer, OLCRandomWrite) &&
+                          !OGR_L_TestCapability(layer, OLCDeleteFeature);
+        } catch (const std::runtime_error&) {
             isReadOnly_ = true;
         }
     }
     return *isReadOnly_;
 }
 
-void LayerEditor::begin() {
-    if (isInGroup_)
-        throw dp::EditError(
-            tr("Правка слоя «%1» уже начата").arg(QString::fromUtf8(layerName_)).toStdString());
-    open();
-    const GdalErrorScope errors;
-    if (GDALDatasetTestCapability(dataset_.get(), ODsCTransactions)) {
-        if (GDALDatasetStartTransaction(dataset_.get(), FALSE) != OGRERR_NONE) {
-            close();
-            raise(tr("Не удалось начать правку слоя «%1»").arg(QString::fromUtf8(layerName_)), errors);
-        }
-        hasTransaction_ = true;
-    }
-    isInGroup_ = true;
-}
-
-void LayerEditor::commit() {
-    if (!isInGroup_)
-        return;
-    const GdalErrorScope errors;
-    if (columnUpdate_)
-        columnUpdate_->noteChange();
-    const bool isDone = !hasTransaction_ || GDALDatasetCommitTransaction(dataset_.get()) == OGRERR_NONE;
-    if (!isDone)
-        GDALDatasetRollbackTransaction(dataset_.get());
-    GDALFlushCache(dataset_.get());
-    close();
-    if (!isDone || !errors.error().isEmpty())
-        raise(tr("Правка слоя «%1» не записана").arg(QString::fromUtf8(layerName_)), errors);
-}
-
-void LayerEditor::rollback() {
-    if (!isInGroup_)
-        return;
-    const GdalErrorScope errors;
-    const bool hadTransaction = hasTransaction_;
-    const bool isDone = hadTransaction && GDALDatasetRollbackTransaction(dataset_.get()) == OGRERR_NONE;
-    close();
-    if (!hadTransaction)
-        throw dp::EditError(tr("Формат слоя «%1» не позволяет отменить правку: записанное осталось")
-                                .arg(QString::fromUtf8(layerName_))
-                                .toStdString());
-    if (!isDone)
-        raise(tr("Не удалось отменить правку слоя «%1»").arg(QString::fromUtf8(layerName_)), errors);
+std::shared_ptr<FileEdit> LayerEditor::startEdit() {
+    requireWritable();
+    return pool_->edit();
 }
 
 std::int64_t LayerEditor::insert(const dp::Feature& feature) {
-    return inGroup([&] {
+    return onLayer([&] {
         requireCapability(OLCSequentialWrite);
         const FeatureHandle target(OGR_F_Create(OGR_L_GetLayerDefn(layer_)));
         bool isNumber = false;
@@ -123,7 +59,7 @@ std::int64_t LayerEditor::insert(const dp::Feature& feature) {
 }
 
 void LayerEditor::update(const dp::Feature& feature, const std::vector<int>& positions) {
-    inGroup([&] {
+    onLayer([&] {
         requireCapability(OLCRandomWrite);
         if (updateColumns(feature, positions))
             return true;
@@ -138,9 +74,10 @@ void LayerEditor::update(const dp::Feature& feature, const std::vector<int>& pos
 }
 
 bool LayerEditor::updateColumns(const dp::Feature& feature, const std::vector<int>& positions) {
-    if (!columnUpdate_ || columnUpdate_->positions() != positions)
-        columnUpdate_ = ColumnUpdate::make(dataset_.get(), layer_, *schema_, positions);
-    if (!columnUpdate_)
+    auto& columnUpdate = target()->columnUpdate;
+    if (!columnUpdate || columnUpdate->positions() != positions)
+        columnUpdate = ColumnUpdate::make(datasetEdit().dataset(), layer_, *schema_, positions);
+    if (!columnUpdate)
         return false;
     const FeatureHandle target(OGR_F_Create(OGR_L_GetLayerDefn(layer_)));
     for (const int position : positions)
@@ -148,7 +85,7 @@ bool LayerEditor::updateColumns(const dp::Feature& feature, const std::vector<in
     const std::int64_t id = idNumber(feature.id());
     bool isThere = false;
     try {
-        isThere = columnUpdate_->write(target.get(), id);
+        isThere = columnUpdate->write(target.get(), id);
     } catch (const std::runtime_error& error) {
         raiseUnwritten(tr("Не удалось изменить запись в «%1»"), QString::fromUtf8(error.what()), feature);
     }
@@ -158,7 +95,7 @@ bool LayerEditor::updateColumns(const dp::Feature& feature, const std::vector<in
 }
 
 void LayerEditor::remove(const dp::FeatureId& id) {
-    inGroup([&] {
+    onLayer([&] {
         requireCapability(OLCDeleteFeature);
         const GdalErrorScope errors;
         const OGRErr code = OGR_L_DeleteFeature(layer_, idNumber(id));
@@ -170,51 +107,38 @@ void LayerEditor::remove(const dp::FeatureId& id) {
     });
 }
 
-void LayerEditor::open() {
-    if (dataset_)
-        return;
+void LayerEditor::requireWritable() const {
     const auto path = QString::fromUtf8(pool_->source().path);
     if (isInArchive(path))
         throw dp::EditError(tr("Архив «%1» можно только читать").arg(pathOnDisk(path)).toStdString());
-    try {
-        dataset_ = pool_->openForUpdate();
-    } catch (const std::runtime_error& error) {
-        throw dp::EditError(error.what());
-    }
-    keepChangesInMemory(dataset_.get());
-    layer_ = findLayer(dataset_.get(), layerIndex_, layerName_);
-    if (!layer_ || !hasFieldsOf(layer_, *schema_)) {
-        close();
+}
+
+OGRLayerH LayerEditor::findIn(GDALDatasetH dataset) const {
+    const OGRLayerH layer = findLayer(dataset, layerIndex_, layerName_);
+    if (!layer || !hasFieldsOf(layer, *schema_))
         throw dp::EditError(tr("Слой «%1» изменил своё строение, откройте файл заново")
                                 .arg(QString::fromUtf8(layerName_))
                                 .toStdString());
-    }
+    return layer;
 }
 
-void LayerEditor::close() {
-    const GdalErrorScope errors;
-    columnUpdate_.reset();
-    layer_ = nullptr;
-    dataset_.reset();
-    isInGroup_ = false;
-    hasTransaction_ = false;
+std::shared_ptr<LayerEditor::Target> LayerEditor::target() {
+    auto target = target_.lock();
+    if (!target) {
+        target = std::make_shared<Target>();
+        target->layer = findIn(datasetEdit().dataset());
+        target_ = target;
+        datasetEdit().hold(target);
+    }
+    return target;
 }
 
 template<class Edit>
-std::invoke_result_t<Edit> LayerEditor::inGroup(Edit edit) {
-    if (isInGroup_)
+std::invoke_result_t<Edit> LayerEditor::onLayer(Edit edit) {
+    return inGroup([&] {
+        layer_ = target()->layer;
         return edit();
-    begin();
-    try {
-        const auto result = edit();
-        commit();
-        return result;
-    } catch (const dp::EditError&) {
-        if (hasTransaction_)
-            rollback();
-        close();
-        throw;
-    }
+    });
 }
 
 void LayerEditor::requireCapability(const char* capability) {

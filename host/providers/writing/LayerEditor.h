@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/providers/datasets/DatasetEdit.h"
 #include "host/providers/datasets/DatasetPool.h"
 #include "host/providers/datasets/LayerSchema.h"
 #include "host/providers/writing/ColumnUpdate.h"
@@ -12,8 +13,7 @@
 
 namespace orvane::files {
 
-/// Writes features to a layer through a handle of its own, which is open from the first edit to the end of
-/// the group.
+/// Writes features to a layer through GDAL.
 class LayerEditor final : public TableEditor {
     Q_DECLARE_TR_FUNCTIONS(orvane::files::LayerEditor)
 public:
@@ -21,21 +21,27 @@ public:
                 std::shared_ptr<const LayerSchema> schema)
         : pool_(std::move(pool)), layerIndex_(layerIndex), layerName_(std::move(layerName)),
           schema_(std::move(schema)) {}
-    ~LayerEditor() override;
 
     bool isReadOnly() override;
-    void begin() override;
-    void commit() override;
-    void rollback() override;
     std::int64_t insert(const dp::Feature& feature) override;
     void update(const dp::Feature& feature, const std::vector<int>& positions) override;
     void remove(const dp::FeatureId& id) override;
 
 private:
-    void open();
-    void close();
+    /// What is used of the dataset that is edited, as long as it is open.
+    struct Target {
+        OGRLayerH layer = nullptr;
+        std::unique_ptr<ColumnUpdate> columnUpdate; ///< the last one
+    };
+
+    void requireWritable() const;
+    OGRLayerH findIn(GDALDatasetH dataset) const;
+    std::shared_ptr<FileEdit> startEdit() override;
+    DatasetEdit& datasetEdit() const { return static_cast<DatasetEdit&>(edit()); }
+    std::shared_ptr<Target> target();
+    /// Runs an edit on the layer.
     template<class Edit>
-    std::invoke_result_t<Edit> inGroup(Edit edit);
+    std::invoke_result_t<Edit> onLayer(Edit edit);
     void requireCapability(const char* capability);
     void setAttribute(OGRFeatureH target, const dp::Feature& feature, int position, bool isNew) const;
     /// Whether the change could be written without reading the whole feature.
@@ -53,11 +59,8 @@ private:
     const QByteArray layerName_;
     std::shared_ptr<const LayerSchema> schema_;
     std::optional<bool> isReadOnly_;
-    DatasetHandle dataset_;
-    OGRLayerH layer_ = nullptr;
-    std::unique_ptr<ColumnUpdate> columnUpdate_; ///< the last one of the group
-    bool isInGroup_ = false;
-    bool hasTransaction_ = false;
+    std::weak_ptr<Target> target_;
+    OGRLayerH layer_ = nullptr; ///< the target's, during an edit
 };
 
 } // namespace orvane::files

@@ -1,0 +1,139 @@
+#include "host/providers/datasets/WorkingCopy.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+
+#include <chrono>
+#include <stdexcept>
+
+#include <unistd.h>
+
+namespace orvane::files {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Texts {
+    Q_DECLARE_TR_FUNCTIONS(orvane::files::WorkingCopy)
+};
+
+fs::path pathOf(const QString& name) {
+    return QFile::encodeName(name).toStdString();
+}
+
+QString textOf(const fs::path& path) {
+    return QFile::decodeName(QByteArray::fromStdString(path.string()));
+}
+
+/// A directory of that name in the one of the copies.
+QString makeDirectory(const ResultDirectory& directory, const char* name) {
+    const QString path = directory.filePath(QString::fromLatin1(name));
+    fs::create_directory(pathOf(path));
+    return path;
+}
+
+/// Copies a file with its permissions and, where the system lets us, its owner.
+void copyFile(const fs::path& from, const fs::path& to) {
+    fs::create_directories(to.parent_path());
+    fs::copy_file(from, to, fs::copy_options::overwrite_existing);
+    const QFileInfo original(textOf(from));
+    [[maybe_unused]] const int ignored = ::chown(to.c_str(), original.ownerId(), original.groupId());
+    // So that the time tells of every later change, however soon it comes.
+    fs::last_write_time(to, fs::last_write_time(to) - std::chrono::hours(24));
+}
+
+/// Whether a path leads out of the directory that it is relative to.
+bool leadsOut(const fs::path& relative) {
+    return relative.empty() || *relative.begin() == "..";
+}
+
+} // namespace
+
+WorkingCopy::WorkingCopy(const QString& path, const QStringList& files)
+    : directory_(ResultDirectory::beside(QFileInfo(path).canonicalFilePath())),
+      copies_(pathOf(makeDirectory(*directory_, "copies"))),
+      exchange_(makeDirectory(*directory_, "replaced")) {
+    const fs::path dataset = fs::canonical(pathOf(path));
+    const bool isDirectory = fs::is_directory(dataset);
+    root_ = isDirectory ? dataset : dataset.parent_path();
+    dataset_ = isDirectory ? fs::path() : dataset.filename();
+    const fs::path given = isDirectory ? pathOf(path) : pathOf(path).parent_path();
+    for (const QString& file : files) {
+        const fs::path original = pathOf(file);
+        const fs::path relative = QFileInfo(file).canonicalFilePath() == textOf(dataset)
+                                      ? dataset_
+                                      : original.lexically_relative(given.empty() ? "." : given);
+        if (leadsOut(relative))
+            throw std::runtime_error(
+                Texts::tr("файл «%1» лежит в другой папке, измените его сам").arg(file).toStdString());
+        if (!fs::is_regular_file(root_ / relative))
+            continue;
+        copyFile(root_ / relative, copies_ / relative);
+        originals_[relative] = stampOf(root_ / relative);
+    }
+    unchanged_ = stampsBelow(copies_);
+}
+
+QString WorkingCopy::path() const {
+    return textOf(dataset_.empty() ? copies_ : copies_ / dataset_);
+}
+
+fs::path WorkingCopy::savedRoot(int savepoint) const {
+    return pathOf(directory_->filePath(QStringLiteral("savepoint-%1").arg(savepoint)));
+}
+
+void WorkingCopy::save(int savepoint) {
+    fs::remove_all(savedRoot(savepoint));
+    fs::copy(copies_, savedRoot(savepoint), fs::copy_options::recursive);
+}
+
+void WorkingCopy::restore(int savepoint) {
+    fs::remove_all(copies_);
+    fs::copy(savedRoot(savepoint), copies_, fs::copy_options::recursive);
+}
+
+WorkingCopy::Stamp WorkingCopy::stampOf(const fs::path& file) {
+    return {fs::file_size(file), fs::last_write_time(file)};
+}
+
+WorkingCopy::Stamps WorkingCopy::stampsBelow(const fs::path& root) {
+    Stamps stamps;
+    for (const auto& entry : fs::recursive_directory_iterator(root)) {
+        if (entry.is_regular_file())
+            stamps[entry.path().lexically_relative(root)] = stampOf(entry.path());
+    }
+    return stamps;
+}
+
+void WorkingCopy::publish() {
+    for (const auto& [file, stamp] : originals_) {
+        std::error_code error;
+        if (!fs::exists(root_ / file, error) || stampOf(root_ / file) != stamp)
+            throw std::runtime_error(Texts::tr("файл «%1» тем временем изменила другая программа")
+                                         .arg(textOf(root_ / file))
+                                         .toStdString());
+    }
+    const Stamps finished = stampsBelow(copies_);
+    try {
+        for (const auto& [file, stamp] : finished) {
+            const auto before = unchanged_.find(file);
+            if (before == unchanged_.end() || before->second != stamp)
+                exchange_.put(copies_ / file, root_ / file, originals_.count(file) != 0);
+        }
+        for (const auto& [file, stamp] : originals_) {
+            if (finished.count(file) == 0)
+                exchange_.remove(root_ / file);
+        }
+    } catch (...) {
+        exchange_.undo();
+        throw;
+    }
+}
+
+void WorkingCopy::unpublish() noexcept {
+    exchange_.undo();
+}
+
+} // namespace orvane::files
