@@ -221,6 +221,7 @@ TEST(TextTables, KeepTheirValuesTypesAndBytesWhenEdited) {
                 table->updateAttributes(changes, positions);
             }
         }
+        table->prepareEdits();
         table->commitEdits();
         for (std::size_t row = original; row-- > 0;) {
             if (isGone[row])
