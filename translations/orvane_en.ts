@@ -334,6 +334,10 @@
 <context>
     <name>orvane::files::FileSource</name>
     <message>
+        <source>«%1» не называет своей кодировки, похоже на %2; другая называется так: «%1|encoding=windows-1251»</source>
+        <translation>&quot;%1&quot; does not name its character set, it looks like %2; another one is named so: &quot;%1|encoding=windows-1251&quot;</translation>
+    </message>
+    <message>
         <source>В «%1» нет слоя «%2», есть: %3</source>
         <translation>&quot;%1&quot; has no layer &quot;%2&quot;; there are: %3</translation>
     </message>

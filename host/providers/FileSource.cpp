@@ -2,11 +2,13 @@
 
 #include "host/providers/datasets/Archive.h"
 #include "host/providers/datasets/DatasetPool.h"
+#include "host/providers/datasets/DbfEncoding.h"
 #include "host/providers/datasets/GdalErrors.h"
 #include "host/providers/datasets/GdalHandles.h"
 #include "host/providers/datasets/LayerSchema.h"
 #include "host/providers/text/TextEditor.h"
 #include "host/providers/text/TextSource.h"
+#include "platform/log/Logger.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -74,10 +76,18 @@ void openTextTable(const QString& path, const SourceName& source, Opened& opened
 
 void openLayers(const SourceName& source, Opened& opened) {
     QList<QByteArray> options;
-    if (!source.encoding.isEmpty())
-        options.append("ENCODING=" + source.encoding.toUtf8());
-    const auto pool = std::make_shared<DatasetPool>(
-        DatasetPool::Source{pathForGdal(source.path).toUtf8(), {}, std::move(options)});
+    const QString path = pathForGdal(source.path);
+    QByteArray encoding = source.encoding.toUtf8();
+    if (encoding.isEmpty() && !(encoding = encodingOfDbf(path)).isEmpty())
+        loggerInstance()->write(
+            LogLevel::Warning, QStringLiteral("FileSource"), __LINE__, QString::fromLatin1(__func__),
+            Texts::tr("«%1» не называет своей кодировки, похоже на %2; другая называется так: "
+                      "«%1|encoding=windows-1251»")
+                .arg(source.path, QString::fromLatin1(encoding)));
+    if (!encoding.isEmpty())
+        options.append("ENCODING=" + encoding);
+    const auto pool =
+        std::make_shared<DatasetPool>(DatasetPool::Source{path.toUtf8(), {}, std::move(options)});
     const auto lease = pool->acquire();
     const GdalErrorScope errors;
     for (int i = 0; i < GDALDatasetGetLayerCount(lease.dataset()); ++i) {

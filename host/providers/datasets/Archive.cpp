@@ -37,19 +37,24 @@ QString pathForGdal(const QString& path) {
     return isArchive(path) ? PREFIX + QFileInfo(path).absoluteFilePath() : path;
 }
 
-QStringList textTablesIn(const QString& archive) {
+QStringList filesIn(const QString& gdalPath) {
     QStringList paths;
-    if (!isArchive(archive))
-        return paths;
     const GdalErrorScope errors;
-    const QString root = pathForGdal(archive);
-    const std::unique_ptr<char*, ListDestroyer> entries(VSIReadDirRecursive(root.toUtf8().constData()));
+    const std::unique_ptr<char*, ListDestroyer> entries(VSIReadDirRecursive(gdalPath.toUtf8().constData()));
     for (int i = 0; i < CSLCount(entries.get()); ++i) {
         const auto entry = QString::fromUtf8(entries.get()[i]);
-        if (isTextTableName(entry) && !isByproduct(entry))
-            paths.append(root + QLatin1Char('/') + entry);
+        if (!isByproduct(entry))
+            paths.append(gdalPath + QLatin1Char('/') + entry);
     }
     std::sort(paths.begin(), paths.end());
+    return paths;
+}
+
+QStringList textTablesIn(const QString& archive) {
+    QStringList paths = isArchive(archive) ? filesIn(pathForGdal(archive)) : QStringList();
+    paths.erase(std::remove_if(paths.begin(), paths.end(),
+                               [](const QString& path) { return !isTextTableName(path); }),
+                paths.end());
     return paths;
 }
 

@@ -11,6 +11,9 @@ namespace orvane::files {
 bool isArchive(const QString& path);
 /// GDAL's path of an archive, or of any other file the path itself.
 QString pathForGdal(const QString& path);
+/// GDAL's paths of the files in an archive or a directory, in the order of their names, without what other
+/// systems put beside them.
+QStringList filesIn(const QString& gdalPath);
 /// GDAL's paths of the text tables (.csv, .tsv, .psv) in an archive, in the order of their names.
 QStringList textTablesIn(const QString& archive);
 bool isTextTableName(const QString& path);

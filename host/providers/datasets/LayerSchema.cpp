@@ -68,10 +68,16 @@ FieldType fieldType(OGRFieldDefnH field) {
     }
 }
 
+/// Whether the system has no place on the Earth: drivers make such ones up where the file names none.
+bool saysNothing(OGRSpatialReferenceH reference) {
+    const char* name = OSRGetName(reference);
+    return OSRIsLocal(reference) != 0 || (name && EQUAL(name, "Undefined geographic SRS")); // of GeoPackage
+}
+
 } // namespace
 
 std::shared_ptr<cs::CoordSystem> coordSystemOf(OGRSpatialReferenceH reference) {
-    if (!reference)
+    if (!reference || saysNothing(reference))
         return nullptr;
     const auto* factory = cs::CoordSysFactory::defaultCoordSysFactory();
     const char* authority = OSRGetAuthorityName(reference, nullptr);

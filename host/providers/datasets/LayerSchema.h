@@ -45,7 +45,8 @@ struct LayerSchema {
 /// text. Date-times are given as the file writes them: an offset from UTC is not kept.
 LayerSchema describeLayer(OGRLayerH layer);
 
-/// Null for a null reference, and for one that PROJ does not understand.
+/// Null for a null reference, for one without a place on the Earth (local, engineering, "undefined"), and for
+/// one that PROJ does not understand.
 std::shared_ptr<cs::CoordSystem> coordSystemOf(OGRSpatialReferenceH reference);
 
 /// Names that SQL can tell apart: surrounding blanks and control characters are removed, an empty name

@@ -5,8 +5,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+
+#include <sqlite3.h>
 
 #include <random>
 
@@ -167,22 +170,70 @@ TEST_F(OpenFile, characterSetsOfTexts) {
     EXPECT_NE(failure(path + QStringLiteral("|encoding=klingon")), "");
 }
 
-TEST_F(OpenFile, shapefileInWindows1251) {
-    const auto path = directory_.filePath(QStringLiteral("Города.shp"));
-    {
-        const auto dataset = createDataset({"ESRI Shapefile", "shp"}, path);
-        const char* const options[] = {"ENCODING=CP1251", nullptr};
-        auto* layer = dataset->CreateLayer("Города", nullptr, wkbPoint, const_cast<char**>(options));
-        OGRFieldDefn field("имя", OFTString);
-        layer->CreateField(&field);
-        OGRFeature feature(layer->GetLayerDefn());
-        feature.SetField(0, "Москва");
-        ASSERT_EQ(layer->CreateFeature(&feature), OGRERR_NONE);
+TEST_F(OpenFile, characterSetsOfShapefiles) {
+    struct Case {
+        const char* encoding;
+        const char* text;
+        int language; ///< byte 29 of the .dbf file in place of the names of the character set; -1 to keep
+                      ///< them
+    };
+    const Case cases[] = {{"CP1251", "Москва", -1}, {"CP1251", "Москва", 0},  {"CP1251", "Ёлка-57", 0x57},
+                          {"CP866", "Москва", 0},   {"UTF-8", "Москва 😀", 0}, {"CP1252", "Größe", 0},
+                          {"CP1252", "Größe", 0x57}};
+    for (const Case& given : cases) {
+        const auto path = directory_.filePath(QStringLiteral("Города.shp"));
+        {
+            const auto dataset = createDataset({"ESRI Shapefile", "shp"}, path);
+            const std::string option = std::string("ENCODING=") + given.encoding;
+            const char* const options[] = {option.c_str(), nullptr};
+            auto* layer = dataset->CreateLayer("Города", nullptr, wkbPoint, const_cast<char**>(options));
+            OGRFieldDefn field(given.text, OFTString);
+            layer->CreateField(&field);
+            OGRFeature feature(layer->GetLayerDefn());
+            feature.SetField(0, given.text);
+            ASSERT_EQ(layer->CreateFeature(&feature), OGRERR_NONE);
+        }
+        if (given.language >= 0) {
+            QFile::remove(directory_.filePath(QStringLiteral("Города.cpg")));
+            QFile table(directory_.filePath(QStringLiteral("Города.dbf")));
+            ASSERT_TRUE(table.open(QIODevice::ReadWrite) && table.seek(29));
+            table.putChar(static_cast<char>(given.language));
+        }
+        const auto table = openFile(path).front();
+        EXPECT_EQ(names(*table).front(), QString::fromUtf8(given.text));
+        EXPECT_EQ(readRows(*table, everything(*table)), (Rows{{std::string("t:") + given.text, "NULL"}}))
+            << given.encoding << given.language;
+        for (const auto& part : QDir(directory_.path()).entryList(QDir::Files))
+            QFile::remove(directory_.filePath(part));
     }
-    const auto table = openFile(path).front();
-    EXPECT_EQ(table->name(), QStringLiteral("Города"));
-    EXPECT_EQ(names(*table).front(), QStringLiteral("имя"));
-    EXPECT_EQ(readRows(*table, everything(*table)), (Rows{{"t:Москва", "NULL"}}));
+}
+
+TEST_F(OpenFile, aSystemThatSaysNothingIsNone) {
+    const auto path = directory_.filePath(QStringLiteral("s.gpkg"));
+    const std::pair<const char*, int> cases[] = {{"", 0},
+                                                 {"EPSG:4326", 4326},
+                                                 {"LOCAL_CS[\"unnamed\",UNIT[\"metre\",1]]", 0},
+                                                 {"ENGCRS[\"Plan\",EDATUM[\"\"],CS[Cartesian,2],AXIS[\"x\","
+                                                  "east],AXIS[\"y\",north],LENGTHUNIT[\"m\",1]]",
+                                                  0}};
+    for (const auto& [definition, epsg] : cases) {
+        QFile::remove(path);
+        OGRSpatialReference reference;
+        reference.SetFromUserInput(definition);
+        createDataset({"GPKG", "gpkg"}, path)
+            ->CreateLayer("s", *definition ? &reference : nullptr, wkbPoint, nullptr);
+        const auto system = openFile(path).front()->coordSystem();
+        EXPECT_EQ(system ? system->epsg() : 0, epsg) << definition;
+        EXPECT_EQ(system == nullptr, epsg == 0) << definition;
+    }
+    sqlite3* database = nullptr;
+    ASSERT_EQ(sqlite3_open(path.toUtf8().constData(), &database), SQLITE_OK);
+    for (const int id : {0, -1}) {
+        const auto update = "Update gpkg_geometry_columns Set srs_id=" + std::to_string(id);
+        EXPECT_EQ(sqlite3_exec(database, update.c_str(), nullptr, nullptr, nullptr), SQLITE_OK);
+        EXPECT_FALSE(openFile(path).front()->coordSystem()) << id;
+    }
+    sqlite3_close(database);
 }
 
 TEST_F(OpenFile, layersOfOneFileAndTheirNames) {
