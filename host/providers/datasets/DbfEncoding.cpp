@@ -32,7 +32,7 @@ QByteArray tablePath(const QByteArray& name) {
 struct Counts {
     int wellFormed = 0, illFormed = 0; ///< characters outside ASCII, as UTF-8
     int high = 0, inner = 0;           ///< bytes above 0x7F, and those between two such
-    int only1251 = 0, only866 = 0;     ///< letters in one of the two
+    int lower = 0, upper = 0;          ///< most letters of CP866, and of CP1251
 };
 
 Counts countBytes(const QByteArray& bytes) {
@@ -50,8 +50,8 @@ Counts countBytes(const QByteArray& bytes) {
             continue;
         ++counts.high;
         counts.inner += at != begin && at[-1] >= 0x80 && at + 1 != end && at[1] >= 0x80;
-        counts.only866 += *at < 0xB0;
-        counts.only1251 += (*at >= 0xC0 && *at < 0xE0) || *at >= 0xF2;
+        counts.lower += *at < 0xB0;
+        counts.upper += *at >= 0xC0;
     }
     return counts;
 }
@@ -90,7 +90,7 @@ QByteArray encodingOfDbf(const QString& path) {
     if (counts.wellFormed > 9 * counts.illFormed) // a text that was cut off may end in half a character
         return "UTF-8";
     if (4 * counts.inner > counts.high) // whole words: no Latin alphabet with some accents
-        return counts.only866 > counts.only1251 ? "CP866" : "CP1251";
+        return counts.lower > counts.upper ? "CP866" : "CP1251";
     return driver == ANSI ? "" : "CP1252";
 }
 
