@@ -334,6 +334,14 @@
 <context>
     <name>orvane::files::FileSource</name>
     <message>
+        <source>Не удалось открыть слой «%1» в «%2»</source>
+        <translation>Cannot open the layer &quot;%1&quot; in &quot;%2&quot;</translation>
+    </message>
+    <message>
+        <source>Не удалось открыть «%1»: столбцов %2, а в таблице их не больше %3</source>
+        <translation>Cannot open &quot;%1&quot;: it has %2 columns, a table has %3 at most</translation>
+    </message>
+    <message>
         <source>«%1» не называет своей кодировки, похоже на %2; другая называется так: «%1|encoding=windows-1251»</source>
         <translation>&quot;%1&quot; does not name its character set, it looks like %2; another one is named so: &quot;%1|encoding=windows-1251&quot;</translation>
     </message>

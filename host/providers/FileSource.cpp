@@ -89,13 +89,18 @@ void openLayers(const SourceName& source, Opened& opened) {
     const auto pool =
         std::make_shared<DatasetPool>(DatasetPool::Source{path.toUtf8(), {}, std::move(options)});
     const auto lease = pool->acquire();
-    const GdalErrorScope errors;
     for (int i = 0; i < GDALDatasetGetLayerCount(lease.dataset()); ++i) {
+        const GdalErrorScope errors;
         const OGRLayerH layer = GDALDatasetGetLayer(lease.dataset(), i);
         const QByteArray name(layer ? OGR_L_GetName(layer) : "");
-        if (layer && opened.add(QString::fromUtf8(name), source))
-            opened.tables.push_back(LayerTable::ofLayer(tableName(opened.layers.last(), source.path), pool, i,
-                                                        name, describeLayer(layer)));
+        if (!layer || !opened.add(QString::fromUtf8(name), source))
+            continue;
+        auto schema = describeLayer(layer);
+        if (schema.columns.empty()) // as of a VRT layer whose source does not open
+            errors.raiseIfFailed(
+                Texts::tr("Не удалось открыть слой «%1» в «%2»").arg(opened.layers.last(), source.path));
+        opened.tables.push_back(LayerTable::ofLayer(tableName(opened.layers.last(), source.path), pool, i,
+                                                    name, std::move(schema)));
     }
 }
 
@@ -134,6 +139,20 @@ Opened openAll(const SourceName& source) {
                                  .toStdString());
 }
 
+/// Refuses a table that the engine could not show.
+void requireFewColumns(const LayerTable& table, const QString& path) {
+    constexpr int most = 1998; // SQLite's 2,000 but for the geometry and the style
+    const auto schema = table.schema();
+    const int count = schema->numAttributes() - (schema->geometryIndex() >= 0 ? 1 : 0);
+    if (count > most)
+        throw std::runtime_error(
+            Texts::tr("Не удалось открыть «%1»: столбцов %2, а в таблице их не больше %3")
+                .arg(path)
+                .arg(count)
+                .arg(most)
+                .toStdString());
+}
+
 } // namespace
 
 std::vector<std::shared_ptr<LayerTable>> openFile(const QString& source, const OpenOptions& options) {
@@ -146,6 +165,8 @@ std::vector<std::shared_ptr<LayerTable>> openFile(const QString& source, const O
         throw std::runtime_error(Texts::tr("В «%1» нет таблиц").arg(name.path).toStdString());
     if (opened.tables.empty())
         raiseNoSuchLayer(name, opened.layers);
+    for (const auto& table : opened.tables)
+        requireFewColumns(*table, name.path);
     return opened.tables;
 }
 

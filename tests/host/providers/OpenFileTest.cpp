@@ -267,9 +267,19 @@ TEST_F(OpenFile, whatDoesNotOpenSaysWhy) {
         {write("empty.csv", ""), "файл пуст"},
         {write("broken.geojson", "{\"type\":\"FeatureColl"), "в нём нет таблиц в известном формате"},
         {write("text.zip", "no archive"), "в нём нет таблиц в известном формате"},
-        {directory_.path(), "в нём нет таблиц в известном формате"}};
+        {directory_.path(), "в нём нет таблиц в известном формате"},
+        {write("wide.csv", QByteArray("a,").repeated(1998) + "z"),
+         "столбцов 1999, а в таблице их не больше 1998"}};
     for (const auto& [path, reason] : cases)
         EXPECT_EQ(failure(path), "Не удалось открыть «" + path.toStdString() + "»: " + reason);
+    const auto vrt = write("v.vrt", "<OGRVRTDataSource><OGRVRTLayer name=\"pw\"><SrcDataSource>absent.csv"
+                                    "</SrcDataSource></OGRVRTLayer></OGRVRTDataSource>");
+    EXPECT_THAT(failure(vrt), testing::AllOf(testing::HasSubstr("v.vrt"), testing::HasSubstr("absent.csv")));
+    const std::pair<const char*, const char*> broken[] = {
+        {"a,b\n1,2\n\"3,4\n", "кавычка в строке 3 не закрыта"}, {"\n\n", "в нём нет таблиц"}};
+    for (const auto& [text, reason] : broken)
+        EXPECT_THAT(failure(write("broken.csv", text)),
+                    testing::HasSubstr(std::string("broken.csv»: ") + reason));
 }
 
 TEST_F(OpenFile, archivesNeedNotBeUnpacked) {
