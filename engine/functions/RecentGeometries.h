@@ -31,6 +31,8 @@ public:
     std::shared_ptr<const geometry::Geometry> get(EngineCache& cache, std::string_view blob,
                                                   const std::shared_ptr<cs::CoordSystem>& target);
 
+    void clear();
+
 private:
     struct Entry {
         std::uint64_t seen = 0; ///< hash of the bytes met last
@@ -46,7 +48,6 @@ private:
     /// The entry that holds the blob with its geometry; null when it is not kept (yet).
     Entry* find(EngineCache& cache, std::string_view blob,
                 std::shared_ptr<const geometry::Geometry>& geometry);
-    void clear();
 
     std::array<Entry, entryCount> entries_;
     std::size_t bytes_ = 0;

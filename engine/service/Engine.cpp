@@ -1,5 +1,6 @@
 #include <orvane/Engine.h>
 
+#include "engine/functions/RecentGeometries.h"
 #include "engine/service/EngineInternal.h"
 
 #include "platform/core/Core.h"
@@ -86,6 +87,7 @@ void Engine::registerExtension(geometry::ResemblanceExtension* extension) {
 
 void Engine::clearCache() {
     internal_->clear();
+    engine::RecentGeometries::ofThread().clear();
 }
 
 void Engine::loadDatabaseModule(const char* path) {

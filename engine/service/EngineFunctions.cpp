@@ -6,7 +6,6 @@
 #include <QSqlQuery>
 
 #include <map>
-#include <vector>
 
 namespace orvane {
 
@@ -14,28 +13,14 @@ namespace {
 
 using TypeMasks = QFlags<sql::FunctionInfo::TypeMask>;
 
-constexpr int typeShift = 10; ///< bits 0 to 9 hold the code of a function, bits 10 to 13 its types
 constexpr int operatorBits = 44;
-
-/// One word per dialect function: its code and its types.
-const std::vector<quint16>& functionTypeTable() {
-    static const std::vector<quint16> table = [] {
-        std::vector<quint16> words;
-        for (const sql::FunctionInfo& info : sql::functionInfos()) {
-            words.push_back(static_cast<quint16>(static_cast<int>(info.code) | info.types << typeShift));
-        }
-        return words;
-    }();
-    return table;
-}
 
 } // namespace
 
 std::set<QString, engine::caseInsensitiveLess> Engine::functionSet(TypeMasks mask) const {
     std::map<QString, TypeMasks, engine::caseInsensitiveLess> types;
-    for (const quint16 word : functionTypeTable()) {
-        const auto code = static_cast<sql::FunctionName>(word & ((1 << typeShift) - 1));
-        types[QString::fromUtf8(sql::FunctionNameInfo::name(code))] = TypeMasks(word >> typeShift);
+    for (const sql::FunctionInfo& info : sql::functionInfos()) {
+        types[QString::fromUtf8(info.name)] = TypeMasks(info.types);
     }
     std::set<QString, engine::caseInsensitiveLess> names;
     QSqlQuery query(QStringLiteral("Pragma function_list;"), internal_->database());

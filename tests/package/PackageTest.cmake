@@ -2,7 +2,7 @@
 
 set(prefix "${WORK_DIR}/prefix")
 set(build "${WORK_DIR}/embed")
-file(REMOVE_RECURSE "${prefix}" "${build}")
+file(REMOVE_RECURSE "${prefix}" "${build}" "${WORK_DIR}/headers")
 
 # run(OUTPUT command...): stops at a failure.
 function(run output)
@@ -28,6 +28,12 @@ run(log "${CMAKE_COMMAND}" --install "${BUILD_DIR}" --prefix "${prefix}")
 run(log "${CMAKE_COMMAND}" -S "${SOURCE_DIR}/examples/embed" -B "${build}" -G Ninja "-DCMAKE_PREFIX_PATH=${prefix}"
     "-DCMAKE_CXX_COMPILER=${COMPILER}" "-DCMAKE_CXX_COMPILER_LAUNCHER=${LAUNCHER}" "-DCMAKE_CXX_FLAGS=${flags}")
 run(log "${CMAKE_COMMAND}" --build "${build}")
+
+# Every installed header compiles alone.
+run(log "${CMAKE_COMMAND}" -S "${SOURCE_DIR}/tests/package/headers" -B "${WORK_DIR}/headers" -G Ninja
+    "-DCMAKE_PREFIX_PATH=${prefix}" "-DCMAKE_CXX_COMPILER=${COMPILER}" "-DCMAKE_CXX_COMPILER_LAUNCHER=${LAUNCHER}"
+    "-DCMAKE_CXX_FLAGS=${flags}")
+run(log "${CMAKE_COMMAND}" --build "${WORK_DIR}/headers")
 
 set(data "${SOURCE_DIR}/examples/data")
 expect(embed [[
