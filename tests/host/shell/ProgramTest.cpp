@@ -117,6 +117,31 @@ TEST(Program, opensOneLayerUnderAnotherName) {
     EXPECT_EQ(answer.output, "n\n177\n") << answer.errors;
 }
 
+TEST(Program, takesNamesOfTablesAndColumnsAsTheyAre) {
+    const QTemporaryDir directory;
+    QStringList arguments{QStringLiteral("-F"), QStringLiteral("csv"), QStringLiteral("--no-header")};
+    QStringList statements;
+    for (const char* text :
+         {"roads.v2", "plan [2020]", "main.x", "[z]", "\"q\"", "o'k", "x]y", "Ключ.1", "100%1"}) {
+        const QString name = QString::fromUtf8(text);
+        const QString path = directory.filePath(name + QStringLiteral(".csv"));
+        writeFile(path, "Area [m2],b.c\n40,2\n");
+        arguments << path;
+        statements << QStringLiteral("Select \"Area [m2]\" + \"b.c\" From \"%0\"")
+                          .arg(QString(name).replace(QLatin1Char('"'), QLatin1String("\"\"")));
+    }
+    arguments << QStringLiteral("-t") << QStringLiteral("temp.cities=") + exampleFile("cities.shp");
+    statements << QStringLiteral("Select Count(*) From \"temp.cities\"")
+               << QStringLiteral("Select 42 As \"e.f\" Into \"c.d\"")
+               << QStringLiteral("Select \"e.f\" From \"c.d\"");
+    for (const QString& statement : statements)
+        arguments << QStringLiteral("-c") << statement;
+    const Answer answer = runProgram(arguments);
+    EXPECT_THAT(answer.output, StartsWith("42\n42\n42\n42\n42\n42\n42\n42\n42\n4442\n"));
+    EXPECT_THAT(answer.output, testing::EndsWith("42\n"));
+    EXPECT_EQ(answer.errors, "");
+}
+
 TEST(Program, timesEachStatementOnStandardError) {
     const Answer answer = ask("--timing -F csv", "Select name_long From countries; Select 1 Where 0");
     const std::string times =
