@@ -61,6 +61,9 @@ Place<double> placeAmongReals(const Cell& number) {
         return {number.real(), number.real()};
     }
     const auto nearest = static_cast<double>(number.integer());
+    if (std::abs(nearest) < 0x1p53) {
+        return {nearest, nearest};
+    }
     const int order = compareNumbers(number, Cell::ofReal(nearest));
     return {order < 0 ? before(nearest) : nearest, order > 0 ? after(nearest) : nearest};
 }
@@ -128,6 +131,10 @@ Condition::TextTest textTestOf(Comparison comparison) {
     }
 }
 
+bool isWithNull(const ScanTerm& term) {
+    return isNull(cellOf(term.operands.front()));
+}
+
 } // namespace
 
 void Condition::acceptNothing() {
@@ -151,13 +158,12 @@ void Condition::assign(const ScanTerm& term, const std::shared_ptr<const TextCom
         locale_ = locale;
     }
     const Comparison comparison = term.comparison;
-    const bool isWithNull = term.operands.size() == 1 && isNull(cellOf(term.operands.front()));
     const bool isNegated = comparison == Comparison::IsNot || comparison == Comparison::IsNotNull;
     const bool isPattern = comparison == Comparison::Like || comparison == Comparison::Glob;
     isNullTest_ = comparison == Comparison::IsNull || comparison == Comparison::IsNotNull ||
-                  (isWithNull && (comparison == Comparison::Is || comparison == Comparison::IsNot));
+                  ((comparison == Comparison::Is || comparison == Comparison::IsNot) && isWithNull(term));
     acceptsNull_ = isNullTest_ != isNegated;
-    if (isNullTest_ ? isNegated : isPattern && !isWithNull) {
+    if (isNullTest_ ? isNegated : isPattern && !isWithNull(term)) {
         acceptEveryValue();
     } else if (!isNullTest_) {
         compareWith(term);
@@ -195,8 +201,21 @@ void Condition::compareWith(const ScanTerm& term) {
         acceptsOthers_ = true;
     }
     if (texts > 1 && textTest_ == TextTest::Listed) {
-        std::sort(texts_.begin(), texts_.end(),
-                  [this](const std::string& a, const std::string& b) { return compare(a, b) < 0; });
+        arrangeList();
+    }
+}
+
+void Condition::arrangeList() {
+    std::sort(texts_.begin(), texts_.end(),
+              [this](const std::string& a, const std::string& b) { return compare(a, b) < 0; });
+    keys_.clear();
+    haveAllKeys_ = collation_ == TextCollation::Locale;
+    for (std::size_t i = 0; collation_ == TextCollation::Locale && i < texts_.size(); ++i) {
+        const bool hasKey = locale_->plainKey(texts_[i], key_);
+        haveAllKeys_ = haveAllKeys_ && hasKey;
+        if (hasKey) {
+            keys_.insert(key_);
+        }
     }
 }
 
@@ -204,10 +223,19 @@ bool Condition::isListed(std::string_view text) const {
     if (texts_.size() == 1) {
         return compare(text, texts_.front()) == 0;
     }
-    const auto found =
-        std::lower_bound(texts_.begin(), texts_.end(), text,
-                         [this](std::string_view a, std::string_view b) { return compare(a, b) < 0; });
-    return found != texts_.end() && compare(*found, text) == 0;
+    if (collation_ == TextCollation::Binary) {
+        return std::binary_search(texts_.begin(), texts_.end(), text);
+    }
+    if (!keys_.empty() && locale_->plainKey(text, key_)) {
+        if (keys_.count(key_) != 0) {
+            return true;
+        }
+        if (haveAllKeys_) {
+            return false;
+        }
+    }
+    return std::binary_search(texts_.begin(), texts_.end(), text,
+                              [this](std::string_view a, std::string_view b) { return compare(a, b) < 0; });
 }
 
 bool Condition::accepts(std::string_view text) const {

@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 namespace orvane::dp {
@@ -23,7 +24,7 @@ struct Range {
 /// What a term demands of a value, as SQLite compares the two, in a form that a loop tests quickly. A number
 /// and a number, a text and a text get SQLite's own answer. What SQLite converts before it compares - a
 /// number and a text, bytes - passes, and so does whatever a pattern might match: that is for SQLite to
-/// judge.
+/// judge. Used from one thread at a time.
 class ORVANE_PLATFORM_EXPORT Condition {
 public:
     enum class TextTest : std::uint8_t {
@@ -89,6 +90,7 @@ private:
     void acceptNothing();
     void acceptEveryValue();
     void compareWith(const ScanTerm& term);
+    void arrangeList();
     bool isListed(std::string_view text) const;
     int compare(std::string_view a, std::string_view b) const {
         return compareTexts(a, b, collation_, locale_.get());
@@ -97,6 +99,9 @@ private:
     std::vector<Range<std::int64_t>> integers_;
     std::vector<Range<double>> reals_;
     std::vector<std::string> texts_;
+    std::unordered_set<std::string> keys_; ///< of the texts that the locale gives one
+    bool haveAllKeys_ = false;             ///< the texts
+    mutable std::string key_;              ///< of a text that is tested, reused
     std::shared_ptr<const TextComparison> locale_;
     TextCollation collation_ = TextCollation::Binary;
     TextTest textTest_ = TextTest::None;

@@ -5,6 +5,7 @@
 #include "platform/dp/ScanRequest.h"
 
 #include <cmath>
+#include <string>
 #include <string_view>
 
 namespace orvane::dp {
@@ -38,6 +39,9 @@ public:
 
     /// Negative, zero or positive.
     virtual int compare(std::string_view a, std::string_view b) const = 0;
+    /// Stores a key that two texts have in common when they are equal; false for a text that has none, which
+    /// only comparing tells equal.
+    virtual bool plainKey(std::string_view text, std::string& key) const = 0;
 };
 
 /// Three-way comparison of two texts. `locale` may be null unless the collation is Locale.

@@ -29,7 +29,7 @@ public:
 
     /// Stores the ranks of a text that is all plain characters, none of them zero, else returns false. Two
     /// such texts are equal when their ranks are, and ordered as their ranks are.
-    bool plainKey(std::string_view text, std::string& key) const {
+    bool plainKey(std::string_view text, std::string& key) const override {
         key.clear();
         return appendPlainKey(text, key);
     }
