@@ -2,6 +2,7 @@
 
 #include "host/adaptor/explaining/ScanReport.h"
 #include "host/adaptor/indices/Costs.h"
+#include "host/adaptor/planning/ScanEstimate.h"
 #include "host/adaptor/planning/ScanPlan.h"
 #include "host/adaptor/rows/ArrangedRows.h"
 #include "host/adaptor/tables/VirtualTable.h"
@@ -19,17 +20,6 @@ namespace {
 using dp::Comparison;
 using Kind = TableDeclaration::Kind;
 
-/// Rows of a table whose size nobody knows.
-constexpr double assumedRows = 100'000;
-/// The look-ups that share what making an index costs, while there is none yet: a few look-ups in a large
-/// table are dear, so what one scan of it finds comes first.
-constexpr double assumedLookups = 10'000;
-/// Up to so many rows an index is asked how many a condition finds.
-constexpr std::size_t mostCounted = 1000;
-/// Rows that share one value, in a table of any size.
-constexpr double assumedGroup = 25;
-/// The share of a layer that stands in a relation to one geometry.
-constexpr double relatedShare = 0.01;
 /// Up to this size, rows are put in order in memory; texts and geometries above ByteArena::heapBytes
 /// go to a file.
 constexpr double mostOrderedBytes = 256 << 20;
@@ -85,22 +75,6 @@ const char* operatorText(unsigned char operation) {
     }
 }
 
-/// The share of rows that a term lets pass, as far as nothing is known of the values.
-double selectivity(Comparison comparison) {
-    switch (comparison) {
-    case Comparison::Equal:
-    case Comparison::Is:
-    case Comparison::IsNull: return 0.05;
-    case Comparison::In: return 0.2;
-    case Comparison::Like:
-    case Comparison::Glob: return 0.1;
-    case Comparison::NotEqual:
-    case Comparison::IsNot:
-    case Comparison::IsNotNull: return 0.9;
-    default: return 0.33;
-    }
-}
-
 /// The value as a cell that shows it.
 dp::Cell cellOf(sqlite3_value* value) {
     switch (sqlite3_value_type(value)) {
@@ -119,10 +93,7 @@ class Planner {
 public:
     Planner(const VirtualTable& table, sqlite3_index_info& info)
         : virtual_(table), indexing_(table.indexing()), table_(table.table()),
-          declaration_(table.declaration()), info_(info),
-          rows_(std::max(1.0, static_cast<double>(
-                                  table_.featureCount().value_or(static_cast<std::int64_t>(assumedRows))))),
-          passing_(rows_), scanned_(rows_) {
+          declaration_(table.declaration()), info_(info), estimate_(table_, indexing_) {
         plan_.columnsUsed = info.colUsed;
     }
 
@@ -176,7 +147,7 @@ private:
         } else if (constraint(i).op == SQLITE_INDEX_CONSTRAINT_OFFSET) {
             offset_ = i;
         } else if (column < 0) {
-            rowNumber_ = comparison && isEquality(*comparison) ? i : rowNumber_;
+            rowNumber_ = comparison && ScanEstimate::isEquality(*comparison) ? i : rowNumber_;
         } else if (constraint(i).op >= SQLITE_INDEX_CONSTRAINT_FUNCTION) {
             relation_ = column == declaration_.geometryColumn() ? i : relation_;
         } else if (column >= 0 && comparison) {
@@ -245,31 +216,11 @@ private:
                                     (comparison != Comparison::NotEqual && comparison != Comparison::IsNot);
         const bool hasOperand = !nullTest && comparison != Comparison::In;
         const auto operand = hasOperand ? constantOperand(i) : std::nullopt;
-        const bool isText = column.kind == Kind::Text;
         const bool isOwnKind = operand && column.comparesAsIs(operand->type());
         hasOpenOperand_ = hasOpenOperand_ || (hasOperand && !operand);
         hand(i, nullTest || (isOwnKind && knownCollation));
         plan_.terms.push_back({constraint(i).iColumn, comparison, *collation});
-        const bool isServed = indexing_.isOn() && AttributeIndexing::serves(column, *collation, rows_);
-        // Texts that a file keeps apart may be equal under the collation, so only numbers are known to be
-        // unique.
-        const bool findsOne = isEquality(comparison) && column.unique && column.kind == Kind::Number;
-        const double share = findsOne                ? 1 / rows_
-                             : isServed && isOwnKind ? shareByIndex(column, comparison, *operand)
-                                                     : shareOf(column, comparison);
-        passing_ *= share;
-        unique_ = unique_ || findsOne;
-        if (isEquality(comparison) && isServed && (!operand || indexing_.averageGroup(column.attribute))) {
-            expectLookups(column); // at once, or soon: a join that repeats the scan gets its index
-        }
-        filterCost_ = std::max(filterCost_, isText ? cost::textTest : cost::numberTest);
-        if (table_.usesTerm(column.attribute, comparison, *collation)) {
-            scanned_ *= share;
-        }
-    }
-
-    static bool isEquality(Comparison comparison) {
-        return comparison == Comparison::Equal || comparison == Comparison::Is;
+        estimate_.takeTerm(column, comparison, *collation, operand);
     }
 
     /// SQLite matches the pattern once more; the scan only finds the rows that begin as it does.
@@ -277,58 +228,20 @@ private:
         const auto operand = constantOperand(i);
         const bool isText = operand && operand->type() == dp::CellType::Text;
         if (!column.isLocaleText() || (isText && !isLookedUp(comparison, *operand))) {
-            filterCost_ = cost::patternTest;
-            passing_ *= selectivity(comparison);
+            estimate_.takeUnservedPattern(comparison);
             return;
         }
         hand(i, false);
         plan_.terms.push_back({constraint(i).iColumn, comparison, column.collation});
         hasOpenOperand_ = hasOpenOperand_ || !operand;
-        const bool isServed = indexing_.isOn() && AttributeIndexing::serves(column, column.collation, rows_);
-        passing_ *= isServed && isText ? shareByIndex(column, comparison, *operand) : selectivity(comparison);
-        if (isServed && !operand) {
-            expectLookups(column);
-        }
-        filterCost_ = cost::patternTest;
-    }
-
-    void expectLookups(const TableDeclaration::Column& column) {
-        looksUp_ = true;
-        hasIndex_ = hasIndex_ || indexing_.averageGroup(column.attribute);
-        makingCost_ =
-            std::max(makingCost_, column.kind == Kind::Number ? cost::indexedNumber : cost::indexedText);
-    }
-
-    /// The share of rows that a term lets pass whose operand is known.
-    double shareByIndex(const TableDeclaration::Column& column, Comparison comparison,
-                        const dp::Cell& operand) {
-        if (isEquality(comparison) || comparison == Comparison::NotEqual || comparison == Comparison::IsNot) {
-            return shareOf(column, comparison);
-        }
-        const auto count = indexing_.countRows(column.attribute, comparison, operand, mostCounted);
-        if (!count || *count >= mostCounted) {
-            return selectivity(comparison);
-        }
-        expectLookups(column);
-        return std::max(*count, 1.0) / rows_;
-    }
-
-    /// What an attribute index knows of the values, else a guess.
-    double shareOf(const TableDeclaration::Column& column, Comparison comparison) const {
-        if (!isEquality(comparison)) {
-            return selectivity(comparison);
-        }
-        if (const auto group = indexing_.averageGroup(column.attribute)) {
-            return *group / rows_;
-        }
-        return std::min(selectivity(comparison), assumedGroup / rows_);
+        estimate_.takePattern(column, comparison, operand);
     }
 
     /// A scan that leaves rows out would number those that it reads before the others.
     void noteRowNumbers() {
         for (int i = 0; i < info_.nConstraint; ++i) {
             const auto comparison = comparisonOf(constraint(i).op);
-            if (constraint(i).iColumn < 0 && comparison && !isEquality(*comparison)) {
+            if (constraint(i).iColumn < 0 && comparison && !ScanEstimate::isEquality(*comparison)) {
                 plan_.rowNumber = ScanPlan::RowNumber::Other;
             }
         }
@@ -341,9 +254,7 @@ private:
         const bool list = sqlite3_vtab_in(&info_, rowNumber_, 1) != 0;
         hand(rowNumber_, false);
         plan_.rowNumber = list ? ScanPlan::RowNumber::In : ScanPlan::RowNumber::Equal;
-        passing_ = std::min(passing_, list ? 25.0 : 1.0);
-        fetches_ = true;
-        unique_ = unique_ || !list;
+        estimate_.takeRowNumbers(list);
         hasOpenOperand_ = true;
     }
 
@@ -356,8 +267,7 @@ private:
             static_cast<SpatialRelation>(constraint(relation_).op - SQLITE_INDEX_CONSTRAINT_FUNCTION);
         hand(relation_, true);
         hasOpenOperand_ = true;
-        passing_ = std::max(1.0, passing_ * relatedShare);
-        fetches_ = true;
+        estimate_.takeRelation();
     }
 
     /// A limit counts rows of the result. They are rows of the scan only when nothing sorts or drops rows
@@ -401,7 +311,7 @@ private:
     ScanPlan::Ordering chooseOrdering() const {
         using Ordering = ScanPlan::Ordering;
         if (sqlite3_vtab_distinct(&info_) > 0) {
-            return limit_ < 0 && isArrangeable(rows_) ? Ordering::InMemory : Ordering::None;
+            return limit_ < 0 && isArrangeable(estimate_.tableRows()) ? Ordering::InMemory : Ordering::None;
         }
         const int position = plan_.order.front().column;
         const int attribute = declaration_.columns()[static_cast<std::size_t>(position)].attribute;
@@ -419,10 +329,11 @@ private:
     /// Whether rows that agree in the first column of the order are few enough to be fetched one by one and
     /// put in order by the others: their number is that of the largest such group, since it may come first.
     bool sortsLittle(int attribute) const {
-        const double group = indexing_.largestGroup(attribute).value_or(rows_);
+        const double group = indexing_.largestGroup(attribute).value_or(estimate_.tableRows());
         const double wanted = constantNumber(limit_) + constantNumber(offset_);
         const double fetching = (wanted + group) * cost::foundRow;
-        return fetching < rows_ * (cost::handedRow + cost::sortedRow) && isArrangeable(wanted + group);
+        return fetching < estimate_.tableRows() * (cost::handedRow + cost::sortedRow) &&
+               isArrangeable(wanted + group);
     }
 
     /// 0 where the value is not known yet.
@@ -452,7 +363,7 @@ private:
     }
 
     void store() {
-        const double expected = std::max(1.0, passing_);
+        const double expected = estimate_.expectedRows();
         if (recorder_) {
             planned_.table = virtual_.name();
             planned_.tableRows = static_cast<double>(table_.featureCount().value_or(0));
@@ -467,19 +378,9 @@ private:
         std::memcpy(info_.idxStr, text.c_str(), text.size() + 1);
         info_.needToFreeIdxStr = 1;
         info_.estimatedRows = static_cast<sqlite3_int64>(expected);
-        info_.estimatedCost = 1 + expected + findingCost() / cost::handedRow; // SQLite reckons in rows
-        info_.idxFlags = unique_ ? SQLITE_INDEX_SCAN_UNIQUE : 0;
-    }
-
-    /// What finding the rows costs besides handing them on.
-    double findingCost() const {
-        const double fetching = passing_ * (cost::foundRow - cost::handedRow);
-        const double scanning = scanned_ * filterCost_;
-        if (fetches_) {
-            return fetching;
-        }
-        const double making = hasIndex_ ? 0 : rows_ * makingCost_ / assumedLookups;
-        return looksUp_ ? std::min(scanning, fetching + making) : scanning;
+        info_.estimatedCost =
+            1 + expected + estimate_.findingCost() / cost::handedRow; // SQLite reckons in rows
+        info_.idxFlags = estimate_.isUnique() ? SQLITE_INDEX_SCAN_UNIQUE : 0;
     }
 
     const VirtualTable& virtual_;
@@ -490,16 +391,8 @@ private:
     ScanPlan plan_;
     ScanRecorder* const recorder_ = ScanRecorder::current();
     PlannedScan planned_; ///< kept for the recorder only
-    const double rows_;
-    double passing_; ///< rows that the terms let pass
-    double scanned_; ///< rows that have to be read for it
-    bool unique_ = false;
+    ScanEstimate estimate_;
     bool hasOpenOperand_ = false; ///< some operand is known only when the scan starts
-    bool looksUp_ = false;        ///< an attribute index answers
-    bool hasIndex_ = false;       ///< and is there already
-    bool fetches_ = false;        ///< the rows are known by their identifiers
-    double makingCost_ = 0;       ///< of an index, for each row
-    double filterCost_ = 0;       ///< of each row that is scanned
     int arguments_ = 0;
     int conditions_ = 0; ///< constraints on columns, taken over or not
     int limit_ = -1;

@@ -137,6 +137,54 @@ TEST_F(CatalogueTest, RowNumbersFindRowsThatNobodyHasRead) {
     }
 }
 
+/// Whatever a statement reads a table for: an error in the middle of it is the statement's.
+TEST_F(CatalogueTest, AReadErrorEndsTheStatement) {
+    struct Torn : MemoryTable {
+        struct Rows : dp::Cursor {
+            explicit Rows(std::unique_ptr<dp::Cursor> whole) : whole_(std::move(whole)) {}
+            bool next() override {
+                if (++row_ > 300) {
+                    throw std::runtime_error("torn page");
+                }
+                return whole_->next();
+            }
+            dp::Cell cell(int attribute) override { return whole_->cell(attribute); }
+            dp::FeatureId featureId() override { return whole_->featureId(); }
+
+            std::unique_ptr<dp::Cursor> whole_;
+            int row_ = 0;
+        };
+        using MemoryTable::MemoryTable;
+        std::unique_ptr<dp::Cursor> openCursor(const dp::ScanRequest& request) override {
+            return std::make_unique<Rows>(MemoryTable::openCursor(request));
+        }
+    };
+    std::vector<MemoryTable::Row> rows;
+    for (int i = 0; i < 600; ++i) {
+        rows.push_back({i, i % 7, QByteArray()});
+    }
+    const auto geometry =
+        dp::AttributeDefinitionPointer(new dp::GeometryAttributeDefinition(QStringLiteral("place"), nullptr));
+    catalog().add(std::make_shared<Torn>(
+        QStringLiteral("torn"),
+        QVector{attribute("number", QMetaType::Int), attribute("kind", QMetaType::Int), geometry}, rows));
+    openTowns();
+    for (const char* sql :
+         {"Select Count(number) From torn", "Select number From torn Where number = 599",
+          "Select number From torn Order By kind", "Select kind, Count(*) From torn Group By kind",
+          "Select Distinct kind From torn", "Select Max(number) From torn",
+          "Select Count(number) From torn Where rowid > 100",
+          "Select Count(number) From torn Where rowid = 1000000000",
+          "Select Count(*) From towns a Left Join torn b On a.people = b.number",
+          "Select Count(*) From towns Where Exists (Select 1 From torn Where number = people)",
+          "Select Count(*) From towns Where people In (Select number From torn)",
+          "Select Count(*) From torn Where "
+          "ST_Intersects(cd750f8a9a2b4fac9b9b05eb53795d97, MakePoint(1, 2, 4326))",
+          "Update torn Set kind = 1 Where number > 400", "Delete From torn Where number > 400"}) {
+        EXPECT_THAT(ask(sql), HasSubstr("torn page")) << sql;
+    }
+}
+
 TEST_F(CatalogueTest, TablesComeAndGoWithTheirObjects) {
     openTowns("Города 2024");
     EXPECT_EQ(ask("Select Count(*) From \"Города 2024\""), "5");

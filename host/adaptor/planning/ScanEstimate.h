@@ -1,0 +1,61 @@
+#pragma once
+
+#include "host/adaptor/indices/AttributeIndexing.h"
+
+#include "platform/dp/Table.h"
+
+#include <algorithm>
+#include <optional>
+
+namespace orvane::adaptor {
+
+/// How many rows a scan finds and what finding them costs, as one condition after the other is taken over.
+/// Conditions count as independent of each other.
+class ScanEstimate {
+public:
+    using Operand = std::optional<dp::Cell>; ///< nothing where it is known only when the scan starts
+
+    /// Whether the comparison finds the rows of one value.
+    static bool isEquality(dp::Comparison comparison) {
+        return comparison == dp::Comparison::Equal || comparison == dp::Comparison::Is;
+    }
+
+    ScanEstimate(const dp::Table& table, const AttributeIndexing& indexing);
+
+    void takeTerm(const TableDeclaration::Column& column, dp::Comparison comparison,
+                  dp::TextCollation collation, const Operand& operand);
+    /// A pattern that an attribute index may look up, or that SQLite alone matches.
+    void takePattern(const TableDeclaration::Column& column, dp::Comparison comparison,
+                     const Operand& pattern);
+    void takeUnservedPattern(dp::Comparison comparison);
+    void takeRowNumbers(bool isList);
+    void takeRelation();
+
+    /// Rows of the table.
+    double tableRows() const { return rows_; }
+    double expectedRows() const { return std::max(1.0, passing_); }
+    /// Whether at most one row is found.
+    bool isUnique() const { return isUnique_; }
+    /// What finding the rows costs besides handing them on, in nanoseconds.
+    double findingCost() const;
+
+private:
+    double shareByIndex(const TableDeclaration::Column& column, dp::Comparison comparison,
+                        const dp::Cell& operand);
+    double shareOf(const TableDeclaration::Column& column, dp::Comparison comparison) const;
+    void expectLookups(const TableDeclaration::Column& column);
+
+    const dp::Table& table_;
+    const AttributeIndexing& indexing_;
+    const double rows_;
+    double passing_; ///< rows that the conditions let pass
+    double scanned_; ///< rows that have to be read for it
+    bool isUnique_ = false;
+    bool looksUp_ = false;  ///< an attribute index answers
+    bool hasIndex_ = false; ///< and is there already
+    bool fetches_ = false;  ///< the rows are known by their identifiers
+    double makingCost_ = 0; ///< of an index, for each row
+    double filterCost_ = 0; ///< of each row that is scanned
+};
+
+} // namespace orvane::adaptor
