@@ -25,8 +25,7 @@ public:
         starts_.pop_back();
     }
 
-    /// The numbers of the keys, which count from 0, in order; those of equal keys ascending. Throws
-    /// work::Cancelled.
+    /// The numbers of the keys, which count from 0, in order; equal keys in any. Throws work::Cancelled.
     std::vector<std::uint32_t> sort(const work::Cancellation& cancellation) const;
 
 private:
@@ -39,7 +38,6 @@ private:
 
     std::string_view key(std::uint32_t number) const;
     void sortFrom(Items items, std::size_t depth, const work::Cancellation& cancellation) const;
-    void sortRest(Items items, std::size_t depth, const work::Cancellation& cancellation) const;
 
     std::string bytes_;
     std::vector<std::size_t> starts_;
