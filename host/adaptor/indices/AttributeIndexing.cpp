@@ -147,15 +147,12 @@ bool AttributeIndexing::narrows(Comparison comparison, std::string_view pattern)
     return indices && indices->narrows(operationOf(comparison), pattern);
 }
 
-bool AttributeIndexing::isUpToDate(const EngineIndices& store) const {
-    return known_ == &store && revision_ == table_->revision();
-}
-
 void AttributeIndexing::follow(EngineIndices& store) {
-    if (!isUpToDate(store)) { // a store that was another table's holds what that one left there
+    const std::uint64_t revision = table_->revision();
+    if (known_ != &store || revision_ != revision) { // the store may have been another table's
         forget();
         store.dropStorage();
-        revision_ = table_->revision();
+        revision_ = revision;
         known_ = &store;
     }
 }
@@ -275,16 +272,15 @@ std::unique_ptr<dp::Cursor> AttributeIndexing::openInOrder(const std::vector<int
                                                            std::vector<ArrangedRows::Key> keys,
                                                            const work::Cancellation& cancellation) {
     const int attribute = keys.front().attribute;
-    const int index = indexOn(attribute);
-    if (index < 0) {
+    if (!hasOrder(attribute)) {
         return nullptr;
     }
     using Order = EngineIndices::RowOrder;
     use_ = {};
     use_.attributes = &spent_.try_emplace({attribute}).first->first;
     use_.outcome = IndexUse::Outcome::Used;
-    auto rows =
-        store()->getLookup(index, {}, keys.front().isDescending ? Order::Descending : Order::Ascending);
+    auto rows = store()->getLookup(indexOn(attribute), {},
+                                   keys.front().isDescending ? Order::Descending : Order::Ascending);
     return std::make_unique<IndexOrderCursor>(table_, cache_, std::move(rows), attributes, std::move(keys),
                                               cancellation);
 }
@@ -333,7 +329,7 @@ bool AttributeIndexing::collect(EngineIndices::RowLookup& rowLookup, const Terms
 
 int AttributeIndexing::indexOn(int attribute) const {
     const EngineIndices* indices = store();
-    return indices && isUpToDate(*indices) ? findIndex({attribute}, *indices) : -1;
+    return indices && indices == known_ ? findIndex({attribute}, *indices) : -1;
 }
 
 std::optional<double> AttributeIndexing::averageGroup(int attribute) const {

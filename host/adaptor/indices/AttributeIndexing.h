@@ -61,7 +61,7 @@ public:
                                                    const work::Cancellation& cancellation);
 
     /// Whether an index holds the rows of the table as it is now in the order of the attribute.
-    bool hasOrder(int attribute) const { return indexOn(attribute) >= 0; }
+    bool hasOrder(int attribute) const { return indexOn(attribute) >= 0 && revision_ == table_->revision(); }
     /// The rows in the order of the keys; null when no index has that of the first.
     std::unique_ptr<dp::Cursor> openInOrder(const std::vector<int>& attributes,
                                             std::vector<ArrangedRows::Key> keys,
@@ -113,10 +113,9 @@ private:
              const work::Cancellation& cancellation);
     /// The table's store; null when no index is made, and for a closed table.
     engine::EngineIndices* store() const { return table_ && stores_ ? stores_(table_) : nullptr; }
-    /// Whether what the store holds is of the table as it is now.
-    bool isUpToDate(const engine::EngineIndices& store) const;
     void follow(engine::EngineIndices& store);
-    /// The index that begins with the attribute; -1 when there is none.
+    /// The index that begins with the attribute, of the table as it was when it was asked last; -1 when there
+    /// is none.
     int indexOn(int attribute) const;
     /// Runs the look-up for every combination of the operands of In lists; false when more than `most` rows
     /// were found.
