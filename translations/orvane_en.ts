@@ -361,26 +361,6 @@
         <translation>The archive &quot;%1&quot; can only be read</translation>
     </message>
     <message>
-        <source>Правка слоя «%1» уже начата</source>
-        <translation>An edit of the layer &quot;%1&quot; has begun already</translation>
-    </message>
-    <message>
-        <source>Не удалось начать правку слоя «%1»</source>
-        <translation>Cannot begin to edit the layer &quot;%1&quot;</translation>
-    </message>
-    <message>
-        <source>Правка слоя «%1» не записана</source>
-        <translation>The edit of the layer &quot;%1&quot; was not written</translation>
-    </message>
-    <message>
-        <source>Формат слоя «%1» не позволяет отменить правку: записанное осталось</source>
-        <translation>The format of the layer &quot;%1&quot; cannot undo an edit: what was written stays</translation>
-    </message>
-    <message>
-        <source>Не удалось отменить правку слоя «%1»</source>
-        <translation>Cannot undo the edit of the layer &quot;%1&quot;</translation>
-    </message>
-    <message>
         <source>Не удалось добавить запись в «%1»</source>
         <translation>Cannot add a feature to &quot;%1&quot;</translation>
     </message>
@@ -515,6 +495,10 @@
 <context>
     <name>orvane::files::RecordReader</name>
     <message>
+        <source>«%1»: %2</source>
+        <translation>&quot;%1&quot;: %2</translation>
+    </message>
+    <message>
         <source>Неизвестная кодировка «%1»</source>
         <translation>Unknown character set &quot;%1&quot;</translation>
     </message>
@@ -554,10 +538,6 @@
         <translation>The file &quot;%1&quot; can only be read</translation>
     </message>
     <message>
-        <source>Правка «%1» уже начата</source>
-        <translation>An edit of &quot;%1&quot; has begun already</translation>
-    </message>
-    <message>
         <source>Не удалось записать «%1»: %2</source>
         <translation>Cannot write &quot;%1&quot;: %2</translation>
     </message>
@@ -566,16 +546,16 @@
         <translation>&quot;%1&quot; has no record %2</translation>
     </message>
     <message>
-        <source>Файл «%1» изменён другой программой, правка не записана</source>
-        <translation>The file &quot;%1&quot; was changed by another program, the edit is not written</translation>
-    </message>
-    <message>
         <source>В «%1» нет имён столбцов: без числа в первой строке она была бы принята за них</source>
         <translation>&quot;%1&quot; has no names of columns: without a number in the first line it would be taken for them</translation>
     </message>
 </context>
 <context>
     <name>orvane::files::TextTable</name>
+    <message>
+        <source>«%1»: %2</source>
+        <translation>&quot;%1&quot;: %2</translation>
+    </message>
     <message>
         <source>Не удалось открыть «%1»: файл пуст</source>
         <translation>Cannot open &quot;%1&quot;: the file is empty</translation>

@@ -42,4 +42,13 @@ ColumnChunk ColumnBuilder::finish() && {
     return chunk;
 }
 
+bool BatchBuilder::finish(ColumnBatch& batch) && {
+    batch.rows = rows_;
+    batch.fids = std::move(fids_).finish();
+    batch.columns.clear();
+    for (auto& column : columns)
+        batch.columns.push_back(std::move(column).finish());
+    return rows_ > 0;
+}
+
 } // namespace orvane::files

@@ -90,4 +90,33 @@ private:
     std::shared_ptr<Storage> storage_;
 };
 
+/// Grows a batch row by row: each column gets a value, then the row ends.
+class BatchBuilder {
+public:
+    explicit BatchBuilder(const std::vector<ColumnKind>& kinds) : columns(kinds.begin(), kinds.end()) {}
+
+    /// Whether there is room for a row among so many: a batch ends early when its texts and geometries reach
+    /// 64 MB, far below the 2 GB that offsets can count.
+    bool takesRow(std::int64_t mostRows) const {
+        constexpr std::size_t mostBytes = std::size_t{64} << 20;
+        return rows_ < mostRows && bytes_ < mostBytes;
+    }
+    void endRow(std::int64_t id) {
+        fids_.append(id);
+        ++rows_;
+        bytes_ = 0;
+        for (const auto& column : columns)
+            bytes_ += column.dataSize();
+    }
+    /// False when the batch has no row.
+    bool finish(ColumnBatch& batch) &&;
+
+    std::vector<ColumnBuilder> columns;
+
+private:
+    ColumnBuilder fids_{ColumnKind::Int64};
+    std::int64_t rows_ = 0;
+    std::size_t bytes_ = 0;
+};
+
 } // namespace orvane::files

@@ -13,10 +13,6 @@ namespace orvane::files {
 
 namespace {
 
-/// A batch ends early when its texts and geometries reach this size, far below the 2 GB that offsets can
-/// count.
-constexpr std::size_t MAX_BATCH_BYTES = std::size_t{64} << 20;
-
 using Reading = LayerColumn::Reading;
 
 void appendTime(OGRFeatureH feature, const LayerColumn& column, ColumnBuilder& builder) {
@@ -126,32 +122,21 @@ bool FeatureReader::next(ColumnBatch& batch) {
     if (isAtEnd_)
         return false;
     const GdalErrorScope errors;
-    ColumnBuilder fids(ColumnKind::Int64);
-    std::vector<ColumnBuilder> builders;
+    std::vector<ColumnKind> kinds;
     for (const auto* column : scan_.columns)
-        builders.emplace_back(builtKind(*column));
-
-    std::size_t bytes = 0;
-    batch.rows = 0;
-    while (batch.rows < scan_.batchRows && bytes < MAX_BATCH_BYTES) {
+        kinds.push_back(builtKind(*column));
+    BatchBuilder builder(kinds);
+    while (builder.takesRow(scan_.batchRows)) {
         const auto feature = nextFeature(errors);
         if (!feature) {
             isAtEnd_ = true;
             break;
         }
-        fids.append(std::int64_t{OGR_F_GetFID(feature.get())});
-        bytes = 0;
-        for (std::size_t i = 0; i < builders.size(); ++i) {
-            appendValue(feature.get(), *scan_.columns[i], builders[i]);
-            bytes += builders[i].dataSize();
-        }
-        ++batch.rows;
+        for (std::size_t i = 0; i < scan_.columns.size(); ++i)
+            appendValue(feature.get(), *scan_.columns[i], builder.columns[i]);
+        builder.endRow(OGR_F_GetFID(feature.get()));
     }
-    batch.fids = std::move(fids).finish();
-    batch.columns.clear();
-    for (auto& builder : builders)
-        batch.columns.push_back(std::move(builder).finish());
-    return batch.rows > 0;
+    return std::move(builder).finish(batch);
 }
 
 } // namespace orvane::files

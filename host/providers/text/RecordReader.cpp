@@ -213,8 +213,7 @@ QByteArray RecordReader::readChunk() {
 }
 
 void RecordReader::raise(const QString& reason) const {
-    throw std::runtime_error(
-        QStringLiteral("«%1»: %2").arg(pathOnDisk(QString::fromUtf8(path_)), reason).toStdString());
+    throw std::runtime_error(tr("«%1»: %2").arg(pathOnDisk(QString::fromUtf8(path_)), reason).toStdString());
 }
 
 } // namespace orvane::files

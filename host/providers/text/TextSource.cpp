@@ -11,9 +11,6 @@ namespace orvane::files {
 
 namespace {
 
-/// A batch ends early when its texts reach this size.
-constexpr std::size_t MAX_BATCH_BYTES = std::size_t{64} << 20;
-
 void appendPoint(std::string_view x, std::string_view y, bool takesComma, ColumnBuilder& builder) {
     const auto realX = realInText(x, takesComma), realY = realInText(y, takesComma);
     if (!realX || !realY) {
@@ -70,26 +67,16 @@ public:
     }
 
     bool next(ColumnBatch& batch) override {
-        ColumnBuilder fids(ColumnKind::Int64);
-        std::vector<ColumnBuilder> builders;
+        std::vector<ColumnKind> kinds;
         for (const int attribute : attributes_)
-            builders.emplace_back(isGeometry(attribute) ? ColumnKind::Wkb : column(attribute).kind());
-        std::size_t bytes = 0;
-        batch.rows = 0;
-        while (batch.rows < batchRows_ && bytes < MAX_BATCH_BYTES && nextRecord()) {
-            fids.append(row_);
-            bytes = 0;
-            for (std::size_t i = 0; i < builders.size(); ++i) {
-                append(attributes_[i], builders[i]);
-                bytes += builders[i].dataSize();
-            }
-            ++batch.rows;
+            kinds.push_back(isGeometry(attribute) ? ColumnKind::Wkb : column(attribute).kind());
+        BatchBuilder builder(kinds);
+        while (builder.takesRow(batchRows_) && nextRecord()) {
+            for (std::size_t i = 0; i < attributes_.size(); ++i)
+                append(attributes_[i], builder.columns[i]);
+            builder.endRow(row_);
         }
-        batch.fids = std::move(fids).finish();
-        batch.columns.clear();
-        for (auto& builder : builders)
-            batch.columns.push_back(std::move(builder).finish());
-        return batch.rows > 0;
+        return std::move(builder).finish(batch);
     }
 
 private:
