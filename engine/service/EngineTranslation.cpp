@@ -1,6 +1,7 @@
 #include <orvane/Engine.h>
 
 #include "engine/service/EngineInternal.h"
+#include "engine/translation/NameSpellings.h"
 
 #include "platform/log/Logger.h"
 #include "platform/sql/lexing/SqlError.h"
@@ -13,23 +14,36 @@
 #include <QSqlQuery>
 #include <QVariant>
 
+#include <algorithm>
+
 namespace orvane {
 
 namespace {
 
-/// The columns of a table of the engine database, hidden ones, geometry and style left out.
-std::vector<std::wstring> joinableColumns(const QSqlDatabase& database, const std::wstring& table) {
+/// What a query gives in its only column; with a parameter, if it has one.
+std::vector<std::wstring> namesOf(const QSqlDatabase& database, const QString& text,
+                                  const std::wstring& parameter = {}) {
     QSqlQuery query(database);
     query.setForwardOnly(true);
-    query.prepare(QStringLiteral("Select name From pragma_table_xinfo(?) Where hidden = 0"));
-    query.addBindValue(sql::fromSqlString(table));
-    std::vector<std::wstring> columns;
-    for (query.exec(); query.next();) {
-        std::wstring name = sql::toSqlString(query.value(0).toString());
-        if (name != engine::geometryColumnName() && name != engine::styleColumnName()) {
-            columns.push_back(std::move(name));
-        }
+    query.prepare(text);
+    if (!parameter.empty()) {
+        query.addBindValue(sql::fromSqlString(parameter));
     }
+    std::vector<std::wstring> names;
+    for (query.exec(); query.next();) {
+        names.push_back(sql::toSqlString(query.value(0).toString()));
+    }
+    return names;
+}
+
+/// The columns of a table of the engine database, hidden ones, geometry and style left out.
+std::vector<std::wstring> joinableColumns(const QSqlDatabase& database, const std::wstring& table) {
+    std::vector<std::wstring> columns =
+        namesOf(database, QStringLiteral("Select name From pragma_table_xinfo(?) Where hidden = 0"), table);
+    const auto isFixed = [](const std::wstring& name) {
+        return name == engine::geometryColumnName() || name == engine::styleColumnName();
+    };
+    columns.erase(std::remove_if(columns.begin(), columns.end(), isFixed), columns.end());
     return columns;
 }
 
@@ -58,6 +72,15 @@ bool Engine::tryToTranslate(const sql::ParseResult& statement, engine::SqliteStr
             builder.setTableColumns(
                 [this](const std::wstring& table) { return joinableColumns(internal_->database(), table); });
         }
+        builder.setSpellings(engine::nameSpellings(
+            *statement.node(),
+            [this] {
+                return namesOf(
+                    internal_->database(),
+                    QStringLiteral(
+                        "Select name From sqlite_master Union All Select name From sqlite_temp_master"));
+            },
+            builder.tableColumns()));
         std::wstring query = builder.buildString(*statement.node());
         if (isLent) {
             builder.setTableColumns(nullptr);

@@ -50,6 +50,18 @@ const std::wstring* fixedColumnName(const std::wstring& name) {
     return isGeometryName(name) ? &geometryColumnName() : isStyleName(name) ? &styleColumnName() : nullptr;
 }
 
+/// The name as it is declared, where that differs in letter case only.
+const std::wstring& SqliteStringBuilder::spelling(const std::wstring& key, const std::wstring& name) const {
+    const auto found = spellings_.empty() ? spellings_.end() : spellings_.find(toLowercase(key));
+    const bool isOther = found != spellings_.end() &&
+                         std::find(found->second.begin(), found->second.end(), name) == found->second.end();
+    return isOther ? found->second.front() : name;
+}
+
+void SqliteStringBuilder::appendName(std::wstring& text, const std::wstring& name, NameUse use) const {
+    SqlStringBuilder::appendName(text, use == NameUse::Call ? name : spelling(name, name), use);
+}
+
 /// The alias of the selection for columns that are qualified by its name: that of the nearest query that has
 /// it in From. Null for other qualifiers.
 const std::wstring* SqliteStringBuilder::selectionAlias(const std::wstring& qualifier) const {
@@ -119,7 +131,8 @@ bool SqliteStringBuilder::visitStyle(const ast::ColumnReference& node) {
 }
 
 void SqliteStringBuilder::visitImpl(const ast::ColumnReference& node) {
-    SqlStringBuilder::visit(node);
+    const std::wstring key = spellings_.empty() ? std::wstring() : node.qualifier + L'.' + node.name;
+    SqlStringBuilder::visit(ast::ColumnReference(node.qualifier, spelling(key, node.name)));
     if (needColumns_) {
         columns_.push_back({node.qualifier, node.name});
     }
@@ -162,7 +175,8 @@ std::vector<std::wstring> SqliteStringBuilder::columnsOf(const ast::NodePtr& sou
             return namedColumns(named->columns, named->query, depth);
         }
         const bool isSelection = table->name == selectionTableName() && selectionObject_;
-        return tableColumns_(isSelection ? toSqlString(selectionObject_->name()) : table->name);
+        return tableColumns_(isSelection ? toSqlString(selectionObject_->name())
+                                         : spelling(table->name, table->name));
     }
     if (const auto* join = ast::nodeAs<ast::JoinNode>(source)) {
         std::vector<std::wstring> columns = columnsOf(join->left, depth);

@@ -58,6 +58,12 @@ FeatureExpression::FeatureExpression(Engine& engine, const dp::TableSchema& sche
 
 bool FeatureExpression::setText(const QString& expression) {
     engine::SqliteStringBuilder builder(QString(), nullptr);
+    builder.setTableColumns([this](const std::wstring&) {
+        std::vector<std::wstring> names;
+        for (const QString& name : columns())
+            names.push_back(sql::toSqlString(name));
+        return names;
+    });
     engine_.tryToTranslate(expression.toStdString(), builder, Engine::ExpressionOnly);
     if (!builder.errors().empty()) {
         const sql::SqlError& error = *builder.errors().front();

@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <set>
 #include <string>
@@ -64,12 +65,16 @@ public:
     /// an empty selection, a statement that names the pseudo-table gets a SelectionTableIsAbsent error.
     void setSelection(const dp::Selection& selection, EngineCache* cache);
     /// Tells the columns of a table that a Natural Join may match: neither geometry nor style. Empty for an
-    /// unknown table.
+    /// unknown table. Without a name: those that a lone expression may use.
     using TableColumns = std::function<std::vector<std::wstring>(const std::wstring& table)>;
     /// With it a Natural Join of tables becomes one of the columns that both have; without it SQLite would
     /// match their geometries too.
     void setTableColumns(TableColumns columns) { tableColumns_ = std::move(columns); }
     const TableColumns& tableColumns() const { return tableColumns_; }
+    /// Names by their lower case, columns of tables also as `qualifier.column`, each in the spellings that
+    /// are declared. A name that differs from all of them in letter case only is rendered as the first.
+    using Spellings = std::map<std::wstring, std::vector<std::wstring>>;
+    void setSpellings(Spellings spellings) { spellings_ = std::move(spellings); }
     /// Stores the finished text.
     void setQuery(std::wstring query) { query_ = std::move(query); }
     /// Stores whether it is that of a lone expression, not of a statement.
@@ -135,6 +140,8 @@ public:
                                  std::wstring rest) override;
 
 protected:
+    void appendName(std::wstring& text, const std::wstring& name,
+                    NameUse use = NameUse::Plain) const override;
     std::wstring renderWith(const sql::ast::QueryExpression& query) override;
     std::wstring renderKey(const sql::ast::NodePtr& key) override;
     std::wstring renderBound(const sql::ast::NodePtr& offset) override;
@@ -169,6 +176,7 @@ private:
                                             int depth);
     sql::ast::NodePtr resultColumnNamed(const sql::ast::ColumnReference& node) const;
     const sql::ast::CommonTable* namedQuery(const std::wstring& name) const;
+    const std::wstring& spelling(const std::wstring& key, const std::wstring& name) const;
     const std::wstring* selectionAlias(const std::wstring& qualifier) const;
     void appendCollation(std::wstring& text) const;
     sql::ast::NodePtr collated(const sql::ast::NodePtr& value) const;
@@ -196,6 +204,7 @@ private:
     bool isAggregate_ = false;
     bool isIdUsed_ = false;
     TableColumns tableColumns_;
+    Spellings spellings_;
     std::wstring intoTable_;
     std::wstring intoFile_;
 };

@@ -101,7 +101,7 @@ protected:
         Column ///< of a column without qualifier: words that stand for calls are not free
     };
     /// A name, quoted when it has to be.
-    void appendName(std::wstring& text, const std::wstring& name, NameUse use = NameUse::Plain) const;
+    virtual void appendName(std::wstring& text, const std::wstring& name, NameUse use = NameUse::Plain) const;
     void appendList(std::wstring& text, const ast::NodeList& nodes);
     /// A node as a value: a query in parentheses.
     std::wstring renderValue(const ast::NodePtr& node);

@@ -167,10 +167,13 @@ inline NodePtr onlySource(const QuerySpecification& query) {
     return from && from->sources.size() == 1 ? from->sources.front() : nullptr;
 }
 
-/// Whether the node is a query and so stands in parentheses when used as a value.
-inline bool isQuery(const NodePtr& node) {
+/// Whether the node is a QueryExpression and so stands in parentheses when used as a value.
+inline bool isQuery(const Node* node) {
     return node && (node->kind == NodeKind::QuerySpecification || node->kind == NodeKind::QueryOperation ||
                     node->kind == NodeKind::ExplicitTable);
+}
+inline bool isQuery(const NodePtr& node) {
+    return isQuery(node.get());
 }
 
 } // namespace orvane::sql::ast

@@ -16,6 +16,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QSqlQuery>
+
 #include <sqlite3.h>
 
 namespace orvane {
@@ -199,6 +201,29 @@ TEST(Engine, ComparisonsOfTranslatedTextAreUnderLocale) {
                 HasSubstr("Collate Locale"));
     EXPECT_EQ(theEngine().translate(std::string("Select 'Ё'")),
               theEngine().translate(QStringLiteral("Select 'Ё'")));
+}
+
+TEST(Engine, NamesBeyondAsciiAreSpeltAsTheyAreDeclared) {
+    QSqlQuery query(theEngine().engineDatabase());
+    query.exec(QStringLiteral("Create Temp Table Реки (Ключ, Имя)"));
+    query.exec(QStringLiteral("Create Temp Table длины (ключ)"));
+    const std::pair<const char*, const char*> texts[] = {
+        {"Select КЛЮЧ, имя As Я From РЕКИ Order By я", "Select Ключ, Имя As Я From Реки Order By Я"},
+        {"Select р.ключ, реки.*, ДЛИНЫ.Ключ From реки Р, Длины Where ИМЯ = Чужое",
+         "Select Р.Ключ, Реки.*, длины.ключ From Реки Р, длины Where (Имя Collate Locale = Чужое)"},
+        {"With Д(Ж) As (Table РЕКИ) Select д.ж From д",
+         "With Д(Ж) As (Select * From Реки) Select Д.Ж From Д"},
+        {"Update РЕКИ Set ИМЯ = Имя(1)", "Update Реки Set Имя = Имя(1)"}};
+    for (const auto& [text, expected] : texts) {
+        EXPECT_EQ(theEngine().translate(std::string(text)).toStdString(), expected);
+    }
+    query.exec(QStringLiteral("Drop Table Реки"));
+    query.exec(QStringLiteral("Drop Table длины"));
+    engine::SqliteStringBuilder builder({}, nullptr);
+    builder.setTableColumns([](const std::wstring&) { return std::vector<std::wstring>{L"Площадь"}; });
+    EXPECT_TRUE(theEngine().tryToTranslate("площадь + 1", builder, Engine::ExpressionOnly));
+    EXPECT_EQ(builder.query(), L"concat((Площадь),(1))");
+    EXPECT_TRUE(builder.tableColumns()) << "what the caller gave stays";
 }
 
 TEST(Collator, IgnoresCaseButNotPunctuation) {
