@@ -1,5 +1,7 @@
 #include "platform/sql/lexing/Keywords.h"
 
+#include "platform/sql/lexing/SqlStrings.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdlib>
@@ -178,6 +180,12 @@ bool isReserved(Keyword keyword) {
 
 bool isFunctionWord(Keyword keyword) {
     return entries[static_cast<std::size_t>(keyword)].wordClass == ReservedButCallable;
+}
+
+bool isBareFunction(const std::wstring& name) {
+    const std::wstring lowercase = toLowercase(name);
+    return lowercase == L"rownum" || lowercase == L"current_date" || lowercase == L"current_time" ||
+           lowercase == L"current_timestamp";
 }
 
 int editDistance(std::wstring_view a, std::wstring_view b, int limit) {

@@ -114,6 +114,9 @@ ORVANE_PLATFORM_EXPORT std::wstring_view spelling(Keyword keyword);
 ORVANE_PLATFORM_EXPORT bool isReserved(Keyword keyword);
 /// Whether the word, reserved as it is, names a function when "(" follows where a value is expected.
 ORVANE_PLATFORM_EXPORT bool isFunctionWord(Keyword keyword);
+/// Whether a bare name stands for a call without parentheses: rownum, Current_Date, Current_Time and
+/// Current_Timestamp, in any letter case.
+ORVANE_PLATFORM_EXPORT bool isBareFunction(const std::wstring& name);
 
 /// How many single-letter changes (insert, drop, replace, swap of neighbours) lead from one word to the
 /// other, letter case ignored; any number above `limit` when more than `limit` are needed.

@@ -307,11 +307,8 @@ ast::NodePtr Parser::parseNamePrimary() {
         }
         return std::make_shared<ast::ColumnReference>(std::move(name), takeValue());
     }
-    if (bare) {
-        const std::wstring lowercase = toLowercase(name);
-        if (isStandardBareFunction(lowercase) || (context_ && context_->isBareFunction(lowercase))) {
-            return std::make_shared<ast::Function>(std::move(name), ast::NodeList(), ast::Function::Bare);
-        }
+    if (bare && isBareFunction(name)) {
+        return std::make_shared<ast::Function>(std::move(name), ast::NodeList(), ast::Function::Bare);
     }
     return std::make_shared<ast::ColumnReference>(std::wstring(), std::move(name));
 }

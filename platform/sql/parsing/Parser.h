@@ -1,7 +1,6 @@
 #pragma once
 
 #include "platform/sql/lexing/Lexer.h"
-#include "platform/sql/parsing/ParseContext.h"
 #include "platform/sql/tree/NodeVisitor.h"
 
 #include <QString>
@@ -16,7 +15,7 @@ namespace orvane::sql {
 /// ExpressionParser.cpp and FunctionParser.cpp; what they share is in Parser.cpp.
 class Parser {
 public:
-    Parser(const TokenizedText& text, const ParseContext* context) : text_(text), context_(context) {}
+    explicit Parser(const TokenizedText& text) : text_(text) {}
 
     struct Result {
         ast::NodePtr node;
@@ -166,7 +165,6 @@ private:
     Keyword nearestKeyword(const Token& token, const std::bitset<keywordCount>& candidates) const;
 
     const TokenizedText& text_;
-    const ParseContext* context_;
     std::size_t pos_ = 0;
     int nesting_ = 0;
     int height_ = 0;

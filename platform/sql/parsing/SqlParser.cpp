@@ -6,16 +6,11 @@
 
 namespace orvane::sql {
 
-bool isStandardBareFunction(const std::wstring& lowercaseName) {
-    return lowercaseName == L"rownum" || lowercaseName == L"current_date" ||
-           lowercaseName == L"current_time" || lowercaseName == L"current_timestamp";
-}
-
 bool SqlParser::parse(const std::string& text) {
     result_ = {};
     errors_.clear();
     TokenizedText tokens = tokenize(text);
-    Parser parser(tokens, context_);
+    Parser parser(tokens);
     try {
         Parser::Result parsed = parser.parseAll();
         if (!tokens.error) {

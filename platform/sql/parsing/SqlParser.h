@@ -37,8 +37,8 @@ private:
 /// another; one thread at a time.
 class ORVANE_PLATFORM_EXPORT SqlParser {
 public:
-    /// The context, not owned, may be null and is asked only during parse().
-    explicit SqlParser(const ParseContext* context) : context_(context) {}
+    /// The context, not owned, may be null.
+    explicit SqlParser(const ParseContext* /*context*/) {}
 
     /// Parses UTF-8 text holding one statement, a final ";" allowed. False when it has a fault: then errors()
     /// tells where, and result() is empty. Throws nothing for the text's sake, however broken, long or deep
@@ -52,7 +52,6 @@ public:
     const ast::NodeList& tables() const { return tables_; }
 
 private:
-    const ParseContext* context_;
     ParseResult result_;
     std::vector<std::shared_ptr<SqlSyntaxError>> errors_;
     ast::NodeList tables_;

@@ -2,7 +2,6 @@
 
 #include "platform/sql/lexing/Keywords.h"
 #include "platform/sql/lexing/SqlStrings.h"
-#include "platform/sql/parsing/ParseContext.h"
 #include "platform/utils/Quoting.h"
 
 #include <sqlite3.h>
@@ -162,7 +161,7 @@ std::wstring SqlStringBuilder::renderOperand(const ast::NodePtr& node, Operation
 void SqlStringBuilder::appendName(std::wstring& text, const std::wstring& name, NameUse use) const {
     const Keyword keyword = findKeyword(name);
     const bool reserved = (isReserved(keyword) && !(use == NameUse::Call && isFunctionWord(keyword))) ||
-                          (use == NameUse::Column && isStandardBareFunction(toLowercase(name)));
+                          (use == NameUse::Column && isBareFunction(name));
     if (isPlainName(name) && !reserved && !isSqliteKeyword(name) &&
         !(context_ && context_->isReservedName(name))) {
         text += name;
