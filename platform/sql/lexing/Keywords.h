@@ -2,6 +2,7 @@
 
 #include "platform/Export.h"
 
+#include <string>
 #include <string_view>
 
 namespace orvane::sql {
