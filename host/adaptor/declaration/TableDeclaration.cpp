@@ -1,5 +1,6 @@
 #include "host/adaptor/declaration/TableDeclaration.h"
 
+#include "platform/utils/MetaTypes.h"
 #include "platform/utils/Quoting.h"
 #include <orvane/engine/ColumnNames.h>
 
@@ -27,16 +28,11 @@ struct TypeName {
 /// one fixed form, so their binary order is the right one.
 TypeName typeName(int metaType) {
     using Kind = TableDeclaration::Kind;
+    if (isPlainInt(metaType)) {
+        return {Kind::Number, " Integer"};
+    }
     switch (metaType) {
-    case QMetaType::Bool:
-    case QMetaType::Short:
-    case QMetaType::UShort:
-    case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::Long:
-    case QMetaType::ULong:
-    case QMetaType::LongLong:
-    case QMetaType::ULongLong: return {Kind::Number, " Integer"};
+    case QMetaType::Bool: return {Kind::Number, " Integer"};
     case QMetaType::Double:
     case QMetaType::Float: return {Kind::Number, " Real"};
     case QMetaType::QDate:
