@@ -56,6 +56,9 @@ public:
         : VirtualTable(std::move(name), std::move(source), schema, *context.cache, indexStores(context)),
           context_(context) {}
 
+    /// A table that is dropped before the transaction ends takes its edits along.
+    ~ModuleTable() { endGroup(&dp::Table::rollbackEdits); }
+
     void announce() {
         if (Engine* engine = context_.engine()) {
             engine->registerManagement(std::make_unique<VirtualTableManagement>(*this));
@@ -89,21 +92,21 @@ public:
     /// The group of edits of the transaction under way begins with its first edit: SQLite tells of no
     /// beginning where a table is made inside a transaction, but of the end of each.
     void beginGroup() {
-        if (!isInGroup_) {
+        if (!edited_) {
             inTable(name(), [this] { table().beginEdits(); });
-            isInGroup_ = true;
+            edited_ = tableOrNull();
         }
     }
     void endGroup(void (dp::Table::*end)() noexcept) noexcept {
-        if (std::exchange(isInGroup_, false) && tableOrNull()) {
-            ((*tableOrNull()).*end)();
+        if (const auto ended = std::exchange(edited_, nullptr)) {
+            ((*ended).*end)();
         }
     }
     /// Runs an operation on a table with a group under way; its failures name the table.
     template<class Work>
     int inGroup(Work work) {
-        if (isInGroup_ && tableOrNull()) {
-            inTable(name(), [&] { work(*tableOrNull()); });
+        if (edited_) {
+            inTable(name(), [&] { work(*edited_); });
         }
         return SQLITE_OK;
     }
@@ -121,7 +124,7 @@ private:
     }
 
     ModuleContext& context_;
-    bool isInGroup_ = false;
+    std::shared_ptr<dp::Table> edited_; ///< in the group of edits under way, also when it is closed meanwhile
 };
 
 ModuleTable& tableOf(sqlite3_vtab* table) {
