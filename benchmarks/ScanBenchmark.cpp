@@ -139,7 +139,7 @@ BENCHMARK(filteredScan)->ArgName("cache")->Arg(0)->Arg(CACHE_BYTES)->Unit(benchm
 void window(benchmark::State& state) {
     dp::ScanRequest request;
     request.attributes = {PRICE, OWNER};
-    request.window = dp::ScanWindow{500, 500, 510, 510};
+    request.window = geometry::Envelope{500, 500, 510, 510};
     run(state, million(), request, static_cast<std::size_t>(state.range(0)));
 }
 BENCHMARK(window)->ArgName("cache")->Arg(0)->Arg(CACHE_BYTES)->Unit(benchmark::kMicrosecond);

@@ -63,7 +63,8 @@ public:
     void setResult(sqlite3_context* context, const std::string& blob) const {
         if (coordSystem_ && srid_ == 0 && !blob.empty()) { // which a SpatiaLite blob cannot name
             const auto header = readSpatialiteHeader(blob);
-            setResult(context, geometry::GeometryFactory::fromSpatialiteBody(header->body, true, nullptr));
+            setResult(context, geometry::GeometryFactory::fromSpatialite(header->kind, header->content,
+                                                                         header->littleEndian, nullptr));
         } else if (!blob.empty()) {
             sqlite3_result_blob64(context, blob.data(), blob.size(), SQLITE_TRANSIENT);
         }

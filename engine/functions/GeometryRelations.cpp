@@ -31,7 +31,7 @@ struct Operand {
         bytes = std::string_view(data, static_cast<std::size_t>(sqlite3_value_bytes(value)));
         header = readSpatialiteHeader(bytes);
         isPoint = header && spatialiteBlobPoint(*header, x, y);
-        if (header && !isPoint && !isSoundSpatialiteBody(*header)) {
+        if (header && !isPoint && !isSoundSpatialiteBlob(*header)) {
             header.reset();
         }
     }
@@ -48,7 +48,7 @@ bool haveOneSystem(const SpatialiteHeader& a, const SpatialiteHeader& b) {
 }
 
 /// 1, 0, or none where one of the operands is no geometry.
-std::optional<bool> relate(EngineCache& cache, Relation relation, const Operand& a, const Operand& b) {
+std::optional<bool> relate(sqlite3_context* context, Relation relation, const Operand& a, const Operand& b) {
     if (a.bytes.empty() || b.bytes.empty()) {
         return std::nullopt;
     }
@@ -56,7 +56,8 @@ std::optional<bool> relate(EngineCache& cache, Relation relation, const Operand&
     if (comparable && isRuledOut(relation, *a.header, *b.header)) {
         return false;
     }
-    RecentGeometries& recent = RecentGeometries::ofThread();
+    auto& cache = *static_cast<EngineCache*>(sqlite3_user_data(context));
+    RecentGeometries& recent = RecentGeometries::ofStatement(context);
     if (comparable && b.isPoint && !a.isPoint) {
         const GeometryPtr area = recent.get(cache, a.bytes);
         if (!area) {
@@ -66,7 +67,7 @@ std::optional<bool> relate(EngineCache& cache, Relation relation, const Operand&
                                                 : geometry::containsPosition(*area, b.x, b.y);
     }
     if (comparable && relation == Relation::Intersects && a.isPoint && !b.isPoint) {
-        return relate(cache, relation, b, a);
+        return relate(context, relation, b, a);
     }
     const GeometryPtr first = recent.get(cache, a.bytes);
     GeometryPtr second = recent.get(cache, b.bytes);
@@ -91,8 +92,7 @@ std::optional<bool> relate(EngineCache& cache, Relation relation, const Operand&
 
 void resultRelation(sqlite3_context* context, Relation relation, sqlite3_value* a, sqlite3_value* b) {
     barrier(context, [&] {
-        auto& cache = *static_cast<EngineCache*>(sqlite3_user_data(context));
-        if (const std::optional<bool> answer = relate(cache, relation, Operand(a), Operand(b))) {
+        if (const std::optional<bool> answer = relate(context, relation, Operand(a), Operand(b))) {
             sqlite3_result_int(context, *answer ? 1 : 0);
         }
     });

@@ -5,6 +5,7 @@
 #include <orvane/engine/EngineCache.h>
 
 #include <functional>
+#include <new>
 
 namespace orvane::engine {
 
@@ -12,50 +13,58 @@ namespace {
 
 /// Cheap and good enough to tell blobs apart: the head holds the envelope, the tail coordinates. What is
 /// found by it is compared byte by byte.
-std::uint64_t hashOf(std::string_view blob, std::uint64_t cacheIdentity) {
+std::uint64_t hashOf(std::string_view blob) {
     constexpr std::size_t sample = 64;
     const std::hash<std::string_view> hash;
     std::uint64_t value = hash(blob.substr(0, sample));
     if (blob.size() > sample) {
         value = value * 31 + hash(blob.substr(blob.size() - sample));
     }
-    return (value * 31 + blob.size()) * 31 + cacheIdentity;
+    return value * 31 + blob.size();
 }
 
 } // namespace
 
-RecentGeometries& RecentGeometries::ofThread() {
-    thread_local const auto geometries = std::make_unique<RecentGeometries>();
-    return *geometries;
+RecentGeometries& RecentGeometries::ofStatement(sqlite3_context* context) {
+    // Under a negative number SQLite keeps an object for the whole statement, whichever function asks; it
+    // does so for its own JSON functions. Were it let go at once, every row would begin anew.
+    constexpr int number = -20261;
+    if (auto* const kept = static_cast<RecentGeometries*>(sqlite3_get_auxdata(context, number))) {
+        return *kept;
+    }
+    sqlite3_set_auxdata(context, number, new RecentGeometries,
+                        [](void* kept) { delete static_cast<RecentGeometries*>(kept); });
+    auto* const made = static_cast<RecentGeometries*>(sqlite3_get_auxdata(context, number));
+    return made ? *made : throw std::bad_alloc();
 }
 
 void RecentGeometries::clear() {
-    entries_.fill(Entry());
+    entries_ = {};
     bytes_ = 0;
 }
 
 RecentGeometries::Entry* RecentGeometries::find(EngineCache& cache, std::string_view blob,
                                                 std::shared_ptr<const geometry::Geometry>& geometry) {
-    const std::uint64_t hash = hashOf(blob, cache.identity());
-    Entry& entry = entries_[hash % entryCount];
-    if (entry.cache == cache.identity() && entry.blob == blob) {
-        geometry = entry.geometry;
-        return &entry;
+    const std::uint64_t hash = hashOf(blob);
+    std::unique_ptr<Entry>& entry = entries_[hash % entryCount];
+    if (entry && entry->blob == blob) {
+        geometry = entry->geometry;
+        return entry.get();
     }
     geometry = cache.geometryInfo(blob.data(), static_cast<unsigned int>(blob.size()), true).geometry();
-    if (entry.seen != hash) {
-        entry.seen = hash;
+    std::uint64_t& seen = seen_[hash % entryCount];
+    if (seen != hash) {
+        seen = hash;
         return nullptr;
     }
-    if (blob.size() > mostBytes - bytes_ + entry.blob.size()) {
+    const std::size_t freed = entry ? entry->blob.size() : 0;
+    if (blob.size() > mostBytes - bytes_ + freed) {
         clear();
-        if (blob.size() > mostBytes) {
-            return nullptr;
-        }
+        return nullptr;
     }
-    bytes_ = bytes_ - entry.blob.size() + blob.size();
-    entry = {hash, cache.identity(), std::string(blob), geometry, nullptr, nullptr};
-    return &entry;
+    bytes_ = bytes_ - freed + blob.size();
+    entry = std::make_unique<Entry>(Entry{std::string(blob), geometry, nullptr, nullptr});
+    return entry.get();
 }
 
 std::shared_ptr<const geometry::Geometry> RecentGeometries::get(EngineCache& cache, std::string_view blob) {

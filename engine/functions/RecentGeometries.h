@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sqlite3.h>
+
 #include <array>
 #include <cstdint>
 #include <memory>
@@ -17,13 +19,13 @@ namespace orvane::engine {
 
 class EngineCache;
 
-/// Geometries that the statements of one thread met lately, decoded and with their prepared forms, by the
-/// exact bytes of their blobs: a relation asks about the same few areas row after row. A blob is kept from
-/// its second appearance on, so that a scan of different ones costs no copies. Bounded; belongs to its
-/// thread.
+/// Geometries that a statement met lately, decoded and with their prepared forms, by the exact bytes of their
+/// blobs: a relation asks about the same few areas row after row. A blob is kept from its second appearance
+/// on, so that a scan of different ones costs no copies. Bounded, and gone with the statement.
 class RecentGeometries {
 public:
-    static RecentGeometries& ofThread();
+    /// Those of the statement that calls a function. Throws std::bad_alloc.
+    static RecentGeometries& ofStatement(sqlite3_context* context);
 
     /// Null when the cache reads no geometry from the bytes.
     std::shared_ptr<const geometry::Geometry> get(EngineCache& cache, std::string_view blob);
@@ -35,8 +37,6 @@ public:
 
 private:
     struct Entry {
-        std::uint64_t seen = 0; ///< hash of the bytes met last
-        std::uint64_t cache = 0;
         std::string blob;
         std::shared_ptr<const geometry::Geometry> geometry;
         std::shared_ptr<cs::CoordSystem> target;
@@ -49,7 +49,8 @@ private:
     Entry* find(EngineCache& cache, std::string_view blob,
                 std::shared_ptr<const geometry::Geometry>& geometry);
 
-    std::array<Entry, entryCount> entries_;
+    std::array<std::uint64_t, entryCount> seen_{}; ///< hashes of the bytes met last
+    std::array<std::unique_ptr<Entry>, entryCount> entries_;
     std::size_t bytes_ = 0;
 };
 

@@ -10,10 +10,11 @@
 
 #include "engine/geometry/GaiaPtr.h"
 #include "engine/geometry/Locking.h"
+#include "engine/geometry/PlainBinary.h"
+#include "engine/geometry/SpatialiteLayout.h"
 
 #include <QDataStream>
 
-#include <atomic>
 #include <cstring>
 
 namespace orvane::engine {
@@ -50,25 +51,18 @@ PayloadKey keyOf(const QByteArray& payload) {
     return key;
 }
 
-std::uint64_t nextIdentity() {
-    static std::atomic<std::uint64_t> last{0};
-    return ++last;
-}
-
-/// SpatiaLite's own readers: compressed blobs, WKB, FGF.
-std::shared_ptr<const geometry::Geometry> decodeThroughGaia(EngineCache& cache, const void* data,
-                                                            unsigned int size) {
-    const GaiaPtr collection(toGaia(static_cast<const unsigned char*>(data), static_cast<int>(size)));
-    if (!collection) {
-        return nullptr;
-    }
-    return geometry::GeometryFactory::fromWkb(GaiaBytes(collection, gaiaToWkb).view(),
-                                              cache.get(collection->Srid));
+/// Through SpatiaLite's own reader.
+std::shared_ptr<const geometry::Geometry> decompressed(EngineCache& cache, std::string_view blob) {
+    const GaiaPtr collection(
+        toGaia(reinterpret_cast<const unsigned char*>(blob.data()), static_cast<int>(blob.size())));
+    return collection ? geometry::GeometryFactory::fromWkb(GaiaBytes(collection, gaiaToWkb).view(),
+                                                           cache.get(collection->Srid))
+                      : nullptr;
 }
 
 } // namespace
 
-EngineCache::EngineCache() : identity_(nextIdentity()) {}
+EngineCache::EngineCache() = default;
 EngineCache::~EngineCache() = default;
 
 bool EngineCache::PayloadLess::operator()(const PayloadKey& a, const PayloadKey& b) const {
@@ -161,12 +155,15 @@ void EngineCache::clear() {
 std::shared_ptr<const geometry::Geometry> EngineCache::decodeSpatialite(const void* data, unsigned int size) {
     const std::string_view bytes(static_cast<const char*>(data), size);
     try {
-        // Plain blobs, by far the most, are read straight into objects.
-        if (const auto header = readSpatialiteHeader(bytes); header && header->kind < 1000000) {
-            return geometry::GeometryFactory::fromSpatialiteBody(header->body, header->littleEndian,
-                                                                 get(header->srid));
+        const auto header = readSpatialiteHeader(bytes);
+        if (!header) {
+            return fromPlainBinary(bytes);
         }
-        return decodeThroughGaia(*this, data, size);
+        if (header->kind >= spatialite::compressedKinds) {
+            return decompressed(*this, bytes);
+        }
+        return geometry::GeometryFactory::fromSpatialite(header->kind, header->content, header->littleEndian,
+                                                         get(header->srid));
     } catch (const std::exception&) {
         return nullptr;
     }

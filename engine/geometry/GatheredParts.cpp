@@ -12,8 +12,6 @@ using namespace spatialite;
 
 namespace {
 
-constexpr std::size_t kindSize = sizeof(quint32);
-
 void appendUInt32(std::string& out, std::size_t value) {
     std::array<char, sizeof(quint32)> bytes;
     qToLittleEndian<quint32>(static_cast<quint32>(value), bytes.data());
@@ -98,13 +96,13 @@ std::string finished(std::string blob, int srid, const Envelope& envelope) {
 
 bool GatheredParts::add(const SpatialiteHeader& header) {
     if (!header.littleEndian || !dimensionsOf(header.kind) || header.kind % 1000 > Polygon ||
-        !isSoundSpatialiteBody(header)) {
+        !isSoundSpatialiteBlob(header)) {
         return false;
     }
     if (!header.envelope.isEmpty()) {
         envelope_.add(header.envelope);
         countGeometry(header.kind % 1000);
-        addPart(header.body);
+        addPart(header.kind, header.content);
     }
     return true;
 }
@@ -124,7 +122,8 @@ void GatheredParts::add(const geometry::Geometry& linear) {
             const geometry::GeometryPtr borrowed(std::shared_ptr<void>(), &geometry);
             const QByteArray wkb =
                 geometry::GeometryFactory::toWkb(borrowed, QSysInfo::LittleEndian); // mark, kind, content
-            addPart(std::string_view(wkb.constData(), static_cast<std::size_t>(wkb.size())).substr(1));
+            const std::string_view bytes(wkb.constData(), static_cast<std::size_t>(wkb.size()));
+            addPart(readNumber<quint32>(wkb.constData() + 1, true), bytes.substr(1 + kindSize));
         }
     };
     addParts(addParts, linear);
@@ -137,17 +136,17 @@ void GatheredParts::countGeometry(std::uint32_t kind) {
     hasCollections_ = hasCollections_ || kind == GeometryCollection;
 }
 
-void GatheredParts::addPart(std::string_view body) {
-    const PartBody part(body);
-    hasKind_[part.kind()] = true;
-    const Dimensions all = ends_.empty()
-                               ? part.dimensions()
-                               : geometry::makeDimensions(hasZ(dimensions_) || hasZ(part.dimensions()),
-                                                          hasM(dimensions_) || hasM(part.dimensions()));
-    isMixed_ = isMixed_ || all != part.dimensions() || (!ends_.empty() && all != dimensions_);
+void GatheredParts::addPart(std::uint32_t kind, std::string_view content) {
+    hasKind_[kind % 1000] = true;
+    const Dimensions own = dimensionsOf(kind).value_or(Dimensions::XY);
+    const Dimensions all = ends_.empty() ? own
+                                         : geometry::makeDimensions(hasZ(dimensions_) || hasZ(own),
+                                                                    hasM(dimensions_) || hasM(own));
+    isMixed_ = isMixed_ || all != own || (!ends_.empty() && all != dimensions_);
     dimensions_ = all;
     bytes_ += partMark;
-    bytes_.append(body);
+    appendUInt32(bytes_, kind);
+    bytes_.append(content);
     ends_.push_back(bytes_.size());
 }
 
@@ -157,7 +156,9 @@ std::string_view GatheredParts::bytesOf(std::size_t index) const {
 }
 
 geometry::GeometryPtr GatheredParts::part(std::size_t index) const {
-    return geometry::GeometryFactory::fromSpatialiteBody(bytesOf(index), true, nullptr);
+    const std::string_view part = bytesOf(index);
+    return geometry::GeometryFactory::fromSpatialite(readNumber<quint32>(part.data(), true),
+                                                     part.substr(kindSize), true, nullptr);
 }
 
 std::uint32_t GatheredParts::kindOfAll() const {

@@ -36,7 +36,7 @@ public:
 
 private:
     std::string_view bytesOf(std::size_t index) const;
-    void addPart(std::string_view body);
+    void addPart(std::uint32_t kind, std::string_view content);
     void countGeometry(std::uint32_t kind);
     std::uint32_t kindOfAll() const;
 

@@ -11,122 +11,15 @@
 #include <orvane/engine/functions/Converters.h>
 
 #include "engine/geometry/GaiaPtr.h"
+#include "engine/geometry/GatheredParts.h"
+#include "engine/geometry/PlainBinary.h"
+#include "engine/geometry/SpatialiteLayout.h"
 
-#include <QtEndian>
+#include <stdexcept>
 
 namespace orvane::engine {
 
 namespace {
-
-bool isSoundWkb(std::string_view bytes) {
-    try {
-        geometry::GeometryFactory::fromWkb(bytes, nullptr);
-        return true;
-    } catch (const std::exception&) {
-        return false;
-    }
-}
-
-/// Null also for the kinds that SpatiaLite does not know (curves, the extended form), of which it makes
-/// collections without parts.
-GaiaPtr collectionFromWkb(std::string_view bytes) {
-    GaiaPtr collection = isSoundWkb(bytes) ? gaiaFromWkb(bytes) : nullptr;
-    if (collection && !collection->FirstPoint && !collection->FirstLinestring && !collection->FirstPolygon) {
-        collection.reset();
-    }
-    return collection;
-}
-
-/// Rewrites FGF (little-endian: kind, dimensions, counts, doubles; parts whole) as well-known binary.
-/// SpatiaLite's own reader of it does not check counts and reads lines with heights beyond the end of the
-/// bytes.
-class FgfReader {
-public:
-    explicit FgfReader(std::string_view bytes) : bytes_(bytes) {}
-
-    /// Empty when the bytes are no FGF.
-    QByteArray toWkb() { return readGeometry(true) && bytes_.empty() ? wkb_ : QByteArray(); }
-
-private:
-    bool take(std::size_t size, const char*& data) {
-        if (size > bytes_.size()) {
-            return false;
-        }
-        data = bytes_.data();
-        bytes_.remove_prefix(size);
-        return true;
-    }
-
-    bool takeUInt32(std::uint32_t& value) {
-        const char* data = nullptr;
-        if (!take(4, data)) {
-            return false;
-        }
-        value = qFromLittleEndian<quint32>(data);
-        return true;
-    }
-
-    void put(std::uint32_t value) {
-        char bytes[4];
-        qToLittleEndian<quint32>(value, bytes);
-        wkb_.append(bytes, sizeof bytes);
-    }
-
-    bool copyCount(std::uint32_t& count) {
-        const bool taken = takeUInt32(count);
-        put(count);
-        return taken;
-    }
-
-    bool copyPositions(std::size_t count, std::size_t positionSize) {
-        const char* data = nullptr;
-        if (count > bytes_.size() / positionSize || !take(count * positionSize, data)) {
-            return false;
-        }
-        wkb_.append(data, static_cast<int>(count * positionSize));
-        return true;
-    }
-
-    bool copySequence(std::size_t positionSize) {
-        std::uint32_t count = 0;
-        return copyCount(count) && copyPositions(count, positionSize);
-    }
-
-    bool readGeometry(bool mayHaveParts) {
-        std::uint32_t kind = 0;
-        std::uint32_t count = 0;
-        if (!takeUInt32(kind) || kind < 1 || kind > 7) {
-            return false;
-        }
-        const bool hasParts = kind >= 4;
-        std::uint32_t dimensions = 0;
-        if ((hasParts && !mayHaveParts) || (!hasParts && (!takeUInt32(dimensions) || dimensions > 3))) {
-            return false;
-        }
-        wkb_.append(1);
-        put(kind + 1000 * dimensions);
-        if (hasParts) {
-            bool complete = copyCount(count);
-            for (std::uint32_t i = 0; complete && i < count; ++i) {
-                complete = readGeometry(false);
-            }
-            return complete;
-        }
-        const std::size_t size =
-            geometry::strideOf(static_cast<geometry::Dimensions>(dimensions)) * sizeof(double);
-        if (kind < 3) {
-            return kind == 1 ? copyPositions(1, size) : copySequence(size);
-        }
-        bool complete = copyCount(count);
-        for (std::uint32_t i = 0; complete && i < count; ++i) {
-            complete = copySequence(size);
-        }
-        return complete;
-    }
-
-    std::string_view bytes_;
-    QByteArray wkb_;
-};
 
 std::string_view view(const QByteArray& bytes) {
     return {bytes.constData(), static_cast<std::size_t>(bytes.size())};
@@ -136,14 +29,14 @@ QByteArray toByteArray(std::string_view bytes) {
     return {bytes.data(), static_cast<int>(bytes.size())};
 }
 
-/// The blob through SpatiaLite's own reader and writer; empty when they fail.
-QByteArray gaiaBlob(const QByteArray& wkb, int srid) {
-    const GaiaPtr collection = gaiaFromWkb(view(wkb));
-    if (!collection) {
-        return QByteArray();
+/// Whether the kind is a linear one of well-known binary, not of its extended form.
+bool isPlainWkb(std::string_view bytes) {
+    constexpr std::size_t kindOffset = 1;
+    if (bytes.size() < kindOffset + spatialite::kindSize || static_cast<unsigned char>(bytes[0]) > 1) {
+        return false;
     }
-    collection->Srid = srid;
-    return toByteArray(GaiaBytes(collection, gaiaToSpatiaLiteBlobWkb).view());
+    const auto kind = spatialite::readNumber<quint32>(bytes.data() + kindOffset, bytes[0] == 1);
+    return kind < 4000 && kind % 1000 >= spatialite::Point && kind % 1000 <= spatialite::GeometryCollection;
 }
 
 void resultBlob(sqlite3_context* context, const QByteArray& blob) {
@@ -162,38 +55,48 @@ gaiaGeomCollStruct* toGaia(const unsigned char* blob, int size) {
     }
     const auto count = static_cast<unsigned int>(size);
     const std::string_view bytes(reinterpret_cast<const char*>(blob), count);
-    GaiaPtr collection;
-    if (const auto header = readSpatialiteHeader(bytes); header && isSoundSpatialiteBody(*header)) {
-        collection.reset(gaiaFromSpatiaLiteBlobWkb(blob, count));
-        if (!collection) {
-            collection.reset(gaiaFromSpatiaLiteBlobWkbEx(blob, count, 0, 0));
+    if (const auto header = readSpatialiteHeader(bytes)) {
+        if (!isSoundSpatialiteBlob(*header)) {
+            return nullptr;
         }
+        gaiaGeomCollPtr collection = gaiaFromSpatiaLiteBlobWkb(blob, count);
+        return collection ? collection : gaiaFromSpatiaLiteBlobWkbEx(blob, count, 0, 0);
     }
-    if (!collection) {
-        collection = collectionFromWkb(bytes);
+    const QByteArray own = toGaia(fromPlainBinary(bytes), nullptr);
+    return gaiaFromSpatiaLiteBlobWkb(reinterpret_cast<const unsigned char*>(own.constData()),
+                                     static_cast<unsigned int>(own.size()));
+}
+
+std::shared_ptr<const geometry::Geometry> fromPlainBinary(std::string_view bytes) {
+    try {
+        std::shared_ptr<geometry::Geometry> geometry =
+            isPlainWkb(bytes) ? geometry::GeometryFactory::fromWkb(bytes, nullptr)
+                              : geometry::GeometryFactory::fromFgf(bytes);
+        return geometry::isCurved(*geometry) ? nullptr : geometry;
+    } catch (const std::runtime_error&) {
+        return nullptr;
     }
-    if (!collection) {
-        collection = collectionFromWkb(view(FgfReader(bytes).toWkb()));
-    }
-    return collection.release();
 }
 
 QByteArray toGaia(const std::shared_ptr<const geometry::Geometry>& geometry, EngineCache* cache) {
-    const QByteArray wkb =
-        geometry::GeometryFactory::toWkb(geometry::linearized(geometry), QSysInfo::LittleEndian);
-    if (wkb.isEmpty()) {
+    const std::shared_ptr<const geometry::Geometry> linear = geometry::linearized(geometry);
+    if (!linear) {
         return QByteArray();
     }
+    const QByteArray wkb = geometry::GeometryFactory::toWkb(linear, QSysInfo::LittleEndian);
     const std::shared_ptr<cs::CoordSystem> coordSystem = geometry->coordSystem();
     const int srid = coordSystem ? coordSystem->epsg() : 0;
     if (cache && srid != 0) {
         cache->save(srid, coordSystem);
     }
     std::string blob;
-    if (appendSpatialiteBlob(view(wkb), srid, blob)) {
-        return toByteArray(blob);
+    if (!appendSpatialiteBlob(view(wkb), srid, blob)) {
+        // Parts with parts or of other dimensions than the whole: the parts side by side, none that is empty.
+        GatheredParts parts;
+        parts.add(*linear);
+        blob = parts.collected(srid, work::Cancellation());
     }
-    return gaiaBlob(wkb, srid);
+    return toByteArray(blob);
 }
 
 void toGaia(const std::shared_ptr<const geometry::Geometry>& geometry, sqlite3_context* context,

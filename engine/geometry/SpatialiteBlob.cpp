@@ -2,6 +2,7 @@
 
 #include "engine/geometry/SpatialiteLayout.h"
 #include "platform/cs/Transformer.h"
+#include "platform/geometry/forms/GeometryWalker.h"
 
 #include <cmath>
 #include <cstring>
@@ -13,86 +14,38 @@ using namespace spatialite;
 
 namespace {
 
-/// Walks over a body. `visit(data, count, dimensions, isShell)` gets each run of positions and returns false
-/// to stop. False for a body that is not sound.
+/// Looks at runs of positions, and refuses parts that have parts.
 template<typename Visit>
-class BodyWalker {
-public:
-    BodyWalker(std::string_view body, bool littleEndian, Visit visit)
-        : bytes_(body), littleEndian_(littleEndian), visit_(std::move(visit)) {}
+struct PartsVisitor : geometry::GeometryVisitor {
+    explicit PartsVisitor(Visit toVisit) : visit(std::move(toVisit)) {}
 
-    bool walk() {
-        std::uint32_t kind = 0;
-        return bytes_.takeUInt32(littleEndian_, kind) && walkKind(kind, true) && bytes_.isAtEnd();
+    bool begin(geometry::GeometryType type, Dimensions, std::size_t) {
+        const bool allowed = type < geometry::GeometryType::MultiPoint || !isInside;
+        isInside = true;
+        return allowed;
     }
+    bool positions(const geometry::PositionRun& run) { return visit(run); }
 
-private:
-    bool walkKind(std::uint32_t kind, bool mayHaveParts) {
-        const auto dimensions = dimensionsOf(kind);
-        if (!dimensions) {
-            return false;
-        }
-        const std::uint32_t plain = kind % 1000;
-        std::uint32_t count = 1;
-        if (plain == Point) {
-            return walkPositions(1, *dimensions, true);
-        }
-        if (!bytes_.takeUInt32(littleEndian_, count)) {
-            return false;
-        }
-        if (plain == LineString) {
-            return walkPositions(count, *dimensions, true);
-        }
-        if (plain == Polygon) {
-            return walkRings(count, *dimensions);
-        }
-        if (plain < MultiPoint || plain > GeometryCollection || !mayHaveParts) {
-            return false;
-        }
-        for (std::uint32_t i = 0; i < count; ++i) {
-            const char* mark = bytes_.take(1);
-            std::uint32_t partKind = 0;
-            if (!mark || *mark != partMark || !bytes_.takeUInt32(littleEndian_, partKind) ||
-                !walkKind(partKind, false)) {
-                return false;
-            }
-        }
-        return true;
-    }
-
-    bool walkRings(std::uint32_t rings, Dimensions dimensions) {
-        for (std::uint32_t i = 0; i < rings; ++i) {
-            std::uint32_t count = 0;
-            if (!bytes_.takeUInt32(littleEndian_, count) || !walkPositions(count, dimensions, i == 0)) {
-                return false;
-            }
-        }
-        return true;
-    }
-
-    bool walkPositions(std::size_t count, Dimensions dimensions, bool isShell) {
-        const std::size_t size = strideOf(dimensions) * sizeof(double);
-        if (count > bytes_.left() / size) {
-            return false;
-        }
-        const char* data = bytes_.take(count * size);
-        return visit_(data, count, dimensions, isShell);
-    }
-
-    Bytes bytes_;
-    bool littleEndian_;
-    Visit visit_;
+    Visit visit;
+    bool isInside = false;
 };
+
+/// Whether the content of a plain kind is sound; `visit(const PositionRun&)` may end it.
+template<typename Visit>
+bool walk(const SpatialiteHeader& header, Visit visit) {
+    PartsVisitor<Visit> visitor(std::move(visit));
+    geometry::GeometryWalker<geometry::Framing::Spatialite, PartsVisitor<Visit>> walker(
+        header.content, visitor, header.littleEndian);
+    return walker.walkContent(header.kind);
+}
 
 /// A compressed line or polygon: the first and the last position of each run in doubles, those between them
 /// as floats relative to the one before (m in doubles).
 bool isSoundCompressed(const SpatialiteHeader& header) {
-    Bytes bytes(header.body);
-    std::uint32_t kind = 0;
+    Bytes bytes(header.content);
     std::uint32_t rings = 1;
-    bytes.takeUInt32(header.littleEndian, kind);
-    const auto dimensions = dimensionsOf(kind - 1000000);
-    const std::uint32_t plain = kind % 1000;
+    const auto dimensions = dimensionsOf(header.kind - compressedKinds);
+    const std::uint32_t plain = header.kind % 1000;
     if (!dimensions || (plain != LineString && plain != Polygon) ||
         (plain == Polygon && !bytes.takeUInt32(header.littleEndian, rings))) {
         return false;
@@ -113,15 +66,43 @@ bool isSoundCompressed(const SpatialiteHeader& header) {
     return bytes.isAtEnd();
 }
 
-} // namespace
-
-std::optional<SpatialiteHeader> readSpatialiteHeader(std::string_view blob) {
-    if (blob.size() < leastSize || blob.front() != startMark || static_cast<unsigned char>(blob[1]) > 1 ||
-        blob[bodyOffset - 1] != envelopeMark || blob.back() != endMark) {
+std::optional<SpatialiteHeader> readTinyPoint(std::string_view blob) {
+    if (blob.size() <= tinyContentOffset) {
+        return std::nullopt;
+    }
+    const auto dimensions = static_cast<unsigned char>(blob[tinyContentOffset - 1]);
+    if (dimensions < 1 || dimensions > 4) {
         return std::nullopt;
     }
     SpatialiteHeader header;
-    header.littleEndian = blob[1] == 1;
+    header.littleEndian = (blob[1] & 1) == 1;
+    header.kind = Point + 1000 * (dimensions - 1U);
+    header.content = blob.substr(tinyContentOffset, blob.size() - tinyContentOffset - 1);
+    header.srid = readNumber<qint32>(blob.data() + 2, header.littleEndian);
+    double x = 0.0;
+    double y = 0.0;
+    if (!spatialiteBlobPoint(header, x, y)) {
+        return std::nullopt;
+    }
+    header.envelope.add(x, y);
+    return header;
+}
+
+} // namespace
+
+std::optional<SpatialiteHeader> readSpatialiteHeader(std::string_view blob) {
+    if (blob.size() < tinyContentOffset || blob.front() != startMark || blob.back() != endMark) {
+        return std::nullopt;
+    }
+    const auto order = static_cast<unsigned char>(blob[1]);
+    if (order == tinyPointOrder || order == tinyPointOrder + 1) {
+        return readTinyPoint(blob);
+    }
+    if (blob.size() < leastSize || order > 1 || blob[bodyOffset - 1] != envelopeMark) {
+        return std::nullopt;
+    }
+    SpatialiteHeader header;
+    header.littleEndian = order == 1;
     header.srid = readNumber<qint32>(blob.data() + 2, header.littleEndian);
     double* const sides[4] = {&header.envelope.minX, &header.envelope.minY, &header.envelope.maxX,
                               &header.envelope.maxY};
@@ -129,29 +110,25 @@ std::optional<SpatialiteHeader> readSpatialiteHeader(std::string_view blob) {
         *sides[i] =
             readNumber<double>(blob.data() + envelopeOffset + i * sizeof(double), header.littleEndian);
     }
-    header.body = blob.substr(bodyOffset, blob.size() - bodyOffset - 1);
-    header.kind = readNumber<quint32>(header.body.data(), header.littleEndian);
+    header.kind = readNumber<quint32>(blob.data() + bodyOffset, header.littleEndian);
+    header.content = blob.substr(bodyOffset + kindSize, blob.size() - bodyOffset - kindSize - 1);
     return header;
 }
 
 bool spatialiteBlobPoint(const SpatialiteHeader& header, double& x, double& y) {
     const auto dimensions = dimensionsOf(header.kind);
     if (header.kind % 1000 != Point || !dimensions ||
-        header.body.size() != 4 + strideOf(*dimensions) * sizeof(double)) {
+        header.content.size() != strideOf(*dimensions) * sizeof(double)) {
         return false;
     }
-    x = readNumber<double>(header.body.data() + 4, header.littleEndian);
-    y = readNumber<double>(header.body.data() + 4 + sizeof(double), header.littleEndian);
+    x = readNumber<double>(header.content.data(), header.littleEndian);
+    y = readNumber<double>(header.content.data() + sizeof(double), header.littleEndian);
     return true;
 }
 
-bool isSoundSpatialiteBody(const SpatialiteHeader& header) {
-    if (header.kind >= 1000000) {
-        return isSoundCompressed(header);
-    }
-    return BodyWalker(header.body, header.littleEndian,
-                      [](const char*, std::size_t, Dimensions, bool) { return true; })
-        .walk();
+bool isSoundSpatialiteBlob(const SpatialiteHeader& header) {
+    return header.kind >= compressedKinds ? isSoundCompressed(header)
+                                          : walk(header, [](const geometry::PositionRun&) { return true; });
 }
 
 BlobTransformation appendTransformedBlob(const SpatialiteHeader& header, const cs::Transformer& transformer,
@@ -160,29 +137,29 @@ BlobTransformation appendTransformedBlob(const SpatialiteHeader& header, const c
     if (!header.littleEndian || QSysInfo::ByteOrder != QSysInfo::LittleEndian) {
         return BlobTransformation::NotLinear;
     }
-    out.resize(start + bodyOffset + header.body.size() + 1);
-    char* target = out.data() + start + bodyOffset;
-    std::memcpy(target, header.body.data(), header.body.size());
-    target[header.body.size()] = endMark;
+    out.resize(start + bodyOffset + kindSize + header.content.size() + 1);
+    qToLittleEndian<quint32>(header.kind, out.data() + start + bodyOffset);
+    char* target = out.data() + start + bodyOffset + kindSize;
+    std::memcpy(target, header.content.data(), header.content.size());
+    target[header.content.size()] = endMark;
     Envelope envelope;
     bool hasImage = true;
-    const auto transform = [&](const char* data, std::size_t count, Dimensions dimensions, bool isShell) {
-        const std::size_t stride = strideOf(dimensions);
-        const std::size_t size = count * stride * sizeof(double);
+    const bool isWhole = walk(header, [&](const geometry::PositionRun& run) {
+        const std::size_t stride = strideOf(run.dimensions);
         constexpr std::size_t inlinePositions = 64;
         double few[inlinePositions * 4];
-        std::vector<double> many(count > inlinePositions ? count * stride : 0);
+        std::vector<double> many(run.count > inlinePositions ? run.doubles() : 0);
         double* positions = many.empty() ? few : many.data();
-        std::memcpy(positions, data, size);
-        const bool isEmptyPoint = count == 1 && std::isnan(positions[0]) && std::isnan(positions[1]);
-        hasImage = isEmptyPoint || transformer.transform(positions, count, stride, hasZ(dimensions));
-        for (std::size_t i = 0; hasImage && isShell && i < count; ++i) {
+        run.copyTo(positions);
+        const bool isEmptyPoint = run.count == 1 && std::isnan(positions[0]) && std::isnan(positions[1]);
+        hasImage = isEmptyPoint || transformer.transform(positions, run.count, stride, hasZ(run.dimensions));
+        for (std::size_t i = 0; hasImage && !run.isHole && i < run.count; ++i) {
             envelope.add(positions[i * stride], positions[i * stride + 1]);
         }
-        std::memcpy(target + (data - header.body.data()), positions, size);
+        std::memcpy(target + (run.data - header.content.data()), positions, run.doubles() * sizeof(double));
         return hasImage;
-    };
-    if (!BodyWalker(header.body, true, transform).walk()) {
+    });
+    if (!isWhole) {
         out.resize(start);
         return hasImage ? BlobTransformation::NotLinear : BlobTransformation::NoImage;
     }

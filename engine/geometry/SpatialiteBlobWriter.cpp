@@ -1,9 +1,12 @@
 #include <orvane/engine/SpatialiteBlob.h>
 
 #include "engine/geometry/SpatialiteLayout.h"
+#include "platform/geometry/forms/GeometryWalker.h"
+#include "platform/geometry/shapes/Shapes.h"
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <limits>
 
 namespace orvane::engine {
@@ -12,10 +15,7 @@ using namespace spatialite;
 
 namespace {
 
-/// What a multi-part kind takes: one kind, or 0 for any of the first three.
-std::uint32_t partKindOf(std::uint32_t kind) {
-    return kind == GeometryCollection ? 0 : kind - MultiPoint + Point;
-}
+using geometry::GeometryType;
 
 /// Writes a blob from well-known binary into memory that is certainly large enough: nothing of it grows.
 class BlobWriter {
@@ -23,30 +23,90 @@ public:
     BlobWriter(std::string_view wkb, char* target) : wkb_(wkb), target_(target) {}
 
     bool write() {
-        Bytes bytes(wkb_);
-        std::uint32_t kind = 0;
-        if (!takeHeader(bytes, kind) || !dimensionsOf(kind)) {
+        if (!walk()) {
             return false;
         }
-        dimensions_ = *dimensionsOf(kind);
-        putUInt32(kind);
-        kind %= 1000;
-        const bool complete = kind >= MultiPoint ? kind <= GeometryCollection && writeParts(bytes, kind)
-                                                 : writeSingle(bytes, kind);
-        return complete && bytes.isAtEnd();
+        // The blob groups the parts of a collection by kind: a walk for each.
+        const GeometryType kinds[] = {GeometryType::LineString, GeometryType::Polygon};
+        return type_ != GeometryType::GeometryCollection ||
+               std::all_of(std::begin(kinds), std::end(kinds), [this](GeometryType kind) {
+                   wanted_ = kind;
+                   return walk();
+               });
     }
 
     char* target() const { return target_; }
     const Envelope& envelope() const { return envelope_; }
 
-private:
-    bool takeHeader(Bytes& bytes, std::uint32_t& kind) {
-        const char* order = bytes.take(1);
-        if (!order || static_cast<unsigned char>(*order) > 1) {
+    // What the walker tells.
+    bool begin(GeometryType type, Dimensions dimensions, std::size_t count) {
+        isLine_ = type != GeometryType::Point;
+        if (!isInside_) {
+            isInside_ = true;
+            return beginWhole(type, dimensions, count);
+        }
+        if (type > GeometryType::Polygon || !geometry::GeometryCollection::takes(type_, type) ||
+            dimensions != dimensions_ || (type == GeometryType::Polygon && count == 0)) {
             return false;
         }
-        littleEndian_ = *order == 1;
-        return bytes.takeUInt32(littleEndian_, kind);
+        isSkipped_ = type_ == GeometryType::GeometryCollection && type != wanted_;
+        if (!isSkipped_) {
+            *target_++ = partMark;
+            putKind(type, count);
+        }
+        return true;
+    }
+
+    bool positions(const geometry::PositionRun& run) {
+        if (isSkipped_) {
+            return true;
+        }
+        if (isLine_) {
+            putUInt32(static_cast<std::uint32_t>(run.count));
+        }
+        const std::size_t size = run.doubles() * sizeof(double);
+        if (run.littleEndian) {
+            std::memcpy(target_, run.data, size);
+        } else {
+            for (std::size_t i = 0; i < size; i += sizeof(double)) {
+                qToLittleEndian<quint64>(qFromBigEndian<quint64>(run.data + i), target_ + i);
+            }
+        }
+        if (!run.isHole) {
+            run.addTo(envelope_);
+        }
+        target_ += size;
+        return true;
+    }
+
+    static bool end(GeometryType, Dimensions) { return true; }
+
+private:
+    bool walk() {
+        isInside_ = false;
+        geometry::GeometryWalker<geometry::Framing::Wkb, BlobWriter> walker(wkb_, *this);
+        return walker.walk() && walker.srid() == 0;
+    }
+
+    /// The first walk writes what stands before the parts.
+    bool beginWhole(GeometryType type, Dimensions dimensions, std::size_t count) {
+        if (type > GeometryType::GeometryCollection || (count == 0 && type != GeometryType::LineString)) {
+            return false;
+        }
+        isSkipped_ = false;
+        if (wanted_ == GeometryType::Point) {
+            type_ = type;
+            dimensions_ = dimensions;
+            putKind(type, count);
+        }
+        return true;
+    }
+
+    void putKind(GeometryType type, std::size_t count) {
+        putUInt32(static_cast<std::uint32_t>(type) + 1000 * static_cast<std::uint32_t>(dimensions_));
+        if (type >= GeometryType::Polygon) { // rings or parts
+            putUInt32(static_cast<std::uint32_t>(count));
+        }
     }
 
     void putUInt32(std::uint32_t value) {
@@ -54,131 +114,15 @@ private:
         target_ += sizeof(quint32);
     }
 
-    bool writePositions(Bytes& bytes, std::size_t count, bool inEnvelope) {
-        const std::size_t stride = strideOf(dimensions_);
-        if (count > bytes.left() / (stride * sizeof(double))) {
-            return false;
-        }
-        const char* source = bytes.take(count * stride * sizeof(double));
-        if (littleEndian_) {
-            std::memcpy(target_, source, count * stride * sizeof(double));
-        } else {
-            for (std::size_t i = 0; i < count * stride; ++i) {
-                qToLittleEndian<quint64>(qFromBigEndian<quint64>(source + i * sizeof(double)),
-                                         target_ + i * sizeof(double));
-            }
-        }
-        if (inEnvelope) {
-            for (std::size_t i = 0; i < count; ++i) {
-                const char* position = target_ + i * stride * sizeof(double);
-                envelope_.add(qFromLittleEndian<double>(position),
-                              qFromLittleEndian<double>(position + sizeof(double)));
-            }
-        }
-        target_ += count * stride * sizeof(double);
-        return true;
-    }
-
-    bool writeSequence(Bytes& bytes, bool inEnvelope) {
-        std::uint32_t count = 0;
-        if (!bytes.takeUInt32(littleEndian_, count)) {
-            return false;
-        }
-        putUInt32(count);
-        return writePositions(bytes, count, inEnvelope);
-    }
-
-    bool writeSingle(Bytes& bytes, std::uint32_t kind) {
-        if (kind == Point) {
-            return writePositions(bytes, 1, true);
-        }
-        if (kind == LineString) {
-            return writeSequence(bytes, true);
-        }
-        std::uint32_t rings = 0;
-        if (kind != Polygon || !bytes.takeUInt32(littleEndian_, rings) || rings == 0) {
-            return false;
-        }
-        putUInt32(rings);
-        for (std::uint32_t i = 0; i < rings; ++i) {
-            if (!writeSequence(bytes, i == 0)) {
-                return false;
-            }
-        }
-        return true;
-    }
-
-    bool writeParts(Bytes& bytes, std::uint32_t kind) {
-        std::uint32_t count = 0;
-        if (!bytes.takeUInt32(littleEndian_, count) || count == 0) {
-            return false;
-        }
-        putUInt32(count);
-        if (const std::uint32_t partKind = partKindOf(kind)) {
-            return writePartsOfKind(bytes, count, partKind, false);
-        }
-        // The blob groups the parts of a collection by kind: three walks, each copying one kind.
-        const std::string_view parts = bytes.rest();
-        for (const std::uint32_t partKind : {Point, LineString, Polygon}) {
-            bytes = Bytes(parts);
-            if (!writePartsOfKind(bytes, count, partKind, true)) {
-                return false;
-            }
-        }
-        return true;
-    }
-
-    bool writePartsOfKind(Bytes& bytes, std::uint32_t count, std::uint32_t wanted, bool skipOthers) {
-        for (std::uint32_t i = 0; i < count; ++i) {
-            std::uint32_t kind = 0;
-            if (!takeHeader(bytes, kind) || dimensionsOf(kind) != dimensions_) {
-                return false;
-            }
-            const std::uint32_t plain = kind % 1000;
-            if (plain == wanted) {
-                *target_++ = partMark;
-                putUInt32(kind);
-                if (!writeSingle(bytes, plain)) {
-                    return false;
-                }
-            } else if (!skipOthers || !skipSingle(bytes, plain)) {
-                return false;
-            }
-        }
-        return true;
-    }
-
-    bool skipSequence(Bytes& bytes) {
-        std::uint32_t count = 0;
-        const std::size_t size = strideOf(dimensions_) * sizeof(double);
-        return bytes.takeUInt32(littleEndian_, count) && count <= bytes.left() / size &&
-               bytes.take(count * size);
-    }
-
-    bool skipSingle(Bytes& bytes, std::uint32_t kind) {
-        if (kind == Point) {
-            return bytes.take(strideOf(dimensions_) * sizeof(double)) != nullptr;
-        }
-        if (kind == LineString) {
-            return skipSequence(bytes);
-        }
-        std::uint32_t rings = 0;
-        if (kind != Polygon || !bytes.takeUInt32(littleEndian_, rings)) {
-            return false;
-        }
-        for (std::uint32_t i = 0; i < rings; ++i) {
-            if (!skipSequence(bytes)) {
-                return false;
-            }
-        }
-        return true;
-    }
-
     std::string_view wkb_;
     char* target_;
     Envelope envelope_;
     Dimensions dimensions_ = Dimensions::XY;
-    bool littleEndian_ = true;
+    GeometryType type_ = GeometryType::Point;   ///< of the whole
+    GeometryType wanted_ = GeometryType::Point; ///< the parts of a collection that this walk writes
+    bool isInside_ = false;
+    bool isSkipped_ = false;
+    bool isLine_ = false; ///< positions are counted
 };
 
 } // namespace

@@ -21,8 +21,14 @@ inline constexpr char partMark = 0x69;
 inline constexpr char endMark = static_cast<char>(0xFE);
 inline constexpr std::size_t envelopeOffset = 6;
 inline constexpr std::size_t bodyOffset = 39;
+inline constexpr std::size_t kindSize = 4;
+/// The byte order of tiny points, plus 0 or 1.
+inline constexpr unsigned char tinyPointOrder = 0x80;
+inline constexpr std::size_t tinyContentOffset = 7;
+/// Added to the kinds of compressed lines and polygons.
+inline constexpr std::uint32_t compressedKinds = 1000000;
 /// Header, kind, end mark.
-inline constexpr std::size_t leastSize = bodyOffset + 4 + 1;
+inline constexpr std::size_t leastSize = bodyOffset + kindSize + 1;
 /// A blob has this many bytes more than the well-known binary of the same geometry.
 inline constexpr std::size_t sizeBeyondWkb = bodyOffset + 1 - 1;
 
@@ -52,7 +58,6 @@ public:
 
     bool isAtEnd() const { return bytes_.empty(); }
     std::size_t left() const { return bytes_.size(); }
-    std::string_view rest() const { return bytes_; }
 
     const char* take(std::size_t size) {
         if (size > bytes_.size()) {

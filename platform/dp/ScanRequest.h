@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/dp/FeatureId.h"
+#include "platform/geometry/shapes/Coordinates.h"
 
 #include <cstdint>
 #include <optional>
@@ -41,18 +42,13 @@ struct ScanTerm {
     std::vector<ScanValue> operands; ///< one; none for the null tests; any number for In
 };
 
-/// A rectangle in the coordinates of the table.
-struct ScanWindow {
-    double minX = 0, minY = 0, maxX = 0, maxY = 0;
-};
-
 /// What a scan has to deliver. Terms, window and limit are hints that let the provider leave rows out: it may
 /// return rows that do not satisfy them, but never leave out one that does. Identifiers are binding: exactly
 /// those rows, in any order.
 struct ScanRequest {
-    std::vector<int> attributes; ///< positions that will be read; others may not be asked for
-    std::vector<ScanTerm> terms; ///< all have to hold
-    std::optional<ScanWindow> window;
+    std::vector<int> attributes;              ///< positions that will be read; others may not be asked for
+    std::vector<ScanTerm> terms;              ///< all have to hold
+    std::optional<geometry::Envelope> window; ///< in the coordinates of the table
     std::optional<std::vector<FeatureId>> ids;
     std::int64_t limit =
         -1; ///< rows after which the reader stops, -1 for none; only without terms and window

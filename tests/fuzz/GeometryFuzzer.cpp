@@ -72,7 +72,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::string blob;
     if (engine::appendSpatialiteBlob(bytes, 4326, blob)) {
         const auto header = engine::readSpatialiteHeader(blob);
-        require(header && engine::isSoundSpatialiteBody(*header));
+        require(header && engine::isSoundSpatialiteBlob(*header));
     }
     return 0;
 }

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "host/providers/columns/WkbBox.h"
 #include "platform/dp/Cursor.h"
+#include "platform/geometry/shapes/Coordinates.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -64,10 +64,10 @@ private:
     static dp::Cell real(double value) { return value == value ? dp::Cell::ofReal(value) : dp::Cell(); }
 };
 
-/// Bounding boxes of the geometries of a batch.
+/// Bounding boxes of the geometries of a batch; everything where the bytes do not tell.
 struct BatchBoxes {
-    std::vector<Box> rows;
-    Box hull;
+    std::vector<geometry::Envelope> rows;
+    geometry::Envelope hull;
 };
 
 /// Some consecutive rows of a table.

@@ -59,7 +59,7 @@ void keepPassing(const ColumnChunk& chunk, const dp::Condition& condition, std::
 } // namespace
 
 bool RowFilter::canPass(const ColumnBatch& batch) const {
-    if (window_ && batch.boxes && !batch.boxes->hull.meets(*window_)) {
+    if (window_ && batch.boxes && !batch.boxes->hull.intersects(*window_)) {
         return false;
     }
     if (!ids_) {
@@ -78,7 +78,7 @@ void RowFilter::select(const ColumnBatch& batch, std::vector<std::int32_t>& rows
     }
     if (window_ && batch.boxes) {
         const auto* boxes = batch.boxes->rows.data();
-        keepIf(rows, [this, boxes](std::int32_t row) { return boxes[row].meets(*window_); });
+        keepIf(rows, [this, boxes](std::int32_t row) { return boxes[row].intersects(*window_); });
     }
     for (const auto& [column, condition] : conditions_) {
         keepPassing(batch.columns[static_cast<std::size_t>(column)], condition, rows);

@@ -16,7 +16,7 @@ public:
     /// Keeps only the rows with these identifiers (ascending); for batches whose identifiers ascend.
     void setIds(std::vector<std::int64_t> ids) { ids_ = std::move(ids); }
     /// Keeps only the rows whose bounding box (ColumnBatch::boxes) meets the window.
-    void setWindow(const dp::ScanWindow& window) { window_ = window; }
+    void setWindow(const geometry::Envelope& window) { window_ = window; }
 
     bool isEmpty() const { return conditions_.empty() && !ids_ && !window_; }
     /// False when no row of the batch can pass, by its identifiers and bounding box.
@@ -34,7 +34,7 @@ private:
 
     std::vector<ColumnCondition> conditions_;
     std::optional<std::vector<std::int64_t>> ids_;
-    std::optional<dp::ScanWindow> window_;
+    std::optional<geometry::Envelope> window_;
 };
 
 } // namespace orvane::files

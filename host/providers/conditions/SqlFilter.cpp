@@ -179,7 +179,7 @@ std::optional<std::string> sqlOfCondition(const LayerColumn& column, ValueClass 
     return text ? std::optional("(" + *text + ")") : std::nullopt;
 }
 
-std::string sqlOfWindow(const SqlTraits& traits, const dp::ScanWindow& window) {
+std::string sqlOfWindow(const SqlTraits& traits, const geometry::Envelope& window) {
     return traits.identifier + " IN (SELECT id FROM " + traits.spatialIndex +
            " WHERE maxx >= " + sqlNumber(window.minX) + " AND minx <= " + sqlNumber(window.maxX) +
            " AND maxy >= " + sqlNumber(window.minY) + " AND miny <= " + sqlNumber(window.maxY) + ")";

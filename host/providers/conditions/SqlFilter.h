@@ -31,6 +31,6 @@ std::optional<std::string> sqlOfCondition(const LayerColumn& column, ValueClass 
 
 /// Rows whose bounding box in the R-tree meets the window. (OGR's own spatial filter tests the exact shape:
 /// it would leave out the U around a window, whose bounding box meets it.)
-std::string sqlOfWindow(const SqlTraits& traits, const dp::ScanWindow& window);
+std::string sqlOfWindow(const SqlTraits& traits, const geometry::Envelope& window);
 
 } // namespace orvane::files

@@ -14,7 +14,7 @@ std::size_t bytesOf(const ColumnBatch& batch) {
     for (const auto& column : batch.columns) {
         bytes += column.bytes + sizeof column;
         if (column.kind == ColumnKind::Wkb)
-            bytes += static_cast<std::size_t>(batch.rows) * sizeof(Box);
+            bytes += static_cast<std::size_t>(batch.rows) * sizeof(geometry::Envelope);
     }
     return bytes;
 }

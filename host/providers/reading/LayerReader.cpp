@@ -53,7 +53,7 @@ struct LayerReader::Query {
     std::vector<int> requested; ///< attributes, each once
     std::vector<int> needed;    ///< the same, then those that only the tests need
     std::vector<RowSource::Test> tests;
-    std::optional<dp::ScanWindow> window;
+    std::optional<geometry::Envelope> window;
     std::int64_t limit = -1;
 
     std::vector<int> testedAttributes() const {

@@ -44,7 +44,7 @@ bool LayerSource::hasSpatialIndex() {
 }
 
 std::optional<RowSource::Filter> LayerSource::filterOf(const std::vector<Test>& tests,
-                                                       const std::optional<dp::ScanWindow>& window) {
+                                                       const std::optional<geometry::Envelope>& window) {
     const bool asksWindow = window && hasSpatialIndex();
     if ((!asksWindow && tests.empty()) || !sqlTraits().evaluatesSql)
         return std::nullopt;

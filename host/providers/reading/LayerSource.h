@@ -27,7 +27,7 @@ public:
     bool findsRows() override;
     bool hasSpatialIndex() override;
     std::optional<Filter> filterOf(const std::vector<Test>& tests,
-                                   const std::optional<dp::ScanWindow>& window) override;
+                                   const std::optional<geometry::Envelope>& window) override;
     std::unique_ptr<BatchReader> scan(const std::vector<int>& attributes, std::int64_t batchRows,
                                       const std::string& filter) override;
     std::unique_ptr<BatchReader> lookUp(const std::vector<int>& attributes,

@@ -5,7 +5,7 @@ namespace orvane::files {
 RowSource::~RowSource() = default;
 
 std::optional<RowSource::Filter> RowSource::filterOf(const std::vector<Test>&,
-                                                     const std::optional<dp::ScanWindow>&) {
+                                                     const std::optional<geometry::Envelope>&) {
     return std::nullopt;
 }
 

@@ -47,7 +47,7 @@ public:
     /// A filter that lets every row pass that passes the tests, and whose box meets the window; nothing where
     /// reading all rows is as good.
     virtual std::optional<Filter> filterOf(const std::vector<Test>& tests,
-                                           const std::optional<dp::ScanWindow>& window);
+                                           const std::optional<geometry::Envelope>& window);
 
     /// Reads rows whole or as far as these attributes go.
     virtual std::unique_ptr<BatchReader> scan(const std::vector<int>& attributes,

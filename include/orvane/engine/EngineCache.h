@@ -32,9 +32,6 @@ public:
     EngineCache(const EngineCache&) = delete;
     EngineCache& operator=(const EngineCache&) = delete;
 
-    /// A number that no other cache of the process has or had.
-    std::uint64_t identity() const { return identity_; }
-
     /// The coordinate system of the table of that name; null for an unknown table or one without.
     virtual std::shared_ptr<cs::CoordSystem> tableCS(const QString& tableName) = 0;
 
@@ -103,7 +100,6 @@ private:
     QReadWriteLock csByPayloadLock_;
     QReadWriteLock idLock_;
     GaiaCache gaiaCache_ = MemoOnRequest;
-    const std::uint64_t identity_;
 };
 
 } // namespace orvane::engine

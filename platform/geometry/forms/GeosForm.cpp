@@ -260,26 +260,4 @@ std::shared_ptr<Geometry> fromGeos(const GEOSGeometry* geos) {
     return fromGeosWith(geos, GEOSHasZ_r(geosContext(), geos) == 1);
 }
 
-void GeosForm::release() {
-    if (references_.fetch_sub(1, std::memory_order_acq_rel) == 1) {
-        delete this;
-    }
-}
-
-const GEOSGeometry* GeosForm::plain(const Geometry& owner) {
-    if (!converted_) {
-        geometry_ = toGeos(owner);
-        converted_ = true;
-    }
-    return geometry_.get();
-}
-
-const GEOSPreparedGeometry* GeosForm::prepared(const Geometry& owner) {
-    if (!prepared_ && asked_ && plain(owner)) {
-        prepared_.reset(GEOSPrepare_r(geosContext(), geometry_.get()));
-    }
-    asked_ = true;
-    return prepared_.get();
-}
-
 } // namespace orvane::geometry

@@ -4,9 +4,7 @@
 
 #include <geos_c.h>
 
-#include <atomic>
 #include <memory>
-#include <mutex>
 #include <vector>
 
 namespace orvane::geometry {
@@ -36,28 +34,5 @@ GeosPtr collectionOf(int kind, std::vector<GeosPtr> parts);
 GeosPtr toGeos(const Geometry& geometry);
 /// z is kept, m is not (GEOS has none). Throws std::runtime_error.
 std::shared_ptr<Geometry> fromGeos(const GEOSGeometry* geos);
-
-/// What GEOS made of a shape, shared by the copies of a geometry. GEOS objects compute things lazily, also
-/// when they are only read, so that whoever uses them holds the lock.
-class GeosForm {
-public:
-    void addReference() { references_.fetch_add(1, std::memory_order_relaxed); }
-    void release();
-
-    std::mutex& mutex() { return mutex_; }
-    /// With the lock held: the GEOS object, null when a coordinate is not finite.
-    const GEOSGeometry* plain(const Geometry& owner);
-    /// With the lock held: the prepared form, made for whoever asks a second time; null before that, and
-    /// where plain() is null.
-    const GEOSPreparedGeometry* prepared(const Geometry& owner);
-
-private:
-    std::atomic<int> references_{1};
-    std::mutex mutex_;
-    GeosPtr geometry_;
-    GeosPreparedPtr prepared_; // destroyed before the geometry it looks at
-    bool converted_ = false;
-    bool asked_ = false;
-};
 
 } // namespace orvane::geometry

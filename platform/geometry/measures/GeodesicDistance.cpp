@@ -1,273 +1,363 @@
-#include "platform/geometry/measures/Geodesics.h"
+#include "platform/geometry/measures/GeodesicPieces.h"
 
 #include "platform/geometry/shapes/Shapes.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <limits>
 #include <numbers>
-#include <vector>
+#include <utility>
 
-// The shortest geodesic between two shapes. Edges are compared on a sphere first, on which they are unit
-// vectors and cheap; what could be nearest is then measured on the ellipsoid. Mapping geographic latitudes to
-// the sphere changes the length of any path by a factor between 1 - e^2 and 1 / sqrt(1 - e^2) of the
-// equatorial radius, the extremes of the radii of curvature, so that a distance on the sphere bounds the one
-// on the ellipsoid from both sides.
+// The shortest geodesic between two shapes. In space a geodesic is longer than its chord by what lies between
+// the circles of the smallest and of the largest radius of curvature, so that distances in space, which are
+// cheap, tell what need not be measured on the ellipsoid. What is left is searched in two trees of boxes.
 
 namespace orvane::geometry {
 
 namespace {
 
-using Vector = std::array<double, 3>;
+struct Box {
+    Vector least{INFINITY, INFINITY, INFINITY};
+    Vector most{-INFINITY, -INFINITY, -INFINITY};
 
-Vector operator+(const Vector& a, const Vector& b) {
-    return {a[0] + b[0], a[1] + b[1], a[2] + b[2]};
-}
-double dot(const Vector& a, const Vector& b) {
-    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
-}
-Vector cross(const Vector& a, const Vector& b) {
-    return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
-}
-double norm(const Vector& a) {
-    return std::sqrt(dot(a, a));
-}
-double angle(const Vector& a, const Vector& b) {
-    return std::atan2(norm(cross(a, b)), dot(a, b));
-}
-
-struct Position {
-    double longitude, latitude;
-    Vector vector;
-};
-
-/// An edge, or a point as an edge of no length.
-struct Edge {
-    Position begin, end;
-    double angle;
-};
-
-/// Neighbouring edges within a circle on the sphere.
-struct Block {
-    std::size_t first, last; ///< edges [first, last)
-    Vector centre;
-    double radius;
-};
-
-Position positionAt(const double* ordinates) {
-    const double longitude = ordinates[0] * std::numbers::pi / 180.0;
-    const double latitude = ordinates[1] * std::numbers::pi / 180.0;
-    return {ordinates[0],
-            ordinates[1],
-            {std::cos(latitude) * std::cos(longitude), std::cos(latitude) * std::sin(longitude),
-             std::sin(latitude)}};
-}
-
-/// The angle between a position and the arc of an edge.
-double angleTo(const Edge& edge, const Vector& position) {
-    const Vector normal = cross(edge.begin.vector, edge.end.vector);
-    const double length = norm(normal);
-    const double toEnds = std::min(angle(edge.begin.vector, position), angle(edge.end.vector, position));
-    if (length < 1e-15) {
-        return toEnds;
-    }
-    const bool besideEdge = dot(cross(normal, edge.begin.vector), position) > 0.0 &&
-                            dot(cross(edge.end.vector, normal), position) > 0.0;
-    const double height = std::asin(std::clamp(std::abs(dot(normal, position)) / length, 0.0, 1.0));
-    return besideEdge ? std::min(height, toEnds) : toEnds;
-}
-
-/// The edges of a shape in blocks.
-class Edges {
-public:
-    explicit Edges(const Geometry& geometry) {
-        add(geometry);
-        constexpr std::size_t blockSize = 32;
-        for (std::size_t first = 0; first < edges_.size(); first += blockSize) {
-            addBlock(first, std::min(first + blockSize, edges_.size()));
+    void add(const Vector& position, double around) {
+        for (std::size_t i = 0; i < 3; ++i) {
+            least[i] = std::min(least[i], position[i] - around);
+            most[i] = std::max(most[i], position[i] + around);
         }
     }
+    double size() const { return norm(most - least); }
+    double distance(const Box& other) const {
+        double sum = 0.0;
+        for (std::size_t i = 0; i < 3; ++i) {
+            const double gap = std::max({0.0, least[i] - other.most[i], other.least[i] - most[i]});
+            sum += gap * gap;
+        }
+        return std::sqrt(sum);
+    }
+};
 
-    const std::vector<Block>& blocks() const { return blocks_; }
-    const Edge& operator[](std::size_t index) const { return edges_[index]; }
+/// Pieces by their place: halves of halves.
+class PieceTree {
+public:
+    struct Node {
+        Box box;
+        std::size_t first, last;  ///< pieces [first, last)
+        std::size_t children = 0; ///< the first of two; 0 for none
+    };
+
+    explicit PieceTree(std::vector<Piece> pieces) : pieces_(std::move(pieces)) {
+        nodes_.emplace_back();
+        build(0, 0, pieces_.size());
+    }
+
+    const Node& node(std::size_t index) const { return nodes_[index]; }
+    const Piece& piece(std::size_t index) const { return pieces_[index]; }
 
 private:
-    void add(const Geometry& geometry) {
-        switch (geometry.type()) {
-        case GeometryType::Point:
-            if (!geometry.isEmpty()) {
-                const Position position = positionAt(static_cast<const Point&>(geometry).ordinates());
-                edges_.push_back({position, position, 0.0});
-            }
-            break;
-        case GeometryType::LineString: add(static_cast<const LineString&>(geometry).coordinates()); break;
-        case GeometryType::Polygon:
-            for (const CoordinateSequence& ring : static_cast<const Polygon&>(geometry).rings()) {
-                add(ring);
-            }
-            break;
-        default:
-            for (const GeometryPtr& part : static_cast<const GeometryCollection&>(geometry).parts()) {
-                add(*part);
-            }
-        }
-    }
-
-    void add(const CoordinateSequence& sequence) {
-        for (std::size_t i = 0; i < sequence.size(); ++i) {
-            const Position position = positionAt(sequence.position(i));
-            if (i > 0) {
-                edges_.back().end = position;
-                edges_.back().angle = angle(edges_.back().begin.vector, position.vector);
-            }
-            if (i + 1 < sequence.size() || sequence.size() == 1) {
-                edges_.push_back({position, position, 0.0});
-            }
-        }
-    }
-
-    void addBlock(std::size_t first, std::size_t last) {
-        Vector sum{};
+    void build(std::size_t index, std::size_t first, std::size_t last) {
+        constexpr std::size_t fewPieces = 4;
+        Node node{{}, first, last};
         for (std::size_t i = first; i < last; ++i) {
-            sum = sum + edges_[i].begin.vector + edges_[i].end.vector;
+            node.box.add(pieces_[i].begin.vector, pieces_[i].sagitta);
+            node.box.add(pieces_[i].end.vector, pieces_[i].sagitta);
         }
-        const double length = norm(sum);
-        Block block{first, last, edges_[first].begin.vector, 0.0};
-        if (length > 1e-9) {
-            block.centre = {sum[0] / length, sum[1] / length, sum[2] / length};
+        if (last - first > fewPieces) {
+            const Vector sides = node.box.most - node.box.least;
+            const auto axis =
+                static_cast<std::size_t>(std::max_element(sides.begin(), sides.end()) - sides.begin());
+            const std::size_t middle = first + (last - first) / 2;
+            const auto at = [this](std::size_t i) {
+                return pieces_.begin() + static_cast<std::ptrdiff_t>(i);
+            };
+            std::nth_element(at(first), at(middle), at(last), [axis](const Piece& a, const Piece& b) {
+                return a.begin.vector[axis] + a.end.vector[axis] < b.begin.vector[axis] + b.end.vector[axis];
+            });
+            node.children = nodes_.size();
+            nodes_.resize(nodes_.size() + 2);
+            build(node.children, first, middle);
+            build(node.children + 1, middle, last);
         }
-        for (std::size_t i = first; i < last; ++i) {
-            // No position of an arc is further from its nearer end than half its length.
-            const double toEnds = std::max(angle(block.centre, edges_[i].begin.vector),
-                                           angle(block.centre, edges_[i].end.vector));
-            block.radius = std::max(block.radius, toEnds + edges_[i].angle / 2.0);
-        }
-        blocks_.push_back(block);
+        nodes_[index] = node;
     }
 
-    std::vector<Edge> edges_;
-    std::vector<Block> blocks_;
+    std::vector<Piece> pieces_;
+    std::vector<Node> nodes_;
 };
+
+/// How far along a chord, 0 to 1, it is nearest to a position.
+double nearestOn(const Piece& piece, const Vector& position) {
+    const Vector chord = piece.end.vector - piece.begin.vector;
+    const double square = dot(chord, chord);
+    return square > 0.0 ? std::clamp(dot(position - piece.begin.vector, chord) / square, 0.0, 1.0) : 0.0;
+}
+
+Vector onChord(const Piece& piece, double part) {
+    return piece.begin.vector + part * (piece.end.vector - piece.begin.vector);
+}
+
+/// Where two chords are nearest to each other, and how far apart they are there.
+struct ChordsApart {
+    double partA, partB, distance;
+};
+
+ChordsApart chordsApart(const Piece& a, const Piece& b) {
+    const Vector chordA = a.end.vector - a.begin.vector;
+    const Vector chordB = b.end.vector - b.begin.vector;
+    const Vector between = b.begin.vector - a.begin.vector;
+    const double aa = dot(chordA, chordA), bb = dot(chordB, chordB), ab = dot(chordA, chordB);
+    const double determinant = aa * bb - ab * ab;
+    double partA =
+        determinant > 0.0
+            ? std::clamp((dot(between, chordA) * bb - dot(between, chordB) * ab) / determinant, 0.0, 1.0)
+            : 0.0;
+    const double partB = nearestOn(b, onChord(a, partA));
+    partA = nearestOn(a, onChord(b, partB));
+    return {partA, partB, norm(onChord(b, partB) - onChord(a, partA))};
+}
 
 class NearestSearch {
 public:
-    NearestSearch(const GeographicShape& a, const GeographicShape& b)
-        : ellipsoid_(a.ellipsoid), edgesA_(*a.geometry), edgesB_(*b.geometry),
-          lowerFactor_(a.equatorialRadius * (1.0 - a.eccentricitySquared)),
-          // A long geodesic runs beside the arc on the sphere, by less than this part of its length.
-          bend_(a.equatorialRadius * a.eccentricitySquared) {}
+    NearestSearch(const GeographicShape& shape, PieceTree a, PieceTree b)
+        : ellipsoid_(shape.ellipsoid), treeA_(std::move(a)), treeB_(std::move(b)) {
+        const double polar = shape.equatorialRadius * std::sqrt(1.0 - shape.eccentricitySquared);
+        largestRadius_ = std::max({shape.equatorialRadius, polar * polar / shape.equatorialRadius,
+                                   shape.equatorialRadius * shape.equatorialRadius / polar});
+    }
 
     double run() {
-        struct Pair {
-            double bound;
-            std::size_t a, b;
-        };
-        std::vector<Pair> pairs;
-        pairs.reserve(edgesA_.blocks().size() * edgesB_.blocks().size());
-        for (std::size_t i = 0; i < edgesA_.blocks().size(); ++i) {
-            for (std::size_t j = 0; j < edgesB_.blocks().size(); ++j) {
-                const Block& a = edgesA_.blocks()[i];
-                const Block& b = edgesB_.blocks()[j];
-                const double apart = angle(a.centre, b.centre) - a.radius - b.radius;
-                pairs.push_back({lowerFactor_ * apart - bend_ * (a.radius + b.radius), i, j});
-            }
-        }
-        std::sort(pairs.begin(), pairs.end(), [](const Pair& a, const Pair& b) { return a.bound < b.bound; });
-        for (const Pair& pair : pairs) {
-            if (pair.bound >= best_) {
-                break;
-            }
-            compare(edgesA_.blocks()[pair.a], edgesB_.blocks()[pair.b]);
-        }
+        search(0, 0);
         return best_;
     }
 
 private:
-    /// Two edges that do not cross are nearest at an end of one of them.
-    void compare(const Block& blockA, const Block& blockB) {
-        for (std::size_t i = blockA.first; i < blockA.last; ++i) {
-            for (std::size_t j = blockB.first; j < blockB.last; ++j) {
-                const Edge& a = edgesA_[i];
-                const Edge& b = edgesB_[j];
-                compare(a, b.begin);
-                compare(a, b.end);
-                compare(b, a.begin);
-                compare(b, a.end);
+    void search(std::size_t indexA, std::size_t indexB) {
+        const PieceTree::Node& a = treeA_.node(indexA);
+        const PieceTree::Node& b = treeB_.node(indexB);
+        if (a.box.distance(b.box) >= reach_) {
+            return;
+        }
+        if (a.children == 0 && b.children == 0) {
+            for (std::size_t i = a.first; i < a.last; ++i) {
+                for (std::size_t j = b.first; j < b.last; ++j) {
+                    compare(treeA_.piece(i), treeB_.piece(j));
+                }
             }
+        } else if (b.children == 0 || (a.children != 0 && a.box.size() > b.box.size())) {
+            const bool isFirst = treeA_.node(a.children).box.distance(b.box) <=
+                                 treeA_.node(a.children + 1).box.distance(b.box);
+            search(a.children + (isFirst ? 0 : 1), indexB);
+            search(a.children + (isFirst ? 1 : 0), indexB);
+        } else {
+            const bool isFirst = treeB_.node(b.children).box.distance(a.box) <=
+                                 treeB_.node(b.children + 1).box.distance(a.box);
+            search(indexA, b.children + (isFirst ? 0 : 1));
+            search(indexA, b.children + (isFirst ? 1 : 0));
         }
     }
 
-    void compare(const Edge& edge, const Position& position) {
-        if (lowerFactor_ * angleTo(edge, position.vector) - bend_ * edge.angle < best_) {
-            best_ = std::min(best_, distance(edge, position));
+    /// Two pieces that do not cross are nearest at an end of one of them.
+    void compare(const Piece& a, const Piece& b) {
+        const ChordsApart apart = chordsApart(a, b);
+        const double around = a.sagitta + b.sagitta;
+        if (apart.distance - around >= reach_) {
+            return;
+        }
+        if (!a.isPoint() && !b.isPoint() && apart.distance <= around && cross(a, b, apart)) {
+            found(0.0);
+            return;
+        }
+        if (!a.isPoint() || b.isPoint()) {
+            compareEnds(a, b);
+        }
+        if (!b.isPoint()) {
+            compareEnds(b, a);
         }
     }
 
-    /// The way from a position to an edge: where it meets the edge at a right angle, or at an end.
-    double distance(const Edge& edge, const Position& position) const {
-        double fromBegin = 0.0;
-        double fromEnd = 0.0;
-        geod_inverse(&ellipsoid_, edge.begin.latitude, edge.begin.longitude, position.latitude,
-                     position.longitude, &fromBegin, nullptr, nullptr);
-        if (edge.angle == 0.0) {
-            return fromBegin;
+    void compareEnds(const Piece& piece, const Piece& other) {
+        compare(piece, other.begin);
+        if (!other.isPoint()) {
+            compare(piece, other.end);
         }
-        geod_inverse(&ellipsoid_, edge.end.latitude, edge.end.longitude, position.latitude,
-                     position.longitude, &fromEnd, nullptr, nullptr);
+    }
+
+    void compare(const Piece& piece, const Position& position) {
+        const Vector nearest = onChord(piece, nearestOn(piece, position.vector));
+        if (norm(position.vector - nearest) - piece.sagitta < reach_) {
+            measure(piece, position);
+        }
+    }
+
+    void found(double distance) {
+        if (distance < best_) {
+            best_ = distance;
+            // A geodesic as long as the best has at least this chord, where it bends least.
+            reach_ = best_ < std::numbers::pi * largestRadius_
+                         ? 2.0 * largestRadius_ * std::sin(best_ / (2.0 * largestRadius_))
+                         : std::numeric_limits<double>::infinity();
+        }
+    }
+
+    double between(const Position& a, const Position& b, double* azimuthA) const {
+        double distance = 0.0;
+        geod_inverse(&ellipsoid_, a.latitude, a.longitude, b.latitude, b.longitude, &distance, azimuthA,
+                     nullptr);
+        return distance;
+    }
+
+    /// The way from a position to a piece: to an end, or to where it meets the piece at a right angle.
+    void measure(const Piece& piece, const Position& position) {
+        double towards = 0.0;
+        const double fromBegin = between(piece.begin, position, &towards);
+        found(fromBegin);
+        if (piece.isPoint()) {
+            return;
+        }
+        const double fromEnd = between(piece.end, position, nullptr);
+        found(fromEnd);
         geod_geodesicline line;
-        geod_inverseline(&line, &ellipsoid_, edge.begin.latitude, edge.begin.longitude, edge.end.latitude,
-                         edge.end.longitude, 0);
-        double nearest = std::min(fromBegin, fromEnd);
-        // The cosine of the angle between the edge and the way to the position changes its sign at the foot.
-        const auto cosineAt = [&](double along) {
-            double latitude = 0.0;
-            double longitude = 0.0;
-            double lineAzimuth = 0.0;
-            double distanceHere = 0.0;
-            double azimuth = 0.0;
-            geod_position(&line, along, &latitude, &longitude, &lineAzimuth);
-            geod_inverse(&ellipsoid_, latitude, longitude, position.latitude, position.longitude,
-                         &distanceHere, &azimuth, nullptr);
-            nearest = std::min(nearest, distanceHere);
-            return std::cos((azimuth - lineAzimuth) * std::numbers::pi / 180.0);
+        geod_inverseline(&line, &ellipsoid_, piece.begin.latitude, piece.begin.longitude, piece.end.latitude,
+                         piece.end.longitude, 0);
+        // The cosine of the angle between the piece and the way to the position changes its sign at the foot.
+        const auto cosine = [](double azimuth, double other) {
+            return std::cos((azimuth - other) * std::numbers::pi / 180.0);
         };
-        double low = 0.0;
-        double high = line.s13;
-        double cosineLow = cosineAt(low);
-        double cosineHigh = cosineAt(high);
-        if (!(cosineLow > 0.0 && cosineHigh < 0.0)) {
-            return nearest;
+        const double approach = cosine(towards, line.azi1);
+        // Up to a quarter of the way around, the distance along the piece is a convex function.
+        constexpr double quarter = 9.9e6;
+        if (!(approach > 0.0) ||
+            (fromEnd < quarter && fromBegin < quarter && fromBegin - approach * line.s13 >= best_)) {
+            return;
         }
-        constexpr int mostSteps = 60;
-        constexpr double precision =
-            1e-6; // metres along the edge: squared and halved it is nothing across it
-        for (int step = 0; step < mostSteps && high - low > precision; ++step) {
-            // False position, halved now and then so that it cannot creep.
-            const double along = step % 3 == 2 ? (low + high) / 2.0
-                                               : low + (high - low) * cosineLow / (cosineLow - cosineHigh);
-            const double cosine = cosineAt(along);
-            if (std::abs(cosine) < 1e-13) {
-                break;
+        signChange(0.0, line.s13, 1e-6, [&](double along) {
+            Position here{};
+            double lineAzimuth = 0.0;
+            double azimuth = 0.0;
+            geod_position(&line, along, &here.latitude, &here.longitude, &lineAzimuth);
+            found(between(here, position, &azimuth));
+            return cosine(azimuth, lineAzimuth);
+        });
+    }
+
+    /// Whether two geodesics cross, by going again and again to where they would in the plane: C. F. F.
+    /// Karney, Geodesic intersections, J. Surveying Eng. 150(3) (2024).
+    bool cross(const Piece& a, const Piece& b, const ChordsApart& start) const {
+        geod_geodesicline lineA;
+        geod_geodesicline lineB;
+        geod_inverseline(&lineA, &ellipsoid_, a.begin.latitude, a.begin.longitude, a.end.latitude,
+                         a.end.longitude, 0);
+        geod_inverseline(&lineB, &ellipsoid_, b.begin.latitude, b.begin.longitude, b.end.latitude,
+                         b.end.longitude, 0);
+        double alongA = start.partA * lineA.s13;
+        double alongB = start.partB * lineB.s13;
+        constexpr int mostSteps = 12;
+        constexpr double precision = 1e-7; // metres
+        double moved = INFINITY;
+        for (int step = 0; step < mostSteps && moved > precision; ++step) {
+            double latitudeA = 0.0, longitudeA = 0.0, azimuthA = 0.0;
+            double latitudeB = 0.0, longitudeB = 0.0, azimuthB = 0.0;
+            double apart = 0.0, fromA = 0.0, atB = 0.0;
+            geod_position(&lineA, alongA, &latitudeA, &longitudeA, &azimuthA);
+            geod_position(&lineB, alongB, &latitudeB, &longitudeB, &azimuthB);
+            geod_inverse(&ellipsoid_, latitudeA, longitudeA, latitudeB, longitudeB, &apart, &fromA, &atB);
+            const double angleA = (azimuthA - fromA) * std::numbers::pi / 180.0;
+            const double angleB = (azimuthB - atB) * std::numbers::pi / 180.0;
+            const double sine = std::sin(angleB - angleA);
+            if (apart > 0.0 && std::abs(sine) < 1e-12) {
+                return false; // side by side
             }
-            (cosine > 0.0 ? low : high) = along;
-            (cosine > 0.0 ? cosineLow : cosineHigh) = cosine;
+            const double stepA = apart > 0.0 ? apart * std::sin(angleB) / sine : 0.0;
+            const double stepB = apart > 0.0 ? apart * std::sin(angleA) / sine : 0.0;
+            alongA += stepA;
+            alongB += stepB;
+            moved = std::abs(stepA) + std::abs(stepB);
+            if (std::abs(alongA) > 1e7 || std::abs(alongB) > 1e7) {
+                return false; // nearly side by side, and far from crossing
+            }
         }
-        return nearest;
+        return moved <= precision && alongA >= 0.0 && alongA <= lineA.s13 && alongB >= 0.0 &&
+               alongB <= lineB.s13;
     }
 
     geod_geodesic ellipsoid_;
-    Edges edgesA_;
-    Edges edgesB_;
-    double lowerFactor_;
-    double bend_;
+    PieceTree treeA_;
+    PieceTree treeB_;
+    double largestRadius_;
     double best_ = std::numeric_limits<double>::infinity();
+    double reach_ = std::numeric_limits<double>::infinity(); ///< the chord of the best
 };
+
+/// Calls `use` with every sequence of positions in a linear geometry: points, lines, rings.
+template<typename Use>
+void forEachSequence(const Geometry& geometry, const Use& use) {
+    switch (geometry.type()) {
+    case GeometryType::Point:
+        if (!geometry.isEmpty()) {
+            const auto& point = static_cast<const Point&>(geometry);
+            use(CoordinateSequence(Dimensions::XY, std::span(point.ordinates(), 2)));
+        }
+        break;
+    case GeometryType::LineString: use(static_cast<const LineString&>(geometry).coordinates()); break;
+    case GeometryType::Polygon:
+        for (const CoordinateSequence& ring : static_cast<const Polygon&>(geometry).rings()) {
+            use(ring);
+        }
+        break;
+    default:
+        for (const GeometryPtr& part : static_cast<const GeometryCollection&>(geometry).parts()) {
+            forEachSequence(*part, use);
+        }
+    }
+}
+
+PieceTree treeOf(const GeographicShape& shape) {
+    std::vector<Piece> pieces;
+    forEachSequence(*shape.geometry,
+                    [&](const CoordinateSequence& sequence) { appendPieces(shape, sequence, pieces); });
+    return PieceTree(std::move(pieces));
+}
+
+/// Whether an area of a has a position of b inside. Their borders do not cross, so that one position of each
+/// part is enough.
+bool holdsPartOf(const GeographicShape& a, const Geometry& areas, const std::vector<Position>& ofB) {
+    if (const auto* collection = dynamic_cast<const GeometryCollection*>(&areas)) {
+        return std::any_of(collection->parts().begin(), collection->parts().end(),
+                           [&](const GeometryPtr& part) { return holdsPartOf(a, *part, ofB); });
+    }
+    if (areas.type() != GeometryType::Polygon || areas.isEmpty()) {
+        return false;
+    }
+    std::vector<GeodesicRing> rings;
+    for (const CoordinateSequence& ring : static_cast<const Polygon&>(areas).rings()) {
+        if (!ring.isEmpty()) {
+            rings.emplace_back(a, ring);
+        }
+    }
+    return std::any_of(ofB.begin(), ofB.end(), [&](const Position& position) {
+        return rings.front().contains(position) &&
+               std::none_of(rings.begin() + 1, rings.end(),
+                            [&](const GeodesicRing& hole) { return hole.contains(position); });
+    });
+}
+
+std::vector<Position> onePositionOfEach(const GeographicShape& shape) {
+    std::vector<Position> positions;
+    forEachSequence(*shape.geometry, [&](const CoordinateSequence& sequence) {
+        if (!sequence.isEmpty()) {
+            positions.push_back(positionAt(shape, sequence.x(0), sequence.y(0)));
+        }
+    });
+    return positions;
+}
 
 } // namespace
 
 double geodesicDistance(const GeographicShape& a, const GeographicShape& b) {
-    return NearestSearch(a, b).run();
+    const double distance = NearestSearch(a, treeOf(a), treeOf(b)).run();
+    const bool isInside = distance > 0.0 && (holdsPartOf(a, *a.geometry, onePositionOfEach(b)) ||
+                                             holdsPartOf(b, *b.geometry, onePositionOfEach(a)));
+    return isInside ? 0.0 : distance;
 }
 
 } // namespace orvane::geometry

@@ -22,7 +22,7 @@ GeographicShape onEllipsoid(const Geometry& geometry);
 double geodesicLength(const GeographicShape& shape);
 double geodesicPerimeter(const GeographicShape& shape);
 double geodesicArea(const GeographicShape& shape);
-/// Between shapes on the same ellipsoid that do not intersect and are not empty.
+/// Between shapes on the same ellipsoid that are not empty; 0 when they meet.
 double geodesicDistance(const GeographicShape& a, const GeographicShape& b);
 
 } // namespace orvane::geometry

@@ -1,14 +1,12 @@
 #include "platform/geometry/measures/Measures.h"
 
 #include "platform/cs/CoordSystem.h"
-#include "platform/geometry/forms/GeosForm.h"
 #include "platform/geometry/measures/Geodesics.h"
 #include "platform/geometry/measures/PlanarMeasures.h"
 #include "platform/geometry/measures/Units.h"
 #include "platform/geometry/relations/Relations.h"
 #include "platform/geometry/shapes/Failure.h"
 
-#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -107,27 +105,6 @@ void checkNotEmpty(const Geometry& a, const Geometry& b) {
     }
 }
 
-GeometryPtr turnedBy(const Geometry& geometry, double degrees) {
-    return geometry.mapped([degrees](double* positions, std::size_t count, Dimensions dimensions) {
-        for (std::size_t i = 0; i < count; ++i) {
-            positions[i * strideOf(dimensions)] += degrees;
-        }
-        return true;
-    });
-}
-
-/// Whether two shapes in longitudes and latitudes meet, wherever their longitudes are counted from.
-bool meet(const Geometry& a, const Geometry& b) {
-    const Envelope envelopeA = a.envelope();
-    const Envelope envelopeB = b.envelope();
-    constexpr double turns[] = {0.0, 360.0, -360.0};
-    return std::any_of(std::begin(turns), std::end(turns), [&](double turn) {
-        const bool mayMeet =
-            envelopeB.minX + turn <= envelopeA.maxX && envelopeB.maxX + turn >= envelopeA.minX;
-        return mayMeet && (turn == 0.0 ? Intersects(a, b) : Intersects(a, *turnedBy(b, turn)));
-    });
-}
-
 } // namespace
 
 double length(const Geometry& geometry, const QString& units) {
@@ -169,10 +146,7 @@ double cartesianArea(const Geometry& geometry, const QString& units) {
 double sphericalObjectDistance(const Geometry& a, const Geometry& b, const QString& units) {
     checkNotEmpty(a, b);
     const GeometryPtr other = inSystemOf(a, b);
-    const GeographicShape shapeA = onEllipsoid(a);
-    const GeographicShape shapeB = onEllipsoid(*other);
-    const bool apart = !meet(*shapeA.geometry, *shapeB.geometry);
-    return fromMetres(apart ? geodesicDistance(shapeA, shapeB) : 0.0, units, Power::Length);
+    return fromMetres(geodesicDistance(onEllipsoid(a), onEllipsoid(*other)), units, Power::Length);
 }
 
 double cartesianObjectDistance(const Geometry& a, const Geometry& b, const QString& units) {

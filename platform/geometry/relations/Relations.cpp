@@ -1,37 +1,17 @@
 #include "platform/geometry/relations/Relations.h"
 
 #include "platform/cs/CoordSystem.h"
-#include "platform/geometry/forms/GeosForm.h"
-#include "platform/geometry/shapes/Curves.h"
-#include "platform/geometry/shapes/Failure.h"
+#include "platform/geometry/relations/RelationForm.h"
 
+#include <algorithm>
 #include <cmath>
 #include <stdexcept>
-#include <vector>
 
 namespace orvane::geometry {
 
 namespace {
 
-/// What GEOS's predicates answer.
-constexpr char geosFailed = 2;
-
-/// Holds the locks of the forms of two geometries.
-class PairLock {
-public:
-    PairLock(GeosForm& a, GeosForm& b)
-        : first_(a.mutex(), std::defer_lock), second_(b.mutex(), std::defer_lock) {
-        if (&a == &b) {
-            first_.lock();
-        } else {
-            std::lock(first_, second_);
-        }
-    }
-
-private:
-    std::unique_lock<std::mutex> first_;
-    std::unique_lock<std::mutex> second_;
-};
+using Piece = RelationForm::Piece;
 
 /// b itself, or b in the system of a, kept in `holder`; null when it has no place there.
 const Geometry* inSystemOf(const Geometry& a, const Geometry& b, GeometryPtr& holder) {
@@ -44,107 +24,181 @@ const Geometry* inSystemOf(const Geometry& a, const Geometry& b, GeometryPtr& ho
     return holder.get();
 }
 
-bool answerOf(char answer) {
-    if (answer == geosFailed) {
-        throwGeosError();
+bool meet(Piece& a, Piece& b) {
+    if (!a.envelope.intersects(b.envelope)) {
+        return false;
     }
-    return answer == 1;
+    // Areas and lines are asked rather than points, and what is prepared rather than what would have to be.
+    const bool asksB = a.dimension == 0 || b.dimension == 0 ? b.dimension > a.dimension
+                       : a.preparedForm || b.preparedForm   ? !a.preparedForm
+                                                            : b.dimension > a.dimension;
+    Piece& asked = asksB ? b : a;
+    return isTrue(GEOSPreparedIntersects_r(geosContext(), asked.prepared(), (asksB ? a : b).geometry));
 }
 
-/// The same question about repaired geometries: GEOS's overlay fails on some that are not valid.
-template<typename Ask>
-bool askRepaired(const GEOSGeometry* a, const GEOSGeometry* b, const Ask& ask) {
-    const GeosPtr validA = checked(GEOSMakeValid_r(geosContext(), a));
-    const GeosPtr validB = checked(GEOSMakeValid_r(geosContext(), b));
-    return ask(validA.get(), validB.get());
+bool meet(RelationForm& a, RelationForm& b) {
+    const Envelope place = b.envelope();
+    return std::any_of(a.pieces().begin(), a.pieces().end(), [&](Piece& pieceA) {
+        return pieceA.envelope.intersects(place) &&
+               std::any_of(b.pieces().begin(), b.pieces().end(),
+                           [&](Piece& pieceB) { return meet(pieceA, pieceB); });
+    });
 }
 
-/// The parts of one dimension, joined so that none crosses another; null when there are none.
-GeosPtr partsOfDimension(const GEOSGeometry* geometry, int dimension) {
-    std::vector<GeosPtr> parts;
-    const auto collect = [&](const auto& self, const GEOSGeometry* part) -> void {
-        const int count = GEOSGetNumGeometries_r(geosContext(), part);
-        if (GEOSGeomTypeId_r(geosContext(), part) >= GEOS_MULTIPOINT) {
-            for (int i = 0; i < count; ++i) {
-                self(self, GEOSGetGeometryN_r(geosContext(), part, i));
-            }
-        } else if (GEOSGeom_getDimensions_r(geosContext(), part) == dimension &&
-                   GEOSisEmpty_r(geosContext(), part) == 0) {
-            parts.push_back(checked(GEOSGeom_clone_r(geosContext(), part)));
-        }
-    };
-    collect(collect, geometry);
-    if (parts.empty()) {
-        return nullptr;
+/// Whether one piece of a has all of a piece in it, its border included.
+bool coversPiece(RelationForm& a, const Piece& b) {
+    return std::any_of(a.pieces().begin(), a.pieces().end(), [&](Piece& piece) {
+        return piece.dimension >= b.dimension && piece.envelope.contains(b.envelope) &&
+               isTrue(GEOSPreparedCovers_r(geosContext(), piece.prepared(), b.geometry));
+    });
+}
+
+/// Whether a position of b is outside a: nothing is left of b when the points, lines and areas of a are taken
+/// away.
+bool isBeyond(RelationForm& b, RelationForm& a) {
+    if (std::all_of(b.pieces().begin(), b.pieces().end(),
+                    [&](const Piece& piece) { return coversPiece(a, piece); })) {
+        return false; // for which nothing has to be computed that is rounded
     }
-    const GeosPtr collection = collectionOf(GEOS_GEOMETRYCOLLECTION, std::move(parts));
-    return checked(GEOSUnaryUnion_r(geosContext(), collection.get()));
-}
-
-/// Containment where one of the two is a collection, which GEOS's own does not take: nothing of b may be left
-/// when the points, lines and areas of a are taken away, and the interiors of two parts have to meet.
-bool containsByParts(const GEOSGeometry* a, const GEOSGeometry* b) {
-    GeosPtr partsOfA[3];
     for (int dimension = 0; dimension < 3; ++dimension) {
-        partsOfA[dimension] = partsOfDimension(a, dimension);
-    }
-    bool interiorsMeet = false;
-    for (int dimension = 0; dimension < 3; ++dimension) {
-        GeosPtr rest = partsOfDimension(b, dimension);
-        if (!rest) {
-            continue;
-        }
-        for (const GeosPtr& part : partsOfA) {
-            interiorsMeet =
-                interiorsMeet ||
-                (part && answerOf(GEOSRelatePattern_r(geosContext(), part.get(), rest.get(), "T********")));
-        }
-        for (int taken = 2; taken >= dimension; --taken) {
-            if (partsOfA[taken]) {
-                rest = checked(GEOSDifference_r(geosContext(), rest.get(), partsOfA[taken].get()));
+        const GEOSGeometry* rest = b.joined(dimension);
+        GeosPtr holder;
+        for (int taken = 2; rest && taken >= dimension; --taken) {
+            if (const GEOSGeometry* part = a.joined(taken)) {
+                holder = checked(GEOSDifference_r(geosContext(), rest, part));
+                rest = holder.get();
             }
         }
-        if (GEOSisEmpty_r(geosContext(), rest.get()) != 1) {
-            return false;
+        if (rest && GEOSisEmpty_r(geosContext(), rest) != 1) {
+            return true;
         }
     }
-    return interiorsMeet;
+    return false;
 }
 
-bool isCollection(const GEOSGeometry* geometry) {
-    return GEOSGeomTypeId_r(geosContext(), geometry) == GEOS_GEOMETRYCOLLECTION;
+/// The dimension of what the interiors of two geometries share, -1 for nothing.
+int sharedInterior(RelationForm& a, RelationForm& b) {
+    int shared = -1;
+    for (int dimensionA = 0; dimensionA < 3; ++dimensionA) {
+        for (int dimensionB = 0; dimensionB < 3; ++dimensionB) {
+            const GEOSGeometry* partA = a.joined(dimensionA);
+            const GEOSGeometry* partB = b.joined(dimensionB);
+            if (!partA || !partB) {
+                continue;
+            }
+            char* const matrix = GEOSRelate_r(geosContext(), partA, partB);
+            if (!matrix) {
+                throwGeosError();
+            }
+            shared = std::max(shared, matrix[0] == 'F' ? -1 : matrix[0] - '0');
+            GEOSFree_r(geosContext(), matrix);
+        }
+    }
+    return shared;
 }
 
-using PreparedPredicate = char (*)(GEOSContextHandle_t, const GEOSPreparedGeometry*, const GEOSGeometry*);
-
-/// Asks the prepared form of the owner where it has one.
-char askPrepared(const Geometry& owner, const GEOSGeometry* other, PreparedPredicate predicate) {
-    const GEOSPreparedGeometry* prepared =
-        owner.type() == GeometryType::Point ? nullptr : owner.geosForm().prepared(owner);
-    return prepared ? predicate(geosContext(), prepared, other) : geosFailed;
+int dimensionOf(RelationForm& form) {
+    int dimension = -1;
+    for (const Piece& piece : form.pieces()) {
+        dimension = std::max(dimension, piece.dimension);
+    }
+    return dimension;
 }
 
-bool intersectsGeos(const GEOSGeometry* a, const GEOSGeometry* b) {
-    return answerOf(GEOSIntersects_r(geosContext(), a, b));
+/// Relations of collections, which GEOS does not take, from what they mean.
+bool holdsByPieces(Relation relation, RelationForm& a, RelationForm& b) {
+    const int dimensionA = dimensionOf(a);
+    const int dimensionB = dimensionOf(b);
+    switch (relation) {
+    case Relation::Intersects: return meet(a, b);
+    case Relation::Contains: return !isBeyond(b, a) && sharedInterior(a, b) >= 0;
+    case Relation::Covers: return !isBeyond(b, a);
+    case Relation::Equals: return !isBeyond(a, b) && !isBeyond(b, a);
+    case Relation::Touches: return meet(a, b) && sharedInterior(a, b) < 0;
+    case Relation::Overlaps:
+        return dimensionA == dimensionB && sharedInterior(a, b) == dimensionA && isBeyond(a, b) &&
+               isBeyond(b, a);
+    case Relation::Crosses:
+        if (dimensionA == dimensionB) {
+            return dimensionA == 1 && sharedInterior(a, b) == 0;
+        }
+        return sharedInterior(a, b) >= 0 && (dimensionA < dimensionB ? isBeyond(a, b) : isBeyond(b, a));
+    }
+    return false;
 }
 
-bool containsGeos(const GEOSGeometry* a, const GEOSGeometry* b) {
-    return isCollection(a) || isCollection(b) ? containsByParts(a, b)
-                                              : answerOf(GEOSContains_r(geosContext(), a, b));
+/// Of two that GEOS relates as they are.
+bool holdsByGeos(Relation relation, RelationForm& a, RelationForm& b) {
+    const GEOSContextHandle_t context = geosContext();
+    const GEOSGeometry* geosA = a.related();
+    const GEOSGeometry* geosB = b.related();
+    switch (relation) {
+    case Relation::Intersects: return meet(a, b);
+    case Relation::Contains: return isTrue(GEOSPreparedContains_r(context, a.relatedPrepared(), geosB));
+    case Relation::Covers: return isTrue(GEOSPreparedCovers_r(context, a.relatedPrepared(), geosB));
+    case Relation::Equals: return isTrue(GEOSEquals_r(context, geosA, geosB));
+    case Relation::Touches: return isTrue(GEOSTouches_r(context, geosA, geosB));
+    case Relation::Overlaps: return isTrue(GEOSOverlaps_r(context, geosA, geosB));
+    case Relation::Crosses: return isTrue(GEOSCrosses_r(context, geosA, geosB));
+    }
+    return false;
 }
 
-/// With the locks of both held.
-template<typename Ask>
-bool askPlain(const GEOSGeometry* a, const GEOSGeometry* b, const Ask& ask) {
-    try {
-        return ask(a, b);
-    } catch (const std::runtime_error&) {
-        return askRepaired(a, b, ask);
+bool isRuledOut(Relation relation, const Envelope& a, const Envelope& b) {
+    switch (relation) {
+    case Relation::Contains:
+    case Relation::Covers: return !a.contains(b);
+    case Relation::Equals: return !(a == b);
+    default: return !a.intersects(b);
     }
 }
 
-/// Asks with both forms locked and b in the system of a. False when it has no place there, and where one of
-/// the two has no form.
+bool hasPosition(Piece& piece, const GEOSGeometry* point, Relation relation) {
+    return isTrue(relation == Relation::Intersects
+                      ? GEOSPreparedIntersects_r(geosContext(), piece.prepared(), point)
+                      : GEOSPreparedContains_r(geosContext(), piece.prepared(), point));
+}
+
+bool hasPosition(RelationForm& form, double x, double y, const GEOSGeometry* point, Relation relation) {
+    return std::any_of(form.pieces().begin(), form.pieces().end(), [&](Piece& piece) {
+        const Envelope& place = piece.envelope;
+        return x >= place.minX && x <= place.maxX && y >= place.minY && y <= place.maxY &&
+               hasPosition(piece, point, relation);
+    });
+}
+
+RelationForm repaired(const RelationForm& form) {
+    return RelationForm(checked(GEOSMakeValid_r(geosContext(), form.whole())));
+}
+
+/// Of forms that have pieces.
+bool holds(Relation relation, RelationForm& a, RelationForm& b) {
+    const Envelope place = b.envelope();
+    if (isRuledOut(relation, a.envelope(), place)) {
+        return false;
+    }
+    const GEOSGeometry* related = b.related();
+    if (relation == Relation::Contains && related && GEOSGeomTypeId_r(geosContext(), related) == GEOS_POINT) {
+        return hasPosition(a, place.minX, place.minY, related, relation);
+    }
+    return related && a.related() ? holdsByGeos(relation, a, b) : holdsByPieces(relation, a, b);
+}
+
+bool askPosition(const Geometry& a, double x, double y, Relation relation) {
+    if (!std::isfinite(x) || !std::isfinite(y)) {
+        return false;
+    }
+    const std::lock_guard lock(a.keptForm().mutex());
+    RelationForm& form = RelationForm::of(a);
+    if (form.pieces().empty()) {
+        return false;
+    }
+    const GeosPtr position = checked(GEOSGeom_createPointFromXY_r(geosContext(), x, y));
+    return hasPosition(form, x, y, position.get(), relation);
+}
+
+/// Calls `ask` with the forms of both, locked, b in the system of a. False when it has no place there, and
+/// for what is empty or not finite.
 template<typename Ask>
 bool askInOneSystem(const Geometry& a, const Geometry& b, const Ask& ask) {
     GeometryPtr holder;
@@ -152,98 +206,44 @@ bool askInOneSystem(const Geometry& a, const Geometry& b, const Ask& ask) {
     if (!other) {
         return false;
     }
-    const PairLock lock(a.geosForm(), other->geosForm());
-    const GEOSGeometry* plainA = a.geosForm().plain(a);
-    const GEOSGeometry* plainB = other->geosForm().plain(*other);
-    return plainA && plainB && ask(plainA, *other, plainB);
-}
-
-/// The answer about a position: the prepared form when there is one.
-template<typename Ask>
-bool askPosition(const Geometry& a, double x, double y, PreparedPredicate predicate, const Ask& ask) {
-    if (!std::isfinite(x) || !std::isfinite(y)) {
-        return false;
-    }
-    GeosForm& form = a.geosForm();
-    const std::lock_guard lock(form.mutex());
-    const GEOSGeometry* plain = form.plain(a);
-    if (!plain) {
-        return false;
-    }
-    const GeosPtr position = checked(GEOSGeom_createPointFromXY_r(geosContext(), x, y));
-    const char answer = isCollection(plain) ? geosFailed : askPrepared(a, position.get(), predicate);
-    return answer == geosFailed ? askPlain(plain, position.get(), ask) : answer == 1;
-}
-
-std::shared_ptr<Point> pointFrom(GeosPtr geos, const Geometry& source) {
-    double x = 0.0;
-    double y = 0.0;
-    if (!geos) {
-        throwGeosError();
-    }
-    if (GEOSisEmpty_r(geosContext(), geos.get()) != 0 || GEOSGeomGetX_r(geosContext(), geos.get(), &x) != 1 ||
-        GEOSGeomGetY_r(geosContext(), geos.get(), &y) != 1) {
-        return nullptr;
-    }
-    auto point = std::make_shared<Point>(x, y);
-    point->setCoordSystem(source.coordSystem());
-    return point;
-}
-
-template<typename Operation>
-std::shared_ptr<Point> pointOf(const Geometry& geometry, const Operation& operation) {
-    if (geometry.type() == GeometryType::Point) {
-        const auto& point = static_cast<const Point&>(geometry);
-        if (!std::isfinite(point.x()) || !std::isfinite(point.y())) {
-            return nullptr;
-        }
-        auto copy = std::make_shared<Point>(point.x(), point.y());
-        copy->setCoordSystem(geometry.coordSystem());
-        return copy;
-    }
-    GeosForm& form = geometry.geosForm();
-    const std::lock_guard lock(form.mutex());
-    const GEOSGeometry* plain = form.plain(geometry);
-    return plain ? pointFrom(GeosPtr(operation(geosContext(), plain)), geometry) : nullptr;
-}
-
-/// Rings that are closed and long enough, which the form for GEOS has silently, are what the geometry itself
-/// has.
-bool hasProperRings(const Geometry& geometry) {
-    if (geometry.type() == GeometryType::Polygon) {
-        const auto& rings = static_cast<const Polygon&>(geometry).rings();
-        return std::all_of(rings.begin(), rings.end(), [](const CoordinateSequence& ring) {
-            return ring.isEmpty() || (ring.size() >= 4 && ring.isClosed());
-        });
-    }
-    if (const auto* collection = dynamic_cast<const GeometryCollection*>(&geometry)) {
-        const auto& parts = collection->parts();
-        return std::all_of(parts.begin(), parts.end(),
-                           [](const GeometryPtr& part) { return hasProperRings(*part); });
-    }
-    return true;
+    const FormLock lock(a, *other);
+    RelationForm& formA = RelationForm::of(a);
+    RelationForm& formB = RelationForm::of(*other);
+    return !formA.pieces().empty() && !formB.pieces().empty() && ask(formA, formB);
 }
 
 } // namespace
 
+bool relates(Relation relation, const Geometry& a, const Geometry& b) {
+    return askInOneSystem(a, b, [relation](RelationForm& formA, RelationForm& formB) {
+        try {
+            return holds(relation, formA, formB);
+        } catch (const std::runtime_error&) { // of some geometries that are not valid
+            RelationForm validA = repaired(formA);
+            RelationForm validB = repaired(formB);
+            return holds(relation, validA, validB);
+        }
+    });
+}
+
+std::optional<bool> matches(const Geometry& a, const Geometry& b, const std::string& pattern) {
+    std::optional<bool> answer;
+    askInOneSystem(a, b, [&](RelationForm& formA, RelationForm& formB) {
+        if (formA.related() && formB.related()) {
+            answer =
+                isTrue(GEOSRelatePattern_r(geosContext(), formA.related(), formB.related(), pattern.c_str()));
+        }
+        return answer.has_value();
+    });
+    return answer;
+}
+
 bool Intersects(const Geometry& a, const Geometry& b) {
-    return askInOneSystem(
-        a, b, [&a](const GEOSGeometry* plainA, const Geometry& other, const GEOSGeometry* plainB) {
-            char answer = askPrepared(a, plainB, GEOSPreparedIntersects_r);
-            if (answer == geosFailed) {
-                answer = askPrepared(other, plainA, GEOSPreparedIntersects_r);
-            }
-            return answer == geosFailed ? askPlain(plainA, plainB, intersectsGeos) : answer == 1;
-        });
+    return relates(Relation::Intersects, a, b);
 }
 
 bool Contains(const Geometry& a, const Geometry& b) {
-    return askInOneSystem(
-        a, b, [&a](const GEOSGeometry* plainA, const Geometry&, const GEOSGeometry* plainB) {
-            const bool byParts = isCollection(plainA) || isCollection(plainB);
-            const char answer = byParts ? geosFailed : askPrepared(a, plainB, GEOSPreparedContains_r);
-            return answer == geosFailed ? askPlain(plainA, plainB, containsGeos) : answer == 1;
-        });
+    return relates(Relation::Contains, a, b);
 }
 
 bool ContainsCentroid(const Geometry& a, const Geometry& b) {
@@ -252,51 +252,11 @@ bool ContainsCentroid(const Geometry& a, const Geometry& b) {
 }
 
 bool intersectsPosition(const Geometry& a, double x, double y) {
-    return askPosition(a, x, y, GEOSPreparedIntersects_r, intersectsGeos);
+    return askPosition(a, x, y, Relation::Intersects);
 }
 
 bool containsPosition(const Geometry& a, double x, double y) {
-    return askPosition(a, x, y, GEOSPreparedContains_r, containsGeos);
-}
-
-double planarDistance(const Geometry& a, const Geometry& b) {
-    const PairLock lock(a.geosForm(), b.geosForm());
-    const GEOSGeometry* plainA = a.geosForm().plain(a);
-    const GEOSGeometry* plainB = b.geosForm().plain(b);
-    if (!plainA || !plainB) {
-        throw failure(QT_TRANSLATE_NOOP("orvane::geometry", "Координата геометрии не конечное число."));
-    }
-    double distance = 0.0;
-    if (GEOSDistance_r(geosContext(), plainA, plainB, &distance) != 1) {
-        throwGeosError();
-    }
-    return distance;
-}
-
-std::shared_ptr<Point> centroid(const Geometry& geometry) {
-    return pointOf(geometry, GEOSGetCentroid_r);
-}
-
-std::shared_ptr<Point> PointOnSurface(const Geometry& geometry) {
-    return pointOf(geometry, GEOSPointOnSurface_r);
-}
-
-std::shared_ptr<const Geometry> normalizedGeometry(const std::shared_ptr<const Geometry>& geometry) {
-    if (!geometry) {
-        return nullptr;
-    }
-    GeosForm& form = geometry->geosForm();
-    const std::lock_guard lock(form.mutex());
-    const GEOSGeometry* plain = form.plain(*geometry);
-    if (!plain) {
-        throw failure(QT_TRANSLATE_NOOP("orvane::geometry", "Координата геометрии не конечное число."));
-    }
-    if (answerOf(GEOSisValid_r(geosContext(), plain)) && hasProperRings(*geometry)) {
-        return geometry;
-    }
-    const std::shared_ptr<Geometry> valid = fromGeos(checked(GEOSMakeValid_r(geosContext(), plain)).get());
-    valid->setCoordSystem(geometry->coordSystem());
-    return valid;
+    return askPosition(a, x, y, Relation::Contains);
 }
 
 } // namespace orvane::geometry

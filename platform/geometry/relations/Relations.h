@@ -4,15 +4,36 @@
 #include "platform/geometry/shapes/Shapes.h"
 
 #include <memory>
+#include <optional>
+#include <string>
 
 namespace orvane::geometry {
 
-// Relations in the plane of the coordinates. When both geometries carry coordinate systems that differ, the
-// second is brought to the system of the first before; when that is not possible they have no relation. An
-// empty geometry, and one with a coordinate that is not finite, has no relation to anything. Curves are
-// approximated. The prepared form of a geometry is made once it is asked for again, and kept. Any thread may
-// call these functions, also with the same geometry. They throw std::runtime_error when GEOS fails on
-// geometries that could not be repaired.
+// Relations in the plane of the coordinates. They are those of the parts, whatever a collection holds; the
+// order of the two, and what was asked before, make no difference. When both geometries carry coordinate
+// systems that differ, the second is brought to the system of the first before; when that is not possible
+// they have no relation. An empty geometry, and one with a coordinate that is not finite, has no relation to
+// anything. Curves are approximated. The prepared form of a geometry is kept with it. Any thread may call
+// these functions, also with the same geometry. They throw std::runtime_error when GEOS fails on geometries
+// that could not be repaired.
+
+enum class Relation {
+    Intersects, ///< the two share a position, borders included
+    Contains,   ///< nothing of b is outside a, and their interiors meet
+    Covers,     ///< nothing of b is outside a
+    Equals,     ///< nothing of either is outside the other
+    Touches,    ///< they share positions of a border only
+    Crosses,    ///< interiors meet in less than the larger of them, and something of the smaller is outside
+    Overlaps    ///< of one dimension, which what they share has too, and each has something outside the other
+};
+
+/// Whether a stands in the relation to b.
+ORVANE_PLATFORM_EXPORT bool relates(Relation relation, const Geometry& a, const Geometry& b);
+/// Whether the matrix of the dimensionally extended nine-intersection model (ISO 19125-1) matches the
+/// pattern; none where one of the two is empty, not finite or a collection. Throws std::runtime_error for
+/// what is no pattern.
+ORVANE_PLATFORM_EXPORT std::optional<bool> matches(const Geometry& a, const Geometry& b,
+                                                   const std::string& pattern);
 
 /// The two share a position, borders included.
 ORVANE_PLATFORM_EXPORT bool Intersects(const Geometry& a, const Geometry& b);

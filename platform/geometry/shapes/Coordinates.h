@@ -35,6 +35,10 @@ struct Envelope {
     double maxX = -std::numeric_limits<double>::infinity();
     double maxY = -std::numeric_limits<double>::infinity();
 
+    static Envelope everything() {
+        constexpr double infinite = std::numeric_limits<double>::infinity();
+        return {-infinite, -infinite, infinite, infinite};
+    }
     bool isEmpty() const { return !(minX <= maxX && minY <= maxY); }
     void add(double x, double y) {
         minX = x < minX ? x : minX;
@@ -50,7 +54,7 @@ struct Envelope {
     }
     /// Shared borders count.
     bool intersects(const Envelope& other) const {
-        return minX <= other.maxX && other.minX <= maxX && minY <= other.maxY && other.minY <= maxY;
+        return (minX <= other.maxX) & (other.minX <= maxX) & (minY <= other.maxY) & (other.minY <= maxY);
     }
     bool contains(const Envelope& other) const {
         return minX <= other.minX && other.maxX <= maxX && minY <= other.minY && other.maxY <= maxY;

@@ -2,7 +2,6 @@
 
 #include "platform/cs/CoordSystem.h"
 #include "platform/cs/Transformer.h"
-#include "platform/geometry/forms/GeosForm.h"
 #include "platform/geometry/shapes/Curves.h"
 
 namespace orvane::geometry {
@@ -10,14 +9,15 @@ namespace orvane::geometry {
 Geometry::Geometry(const Geometry& other)
     : Serializable(other), coordSystem_(other.coordSystem_), type_(other.type_),
       dimensions_(other.dimensions_) {
-    GeosForm& shared = other.geosForm();
-    shared.addReference();
-    geosForm_.store(&shared, std::memory_order_relaxed);
+    KeptForm& shared = other.keptForm();
+    shared.references_.fetch_add(1, std::memory_order_relaxed);
+    keptForm_.store(&shared, std::memory_order_relaxed);
 }
 
 Geometry::~Geometry() {
-    if (GeosForm* form = geosForm_.load(std::memory_order_acquire)) {
-        form->release();
+    KeptForm* form = keptForm_.load(std::memory_order_acquire);
+    if (form && form->references_.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+        delete form;
     }
 }
 
@@ -25,14 +25,13 @@ void Geometry::setCoordSystem(std::shared_ptr<cs::CoordSystem> coordSystem) {
     coordSystem_ = std::move(coordSystem);
 }
 
-GeosForm& Geometry::geosForm() const {
-    GeosForm* form = geosForm_.load(std::memory_order_acquire);
+KeptForm& Geometry::keptForm() const {
+    KeptForm* form = keptForm_.load(std::memory_order_acquire);
     if (!form) {
-        auto* made = new GeosForm;
-        if (geosForm_.compare_exchange_strong(form, made, std::memory_order_acq_rel)) {
-            return *made;
+        auto made = std::make_unique<KeptForm>();
+        if (keptForm_.compare_exchange_strong(form, made.get(), std::memory_order_acq_rel)) {
+            return *made.release();
         }
-        made->release();
     }
     return *form;
 }

@@ -9,6 +9,7 @@
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <string_view>
 
 namespace orvane::cs {
@@ -19,8 +20,6 @@ class InputArchive;
 }
 
 namespace orvane::geometry {
-
-class GeosForm;
 
 /// The kinds of geometry. Up to 12 the codes of well-known binary.
 enum class GeometryType : std::uint8_t {
@@ -43,9 +42,32 @@ enum class GeometryType : std::uint8_t {
 class Geometry;
 using GeometryPtr = std::shared_ptr<const Geometry>;
 
+/// What was computed from a shape and is worth keeping: shared by the copies of a geometry, also by those
+/// made before it was.
+class KeptForm {
+public:
+    /// Guards what is kept.
+    std::mutex& mutex() { return mutex_; }
+    /// With the lock held: the object, made when first asked for. The class is the same for all geometries.
+    template<typename Form>
+    Form& get() {
+        if (!form_) {
+            form_ = std::make_shared<Form>();
+        }
+        return *static_cast<Form*>(form_.get());
+    }
+
+private:
+    friend class Geometry;
+
+    std::atomic<int> references_{1};
+    std::mutex mutex_;
+    std::shared_ptr<void> form_;
+};
+
 /// A shape with the coordinate system it is in, if known. The shape never changes; copies share it, and what
-/// GEOS made of it. Any thread may read a geometry; replacing the coordinate system is for one that nobody
-/// else sees.
+/// was computed from it. Any thread may read a geometry; replacing the coordinate system is for one that
+/// nobody else sees.
 class ORVANE_PLATFORM_EXPORT Geometry : public serialization::Serializable {
 public:
     /// What the archive names of all geometries begin with.
@@ -77,8 +99,8 @@ public:
     /// between them, and when a position has no image. Throws nothing of its own.
     GeometryPtr transformed(const std::shared_ptr<cs::CoordSystem>& target) const;
 
-    /// The form that GEOS knows, made when first used. For the sources of this folder.
-    GeosForm& geosForm() const;
+    /// What the library of computations keeps with the shape. For the sources that use it.
+    KeptForm& keptForm() const;
 
     /// Changes positions in place; false gives up.
     using PositionMap = std::function<bool(double* positions, std::size_t count, Dimensions dimensions)>;
@@ -98,7 +120,7 @@ protected:
 
 private:
     std::shared_ptr<cs::CoordSystem> coordSystem_;
-    mutable std::atomic<GeosForm*> geosForm_{nullptr};
+    mutable std::atomic<KeptForm*> keptForm_{nullptr};
     GeometryType type_;
     Dimensions dimensions_;
 };

@@ -158,6 +158,18 @@ TEST(EngineCache, ResemblanceAsksInOrder) {
 }
 
 /// Every kind of blob comes back as what was put in, curves as their approximation.
+/// A collection of collections as one of their parts.
+GeometryPtr sideBySide(const geometry::Geometry& nested) {
+    std::vector<GeometryPtr> parts;
+    for (const GeometryPtr& part : static_cast<const geometry::GeometryCollection&>(nested).parts()) {
+        for (const GeometryPtr& inner : static_cast<const geometry::GeometryCollection&>(*part).parts()) {
+            parts.push_back(inner);
+        }
+    }
+    return std::make_shared<geometry::GeometryCollection>(geometry::GeometryType::GeometryCollection,
+                                                          nested.dimensions(), std::move(parts));
+}
+
 TEST(GeometryConversions, EveryKindOfBlob) {
     PlainCache cache;
     for (const Dimensions dimensions : {Dimensions::XY, Dimensions::XYZ, Dimensions::XYM, Dimensions::XYZM}) {
@@ -170,10 +182,12 @@ TEST(GeometryConversions, EveryKindOfBlob) {
             EXPECT_TRUE(own->equals(*geometry));
             EXPECT_EQ(own->coordSystem(), geometry->coordSystem());
             const auto gaia = cache.geometryInfo(engine::toGaia(geometry, &cache), true).geometry();
-            // SpatiaLite has no blob for some empty kinds, nor for a collection in a collection.
-            ASSERT_TRUE(gaia || kind->isEmpty() || kind == kinds.back()) << toWkt(*kind);
+            // SpatiaLite has no blob for some empty kinds, and the parts of parts stand side by side in it.
+            ASSERT_TRUE(gaia || kind->isEmpty()) << toWkt(*kind);
             if (gaia) {
-                EXPECT_TRUE(gaia->equals(*geometry::linearized(kind)));
+                const GeometryPtr expected =
+                    geometry::linearized(kind == kinds.back() ? sideBySide(*kind) : kind);
+                EXPECT_TRUE(gaia->equals(*expected)) << toWkt(*kind);
                 EXPECT_EQ(gaia->coordSystem(), geometry->coordSystem());
             }
         }
@@ -200,6 +214,19 @@ TEST(GeometryConversions, OtherBinaryForms) {
     const auto multi = cache.geometryInfo(points, true).geometry();
     ASSERT_TRUE(multi);
     EXPECT_EQ(toWkt(*multi), "MULTIPOINT((1 2))");
+    // Collections of multi-parts and of collections
+    for (const GeometryPtr& part : linearKinds(Dimensions::XYZ)) {
+        const auto nested = std::make_shared<geometry::GeometryCollection>(
+            geometry::GeometryType::GeometryCollection, Dimensions::XYZ, std::vector{part, polygon});
+        for (const QSysInfo::Endian order : {QSysInfo::LittleEndian, QSysInfo::BigEndian}) {
+            const auto back = cache.geometryInfo(geometry::GeometryFactory::toWkb(nested, order), true);
+            ASSERT_TRUE(back) << toWkt(*nested);
+            EXPECT_TRUE(back.geometry()->equals(*nested)) << toWkt(*nested);
+        }
+    }
+    const auto nestedFgf = cache.geometryInfo(QByteArray::fromHex("07000000 01000000") + points, true);
+    ASSERT_TRUE(nestedFgf);
+    EXPECT_EQ(toWkt(*nestedFgf.geometry()), "GEOMETRYCOLLECTION(MULTIPOINT((1 2)))");
     // Compressed by SpatiaLite; coordinates that floats hold come back as they were.
     const QByteArray wkb = geometry::GeometryFactory::toWkb(polygon, QSysInfo::LittleEndian);
     const engine::GaiaBytes blob(engine::gaiaFromWkb({wkb.constData(), static_cast<std::size_t>(wkb.size())}),

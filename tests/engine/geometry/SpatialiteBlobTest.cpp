@@ -28,6 +28,10 @@ QByteArray wkbOf(const GeometryPtr& geometry, QSysInfo::Endian order = QSysInfo:
     return GeometryFactory::toWkb(geometry, order);
 }
 
+GeometryPtr decoded(const engine::SpatialiteHeader& header) {
+    return GeometryFactory::fromSpatialite(header.kind, header.content, header.littleEndian, nullptr);
+}
+
 /// The linear kinds that SpatiaLite knows, each with its blob.
 std::vector<std::pair<GeometryPtr, std::string>> linearBlobs(int srid) {
     std::vector<std::pair<GeometryPtr, std::string>> blobs;
@@ -98,12 +102,12 @@ TEST(SpatialiteBlob, HeaderAndBody) {
         const auto header = engine::readSpatialiteHeader(blob);
         ASSERT_TRUE(header);
         EXPECT_EQ(header->srid, -1);
-        EXPECT_TRUE(engine::isSoundSpatialiteBody(*header));
+        EXPECT_TRUE(engine::isSoundSpatialiteBlob(*header));
         EXPECT_EQ(header->envelope.isEmpty(), geometry->isEmpty());
         if (!geometry->isEmpty()) {
             EXPECT_EQ(header->envelope, geometry->envelope());
         }
-        EXPECT_TRUE(GeometryFactory::fromSpatialiteBody(header->body, true, nullptr)->equals(*geometry));
+        EXPECT_TRUE(decoded(*header)->equals(*geometry));
         double x = 0;
         double y = 0;
         EXPECT_EQ(engine::spatialiteBlobPoint(*header, x, y),
@@ -111,7 +115,7 @@ TEST(SpatialiteBlob, HeaderAndBody) {
         for (std::size_t size = 0; size + 1 < blob.size(); ++size) {
             const std::string bytes = blob.substr(0, size) + '\xFE';
             const auto cut = engine::readSpatialiteHeader(bytes);
-            EXPECT_TRUE(!cut || !engine::isSoundSpatialiteBody(*cut)) << size;
+            EXPECT_TRUE(!cut || !engine::isSoundSpatialiteBlob(*cut)) << size;
         }
     }
     EXPECT_FALSE(engine::readSpatialiteHeader("no blob"));
@@ -125,9 +129,9 @@ TEST(SpatialiteBlob, CompressedKinds) {
                 engine::GaiaBytes(engine::gaiaFromWkb(view(wkbOf(geometry))), gaiaToCompressedBlobWkb)
                     .view());
             ASSERT_TRUE(engine::readSpatialiteHeader(blob));
-            EXPECT_TRUE(engine::isSoundSpatialiteBody(*engine::readSpatialiteHeader(blob)));
+            EXPECT_TRUE(engine::isSoundSpatialiteBlob(*engine::readSpatialiteHeader(blob)));
             const std::string cut = blob.substr(0, blob.size() - 2) + '\xFE';
-            EXPECT_FALSE(engine::isSoundSpatialiteBody(*engine::readSpatialiteHeader(cut)));
+            EXPECT_FALSE(engine::isSoundSpatialiteBlob(*engine::readSpatialiteHeader(cut)));
         }
     }
 }
@@ -157,6 +161,32 @@ TEST(SpatialiteBlob, TransformedInPlaceEqualsTransformedObjects) {
     EXPECT_EQ(out, "before");
 }
 
+/// SpatiaLite's short form of points: what reads blobs reads it like the long one.
+TEST(SpatialiteBlob, TinyPoints) {
+    for (const Dimensions dimensions : allDimensions) {
+        const GeometryPtr point = linearKinds(dimensions)[0];
+        std::string whole;
+        ASSERT_TRUE(engine::appendSpatialiteBlob(view(wkbOf(point)), 4326, whole));
+        const engine::GaiaPtr gaia = engine::gaiaFromWkb(view(wkbOf(point)));
+        gaia->Srid = 4326;
+        unsigned char* bytes = nullptr;
+        int size = 0;
+        gaiaToSpatiaLiteBlobWkbEx2(gaia.get(), &bytes, &size, 0, 1);
+        const std::string tiny(reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(size));
+        std::free(bytes);
+        ASSERT_LT(tiny.size(), whole.size());
+        const auto header = engine::readSpatialiteHeader(tiny);
+        const auto expected = engine::readSpatialiteHeader(whole);
+        ASSERT_TRUE(header && expected);
+        EXPECT_EQ(header->srid, 4326);
+        EXPECT_EQ(header->kind, expected->kind);
+        EXPECT_EQ(header->envelope, expected->envelope);
+        EXPECT_EQ(header->content, expected->content);
+        EXPECT_TRUE(engine::isSoundSpatialiteBlob(*header));
+        EXPECT_FALSE(engine::readSpatialiteHeader(tiny.substr(0, tiny.size() - 2) + '\xFE'));
+    }
+}
+
 /// Blobs of machines with the other byte order: SpatiaLite reads them, so do we, to the same geometry.
 TEST(SpatialiteBlob, BigEndianBlobs) {
     for (const Dimensions dimensions : allDimensions) {
@@ -184,8 +214,8 @@ TEST(SpatialiteBlob, BigEndianBlobs) {
             ASSERT_TRUE(header);
             EXPECT_EQ(header->srid, 4326);
             EXPECT_EQ(header->envelope, envelope);
-            EXPECT_TRUE(engine::isSoundSpatialiteBody(*header));
-            EXPECT_TRUE(GeometryFactory::fromSpatialiteBody(header->body, false, nullptr)->equals(*geometry));
+            EXPECT_TRUE(engine::isSoundSpatialiteBlob(*header));
+            EXPECT_TRUE(decoded(*header)->equals(*geometry));
             double x = 0;
             double y = 0;
             EXPECT_EQ(engine::spatialiteBlobPoint(*header, x, y), geometry == kinds[0]);

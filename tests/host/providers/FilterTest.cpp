@@ -264,7 +264,7 @@ TEST_P(Windows, meetBoundingBoxesNotShapes) {
     for (int round = 0; round < 100; ++round) {
         dp::ScanRequest request;
         const double x = coordinate(), y = coordinate();
-        request.window = dp::ScanWindow{x, y, x + 20, y + 20};
+        request.window = geometry::Envelope{x, y, x + 20, y + 20};
         std::set<qlonglong> expected;
         for (std::size_t i = 0; i < boxes.size(); ++i) {
             if (boxes[i].MinX <= x + 20 && boxes[i].MaxX >= x && boxes[i].MinY <= y + 20 &&

@@ -8,6 +8,8 @@
 #include <geodesic.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <map>
 #include <random>
@@ -120,49 +122,199 @@ TEST(Distances, KnownValues) {
         std::runtime_error);
 }
 
-/// The search with blocks and bounds finds what trying everything finds.
-TEST(Distances, NearestOfRandomLines) {
-    std::mt19937 random(7);
-    std::uniform_real_distribution<double> step(-0.8, 0.8);
-    const auto wander = [&](double x, double y, std::size_t count) {
-        return CoordinateSequence(Dimensions::XY, count, [&](double* target) {
-            for (std::size_t i = 0; i < count; ++i) {
-                target[2 * i] = x += step(random);
-                target[2 * i + 1] = y += step(random);
+/// Positions on the geodesics of a ring or line, found one by one.
+class SampledLine {
+public:
+    static constexpr std::size_t perEdge = 150;
+
+    explicit SampledLine(const CoordinateSequence& vertices) {
+        geod_init(&ellipsoid_, 6378137, 1 / 298.257223563);
+        for (std::size_t i = 0; i + 1 < std::max<std::size_t>(vertices.size(), 2); ++i) {
+            const std::size_t next = std::min(i + 1, vertices.size() - 1);
+            geod_inverseline(&edges_.emplace_back(), &ellipsoid_, vertices.y(i), vertices.x(i),
+                             vertices.y(next), vertices.x(next), 0);
+            step_ = std::max(step_, edges_.back().s13 / perEdge);
+        }
+    }
+
+    struct At {
+        double latitude, longitude;
+    };
+    std::size_t size() const { return edges_.size() * perEdge; }
+    double step() const { return step_; }
+    /// `where` counts samples, fractions lie between them.
+    At at(double where) const {
+        const auto edge =
+            std::min(static_cast<std::size_t>(std::max(where, 0.0)) / perEdge, edges_.size() - 1);
+        const double along = std::clamp(where / perEdge - static_cast<double>(edge), 0.0, 1.0);
+        At position{};
+        geod_position(&edges_[edge], along * edges_[edge].s13, &position.latitude, &position.longitude,
+                      nullptr);
+        return position;
+    }
+    double distance(const At& a, const At& b) const {
+        double metres = 0;
+        geod_inverse(&ellipsoid_, a.latitude, a.longitude, b.latitude, b.longitude, &metres, nullptr,
+                     nullptr);
+        return metres;
+    }
+    /// Whether the line goes around a position rather than past it.
+    bool goesAround(const At& position) const {
+        double turned = 0;
+        double before = NAN;
+        for (std::size_t i = 0; i <= size(); ++i) {
+            const At here = at(static_cast<double>(i));
+            double azimuth = 0;
+            geod_inverse(&ellipsoid_, position.latitude, position.longitude, here.latitude, here.longitude,
+                         nullptr, &azimuth, nullptr);
+            turned += i > 0 ? std::remainder(azimuth - before, 360.0) : 0.0;
+            before = azimuth;
+        }
+        return std::abs(turned) > 180;
+    }
+
+private:
+    geod_geodesic ellipsoid_{};
+    std::vector<geod_geodesicline> edges_;
+    double step_ = 0;
+};
+
+/// The least distance of samples, and what is found near by with finer and finer ones.
+double sampledDistance(const SampledLine& a, const SampledLine& b, double& coarse) {
+    const auto inSpace = [](const SampledLine& line) {
+        std::vector<std::array<double, 3>> vectors;
+        for (std::size_t i = 0; i <= line.size(); ++i) {
+            const SampledLine::At at = line.at(static_cast<double>(i));
+            const double latitude = at.latitude * M_PI / 180, longitude = at.longitude * M_PI / 180;
+            vectors.push_back({std::cos(latitude) * std::cos(longitude),
+                               std::cos(latitude) * std::sin(longitude), std::sin(latitude)});
+        }
+        return vectors;
+    };
+    const auto vectorsA = inSpace(a), vectorsB = inSpace(b);
+    double bestA = 0, bestB = 0, nearest = INFINITY;
+    for (std::size_t i = 0; i < vectorsA.size(); ++i) {
+        for (std::size_t j = 0; j < vectorsB.size(); ++j) {
+            const double x = vectorsA[i][0] - vectorsB[j][0], y = vectorsA[i][1] - vectorsB[j][1],
+                         z = vectorsA[i][2] - vectorsB[j][2];
+            if (const double square = x * x + y * y + z * z; square < nearest) {
+                nearest = square;
+                bestA = static_cast<double>(i);
+                bestB = static_cast<double>(j);
             }
-        });
+        }
+    }
+    double best = coarse = a.distance(a.at(bestA), b.at(bestB));
+    for (double width = 1; width > 1e-8; width /= 2) {
+        const double centreA = bestA, centreB = bestB;
+        for (int i = -2; i <= 2; ++i) {
+            for (int j = -2; j <= 2; ++j) {
+                const double whereA = centreA + i * width / 2, whereB = centreB + j * width / 2;
+                if (const double metres = a.distance(a.at(whereA), b.at(whereB)); metres < best) {
+                    best = metres;
+                    bestA = whereA;
+                    bestB = whereB;
+                }
+            }
+        }
+    }
+    return best;
+}
+
+/// Anywhere on the globe, over the poles and the antimeridian, with edges of thousands of kilometres.
+TEST(Distances, AgreeWithSamples) {
+    const QByteArray given = qgetenv("ORVANE_TEST_DISTANCES");
+    const int rounds = given.isEmpty() ? 120 : given.toInt();
+    std::mt19937 random(7);
+    const auto number = [&](double least, double most) {
+        return std::uniform_real_distribution<double>(least, most)(random);
     };
     geod_geodesic ellipsoid;
     geod_init(&ellipsoid, 6378137, 1 / 298.257223563);
-    for (int round = 0; round < 20; ++round) {
-        const LineString a = geographicLine(wander(20, 50, 70));
-        const LineString b = geographicLine(wander(60, 20 + round, 45));
-        double nearest = INFINITY;
-        const auto tryAll = [&](const CoordinateSequence& ends, const CoordinateSequence& edges) {
-            for (std::size_t i = 1; i < edges.size(); ++i) {
-                geod_geodesicline line;
-                geod_inverseline(&line, &ellipsoid, edges.y(i - 1), edges.x(i - 1), edges.y(i), edges.x(i),
-                                 0);
-                for (std::size_t part = 0; part <= 4; ++part) {
-                    double latitude = 0;
-                    double longitude = 0;
-                    geod_position(&line, line.s13 * static_cast<double>(part) / 4, &latitude, &longitude,
-                                  nullptr);
-                    for (std::size_t k = 0; k < ends.size(); ++k) {
-                        double distance = 0;
-                        geod_inverse(&ellipsoid, latitude, longitude, ends.y(k), ends.x(k), &distance,
-                                     nullptr, nullptr);
-                        nearest = std::min(nearest, distance);
-                    }
-                }
-            }
+    // Around one place, so that many meet.
+    const auto shape = [&](double latitude, double longitude, bool isArea) {
+        const auto count = isArea ? 3 + random() % 3 : 1 + random() % 4;
+        const double size = number(2e5, 5e6);
+        std::vector<double> azimuths(count);
+        std::generate(azimuths.begin(), azimuths.end(), [&] { return number(-180, 180); });
+        std::sort(azimuths.begin(), azimuths.end());
+        std::vector<double> positions;
+        for (const double azimuth : azimuths) {
+            double y = 0, x = 0;
+            geod_direct(&ellipsoid, latitude, longitude, azimuth, number(0.3, 1) * size, &y, &x, nullptr);
+            positions.insert(positions.end(), {x, y});
+        }
+        if (isArea) {
+            positions.insert(positions.end(), {positions[0], positions[1]});
+        }
+        return CoordinateSequence(Dimensions::XY, positions);
+    };
+    const auto geometryOf = [](const CoordinateSequence& positions,
+                               bool isArea) -> std::shared_ptr<Geometry> {
+        std::shared_ptr<Geometry> geometry;
+        if (isArea) {
+            geometry = std::make_shared<Polygon>(Dimensions::XY, std::vector{positions});
+        } else if (positions.size() == 1) {
+            geometry = std::make_shared<Point>(positions.x(0), positions.y(0));
+        } else {
+            geometry = std::make_shared<LineString>(positions);
+        }
+        geometry->setCoordSystem(cs::CoordSysFactory::defaultCoordSysFactory()->createFromEpsg(4326));
+        return geometry;
+    };
+    int apart = 0, inside = 0, crossing = 0;
+    for (int round = 0; round < rounds; ++round) {
+        const double latitude = round % 5 == 0 ? 89 : number(-90, 90);
+        const double longitude = round % 7 == 0 ? 179 : number(-180, 180);
+        const bool isAreaA = random() % 2 == 0, isAreaB = random() % 2 == 0;
+        const CoordinateSequence positionsA = shape(latitude, longitude, isAreaA);
+        const CoordinateSequence positionsB =
+            shape(latitude * number(0.6, 1), longitude + number(-40, 40), isAreaB);
+        const auto a = geometryOf(positionsA, isAreaA), b = geometryOf(positionsB, isAreaB);
+        const std::string place = toWkt(*a) + ' ' + toWkt(*b);
+        const double found = sphericalObjectDistance(*a, *b, QString());
+        ASSERT_NEAR(found, sphericalObjectDistance(*b, *a, QString()), 1e-6) << place;
+        const SampledLine linesA(positionsA), linesB(positionsB);
+        double coarse = 0;
+        const double sampled = sampledDistance(linesA, linesB, coarse);
+        // Whatever goes around a place of nearly half the globe, goes around what is opposite as well.
+        const auto holds = [&](const SampledLine& ring, const SampledLine& other) {
+            return ring.goesAround(other.at(0)) && ring.distance(ring.at(0), other.at(0)) < 1e7;
         };
-        tryAll(a.coordinates(), b.coordinates());
-        tryAll(b.coordinates(), a.coordinates());
-        const double found = sphericalObjectDistance(a, b, QString());
-        EXPECT_LE(found, nearest + 1e-6);
-        EXPECT_GT(found, nearest - 100); // samples are up to 16 km beside the foot, 2000 km away
+        if (coarse > linesA.step() + linesB.step() &&
+            ((isAreaA && holds(linesA, linesB)) || (isAreaB && holds(linesB, linesA)))) {
+            ASSERT_EQ(found, 0) << place;
+            ++inside;
+        } else if (found == 0) {
+            ASSERT_LE(coarse, linesA.step() + linesB.step()) << place;
+            ++crossing;
+        } else {
+            ASSERT_LE(found, sampled + 1e-6) << place;
+            ASSERT_GE(found, std::min(sampled - 0.5, coarse - (linesA.step() + linesB.step()) / 2)) << place;
+            ASSERT_NEAR(found, sampled, std::max(0.5, sampled / 100)) << place;
+            ++apart;
+        }
     }
+    EXPECT_GT(apart, rounds / 5);
+    EXPECT_GT(crossing, rounds / 10);
+    EXPECT_GT(inside, rounds / 40);
+}
+
+/// Every pair of their edges would be hundreds of millions.
+TEST(Distances, OfLongLines) {
+    std::mt19937 random(7);
+    std::uniform_real_distribution<double> step(-0.01, 0.01);
+    const auto wander = [&](double x, double y) {
+        return geographicLine(CoordinateSequence(Dimensions::XY, 20000, [&](double* target) {
+            for (std::size_t i = 0; i < 20000; ++i) {
+                target[2 * i] = x += step(random);
+                target[2 * i + 1] = y += step(random);
+            }
+        }));
+    };
+    const LineString a = wander(20, 50), b = wander(60, 20), c = wander(20.5, 50.5);
+    EXPECT_NEAR(sphericalObjectDistance(a, b, QString()), sphericalObjectDistance(b, a, QString()), 1e-6);
+    EXPECT_EQ(sphericalObjectDistance(a, c, QString()), sphericalObjectDistance(c, a, QString()));
 }
 
 } // namespace

@@ -31,6 +31,23 @@ TEST(Wkb, EveryKindComesBackInBothByteOrders) {
     }
 }
 
+TEST(Wkb, EnvelopeWithoutObjects) {
+    for (const Dimensions dimensions : {Dimensions::XY, Dimensions::XYZ, Dimensions::XYM, Dimensions::XYZM}) {
+        for (const GeometryPtr& geometry : allKinds(dimensions)) {
+            for (const QSysInfo::Endian order : {QSysInfo::LittleEndian, QSysInfo::BigEndian}) {
+                const QByteArray wkb = GeometryFactory::toWkb(geometry, order);
+                const std::string_view bytes(wkb.constData(), static_cast<std::size_t>(wkb.size()));
+                const auto envelope = envelopeOfWkb(bytes);
+                ASSERT_EQ(envelope.has_value(), !isCurved(*geometry)) << toWkt(*geometry);
+                EXPECT_TRUE(!envelope || *envelope == geometry->envelope()) << toWkt(*geometry);
+                for (std::size_t size = 0; size < bytes.size(); ++size) {
+                    EXPECT_FALSE(envelopeOfWkb(bytes.substr(0, size)));
+                }
+            }
+        }
+    }
+}
+
 TEST(Wkb, GoldenBytes) {
     EXPECT_EQ(GeometryFactory::toWkb(std::make_shared<Point>(1, 2), QSysInfo::BigEndian),
               hex("00 00000001 3ff0000000000000 4000000000000000"));
@@ -41,6 +58,13 @@ TEST(Wkb, GoldenBytes) {
             "4000000000000000"),
         nullptr);
     EXPECT_EQ(toWkt(*mixed), "MULTIPOINT((1 2),(1 2))");
+    // A network of one triangle
+    const auto network = GeometryFactory::fromWkb(
+        hex("01 10000000 01000000 01 11000000 01000000 04000000 0000000000000000 0000000000000000"
+            "000000000000f03f 0000000000000000 000000000000f03f 000000000000f03f 0000000000000000"
+            "0000000000000000"),
+        nullptr);
+    EXPECT_EQ(toWkt(*network), "MULTIPOLYGON(((0 0,1 0,1 1,0 0)))");
 }
 
 TEST(Wkb, ExtendedFormIsUnderstood) {

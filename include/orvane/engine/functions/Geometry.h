@@ -36,7 +36,7 @@ ORVANE_ENGINE_EXPORT void centroidX(sqlite3_context* context, int count, sqlite3
 ORVANE_ENGINE_EXPORT void centroidY(sqlite3_context* context, int count, sqlite3_value** values);
 
 /// Relations: geometry, geometry; 1 or 0. An unreadable blob gives NULL. The containing geometry's system
-/// counts where systems differ, for intersects the first one's. A geometry met again on the same thread is
+/// counts where systems differ, for intersects the first one's. A geometry met again in the statement is
 /// neither decoded nor prepared again.
 ORVANE_ENGINE_EXPORT void containsCentroid(sqlite3_context* context, int count, sqlite3_value** values);
 ORVANE_ENGINE_EXPORT void centroidWithin(sqlite3_context* context, int count, sqlite3_value** values);
