@@ -148,14 +148,18 @@ void TrackingOutputArchive::saveSerializable(const Serializable* object) {
         saveUInt8(static_cast<std::uint8_t>(ObjectTag::Null));
         return;
     }
-    const NestingGuard guard(depth_);
-    const auto [known, isNew] = objects_.emplace(object, static_cast<std::uint32_t>(objects_.size()));
-    if (!isNew) {
+    if (const auto known = objects_.find(object); known != objects_.end()) {
         saveUInt8(static_cast<std::uint8_t>(ObjectTag::Reference));
         saveUInt32(known->second);
-        return;
+    } else {
+        saveWhole(*object);
     }
-    const std::string_view name = object->archiveName();
+}
+
+void TrackingOutputArchive::saveWhole(const Serializable& object) {
+    const NestingGuard guard(depth_);
+    objects_[&object] = count_++;
+    const std::string_view name = object.archiveName();
     const auto [knownClass, isNewClass] = classes_.emplace(name, static_cast<std::uint32_t>(classes_.size()));
     if (isNewClass) {
         Q_ASSERT(!name.empty() && name.size() <= 255);
@@ -166,8 +170,8 @@ void TrackingOutputArchive::saveSerializable(const Serializable* object) {
         saveUInt8(static_cast<std::uint8_t>(ObjectTag::KnownClass));
         saveUInt32(knownClass->second);
     }
-    saveVersion(object->archiveVersion());
-    object->save(*this);
+    saveVersion(object.archiveVersion());
+    object.save(*this);
 }
 
 std::shared_ptr<Serializable> TrackingInputArchive::loadSerializable() {

@@ -80,6 +80,8 @@ public:
     ~TrackingOutputArchive() override;
     /// Null is written as such.
     void saveSerializable(const Serializable* object);
+    /// In full, also when it was met before.
+    void saveWhole(const Serializable& object);
 
 protected:
     TrackingOutputArchive() = default;
@@ -87,6 +89,7 @@ protected:
 private:
     std::unordered_map<const Serializable*, std::uint32_t> objects_;
     std::unordered_map<std::string_view, std::uint32_t> classes_;
+    std::uint32_t count_ = 0; ///< of the objects in the archive
     int depth_ = 0;
 };
 

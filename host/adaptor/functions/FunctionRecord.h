@@ -35,7 +35,7 @@ struct FunctionRecord {
     const char* summary;   ///< one sentence
     const char* example;   ///< an expression of the dialect that runs by itself, e.g. "Mid('abcdef', 2, 3)"
     const char* result;    ///< its value as the shell prints it, "NULL" for none; null when it depends on the
-                        ///< clock or the locale
+                           ///< clock or the locale
     const char* secondName = nullptr; ///< another SQL name of the same function; null for none
 
     bool isNamed(const char* asked) const {

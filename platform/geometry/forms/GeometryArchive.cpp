@@ -4,6 +4,7 @@
 #include "platform/serialization/CoordSystemArchive.h"
 
 #include <algorithm>
+#include <limits>
 #include <stdexcept>
 
 // What archives hold: kinds that well-known binary has are kept as such, collections of anything as archived
@@ -168,11 +169,15 @@ void GeometryCollection::saveShape(TrackingOutputArchive& archive) const {
         Geometry::saveShape(archive);
         return;
     }
+    constexpr std::uint64_t leastPositionSize = 2 * sizeof(double);
+    if (weight() > static_cast<std::uint64_t>(std::numeric_limits<int>::max()) / leastPositionSize) {
+        throw std::length_error("a geometry of more than 2 GiB");
+    }
     archive.saveUInt8(static_cast<std::uint8_t>(type()));
     archive.saveUInt8(static_cast<std::uint8_t>(dimensions()));
     archive.saveUInt32(static_cast<std::uint32_t>(parts_.size()));
     for (const GeometryPtr& part : parts_) {
-        archive.saveSerializable(part.get());
+        archive.saveWhole(*part); // references that multiply what the bytes stand for are refused when read
     }
 }
 

@@ -5,6 +5,7 @@
 #include <QHash>
 
 #include <algorithm>
+#include <optional>
 
 namespace orvane::geometry {
 
@@ -45,10 +46,10 @@ constexpr NamedUnit areaOnlyUnits[] = {
     {u"are|ares|ар|ара|ары|аров|сотка|сотки|соток", 100.0},
 };
 
-// Also with a full stop behind the short ones.
-constexpr const char16_t* squarePrefixes[] = {u"sq",         u"sq.",         u"square",     u"кв",
-                                              u"кв.",        u"квадратный",  u"квадратная", u"квадратные",
-                                              u"квадратных", u"квадратного", u"квадратной"};
+/// Before or behind a unit of length, longer ones first.
+constexpr const char16_t* squareWords[] = {
+    u"квадратных", u"квадратного", u"квадратный", u"квадратная", u"квадратной",
+    u"квадратные", u"square",      u"sq",         u"кв",         u"2"};
 
 using UnitTable = QHash<QString, Unit>;
 
@@ -56,42 +57,56 @@ QStringList namesOf(const NamedUnit& unit) {
     return QString::fromUtf16(unit.names).split(QLatin1Char('|'));
 }
 
-UnitTable makeLengthTable() {
+/// A name without what people write or leave out: blanks, full stops, the sign of a power, letter case.
+QString bare(const QString& name) {
+    QString text;
+    text.reserve(name.size());
+    for (const QChar letter : name) {
+        if (letter == QChar(0x00B2)) {
+            text += QLatin1Char('2');
+        } else if (!letter.isSpace() && letter != QLatin1Char('.') && letter != QLatin1Char('^')) {
+            text += letter.toLower();
+        }
+    }
+    return text;
+}
+
+template<std::size_t count>
+UnitTable tableOf(const NamedUnit (&units)[count]) {
     UnitTable table;
-    for (const NamedUnit& unit : lengthUnits) {
+    for (const NamedUnit& unit : units) {
         for (const QString& name : namesOf(unit)) {
-            table.insert(name, {unit.factor, unit.isAngular});
+            table.insert(bare(name), {unit.factor, unit.isAngular});
         }
     }
     return table;
 }
 
-UnitTable makeAreaTable() {
-    UnitTable table;
-    for (const NamedUnit& unit : lengthUnits) {
-        const Unit square{unit.factor * unit.factor, unit.isAngular};
-        for (const QString& name : namesOf(unit)) {
-            for (const char16_t* prefix : squarePrefixes) {
-                table.insert(QString::fromUtf16(prefix) + QLatin1Char(' ') + name, square);
-            }
-            table.insert(name + QLatin1Char('2'), square);
-            table.insert(name + QChar(0x00B2), square);
-        }
-    }
-    for (const NamedUnit& unit : areaOnlyUnits) {
-        for (const QString& name : namesOf(unit)) {
-            table.insert(name, {unit.factor, unit.isAngular});
-        }
-    }
-    return table;
+std::optional<Unit> findLength(const QString& bareName) {
+    static const UnitTable table = tableOf(lengthUnits);
+    const auto found = table.constFind(bareName);
+    return found == table.constEnd() ? std::nullopt : std::optional(*found);
 }
 
-Unit find(const UnitTable& table, const QString& name, const char* unknown, QStringList (*known)()) {
-    const auto found = table.constFind(name.simplified().toLower());
-    if (found == table.constEnd()) {
-        throw failure(unknown, name, known().join(QLatin1String(", ")));
+std::optional<Unit> findArea(const QString& bareName) {
+    static const UnitTable table = tableOf(areaOnlyUnits);
+    if (const auto found = table.constFind(bareName); found != table.constEnd()) {
+        return *found;
     }
-    return *found;
+    for (const char16_t* text : squareWords) {
+        const QString word = QString::fromUtf16(text);
+        std::optional<Unit> side;
+        if (bareName.endsWith(word)) {
+            side = findLength(bareName.chopped(word.size()));
+        }
+        if (!side && bareName.startsWith(word) && word != QLatin1String("2")) {
+            side = findLength(bareName.mid(word.size()));
+        }
+        if (side) {
+            return Unit{side->factor * side->factor, side->isAngular};
+        }
+    }
+    return std::nullopt;
 }
 
 /// The name of a unit in each language, with what stands before it there.
@@ -106,19 +121,21 @@ QStringList listedNames(const NamedUnit& unit, const QString& english = {}, cons
 } // namespace
 
 Unit lengthUnit(const QString& name) {
-    static const UnitTable table = makeLengthTable();
-    return find(
-        table, name,
-        QT_TRANSLATE_NOOP("orvane::geometry", "Неизвестная единица длины «%0». Известные единицы: %1."),
-        lengthUnitNames);
+    if (const auto unit = findLength(bare(name))) {
+        return *unit;
+    }
+    throw failure(
+        QT_TRANSLATE_NOOP("orvane::geometry", "Неизвестная единица длины «%0». Известные единицы: %1."), name,
+        lengthUnitNames().join(QLatin1String(", ")));
 }
 
 Unit areaUnit(const QString& name) {
-    static const UnitTable table = makeAreaTable();
-    return find(
-        table, name,
+    if (const auto unit = findArea(bare(name))) {
+        return *unit;
+    }
+    throw failure(
         QT_TRANSLATE_NOOP("orvane::geometry", "Неизвестная единица площади «%0». Известные единицы: %1."),
-        areaUnitNames);
+        name, areaUnitNames().join(QLatin1String(", ")));
 }
 
 QStringList lengthUnitNames() {

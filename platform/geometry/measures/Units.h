@@ -13,11 +13,11 @@ struct Unit {
     bool isAngular = false; ///< of a plane of degrees
 };
 
-/// The unit of that name, English or Russian, whatever the letter case, blanks around it ignored. Throws
+/// The unit of that name, English or Russian, whatever the letter case, blanks and full stops. Throws
 /// std::runtime_error that lists the known names for any other text; empty is not a name either.
 ORVANE_PLATFORM_EXPORT Unit lengthUnit(const QString& name);
-/// Units of area are the squares of units of length ("sq km", "square miles", "km2", "кв. км"), hectares,
-/// acres, ares.
+/// Units of area are the squares of units of length ("sq km", "square miles", "km2", "km^2", "кв.км", "км
+/// кв."), hectares, acres, ares.
 ORVANE_PLATFORM_EXPORT Unit areaUnit(const QString& name);
 
 /// The names that lists of units show: an English and a Russian one for each.

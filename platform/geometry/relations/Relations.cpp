@@ -144,15 +144,6 @@ bool holdsByGeos(Relation relation, RelationForm& a, RelationForm& b) {
     return false;
 }
 
-bool isRuledOut(Relation relation, const Envelope& a, const Envelope& b) {
-    switch (relation) {
-    case Relation::Contains:
-    case Relation::Covers: return !a.contains(b);
-    case Relation::Equals: return !(a == b);
-    default: return !a.intersects(b);
-    }
-}
-
 bool hasPosition(Piece& piece, const GEOSGeometry* point, Relation relation) {
     return isTrue(relation == Relation::Intersects
                       ? GEOSPreparedIntersects_r(geosContext(), piece.prepared(), point)
@@ -214,6 +205,15 @@ bool askInOneSystem(const Geometry& a, const Geometry& b, const Ask& ask) {
 
 } // namespace
 
+bool isRuledOut(Relation relation, const Envelope& a, const Envelope& b) {
+    switch (relation) {
+    case Relation::Contains:
+    case Relation::Covers: return !a.contains(b);
+    case Relation::Equals: return !(a == b);
+    default: return !a.intersects(b);
+    }
+}
+
 bool relates(Relation relation, const Geometry& a, const Geometry& b) {
     return askInOneSystem(a, b, [relation](RelationForm& formA, RelationForm& formB) {
         try {
@@ -228,6 +228,9 @@ bool relates(Relation relation, const Geometry& a, const Geometry& b) {
 
 std::optional<bool> matches(const Geometry& a, const Geometry& b, const std::string& pattern) {
     std::optional<bool> answer;
+    if (pattern.size() != 9 || pattern.find_first_not_of("TF*012") != std::string::npos) {
+        return answer;
+    }
     askInOneSystem(a, b, [&](RelationForm& formA, RelationForm& formB) {
         if (formA.related() && formB.related()) {
             answer =

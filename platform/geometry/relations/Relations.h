@@ -29,9 +29,11 @@ enum class Relation {
 
 /// Whether a stands in the relation to b.
 ORVANE_PLATFORM_EXPORT bool relates(Relation relation, const Geometry& a, const Geometry& b);
+/// Whether the relation cannot hold between geometries of these envelopes.
+ORVANE_PLATFORM_EXPORT bool isRuledOut(Relation relation, const Envelope& a, const Envelope& b);
 /// Whether the matrix of the dimensionally extended nine-intersection model (ISO 19125-1) matches the
-/// pattern; none where one of the two is empty, not finite or a collection. Throws std::runtime_error for
-/// what is no pattern.
+/// pattern; none where one of the two is empty, not finite or a collection of several kinds, and for what
+/// is no pattern.
 ORVANE_PLATFORM_EXPORT std::optional<bool> matches(const Geometry& a, const Geometry& b,
                                                    const std::string& pattern);
 

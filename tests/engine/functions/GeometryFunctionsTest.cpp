@@ -24,6 +24,12 @@ protected:
         const std::string name = record.name;
         const bool takesSystem = name.rfind("TransformTo", 0) == 0 || name == "ToOrvGeo";
         const bool takesTwo = record.group == std::string("Relations") || name.find("Distance") != name.npos;
+        if (record.arity.minimum == 5) {
+            return ",0,0,1,1";
+        }
+        if (record.arity.minimum == 3) {
+            return "," + geometry + ",'T********'";
+        }
         return takesSystem ? ",'epsg:4326'" : takesTwo ? "," + geometry : "";
     }
 
@@ -38,6 +44,24 @@ TEST_F(GeometryFunctions, ValuesThatAreNoGeometry) {
             const std::string call =
                 record.name + ("(" + value) + secondArgument(record, "MakePoint(1,1,4326)") + ")";
             EXPECT_EQ(this->value(call), "null") << call;
+        }
+    }
+}
+
+/// No function that says yes or no of two areas, SpatiaLite's own included, says anything of one and nothing.
+TEST_F(GeometryFunctions, RelationsToNothingAreNull) {
+    std::string names = value("group_concat(name, '|') From (Select Distinct name From pragma_function_list "
+                              "Where narg = 2 And type = 's' And name Not Like '%IsValid%')");
+    names.erase(0, std::string("text ").size());
+    const std::string area = "BuildMbr(0,0,2,2)";
+    for (const std::string& name : pieces(names)) {
+        const std::string answer = value('"' + name + "\"(" + area + "," + area + ")");
+        if (answer != "integer 0" && answer != "integer 1") {
+            continue;
+        }
+        for (const char* const arguments : {"(NULL,MakePoint(1,1))", "(MakePoint(1,1),NULL)", "(NULL,NULL)",
+                                            "(x'00',MakePoint(1,1))", "(MakePoint(1,1),x'00')"}) {
+            EXPECT_NE(value('"' + name + '"' + arguments), "integer -1") << name << arguments;
         }
     }
 }

@@ -146,6 +146,21 @@ TEST(EngineGeometry, WritingLeavesTheGeometryAlone) {
     EXPECT_EQ(point->coordSystem(), epsg(3857));
 }
 
+/// What stands for more than its bytes is not read, so that nothing is written like that.
+TEST(EngineGeometry, RepeatedPartsComeBack) {
+    const auto part = std::make_shared<geometry::LineString>(positions(geometry::Dimensions::XY, 500, 0));
+    const auto nested = std::make_shared<geometry::GeometryCollection>(
+        geometry::GeometryType::GeometryCollection, geometry::Dimensions::XY,
+        std::vector<geometry::GeometryPtr>(20, part));
+    const auto collection = std::make_shared<geometry::GeometryCollection>(
+        geometry::GeometryType::GeometryCollection, geometry::Dimensions::XY,
+        std::vector<geometry::GeometryPtr>(30, nested));
+    const QByteArray blob = EngineGeometry::serialize(collection, {});
+    const auto back = EngineGeometry::deserialize(blob, {}).geometry();
+    ASSERT_TRUE(back);
+    EXPECT_TRUE(back->equals(*collection));
+}
+
 } // namespace
 
 } // namespace orvane::tests

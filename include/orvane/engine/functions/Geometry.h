@@ -41,8 +41,28 @@ ORVANE_ENGINE_EXPORT void centroidY(sqlite3_context* context, int count, sqlite3
 ORVANE_ENGINE_EXPORT void containsCentroid(sqlite3_context* context, int count, sqlite3_value** values);
 ORVANE_ENGINE_EXPORT void centroidWithin(sqlite3_context* context, int count, sqlite3_value** values);
 ORVANE_ENGINE_EXPORT void intersects(sqlite3_context* context, int count, sqlite3_value** values);
+ORVANE_ENGINE_EXPORT void disjoint(sqlite3_context* context, int count, sqlite3_value** values);
 ORVANE_ENGINE_EXPORT void containsEntirely(sqlite3_context* context, int count, sqlite3_value** values);
 ORVANE_ENGINE_EXPORT void entirelyWithin(sqlite3_context* context, int count, sqlite3_value** values);
+
+ORVANE_ENGINE_EXPORT void covers(sqlite3_context* context, int count, sqlite3_value** values);
+ORVANE_ENGINE_EXPORT void coveredBy(sqlite3_context* context, int count, sqlite3_value** values);
+ORVANE_ENGINE_EXPORT void equals(sqlite3_context* context, int count, sqlite3_value** values);
+ORVANE_ENGINE_EXPORT void touches(sqlite3_context* context, int count, sqlite3_value** values);
+ORVANE_ENGINE_EXPORT void crosses(sqlite3_context* context, int count, sqlite3_value** values);
+ORVANE_ENGINE_EXPORT void overlaps(sqlite3_context* context, int count, sqlite3_value** values);
+/// geometry, geometry, pattern of nine: geometry::matches; NULL for a collection as well.
+ORVANE_ENGINE_EXPORT void matchesPattern(sqlite3_context* context, int count, sqlite3_value** values);
+
+/// Relations of the envelopes of two geometries, as their coordinates stand; 1 or 0, NULL where one is no
+/// geometry. The first also takes two corners as four numbers in place of the second geometry.
+ORVANE_ENGINE_EXPORT void envelopesIntersect(sqlite3_context* context, int count, sqlite3_value** values);
+ORVANE_ENGINE_EXPORT void envelopesDisjoint(sqlite3_context* context, int count, sqlite3_value** values);
+ORVANE_ENGINE_EXPORT void envelopeContains(sqlite3_context* context, int count, sqlite3_value** values);
+ORVANE_ENGINE_EXPORT void envelopeWithin(sqlite3_context* context, int count, sqlite3_value** values);
+ORVANE_ENGINE_EXPORT void envelopesEqual(sqlite3_context* context, int count, sqlite3_value** values);
+ORVANE_ENGINE_EXPORT void envelopesTouch(sqlite3_context* context, int count, sqlite3_value** values);
+ORVANE_ENGINE_EXPORT void envelopesOverlap(sqlite3_context* context, int count, sqlite3_value** values);
 
 /// The valid form of a geometry (geometry::normalizedGeometry), an engine blob.
 ORVANE_ENGINE_EXPORT void makeGeoValid(sqlite3_context* context, int count, sqlite3_value** values);
