@@ -16,12 +16,6 @@ struct GaiaDeleter {
 /// A geometry of SpatiaLite's.
 using GaiaPtr = std::unique_ptr<gaiaGeomColl, GaiaDeleter>;
 
-/// Null when SpatiaLite makes nothing of the well-known binary.
-inline GaiaPtr gaiaFromWkb(std::string_view wkb) {
-    return GaiaPtr(
-        ::gaiaFromWkb(reinterpret_cast<const unsigned char*>(wkb.data()), static_cast<unsigned>(wkb.size())));
-}
-
 /// The bytes that a writer of SpatiaLite's allocates for a geometry; empty where it makes none.
 class GaiaBytes {
 public:

@@ -57,7 +57,12 @@ void use(const geometry::GeometryPtr& geometry, Cache& cache) {
     attempt([&] { geometry::appendGeoJson(*geometry, text); });
     attempt([&] { geometry::area(*geometry, QString()); });
     attempt([&] { geometry::cartesianLength(*geometry, QString()); });
-    attempt([&] { geometry::Intersects(*geometry, geometry::Point(1, 2)); });
+    attempt([&] {
+        const geometry::Point point(1, 2);
+        const bool meets = geometry::Intersects(*geometry, point);
+        require(geometry::Intersects(point, *geometry) == meets &&
+                geometry::Intersects(*geometry, point) == meets);
+    });
 }
 
 } // namespace
@@ -69,6 +74,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         use(geometry, cache);
     }
     attempt([&] { use(geometry::GeometryFactory::fromWkb(bytes, nullptr), cache); });
+    attempt([&] { use(geometry::GeometryFactory::fromFgf(bytes), cache); });
     std::string blob;
     if (engine::appendSpatialiteBlob(bytes, 4326, blob)) {
         const auto header = engine::readSpatialiteHeader(blob);

@@ -180,9 +180,12 @@ const GEOSGeometry* RelationForm::related() {
     if (pieces().size() == 1) {
         return pieces_.front().geometry;
     }
-    const bool isOfOneKind = !pieces_.empty() && made_.empty() &&
-                             GEOSGeomTypeId_r(geosContext(), whole_.get()) != GEOS_GEOMETRYCOLLECTION;
-    return isOfOneKind ? whole_.get() : nullptr;
+    if (!isOfOneKind_) {
+        const int kind = GEOSGeomTypeId_r(geosContext(), whole_.get());
+        isOfOneKind_ = !pieces_.empty() && made_.empty() && kind != GEOS_GEOMETRYCOLLECTION &&
+                       (kind != GEOS_MULTIPOLYGON || GEOSisValid_r(geosContext(), whole_.get()) == 1);
+    }
+    return *isOfOneKind_ ? whole_.get() : nullptr;
 }
 
 const GEOSPreparedGeometry* RelationForm::relatedPrepared() {

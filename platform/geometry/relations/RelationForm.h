@@ -3,6 +3,7 @@
 #include "platform/geometry/forms/GeosForm.h"
 
 #include <mutex>
+#include <optional>
 #include <vector>
 
 namespace orvane::geometry {
@@ -57,6 +58,7 @@ private:
     GeosPtr joined_[3];
     bool isConverted_ = false;
     bool hasPieces_ = false;
+    std::optional<bool> isOfOneKind_; ///< with areas that do not overlap
 };
 
 /// Holds the locks of the forms of two geometries.

@@ -1,7 +1,7 @@
+#include "support/Gaia.h"
 #include "support/Kinds.h"
 #include "support/PlainCache.h"
 
-#include "engine/geometry/GaiaPtr.h"
 #include "platform/decimal/QDecNumber.h"
 #include "platform/geometry/forms/GeometryFactory.h"
 #include <orvane/engine/GeometryConversions.h>
@@ -229,7 +229,7 @@ TEST(GeometryConversions, OtherBinaryForms) {
     EXPECT_EQ(toWkt(*nestedFgf.geometry()), "GEOMETRYCOLLECTION(MULTIPOINT((1 2)))");
     // Compressed by SpatiaLite; coordinates that floats hold come back as they were.
     const QByteArray wkb = geometry::GeometryFactory::toWkb(polygon, QSysInfo::LittleEndian);
-    const engine::GaiaBytes blob(engine::gaiaFromWkb({wkb.constData(), static_cast<std::size_t>(wkb.size())}),
+    const engine::GaiaBytes blob(gaiaFromWkb({wkb.constData(), static_cast<std::size_t>(wkb.size())}),
                                  gaiaToCompressedBlobWkb);
     const auto compressed =
         cache.geometryInfo(blob.view().data(), static_cast<unsigned>(blob.view().size()), true);

@@ -1,6 +1,6 @@
+#include "support/Gaia.h"
 #include "support/Kinds.h"
 
-#include "engine/geometry/GaiaPtr.h"
 #include "platform/cs/CoordSystem.h"
 #include "platform/cs/Transformer.h"
 #include "platform/geometry/forms/GeometryFactory.h"
@@ -49,7 +49,7 @@ std::vector<std::pair<GeometryPtr, std::string>> linearBlobs(int srid) {
 TEST(SpatialiteBlob, SameBytesAsSpatialite) {
     for (const Dimensions dimensions : allDimensions) {
         for (const GeometryPtr& geometry : linearKinds(dimensions)) {
-            const engine::GaiaPtr gaia = engine::gaiaFromWkb(view(wkbOf(geometry)));
+            const engine::GaiaPtr gaia = gaiaFromWkb(view(wkbOf(geometry)));
             std::string expected;
             if (gaia) {
                 gaia->Srid = 4326;
@@ -126,8 +126,7 @@ TEST(SpatialiteBlob, CompressedKinds) {
     for (const Dimensions dimensions : allDimensions) {
         for (const GeometryPtr& geometry : {linearKinds(dimensions)[1], linearKinds(dimensions)[2]}) {
             const std::string blob(
-                engine::GaiaBytes(engine::gaiaFromWkb(view(wkbOf(geometry))), gaiaToCompressedBlobWkb)
-                    .view());
+                engine::GaiaBytes(gaiaFromWkb(view(wkbOf(geometry))), gaiaToCompressedBlobWkb).view());
             ASSERT_TRUE(engine::readSpatialiteHeader(blob));
             EXPECT_TRUE(engine::isSoundSpatialiteBlob(*engine::readSpatialiteHeader(blob)));
             const std::string cut = blob.substr(0, blob.size() - 2) + '\xFE';
@@ -167,7 +166,7 @@ TEST(SpatialiteBlob, TinyPoints) {
         const GeometryPtr point = linearKinds(dimensions)[0];
         std::string whole;
         ASSERT_TRUE(engine::appendSpatialiteBlob(view(wkbOf(point)), 4326, whole));
-        const engine::GaiaPtr gaia = engine::gaiaFromWkb(view(wkbOf(point)));
+        const engine::GaiaPtr gaia = gaiaFromWkb(view(wkbOf(point)));
         gaia->Srid = 4326;
         unsigned char* bytes = nullptr;
         int size = 0;
