@@ -33,8 +33,6 @@ public:
     std::shared_ptr<const geometry::Geometry> get(EngineCache& cache, std::string_view blob,
                                                   const std::shared_ptr<cs::CoordSystem>& target);
 
-    void clear();
-
 private:
     struct Entry {
         std::string blob;
@@ -48,6 +46,7 @@ private:
     /// The entry that holds the blob with its geometry; null when it is not kept (yet).
     Entry* find(EngineCache& cache, std::string_view blob,
                 std::shared_ptr<const geometry::Geometry>& geometry);
+    void clear();
 
     std::array<std::uint64_t, entryCount> seen_{}; ///< hashes of the bytes met last
     std::array<std::unique_ptr<Entry>, entryCount> entries_;

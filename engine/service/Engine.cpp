@@ -1,6 +1,5 @@
 #include <orvane/Engine.h>
 
-#include "engine/functions/RecentGeometries.h"
 #include "engine/service/EngineInternal.h"
 
 #include "platform/core/Core.h"
@@ -87,7 +86,6 @@ void Engine::registerExtension(geometry::ResemblanceExtension* extension) {
 
 void Engine::clearCache() {
     internal_->clear();
-    engine::RecentGeometries::ofThread().clear();
 }
 
 void Engine::loadDatabaseModule(const char* path) {

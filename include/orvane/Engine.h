@@ -65,7 +65,7 @@ public:
     engine::EngineCache* cache() const;
     /// Hands an extension, not owned, to the cache: the plug-in manager calls this. Null is ignored.
     void registerExtension(geometry::ResemblanceExtension* extension);
-    /// Forgets decoded geometries, also those that the relations keep for the calling thread.
+    /// Forgets decoded geometries. What relations keep for a statement goes with the statement.
     void clearCache();
 
     /// Loads an SQLite extension library. Throws err::SqliteException naming the path, std::logic_error
