@@ -73,6 +73,7 @@ std::vector<RelationForm::Piece>& RelationForm::pieces() {
     }
     pieces_.clear();
     made_.clear();
+    envelope_ = Envelope();
     if (whole_ && GEOSisEmpty_r(geosContext(), whole_.get()) == 0) {
         const auto hasPosition = [](const GEOSGeometry* point) {
             return GEOSisEmpty_r(geosContext(), point) == 0;
@@ -136,6 +137,7 @@ void RelationForm::addPoint(const Envelope& place) {
 
 void RelationForm::addPiece(const GEOSGeometry* geometry, int dimension) {
     pieces_.push_back({geometry, dimension, envelopeOf(geometry), nullptr});
+    envelope_.add(pieces_.back().envelope);
 }
 
 void RelationForm::addGathered(const std::vector<const GEOSGeometry*>& parts, int kind, int dimension) {
@@ -151,12 +153,9 @@ void RelationForm::addGathered(const std::vector<const GEOSGeometry*>& parts, in
     }
 }
 
-Envelope RelationForm::envelope() {
-    Envelope envelope;
-    for (const Piece& piece : pieces()) {
-        envelope.add(piece.envelope);
-    }
-    return envelope;
+const Envelope& RelationForm::envelope() {
+    pieces();
+    return envelope_;
 }
 
 const GEOSGeometry* RelationForm::joined(int dimension) {

@@ -34,7 +34,7 @@ public:
     const GEOSGeometry* whole() const { return whole_.get(); }
     /// None where whole() is null, and of an empty geometry. Throws std::runtime_error.
     std::vector<Piece>& pieces();
-    Envelope envelope();
+    const Envelope& envelope();
     /// The pieces of one dimension in one, none of which crosses another; null for none.
     const GEOSGeometry* joined(int dimension);
     /// What GEOS relates as it is: the only piece, or all of them where they are parts of one kind; null for
@@ -54,6 +54,7 @@ private:
     std::vector<GeosPtr> made_; ///< what pieces look at that is no part of the whole
     std::vector<const GEOSGeometry*> points_, lines_;
     std::vector<Piece> pieces_;
+    Envelope envelope_;        ///< of the pieces
     GeosPreparedPtr prepared_; // destroyed before the geometry that it looks at
     GeosPtr joined_[3];
     bool isConverted_ = false;

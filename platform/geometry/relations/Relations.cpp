@@ -37,7 +37,7 @@ bool meet(Piece& a, Piece& b) {
 }
 
 bool meet(RelationForm& a, RelationForm& b) {
-    const Envelope place = b.envelope();
+    const Envelope& place = b.envelope();
     return std::any_of(a.pieces().begin(), a.pieces().end(), [&](Piece& pieceA) {
         return pieceA.envelope.intersects(place) &&
                std::any_of(b.pieces().begin(), b.pieces().end(),
@@ -164,7 +164,7 @@ RelationForm repaired(const RelationForm& form) {
 
 /// Of forms that have pieces.
 bool holds(Relation relation, RelationForm& a, RelationForm& b) {
-    const Envelope place = b.envelope();
+    const Envelope& place = b.envelope();
     if (isRuledOut(relation, a.envelope(), place)) {
         return false;
     }
