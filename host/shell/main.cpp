@@ -89,7 +89,7 @@ std::unique_ptr<Output> makeOutput(const Options& options, bool isPrompt) {
                 throw OutputError(*options.outputPath + ": " + std::strerror(errno));
             return std::make_unique<HeldOutput>(descriptor);
         }
-        return std::make_unique<FileOutput>(*options.outputPath);
+        return std::make_unique<FileOutput>(*options.outputPath, options.overwrite);
     } catch (const OutputError& error) {
         throw UsageError(QString::fromUtf8(error.what()));
     }

@@ -8,6 +8,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <memory>
 #include <mutex>
 
 namespace orvane::files {
@@ -17,21 +18,22 @@ namespace {
 // Without a slash at its end: what stands behind it is a path then, which GDAL 3.6 removes without asking us.
 constexpr char prefix[] = "/vsiorvane";
 
-/// A file that was opened for writing too, and whether a failure was told already: after the first, drivers
-/// that do not look write on.
+/// A file, and the first failure to write it. That is told again at the end, for drivers that do not look write
+/// on, and whoever looks at the end must learn of it.
 struct File {
     VSILFILE* handle;
-    bool isWritten;
-    bool hasFailed = false;
+    bool isWritten; ///< opened for writing too
+    int failure = 0;
 
-    void fail() {
-        if (isWritten && !hasFailed)
-            CPLError(CE_Failure, CPLE_FileIO, "%s", std::strerror(errno));
-        hasFailed = true;
+    void report() const {
+        if (failure != 0)
+            CPLError(CE_Failure, CPLE_FileIO, "%s", std::strerror(failure));
     }
     int checked(int result) {
-        if (result != 0)
-            fail();
+        if (result != 0 && isWritten && failure == 0) {
+            failure = errno;
+            report();
+        }
         return result;
     }
 };
@@ -48,16 +50,15 @@ void* open(void*, const char* path, const char* access) {
 size_t write(void* file, const void* bytes, size_t size, size_t count) {
     errno = ENOSPC; // where the system gives no reason
     const size_t written = VSIFWriteL(bytes, size, count, fileOf(file).handle);
-    if (written != count)
-        fileOf(file).fail();
+    fileOf(file).checked(written == count ? 0 : -1);
     return written;
 }
 
 int close(void* file) {
     errno = ENOSPC;
-    const int result = fileOf(file).checked(VSIFCloseL(fileOf(file).handle));
-    delete &fileOf(file);
-    return result;
+    const std::unique_ptr<File> closed(&fileOf(file));
+    closed->report();
+    return closed->checked(VSIFCloseL(closed->handle));
 }
 
 void install() {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "host/providers/Export.h"
+
 #include <QString>
 
 #include <filesystem>
@@ -9,7 +11,7 @@ namespace orvane::files {
 
 /// Puts finished files in the places of others, on the same file system, so that all of it can be taken back.
 /// Every operation throws std::runtime_error with path and cause. Any thread.
-class FileExchange {
+class ORVANE_FILES_EXPORT FileExchange {
 public:
     /// What is replaced is kept in `backups`, an existing directory on that file system.
     explicit FileExchange(const QString& backups);

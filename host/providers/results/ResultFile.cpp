@@ -1,6 +1,7 @@
 #include "host/providers/results/ResultFile.h"
 
 #include "host/providers/datasets/DatasetPool.h"
+#include "host/providers/datasets/FileExchange.h"
 #include "host/providers/datasets/GdalErrors.h"
 #include "host/providers/datasets/LayerSchema.h"
 #include "host/providers/results/ResultLayer.h"
@@ -10,9 +11,6 @@
 #include <QFileInfo>
 
 #include <algorithm>
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
 #include <stdexcept>
 
 namespace orvane::files {
@@ -23,20 +21,23 @@ struct Texts {
     Q_DECLARE_TR_FUNCTIONS(orvane::files::ResultFile)
 };
 
+/// The name under which GDAL knows the format's number for it, -1.
+constexpr char undefinedCartesian[] = "LOCAL_CS[\"Undefined Cartesian SRS\"]";
+
 const std::vector<ResultFormat>& resultFormats() {
     static const std::vector<ResultFormat> formats{
-        {"gpkg", "GPKG", {}, {}},
+        {"gpkg", "GPKG", {}, {}, false, 0, 0, 0, undefinedCartesian},
         {"geojson", "GeoJSON", {}, {"RFC7946=YES"}},
         {"csv", "CSV", {}, {"GEOMETRY=AS_WKT"}},
         // dBASE: names of 10 bytes; texts of a length below 255; numbers as GDAL writes the longest.
         {"shp", "ESRI Shapefile", {}, {"ENCODING=UTF-8"}, true, 10, 254, 24},
-        {"fgb", "FlatGeobuf", {}, {}},
+        {"fgb", "FlatGeobuf", {}, {}, false, 0, 0, 0, nullptr, true},
     };
     return formats;
 }
 
 /// The table makes spatial indices of its own, in memory.
-const ResultFormat tableFormat{"gpkg", "GPKG", {}, {"SPATIAL_INDEX=NO", "FID=cf0b5c3a96d1"}};
+const ResultFormat tableFormat{"gpkg", "GPKG", {}, {"SPATIAL_INDEX=NO", "FID=cf0b5c3a96d1"}, false, 0, 0, 0, undefinedCartesian};
 
 const ResultFormat* formatOf(const QString& path) {
     const QString suffix = QFileInfo(path).suffix().toLower();
@@ -51,22 +52,21 @@ const ResultFormat* formatOf(const QString& path) {
     throw std::runtime_error(QStringLiteral("%1: %2").arg(path, cause).toStdString());
 }
 
-QString systemError() {
-    return QString::fromLocal8Bit(std::strerror(errno));
+/// The files that may stand beside a Shapefile, which would not fit other rows.
+QStringList partsOf(const QFileInfo& file) {
+    static const QStringList endings{QStringLiteral("dbf"), QStringLiteral("shx"), QStringLiteral("prj"),
+                                     QStringLiteral("cpg"), QStringLiteral("qix"), QStringLiteral("sbn"),
+                                     QStringLiteral("sbx"), QStringLiteral("idm"), QStringLiteral("ind")};
+    QStringList parts;
+    if (file.suffix().toLower() == QLatin1String("shp")) {
+        for (const QString& ending : endings)
+            parts += file.absoluteDir().filePath(file.completeBaseName() + QLatin1Char('.') + ending);
+    }
+    return parts;
 }
 
-/// Beside a Shapefile stand indices that would not fit the new rows.
-void removeStaleParts(const QFileInfo& file, const QStringList& written) {
-    static const QStringList parts{QStringLiteral("qix"), QStringLiteral("sbn"), QStringLiteral("sbx"),
-                                   QStringLiteral("idm"), QStringLiteral("ind"), QStringLiteral("prj"),
-                                   QStringLiteral("cpg")};
-    if (file.suffix().toLower() != QLatin1String("shp"))
-        return;
-    for (const QString& part : parts) {
-        const QString name = file.completeBaseName() + QLatin1Char('.') + part;
-        if (!written.contains(name))
-            QFile::remove(file.dir().filePath(name));
-    }
+std::filesystem::path diskPath(const QString& path) {
+    return QFile::encodeName(path).toStdString();
 }
 
 /// What makes a directory; its failures name what it is for.
@@ -106,6 +106,10 @@ void ResultFile::requireFree() const {
     if (file.exists() && (!overwrite_ || !file.isFile()))
         raise(path_, file.isFile() ? Texts::tr("файл уже есть; с --overwrite он заменяется")
                                    : Texts::tr("имя занято не файлом"));
+    for (const QString& part : partsOf(file)) {
+        if (!overwrite_ && QFileInfo::exists(part))
+            raise(part, Texts::tr("файл уже есть; с --overwrite он заменяется"));
+    }
 }
 
 QStringList ResultFile::write(ResultRows& rows) {
@@ -126,14 +130,23 @@ void ResultFile::publish() {
     requireFree();
     const QFileInfo file(path_);
     const QDir written(directory_->path());
-    const QStringList names = written.entryList(QDir::Files);
-    for (const QString& name : names) {
-        const QByteArray from = QFile::encodeName(written.filePath(name));
-        const QByteArray to = QFile::encodeName(file.absoluteDir().filePath(name));
-        if (std::rename(from.constData(), to.constData()) != 0)
-            raise(path_, systemError());
+    QDir(directory_->path()).mkdir(QStringLiteral("replaced"));
+    FileExchange exchange(written.filePath(QStringLiteral("replaced")));
+    try {
+        QStringList stale = partsOf(file);
+        for (const QString& name : written.entryList(QDir::Files)) {
+            const QString place = file.absoluteDir().filePath(name);
+            exchange.put(diskPath(written.filePath(name)), diskPath(place), overwrite_);
+            stale.removeAll(place);
+        }
+        for (const QString& part : stale) {
+            if (QFileInfo::exists(part))
+                exchange.remove(diskPath(part));
+        }
+    } catch (const std::exception& error) {
+        exchange.undo();
+        raise(path_, QString::fromUtf8(error.what()));
     }
-    removeStaleParts(QFileInfo(file.absoluteFilePath()), names);
 }
 
 std::shared_ptr<LayerTable> addResultTable(dp::DataCatalog& catalog, const QString& name, ResultRows& rows) {

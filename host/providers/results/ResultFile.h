@@ -31,7 +31,7 @@ public:
     /// What the format could not keep, other names and texts that were cut, is told by sentences for the
     /// user.
     QStringList write(ResultRows& rows);
-    /// Puts the written file in its place.
+    /// Puts the written file in its place: all of its parts, or none.
     void publish();
 
 private:

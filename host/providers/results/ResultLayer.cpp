@@ -1,5 +1,6 @@
 #include "host/providers/results/ResultLayer.h"
 
+#include "host/providers/datasets/CheckedFiles.h"
 #include "host/providers/datasets/GdalErrors.h"
 #include "host/providers/datasets/GdalHandles.h"
 #include "host/providers/datasets/LayerSchema.h"
@@ -10,6 +11,7 @@
 #include <orvane/engine/SpatialiteBlob.h>
 
 #include <QCoreApplication>
+#include <QFileInfo>
 
 #include <algorithm>
 #include <array>
@@ -225,7 +227,8 @@ class LayerWriter {
 public:
     LayerWriter(ResultRows& rows, const ResultFormat& format, const QString& path, const QString& layerName,
                 bool keepsBlobs)
-        : rows_(rows), format_(format), keepsBlobs_(keepsBlobs), driver_(GDALGetDriverByName(format.driver)) {
+        : rows_(rows), format_(format), keepsBlobs_(keepsBlobs), driver_(GDALGetDriverByName(format.driver)),
+          directory_(checkedPath(QFileInfo(path).absolutePath())) {
         createLayer(path, layerName);
         createFields();
     }
@@ -244,6 +247,8 @@ private:
     const ResultFormat& format_;
     const bool keepsBlobs_;
     const GDALDriverH driver_;
+    const QByteArray directory_; ///< of the temporary files of drivers
+    const ThreadOption temporaryFiles_{"CPL_TMPDIR", directory_.constData()};
     const ThreadOption withoutWaiting_{"OGR_SQLITE_SYNCHRONOUS", "OFF"}; // nobody knows the file yet
     DatasetHandle dataset_;
     OGRLayerH layer_ = nullptr;
@@ -260,8 +265,9 @@ void LayerWriter::createLayer(const QString& path, const QString& layerName) {
                                      .arg(QLatin1String(format_.suffix))
                                      .toStdString());
     auto datasetOptions = optionList(format_.datasetOptions);
-    dataset_.reset(
-        GDALCreate(driver_, path.toUtf8().constData(), 0, 0, 0, GDT_Unknown, datasetOptions.List()));
+    // SQLite writes by itself, and sees to its failures.
+    const QByteArray target = lists(driver_, GDAL_DMD_EXTENSIONS, "gpkg") ? path.toUtf8() : checkedPath(path);
+    dataset_.reset(GDALCreate(driver_, target.constData(), 0, 0, 0, GDT_Unknown, datasetOptions.List()));
     if (!dataset_)
         errors_.raise(Texts::tr("файл не создаётся"));
     ReferenceHandle reference;
@@ -269,8 +275,12 @@ void LayerWriter::createLayer(const QString& path, const QString& layerName) {
         const ResultColumn& column = rows_.columns()[static_cast<std::size_t>(position)];
         type_ = layerType(column, GDALGetMetadataItem(driver_, "DCAP_CURVE_GEOMETRIES", nullptr) != nullptr);
         reference = referenceOf(column.coordSystem);
+        if (!reference && format_.undefinedSystem)
+            reference.reset(OSRNewSpatialReference(format_.undefinedSystem));
     }
     auto layerOptions = optionList(format_.layerOptions);
+    if (position >= 0 && format_.indexLosesRows && rows_.columns()[static_cast<std::size_t>(position)].hasNulls)
+        layerOptions.SetNameValue("SPATIAL_INDEX", "NO");
     layer_ = GDALDatasetCreateLayer(dataset_.get(), layerName.toUtf8().constData(), reference.get(), type_,
                                     layerOptions.List());
     if (!layer_)
@@ -356,6 +366,9 @@ WrittenLayer LayerWriter::writeRows() {
     });
     if (cancellation.isRequested())
         throw std::runtime_error(Texts::tr("прервано").toStdString());
+    if (hasTransactions)
+        GDALFlushCache(dataset_.get()); // what the driver holds back belongs into the transaction
+    errors_.raiseIfFailed(Texts::tr("слой не записывается"));
     if (hasTransactions && GDALDatasetCommitTransaction(dataset_.get()) != OGRERR_NONE)
         errors_.raise(Texts::tr("слой не записывается"));
     dataset_.reset(); // many drivers write only now

@@ -16,6 +16,9 @@ struct ResultFormat {
     int mostNameBytes = 0; ///< of a field, 0 for any number; as the next
     int mostTextBytes = 0; ///< of a value
     int realWidth = 0;     ///< characters of every real number, 0 where they are not written as text
+    /// What says that nothing is known of the coordinate system, where the driver would assume one.
+    const char* undefinedSystem = nullptr;
+    bool indexLosesRows = false; ///< a spatial index leaves out rows without a geometry
 };
 
 /// The layer that writeLayer() has written.

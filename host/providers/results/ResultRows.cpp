@@ -243,7 +243,7 @@ void ResultRows::append(ResultColumn& column, int index) {
         column.hasBytes = true;
         return appendCell(Kind::Bytes, {bytes, size});
     }
-    default: return appendCell(Kind::Null, {});
+    default: column.hasNulls = true; return appendCell(Kind::Null, {});
     }
 }
 

@@ -48,6 +48,7 @@ struct ResultColumn {
     bool hasReals = false;
     bool hasTexts = false;
     bool hasBytes = false;
+    bool hasNulls = false;
     bool isSingle = true;   ///< every number is a float
     bool areMoments = true; ///< every text has the form of the source's date, time or both
     bool hasNegatives = false;

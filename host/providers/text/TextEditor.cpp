@@ -129,9 +129,10 @@ void TextEditor::writeOut(const QString& path) {
         file.cancelWriting();
         throw;
     }
-    if (!file.commit())
-        throw dp::EditError(
-            tr("Не удалось записать «%1»: %2").arg(fileName(*table_), file.errorString()).toStdString());
+    const bool isWritten = file.flush();
+    const QString reason = file.errorString(); // QSaveFile forgets it
+    if (!isWritten || !file.commit())
+        throw dp::EditError(tr("Не удалось записать «%1»: %2").arg(fileName(*table_), reason).toStdString());
     forget();
     table_->follow(path.toUtf8());
     rows_ = table_->rowCount();

@@ -1,5 +1,7 @@
 #include "host/shell/output/Output.h"
 
+#include "host/providers/datasets/FileExchange.h"
+
 #include "host/shell/messages/Shell.h"
 
 #include <algorithm>
@@ -185,8 +187,12 @@ bool PagedOutput::page(const std::string& command) {
     return pager != 0 && (leftByUser || (WIFEXITED(status) && WEXITSTATUS(status) == 0));
 }
 
-FileOutput::FileOutput(std::string path) : Output(1 << 16), path_(std::move(path)) {
+FileOutput::FileOutput(std::string path, bool overwrites)
+    : Output(1 << 16), path_(std::move(path)), overwrites_(overwrites) {
     const QString file = QString::fromStdString(path_);
+    if (!overwrites_ && ::access(path_.c_str(), F_OK) == 0)
+        throw OutputError(
+            QStringLiteral("%0: %1").arg(file, Shell::tr("файл уже есть; с --overwrite он заменяется")).toStdString());
     try {
         directory_ = files::ResultDirectory::beside(file);
     } catch (const std::runtime_error& error) {
@@ -220,9 +226,14 @@ void FileOutput::discard() {
 }
 
 void FileOutput::finish() {
-    if (::close(std::exchange(descriptor_, -1)) != 0 ||
-        std::rename(temporaryPath_.c_str(), path_.c_str()) != 0)
-        fail(QString::fromStdString(path_));
+    const QString file = QString::fromStdString(path_);
+    if (::close(std::exchange(descriptor_, -1)) != 0)
+        fail(file);
+    try {
+        files::FileExchange(directory_->path()).put(temporaryPath_, path_, overwrites_);
+    } catch (const std::runtime_error& error) {
+        throw OutputError(error.what());
+    }
 }
 
 } // namespace orvane::shell

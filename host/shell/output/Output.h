@@ -112,10 +112,11 @@ private:
 };
 
 /// A file that takes its place, in one step, when all statements have succeeded; until then, and after a
-/// failure, the file that was there before stays as it is.
+/// failure, what was there before stays as it is.
 class FileOutput : public Output {
 public:
-    explicit FileOutput(std::string path);
+    /// Throws where there is such a file, unless it may be replaced.
+    FileOutput(std::string path, bool overwrites);
     ~FileOutput() override;
     void commit() override;
     void discard() override;
@@ -126,6 +127,7 @@ protected:
 
 private:
     std::string path_;
+    bool overwrites_;
     std::shared_ptr<files::ResultDirectory> directory_; ///< where the file is until then
     std::string temporaryPath_;
     int descriptor_ = -1;

@@ -8,6 +8,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <QFileInfo>
 #include <QLocale>
 
 #include <charconv>
@@ -112,6 +113,39 @@ UsageError usageError(const CLI::ParseError& error) {
         return UsageError(Shell::tr("параметру %0 нужно одно значение; %1")
                               .arg(details.section(QLatin1Char(':'), 0, 0), hint));
     return UsageError(QStringLiteral("%0; %1").arg(details, hint));
+}
+
+/// Refuses a file name that promises another format than the one that would be written. `format` is empty
+/// when the user names none.
+void requireFittingEnding(const QString& path, const std::string& format) {
+    static const std::map<std::string, QStringList> endings{
+        {"table", {}},
+        {"csv", {QStringLiteral("csv")}},
+        {"json", {QStringLiteral("json")}},
+        {"geojson", {QStringLiteral("geojson"), QStringLiteral("json")}}};
+    // Those that people expect to hold tables, layers or pictures.
+    static const QStringList otherFormats =
+        QStringLiteral("arrow avro bmp csv db dbf dgn dwg dxf e00 feather fgb gdb geojson geojsonl geojsons gif "
+                       "gml gmt gpkg gpx gz jpeg jpg json jsonl kml kmz mbtiles mdb mid mif mvt nc ods parquet "
+                       "pdf png prj rar shp shx shz sqlite sqlite3 svg tab tif tiff topojson vrt wkb xls xlsm "
+                       "xlsx xml zip 7z")
+            .split(QLatin1Char(' '));
+    const QString ending = QFileInfo(path).suffix().toLower();
+    const auto chosen = endings.find(format);
+    const bool fits = format.empty() ? files::ResultFile::isKnown(path)
+                                     : chosen != endings.end() && chosen->second.contains(ending);
+    if (fits || !otherFormats.contains(ending))
+        return;
+    if (!format.empty())
+        throw UsageError(Shell::tr("--output: ответ вида %0 не записать в файл .%1")
+                             .arg(QString::fromStdString(format), ending));
+    QStringList known = files::ResultFile::endings();
+    for (const auto& [name, own] : endings) {
+        for (const QString& each : own)
+            known += QStringLiteral(".%0 (--format %1)").arg(each, QString::fromStdString(name));
+    }
+    throw UsageError(Shell::tr("--output: файлы .%0 не пишутся; пишутся %1")
+                         .arg(ending, known.join(QStringLiteral(", "))));
 }
 
 /// What --help-function prints. Throws UsageError for a function that has no description.
@@ -234,6 +268,8 @@ std::optional<Options> parseOptions(int argc, const char* const* argv) {
     if (output->count() != 0 && raw.output != "-") // standard output, as everywhere
         options.outputPath = raw.output;
     options.overwrite = raw.overwrite;
+    if (options.outputPath && !raw.translate)
+        requireFittingEnding(QString::fromStdString(raw.output), format->count() != 0 ? raw.format : "");
     options.outputIsData = options.outputPath && format->count() == 0 && !raw.translate &&
                            files::ResultFile::isKnown(QString::fromStdString(raw.output)) &&
                            !raw.output.starts_with("/dev/");
