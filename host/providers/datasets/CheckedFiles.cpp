@@ -18,8 +18,8 @@ namespace {
 // Without a slash at its end: what stands behind it is a path then, which GDAL 3.6 removes without asking us.
 constexpr char prefix[] = "/vsiorvane";
 
-/// A file, and the first failure to write it. That is told again at the end, for drivers that do not look write
-/// on, and whoever looks at the end must learn of it.
+/// A file, and the first failure to write it. That is told again at the end, for drivers that do not look
+/// write on, and whoever looks at the end must learn of it.
 struct File {
     VSILFILE* handle;
     bool isWritten; ///< opened for writing too

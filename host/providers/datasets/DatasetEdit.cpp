@@ -90,8 +90,22 @@ void DatasetEdit::startTransaction() {
     // statement may have to restore from being written for every row.
     execute(QStringLiteral("PRAGMA cache_spill = OFF; PRAGMA temp_store = MEMORY"));
     const GdalErrorScope errors;
+    const qint64 version = numberOf("PRAGMA user_version");
     if (GDALDatasetStartTransaction(dataset(), FALSE) != OGRERR_NONE)
         raiseFromDriver(errors.error());
+    // SQLite waits for another writer only where a transaction begins with writing.
+    execute(QStringLiteral("PRAGMA user_version = %1").arg(version));
+}
+
+qint64 DatasetEdit::numberOf(const char* query) {
+    qint64 number = 0;
+    const auto take = [](void* target, int, char** values, char**) {
+        *static_cast<qint64*>(target) = QByteArray(values[0]).toLongLong();
+        return 0;
+    };
+    if (sqlite3_exec(database(), query, take, &number, nullptr) != SQLITE_OK)
+        raiseFromDriver(QString::fromUtf8(sqlite3_errmsg(database())));
+    return number;
 }
 
 void DatasetEdit::close() noexcept {
@@ -120,10 +134,23 @@ void DatasetEdit::raiseIfFailed(const GdalErrorScope& errors) const {
         raiseFromDriver(errors.error());
 }
 
+std::shared_ptr<void> DatasetEdit::sharedDataset() const {
+    const bool keepsIdentifiers =
+        dataset_ && EQUAL(GDALGetDriverShortName(GDALGetDatasetDriver(dataset())), "GPKG");
+    return keepsIdentifiers ? dataset_ : nullptr;
+}
+
 void DatasetEdit::writeOut() {
     const GdalErrorScope errors;
-    GDALFlushCache(dataset());
+    if (!hasCopy()) {
+        GDALFlushCache(dataset());
+        raiseIfFailed(errors);
+        return;
+    }
+    users_.clear();
+    dataset_.reset(); // some drivers hold appended features back until then, whatever they are told
     raiseIfFailed(errors);
+    reopen();
 }
 
 void DatasetEdit::finish() {
@@ -176,10 +203,14 @@ void DatasetEdit::returnToSavepoint(int number) {
 }
 
 void DatasetEdit::abandon() noexcept {
+    if (hasCopy() || !dataset_ || isPrepared())
+        return;
     const GdalErrorScope errors;
     users_.clear();
-    if (!hasCopy() && dataset_ && !isPrepared())
-        GDALDatasetRollbackTransaction(dataset());
+    // After some failures SQLite has ended the transaction by itself: what GDAL then brings up to date on its
+    // way out, the time of the change and the like, would be written.
+    sqlite3_exec(database(), "PRAGMA query_only = ON", nullptr, nullptr, nullptr);
+    GDALDatasetRollbackTransaction(dataset());
 }
 
 } // namespace orvane::files

@@ -26,8 +26,10 @@ public:
     GDALDatasetH dataset() const { return dataset_.get(); }
     /// Keeps what uses handles of the dataset, until that is closed.
     void hold(std::shared_ptr<void> user) { users_.push_back(std::move(user)); }
-    /// The dataset for readers who want to see the changes; null where they open path() for that.
-    std::shared_ptr<void> sharedDataset() const { return hasCopy() ? nullptr : dataset_; }
+    /// The dataset for readers who want to see the changes; null where they open path() for that, or where
+    /// GDAL's queries do not give the identifiers of rows (SQLite other than GeoPackage): there they see the
+    /// rows as they were.
+    std::shared_ptr<void> sharedDataset() const;
 
 private:
     void writeOut() override;
@@ -44,6 +46,7 @@ private:
     void correctCounts();
     sqlite3* database() const;
     void execute(const QString& statement);
+    qint64 numberOf(const char* query);
     [[noreturn]] void raiseFromDriver(const QString& reason) const;
     void raiseIfFailed(const GdalErrorScope& errors) const;
 

@@ -51,7 +51,7 @@ void FileEdit::beforeChange() {
 }
 
 void FileEdit::flush() {
-    if (!std::exchange(isFlushed_, true))
+    if (!isEnded_ && !std::exchange(isFlushed_, true))
         writeOut();
 }
 
@@ -61,7 +61,7 @@ std::vector<FileEdit::Savepoint>::iterator FileEdit::findSavepoint(int number) {
 }
 
 void FileEdit::setSavepoint(int number) {
-    if (findSavepoint(number) != savepoints_.end())
+    if (isEnded_ || findSavepoint(number) != savepoints_.end())
         return;
     if (!copy_)
         markSavepoint(number);
@@ -69,17 +69,21 @@ void FileEdit::setSavepoint(int number) {
 }
 
 void FileEdit::releaseSavepoint(int number) {
-    const auto found = findSavepoint(number);
-    if (found == savepoints_.end())
+    // The group may have begun between that savepoint and one within it.
+    const auto first =
+        std::find_if(savepoints_.begin(), savepoints_.end(),
+                     [number](const Savepoint& savepoint) { return savepoint.number >= number; });
+    if (isEnded_ || first == savepoints_.end())
         return;
-    savepoints_.erase(found, savepoints_.end());
+    const int outermost = first->number;
+    savepoints_.erase(first, savepoints_.end());
     if (!copy_)
-        dropSavepoint(number);
+        dropSavepoint(outermost);
 }
 
 void FileEdit::rollbackTo(int number) {
     const auto found = findSavepoint(number);
-    if (found == savepoints_.end()) {
+    if (isEnded_ || found == savepoints_.end()) {
         rollback();
         return;
     }

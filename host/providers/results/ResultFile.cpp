@@ -37,7 +37,8 @@ const std::vector<ResultFormat>& resultFormats() {
 }
 
 /// The table makes spatial indices of its own, in memory.
-const ResultFormat tableFormat{"gpkg", "GPKG", {}, {"SPATIAL_INDEX=NO", "FID=cf0b5c3a96d1"}, false, 0, 0, 0, undefinedCartesian};
+const ResultFormat tableFormat{
+    "gpkg", "GPKG", {}, {"SPATIAL_INDEX=NO", "FID=cf0b5c3a96d1"}, false, 0, 0, 0, undefinedCartesian};
 
 const ResultFormat* formatOf(const QString& path) {
     const QString suffix = QFileInfo(path).suffix().toLower();

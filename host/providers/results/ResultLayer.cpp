@@ -279,7 +279,8 @@ void LayerWriter::createLayer(const QString& path, const QString& layerName) {
             reference.reset(OSRNewSpatialReference(format_.undefinedSystem));
     }
     auto layerOptions = optionList(format_.layerOptions);
-    if (position >= 0 && format_.indexLosesRows && rows_.columns()[static_cast<std::size_t>(position)].hasNulls)
+    if (position >= 0 && format_.indexLosesRows &&
+        rows_.columns()[static_cast<std::size_t>(position)].hasNulls)
         layerOptions.SetNameValue("SPATIAL_INDEX", "NO");
     layer_ = GDALDatasetCreateLayer(dataset_.get(), layerName.toUtf8().constData(), reference.get(), type_,
                                     layerOptions.List());

@@ -102,7 +102,8 @@ void LayerEditor::remove(const dp::FeatureId& id) {
         if (code == OGRERR_NON_EXISTING_FEATURE)
             raiseAbsent(id);
         if (code != OGRERR_NONE)
-            raise(tr("Не удалось удалить запись из «%1»").arg(QString::fromUtf8(layerName_)), errors);
+            raise(tr("Не удалось удалить запись из «%1»").arg(QString::fromUtf8(pool_->source().path)),
+                  errors);
         return true;
     });
 }
@@ -187,7 +188,7 @@ void LayerEditor::raiseUnwritten(const QString& what, const QString& reason,
                                     .arg(match.captured(1), feature.getAttribute(position).toString())
                                     .toStdString());
     }
-    const QString where = what.arg(QString::fromUtf8(layerName_));
+    const QString where = what.arg(QString::fromUtf8(pool_->source().path));
     throw dp::EditError((reason.isEmpty() ? where : where + QStringLiteral(": ") + reason).toStdString());
 }
 

@@ -320,6 +320,20 @@ TEST_F(CatalogueTest, EditsReachTheTableOrLeaveItAlone) {
     }
 }
 
+TEST_F(CatalogueTest, ATableMadeInATransactionIsEditedLikeAnyOther) {
+    for (const char* end : {"Rollback", "Commit"}) {
+        for (const bool isEdited : {false, true}) {
+            ask("Begin");
+            const auto table = open("made", {attribute("k", QMetaType::Int)}, {{1}, {2}, {3}, {4}, {5}});
+            EXPECT_EQ(ask(isEdited ? "Delete From made Where k < 3" : "Select 1 Where 0"), "");
+            EXPECT_EQ(ask("Select Count(*) From made"), isEdited ? "3" : "5");
+            ask(end);
+            EXPECT_EQ(table->featureCount(), isEdited && *end == 'C' ? 3 : 5) << end;
+            TearDown();
+        }
+    }
+}
+
 TEST_F(CatalogueTest, RenameIgnoresEmptyNamesAndLetterCase) {
     openTowns("Roads");
     extension_->rename(QStringLiteral("Roads"), QStringLiteral("roads"));

@@ -2,9 +2,20 @@
 
 #include <csignal>
 
+#include <sys/resource.h>
+
 namespace orvane::shell {
 
-RunningProgram::RunningProgram(const QStringList& arguments, const QByteArray& input) {
+void RunningProgram::Process::setupChildProcess() {
+    if (mostBytes == 0)
+        return;
+    const rlimit limit{static_cast<rlim_t>(mostBytes), static_cast<rlim_t>(mostBytes)};
+    ::signal(SIGXFSZ, SIG_IGN); // the write fails instead
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+}
+
+RunningProgram::RunningProgram(const QStringList& arguments, const QByteArray& input, qint64 mostBytes) {
+    process_.mostBytes = mostBytes;
     auto environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
     environment.remove(QStringLiteral("LANGUAGE"));
@@ -31,6 +42,10 @@ Answer RunningProgram::finish() {
 
 Answer runProgram(const QStringList& arguments, const QByteArray& input) {
     return RunningProgram(arguments, input).finish();
+}
+
+Answer runWithFullDisk(const QStringList& arguments, qint64 mostBytes) {
+    return RunningProgram(arguments, {}, mostBytes).finish();
 }
 
 QString exampleFile(const char* name) {

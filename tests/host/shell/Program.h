@@ -17,17 +17,29 @@ struct Answer {
 /// The built program under way, with English messages and nothing from the tester's locale.
 class RunningProgram {
 public:
-    explicit RunningProgram(const QStringList& arguments, const QByteArray& input = {});
+    /// No file can grow beyond `mostBytes` unless that is 0.
+    explicit RunningProgram(const QStringList& arguments, const QByteArray& input = {}, qint64 mostBytes = 0);
     bool isRunning() const { return process_.state() == QProcess::Running; }
     void waitFor(int milliseconds) { process_.waitForFinished(milliseconds); }
     void signal(int number);
     Answer finish();
 
 private:
-    QProcess process_;
+    class Process : public QProcess {
+    public:
+        qint64 mostBytes = 0;
+
+    protected:
+        void setupChildProcess() override;
+    };
+
+    Process process_;
 };
 
 Answer runProgram(const QStringList& arguments, const QByteArray& input = {});
+
+/// The program where no file can grow beyond so many bytes, as on a full disk.
+Answer runWithFullDisk(const QStringList& arguments, qint64 mostBytes);
 
 /// One of the example files.
 QString exampleFile(const char* name);

@@ -98,7 +98,8 @@ TEST(Program, writesAFileOnlyWhenAllSucceeds) {
     EXPECT_EQ(ask(options.constData(), "Select 1 As a; Select 2 As b").output, "");
     EXPECT_EQ(readFile(path), "a\n1\nb\n2\n");
     EXPECT_THAT(ask(options.constData(), "Select 3 As a").errors, HasSubstr("the file exists; --overwrite"));
-    EXPECT_EQ(ask((options + " --overwrite").constData(), "Select 3 As a; Select nothing From cities").status, 1);
+    EXPECT_EQ(ask((options + " --overwrite").constData(), "Select 3 As a; Select nothing From cities").status,
+              1);
     EXPECT_EQ(readFile(path), "a\n1\nb\n2\n");
     EXPECT_EQ(QDir(directory.path()).entryList(QDir::Files).size(), 1);
 }

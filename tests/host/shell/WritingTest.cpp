@@ -7,12 +7,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include <sqlite3.h>
 
 #include <csignal>
+#include <map>
 
 namespace orvane::shell {
 namespace {
@@ -170,6 +174,98 @@ TEST_F(Writing, AKilledProgramLeavesTheFileAsItWas) {
     }
     EXPECT_EQ(run(file, "Update n Set n = n + 1; Select Count(*) From n").output, "30000\n");
     EXPECT_NE(fingerprint(file), before);
+}
+
+/// The bytes of all files of a directory, by their names.
+std::map<QString, QByteArray> contentsOf(const QString& directory) {
+    std::map<QString, QByteArray> contents;
+    for (const QFileInfo& info :
+         QDir(directory).entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot)) {
+        QFile file(info.filePath());
+        contents[info.fileName()] = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
+    }
+    return contents;
+}
+
+class WritingFormat : public Writing, public testing::WithParamInterface<const char*> {};
+
+TEST_P(WritingFormat, AFullDiskFailsTheStatementAndLeavesEverythingAsItWas) {
+    const QString cities = QStringLiteral(ORVANE_EXAMPLE_DATA "/cities.shp");
+    const QString file = path("t.") + QLatin1String(GetParam());
+    const QStringList make{cities, QStringLiteral("-o"), file, QStringLiteral("-c"),
+                           QStringLiteral("Select name, population As n, obj From cities Limit 3000")};
+    ASSERT_EQ(runProgram(make).status, 0);
+    const auto before = contentsOf(directory_.path());
+    qint64 largest = 0;
+    for (const auto& [name, bytes] : before)
+        largest = std::max<qint64>(largest, bytes.size());
+    const std::pair<const char*, qint64> changes[] = {
+        {"Update t Set name = 'a name of about forty characters for all'", largest},
+        {"Insert Into t (name, n, obj) Select name, n, obj From t", largest},
+        {"Delete From t Where n % 5 = 0", largest / 3},
+    };
+    for (const auto& [statement, room] : changes) {
+        const bool growsInPlace = QByteArray(GetParam()) == "shp" || QByteArray(GetParam()) == "gpkg";
+        if (growsInPlace && *statement == 'U')
+            continue; // there is room for every name
+        const Answer answer =
+            runWithFullDisk({file, QStringLiteral("-c"), QString::fromUtf8(statement)}, room);
+        EXPECT_EQ(answer.status, 1) << statement;
+        EXPECT_THAT(answer.errors, HasSubstr("t." + std::string(GetParam()))) << statement;
+        EXPECT_EQ(contentsOf(directory_.path()), before) << statement;
+    }
+    QStringList replace = make + QStringList{QStringLiteral("--overwrite")};
+    replace[4].replace(QLatin1String("3000"), QLatin1String("8000"));
+    const Answer answer = runWithFullDisk(replace, largest);
+    EXPECT_EQ(answer.status, 1);
+    EXPECT_EQ(contentsOf(directory_.path()), before);
+}
+
+INSTANTIATE_TEST_SUITE_P(Program, WritingFormat, testing::Values("gpkg", "csv", "geojson", "shp", "fgb"));
+
+/// Holds a lock on a database of SQLite's.
+class Lock {
+public:
+    Lock(const QString& file, const char* begin) {
+        sqlite3_open(file.toUtf8().constData(), &database_);
+        EXPECT_EQ(sqlite3_exec(database_, begin, nullptr, nullptr, nullptr), SQLITE_OK);
+    }
+    ~Lock() { sqlite3_close(database_); }
+    Lock(const Lock&) = delete;
+    Lock& operator=(const Lock&) = delete;
+
+private:
+    sqlite3* database_ = nullptr;
+};
+
+TEST_F(Writing, ALockFailsTheStatementOrIsWaitedForUntilCancelled) {
+    const QString file = path("n.gpkg");
+    files::addLayerOfNumbers(*files::createDataset({"GPKG", "gpkg"}, file), "n", 100);
+    const std::string before = fingerprint(file);
+    const char* const statements[] = {"Update n Set n = 0", "Insert Into n (n) Values (1)", "Delete From n"};
+    for (const char* held : {"Begin; Select Count(*) From n", "Begin Immediate"}) {
+        std::vector<std::unique_ptr<RunningProgram>> programs;
+        const Lock lock(file, held);
+        for (const char* statement : statements)
+            programs.push_back(std::make_unique<RunningProgram>(
+                QStringList{file, QStringLiteral("-c"), QString::fromUtf8(statement)}));
+        for (const auto& program : programs) {
+            const Answer answer = program->finish();
+            EXPECT_EQ(answer.status, 1) << held;
+            EXPECT_THAT(answer.errors, HasSubstr("n.gpkg")) << held;
+            EXPECT_THAT(answer.errors, HasSubstr("lock")) << held;
+        }
+        RunningProgram cancelled({file, QStringLiteral("-c"), QString::fromUtf8(statements[0])});
+        cancelled.waitFor(1500);
+        EXPECT_TRUE(cancelled.isRunning());
+        QElapsedTimer timer;
+        timer.start();
+        cancelled.signal(SIGINT);
+        EXPECT_EQ(cancelled.finish().status, 130);
+        EXPECT_LT(timer.elapsed(), 1500 * slowdown());
+    }
+    EXPECT_EQ(fingerprint(file), before);
+    EXPECT_EQ(run(file, "Delete From n; Select Count(*) From n").output, "0\n");
 }
 
 struct SelectionCase {
