@@ -294,6 +294,10 @@
         <source>в таблице %0 нет записи %1</source>
         <translation>the table %0 has no feature %1</translation>
     </message>
+    <message>
+        <source>таблица %0 не отменяет часть правки</source>
+        <translation>the table %0 does not take back a part of its edits</translation>
+    </message>
 </context>
 <context>
     <name>orvane::engine</name>
@@ -548,6 +552,10 @@
     <message>
         <source>В «%1» нет имён столбцов: без числа в первой строке она была бы принята за них</source>
         <translation>&quot;%1&quot; has no names of columns: without a number in the first line it would be taken for them</translation>
+    </message>
+    <message>
+        <source>Файл «%1» изменила другая программа, повторите правку</source>
+        <translation>Another program has changed the file "%1", repeat the edit</translation>
     </message>
 </context>
 <context>
@@ -1184,6 +1192,18 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
         <source>таблицы «%0» нет после From</source>
         <translation>the table &quot;%0&quot; is not after From</translation>
     </message>
+    <message>
+        <source>--output: ответ вида %0 не записать в файл .%1</source>
+        <translation>--output: a result in the format %0 does not go into a file .%1</translation>
+    </message>
+    <message>
+        <source>--output: файлы .%0 не пишутся; пишутся %1</source>
+        <translation>--output: files .%0 are not written; these are: %1</translation>
+    </message>
+    <message>
+        <source>файл уже есть; с --overwrite он заменяется</source>
+        <translation>the file exists; --overwrite replaces it</translation>
+    </message>
 </context>
 <context>
     <name>orvane::sql</name>
@@ -1334,6 +1354,24 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
     <message>
         <source>«%0»</source>
         <translation>&quot;%0&quot;</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::files::FileEdit</name>
+    <message>
+        <source>Не удалось записать «%1»</source>
+        <translation>Cannot write "%1"</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::files::WorkingCopy</name>
+    <message>
+        <source>файл «%1» лежит в другой папке, измените его сам</source>
+        <translation>the file "%1" is in another folder, change that one</translation>
+    </message>
+    <message>
+        <source>файл «%1» тем временем изменила другая программа</source>
+        <translation>another program has changed the file "%1" meanwhile</translation>
     </message>
 </context>
 </TS>
