@@ -396,6 +396,10 @@
         <source>Столбец «%1»: значение «%2» уже есть</source>
         <translation>Column &quot;%1&quot;: the value &quot;%2&quot; is there already</translation>
     </message>
+    <message>
+        <source>В этом формате запись без геометрии пропадает</source>
+        <translation>In this format a row without a geometry is lost</translation>
+    </message>
 </context>
 <context>
     <name>orvane::files::LayerScan</name>

@@ -51,6 +51,7 @@ std::int64_t LayerEditor::insert(const dp::Feature& feature) {
             OGR_F_SetFID(target.get(), id);
         for (int i = 0; i < feature.numAttributes(); ++i)
             setAttribute(target.get(), feature, i, true);
+        requireShape(target.get());
         const GdalErrorScope errors;
         if (OGR_L_CreateFeature(layer_, target.get()) != OGRERR_NONE)
             raiseUnwritten(tr("Не удалось добавить запись в «%1»"), errors.error(), feature);
@@ -66,6 +67,7 @@ void LayerEditor::update(const dp::Feature& feature, const std::vector<int>& pos
         const FeatureHandle target = readFeature(feature.id());
         for (const int position : positions)
             setAttribute(target.get(), feature, position, false);
+        requireShape(target.get());
         const GdalErrorScope errors;
         if (OGR_L_SetFeature(layer_, target.get()) != OGRERR_NONE)
             raiseUnwritten(tr("Не удалось изменить запись в «%1»"), errors.error(), feature);
@@ -147,6 +149,12 @@ void LayerEditor::requireCapability(const char* capability) {
         throw dp::EditError(tr("Формат слоя «%1» не позволяет такую правку")
                                 .arg(QString::fromUtf8(layerName_))
                                 .toStdString());
+}
+
+void LayerEditor::requireShape(OGRFeatureH feature) const {
+    const char* driver = GDALGetDriverShortName(GDALGetDatasetDriver(datasetEdit().dataset()));
+    if (EQUAL(driver, "FlatGeobuf") && !OGR_F_GetGeometryRef(feature))
+        throw dp::EditError(tr("В этом формате запись без геометрии пропадает").toStdString());
 }
 
 void LayerEditor::setAttribute(OGRFeatureH target, const dp::Feature& feature, int position,

@@ -43,6 +43,8 @@ private:
     template<class Edit>
     std::invoke_result_t<Edit> onLayer(Edit edit);
     void requireCapability(const char* capability);
+    /// GDAL writes a FlatGeobuf anew with a spatial index, which leaves out rows without a geometry.
+    void requireShape(OGRFeatureH feature) const;
     void setAttribute(OGRFeatureH target, const dp::Feature& feature, int position, bool isNew) const;
     /// Whether the change could be written without reading the whole feature.
     bool updateColumns(const dp::Feature& feature, const std::vector<int>& positions);
