@@ -52,8 +52,9 @@ QString makeTable(const QString& path) {
         feature.SetField("founded", 1000 + row % 1000, 1 + row % 12, 1 + row % 28);
         const OGRPoint point(row % 360 - 180, row / 360 % 180 - 90);
         feature.SetGeometry(&point);
-        if (layer->CreateFeature(&feature) != OGRERR_NONE)
+        if (layer->CreateFeature(&feature) != OGRERR_NONE) {
             std::abort();
+        }
     }
     dataset->CommitTransaction();
     return path;
@@ -90,10 +91,12 @@ void select(benchmark::State& state, const QString& expression) {
     for (auto _ : state) {
         QSqlQuery query(host.engine->engineDatabase());
         query.setForwardOnly(true);
-        if (!query.exec(sql))
+        if (!query.exec(sql)) {
             state.SkipWithError("the query fails");
-        for (; query.next(); ++rows)
+        }
+        for (; query.next(); ++rows) {
             benchmark::DoNotOptimize(query.value(0));
+        }
     }
     state.SetItemsProcessed(rows);
 }
@@ -102,8 +105,9 @@ std::unique_ptr<adaptor::FeatureExpression> makeEvaluator(benchmark::State& stat
                                                           const QString& expression) {
     auto evaluator = std::make_unique<adaptor::FeatureExpression>(*Host::instance().engine,
                                                                   *Towns::instance().table->schema());
-    if (!evaluator->setText(expression))
+    if (!evaluator->setText(expression)) {
         state.SkipWithError(evaluator->lastError().toUtf8().constData());
+    }
     return evaluator;
 }
 
@@ -111,8 +115,9 @@ void evaluateEach(benchmark::State& state, const QString& expression) {
     const auto& features = Towns::instance().features;
     for (auto _ : state) {
         const auto evaluator = makeEvaluator(state, expression);
-        for (const dp::FeaturePtr& feature : features)
+        for (const dp::FeaturePtr& feature : features) {
             benchmark::DoNotOptimize(evaluator->value(feature));
+        }
     }
     state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(features.size()));
 }
@@ -134,8 +139,9 @@ void evaluateAll(benchmark::State& state, const QString& expression) {
 
 void readFeatures(benchmark::State& state) {
     std::size_t rows = 0;
-    for (auto _ : state)
+    for (auto _ : state) {
         rows += Host::features(*Towns::instance().table).size();
+    }
     state.SetItemsProcessed(static_cast<std::int64_t>(rows));
 }
 

@@ -22,8 +22,9 @@ std::atomic<std::uint64_t> allocations = 0;
 
 void* operator new(std::size_t size) {
     allocations.fetch_add(1, std::memory_order_relaxed);
-    if (void* memory = std::malloc(size ? size : 1))
+    if (void* memory = std::malloc(size ? size : 1)) {
         return memory;
+    }
     throw std::bad_alloc();
 }
 void operator delete(void* memory) noexcept {
@@ -36,8 +37,8 @@ void operator delete(void* memory, std::size_t) noexcept {
 namespace orvane::files {
 namespace {
 
-constexpr int ROWS = 1'000'000;
-constexpr std::size_t CACHE_BYTES = std::size_t{256} << 20;
+constexpr int rowCount = 1'000'000;
+constexpr std::size_t cacheRoom = std::size_t{256} << 20;
 enum Attribute { ID = 1, PRICE, OWNER };
 
 QString makeLayer(const QString& path, int rows) {
@@ -59,8 +60,9 @@ QString makeLayer(const QString& path, int rows) {
         feature.SetField("owner", ("Owner № " + std::to_string(row % 1000)).c_str());
         const OGRPoint point(row % 1000, row / 1000);
         feature.SetGeometry(&point);
-        if (layer->CreateFeature(&feature) != OGRERR_NONE)
+        if (layer->CreateFeature(&feature) != OGRERR_NONE) {
             std::abort();
+        }
     }
     dataset->CommitTransaction();
     return path;
@@ -73,7 +75,7 @@ const QTemporaryDir& directory() {
 
 dp::Table& million() {
     static const auto table =
-        openFile(makeLayer(directory().filePath(QStringLiteral("rows.gpkg")), ROWS)).front();
+        openFile(makeLayer(directory().filePath(QStringLiteral("rows.gpkg")), rowCount)).front();
     return *table;
 }
 
@@ -94,8 +96,9 @@ Totals read(dp::Table& table, const dp::ScanRequest& request) {
     const auto cursor = table.openCursor(request);
     for (; cursor->next(); ++totals.rows) {
         totals.sum += cursor->cell(PRICE).real();
-        if (request.attributes.size() > 1)
+        if (request.attributes.size() > 1) {
             totals.characters += cursor->cell(OWNER).view().size();
+        }
     }
     return totals;
 }
@@ -128,13 +131,13 @@ void fullScan(benchmark::State& state) {
     request.attributes = {PRICE, OWNER};
     run(state, million(), request, static_cast<std::size_t>(state.range(0)));
 }
-BENCHMARK(fullScan)->ArgName("cache")->Arg(0)->Arg(CACHE_BYTES)->Unit(benchmark::kMillisecond);
+BENCHMARK(fullScan)->ArgName("cache")->Arg(0)->Arg(cacheRoom)->Unit(benchmark::kMillisecond);
 
 /// One row in a thousand passes.
 void filteredScan(benchmark::State& state) {
-    run(state, million(), pricesFrom(ROWS - 1000), static_cast<std::size_t>(state.range(0)));
+    run(state, million(), pricesFrom(rowCount - 1000), static_cast<std::size_t>(state.range(0)));
 }
-BENCHMARK(filteredScan)->ArgName("cache")->Arg(0)->Arg(CACHE_BYTES)->Unit(benchmark::kMillisecond);
+BENCHMARK(filteredScan)->ArgName("cache")->Arg(0)->Arg(cacheRoom)->Unit(benchmark::kMillisecond);
 
 void window(benchmark::State& state) {
     dp::ScanRequest request;
@@ -142,12 +145,12 @@ void window(benchmark::State& state) {
     request.window = geometry::Envelope{500, 500, 510, 510};
     run(state, million(), request, static_cast<std::size_t>(state.range(0)));
 }
-BENCHMARK(window)->ArgName("cache")->Arg(0)->Arg(CACHE_BYTES)->Unit(benchmark::kMicrosecond);
+BENCHMARK(window)->ArgName("cache")->Arg(0)->Arg(cacheRoom)->Unit(benchmark::kMicrosecond);
 
 void smallTable(benchmark::State& state) {
     dp::ScanRequest request;
     request.attributes = {PRICE};
-    run(state, small(), request, CACHE_BYTES);
+    run(state, small(), request, cacheRoom);
 }
 BENCHMARK(smallTable)->Unit(benchmark::kMicrosecond);
 
@@ -157,7 +160,7 @@ void rowById(benchmark::State& state) {
     request.ids = {dp::FeatureId(QVariant(123456))};
     run(state, million(), request, static_cast<std::size_t>(state.range(0)));
 }
-BENCHMARK(rowById)->ArgName("cache")->Arg(0)->Arg(CACHE_BYTES)->Unit(benchmark::kMicrosecond);
+BENCHMARK(rowById)->ArgName("cache")->Arg(0)->Arg(cacheRoom)->Unit(benchmark::kMicrosecond);
 
 } // namespace
 } // namespace orvane::files

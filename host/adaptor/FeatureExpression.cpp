@@ -60,8 +60,9 @@ bool FeatureExpression::setText(const QString& expression) {
     engine::SqliteStringBuilder builder(QString(), nullptr);
     builder.setTableColumns([this](const std::wstring&) {
         std::vector<std::wstring> names;
-        for (const QString& name : columns())
+        for (const QString& name : columns()) {
             names.push_back(sql::toSqlString(name));
+        }
         return names;
     });
     engine_.tryToTranslate(expression.toStdString(), builder, Engine::ExpressionOnly);

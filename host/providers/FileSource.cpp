@@ -31,19 +31,21 @@ struct SourceName {
 };
 
 SourceName splitSource(const QString& source) {
-    if (QFileInfo::exists(source))
+    if (QFileInfo::exists(source)) {
         return {source, {}, {}};
+    }
     auto parts = source.split(QLatin1Char('|'));
     SourceName name{parts.takeFirst(), {}, {}};
     const auto layerKey = QLatin1String("layername=");
     const auto encodingKey = QLatin1String("encoding=");
     for (const auto& part : parts) {
-        if (part.startsWith(encodingKey, Qt::CaseInsensitive))
+        if (part.startsWith(encodingKey, Qt::CaseInsensitive)) {
             name.encoding = part.mid(encodingKey.size());
-        else if (part.startsWith(layerKey, Qt::CaseInsensitive))
+        } else if (part.startsWith(layerKey, Qt::CaseInsensitive)) {
             name.layer = part.mid(layerKey.size());
-        else
+        } else {
             name.layer = part;
+        }
     }
     return name;
 }
@@ -67,8 +69,9 @@ struct Opened {
 
 void openTextTable(const QString& path, const SourceName& source, Opened& opened) {
     const QString name = QFileInfo(path).completeBaseName();
-    if (!opened.add(name, source))
+    if (!opened.add(name, source)) {
         return;
+    }
     const auto table = std::make_shared<TextTable>(path.toUtf8(), source.encoding.toUtf8());
     opened.tables.push_back(std::make_shared<LayerTable>(
         tableName(name, path), std::make_shared<TextSource>(table), std::make_unique<TextEditor>(table)));
@@ -78,14 +81,16 @@ void openLayers(const SourceName& source, Opened& opened) {
     QList<QByteArray> options;
     const QString path = pathForGdal(source.path);
     QByteArray encoding = source.encoding.toUtf8();
-    if (encoding.isEmpty() && !(encoding = encodingOfDbf(path)).isEmpty())
+    if (encoding.isEmpty() && !(encoding = encodingOfDbf(path)).isEmpty()) {
         loggerInstance()->write(
             LogLevel::Warning, QStringLiteral("FileSource"), __LINE__, QString::fromLatin1(__func__),
             Texts::tr("«%1» не называет своей кодировки, похоже на %2; другая называется так: "
                       "«%1|encoding=windows-1251»")
                 .arg(source.path, QString::fromLatin1(encoding)));
-    if (!encoding.isEmpty())
+    }
+    if (!encoding.isEmpty()) {
         options.append("ENCODING=" + encoding);
+    }
     const auto pool =
         std::make_shared<DatasetPool>(DatasetPool::Source{path.toUtf8(), {}, std::move(options)});
     const auto lease = pool->acquire();
@@ -93,12 +98,14 @@ void openLayers(const SourceName& source, Opened& opened) {
         const GdalErrorScope errors;
         const OGRLayerH layer = GDALDatasetGetLayer(lease.dataset(), i);
         const QByteArray name(layer ? OGR_L_GetName(layer) : "");
-        if (!layer || !opened.add(QString::fromUtf8(name), source))
+        if (!layer || !opened.add(QString::fromUtf8(name), source)) {
             continue;
+        }
         auto schema = describeLayer(layer);
-        if (schema.columns.empty()) // as of a VRT layer whose source does not open
+        if (schema.columns.empty()) { // as of a VRT layer whose source does not open
             errors.raiseIfFailed(
                 Texts::tr("Не удалось открыть слой «%1» в «%2»").arg(opened.layers.last(), source.path));
+        }
         opened.tables.push_back(LayerTable::ofLayer(tableName(opened.layers.last(), source.path), pool, i,
                                                     name, std::move(schema)));
     }
@@ -128,8 +135,9 @@ Opened openAll(const SourceName& source) {
         openLayers(source, opened);
         return opened;
     }
-    for (const auto& text : texts)
+    for (const auto& text : texts) {
         openTextTable(text, source, opened);
+    }
     return opened;
 }
 
@@ -144,13 +152,14 @@ void requireFewColumns(const LayerTable& table, const QString& path) {
     constexpr int most = 1998; // SQLite's 2,000 but for the geometry and the style
     const auto schema = table.schema();
     const int count = schema->numAttributes() - (schema->geometryIndex() >= 0 ? 1 : 0);
-    if (count > most)
+    if (count > most) {
         throw std::runtime_error(
             Texts::tr("Не удалось открыть «%1»: столбцов %2, а в таблице их не больше %3")
                 .arg(path)
                 .arg(count)
                 .arg(most)
                 .toStdString());
+    }
 }
 
 } // namespace
@@ -158,15 +167,19 @@ void requireFewColumns(const LayerTable& table, const QString& path) {
 std::vector<std::shared_ptr<LayerTable>> openFile(const QString& source, const OpenOptions& options) {
     registerDrivers();
     auto name = splitSource(source);
-    if (!options.encoding.isEmpty())
+    if (!options.encoding.isEmpty()) {
         name.encoding = options.encoding;
+    }
     Opened opened = openAll(name);
-    if (opened.layers.isEmpty())
+    if (opened.layers.isEmpty()) {
         throw std::runtime_error(Texts::tr("В «%1» нет таблиц").arg(name.path).toStdString());
-    if (opened.tables.empty())
+    }
+    if (opened.tables.empty()) {
         raiseNoSuchLayer(name, opened.layers);
-    for (const auto& table : opened.tables)
+    }
+    for (const auto& table : opened.tables) {
         requireFewColumns(*table, name.path);
+    }
     return opened.tables;
 }
 

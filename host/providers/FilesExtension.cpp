@@ -6,8 +6,9 @@
 namespace orvane::files {
 
 QString FilesExtension::virtualTableModule(const dp::DataObject* object, QList<QVariant>& moduleArguments) {
-    if (!qobject_cast<const LayerTable*>(object))
+    if (!qobject_cast<const LayerTable*>(object)) {
         return {};
+    }
     moduleArguments << object->name();
     return QStringLiteral("OrvaneTable");
 }

@@ -50,8 +50,9 @@ bool LayerTable::usesWindow() const {
 
 LayerReader& LayerTable::reader() const {
     if (std::exchange(hasUnreadEdits_, false)) {
-        if (editor_->isInGroup())
+        if (editor_->isInGroup()) {
             editor_->flush();
+        }
         reader_->invalidate();
     }
     return *reader_;

@@ -42,8 +42,9 @@ std::string readAll(std::istream& stream) {
 }
 
 Input readScript(const std::string& path) {
-    if (path == "-")
+    if (path == "-") {
         return {QString(), readAll(std::cin)};
+    }
     std::ifstream file(path, std::ios::binary);
     // A stream opens a directory, too, and throws when it is read.
     const bool opened = file.is_open() && !(std::filesystem::is_directory(path) && (errno = EISDIR));
@@ -52,19 +53,22 @@ Input readScript(const std::string& path) {
         throw UsageError(QStringLiteral("%0: %1").arg(QString::fromStdString(path),
                                                       QString::fromLocal8Bit(std::strerror(errno))));
     }
-    if (text.rfind("\xEF\xBB\xBF", 0) == 0)
+    if (text.rfind("\xEF\xBB\xBF", 0) == 0) {
         text.erase(0, 3); // a byte order mark is no part of the first statement
+    }
     return {QString::fromStdString(path), std::move(text)};
 }
 
 /// Everything to run, read before anything runs, so that a script that is missing stops all.
 std::vector<Input> readInputs(const Options& options) {
     std::vector<Input> inputs;
-    for (const StatementSource& source : options.statements)
+    for (const StatementSource& source : options.statements) {
         inputs.push_back(source.kind == StatementSource::Script ? readScript(source.value)
                                                                 : Input{{}, source.value});
-    if (options.statements.empty() && !::isatty(STDIN_FILENO))
+    }
+    if (options.statements.empty() && !::isatty(STDIN_FILENO)) {
         inputs.push_back(readScript("-"));
+    }
     return inputs;
 }
 
@@ -75,18 +79,21 @@ bool isOtherThanFile(const std::string& path) {
 
 std::unique_ptr<Output> makeOutput(const Options& options, bool isPrompt) {
     if (!options.outputPath || options.outputIsData) {
-        if (::isatty(STDOUT_FILENO) && isPrompt)
+        if (::isatty(STDOUT_FILENO) && isPrompt) {
             return std::make_unique<PagedOutput>(STDOUT_FILENO);
-        if (::isatty(STDOUT_FILENO))
+        }
+        if (::isatty(STDOUT_FILENO)) {
             return std::make_unique<TerminalOutput>(STDOUT_FILENO);
+        }
         return std::make_unique<HeldOutput>(STDOUT_FILENO);
     }
     try {
         // A device or a named pipe cannot be replaced: it is written to.
         if (isOtherThanFile(*options.outputPath)) {
             const int descriptor = ::open(options.outputPath->c_str(), O_WRONLY | O_CLOEXEC);
-            if (descriptor < 0)
+            if (descriptor < 0) {
                 throw OutputError(*options.outputPath + ": " + std::strerror(errno));
+            }
             return std::make_unique<HeldOutput>(descriptor);
         }
         return std::make_unique<FileOutput>(*options.outputPath, options.overwrite);
@@ -96,8 +103,9 @@ std::unique_ptr<Output> makeOutput(const Options& options, bool isPrompt) {
 }
 
 std::shared_ptr<files::ResultFile> makeDataFile(const Options& options) {
-    if (!options.outputIsData)
+    if (!options.outputIsData) {
         return nullptr;
+    }
     try {
         return std::make_shared<files::ResultFile>(QString::fromStdString(*options.outputPath),
                                                    options.overwrite);
@@ -124,9 +132,10 @@ void logToStandardError(LogLevel lowest) {
     const char* const wipe = ::isatty(STDERR_FILENO) ? "\r\033[K" : "";
     loggerInstance()->exchangeSink([lowest, wipe](const LogEntry& entry) {
         static constexpr const char* names[] = {"trace", "debug", "info", "warning"};
-        if (entry.level >= lowest)
+        if (entry.level >= lowest) {
             std::fprintf(stderr, "%s%s: %s:%d: %s\n", wipe, names[static_cast<int>(entry.level)],
                          entry.sourceFile.toUtf8().constData(), entry.line, entry.text.toUtf8().constData());
+        }
     });
 }
 
@@ -146,8 +155,9 @@ private:
 
 /// All statements have succeeded: what they wrote takes its place.
 void finishOutput(StatementRunner& runner, Output& output) {
-    if (runner.settings().dataFile)
+    if (runner.settings().dataFile) {
         runner.settings().dataFile->publish();
+    }
     output.finish();
 }
 
@@ -178,8 +188,9 @@ ExitStatus runInputs(const Options& options, const std::vector<Input>& inputs, I
 ExitStatus run(int argc, char** argv, Interrupt& interrupt) {
     try {
         const auto options = parseOptions(argc, argv);
-        if (!options)
+        if (!options) {
             return Done;
+        }
         logToStandardError(options->logLevel);
         return runInputs(*options, readInputs(*options), interrupt);
     } catch (const UsageError& error) {
@@ -204,11 +215,13 @@ int main(int argc, char** argv) {
     // Qt has taken the locale of the environment; numbers are written and read the same everywhere, and texts
     // are UTF-8.
     std::setlocale(LC_NUMERIC, "C");
-    if (std::strcmp(::nl_langinfo(CODESET), "UTF-8") != 0)
+    if (std::strcmp(::nl_langinfo(CODESET), "UTF-8") != 0) {
         std::setlocale(LC_CTYPE, "C.UTF-8");
-    for (const char* directory : {"/../plugins", "/../" ORVANE_LIBDIR "/orvane/plugins"})
+    }
+    for (const char* directory : {"/../plugins", "/../" ORVANE_LIBDIR "/orvane/plugins"}) {
         QCoreApplication::addLibraryPath(QCoreApplication::applicationDirPath() +
                                          QString::fromLatin1(directory));
+    }
     const Language language(localeOption(argc, argv));
     const ExitStatus status = run(argc, argv, interrupt);
     return interrupt.requested() ? Interrupted : status;

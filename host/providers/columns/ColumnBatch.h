@@ -32,8 +32,9 @@ struct ColumnChunk {
 
     /// A number that is not a number is NULL, as everywhere in SQLite.
     dp::Cell cell(std::int64_t row) const {
-        if (isNull(row))
+        if (isNull(row)) {
             return {};
+        }
         switch (kind) {
         case ColumnKind::Int16: return dp::Cell::ofInteger(number<std::int16_t>(row));
         case ColumnKind::Int32: return dp::Cell::ofInteger(number<std::int32_t>(row));
@@ -95,6 +96,6 @@ public:
 };
 
 /// Rows per batch: large enough that the work per batch vanishes, small enough that the first row comes soon.
-constexpr std::int64_t BATCH_ROWS = 8192;
+constexpr std::int64_t rowsPerBatch = 8192;
 
 } // namespace orvane::files

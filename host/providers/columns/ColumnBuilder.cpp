@@ -7,8 +7,9 @@ namespace {
 /// Gives back spare capacity where that is much, for batches can live long, and tells the bytes kept.
 template<class Container>
 std::size_t fit(Container& container) {
-    if (container.capacity() - container.size() > container.size() / 4)
+    if (container.capacity() - container.size() > container.size() / 4) {
         container.shrink_to_fit();
+    }
     return container.capacity() * sizeof(typename Container::value_type);
 }
 
@@ -26,8 +27,9 @@ ColumnChunk ColumnBuilder::finish() && {
     auto& storage = *storage_;
     ColumnChunk chunk;
     chunk.kind = kind_;
-    if (hasNulls_)
+    if (hasNulls_) {
         chunk.validity = storage.validity.data();
+    }
     chunk.bytes = storage.validity.capacity() + fit(storage.integers) + fit(storage.reals) +
                   fit(storage.offsets) + fit(storage.data);
     if (isVariable()) {
@@ -46,8 +48,9 @@ bool BatchBuilder::finish(ColumnBatch& batch) && {
     batch.rows = rows_;
     batch.fids = std::move(fids_).finish();
     batch.columns.clear();
-    for (auto& column : columns)
+    for (auto& column : columns) {
         batch.columns.push_back(std::move(column).finish());
+    }
     return rows_ > 0;
 }
 

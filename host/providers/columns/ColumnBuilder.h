@@ -12,8 +12,9 @@ namespace orvane::files {
 class ColumnBuilder {
 public:
     explicit ColumnBuilder(ColumnKind kind) : kind_(kind), storage_(std::make_shared<Storage>()) {
-        if (isVariable())
+        if (isVariable()) {
             storage_->offsets.push_back(0);
+        }
     }
 
     void append(std::int64_t value) {
@@ -42,10 +43,11 @@ public:
     }
     template<class Number>
     void appendOrNull(std::optional<Number> value) {
-        if (value)
+        if (value) {
             append(*value);
-        else
+        } else {
             appendNull();
+        }
     }
     /// Room for a value of that size, for the caller to fill in.
     char* appendSpace(std::size_t size) {
@@ -77,8 +79,9 @@ private:
         storage_->offsets.push_back(static_cast<std::int32_t>(storage_->data.size()));
     }
     void appendValidity(bool isValid) {
-        if ((rows_ & 7) == 0)
+        if ((rows_ & 7) == 0) {
             storage_->validity.push_back(0);
+        }
         storage_->validity.back() |= static_cast<std::uint8_t>(static_cast<unsigned>(isValid) << (rows_ & 7));
         hasNulls_ |= !isValid;
         ++rows_;
@@ -105,8 +108,9 @@ public:
         fids_.append(id);
         ++rows_;
         bytes_ = 0;
-        for (const auto& column : columns)
+        for (const auto& column : columns) {
             bytes_ += column.dataSize();
+        }
     }
     /// False when the batch has no row.
     bool finish(ColumnBatch& batch) &&;

@@ -43,8 +43,9 @@ QStringList filesIn(const QString& gdalPath) {
     const std::unique_ptr<char*, ListDestroyer> entries(VSIReadDirRecursive(gdalPath.toUtf8().constData()));
     for (int i = 0; i < CSLCount(entries.get()); ++i) {
         const auto entry = QString::fromUtf8(entries.get()[i]);
-        if (!isByproduct(entry))
+        if (!isByproduct(entry)) {
             paths.append(gdalPath + QLatin1Char('/') + entry);
+        }
     }
     std::sort(paths.begin(), paths.end());
     return paths;
@@ -68,14 +69,16 @@ bool isInArchive(const QString& gdalPath) {
 }
 
 QString pathOnDisk(const QString& gdalPath) {
-    if (!isInArchive(gdalPath))
+    if (!isInArchive(gdalPath)) {
         return gdalPath;
+    }
     const QString path = gdalPath.mid(PREFIX.size());
     for (int end = path.indexOf(ENDING, 0, Qt::CaseInsensitive); end >= 0;
          end = path.indexOf(ENDING, end + 1, Qt::CaseInsensitive)) {
         const QString archive = path.left(end + ENDING.size());
-        if (isArchive(archive))
+        if (isArchive(archive)) {
             return archive;
+        }
     }
     return path;
 }

@@ -26,8 +26,9 @@ struct File {
     int failure = 0;
 
     void report() const {
-        if (failure != 0)
+        if (failure != 0) {
             CPLError(CE_Failure, CPLE_FileIO, "%s", std::strerror(failure));
+        }
     }
     int checked(int result) {
         if (result != 0 && isWritten && failure == 0) {

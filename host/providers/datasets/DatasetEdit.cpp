@@ -29,11 +29,13 @@ struct LockWait {
 
     static int waitMore(void* context, int tries) {
         auto& wait = *static_cast<LockWait*>(context);
-        if (tries == 0)
+        if (tries == 0) {
             wait = {std::chrono::steady_clock::now() + patience, {}, false};
+        }
         wait.isCancelled = wait.cancellation.isRequested();
-        if (wait.isCancelled || std::chrono::steady_clock::now() > wait.end)
+        if (wait.isCancelled || std::chrono::steady_clock::now() > wait.end) {
             return 0;
+        }
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
         return 1;
     }
@@ -48,8 +50,9 @@ LockWait& lockWait() {
 QStringList filesOf(const QString& path, GDALDatasetH dataset) {
     QStringList files{path};
     const CPLStringList listed(GDALGetFileList(dataset));
-    for (int i = 0; i < listed.size(); ++i)
+    for (int i = 0; i < listed.size(); ++i) {
         files += QString::fromUtf8(listed[i]);
+    }
     files.removeDuplicates();
     return files;
 }
@@ -63,8 +66,9 @@ QString savepointName(int number) {
 DatasetEdit::DatasetEdit(DatasetPool& pool) : FileEdit(QString::fromUtf8(pool.source().path)), pool_(pool) {
     const auto original = pool.acquire();
     const GdalErrorScope errors;
-    if (!GDALGetInternalHandle(original.dataset(), "SQLITE_HANDLE"))
+    if (!GDALGetInternalHandle(original.dataset(), "SQLITE_HANDLE")) {
         makeCopy(filesOf(path(), original.dataset()));
+    }
     reopen();
 }
 
@@ -78,8 +82,9 @@ void DatasetEdit::reopen() {
     } catch (const std::runtime_error& error) {
         raise(QStringLiteral("%1"), QString::fromUtf8(error.what()));
     }
-    if (!hasCopy())
+    if (!hasCopy()) {
         startTransaction();
+    }
 }
 
 void DatasetEdit::startTransaction() {
@@ -91,8 +96,9 @@ void DatasetEdit::startTransaction() {
     execute(QStringLiteral("PRAGMA cache_spill = OFF; PRAGMA temp_store = MEMORY"));
     const GdalErrorScope errors;
     const qint64 version = numberOf("PRAGMA user_version");
-    if (GDALDatasetStartTransaction(dataset(), FALSE) != OGRERR_NONE)
+    if (GDALDatasetStartTransaction(dataset(), FALSE) != OGRERR_NONE) {
         raiseFromDriver(errors.error());
+    }
     // SQLite waits for another writer only where a transaction begins with writing.
     execute(QStringLiteral("PRAGMA user_version = %1").arg(version));
 }
@@ -103,8 +109,9 @@ qint64 DatasetEdit::numberOf(const char* query) {
         *static_cast<qint64*>(target) = QByteArray(values[0]).toLongLong();
         return 0;
     };
-    if (sqlite3_exec(database(), query, take, &number, nullptr) != SQLITE_OK)
+    if (sqlite3_exec(database(), query, take, &number, nullptr) != SQLITE_OK) {
         raiseFromDriver(QString::fromUtf8(sqlite3_errmsg(database())));
+    }
     return number;
 }
 
@@ -119,19 +126,22 @@ sqlite3* DatasetEdit::database() const {
 }
 
 void DatasetEdit::execute(const QString& statement) {
-    if (sqlite3_exec(database(), statement.toUtf8().constData(), nullptr, nullptr, nullptr) != SQLITE_OK)
+    if (sqlite3_exec(database(), statement.toUtf8().constData(), nullptr, nullptr, nullptr) != SQLITE_OK) {
         raiseFromDriver(QString::fromUtf8(sqlite3_errmsg(database())));
+    }
 }
 
 void DatasetEdit::raiseFromDriver(const QString& reason) const {
-    if (!hasCopy() && std::exchange(lockWait().isCancelled, false))
+    if (!hasCopy() && std::exchange(lockWait().isCancelled, false)) {
         throw work::Cancelled();
+    }
     raiseUnwritten(reason);
 }
 
 void DatasetEdit::raiseIfFailed(const GdalErrorScope& errors) const {
-    if (!errors.error().isEmpty())
+    if (!errors.error().isEmpty()) {
         raiseFromDriver(errors.error());
+    }
 }
 
 std::shared_ptr<void> DatasetEdit::sharedDataset() const {
@@ -156,28 +166,32 @@ void DatasetEdit::writeOut() {
 void DatasetEdit::finish() {
     const GdalErrorScope errors;
     users_.clear();
-    if (hasCopy())
+    if (hasCopy()) {
         dataset_.reset(); // many drivers write only now
-    else
+    } else {
         commitTransaction();
+    }
     raiseIfFailed(errors);
 }
 
 void DatasetEdit::commitTransaction() {
     const GdalErrorScope errors;
     GDALFlushCache(dataset());
-    if (countsAreWrong_)
+    if (countsAreWrong_) {
         correctCounts();
+    }
     raiseIfFailed(errors);
-    if (GDALDatasetCommitTransaction(dataset()) != OGRERR_NONE)
+    if (GDALDatasetCommitTransaction(dataset()) != OGRERR_NONE) {
         raiseFromDriver(errors.error());
+    }
 }
 
 /// GDAL counts along with the rows it adds and deletes, and knows nothing of savepoints.
 void DatasetEdit::correctCounts() {
     if (sqlite3_table_column_metadata(database(), "main", "gpkg_ogr_contents", nullptr, nullptr, nullptr,
-                                      nullptr, nullptr, nullptr) != SQLITE_OK)
+                                      nullptr, nullptr, nullptr) != SQLITE_OK) {
         return;
+    }
     for (int i = 0; i < GDALDatasetGetLayerCount(dataset()); ++i) {
         const std::string_view layer = OGR_L_GetName(GDALDatasetGetLayer(dataset(), i));
         execute(QString::fromStdString("Update gpkg_ogr_contents Set feature_count = (Select Count(*) From " +
@@ -203,8 +217,9 @@ void DatasetEdit::returnToSavepoint(int number) {
 }
 
 void DatasetEdit::abandon() noexcept {
-    if (hasCopy() || !dataset_ || isPrepared())
+    if (hasCopy() || !dataset_ || isPrepared()) {
         return;
+    }
     const GdalErrorScope errors;
     users_.clear();
     // After some failures SQLite has ended the transaction by itself: what GDAL then brings up to date on its

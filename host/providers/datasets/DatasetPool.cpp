@@ -14,12 +14,13 @@ namespace {
 
 /// Enough for a query with several joins; each holds a file open, and some drivers keep all features in
 /// memory.
-constexpr std::size_t MAX_IDLE = 4;
+constexpr std::size_t mostIdle = 4;
 
 std::vector<const char*> nullTerminated(const QList<QByteArray>& texts) {
     std::vector<const char*> pointers;
-    for (const auto& text : texts)
+    for (const auto& text : texts) {
         pointers.push_back(text.constData());
+    }
     pointers.push_back(nullptr);
     return pointers;
 }
@@ -33,8 +34,9 @@ QString withoutPath(const QString& reason, const QString& path) {
 } // namespace
 
 DatasetPool::Lease::~Lease() {
-    if (dataset_)
+    if (dataset_) {
         pool_->release(std::move(dataset_), generation_);
+    }
 }
 
 DatasetPool::Lease& DatasetPool::Lease::operator=(Lease&& other) noexcept {
@@ -47,8 +49,9 @@ DatasetPool::Lease& DatasetPool::Lease::operator=(Lease&& other) noexcept {
 
 DatasetPool::Lease DatasetPool::acquire() {
     if (const auto edit = editWithChanges()) {
-        if (auto shared = edit->sharedDataset())
+        if (auto shared = edit->sharedDataset()) {
             return {shared_from_this(), std::move(shared)};
+        }
     }
     std::unique_lock lock(mutex_);
     const unsigned generation = generation_;
@@ -95,8 +98,9 @@ DatasetHandle DatasetPool::open(unsigned flags, const QByteArray& path) const {
     DatasetHandle dataset(GDALOpenEx(path.constData(), GDAL_OF_VECTOR | GDAL_OF_VERBOSE_ERROR | flags,
                                      source_.drivers.isEmpty() ? nullptr : drivers.data(), options.data(),
                                      nullptr));
-    if (!dataset)
+    if (!dataset) {
         raiseUnopened(errors.error());
+    }
     return dataset;
 }
 
@@ -105,10 +109,11 @@ void DatasetPool::raiseUnopened(const QString& reported) const {
     QString reason = withoutPath(reported, path);
     path = pathOnDisk(path);
     const QFileInfo file(path);
-    if (file.isFile() && file.size() == 0)
+    if (file.isFile() && file.size() == 0) {
         reason = tr("файл пуст");
-    else if (reported.contains(QLatin1String("not recognized as a supported"))) // GDAL's words
+    } else if (reported.contains(QLatin1String("not recognized as a supported"))) { // GDAL's words
         reason = tr("в нём нет таблиц в известном формате");
+    }
     const QString message = tr("Не удалось открыть «%1»").arg(path);
     throw std::runtime_error(
         (reason.isEmpty() ? message : message + QStringLiteral(": ") + reason).toStdString());
@@ -117,8 +122,9 @@ void DatasetPool::raiseUnopened(const QString& reported) const {
 void DatasetPool::release(DatasetHandle dataset, unsigned generation) {
     const GdalErrorScope errors;
     const std::lock_guard lock(mutex_);
-    if (generation == generation_ && idle_.size() < MAX_IDLE)
+    if (generation == generation_ && idle_.size() < mostIdle) {
         idle_.push_back(std::move(dataset));
+    }
 }
 
 } // namespace orvane::files

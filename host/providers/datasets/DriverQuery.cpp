@@ -9,8 +9,9 @@ namespace orvane::files {
 DriverQuery::DriverQuery(GDALDatasetH dataset, const std::string& sql) : dataset_(dataset) {
     const GdalErrorScope errors;
     layer_ = GDALDatasetExecuteSQL(dataset, sql.c_str(), nullptr, nullptr);
-    if (!layer_)
+    if (!layer_) {
         errors.raise(QString::fromStdString(sql));
+    }
 }
 
 DriverQuery::~DriverQuery() {

@@ -13,8 +13,9 @@ FileEdit::~FileEdit() = default;
 
 void FileEdit::raise(const QString& what, QString reason) const {
     QString text = what.arg(file_);
-    if (!reason.isEmpty())
+    if (!reason.isEmpty()) {
         text += QStringLiteral(": ") + withoutCheckedPrefix(std::move(reason)).replace(path(), file_);
+    }
     throw std::runtime_error(text.toStdString());
 }
 
@@ -44,15 +45,17 @@ void FileEdit::beforeChange() {
     if (copy_ && unsaved != savepoints_.end()) {
         flush();
         onDisk([&] { copy_->save(unsaved->number); });
-        for (auto each = unsaved; each != savepoints_.end(); ++each)
+        for (auto each = unsaved; each != savepoints_.end(); ++each) {
             each->saved = unsaved->number;
+        }
     }
     isFlushed_ = false;
 }
 
 void FileEdit::flush() {
-    if (!isEnded_ && !std::exchange(isFlushed_, true))
+    if (!isEnded_ && !std::exchange(isFlushed_, true)) {
         writeOut();
+    }
 }
 
 std::vector<FileEdit::Savepoint>::iterator FileEdit::findSavepoint(int number) {
@@ -61,10 +64,12 @@ std::vector<FileEdit::Savepoint>::iterator FileEdit::findSavepoint(int number) {
 }
 
 void FileEdit::setSavepoint(int number) {
-    if (isEnded_ || findSavepoint(number) != savepoints_.end())
+    if (isEnded_ || findSavepoint(number) != savepoints_.end()) {
         return;
-    if (!copy_)
+    }
+    if (!copy_) {
         markSavepoint(number);
+    }
     savepoints_.push_back({number, std::nullopt});
 }
 
@@ -73,12 +78,14 @@ void FileEdit::releaseSavepoint(int number) {
     const auto first =
         std::find_if(savepoints_.begin(), savepoints_.end(),
                      [number](const Savepoint& savepoint) { return savepoint.number >= number; });
-    if (isEnded_ || first == savepoints_.end())
+    if (isEnded_ || first == savepoints_.end()) {
         return;
+    }
     const int outermost = first->number;
     savepoints_.erase(first, savepoints_.end());
-    if (!copy_)
+    if (!copy_) {
         dropSavepoint(outermost);
+    }
 }
 
 void FileEdit::rollbackTo(int number) {
@@ -99,15 +106,17 @@ void FileEdit::rollbackTo(int number) {
 }
 
 void FileEdit::prepare() {
-    if (isPrepared_ || isEnded_)
+    if (isPrepared_ || isEnded_) {
         return;
+    }
     if (!hasChanges_) {
         rollback();
         return;
     }
     finish();
-    if (copy_)
+    if (copy_) {
         onDisk([this] { copy_->publish(); });
+    }
     isPrepared_ = true;
 }
 
@@ -118,10 +127,12 @@ void FileEdit::commit() noexcept {
 }
 
 void FileEdit::rollback() noexcept {
-    if (std::exchange(isEnded_, true))
+    if (std::exchange(isEnded_, true)) {
         return;
-    if (copy_ && isPrepared_)
+    }
+    if (copy_ && isPrepared_) {
         copy_->unpublish();
+    }
     abandon();
     close();
     copy_.reset();

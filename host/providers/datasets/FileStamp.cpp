@@ -9,7 +9,7 @@ namespace orvane::files {
 
 namespace {
 
-constexpr auto LOOK_INTERVAL = std::chrono::milliseconds(100);
+constexpr auto lookInterval = std::chrono::milliseconds(100);
 
 } // namespace
 
@@ -29,16 +29,18 @@ FileStamp::FileStamp(const QByteArray& path) {
 
 bool FileStamp::hasChanged() {
     const auto now = std::chrono::steady_clock::now();
-    if (now < nextLook_)
+    if (now < nextLook_) {
         return false;
-    nextLook_ = now + LOOK_INTERVAL;
+    }
+    nextLook_ = now + lookInterval;
     return look();
 }
 
 std::uint64_t FileStamp::size() const {
     std::uint64_t size = 0;
-    for (const auto& part : parts_)
+    for (const auto& part : parts_) {
         size += part.size;
+    }
     return size;
 }
 
@@ -52,12 +54,14 @@ bool FileStamp::look() {
         std::error_code error;
         auto size = std::filesystem::file_size(part.path, error);
         auto time = std::filesystem::last_write_time(part.path, error);
-        if (error)
+        if (error) {
             size = 0;
+        }
         // An absent part and an empty one are the same: readers of a database make empty logs and remove
         // them.
-        if (size == 0)
+        if (size == 0) {
             time = {};
+        }
         hasChanged = hasChanged || size != part.size || time != part.time;
         part.size = size;
         part.time = time;

@@ -11,7 +11,7 @@ namespace orvane::files {
 
 namespace {
 
-constexpr int MAX_LOGGED_WARNINGS = 10;
+constexpr int mostLoggedWarnings = 10;
 
 void logMessage(LogLevel level, const char* text) {
     loggerInstance()->write(level, QStringLiteral("GdalErrors"), __LINE__, QString::fromLatin1(__func__),
@@ -62,15 +62,16 @@ void GdalErrorScope::raise(const QString& what) const {
 }
 
 void GdalErrorScope::raiseIfFailed(const QString& what) const {
-    if (!error_.isEmpty())
+    if (!error_.isEmpty()) {
         raise(what);
+    }
 }
 
 void GdalErrorScope::collect(CPLErr level, CPLErrorNum, const char* text) {
     auto* scope = static_cast<GdalErrorScope*>(CPLGetErrorHandlerUserData());
     if (level >= CE_Failure) {
         scope->error_ = QString::fromUtf8(text).trimmed();
-    } else if (level == CE_Debug || ++scope->warnings_ <= MAX_LOGGED_WARNINGS) {
+    } else if (level == CE_Debug || ++scope->warnings_ <= mostLoggedWarnings) {
         logMessage(logLevel(level), text);
     }
 }

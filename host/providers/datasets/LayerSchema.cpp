@@ -29,8 +29,9 @@ QString withoutControlCharacters(QString name) {
     QString kept;
     kept.reserve(name.size());
     for (const QChar character : name) {
-        if (character.category() != QChar::Other_Control)
+        if (character.category() != QChar::Other_Control) {
             kept += character;
+        }
     }
     return kept.trimmed();
 }
@@ -47,14 +48,16 @@ FieldType fieldType(OGRFieldDefnH field) {
     const OGRFieldSubType subType = OGR_Fld_GetSubType(field);
     switch (OGR_Fld_GetType(field)) {
     case OFTInteger:
-        if (subType == OFSTBoolean)
+        if (subType == OFSTBoolean) {
             return {QMetaType::Bool, Reading::Integer, ColumnKind::Int64, false};
+        }
         return {QMetaType::Int, Reading::Integer,
                 subType == OFSTInt16 ? ColumnKind::Int16 : ColumnKind::Int32, true};
     case OFTInteger64: return {QMetaType::LongLong, Reading::Integer, ColumnKind::Int64, true};
     case OFTReal:
-        if (subType == OFSTFloat32)
+        if (subType == OFSTFloat32) {
             return {QMetaType::Float, Reading::Real, ColumnKind::Double, false};
+        }
         return {QMetaType::Double, Reading::Real, ColumnKind::Double, true};
     case OFTDate: return {QMetaType::QDate, Reading::Date, ColumnKind::Text, false};
     case OFTTime: return {QMetaType::QTime, Reading::Time, ColumnKind::Text, false};
@@ -77,8 +80,9 @@ bool saysNothing(OGRSpatialReferenceH reference) {
 } // namespace
 
 std::shared_ptr<cs::CoordSystem> coordSystemOf(OGRSpatialReferenceH reference) {
-    if (!reference || saysNothing(reference))
+    if (!reference || saysNothing(reference)) {
         return nullptr;
+    }
     const auto* factory = cs::CoordSysFactory::defaultCoordSysFactory();
     const char* authority = OSRGetAuthorityName(reference, nullptr);
     const char* code = OSRGetAuthorityCode(reference, nullptr);
@@ -98,33 +102,39 @@ std::shared_ptr<cs::CoordSystem> coordSystemOf(OGRSpatialReferenceH reference) {
 
 std::size_t bytesThatFit(std::string_view text, int mostBytes) {
     auto size = static_cast<std::size_t>(mostBytes);
-    if (text.size() <= size)
+    if (text.size() <= size) {
         return text.size();
-    while (size > 0 && (static_cast<unsigned char>(text[size]) & 0xC0) == 0x80) // in a character
+    }
+    while (size > 0 && (static_cast<unsigned char>(text[size]) & 0xC0) == 0x80) { // in a character
         --size;
+    }
     return size;
 }
 
 QStringList distinctNames(const QStringList& names, int mostBytes) {
     const auto numbered = [mostBytes](const QString& name, const QString& number) {
-        if (mostBytes == 0)
+        if (mostBytes == 0) {
             return name + number;
+        }
         const QByteArray text = name.toUtf8();
         const std::string_view bytes(text.constData(), static_cast<std::size_t>(text.size()));
         const std::size_t kept = bytesThatFit(bytes, mostBytes - number.size());
         return QString::fromUtf8(text.constData(), static_cast<int>(kept)).trimmed() + number;
     };
     QSet<QString> taken;
-    for (const auto& name : reservedNames())
+    for (const auto& name : reservedNames()) {
         taken.insert(name.toCaseFolded());
+    }
     QStringList distinct;
     for (int i = 0; i < names.size(); ++i) {
         auto wanted = withoutControlCharacters(names[i]);
-        if (wanted.isEmpty())
+        if (wanted.isEmpty()) {
             wanted = QStringLiteral("field%1").arg(i + 1);
+        }
         auto name = numbered(wanted, QString());
-        for (int number = 2; taken.contains(name.toCaseFolded()); ++number)
+        for (int number = 2; taken.contains(name.toCaseFolded()); ++number) {
             name = numbered(wanted, QLatin1Char('_') + QString::number(number));
+        }
         taken.insert(name.toCaseFolded());
         distinct.append(name);
     }
@@ -142,9 +152,10 @@ LayerSchema describeLayer(OGRLayerH layer) {
     };
 
     const char* fidName = OGR_L_GetFIDColumn(layer);
-    if (fidName && *fidName)
+    if (fidName && *fidName) {
         add({LayerColumn::Source::FeatureId, LayerColumn::Reading::Integer, -1, ColumnKind::Int64, true, {}},
             fidName);
+    }
     for (int i = 0; i < OGR_FD_GetFieldCount(definition); ++i) {
         const OGRFieldDefnH field = OGR_FD_GetFieldDefn(definition, i);
         const auto type = fieldType(field);
@@ -156,8 +167,9 @@ LayerSchema describeLayer(OGRLayerH layer) {
         const char* name = OGR_GFld_GetNameRef(OGR_FD_GetGeomFieldDefn(definition, 0));
         add({LayerColumn::Source::Geometry, LayerColumn::Reading::Geometry, -1, ColumnKind::Wkb, true, {}},
             name);
-        if (names.last().isEmpty())
+        if (names.last().isEmpty()) {
             names.last() = QStringLiteral("geometry");
+        }
     }
     if (geometryFields > 1) {
         loggerInstance()->write(LogLevel::Info, QStringLiteral("LayerSchema"), __LINE__,

@@ -41,8 +41,9 @@ public:
     void removeAll() {
         const std::lock_guard lock(mutex_);
         std::error_code ignored;
-        for (const std::string& path : paths_)
+        for (const std::string& path : paths_) {
             fs::remove_all(path, ignored);
+        }
     }
 
 private:
@@ -53,16 +54,18 @@ private:
 /// The descriptor that holds the lock, -1 when somebody else does or the file system has no locks.
 int lockDirectory(const char* path) {
     const int descriptor = ::open(path, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-    if (descriptor < 0 || ::flock(descriptor, LOCK_EX | LOCK_NB) == 0)
+    if (descriptor < 0 || ::flock(descriptor, LOCK_EX | LOCK_NB) == 0) {
         return descriptor;
+    }
     ::close(descriptor);
     return -1;
 }
 
 void removeUnlessHeld(const fs::path& directory) {
     std::error_code ignored;
-    if (!fs::exists(directory / mark, ignored))
+    if (!fs::exists(directory / mark, ignored)) {
         return;
+    }
     if (const int lock = lockDirectory(directory.c_str()); lock >= 0) {
         fs::remove_all(directory, ignored);
         ::close(lock);
@@ -77,8 +80,9 @@ void removeAbandoned(const QString& pathTemplate) {
     fs::directory_iterator entry(form.parent_path(), error);
     for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
         const std::string found = entry->path().filename().string();
-        if (found.size() == name.size() && found.compare(0, start.size(), start) == 0)
+        if (found.size() == name.size() && found.compare(0, start.size(), start) == 0) {
             removeUnlessHeld(entry->path());
+        }
     }
 }
 
@@ -97,8 +101,9 @@ std::shared_ptr<ResultDirectory> ResultDirectory::temporary() {
 
 ResultDirectory::ResultDirectory(const QString& pathTemplate)
     : directory_((removeAbandoned(pathTemplate), pathTemplate)) {
-    if (!directory_.isValid())
+    if (!directory_.isValid()) {
         throw std::runtime_error(directory_.errorString().toStdString());
+    }
     DirectoryList::instance().add(path());
     lock_ = lockDirectory(QFile::encodeName(path()).constData());
     if (lock_ >= 0) {
@@ -109,8 +114,9 @@ ResultDirectory::ResultDirectory(const QString& pathTemplate)
 
 ResultDirectory::~ResultDirectory() {
     directory_.remove();
-    if (lock_ >= 0)
+    if (lock_ >= 0) {
         ::close(lock_);
+    }
     DirectoryList::instance().take(path());
 }
 

@@ -65,11 +65,13 @@ WorkingCopy::WorkingCopy(const QString& path, const QStringList& files)
         const fs::path relative = QFileInfo(file).canonicalFilePath() == textOf(dataset)
                                       ? dataset_
                                       : original.lexically_relative(given.empty() ? "." : given);
-        if (leadsOut(relative))
+        if (leadsOut(relative)) {
             throw std::runtime_error(
                 Texts::tr("файл «%1» лежит в другой папке, измените его сам").arg(file).toStdString());
-        if (!fs::is_regular_file(root_ / relative))
+        }
+        if (!fs::is_regular_file(root_ / relative)) {
             continue;
+        }
         copyFile(root_ / relative, copies_ / relative);
         originals_[relative] = stampOf(root_ / relative);
     }
@@ -101,8 +103,9 @@ WorkingCopy::Stamp WorkingCopy::stampOf(const fs::path& file) {
 WorkingCopy::Stamps WorkingCopy::stampsBelow(const fs::path& root) {
     Stamps stamps;
     for (const auto& entry : fs::recursive_directory_iterator(root)) {
-        if (entry.is_regular_file())
+        if (entry.is_regular_file()) {
             stamps[entry.path().lexically_relative(root)] = stampOf(entry.path());
+        }
     }
     return stamps;
 }
@@ -110,21 +113,24 @@ WorkingCopy::Stamps WorkingCopy::stampsBelow(const fs::path& root) {
 void WorkingCopy::publish() {
     for (const auto& [file, stamp] : originals_) {
         std::error_code error;
-        if (!fs::exists(root_ / file, error) || stampOf(root_ / file) != stamp)
+        if (!fs::exists(root_ / file, error) || stampOf(root_ / file) != stamp) {
             throw std::runtime_error(Texts::tr("файл «%1» тем временем изменила другая программа")
                                          .arg(textOf(root_ / file))
                                          .toStdString());
+        }
     }
     const Stamps finished = stampsBelow(copies_);
     try {
         for (const auto& [file, stamp] : finished) {
             const auto before = unchanged_.find(file);
-            if (before == unchanged_.end() || before->second != stamp)
+            if (before == unchanged_.end() || before->second != stamp) {
                 exchange_.put(copies_ / file, root_ / file, originals_.count(file) != 0);
+            }
         }
         for (const auto& [file, stamp] : originals_) {
-            if (finished.count(file) == 0)
+            if (finished.count(file) == 0) {
                 exchange_.remove(root_ / file);
+            }
         }
     } catch (...) {
         exchange_.undo();

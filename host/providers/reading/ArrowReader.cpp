@@ -41,8 +41,9 @@ ColumnChunk makeChunk(ColumnKind kind, const ArrowArray& array, std::int64_t cap
     ColumnChunk chunk;
     chunk.kind = kind;
     chunk.first = array.offset;
-    if (array.null_count != 0)
+    if (array.null_count != 0) {
         chunk.validity = static_cast<const std::uint8_t*>(array.buffers[0]);
+    }
     chunk.values = array.buffers[1];
     chunk.bytes = static_cast<std::size_t>(capacity) * rowBytes(kind);
     if (kind >= ColumnKind::Text) {
@@ -55,8 +56,9 @@ ColumnChunk makeChunk(ColumnKind kind, const ArrowArray& array, std::int64_t cap
 }
 
 void releaseArray(ArrowArray* array) {
-    if (array->release)
+    if (array->release) {
         array->release(array);
+    }
     delete array;
 }
 
@@ -78,39 +80,46 @@ std::unique_ptr<ArrowReader> ArrowReader::start(LayerScan& scan) {
     const char* const options[] = {"INCLUDE_FID=YES", batchOption.c_str(), nullptr};
     const GdalErrorScope errors;
     if (!OGR_L_GetArrowStream(scan.layer, &reader->stream_, const_cast<char**>(options)) ||
-        !reader->hasExpectedLayout(scan))
+        !reader->hasExpectedLayout(scan)) {
         return nullptr;
+    }
     reader->scan_ = std::move(scan);
     return reader;
 }
 
 ArrowReader::~ArrowReader() {
-    if (stream_.release)
+    if (stream_.release) {
         stream_.release(&stream_);
-    if (scan_.layer)
+    }
+    if (scan_.layer) {
         OGR_L_ResetReading(scan_.layer); // an unfinished query would keep the file locked for writers
+    }
 }
 
 bool ArrowReader::hasExpectedLayout(const LayerScan& scan) {
     std::vector<const LayerColumn*> fields;
     for (const auto* column : scan.columns) {
-        if (column->source != LayerColumn::Source::FeatureId)
+        if (column->source != LayerColumn::Source::FeatureId) {
             fields.push_back(column);
+        }
     }
     std::sort(fields.begin(), fields.end(),
               [](const LayerColumn* a, const LayerColumn* b) { return streamOrder(*a) < streamOrder(*b); });
 
     ArrowSchema schema{};
-    if (stream_.get_schema(&stream_, &schema) != 0)
+    if (stream_.get_schema(&stream_, &schema) != 0) {
         return false;
+    }
     const std::unique_ptr<ArrowSchema, void (*)(ArrowSchema*)> owner(
         &schema, [](ArrowSchema* released) { released->release(released); });
     if (schema.n_children != static_cast<std::int64_t>(fields.size()) + 1 ||
-        std::strcmp(schema.children[0]->format, "l") != 0)
+        std::strcmp(schema.children[0]->format, "l") != 0) {
         return false;
+    }
     for (std::size_t i = 0; i < fields.size(); ++i) {
-        if (std::strcmp(schema.children[i + 1]->format, arrowFormat(fields[i]->arrowKind)) != 0)
+        if (std::strcmp(schema.children[i + 1]->format, arrowFormat(fields[i]->arrowKind)) != 0) {
             return false;
+        }
     }
     for (const auto* column : scan.columns) {
         const auto found = std::find(fields.begin(), fields.end(), column);
@@ -124,18 +133,22 @@ bool ArrowReader::next(ColumnBatch& batch) {
     const std::shared_ptr<ArrowArray> array(new ArrowArray{}, releaseArray);
     for (int i = 0; array->length == 0; ++i) {
         const GdalErrorScope errors;
-        if (array->release)
+        if (array->release) {
             array->release(array.get());
+        }
         *array = {};
         const bool hasFailed = stream_.get_next(&stream_, array.get()) != 0;
         const char* reason = hasFailed ? stream_.get_last_error(&stream_) : nullptr;
-        if (hasFailed || !errors.error().isEmpty() || i == mostEmpty)
+        if (hasFailed || !errors.error().isEmpty() || i == mostEmpty) {
             scan_.raise(errors, QString::fromUtf8(reason));
+        }
         // The driver may read in threads of its own, and go on after failures.
-        if (const auto failures = failuresOutsideScopes(); failures.count != failures_)
+        if (const auto failures = failuresOutsideScopes(); failures.count != failures_) {
             scan_.raise(errors, failures.last);
-        if (!array->release)
+        }
+        if (!array->release) {
             return false;
+        }
     }
 
     batch.rows = array->length;

@@ -13,8 +13,9 @@ std::size_t bytesOf(const ColumnBatch& batch) {
     std::size_t bytes = sizeof batch + batch.fids.bytes;
     for (const auto& column : batch.columns) {
         bytes += column.bytes + sizeof column;
-        if (column.kind == ColumnKind::Wkb)
+        if (column.kind == ColumnKind::Wkb) {
             bytes += static_cast<std::size_t>(batch.rows) * sizeof(geometry::Envelope);
+        }
     }
     return bytes;
 }
@@ -27,8 +28,9 @@ const std::int64_t* idsOf(const ColumnBatch& batch) {
 
 const std::shared_ptr<const BatchBoxes>& CachedScan::boxes(std::size_t batch) const {
     std::call_once(boxesOnce_, [this] {
-        for (const auto& each : batches)
+        for (const auto& each : batches) {
             boxes_.push_back(boxesOf(each.columns[static_cast<std::size_t>(geometryColumn)], each.rows));
+        }
     });
     return boxes_[batch];
 }
@@ -73,8 +75,9 @@ std::size_t BatchCache::bytes() const {
 std::optional<CachedColumns> BatchCache::find(TableKey table, const std::vector<int>& attributes) {
     const std::lock_guard lock(mutex_);
     const auto found = tables_.find(table);
-    if (found == tables_.end())
+    if (found == tables_.end()) {
         return std::nullopt;
+    }
     CachedColumns result;
     result.rows = found->second.front();
     result.columns.reserve(attributes.size());
@@ -88,16 +91,18 @@ std::optional<CachedColumns> BatchCache::find(TableKey table, const std::vector<
             }
         }
     }
-    if (result.columns.size() < attributes.size())
+    if (result.columns.size() < attributes.size()) {
         return std::nullopt;
+    }
     ++uses_;
     for (const auto& scan : found->second) {
         const bool isUsed = scan == result.rows || std::any_of(result.columns.begin(), result.columns.end(),
                                                                [&](const CachedColumns::Column& column) {
                                                                    return column.scan == scan;
                                                                });
-        if (isUsed)
+        if (isUsed) {
             scan->lastUse = uses_;
+        }
     }
     return result;
 }
@@ -105,26 +110,30 @@ std::optional<CachedColumns> BatchCache::find(TableKey table, const std::vector<
 std::optional<std::int64_t> BatchCache::rowCount(TableKey table) const {
     const std::lock_guard lock(mutex_);
     const auto found = tables_.find(table);
-    if (found == tables_.end())
+    if (found == tables_.end()) {
         return std::nullopt;
+    }
     return found->second.front()->rows;
 }
 
 void BatchCache::drop(TableKey table) {
     const std::lock_guard lock(mutex_);
     const auto found = tables_.find(table);
-    if (found == tables_.end())
+    if (found == tables_.end()) {
         return;
-    for (const auto& scan : found->second)
+    }
+    for (const auto& scan : found->second) {
         bytes_ -= scan->bytes;
+    }
     tables_.erase(found);
 }
 
 bool BatchCache::reserve(std::size_t bytes) {
     const std::lock_guard lock(mutex_);
     while (bytes > capacity_ || bytes_ > capacity_ - bytes) {
-        if (!dropLeastRecentlyUsed())
+        if (!dropLeastRecentlyUsed()) {
             return false;
+        }
     }
     bytes_ += bytes;
     return true;
@@ -144,8 +153,9 @@ void BatchCache::store(TableKey table, std::shared_ptr<CachedScan> scan) {
                 return std::count(scan->attributes.begin(), scan->attributes.end(), attribute) > 0;
             });
         const bool isDropped = hasNothingMore || !older->hasSameRows(*scan);
-        if (isDropped)
+        if (isDropped) {
             bytes_ -= older->bytes;
+        }
         return isDropped;
     };
     scans.erase(std::remove_if(scans.begin(), scans.end(), isReplaced), scans.end());
@@ -165,12 +175,14 @@ bool BatchCache::dropLeastRecentlyUsed() {
             oldest = candidate;
         }
     }
-    if (oldestTable == tables_.end())
+    if (oldestTable == tables_.end()) {
         return false;
+    }
     bytes_ -= (*oldest)->bytes;
     oldestTable->second.erase(oldest);
-    if (oldestTable->second.empty())
+    if (oldestTable->second.empty()) {
         tables_.erase(oldestTable);
+    }
     return true;
 }
 
@@ -185,12 +197,14 @@ ScanCollector::~ScanCollector() {
 
 bool ScanCollector::next(ColumnBatch& batch) {
     if (reader_->next(batch)) {
-        if (scan_)
+        if (scan_) {
             collect(batch);
+        }
         return true;
     }
-    if (scan_ && *currentKey_ == table_)
+    if (scan_ && *currentKey_ == table_) {
         BatchCache::instance().store(table_, std::exchange(scan_, nullptr));
+    }
     giveUp();
     return false;
 }
@@ -212,8 +226,9 @@ void ScanCollector::collect(const ColumnBatch& batch) {
 }
 
 void ScanCollector::giveUp() {
-    if (!scan_)
+    if (!scan_) {
         return;
+    }
     BatchCache::instance().release(scan_->bytes);
     scan_ = nullptr;
 }
@@ -223,10 +238,12 @@ bool CachedReader::next(ColumnBatch& batch) {
         const auto& rows = columns_.rows->batches[next_];
         batch.rows = rows.rows;
         batch.fids = rows.fids;
-        if (boxes_)
+        if (boxes_) {
             batch.boxes = boxes_->boxes(next_);
-        if (filter_ && !filter_->canPass(batch))
+        }
+        if (filter_ && !filter_->canPass(batch)) {
             continue;
+        }
         batch.columns.resize(columns_.columns.size());
         for (std::size_t i = 0; i < columns_.columns.size(); ++i) {
             const auto& column = columns_.columns[i];

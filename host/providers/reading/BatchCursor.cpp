@@ -5,18 +5,21 @@
 namespace orvane::files {
 
 bool BatchCursor::next() {
-    if (filter_)
+    if (filter_) {
         return nextSelected();
-    if (++row_ < batch_.rows)
+    }
+    if (++row_ < batch_.rows) {
         return true;
+    }
     row_ = 0;
     return reader_->next(batch_);
 }
 
 bool BatchCursor::nextSelected() {
     while (nextSelected_ == selected_.size()) {
-        if (!reader_->next(batch_))
+        if (!reader_->next(batch_)) {
             return false;
+        }
         filter_->select(batch_, selected_);
         nextSelected_ = 0;
     }

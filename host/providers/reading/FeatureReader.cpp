@@ -27,14 +27,17 @@ void appendTime(OGRFeatureH feature, const LayerColumn& column, ColumnBuilder& b
     const int milliseconds = std::clamp(static_cast<int>(std::lround(seconds * 1000.0F)), 0, 59999);
     char text[64];
     int length = 0;
-    if (column.reading != Reading::Time)
+    if (column.reading != Reading::Time) {
         length = std::snprintf(text, sizeof text, "%04d-%02d-%02d", year, month, day);
-    if (column.reading == Reading::DateTime)
+    }
+    if (column.reading == Reading::DateTime) {
         text[length++] = ' ';
-    if (column.reading != Reading::Date)
+    }
+    if (column.reading != Reading::Date) {
         length +=
             std::snprintf(text + length, sizeof text - static_cast<std::size_t>(length),
                           "%02d:%02d:%02d.%03d", hour, minute, milliseconds / 1000, milliseconds % 1000);
+    }
     builder.append(std::string_view(text, static_cast<std::size_t>(length)));
 }
 
@@ -45,8 +48,9 @@ void appendGeometry(OGRFeatureH feature, ColumnBuilder& builder) {
         return;
     }
     auto* wkb = builder.appendSpace(static_cast<std::size_t>(OGR_G_WkbSize(geometry)));
-    if (OGR_G_ExportToIsoWkb(geometry, wkbNDR, reinterpret_cast<unsigned char*>(wkb)) != OGRERR_NONE)
+    if (OGR_G_ExportToIsoWkb(geometry, wkbNDR, reinterpret_cast<unsigned char*>(wkb)) != OGRERR_NONE) {
         builder.replaceLastByNull();
+    }
 }
 
 void appendField(OGRFeatureH feature, const LayerColumn& column, ColumnBuilder& builder) {
@@ -109,22 +113,27 @@ FeatureReader::~FeatureReader() {
 
 FeatureHandle FeatureReader::nextFeature(const GdalErrorScope& errors) {
     FeatureHandle feature;
-    if (!readsIds_)
+    if (!readsIds_) {
         feature.reset(OGR_L_GetNextFeature(scan_.layer));
-    while (readsIds_ && !feature && nextId_ < ids_.size())
+    }
+    while (readsIds_ && !feature && nextId_ < ids_.size()) {
         feature.reset(OGR_L_GetFeature(scan_.layer, ids_[nextId_++]));
-    if (!errors.error().isEmpty())
+    }
+    if (!errors.error().isEmpty()) {
         scan_.raise(errors);
+    }
     return feature;
 }
 
 bool FeatureReader::next(ColumnBatch& batch) {
-    if (isAtEnd_)
+    if (isAtEnd_) {
         return false;
+    }
     const GdalErrorScope errors;
     std::vector<ColumnKind> kinds;
-    for (const auto* column : scan_.columns)
+    for (const auto* column : scan_.columns) {
         kinds.push_back(builtKind(*column));
+    }
     BatchBuilder builder(kinds);
     while (builder.takesRow(scan_.batchRows)) {
         const auto feature = nextFeature(errors);
@@ -132,8 +141,9 @@ bool FeatureReader::next(ColumnBatch& batch) {
             isAtEnd_ = true;
             break;
         }
-        for (std::size_t i = 0; i < scan_.columns.size(); ++i)
+        for (std::size_t i = 0; i < scan_.columns.size(); ++i) {
             appendValue(feature.get(), *scan_.columns[i], builder.columns[i]);
+        }
         builder.endRow(OGR_F_GetFID(feature.get()));
     }
     return std::move(builder).finish(batch);

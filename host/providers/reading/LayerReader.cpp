@@ -13,13 +13,13 @@ namespace orvane::files {
 namespace {
 
 /// Up to this size of the file, the first scan reads all columns: every later one is answered from memory.
-constexpr std::uint64_t SMALL_FILE = std::uint64_t{4} << 20;
+constexpr std::uint64_t smallFile = std::uint64_t{4} << 20;
 /// Up to this many rows, testing the boxes in memory is faster than asking the file's spatial index.
-constexpr std::int64_t MAX_BOX_ROWS = 200'000;
+constexpr std::int64_t mostBoxRows = 200'000;
 /// Up to this many rows found in memory, the other columns are read feature by feature.
-constexpr std::size_t MAX_LOOKUPS = 4096;
+constexpr std::size_t mostLookups = 4096;
 /// Finding a feature by its identifier costs as much as scanning about so many rows.
-constexpr std::int64_t ROWS_PER_LOOKUP = 64;
+constexpr std::int64_t rowsPerLookup = 64;
 
 /// The identifiers among the values, each once, in ascending order, which is the fastest to read.
 std::vector<std::int64_t> sortedIds(const std::vector<dp::FeatureId>& ids) {
@@ -28,8 +28,9 @@ std::vector<std::int64_t> sortedIds(const std::vector<dp::FeatureId>& ids) {
     for (const auto& id : ids) {
         bool isNumber = false;
         const auto value = id.value().toLongLong(&isNumber);
-        if (isNumber)
+        if (isNumber) {
             sorted.push_back(value);
+        }
     }
     std::sort(sorted.begin(), sorted.end());
     sorted.erase(std::unique(sorted.begin(), sorted.end()), sorted.end());
@@ -58,8 +59,9 @@ struct LayerReader::Query {
 
     std::vector<int> testedAttributes() const {
         std::vector<int> attributes;
-        for (const auto& test : tests)
+        for (const auto& test : tests) {
             addDistinct(attributes, test.attribute);
+        }
         return attributes;
     }
     /// The tests on the first `columns` attributes of `needed`.
@@ -67,8 +69,9 @@ struct LayerReader::Query {
         RowFilter result;
         for (const auto& test : tests) {
             const auto found = std::find(needed.begin(), needed.end(), test.attribute);
-            if (static_cast<std::size_t>(found - needed.begin()) < columns)
+            if (static_cast<std::size_t>(found - needed.begin()) < columns) {
                 result.add(static_cast<int>(found - needed.begin()), test.condition);
+            }
         }
         return result;
     }
@@ -84,14 +87,16 @@ LayerReader::~LayerReader() {
 
 std::unique_ptr<dp::Cursor> LayerReader::openCursor(const dp::ScanRequest& request) {
     followFile();
-    if (auto cursor = openForCounting(request))
+    if (auto cursor = openForCounting(request)) {
         return cursor;
+    }
     loadWholeOnce();
 
     Query query;
     query.requested.reserve(request.attributes.size());
-    for (const int attribute : request.attributes)
+    for (const int attribute : request.attributes) {
         addDistinct(query.requested, attribute);
+    }
     query.needed = query.requested;
     for (const auto& term : request.terms) {
         dp::Condition condition(term);
@@ -103,18 +108,22 @@ std::unique_ptr<dp::Cursor> LayerReader::openCursor(const dp::ScanRequest& reque
     query.window = request.window;
     query.limit = request.limit;
 
-    if (request.ids)
+    if (request.ids) {
         return openById(query, sortedIds(*request.ids));
-    if (auto cursor = openFromCache(query))
+    }
+    if (auto cursor = openFromCache(query)) {
         return cursor;
-    if (auto cursor = openByDriver(query))
+    }
+    if (auto cursor = openByDriver(query)) {
         return cursor;
+    }
     return openFullScan(query);
 }
 
 std::unique_ptr<dp::Cursor> LayerReader::openForCounting(const dp::ScanRequest& request) {
-    if (!request.attributes.empty() || !request.terms.empty() || request.window || request.ids)
+    if (!request.attributes.empty() || !request.terms.empty() || request.window || request.ids) {
         return nullptr;
+    }
     const auto rows = featureCount();
     const bool isExact = BatchCache::instance().rowCount(*key_) || source_->countsExactly();
     return rows && isExact ? std::make_unique<CountingCursor>(*rows, source_) : nullptr;
@@ -123,8 +132,9 @@ std::unique_ptr<dp::Cursor> LayerReader::openForCounting(const dp::ScanRequest& 
 std::unique_ptr<dp::Cursor> LayerReader::makeCursor(const Query& query, std::unique_ptr<BatchReader> reader,
                                                     std::shared_ptr<const RowFilter> filter) {
     std::vector<int> slots(static_cast<std::size_t>(source_->schema()->numAttributes()), -1);
-    for (std::size_t i = 0; i < query.requested.size(); ++i)
+    for (std::size_t i = 0; i < query.requested.size(); ++i) {
         slots[static_cast<std::size_t>(query.requested[i])] = static_cast<int>(i);
+    }
     return std::make_unique<BatchCursor>(std::move(reader), std::move(slots), std::move(filter));
 }
 
@@ -135,8 +145,9 @@ std::unique_ptr<dp::Cursor> LayerReader::openById(const Query& query, std::vecto
         load(query.requested);
         cached = cache.find(*key_, query.requested);
     }
-    if (!cached || !cached->rows->idsAscend)
+    if (!cached || !cached->rows->idsAscend) {
         return makeCursor(query, source_->lookUp(query.requested, std::move(ids)), nullptr);
+    }
     RowFilter filter;
     filter.setIds(std::move(ids));
     const auto shared = std::make_shared<const RowFilter>(std::move(filter));
@@ -146,8 +157,9 @@ std::unique_ptr<dp::Cursor> LayerReader::openById(const Query& query, std::vecto
 bool LayerReader::lookupsCostMoreThanAScan(std::size_t count) {
     lookups_ += static_cast<std::int64_t>(count);
     const auto rows = featureCount();
-    if (source_->findsRows() && (!rows || lookups_ < *rows / ROWS_PER_LOOKUP))
+    if (source_->findsRows() && (!rows || lookups_ < *rows / rowsPerLookup)) {
         return false;
+    }
     lookups_ = 0;
     return true;
 }
@@ -156,11 +168,13 @@ std::unique_ptr<dp::Cursor> LayerReader::openFromCache(const Query& query) {
     auto attributes = query.needed;
     const bool testsBoxes = query.window && usesWindow();
     int geometry = -1;
-    if (testsBoxes)
+    if (testsBoxes) {
         geometry = addDistinct(attributes, geometry_);
+    }
     auto cached = BatchCache::instance().find(*key_, attributes);
-    if (!cached || (testsBoxes && cached->rows->rows > MAX_BOX_ROWS))
+    if (!cached || (testsBoxes && cached->rows->rows > mostBoxRows)) {
         return nullptr;
+    }
 
     auto filter = query.filter(query.needed.size());
     std::shared_ptr<const CachedScan> boxes;
@@ -175,46 +189,54 @@ std::unique_ptr<dp::Cursor> LayerReader::openFromCache(const Query& query) {
 
 std::unique_ptr<dp::Cursor> LayerReader::openByDriver(const Query& query) {
     auto sql = source_->filterOf(query.tests, query.window);
-    if (!sql)
+    if (!sql) {
         return nullptr;
+    }
     if (!sql->usesIndex) {
         // SQLite would look at every row. Where the columns are narrow, reading them whole costs the same and
         // answers the next query from memory.
-        if (isNarrow(query.needed))
+        if (isNarrow(query.needed)) {
             return nullptr;
-        if (++driverFilters_ > 1 && loadTestedColumns(query))
+        }
+        if (++driverFilters_ > 1 && loadTestedColumns(query)) {
             return openByTestedColumns(query);
+        }
     }
     auto filter = query.filter(query.requested.size());
     const auto shared = filter.isEmpty() ? nullptr : std::make_shared<const RowFilter>(std::move(filter));
-    return makeCursor(query, source_->scan(query.requested, BATCH_ROWS, sql->text), shared);
+    return makeCursor(query, source_->scan(query.requested, rowsPerBatch, sql->text), shared);
 }
 
 bool LayerReader::loadTestedColumns(const Query& query) {
     const auto tested = query.testedAttributes();
     auto& cache = BatchCache::instance();
-    if (!cache.find(*key_, tested))
+    if (!cache.find(*key_, tested)) {
         load(tested);
+    }
     return cache.find(*key_, tested).has_value();
 }
 
 std::unique_ptr<dp::Cursor> LayerReader::openByTestedColumns(const Query& query) {
     auto columns = BatchCache::instance().find(*key_, query.testedAttributes());
-    if (!columns)
+    if (!columns) {
         return openFullScan(query);
+    }
     RowFilter filter;
     std::vector<int> tested;
-    for (const auto& test : query.tests)
+    for (const auto& test : query.tests) {
         filter.add(addDistinct(tested, test.attribute), test.condition);
+    }
     std::vector<std::int64_t> ids;
     std::vector<std::int32_t> rows;
     CachedReader reader(std::move(*columns), nullptr, nullptr);
     for (ColumnBatch batch; reader.next(batch);) {
         filter.select(batch, rows);
-        if (ids.size() + rows.size() > MAX_LOOKUPS)
+        if (ids.size() + rows.size() > mostLookups) {
             return openFullScan(query);
-        for (const auto row : rows)
+        }
+        for (const auto row : rows) {
             ids.push_back(batch.fids.number<std::int64_t>(row));
+        }
     }
     std::sort(ids.begin(), ids.end());
     return makeCursor(query, source_->lookUp(query.requested, std::move(ids)), nullptr);
@@ -223,16 +245,18 @@ std::unique_ptr<dp::Cursor> LayerReader::openByTestedColumns(const Query& query)
 std::unique_ptr<dp::Cursor> LayerReader::openFullScan(const Query& query) {
     auto filter = query.filter(query.needed.size());
     const auto shared = filter.isEmpty() ? nullptr : std::make_shared<const RowFilter>(std::move(filter));
-    if (query.limit < 0)
+    if (query.limit < 0) {
         return makeCursor(query, startCollectedScan(query.needed), shared);
-    const auto batchRows = std::clamp<std::int64_t>(query.limit, 1, BATCH_ROWS);
+    }
+    const auto batchRows = std::clamp<std::int64_t>(query.limit, 1, rowsPerBatch);
     return makeCursor(query, source_->scan(query.needed, batchRows), shared);
 }
 
 std::optional<std::int64_t> LayerReader::featureCount() {
     followFile();
-    if (const auto rows = BatchCache::instance().rowCount(*key_))
+    if (const auto rows = BatchCache::instance().rowCount(*key_)) {
         return rows;
+    }
     return source_->rowCount();
 }
 
@@ -269,8 +293,9 @@ void LayerReader::invalidate() {
 }
 
 void LayerReader::followFile() {
-    if (stamp_.hasChanged())
+    if (stamp_.hasChanged()) {
         invalidate();
+    }
 }
 
 bool LayerReader::isNarrow(const std::vector<int>& attributes) const {
@@ -295,11 +320,13 @@ void LayerReader::load(const std::vector<int>& attributes) {
 }
 
 void LayerReader::loadWholeOnce() {
-    if (wholeWasTried_)
+    if (wholeWasTried_) {
         return;
+    }
     wholeWasTried_ = true;
-    if (stamp_.size() == 0 || stamp_.size() > SMALL_FILE)
+    if (stamp_.size() == 0 || stamp_.size() > smallFile) {
         return;
+    }
     std::vector<int> all(static_cast<std::size_t>(source_->schema()->numAttributes()));
     std::iota(all.begin(), all.end(), 0);
     try {

@@ -23,19 +23,22 @@ void prepareLayer(const LayerScan& scan) {
     const OGRFeatureDefnH definition = OGR_L_GetLayerDefn(scan.layer);
     std::vector<const char*> ignored{"OGR_STYLE"};
     for (int i = 0; i < OGR_FD_GetFieldCount(definition); ++i) {
-        if (!reads(LayerColumn::Source::Field, i))
+        if (!reads(LayerColumn::Source::Field, i)) {
             ignored.push_back(OGR_Fld_GetNameRef(OGR_FD_GetFieldDefn(definition, i)));
+        }
     }
-    if (!reads(LayerColumn::Source::Geometry, -1))
+    if (!reads(LayerColumn::Source::Geometry, -1)) {
         ignored.push_back("OGR_GEOMETRY");
+    }
     ignored.push_back(nullptr);
 
     const GdalErrorScope errors;
     OGR_L_SetSpatialFilter(scan.layer, nullptr);
     if (OGR_L_SetIgnoredFields(scan.layer, ignored.data()) != OGRERR_NONE ||
         OGR_L_SetAttributeFilter(scan.layer, scan.filter.empty() ? nullptr : scan.filter.c_str()) !=
-            OGRERR_NONE)
+            OGRERR_NONE) {
         scan.raise(errors);
+    }
     OGR_L_ResetReading(scan.layer);
 }
 
@@ -44,8 +47,9 @@ void prepareLayer(const LayerScan& scan) {
 void LayerScan::raise(const GdalErrorScope& errors, const QString& otherwise) const {
     const QString file = pathOnDisk(QString::fromUtf8(lease.pool().source().path));
     const QString what = tr("«%1»: ошибка чтения данных").arg(file);
-    if (!errors.error().isEmpty() || otherwise.isEmpty())
+    if (!errors.error().isEmpty() || otherwise.isEmpty()) {
         errors.raise(what);
+    }
     throw std::runtime_error((what + QStringLiteral(": ") + otherwise).toStdString());
 }
 
@@ -76,15 +80,17 @@ std::unique_ptr<BatchReader> startScan(LayerScan scan) {
     }
     prepareLayer(scan);
     if (ArrowReader::suits(scan)) {
-        if (auto reader = ArrowReader::start(scan))
+        if (auto reader = ArrowReader::start(scan)) {
             return reader;
+        }
     }
     return std::make_unique<FeatureReader>(std::move(scan));
 }
 
 std::unique_ptr<BatchReader> startLookup(LayerScan scan, std::vector<std::int64_t> ids) {
-    if (!scan.lease.isShared())
+    if (!scan.lease.isShared()) {
         prepareLayer(scan);
+    }
     return std::make_unique<FeatureReader>(std::move(scan), std::move(ids));
 }
 

@@ -23,7 +23,7 @@ public:
     std::shared_ptr<const LayerSchema> schema;
     std::vector<const LayerColumn*> columns; ///< of the schema, those that are read
     std::string filter;                      ///< condition in the driver's SQL, empty for all rows
-    std::int64_t batchRows = BATCH_ROWS;
+    std::int64_t batchRows = rowsPerBatch;
 
     /// Throws std::runtime_error with the name of the file and GDAL's reason, or the other when it gave none.
     [[noreturn]] void raise(const GdalErrorScope& errors, const QString& otherwise = {}) const;

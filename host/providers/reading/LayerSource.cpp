@@ -21,12 +21,14 @@ std::optional<std::int64_t> LayerSource::rowCount() {
         const GdalErrorScope errors;
         const auto lease = pool_->acquire();
         const OGRLayerH layer = findLayer(lease.dataset(), layerIndex_, layerName_);
-        if (layer && !lease.isShared())
+        if (layer && !lease.isShared()) {
             OGR_L_SetAttributeFilter(layer, nullptr);
-        if (layer && lease.isShared())
+        }
+        if (layer && lease.isShared()) {
             rowCount_ = countRows(lease.dataset(), layer);
-        else
+        } else {
             rowCount_ = layer ? OGR_L_GetFeatureCount(layer, FALSE) : -1;
+        }
     }
     return *rowCount_ < 0 ? std::nullopt : rowCount_;
 }
@@ -46,15 +48,17 @@ bool LayerSource::hasSpatialIndex() {
 std::optional<RowSource::Filter> LayerSource::filterOf(const std::vector<Test>& tests,
                                                        const std::optional<geometry::Envelope>& window) {
     const bool asksWindow = window && hasSpatialIndex();
-    if ((!asksWindow && tests.empty()) || !sqlTraits().evaluatesSql)
+    if ((!asksWindow && tests.empty()) || !sqlTraits().evaluatesSql) {
         return std::nullopt;
+    }
     Filter filter{asksWindow ? sqlOfWindow(sqlTraits(), *window) : std::string(), asksWindow};
     for (const auto& test : tests) {
         const auto position = static_cast<std::size_t>(test.attribute);
         const auto text =
             sqlOfCondition(schema_->columns[position], valueClass(test.attribute), test.condition);
-        if (!text)
+        if (!text) {
             continue;
+        }
         filter.text += (filter.text.empty() ? "" : " AND ") + *text;
         filter.usesIndex = filter.usesIndex || sqlTraits().isIndexed[position];
     }
@@ -89,14 +93,16 @@ const SqlTraits& LayerSource::sqlTraits() {
 }
 
 LayerScan LayerSource::makeScan(const std::vector<int>& attributes) {
-    LayerScan scan{pool_->acquire(), nullptr, nullptr, schema_, {}, {}, BATCH_ROWS};
+    LayerScan scan{pool_->acquire(), nullptr, nullptr, schema_, {}, {}, rowsPerBatch};
     scan.layer = findLayer(scan.lease.dataset(), layerIndex_, layerName_);
-    if (!scan.layer || !hasFieldsOf(scan.layer, *schema_))
+    if (!scan.layer || !hasFieldsOf(scan.layer, *schema_)) {
         throw std::runtime_error(tr("Слой «%1» изменил своё строение, откройте файл заново")
                                      .arg(QString::fromUtf8(layerName_))
                                      .toStdString());
-    for (const int attribute : attributes)
+    }
+    for (const int attribute : attributes) {
         scan.columns.push_back(&schema_->columns[static_cast<std::size_t>(attribute)]);
+    }
     return scan;
 }
 

@@ -51,7 +51,7 @@ public:
 
     /// Reads rows whole or as far as these attributes go.
     virtual std::unique_ptr<BatchReader> scan(const std::vector<int>& attributes,
-                                              std::int64_t batchRows = BATCH_ROWS,
+                                              std::int64_t batchRows = rowsPerBatch,
                                               const std::string& filter = {}) = 0;
     /// Reads the rows with these identifiers, ascending; those that do not exist are left out.
     virtual std::unique_ptr<BatchReader> lookUp(const std::vector<int>& attributes,

@@ -60,8 +60,9 @@ QStringList partsOf(const QFileInfo& file) {
                                      QStringLiteral("sbx"), QStringLiteral("idm"), QStringLiteral("ind")};
     QStringList parts;
     if (file.suffix().toLower() == QLatin1String("shp")) {
-        for (const QString& ending : endings)
+        for (const QString& ending : endings) {
             parts += file.absoluteDir().filePath(file.completeBaseName() + QLatin1Char('.') + ending);
+        }
     }
     return parts;
 }
@@ -88,14 +89,16 @@ bool ResultFile::isKnown(const QString& path) {
 
 QStringList ResultFile::endings() {
     QStringList endings;
-    for (const ResultFormat& format : resultFormats())
+    for (const ResultFormat& format : resultFormats()) {
         endings += QLatin1Char('.') + QLatin1String(format.suffix);
+    }
     return endings;
 }
 
 ResultFile::ResultFile(QString path, bool overwrite) : path_(std::move(path)), overwrite_(overwrite) {
-    if (!isKnown(path_))
+    if (!isKnown(path_)) {
         raise(path_, Texts::tr("файлы пишутся с окончаниями %1").arg(endings().join(QStringLiteral(", "))));
+    }
     requireFree();
     directory_ = makeDirectory(path_, [this] { return ResultDirectory::beside(path_); });
 }
@@ -104,12 +107,14 @@ ResultFile::~ResultFile() = default;
 
 void ResultFile::requireFree() const {
     const QFileInfo file(path_);
-    if (file.exists() && (!overwrite_ || !file.isFile()))
+    if (file.exists() && (!overwrite_ || !file.isFile())) {
         raise(path_, file.isFile() ? Texts::tr("файл уже есть; с --overwrite он заменяется")
                                    : Texts::tr("имя занято не файлом"));
+    }
     for (const QString& part : partsOf(file)) {
-        if (!overwrite_ && QFileInfo::exists(part))
+        if (!overwrite_ && QFileInfo::exists(part)) {
             raise(part, Texts::tr("файл уже есть; с --overwrite он заменяется"));
+        }
     }
 }
 
@@ -119,8 +124,9 @@ QStringList ResultFile::write(ResultRows& rows) {
         QStringList notes = writeLayer(rows, *formatOf(path_), directory_->filePath(file.fileName()),
                                        file.completeBaseName(), false)
                                 .notes;
-        for (QString& note : notes)
+        for (QString& note : notes) {
             note.prepend(path_ + QStringLiteral(": "));
+        }
         return notes;
     } catch (const std::exception& error) {
         raise(path_, QString::fromUtf8(error.what()));
@@ -141,8 +147,9 @@ void ResultFile::publish() {
             stale.removeAll(place);
         }
         for (const QString& part : stale) {
-            if (QFileInfo::exists(part))
+            if (QFileInfo::exists(part)) {
                 exchange.remove(diskPath(part));
+            }
         }
     } catch (const std::exception& error) {
         exchange.undo();
@@ -152,8 +159,9 @@ void ResultFile::publish() {
 
 std::shared_ptr<LayerTable> addResultTable(dp::DataCatalog& catalog, const QString& name, ResultRows& rows) {
     const auto requireFree = [&] {
-        if (catalog.dataObject(name))
+        if (catalog.dataObject(name)) {
             raise(name, Texts::tr("таблица уже есть"));
+        }
     };
     requireFree();
     auto directory = makeDirectory(name, &ResultDirectory::temporary);
@@ -170,8 +178,9 @@ std::shared_ptr<LayerTable> addResultTable(dp::DataCatalog& catalog, const QStri
         QVector<dp::AttributeDefinitionPointer> definitions = written.attributes;
         schema.columns.erase(schema.columns.begin());
         const bool hasGeometry = rows.geometryColumn() >= 0;
-        if (hasGeometry)
+        if (hasGeometry) {
             definitions += schema.schema->attributes().last();
+        }
         schema.schema = std::make_shared<const dp::TableSchema>(std::move(definitions));
         auto table = LayerTable::ofLayer(name, pool, 0, layerName, std::move(schema));
         requireFree();

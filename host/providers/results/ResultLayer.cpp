@@ -46,8 +46,9 @@ private:
 
 CPLStringList optionList(const std::vector<const char*>& options) {
     CPLStringList list;
-    for (const char* option : options)
+    for (const char* option : options) {
         list.AddString(option);
+    }
     return list;
 }
 
@@ -80,23 +81,27 @@ FieldKind fieldKind(int metaType) {
 
 /// The nearest that the driver has: text holds everything.
 FieldKind supportedKind(GDALDriverH driver, FieldKind wanted) {
-    if (!lists(driver, GDAL_DMD_CREATIONFIELDDATATYPES, OGR_GetFieldTypeName(wanted.type)))
+    if (!lists(driver, GDAL_DMD_CREATIONFIELDDATATYPES, OGR_GetFieldTypeName(wanted.type))) {
         return {OFTString, OFSTNone};
+    }
     const bool hasSubType = wanted.subType == OFSTNone || lists(driver, GDAL_DMD_CREATIONFIELDDATASUBTYPES,
                                                                 OGR_GetFieldSubTypeName(wanted.subType));
     return {wanted.type, hasSubType ? wanted.subType : OFSTNone};
 }
 
 ReferenceHandle referenceOf(const std::shared_ptr<cs::CoordSystem>& system) {
-    if (!system)
+    if (!system) {
         return nullptr;
+    }
     ReferenceHandle reference(OSRNewSpatialReference(nullptr));
     QString definition = system->taggedString();
     const QString tag = definition.section(QLatin1Char(':'), 0, 0);
-    if (tag != QLatin1String("epsg"))
+    if (tag != QLatin1String("epsg")) {
         definition = definition.mid(tag.size() + 1);
-    if (OSRSetFromUserInput(reference.get(), definition.toUtf8().constData()) != OGRERR_NONE)
+    }
+    if (OSRSetFromUserInput(reference.get(), definition.toUtf8().constData()) != OGRERR_NONE) {
         return nullptr;
+    }
     OSRSetAxisMappingStrategy(reference.get(), OAMS_TRADITIONAL_GIS_ORDER);
     return reference;
 }
@@ -109,8 +114,9 @@ constexpr std::uint32_t bit(std::uint32_t kind) {
 std::uint32_t linearKinds(std::uint32_t kinds) {
     constexpr std::array<std::array<std::uint32_t, 2>, 5> pairs{{{8, 2}, {9, 2}, {10, 3}, {11, 5}, {12, 6}}};
     for (const auto& [curved, linear] : pairs) {
-        if (kinds & bit(curved))
+        if (kinds & bit(curved)) {
             kinds = (kinds & ~bit(curved)) | bit(linear);
+        }
     }
     return kinds;
 }
@@ -121,8 +127,9 @@ OGRwkbGeometryType layerType(const ResultColumn& column, bool hasCurves) {
     std::uint32_t chosen = wkbUnknown;
     for (std::uint32_t kind = wkbPoint; kind <= wkbMultiSurface; ++kind) {
         const bool isMultiple = kind >= wkbMultiPoint && kind <= wkbMultiPolygon;
-        if (kinds == bit(kind) || (isMultiple && kinds == (bit(kind) | bit(kind - 3))))
+        if (kinds == bit(kind) || (isMultiple && kinds == (bit(kind) | bit(kind - 3)))) {
             chosen = kind;
+        }
     }
     return OGR_GT_SetModifier(static_cast<OGRwkbGeometryType>(chosen), column.hasZ, column.hasM);
 }
@@ -137,8 +144,9 @@ struct RealForm {
 std::optional<RealForm> realForm(const ResultColumn& column, int width) {
     constexpr int mostDecimals = 15; // of a double
     const int room = column.hasNegatives ? width - 1 : width;
-    if (!(column.largest < std::pow(10.0, room)))
+    if (!(column.largest < std::pow(10.0, room))) {
         return std::nullopt;
+    }
     const int digits = column.largest < 1 ? 1 : static_cast<int>(std::log10(column.largest)) + 1;
     return RealForm{width, std::clamp(room - digits - 1, 0, mostDecimals)};
 }
@@ -192,8 +200,9 @@ void FieldWriter::writeNumber(OGRFeatureH feature, const ResultCell& cell, std::
 void FieldWriter::writeBytes(OGRFeatureH feature, const ResultCell& cell, std::string& text) {
     text.clear();
     if (cell.kind == Kind::Geometry && keepsBlobs) {
-        if (!engine::appendSpatialiteBlob(cell.bytes, coordSystem ? coordSystem->epsg() : 0, text))
+        if (!engine::appendSpatialiteBlob(cell.bytes, coordSystem ? coordSystem->epsg() : 0, text)) {
             text = cell.bytes;
+        }
     } else if (cell.kind == Kind::Geometry) {
         geometry::appendWkt(*geometry::GeometryFactory::fromWkb(cell.bytes, nullptr), text);
     } else if (type == OFTBinary) {
@@ -202,10 +211,11 @@ void FieldWriter::writeBytes(OGRFeatureH feature, const ResultCell& cell, std::s
         const auto bytes = QByteArray::fromRawData(cell.bytes.data(), static_cast<int>(cell.bytes.size()));
         text = bytes.toHex().toUpper().toStdString();
     }
-    if (type == OFTBinary)
+    if (type == OFTBinary) {
         OGR_F_SetFieldBinary(feature, field, static_cast<int>(text.size()), text.data());
-    else
+    } else {
         setText(feature, text);
+    }
 }
 
 void FieldWriter::write(OGRFeatureH feature, const ResultCell& cell, std::string& text) {
@@ -260,32 +270,37 @@ private:
 
 void LayerWriter::createLayer(const QString& path, const QString& layerName) {
     const int position = rows_.geometryColumn();
-    if (format_.needsGeometry && position < 0)
+    if (format_.needsGeometry && position < 0) {
         throw std::runtime_error(Texts::tr("в ответе нет геометрии, без неё файл .%1 не бывает")
                                      .arg(QLatin1String(format_.suffix))
                                      .toStdString());
+    }
     auto datasetOptions = optionList(format_.datasetOptions);
     // SQLite writes by itself, and sees to its failures.
     const QByteArray target = lists(driver_, GDAL_DMD_EXTENSIONS, "gpkg") ? path.toUtf8() : checkedPath(path);
     dataset_.reset(GDALCreate(driver_, target.constData(), 0, 0, 0, GDT_Unknown, datasetOptions.List()));
-    if (!dataset_)
+    if (!dataset_) {
         errors_.raise(Texts::tr("файл не создаётся"));
+    }
     ReferenceHandle reference;
     if (position >= 0) {
         const ResultColumn& column = rows_.columns()[static_cast<std::size_t>(position)];
         type_ = layerType(column, GDALGetMetadataItem(driver_, "DCAP_CURVE_GEOMETRIES", nullptr) != nullptr);
         reference = referenceOf(column.coordSystem);
-        if (!reference && format_.undefinedSystem)
+        if (!reference && format_.undefinedSystem) {
             reference.reset(OSRNewSpatialReference(format_.undefinedSystem));
+        }
     }
     auto layerOptions = optionList(format_.layerOptions);
     if (position >= 0 && format_.indexLosesRows &&
-        rows_.columns()[static_cast<std::size_t>(position)].hasNulls)
+        rows_.columns()[static_cast<std::size_t>(position)].hasNulls) {
         layerOptions.SetNameValue("SPATIAL_INDEX", "NO");
+    }
     layer_ = GDALDatasetCreateLayer(dataset_.get(), layerName.toUtf8().constData(), reference.get(), type_,
                                     layerOptions.List());
-    if (!layer_)
+    if (!layer_) {
         errors_.raise(Texts::tr("слой не создаётся"));
+    }
 }
 
 void LayerWriter::createFields() {
@@ -302,13 +317,15 @@ void LayerWriter::createFields() {
     for (int i = 0; i < distinct.size(); ++i) {
         const std::size_t column = columns[static_cast<std::size_t>(i)];
         createField(column, rows_.columns()[column].attribute(distinct[i]));
-        if (format_.mostNameBytes != 0 && distinct[i] != names[i])
+        if (format_.mostNameBytes != 0 && distinct[i] != names[i]) {
             shortened += Texts::tr("«%1» → «%2»").arg(names[i], distinct[i]);
+        }
     }
-    if (!shortened.isEmpty())
+    if (!shortened.isEmpty()) {
         written_.notes +=
             Texts::tr("имена столбцов в этом формате не длиннее %1 байт: %2")
                 .arg(QString::number(format_.mostNameBytes), shortened.join(QStringLiteral(", ")));
+    }
 }
 
 void LayerWriter::createField(std::size_t column, dp::AttributeDefinitionPointer attribute) {
@@ -325,8 +342,9 @@ void LayerWriter::createField(std::size_t column, dp::AttributeDefinitionPointer
     OGR_Fld_SetSubType(field.get(), kind.subType);
     OGR_Fld_SetWidth(field.get(), form.width);
     OGR_Fld_SetPrecision(field.get(), form.decimals);
-    if (OGR_L_CreateField(layer_, field.get(), TRUE) != OGRERR_NONE)
+    if (OGR_L_CreateField(layer_, field.get(), TRUE) != OGRERR_NONE) {
         errors_.raise(Texts::tr("поле «%1» не создаётся").arg(attribute->name()));
+    }
     const int position = OGR_FD_GetFieldCount(OGR_L_GetLayerDefn(layer_)) - 1;
     fields_.push_back({column, position, kind.type, keepsBlobs_, rows_.columns()[column].coordSystem.get(),
                        format_.mostTextBytes});
@@ -336,50 +354,60 @@ void LayerWriter::createField(std::size_t column, dp::AttributeDefinitionPointer
 void LayerWriter::writeGeometry(OGRFeatureH feature, const ResultCell& cell) const {
     OGRGeometryH geometry = nullptr;
     if (OGR_G_CreateFromWkb(cell.bytes.data(), nullptr, &geometry, static_cast<int>(cell.bytes.size())) !=
-        OGRERR_NONE)
+        OGRERR_NONE) {
         errors_.raise(Texts::tr("геометрия не записывается"));
-    if (OGR_GT_Flatten(type_) != wkbUnknown && OGR_G_GetGeometryType(geometry) != type_)
+    }
+    if (OGR_GT_Flatten(type_) != wkbUnknown && OGR_G_GetGeometryType(geometry) != type_) {
         geometry = OGR_G_ForceTo(geometry, type_, nullptr);
+    }
     OGR_F_SetGeometryDirectly(feature, geometry);
 }
 
 void LayerWriter::writeRow(const std::vector<ResultCell>& cells) {
     const FeatureHandle feature(OGR_F_Create(OGR_L_GetLayerDefn(layer_)));
-    for (FieldWriter& field : fields_)
+    for (FieldWriter& field : fields_) {
         field.write(feature.get(), cells[field.column], text_);
+    }
     if (const int position = rows_.geometryColumn(); position >= 0) {
         const ResultCell& cell = cells[static_cast<std::size_t>(position)];
-        if (cell.kind == Kind::Geometry)
+        if (cell.kind == Kind::Geometry) {
             writeGeometry(feature.get(), cell);
+        }
     }
-    if (OGR_L_CreateFeature(layer_, feature.get()) != OGRERR_NONE)
+    if (OGR_L_CreateFeature(layer_, feature.get()) != OGRERR_NONE) {
         errors_.raise(Texts::tr("запись не добавляется"));
+    }
 }
 
 WrittenLayer LayerWriter::writeRows() {
     const work::Cancellation cancellation;
     const bool hasTransactions = GDALDatasetTestCapability(dataset_.get(), ODsCTransactions) != 0;
-    if (hasTransactions && GDALDatasetStartTransaction(dataset_.get(), FALSE) != OGRERR_NONE)
+    if (hasTransactions && GDALDatasetStartTransaction(dataset_.get(), FALSE) != OGRERR_NONE) {
         errors_.raise(Texts::tr("слой не записывается"));
+    }
     rows_.forEachRow([&](const std::vector<ResultCell>& cells) {
         writeRow(cells);
         return !cancellation.isRequested();
     });
-    if (cancellation.isRequested())
+    if (cancellation.isRequested()) {
         throw std::runtime_error(Texts::tr("прервано").toStdString());
-    if (hasTransactions)
+    }
+    if (hasTransactions) {
         GDALFlushCache(dataset_.get()); // what the driver holds back belongs into the transaction
+    }
     errors_.raiseIfFailed(Texts::tr("слой не записывается"));
-    if (hasTransactions && GDALDatasetCommitTransaction(dataset_.get()) != OGRERR_NONE)
+    if (hasTransactions && GDALDatasetCommitTransaction(dataset_.get()) != OGRERR_NONE) {
         errors_.raise(Texts::tr("слой не записывается"));
+    }
     dataset_.reset(); // many drivers write only now
     errors_.raiseIfFailed(Texts::tr("слой не записывается"));
     for (const FieldWriter& field : fields_) {
-        if (field.cutTexts != 0)
+        if (field.cutTexts != 0) {
             written_.notes += Texts::tr("столбец «%1»: текстов, от которых осталось начало в %2 байт: %3")
                                   .arg(rows_.columns()[field.column].name)
                                   .arg(format_.mostTextBytes)
                                   .arg(field.cutTexts);
+        }
     }
     return std::move(written_);
 }

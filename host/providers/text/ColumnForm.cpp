@@ -15,8 +15,9 @@ namespace {
 
 std::string_view trimmed(std::string_view text) {
     const auto first = text.find_first_not_of(" \t");
-    if (first == std::string_view::npos)
+    if (first == std::string_view::npos) {
         return {};
+    }
     return text.substr(first, text.find_last_not_of(" \t") - first + 1);
 }
 
@@ -26,9 +27,9 @@ bool equals(std::string_view text, std::string_view word) {
 
 /// Whether the text stands for a missing value among others.
 bool isMissing(std::string_view text) {
-    static constexpr std::string_view MARKS[] = {"na", "n/a", "#n/a", "null", "nan", "-", ".."};
+    static constexpr std::string_view missingMarks[] = {"na", "n/a", "#n/a", "null", "nan", "-", ".."};
     return text.empty() ||
-           (text.size() <= 4 && std::any_of(std::begin(MARKS), std::end(MARKS),
+           (text.size() <= 4 && std::any_of(std::begin(missingMarks), std::end(missingMarks),
                                             [text](auto mark) { return equals(text, mark); }));
 }
 
@@ -39,11 +40,13 @@ bool isDigit(char character) {
 template<class Number>
 std::optional<Number> numberInText(std::string_view text) {
     Number number{};
-    if (text.size() > 1 && text[0] == '+' && text[1] != '-')
+    if (text.size() > 1 && text[0] == '+' && text[1] != '-') {
         text.remove_prefix(1);
+    }
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (error != std::errc() || end != text.data() + text.size())
+    if (error != std::errc() || end != text.data() + text.size()) {
         return std::nullopt;
+    }
     return number;
 }
 
@@ -53,8 +56,9 @@ bool isCode(std::string_view number) {
     constexpr std::size_t shortestTelephone = 10; // digits of one with the country
     const bool isSigned = number.front() == '-' || number.front() == '+';
     const auto digits = number.substr(isSigned ? 1 : 0);
-    if (digits.size() > 1 && digits[0] == '0' && isDigit(digits[1]))
+    if (digits.size() > 1 && digits[0] == '0' && isDigit(digits[1])) {
         return true;
+    }
     const bool isTelephone = number.front() == '+' && digits.size() >= shortestTelephone;
     return (isTelephone || digits.size() > 18) && std::all_of(digits.begin(), digits.end(), isDigit) &&
            (isTelephone || !numberInText<std::int64_t>(number));
@@ -69,10 +73,11 @@ std::string textOfReal(double value, char decimalPoint) {
                          .ptr;
     std::string text(digits.data(), end);
     const auto point = text.find('.');
-    if (point != std::string::npos)
+    if (point != std::string::npos) {
         text[point] = decimalPoint;
-    else if (isPlain) // or it would be taken for an integer
+    } else if (isPlain) { // or it would be taken for an integer
         text += {decimalPoint, '0'};
+    }
     return text;
 }
 
@@ -86,12 +91,15 @@ TextType typeOfBoth(TextType a, TextType b) {
     const auto isPair = [a, b](TextType one, TextType other) {
         return (a == one && b == other) || (a == other && b == one);
     };
-    if (a == b || b == TextType::None)
+    if (a == b || b == TextType::None) {
         return a;
-    if (a == TextType::None)
+    }
+    if (a == TextType::None) {
         return b;
-    if (isPair(TextType::Integer, TextType::Real))
+    }
+    if (isPair(TextType::Integer, TextType::Real)) {
         return TextType::Real;
+    }
     return isPair(TextType::Date, TextType::DateTime) ? TextType::DateTime : TextType::Text;
 }
 
@@ -136,10 +144,11 @@ void ColumnForm::read(std::string_view text, bool isQuoted, ColumnBuilder& build
     case TextType::Boolean: {
         text = trimmed(text);
         const bool isTrue = equals(text, trueWord);
-        if (isTrue || equals(text, falseWord))
+        if (isTrue || equals(text, falseWord)) {
             builder.append(std::int64_t{isTrue});
-        else
+        } else {
             builder.appendNull();
+        }
         return;
     }
     case TextType::Date:
@@ -157,10 +166,11 @@ void ColumnForm::read(std::string_view text, bool isQuoted, ColumnBuilder& build
         return;
     }
     default:
-        if (text.empty() && !isQuoted)
+        if (text.empty() && !isQuoted) {
             builder.appendNull();
-        else
+        } else {
             builder.append(text);
+        }
     }
 }
 
@@ -180,8 +190,9 @@ std::optional<std::string> ColumnForm::write(const QVariant& value) const {
     }
     case TextType::Boolean: {
         const qlonglong number = value.toLongLong(&isNumber);
-        if (!isNumber || number < 0 || number > 1)
+        if (!isNumber || number < 0 || number > 1) {
             return std::nullopt;
+        }
         return number != 0 ? trueWord : falseWord;
     }
     case TextType::Date:
@@ -189,8 +200,9 @@ std::optional<std::string> ColumnForm::write(const QVariant& value) const {
     case TextType::DateTime: {
         const auto found = momentOf(value);
         const bool needsDate = type != TextType::Time, needsTime = type != TextType::Date;
-        if (!found || (needsDate && !found->hasDate) || (!needsDate && !found->hasTime))
+        if (!found || (needsDate && !found->hasDate) || (!needsDate && !found->hasTime)) {
             return std::nullopt;
+        }
         std::string text;
         appendMoment(*found, needsDate, needsTime, momentForm, text);
         return text;
@@ -203,32 +215,38 @@ void FormFinder::add(std::string_view text, bool isQuoted) {
     const std::string_view value = trimmed(text);
     allQuoted_ = allQuoted_ && (isQuoted || value.empty());
     hasValue_ = hasValue_ || !value.empty();
-    if (form_.type == TextType::Text)
+    if (form_.type == TextType::Text) {
         return;
+    }
     if (isMissing(value)) {
         hasEmpty_ = hasEmpty_ || value.empty();
-        if (form_.missing.empty())
+        if (form_.missing.empty()) {
             form_.missing = value;
+        }
         return;
     }
     form_.type = typeOfBoth(form_.type, classify(value));
 }
 
 TextType FormFinder::classify(std::string_view text) {
-    if (isMoment(form_.type))
+    if (isMoment(form_.type)) {
         return classifyMoment(text);
+    }
     if (isDigit(text.front()) || std::string_view("-+.").find(text.front()) != std::string_view::npos) {
         const bool isInteger = numberInText<std::int64_t>(text).has_value();
-        if (!isInteger && !realInText(text, form_.takesComma))
+        if (!isInteger && !realInText(text, form_.takesComma)) {
             return classifyMoment(text);
-        if (isInteger || isCode(text))
+        }
+        if (isInteger || isCode(text)) {
             return isCode(text) ? TextType::Text : TextType::Integer;
+        }
         hasPoint_ = hasPoint_ || text.find('.') != std::string_view::npos;
         hasComma_ = hasComma_ || text.find(',') != std::string_view::npos;
         return hasPoint_ && hasComma_ ? TextType::Text : TextType::Real;
     }
-    if (!equals(text, "true") && !equals(text, "false"))
+    if (!equals(text, "true") && !equals(text, "false")) {
         return TextType::Text;
+    }
     if (form_.type == TextType::None) { // written as the first: true, True, TRUE
         if (text[1] < 'a') {
             form_.falseWord = "FALSE";
@@ -244,16 +262,19 @@ TextType FormFinder::classify(std::string_view text) {
 TextType FormFinder::classifyMoment(std::string_view text) {
     MomentForm form;
     const auto moment = momentInText(text, &form);
-    if (!moment)
+    if (!moment) {
         return TextType::Text;
+    }
     if (!moment->hasTime) { // the form of the time stays
-        if (form_.type == TextType::None)
+        if (form_.type == TextType::None) {
             form_.momentForm.dateSeparator = form.dateSeparator;
+        }
         return TextType::Date;
     }
     form.decimals = std::max(form.decimals, form_.momentForm.decimals);
-    if (hasTime_ && form.zone != form_.momentForm.zone)
+    if (hasTime_ && form.zone != form_.momentForm.zone) {
         form.zone.clear();
+    }
     hasTime_ = true;
     form_.momentForm = std::move(form);
     return moment->hasDate ? TextType::DateTime : TextType::Time;
@@ -267,12 +288,14 @@ ColumnForm FormFinder::form(std::optional<TextType> declared) const {
         form.falseWord = "0";
         form.trueWord = "1";
     }
-    if (declared)
+    if (declared) {
         form.type = *declared;
-    else if (form.type == TextType::None)
+    } else if (form.type == TextType::None) {
         form.type = TextType::Text;
-    if (hasEmpty_ || form.type == TextType::Text)
+    }
+    if (hasEmpty_ || form.type == TextType::Text) {
         form.missing.clear();
+    }
     return form;
 }
 

@@ -27,8 +27,9 @@ public:
     int number(std::size_t fewest, std::size_t longest, int most) {
         int value = 0;
         std::size_t size = 0;
-        for (; size < longest && size < rest.size() && isDigit(rest[size]); ++size)
+        for (; size < longest && size < rest.size() && isDigit(rest[size]); ++size) {
             value = value * 10 + (rest[size] - '0');
+        }
         rest.remove_prefix(size);
         return size < fewest || value > most ? -1 : value;
     }
@@ -39,8 +40,9 @@ public:
 bool scanDate(Scanner& text, Moment& moment, MomentForm& form) {
     moment.year = text.number(4, 4, 9999);
     form.dateSeparator = text.take('/') ? '/' : '-';
-    if (form.dateSeparator == '-' && !text.take('-'))
+    if (form.dateSeparator == '-' && !text.take('-')) {
         return false;
+    }
     moment.month = text.number(1, 2, 12);
     const bool hasMonth = text.take(form.dateSeparator);
     moment.day = text.number(1, 2, 31);
@@ -55,8 +57,9 @@ bool scanZone(Scanner& text, MomentForm& form) {
     } else if (text.take('+') || text.take('-')) {
         const bool hasHours = text.number(2, 2, 14) >= 0;
         const bool hasColon = text.take(':');
-        if (!hasHours || ((hasColon || !text.rest.empty()) && text.number(2, 2, 59) < 0))
+        if (!hasHours || ((hasColon || !text.rest.empty()) && text.number(2, 2, 59) < 0)) {
             return false;
+        }
         form.zone = zone;
     }
     return true;
@@ -66,35 +69,41 @@ bool scanTime(Scanner& text, Moment& moment, MomentForm& form) {
     moment.hour = text.number(1, 2, 23);
     const bool hasHour = moment.hour >= 0 && text.take(':');
     moment.minute = text.number(2, 2, 59);
-    if (!hasHour || moment.minute < 0)
+    if (!hasHour || moment.minute < 0) {
         return false;
+    }
     moment.hasTime = true;
     form.hasSeconds = text.take(':');
-    if (!form.hasSeconds)
+    if (!form.hasSeconds) {
         return true;
+    }
     const int seconds = text.number(2, 2, 59);
     moment.milliseconds = seconds * 1000;
-    if (seconds < 0 || !text.take('.'))
+    if (seconds < 0 || !text.take('.')) {
         return seconds >= 0;
+    }
     int thousandths = 0;
     for (; !text.rest.empty() && isDigit(text.rest.front()); text.rest.remove_prefix(1)) {
         const int digit = text.rest.front() - '0';
         ++form.decimals;
-        if (form.decimals <= 3)
+        if (form.decimals <= 3) {
             thousandths = thousandths * 10 + digit;
-        else if (form.decimals == 4 && digit >= 5)
+        } else if (form.decimals == 4 && digit >= 5) {
             ++thousandths;
+        }
     }
-    for (int digits = form.decimals; digits < 3; ++digits)
+    for (int digits = form.decimals; digits < 3; ++digits) {
         thousandths *= 10;
+    }
     moment.milliseconds = std::min(moment.milliseconds + thousandths, 59'999); // stays in its minute
     return form.decimals > 0;
 }
 
 void appendDigits(int number, int digits, std::string& text) {
     text.append(static_cast<std::size_t>(digits), '0');
-    for (auto at = text.rbegin(); digits > 0; --digits, ++at, number /= 10)
+    for (auto at = text.rbegin(); digits > 0; --digits, ++at, number /= 10) {
         *at = static_cast<char>('0' + number % 10);
+    }
 }
 
 } // namespace
@@ -105,21 +114,26 @@ std::optional<Moment> momentInText(std::string_view text, MomentForm* form) {
     Scanner scanner(text);
     const bool startsWithYear = text.size() > 4 && (text[4] == '-' || text[4] == '/');
     if (startsWithYear) {
-        if (!scanDate(scanner, moment, found))
+        if (!scanDate(scanner, moment, found)) {
             return std::nullopt;
+        }
         if (!scanner.rest.empty()) {
             found.joint = scanner.take('T') ? 'T' : ' ';
-            if (found.joint == ' ' && !scanner.take(' '))
+            if (found.joint == ' ' && !scanner.take(' ')) {
                 return std::nullopt;
+            }
         }
     }
     const bool hasTime = !startsWithYear || !scanner.rest.empty();
-    if (hasTime && (!scanTime(scanner, moment, found) || (moment.hasDate && !scanZone(scanner, found))))
+    if (hasTime && (!scanTime(scanner, moment, found) || (moment.hasDate && !scanZone(scanner, found)))) {
         return std::nullopt;
-    if (!scanner.rest.empty())
+    }
+    if (!scanner.rest.empty()) {
         return std::nullopt;
-    if (form)
+    }
+    if (form) {
         *form = std::move(found);
+    }
     return moment;
 }
 
@@ -164,10 +178,12 @@ void appendMoment(const Moment& moment, bool withDate, bool withTime, const Mome
         text += form.dateSeparator;
         appendDigits(moment.day, 2, text);
     }
-    if (withDate && withTime)
+    if (withDate && withTime) {
         text += form.joint;
-    if (!withTime)
+    }
+    if (!withTime) {
         return;
+    }
     appendDigits(moment.hour, 2, text);
     text += ':';
     appendDigits(moment.minute, 2, text);
@@ -183,8 +199,9 @@ void appendMoment(const Moment& moment, bool withDate, bool withTime, const Mome
             text.append(static_cast<std::size_t>(std::max(decimals - 3, 0)), '0');
         }
     }
-    if (withDate)
+    if (withDate) {
         text += form.zone;
+    }
 }
 
 } // namespace orvane::files

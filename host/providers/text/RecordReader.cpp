@@ -12,10 +12,10 @@ namespace orvane::files {
 
 namespace {
 
-constexpr std::size_t CHUNK = std::size_t{1} << 20;
+constexpr std::size_t chunkSize = std::size_t{1} << 20;
 /// SQLite takes no longer text.
-constexpr std::size_t LONGEST_RECORD = 1'000'000'000;
-constexpr std::string_view UTF8_MARK = "\xef\xbb\xbf";
+constexpr std::size_t longestRecord = 1'000'000'000;
+constexpr std::string_view utf8Mark = "\xef\xbb\xbf";
 
 bool isBlank(char character, char separator) {
     return character == ' ' || (character == '\t' && separator != '\t');
@@ -29,8 +29,9 @@ std::size_t endOfUtf8(std::string_view text, std::size_t from) {
     for (int length = 1; at != end && length > 0; at += length) {
         for (std::uint64_t eight = 0; end - at > 8; at += 8) { // mostly ASCII
             std::memcpy(&eight, at, sizeof eight);
-            if ((eight & 0x8080808080808080U) != 0)
+            if ((eight & 0x8080808080808080U) != 0) {
                 break;
+            }
         }
         length = utf8::characterLength(at, end);
     }
@@ -41,26 +42,29 @@ std::size_t endOfUtf8(std::string_view text, std::size_t from) {
 
 QTextCodec* codecNamed(const QByteArray& encoding) {
     QTextCodec* const codec = QTextCodec::codecForName(encoding.isEmpty() ? "UTF-8" : encoding);
-    if (!codec)
+    if (!codec) {
         throw std::runtime_error(
             RecordReader::tr("Неизвестная кодировка «%1»").arg(QString::fromUtf8(encoding)).toStdString());
+    }
     return codec;
 }
 
 VsiHandle openTextFile(const QByteArray& path) {
     errno = 0;
     VsiHandle file(VSIFOpenL(path.constData(), "rb"));
-    if (!file)
+    if (!file) {
         throw std::runtime_error(
             RecordReader::tr("Не удалось открыть «%1»: %2")
                 .arg(pathOnDisk(QString::fromUtf8(path)), QString::fromLocal8Bit(std::strerror(errno)))
                 .toStdString());
+    }
     return file;
 }
 
 RecordReader::RecordReader(std::string_view text, char separator) : separator_(separator) {
-    for (const char character : {separator, '\n', '\r'})
+    for (const char character : {separator, '\n', '\r'}) {
         endsValue_[static_cast<unsigned char>(character)] = true;
+    }
     data_ = text.data();
     size_ = text.size();
     isAtEnd_ = true;
@@ -72,21 +76,25 @@ RecordReader::RecordReader(const QByteArray& path, const QByteArray& encoding, c
     path_ = path;
     file_ = openTextFile(path);
     VSIStatBufL found;
-    if (VSIStatL(path.constData(), &found) == 0)
+    if (VSIStatL(path.constData(), &found) == 0) {
         bytesLeft_ = static_cast<qint64>(found.st_size);
-    if (!encoding.isEmpty())
+    }
+    if (!encoding.isEmpty()) {
         decoder_.reset(codecNamed(encoding)->makeDecoder());
+    }
     isAtEnd_ = false;
     fill();
-    if (view(0, size_).substr(0, UTF8_MARK.size()) == UTF8_MARK)
-        mark_ = UTF8_MARK.size();
+    if (view(0, size_).substr(0, utf8Mark.size()) == utf8Mark) {
+        mark_ = utf8Mark.size();
+    }
 }
 
 bool RecordReader::next() {
     for (;;) {
         const Found found = parse();
-        if (found != Found::TooLittle)
+        if (found != Found::TooLittle) {
             return found == Found::Record;
+        }
         fill();
     }
 }
@@ -95,10 +103,12 @@ RecordReader::Found RecordReader::parse() {
     const char* const end = data_ + size_;
     const char* at = data_ + next_ + mark_;
     std::int64_t line = nextLine_;
-    for (; at != end && (*at == '\n' || *at == '\r'); ++at)
+    for (; at != end && (*at == '\n' || *at == '\r'); ++at) {
         line += *at == '\n';
-    if (at == end && !isAtEnd_)
+    }
+    if (at == end && !isAtEnd_) {
         return Found::TooLittle;
+    }
     fields_.clear();
     const char* const begin = at;
     line_ = line;
@@ -116,29 +126,36 @@ RecordReader::Found RecordReader::parse() {
     }
     for (;; ++at) {
         const char* const value = at;
-        while (at != end && isBlank(*at, separator_))
+        while (at != end && isBlank(*at, separator_)) {
             ++at;
+        }
         const bool isQuoted = at != end && *at == '"';
         if (isQuoted) {
             const char* const quote = at;
             at = endOfQuotes(quote, end);
-            if (!at)
+            if (!at) {
                 return Found::TooLittle;
+            }
             line += std::count(quote, at, '\n');
         }
-        while (at != end && !endsValue_[static_cast<unsigned char>(*at)])
+        while (at != end && !endsValue_[static_cast<unsigned char>(*at)]) {
             ++at;
-        if (at == end && !isAtEnd_)
+        }
+        if (at == end && !isAtEnd_) {
             return Found::TooLittle;
+        }
         fields_.push_back({{value, static_cast<std::size_t>(at - value)}, isQuoted});
-        if (at == end || *at != separator_)
+        if (at == end || *at != separator_) {
             break;
+        }
     }
     const char* const recordEnd = at;
-    if (at != end && *at == '\r' && ++at == end && !isAtEnd_)
+    if (at != end && *at == '\r' && ++at == end && !isAtEnd_) {
         return Found::TooLittle;
-    if (at != end && *at == '\n')
+    }
+    if (at != end && *at == '\n') {
         ++at;
+    }
     ++line;
     finish(recordEnd, at);
     return Found::Record;
@@ -147,23 +164,28 @@ RecordReader::Found RecordReader::parse() {
 const char* RecordReader::endOfQuotes(const char* quote, const char* end) {
     for (const char* at = quote + 1;; at += 2) {
         at = static_cast<const char*>(std::memchr(at, '"', static_cast<std::size_t>(end - at)));
-        if (!at && isAtEnd_)
+        if (!at && isAtEnd_) {
             raise(tr("кавычка в строке %1 не закрыта").arg(line_));
-        if (!at || (at + 1 == end && !isAtEnd_))
+        }
+        if (!at || (at + 1 == end && !isAtEnd_)) {
             return nullptr;
-        if (at + 1 == end || at[1] != '"')
+        }
+        if (at + 1 == end || at[1] != '"') {
             return at + 1;
+        }
     }
 }
 
 std::string_view RecordReader::value(std::size_t field) {
     const std::string_view text = fields_[field].text;
-    if (!fields_[field].isQuoted)
+    if (!fields_[field].isQuoted) {
         return text;
+    }
     std::size_t from = text.find('"') + 1;
     std::size_t quote = text.find('"', from);
-    if (quote + 1 == text.size())
+    if (quote + 1 == text.size()) {
         return text.substr(from, quote - from);
+    }
     unquoted_.clear();
     while (quote + 1 < text.size() && text[quote + 1] == '"') {
         unquoted_ += text.substr(from, quote + 1 - from);
@@ -172,8 +194,9 @@ std::string_view RecordReader::value(std::size_t field) {
     }
     unquoted_ += text.substr(from, quote - from);
     const std::string_view rest = text.substr(quote + 1);
-    if (rest.find_first_not_of(" \t") != std::string_view::npos)
+    if (rest.find_first_not_of(" \t") != std::string_view::npos) {
         unquoted_ += rest;
+    }
     return unquoted_;
 }
 
@@ -182,10 +205,11 @@ void RecordReader::fill() {
     checked_ -= std::min(checked_, next_);
     before_ = record_ = recordEnd_ = next_ = 0;
     // What is read at once grows with the record, which is looked at anew each time.
-    const std::size_t wanted = std::max(CHUNK, buffer_.size());
+    const std::size_t wanted = std::max(chunkSize, buffer_.size());
     for (std::size_t read = 0; read < wanted && !isAtEnd_;) {
-        if (buffer_.size() > LONGEST_RECORD)
-            raise(tr("запись в строке %1 длиннее %2 байт").arg(line_).arg(LONGEST_RECORD));
+        if (buffer_.size() > longestRecord) {
+            raise(tr("запись в строке %1 длиннее %2 байт").arg(line_).arg(longestRecord));
+        }
         const QByteArray chunk = readChunk();
         isAtEnd_ = chunk.isEmpty();
         buffer_.append(chunk.constData(), static_cast<std::size_t>(chunk.size()));
@@ -193,22 +217,26 @@ void RecordReader::fill() {
     }
     data_ = buffer_.data();
     size_ = buffer_.size();
-    if (!isNew_ || decoder_)
+    if (!isNew_ || decoder_) {
         return;
+    }
     checked_ = endOfUtf8(view(0, size_), checked_);
-    if (size_ - checked_ > (isAtEnd_ ? 0 : 3)) // the rest of a character may come
+    if (size_ - checked_ > (isAtEnd_ ? 0 : 3)) { // the rest of a character may come
         raise(tr("текст не в UTF-8: укажите кодировку, например «%1|encoding=windows-1251»")
                   .arg(pathOnDisk(QString::fromUtf8(path_))));
+    }
 }
 
 QByteArray RecordReader::readChunk() {
-    QByteArray bytes(static_cast<int>(CHUNK), Qt::Uninitialized);
-    bytes.truncate(static_cast<int>(VSIFReadL(bytes.data(), 1, CHUNK, file_.get())));
+    QByteArray bytes(static_cast<int>(chunkSize), Qt::Uninitialized);
+    bytes.truncate(static_cast<int>(VSIFReadL(bytes.data(), 1, chunkSize, file_.get())));
     bytesLeft_ -= bytes.size();
-    if (bytes.size() < static_cast<int>(CHUNK) && bytesLeft_ > 0)
+    if (bytes.size() < static_cast<int>(chunkSize) && bytesLeft_ > 0) {
         raise(tr("ошибка чтения данных"));
-    if (decoder_)
+    }
+    if (decoder_) {
         return decoder_->toUnicode(bytes).toUtf8();
+    }
     return bytes;
 }
 

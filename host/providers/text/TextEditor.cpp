@@ -27,8 +27,9 @@ std::optional<std::array<double, 2>> coordinatesOf(const std::shared_ptr<const g
     constexpr std::string_view start("\1\1\0\0\0", 5);
     std::array<double, 2> coordinates;
     const QByteArray wkb = geometry::GeometryFactory::toWkb(shape, QSysInfo::LittleEndian);
-    if (wkb.size() != 21 || std::memcmp(wkb.constData(), start.data(), start.size()) != 0)
+    if (wkb.size() != 21 || std::memcmp(wkb.constData(), start.data(), start.size()) != 0) {
         return std::nullopt;
+    }
     std::memcpy(coordinates.data(), wkb.constData() + start.size(), sizeof coordinates);
     return coordinates;
 }
@@ -43,15 +44,19 @@ public:
     void append(std::string_view text) {
         constexpr std::size_t enough = std::size_t{1} << 20;
         text_ += text;
-        if (!text.empty())
+        if (!text.empty()) {
             last_ = text.back();
-        if (text_.size() > enough)
+        }
+        if (text_.size() > enough) {
             flush();
+        }
     }
     void flush() {
-        if (file_.write(text_.data(), static_cast<qint64>(text_.size())) != static_cast<qint64>(text_.size()))
+        if (file_.write(text_.data(), static_cast<qint64>(text_.size())) !=
+            static_cast<qint64>(text_.size())) {
             throw dp::EditError(
                 tr("Не удалось записать «%1»: %2").arg(name_, file_.errorString()).toStdString());
+        }
         text_.clear();
     }
     bool isInLine() const { return last_ != '\n' && last_ != '\r'; }
@@ -76,12 +81,15 @@ bool TextEditor::isReadOnly() {
 
 void TextEditor::requireWritable() const {
     const QString name = fileName(*table_);
-    if (isInArchive(QString::fromUtf8(table_->path())))
+    if (isInArchive(QString::fromUtf8(table_->path()))) {
         throw dp::EditError(tr("Архив «%1» можно только читать").arg(name).toStdString());
-    if (!table_->form().encoding.isEmpty())
+    }
+    if (!table_->form().encoding.isEmpty()) {
         throw dp::EditError(tr("Файл «%1» не в UTF-8, его можно только читать").arg(name).toStdString());
-    if (!QFileInfo(name).isWritable())
+    }
+    if (!QFileInfo(name).isWritable()) {
         throw dp::EditError(tr("Файл «%1» можно только читать").arg(name).toStdString());
+    }
 }
 
 /// The group of edits of the one table of the file.
@@ -120,9 +128,10 @@ std::shared_ptr<FileEdit> TextEditor::startEdit() {
 
 void TextEditor::writeOut(const QString& path) {
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
+    if (!file.open(QIODevice::WriteOnly)) {
         throw dp::EditError(
             tr("Не удалось записать «%1»: %2").arg(fileName(*table_), file.errorString()).toStdString());
+    }
     try {
         write(file);
     } catch (...) {
@@ -131,8 +140,9 @@ void TextEditor::writeOut(const QString& path) {
     }
     const bool isWritten = file.flush();
     const QString reason = file.errorString(); // QSaveFile forgets it
-    if (!isWritten || !file.commit())
+    if (!isWritten || !file.commit()) {
         throw dp::EditError(tr("Не удалось записать «%1»: %2").arg(fileName(*table_), reason).toStdString());
+    }
     forget();
     table_->follow(path.toUtf8());
     rows_ = table_->rowCount();
@@ -151,20 +161,23 @@ std::int64_t TextEditor::insert(const dp::Feature& feature) {
     return inGroup([&] {
         std::vector<Value> values(table_->columns().size());
         for (int position = feature.numAttributes() - 1; position >= 0; --position) { // the geometry first
-            if (!feature.getAttribute(position).isNull())
+            if (!feature.getAttribute(position).isNull()) {
                 forEachColumn(feature, position, [&](int column, const Value& value) {
                     values[static_cast<std::size_t>(column)] = value;
                 });
+            }
         }
         const std::size_t start = inserted_.size();
         for (std::size_t i = 0; i < values.size(); ++i) {
-            if (i > 0)
+            if (i > 0) {
                 inserted_ += table_->form().separator;
+            }
             const auto value = values[i] ? std::optional<std::string_view>(*values[i]) : std::nullopt;
             appendValue(static_cast<int>(i), value, table_->columns()[i].quotesAll, inserted_);
         }
-        if (inserted_.size() == start) // an empty line is no record
+        if (inserted_.size() == start) { // an empty line is no record
             inserted_ += "\"\"";
+        }
         inserted_ += table_->form().lineEnd;
         return rows_ + ++insertedRows_;
     });
@@ -173,9 +186,10 @@ std::int64_t TextEditor::insert(const dp::Feature& feature) {
 void TextEditor::update(const dp::Feature& feature, const std::vector<int>& positions) {
     inGroup([&] {
         const std::int64_t row = rowOf(feature.id());
-        for (const int position : positions)
+        for (const int position : positions) {
             forEachColumn(feature, position,
                           [&](int column, const Value& value) { addChange(row, column, value); });
+        }
         return true;
     });
 }
@@ -188,14 +202,16 @@ void TextEditor::remove(const dp::FeatureId& id) {
 }
 
 std::int64_t TextEditor::rowOf(const dp::FeatureId& id) const {
-    if (isStale_)
+    if (isStale_) {
         throw dp::EditError(
             tr("Файл «%1» изменила другая программа, повторите правку").arg(fileName(*table_)).toStdString());
+    }
     bool isNumber = false;
     const qlonglong row = id.value().toLongLong(&isNumber);
-    if (!isNumber || row < 1 || row > rows_ + insertedRows_)
+    if (!isNumber || row < 1 || row > rows_ + insertedRows_) {
         throw dp::EditError(
             tr("В «%1» нет записи %2").arg(fileName(*table_), id.value().toString()).toStdString());
+    }
     return row;
 }
 
@@ -208,25 +224,29 @@ void TextEditor::forEachColumn(const dp::Feature& feature, int position, Set set
     const TextGeometry& geometry = table_->geometry();
     const std::vector<Value> texts = textsOfGeometry(feature, position);
     set(geometry.text >= 0 ? geometry.text : geometry.x, texts[0]);
-    if (geometry.text < 0)
+    if (geometry.text < 0) {
         set(geometry.y, texts[1]);
+    }
 }
 
 TextEditor::Value TextEditor::textOf(const dp::Feature& feature, int position) const {
     const QVariant value = feature.getAttribute(position);
-    if (value.isNull())
+    if (value.isNull()) {
         return std::nullopt;
+    }
     auto text = table_->columns()[static_cast<std::size_t>(position)].write(value);
-    if (!text)
+    if (!text) {
         raiseUnfit(*table_->schema()->at(position), value);
+    }
     return text;
 }
 
 std::vector<TextEditor::Value> TextEditor::textsOfGeometry(const dp::Feature& feature, int position) const {
     const auto& attribute = *table_->schema()->at(position);
     const QVariant value = feature.getAttribute(position);
-    if (value.isNull())
+    if (value.isNull()) {
         return {std::nullopt, std::nullopt};
+    }
     const auto shape = geometryFor(attribute, value);
     const TextGeometry& geometry = table_->geometry();
     if (geometry.text >= 0) {
@@ -240,8 +260,9 @@ std::vector<TextEditor::Value> TextEditor::textsOfGeometry(const dp::Feature& fe
                            : std::nullopt;
     };
     std::vector<Value> texts{textIn(geometry.x, 0), textIn(geometry.y, 1)};
-    if (!texts[0] || !texts[1])
+    if (!texts[0] || !texts[1]) {
         raiseUnfit(attribute, value);
+    }
     return texts;
 }
 
@@ -266,8 +287,9 @@ void TextEditor::appendValue(int column, const std::optional<std::string_view>& 
         return;
     }
     text += '"';
-    for (const char character : *value)
+    for (const char character : *value) {
         text.append(character == '"' ? 2 : 1, character);
+    }
     text += '"';
 }
 
@@ -275,19 +297,22 @@ void TextEditor::write(QIODevice& file) {
     const auto isEarlier = [](const Change& a, const Change& b) {
         return a.row != b.row ? a.row < b.row : a.column < b.column;
     };
-    if (!std::is_sorted(changes_.begin(), changes_.end(), isEarlier))
+    if (!std::is_sorted(changes_.begin(), changes_.end(), isEarlier)) {
         std::stable_sort(changes_.begin(), changes_.end(), isEarlier);
+    }
     const TextForm& form = table_->form();
     Output output(file, fileName(*table_));
     RecordReader records(table_->currentPath(), {}, form.separator);
-    if (form.hasNames && records.next())
+    if (form.hasNames && records.next()) {
         output.append(records.whole());
+    }
     std::int64_t row = 0;
     nextChange_ = 0;
     copyRows(records, row, output);
     output.append(records.before());
-    if (insertedRows_ > 0 && output.isInLine())
+    if (insertedRows_ > 0 && output.isInLine()) {
         output.append(form.lineEnd);
+    }
     RecordReader inserted(inserted_, form.separator);
     copyRows(inserted, row, output);
     output.flush();
@@ -297,8 +322,9 @@ void TextEditor::copyRows(RecordReader& records, std::int64_t& row, Output& outp
     while (records.next()) {
         ++row;
         const auto first = nextChange_;
-        while (nextChange_ < changes_.size() && changes_[nextChange_].row == row)
+        while (nextChange_ < changes_.size() && changes_[nextChange_].row == row) {
             ++nextChange_;
+        }
         if (first == nextChange_) {
             output.append(records.whole());
             output.hasRow = true;
@@ -310,16 +336,19 @@ void TextEditor::copyRows(RecordReader& records, std::int64_t& row, Output& outp
 
 void TextEditor::changeRow(RecordReader& record, const Change* changes, const Change* end, Output& output) {
     output.append(record.before());
-    if (changes->column == WHOLE_ROW)
+    if (changes->column == wholeRow) {
         return;
+    }
     std::string text;
     const auto fields = static_cast<int>(record.size());
     int column = 0;
     for (; column < fields || changes != end; ++column) {
-        if (column > 0)
+        if (column > 0) {
             text += table_->form().separator;
-        while (changes + 1 < end && changes[0].column == column && changes[1].column == column)
+        }
+        while (changes + 1 < end && changes[0].column == column && changes[1].column == column) {
             ++changes; // the last one counts
+        }
         const bool isThere = column < fields;
         const auto field = static_cast<std::size_t>(column);
         if (changes == end || changes->column != column) {
@@ -332,10 +361,12 @@ void TextEditor::changeRow(RecordReader& record, const Change* changes, const Ch
         appendValue(column, value, isThere && record.isQuoted(field), text);
         ++changes;
     }
-    if (text.empty()) // an empty line is no record
+    if (text.empty()) { // an empty line is no record
         text = "\"\"";
-    if (!table_->form().hasNames && !output.hasRow)
+    }
+    if (!table_->form().hasNames && !output.hasRow) {
         requireNumber(text);
+    }
     output.hasRow = true;
     output.append(text);
     output.append(record.lineEnd());
@@ -345,8 +376,9 @@ void TextEditor::requireNumber(std::string_view record) const {
     RecordReader values(record, table_->form().separator);
     values.next();
     for (std::size_t i = 0; i < values.size(); ++i) {
-        if (realInText(values.value(i), table_->columns().front().takesComma))
+        if (realInText(values.value(i), table_->columns().front().takesComma)) {
             return;
+        }
     }
     throw dp::EditError(tr("В «%1» нет имён столбцов: без числа в первой строке она была бы принята за них")
                             .arg(fileName(*table_))

@@ -24,12 +24,12 @@ public:
     void remove(const dp::FeatureId& id) override;
 
 private:
-    static constexpr int WHOLE_ROW = -1; ///< instead of a column: the row goes
+    static constexpr int wholeRow = -1; ///< instead of a column: the row goes
 
     /// A value of a row, by its place in `texts_`.
     struct Change {
         std::int64_t row = 0;
-        int column = WHOLE_ROW;
+        int column = wholeRow;
         bool isNull = true;
         std::size_t start = 0, size = 0;
     };

@@ -28,8 +28,9 @@ void appendPoint(std::string_view x, std::string_view y, bool takesComma, Column
 /// Well-known text, GeoJSON, or well-known binary in hexadecimal digits; null for any other text.
 GeometryHandle geometryInText(const std::string& text) {
     const GdalErrorScope errors;
-    if (text.find('{') == 0)
+    if (text.find('{') == 0) {
         return GeometryHandle(OGR_G_CreateGeometryFromJson(text.c_str()));
+    }
     OGRGeometryH geometry = nullptr;
     if (text.find('0') == 0) {
         int size = 0;
@@ -50,8 +51,9 @@ void appendGeometry(const std::string& text, ColumnBuilder& builder) {
         return;
     }
     auto* wkb = builder.appendSpace(static_cast<std::size_t>(OGR_G_WkbSize(geometry.get())));
-    if (OGR_G_ExportToIsoWkb(geometry.get(), wkbNDR, reinterpret_cast<unsigned char*>(wkb)) != OGRERR_NONE)
+    if (OGR_G_ExportToIsoWkb(geometry.get(), wkbNDR, reinterpret_cast<unsigned char*>(wkb)) != OGRERR_NONE) {
         builder.replaceLastByNull();
+    }
 }
 
 class TextReader final : public BatchReader {
@@ -62,18 +64,21 @@ public:
         : table_(std::move(table)), attributes_(std::move(attributes)), batchRows_(batchRows),
           ids_(std::move(ids)),
           records_(table_->currentPath(), table_->form().encoding, table_->form().separator) {
-        if (table_->form().hasNames)
+        if (table_->form().hasNames) {
             records_.next();
+        }
     }
 
     bool next(ColumnBatch& batch) override {
         std::vector<ColumnKind> kinds;
-        for (const int attribute : attributes_)
+        for (const int attribute : attributes_) {
             kinds.push_back(isGeometry(attribute) ? ColumnKind::Wkb : column(attribute).kind());
+        }
         BatchBuilder builder(kinds);
         while (builder.takesRow(batchRows_) && nextRecord()) {
-            for (std::size_t i = 0; i < attributes_.size(); ++i)
+            for (std::size_t i = 0; i < attributes_.size(); ++i) {
                 append(attributes_[i], builder.columns[i]);
+            }
             builder.endRow(row_);
         }
         return std::move(builder).finish(batch);
@@ -86,14 +91,17 @@ private:
     }
 
     bool nextRecord() {
-        if (ids_ && nextId_ == ids_->size())
+        if (ids_ && nextId_ == ids_->size()) {
             return false;
+        }
         while (records_.next()) {
             ++row_;
-            if (!ids_)
+            if (!ids_) {
                 return true;
-            while (nextId_ < ids_->size() && (*ids_)[nextId_] < row_)
+            }
+            while (nextId_ < ids_->size() && (*ids_)[nextId_] < row_) {
                 ++nextId_;
+            }
             if (nextId_ < ids_->size() && (*ids_)[nextId_] == row_) {
                 ++nextId_;
                 return true;
@@ -115,10 +123,11 @@ private:
             return;
         }
         const auto field = static_cast<std::size_t>(attribute);
-        if (field < records_.size())
+        if (field < records_.size()) {
             column(attribute).read(records_.value(field), records_.isQuoted(field), builder);
-        else
+        } else {
             builder.appendNull();
+        }
     }
 
     std::string_view value(int column) {
@@ -139,8 +148,9 @@ private:
 } // namespace
 
 ValueClass TextSource::valueClass(int attribute) const {
-    if (attribute == static_cast<int>(table_->columns().size()))
+    if (attribute == static_cast<int>(table_->columns().size())) {
         return ValueClass::Other;
+    }
     switch (table_->columns()[static_cast<std::size_t>(attribute)].kind()) {
     case ColumnKind::Int64: return ValueClass::Integer;
     case ColumnKind::Double: return ValueClass::Real;
@@ -157,7 +167,7 @@ std::unique_ptr<BatchReader> TextSource::scan(const std::vector<int>& attributes
 std::unique_ptr<BatchReader> TextSource::lookUp(const std::vector<int>& attributes,
                                                 std::vector<std::int64_t> ids) {
     table_->rowCount();
-    return std::make_unique<TextReader>(table_, attributes, BATCH_ROWS, std::move(ids));
+    return std::make_unique<TextReader>(table_, attributes, rowsPerBatch, std::move(ids));
 }
 
 } // namespace orvane::files

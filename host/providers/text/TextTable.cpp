@@ -24,7 +24,7 @@ struct CoordinateNames {
 };
 
 /// In the order of preference.
-constexpr CoordinateNames COORDINATES[] = {
+constexpr CoordinateNames coordinateNames[] = {
     {"lon", "lat", true},           {"long", "lat", true},
     {"lng", "lat", true},           {"longitude", "latitude", true},
     {"долгота", "широта", true},    {"x", "y", false},
@@ -32,8 +32,8 @@ constexpr CoordinateNames COORDINATES[] = {
     {"x_coord", "y_coord", false},  {"point_x", "point_y", false},
 };
 /// A control character, which no value holds.
-constexpr char UNIT_SEPARATOR = '\x1f';
-constexpr const char* GEOMETRIES[] = {"wkt", "geom", "geometry", "the_geom", "wkt_geom"};
+constexpr char unitSeparator = '\x1f';
+constexpr const char* geometryNames[] = {"wkt", "geom", "geometry", "the_geom", "wkt_geom"};
 
 /// The position of a name, letter case and blanks around ignored; -1 when it is not there.
 int positionOf(const char* name, const std::vector<std::string>& names) {
@@ -61,7 +61,7 @@ QByteArray smallFile(const QByteArray& path) {
 /// The type that a word of a .csvt file means, widths left out: "Integer", "Real(10.2)", "CoordX". Nothing
 /// for an unknown one.
 std::optional<TextType> typeNamed(const QByteArray& word) {
-    static constexpr std::pair<const char*, TextType> NAMES[] = {
+    static constexpr std::pair<const char*, TextType> typeNames[] = {
         {"integer(boolean)", TextType::Boolean},
         {"integer", TextType::Integer},
         {"integer64", TextType::Integer},
@@ -77,9 +77,10 @@ std::optional<TextType> typeNamed(const QByteArray& word) {
     };
     const QByteArray whole = word.toLower();
     const QByteArray plain = whole.left(whole.indexOf('('));
-    for (const auto& [name, type] : NAMES) {
-        if (whole == name || plain == name)
+    for (const auto& [name, type] : typeNames) {
+        if (whole == name || plain == name) {
             return type;
+        }
     }
     return std::nullopt;
 }
@@ -94,8 +95,9 @@ TextTable::TextTable(QByteArray path, const QByteArray& encoding)
         throw std::runtime_error(
             tr("Не удалось открыть «%1»: файл пуст").arg(QString::fromUtf8(path_)).toStdString());
     }
-    if (!encoding.isEmpty() && codecNamed(encoding)->name() != "UTF-8")
+    if (!encoding.isEmpty() && codecNamed(encoding)->name() != "UTF-8") {
         form_.encoding = encoding;
+    }
     findSeparator();
     Content content = look();
     names_ = content.names;
@@ -104,12 +106,13 @@ TextTable::TextTable(QByteArray path, const QByteArray& encoding)
     readTypesBeside();
     for (std::size_t i = 0; i < names_.size(); ++i) {
         columns_.push_back(content.finders[i].form(declared_[i]));
-        if (declared_[i] && typeOfBoth(*declared_[i], content.finders[i].type()) != *declared_[i])
+        if (declared_[i] && typeOfBoth(*declared_[i], content.finders[i].type()) != *declared_[i]) {
             loggerInstance()->write(
                 LogLevel::Warning, QStringLiteral("TextTable"), __LINE__, QString::fromLatin1(__func__),
                 QStringLiteral("%1: column \"%2\" has values that are not of the type in the "
                                ".csvt file; they are read as NULL")
                     .arg(QString::fromUtf8(path_), QString::fromStdString(names_[i])));
+        }
     }
     findGeometry(names_);
     makeSchema(names_);
@@ -120,8 +123,9 @@ void TextTable::findSeparator() {
     constexpr std::size_t longestHeader = std::size_t{64} << 10;
     QByteArray start(static_cast<int>(longestHeader), '\0');
     start.truncate(static_cast<int>(VSIFReadL(start.data(), 1, longestHeader, file.get())));
-    if (start.startsWith("\xff\xfe") || start.startsWith("\xfe\xff"))
+    if (start.startsWith("\xff\xfe") || start.startsWith("\xfe\xff")) {
         form_.encoding = "UTF-16";
+    }
     const QByteArray text = codecNamed(form_.encoding)->toUnicode(start).toUtf8();
 
     constexpr std::string_view separators = "\t;,|";
@@ -130,29 +134,34 @@ void TextTable::findSeparator() {
     for (const char character : text) {
         isInQuotes = isInQuotes != (character == '"');
         if (!isInQuotes && (character == '\n' || character == '\r')) {
-            if (hasBegun)
+            if (hasBegun) {
                 break;
+            }
             continue;
         }
         hasBegun = true;
         const auto found = isInQuotes ? std::string_view::npos : separators.find(character);
-        if (found != std::string_view::npos)
+        if (found != std::string_view::npos) {
             ++counts[found];
+        }
     }
     const auto most = std::max_element(counts.begin(), counts.end());
-    if (*most > 0)
+    if (*most > 0) {
         form_.separator = separators[static_cast<std::size_t>(most - counts.begin())];
-    else // one column
-        form_.separator = UNIT_SEPARATOR;
+    } else { // one column
+        form_.separator = unitSeparator;
+    }
 }
 
 TextTable::Content TextTable::look() {
     RecordReader records(currentPath_, form_.encoding, form_.separator, true);
     Content content;
-    if (!records.next())
+    if (!records.next()) {
         raise(tr("в нём нет таблиц"));
-    if (!records.lineEnd().empty())
+    }
+    if (!records.lineEnd().empty()) {
         form_.lineEnd = records.lineEnd();
+    }
     const bool takesComma = form_.separator == ';';
     bool hasNames = true;
     for (std::size_t i = 0; i < records.size(); ++i) {
@@ -162,14 +171,16 @@ TextTable::Content TextTable::look() {
     form_.hasNames = hasNames;
     content.finders.assign(content.names.size(), FormFinder(takesComma));
     if (!hasNames) {
-        for (std::size_t i = 0; i < content.names.size(); ++i)
+        for (std::size_t i = 0; i < content.names.size(); ++i) {
             content.names[i] = "field_" + std::to_string(i + 1);
+        }
     }
     for (bool hasRecord = !hasNames || records.next(); hasRecord; hasRecord = records.next()) {
         const std::size_t count = std::min(records.size(), content.finders.size());
         for (std::size_t i = 0; i < count; ++i) {
-            if (content.finders[i].isOpen())
+            if (content.finders[i].isOpen()) {
                 content.finders[i].add(records.value(i), records.isQuoted(i));
+            }
         }
         ++content.rows;
     }
@@ -178,11 +189,13 @@ TextTable::Content TextTable::look() {
 
 void TextTable::readTypesBeside() {
     const QByteArray types = smallFile(beside(path_, ".csvt"));
-    if (types.isEmpty())
+    if (types.isEmpty()) {
         return;
+    }
     RecordReader words({types.constData(), static_cast<std::size_t>(types.size())}, ',');
-    if (!words.next())
+    if (!words.next()) {
         return;
+    }
     for (std::size_t i = 0; i < std::min(words.size(), declared_.size()); ++i) {
         const auto value = words.value(i);
         declared_[i] = typeNamed(QByteArray(value.data(), static_cast<int>(value.size())).trimmed());
@@ -190,57 +203,69 @@ void TextTable::readTypesBeside() {
 }
 
 void TextTable::findGeometry(const std::vector<std::string>& names) {
-    for (const char* name : GEOMETRIES) {
-        if (geometry_.text < 0)
+    for (const char* name : geometryNames) {
+        if (geometry_.text < 0) {
             geometry_.text = positionOf(name, names);
+        }
     }
-    for (const auto& pair : COORDINATES) {
+    for (const auto& pair : coordinateNames) {
         const int x = positionOf(pair.x, names);
         const int y = positionOf(pair.y, names);
-        if (geometry_.exists() || x < 0 || y < 0)
+        if (geometry_.exists() || x < 0 || y < 0) {
             continue;
+        }
         geometry_ = {x, y, -1};
-        if (pair.isGeographic)
+        if (pair.isGeographic) {
             coordSystem_ = cs::CoordSysFactory::defaultCoordSysFactory()->createFromEpsg(4326);
+        }
     }
     const QByteArray system = geometry_.exists() ? smallFile(beside(path_, ".prj")) : QByteArray();
-    if (system.isEmpty())
+    if (system.isEmpty()) {
         return;
+    }
     const ReferenceHandle reference(OSRNewSpatialReference(nullptr));
-    if (OSRSetFromUserInput(reference.get(), system.constData()) == OGRERR_NONE)
+    if (OSRSetFromUserInput(reference.get(), system.constData()) == OGRERR_NONE) {
         coordSystem_ = coordSystemOf(reference.get());
+    }
 }
 
 void TextTable::makeSchema(const std::vector<std::string>& names) {
     QStringList titles;
-    for (const auto& name : names)
+    for (const auto& name : names) {
         titles.append(QString::fromStdString(name));
-    if (geometry_.exists())
+    }
+    if (geometry_.exists()) {
         titles.append(QStringLiteral("geometry"));
+    }
     titles = distinctNames(titles);
     QVector<dp::AttributeDefinitionPointer> attributes;
-    for (std::size_t i = 0; i < columns_.size(); ++i)
+    for (std::size_t i = 0; i < columns_.size(); ++i) {
         attributes.append(dp::AttributeDefinitionPointer(
             new dp::SimpleAttributeDefinition(titles[static_cast<int>(i)], columns_[i].metaType(), {})));
-    if (geometry_.exists())
+    }
+    if (geometry_.exists()) {
         attributes.append(
             dp::AttributeDefinitionPointer(new dp::GeometryAttributeDefinition(titles.last(), coordSystem_)));
+    }
     schema_ = std::make_shared<const dp::TableSchema>(std::move(attributes));
 }
 
 std::int64_t TextTable::rowCount() {
     const std::lock_guard lock(mutex_);
     const Stamp now = stamp();
-    if (now == stamp_)
+    if (now == stamp_) {
         return rows_;
+    }
     const TextForm before = form_;
     Content content = look();
     bool isSame = content.names == names_ && form_.hasNames == before.hasNames;
-    for (std::size_t i = 0; isSame && i < columns_.size(); ++i)
+    for (std::size_t i = 0; isSame && i < columns_.size(); ++i) {
         isSame = declared_[i] || typeOfBoth(columns_[i].type, content.finders[i].type()) == columns_[i].type;
+    }
     form_ = before;
-    if (!isSame)
+    if (!isSame) {
         raise(tr("таблица изменила своё строение, откройте файл заново"));
+    }
     stamp_ = now;
     ++revision_;
     rows_ = content.rows;
@@ -252,8 +277,9 @@ TextTable::Stamp TextTable::stamp() const {
     std::error_code error;
     Stamp stamp;
     stamp.size = std::filesystem::file_size(path, error);
-    if (error)
+    if (error) {
         return {};
+    }
     stamp.time = std::filesystem::last_write_time(path, error);
     return stamp;
 }

@@ -19,14 +19,17 @@ bool isBindable(OGRFieldType type) {
 std::unique_ptr<ColumnUpdate> ColumnUpdate::make(GDALDatasetH dataset, OGRLayerH layer,
                                                  const LayerSchema& schema,
                                                  const std::vector<int>& positions) {
-    if (positions.empty() || !EQUAL(GDALGetDriverShortName(GDALGetDatasetDriver(dataset)), "GPKG"))
+    if (positions.empty() || !EQUAL(GDALGetDriverShortName(GDALGetDatasetDriver(dataset)), "GPKG")) {
         return nullptr;
+    }
     auto* const database = static_cast<sqlite3*>(GDALGetInternalHandle(dataset, "SQLITE_HANDLE"));
-    if (!database)
+    if (!database) {
         return nullptr;
+    }
     std::unique_ptr<ColumnUpdate> update(new ColumnUpdate(database, layer, positions));
-    if (!update->prepare(schema))
+    if (!update->prepare(schema)) {
         return nullptr;
+    }
     update->noteChange();
     return update;
 }
@@ -38,8 +41,9 @@ bool ColumnUpdate::prepare(const LayerSchema& schema) {
     for (const int position : positions_) {
         const LayerColumn& column = schema.columns[static_cast<std::size_t>(position)];
         if (column.source != LayerColumn::Source::Field ||
-            !isBindable(OGR_Fld_GetType(OGR_FD_GetFieldDefn(definition, column.field))))
+            !isBindable(OGR_Fld_GetType(OGR_FD_GetFieldDefn(definition, column.field)))) {
             return false;
+        }
         fields_.push_back(column.field);
         assignments += (assignments.empty() ? "" : ",") + utils::sqlIdentifier(column.name) + "=?";
     }
@@ -47,8 +51,9 @@ bool ColumnUpdate::prepare(const LayerSchema& schema) {
     const bool isTable =
         sqlite3_table_column_metadata(database_, "main", OGR_L_GetName(layer_), nullptr, nullptr, nullptr,
                                       nullptr, nullptr, nullptr) == SQLITE_OK;
-    if (idColumn.empty() || !isTable)
+    if (idColumn.empty() || !isTable) {
         return false;
+    }
     const std::string text = "Update " + utils::sqlIdentifier(std::string_view(OGR_L_GetName(layer_))) +
                              " Set " + assignments + " Where " + utils::sqlIdentifier(idColumn) + "=?";
     sqlite3_stmt* statement = nullptr;
@@ -85,14 +90,16 @@ void ColumnUpdate::bind(int parameter, OGRFeatureH feature, int field) {
 
 bool ColumnUpdate::write(OGRFeatureH feature, std::int64_t id) {
     int parameter = 1;
-    for (const int field : fields_)
+    for (const int field : fields_) {
         bind(parameter++, feature, field);
+    }
     sqlite3_bind_int64(statement_.get(), parameter, id);
     const int code = sqlite3_step(statement_.get());
     const std::string reason = code == SQLITE_DONE ? std::string() : sqlite3_errmsg(database_);
     sqlite3_reset(statement_.get());
-    if (code != SQLITE_DONE)
+    if (code != SQLITE_DONE) {
         throw std::runtime_error(reason);
+    }
     return sqlite3_changes(database_) != 0;
 }
 

@@ -33,8 +33,9 @@ void writeInteger(OGRFeatureH feature, const LayerColumn& column, const dp::Attr
     const bool isNarrow = attribute.type() == QMetaType::Int;
     const bool isInside =
         !isNarrow || (number >= std::numeric_limits<int>::min() && number <= std::numeric_limits<int>::max());
-    if (!isNumber || !isWhole || !isInside)
+    if (!isNumber || !isWhole || !isInside) {
         raiseUnfit(attribute, value);
+    }
     OGR_F_SetFieldInteger64(feature, column.field, number);
 }
 
@@ -42,8 +43,9 @@ void writeReal(OGRFeatureH feature, const LayerColumn& column, const dp::Attribu
                const QVariant& value) {
     bool isNumber = false;
     const double number = value.toDouble(&isNumber);
-    if (!isNumber)
+    if (!isNumber) {
         raiseUnfit(attribute, value);
+    }
     OGR_F_SetFieldDouble(feature, column.field, number);
 }
 
@@ -63,8 +65,9 @@ void writeMoment(OGRFeatureH feature, const LayerColumn& column, const dp::Attri
         time = moment.time();
     }
     }
-    if (!date.isValid() || !time.isValid())
+    if (!date.isValid() || !time.isValid()) {
         raiseUnfit(attribute, value);
+    }
     OGR_F_SetFieldDateTimeEx(feature, column.field, date.year(), date.month(), date.day(), time.hour(),
                              time.minute(),
                              static_cast<float>(time.second()) + static_cast<float>(time.msec()) / 1000, 0);
@@ -73,19 +76,22 @@ void writeMoment(OGRFeatureH feature, const LayerColumn& column, const dp::Attri
 void writeList(OGRFeatureH feature, const LayerColumn& column, const dp::AttributeDefinition& attribute,
                const QVariant& value) {
     const auto document = QJsonDocument::fromJson(value.toString().toUtf8());
-    if (!document.isArray())
+    if (!document.isArray()) {
         raiseUnfit(attribute, value);
+    }
     CPLStringList texts;
-    for (const auto& item : document.array())
+    for (const auto& item : document.array()) {
         texts.AddString(item.toVariant().toString().toUtf8().constData());
+    }
     OGR_F_SetFieldStringList(feature, column.field, texts.List());
 }
 
 void writeGeometry(OGRFeatureH feature, const dp::AttributeDefinition& attribute, const QVariant& value) {
     const auto wkb = geometry::GeometryFactory::toWkb(geometryFor(attribute, value), QSysInfo::LittleEndian);
     OGRGeometryH made = nullptr;
-    if (OGR_G_CreateFromWkb(wkb.constData(), nullptr, &made, wkb.size()) != OGRERR_NONE)
+    if (OGR_G_CreateFromWkb(wkb.constData(), nullptr, &made, wkb.size()) != OGRERR_NONE) {
         raiseUnfit(attribute, value);
+    }
     OGR_F_SetGeometryDirectly(feature, made);
 }
 
@@ -99,8 +105,9 @@ void raiseUnfit(const dp::AttributeDefinition& attribute, const QVariant& value)
 
 GeometryValue geometryFor(const dp::AttributeDefinition& attribute, const QVariant& value) {
     auto shape = value.value<GeometryValue>();
-    if (!shape)
+    if (!shape) {
         raiseUnfit(attribute, value);
+    }
     const auto& target = static_cast<const dp::GeometryAttributeDefinition&>(attribute).coordSystem();
     const auto source = shape->coordSystem();
     try {
@@ -114,10 +121,11 @@ void writeValue(OGRFeatureH feature, const LayerColumn& column, const dp::Attrib
                 const QVariant& value) {
     using Reading = LayerColumn::Reading;
     if (!value.isValid() || value.isNull()) {
-        if (column.source == LayerColumn::Source::Geometry)
+        if (column.source == LayerColumn::Source::Geometry) {
             OGR_F_SetGeometryDirectly(feature, nullptr);
-        else
+        } else {
             OGR_F_SetFieldNull(feature, column.field);
+        }
         return;
     }
     switch (column.reading) {

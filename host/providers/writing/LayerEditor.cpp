@@ -47,14 +47,17 @@ std::int64_t LayerEditor::insert(const dp::Feature& feature) {
         const FeatureHandle target(OGR_F_Create(OGR_L_GetLayerDefn(layer_)));
         bool isNumber = false;
         const auto id = feature.id().value().toLongLong(&isNumber);
-        if (isNumber)
+        if (isNumber) {
             OGR_F_SetFID(target.get(), id);
-        for (int i = 0; i < feature.numAttributes(); ++i)
+        }
+        for (int i = 0; i < feature.numAttributes(); ++i) {
             setAttribute(target.get(), feature, i, true);
+        }
         requireShape(target.get());
         const GdalErrorScope errors;
-        if (OGR_L_CreateFeature(layer_, target.get()) != OGRERR_NONE)
+        if (OGR_L_CreateFeature(layer_, target.get()) != OGRERR_NONE) {
             raiseUnwritten(tr("Не удалось добавить запись в «%1»"), errors.error(), feature);
+        }
         return std::int64_t{OGR_F_GetFID(target.get())};
     });
 }
@@ -62,28 +65,34 @@ std::int64_t LayerEditor::insert(const dp::Feature& feature) {
 void LayerEditor::update(const dp::Feature& feature, const std::vector<int>& positions) {
     onLayer([&] {
         requireCapability(OLCRandomWrite);
-        if (updateColumns(feature, positions))
+        if (updateColumns(feature, positions)) {
             return true;
+        }
         const FeatureHandle target = readFeature(feature.id());
-        for (const int position : positions)
+        for (const int position : positions) {
             setAttribute(target.get(), feature, position, false);
+        }
         requireShape(target.get());
         const GdalErrorScope errors;
-        if (OGR_L_SetFeature(layer_, target.get()) != OGRERR_NONE)
+        if (OGR_L_SetFeature(layer_, target.get()) != OGRERR_NONE) {
             raiseUnwritten(tr("Не удалось изменить запись в «%1»"), errors.error(), feature);
+        }
         return true;
     });
 }
 
 bool LayerEditor::updateColumns(const dp::Feature& feature, const std::vector<int>& positions) {
     auto& columnUpdate = target()->columnUpdate;
-    if (!columnUpdate || columnUpdate->positions() != positions)
+    if (!columnUpdate || columnUpdate->positions() != positions) {
         columnUpdate = ColumnUpdate::make(datasetEdit().dataset(), layer_, *schema_, positions);
-    if (!columnUpdate)
+    }
+    if (!columnUpdate) {
         return false;
+    }
     const FeatureHandle target(OGR_F_Create(OGR_L_GetLayerDefn(layer_)));
-    for (const int position : positions)
+    for (const int position : positions) {
         setAttribute(target.get(), feature, position, false);
+    }
     const std::int64_t id = idNumber(feature.id());
     bool isThere = false;
     try {
@@ -91,8 +100,9 @@ bool LayerEditor::updateColumns(const dp::Feature& feature, const std::vector<in
     } catch (const std::runtime_error& error) {
         raiseUnwritten(tr("Не удалось изменить запись в «%1»"), QString::fromUtf8(error.what()), feature);
     }
-    if (!isThere)
+    if (!isThere) {
         raiseAbsent(feature.id());
+    }
     return true;
 }
 
@@ -101,27 +111,31 @@ void LayerEditor::remove(const dp::FeatureId& id) {
         requireCapability(OLCDeleteFeature);
         const GdalErrorScope errors;
         const OGRErr code = OGR_L_DeleteFeature(layer_, idNumber(id));
-        if (code == OGRERR_NON_EXISTING_FEATURE)
+        if (code == OGRERR_NON_EXISTING_FEATURE) {
             raiseAbsent(id);
-        if (code != OGRERR_NONE)
+        }
+        if (code != OGRERR_NONE) {
             raise(tr("Не удалось удалить запись из «%1»").arg(QString::fromUtf8(pool_->source().path)),
                   errors);
+        }
         return true;
     });
 }
 
 void LayerEditor::requireWritable() const {
     const auto path = QString::fromUtf8(pool_->source().path);
-    if (isInArchive(path))
+    if (isInArchive(path)) {
         throw dp::EditError(tr("Архив «%1» можно только читать").arg(pathOnDisk(path)).toStdString());
+    }
 }
 
 OGRLayerH LayerEditor::findIn(GDALDatasetH dataset) const {
     const OGRLayerH layer = findLayer(dataset, layerIndex_, layerName_);
-    if (!layer || !hasFieldsOf(layer, *schema_))
+    if (!layer || !hasFieldsOf(layer, *schema_)) {
         throw dp::EditError(tr("Слой «%1» изменил своё строение, откройте файл заново")
                                 .arg(QString::fromUtf8(layerName_))
                                 .toStdString());
+    }
     return layer;
 }
 
@@ -145,28 +159,32 @@ std::invoke_result_t<Edit> LayerEditor::onLayer(Edit edit) {
 }
 
 void LayerEditor::requireCapability(const char* capability) {
-    if (!OGR_L_TestCapability(layer_, capability))
+    if (!OGR_L_TestCapability(layer_, capability)) {
         throw dp::EditError(tr("Формат слоя «%1» не позволяет такую правку")
                                 .arg(QString::fromUtf8(layerName_))
                                 .toStdString());
+    }
 }
 
 void LayerEditor::requireShape(OGRFeatureH feature) const {
     const char* driver = GDALGetDriverShortName(GDALGetDatasetDriver(datasetEdit().dataset()));
-    if (EQUAL(driver, "FlatGeobuf") && !OGR_F_GetGeometryRef(feature))
+    if (EQUAL(driver, "FlatGeobuf") && !OGR_F_GetGeometryRef(feature)) {
         throw dp::EditError(tr("В этом формате запись без геометрии пропадает").toStdString());
+    }
 }
 
 void LayerEditor::setAttribute(OGRFeatureH target, const dp::Feature& feature, int position,
                                bool isNew) const {
     const LayerColumn& column = schema_->columns[static_cast<std::size_t>(position)];
-    if (column.source == LayerColumn::Source::FeatureId)
+    if (column.source == LayerColumn::Source::FeatureId) {
         return;
+    }
     const GdalErrorScope errors;
     const auto& attribute = *schema_->schema->at(position);
     const QVariant value = feature.getAttribute(position);
-    if (!value.isNull() || acceptsNull(column, attribute.name(), isNew))
+    if (!value.isNull() || acceptsNull(column, attribute.name(), isNew)) {
         writeValue(target, column, attribute, value);
+    }
 }
 
 bool LayerEditor::acceptsNull(const LayerColumn& column, const QString& name, bool isNew) const {
@@ -177,11 +195,13 @@ bool LayerEditor::acceptsNull(const LayerColumn& column, const QString& name, bo
     } else {
         const OGRFieldDefnH field = OGR_FD_GetFieldDefn(definition, column.field);
         isNullable = OGR_Fld_IsNullable(field) != 0;
-        if (!isNullable && isNew && OGR_Fld_GetDefault(field))
+        if (!isNullable && isNew && OGR_Fld_GetDefault(field)) {
             return false;
+        }
     }
-    if (!isNullable)
+    if (!isNullable) {
         throw dp::EditError(tr("Столбец «%1»: нужно значение").arg(name).toStdString());
+    }
     return true;
 }
 
@@ -191,10 +211,11 @@ void LayerEditor::raiseUnwritten(const QString& what, const QString& reason,
         QStringLiteral("UNIQUE constraint failed: .*\\.([^.,]+)$")); // the words of SQLite
     if (const auto match = unique.match(reason); match.hasMatch()) {
         const int position = schema_->schema->indexOf(match.captured(1));
-        if (position >= 0)
+        if (position >= 0) {
             throw dp::EditError(tr("Столбец «%1»: значение «%2» уже есть")
                                     .arg(match.captured(1), feature.getAttribute(position).toString())
                                     .toStdString());
+        }
     }
     const QString where = what.arg(QString::fromUtf8(pool_->source().path));
     throw dp::EditError((reason.isEmpty() ? where : where + QStringLiteral(": ") + reason).toStdString());
@@ -203,16 +224,18 @@ void LayerEditor::raiseUnwritten(const QString& what, const QString& reason,
 std::int64_t LayerEditor::idNumber(const dp::FeatureId& id) const {
     bool isNumber = false;
     const auto number = id.value().toLongLong(&isNumber);
-    if (!isNumber)
+    if (!isNumber) {
         raiseAbsent(id);
+    }
     return number;
 }
 
 FeatureHandle LayerEditor::readFeature(const dp::FeatureId& id) const {
     const GdalErrorScope errors;
     FeatureHandle feature(OGR_L_GetFeature(layer_, idNumber(id)));
-    if (!feature)
+    if (!feature) {
         raiseAbsent(id);
+    }
     return feature;
 }
 

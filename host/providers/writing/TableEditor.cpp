@@ -46,14 +46,16 @@ void TableEditor::prepare() {
 }
 
 void TableEditor::commit() noexcept {
-    if (edit_)
+    if (edit_) {
         edit_->commit();
+    }
     edit_.reset();
 }
 
 void TableEditor::rollback() noexcept {
-    if (edit_)
+    if (edit_) {
         edit_->rollback();
+    }
     edit_.reset();
 }
 
@@ -62,8 +64,9 @@ void TableEditor::flush() {
 }
 
 void TableEditor::beforeChange() {
-    if (!edit_ || edit_->isEnded()) // the group is back at its beginning
+    if (!edit_ || edit_->isEnded()) { // the group is back at its beginning
         begin();
+    }
     orEditError([this] { edit_->beforeChange(); });
 }
 

@@ -47,12 +47,14 @@ protected:
         beforeChange();
         try {
             const auto result = change();
-            if (isAlone)
+            if (isAlone) {
                 end();
+            }
             return result;
         } catch (...) {
-            if (isAlone)
+            if (isAlone) {
                 rollback();
+            }
             throw;
         }
     }

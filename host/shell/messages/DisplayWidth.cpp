@@ -56,8 +56,9 @@ public:
     /// Columns that the character adds to those before it.
     int add(char32_t character) {
         const char32_t before = std::exchange(previous_, character);
-        if (before == zeroWidthJoiner || (isSkinTone(character) && isWide(before)))
+        if (before == zeroWidthJoiner || (isSkinTone(character) && isWide(before))) {
             return 0;
+        }
         return characterWidth(character);
     }
 
@@ -68,8 +69,9 @@ private:
 } // namespace
 
 int characterWidth(char32_t character) {
-    if (character < 0x300)
+    if (character < 0x300) {
         return character == 0 ? 0 : 1;
+    }
     switch (QChar::category(character)) {
     case QChar::Mark_NonSpacing:
     case QChar::Mark_Enclosing:
@@ -77,16 +79,18 @@ int characterWidth(char32_t character) {
     default: break;
     }
     // The vowels and final consonants of a Hangul syllable are drawn into the column of the first.
-    if (character >= 0x1160 && character <= 0x11FF)
+    if (character >= 0x1160 && character <= 0x11FF) {
         return 0;
+    }
     return isWide(character) ? 2 : 1;
 }
 
 int displayWidth(std::string_view text) {
     WidthCounter counter;
     int width = 0;
-    for (std::size_t position = 0; position < text.size();)
+    for (std::size_t position = 0; position < text.size();) {
         width += counter.add(utf8::nextCharacter(text, position));
+    }
     return width;
 }
 
@@ -96,8 +100,9 @@ std::size_t prefixOfWidth(std::string_view text, int columns) {
     for (std::size_t position = 0; position < text.size();) {
         const std::size_t start = position;
         width += counter.add(utf8::nextCharacter(text, position));
-        if (width > columns)
+        if (width > columns) {
             return start;
+        }
     }
     return text.size();
 }

@@ -6,13 +6,15 @@
 namespace orvane::shell {
 
 Language::Language(const QString& localeName) {
-    if (!localeName.isEmpty())
+    if (!localeName.isEmpty()) {
         QLocale::setDefault(QLocale(localeName));
-    else if (QLocale().language() == QLocale::C)
+    } else if (QLocale().language() == QLocale::C) {
         QLocale::setDefault(QLocale::English); // a bare environment: texts sort by letters all the same
+    }
     if (QLocale().language() != QLocale::Russian &&
-        translator_.load(QStringLiteral(":/translations/orvane_en.qm")))
+        translator_.load(QStringLiteral(":/translations/orvane_en.qm"))) {
         QCoreApplication::installTranslator(&translator_);
+    }
 }
 
 } // namespace orvane::shell

@@ -33,8 +33,9 @@ QString userColumnName(const QString& column) {
 
 QStringList Names::tables() const {
     QStringList names;
-    for (const auto& object : catalog_.dataObjects())
+    for (const auto& object : catalog_.dataObjects()) {
         names += object->name();
+    }
     // Tables that statements have made; those of SpatiaLite are no one's to query.
     names += firstColumn(
         "Select name From sqlite_master Where type In ('table', 'view') And sql Not Like 'Create Virtual%' "
@@ -47,26 +48,31 @@ QStringList Names::tables() const {
 
 QStringList Names::columns(const QString& table) const {
     QStringList names = firstColumn("Select name From pragma_table_info(?)", table);
-    for (QString& name : names)
+    for (QString& name : names) {
         name = userColumnName(name);
+    }
     return names;
 }
 
 QStringList Names::functions() const {
     // Those with a record have their names in the usual letter case; SQLite knows all, in lower case.
     std::map<QString, QString> byLowercase;
-    for (const QString& name : firstColumn("Select name From pragma_function_list Where name Glob '[a-z]*'"))
+    for (const QString& name :
+         firstColumn("Select name From pragma_function_list Where name Glob '[a-z]*'")) {
         byLowercase.emplace(name, name);
+    }
     for (const adaptor::FunctionRecord& record : adaptor::allFunctionRecords()) {
         for (const char* sqlName : record.names()) {
             const QString called = QLatin1String(sqlName);
-            for (const QString& name : {called, engine::dialectFunctionName(called)})
+            for (const QString& name : {called, engine::dialectFunctionName(called)}) {
                 byLowercase[name.toLower()] = name;
+            }
         }
     }
     QStringList names;
-    for (const auto& [lowercase, name] : byLowercase)
+    for (const auto& [lowercase, name] : byLowercase) {
         names += name;
+    }
     return names;
 }
 
@@ -75,11 +81,13 @@ QStringList Names::firstColumn(const char* sql, const QString& parameter) const 
     sqlite3_prepare_v2(database_, sql, -1, &prepared, nullptr);
     const std::unique_ptr<sqlite3_stmt, StatementFinalizer> statement(prepared);
     const QByteArray utf8 = parameter.toUtf8();
-    if (sqlite3_bind_parameter_count(prepared) != 0)
+    if (sqlite3_bind_parameter_count(prepared) != 0) {
         sqlite3_bind_text(prepared, 1, utf8.constData(), utf8.size(), SQLITE_STATIC);
+    }
     QStringList values;
-    while (sqlite3_step(prepared) == SQLITE_ROW)
+    while (sqlite3_step(prepared) == SQLITE_ROW) {
         values += QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(prepared, 0)));
+    }
     return values;
 }
 

@@ -12,8 +12,9 @@ QString nearestName(const QString& word, const QStringList& known) {
     QString nearest;
     int nearestDistance = 0;
     for (const QString& name : known) {
-        if (name.compare(word, Qt::CaseInsensitive) == 0)
+        if (name.compare(word, Qt::CaseInsensitive) == 0) {
             continue; // nothing new
+        }
         const int allowed = std::max(1, std::max(name.size(), word.size()) / 3);
         const int distance = sql::editDistance(wanted, sql::toSqlString(name), allowed);
         if (distance <= allowed && (nearest.isEmpty() || distance < nearestDistance)) {
@@ -21,8 +22,9 @@ QString nearestName(const QString& word, const QStringList& known) {
             nearestDistance = distance;
         }
     }
-    if (!nearest.isEmpty() || word.size() < 3)
+    if (!nearest.isEmpty() || word.size() < 3) {
         return nearest;
+    }
     const auto longer = std::find_if(known.begin(), known.end(), [&word](const QString& name) {
         return name.size() > word.size() && name.startsWith(word, Qt::CaseInsensitive);
     });

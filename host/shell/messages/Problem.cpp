@@ -17,20 +17,23 @@ constexpr std::string_view indentation = "  ";
 std::string_view lineOf(std::string_view text, int number) {
     for (; number > 1; --number) {
         const std::size_t end = text.find('\n');
-        if (end == std::string_view::npos)
+        if (end == std::string_view::npos) {
             return {};
+        }
         text.remove_prefix(end + 1);
     }
     text = text.substr(0, text.find('\n'));
-    if (!text.empty() && text.back() == '\r')
+    if (!text.empty() && text.back() == '\r') {
         text.remove_suffix(1);
+    }
     return text;
 }
 
 std::size_t offsetOfCharacter(std::string_view text, int character) {
     std::size_t offset = 0;
-    while (character-- > 0 && offset < text.size())
+    while (character-- > 0 && offset < text.size()) {
         utf8::nextCharacter(text, offset);
+    }
     return offset;
 }
 
@@ -43,8 +46,9 @@ std::string withoutControls(std::string_view text) {
 }
 
 std::string shortened(std::string text, int columns) {
-    if (displayWidth(text) <= columns)
+    if (displayWidth(text) <= columns) {
         return text;
+    }
     return text.substr(0, prefixOfWidth(text, columns)) + "…";
 }
 
@@ -58,8 +62,9 @@ std::string underlined(std::string_view line, const TextPlace& place) {
     if (displayWidth(line) > shownWidth) {
         // The place stays in sight with what surrounds it.
         constexpr int half = shownWidth / 2;
-        if (const int excess = displayWidth(before) - half; excess > 0)
+        if (const int excess = displayWidth(before) - half; excess > 0) {
             before = "…" + before.substr(prefixOfWidth(before, excess));
+        }
         marked = shortened(std::move(marked), half);
         after = shortened(std::move(after), std::max(shownWidth - displayWidth(before + marked), 10));
     }
@@ -76,10 +81,12 @@ std::string underlined(std::string_view line, const TextPlace& place) {
 
 std::string describe(const Problem& problem, const StatementText& text) {
     QString head = QStringLiteral("orvane: ");
-    if (!text.origin.isEmpty())
+    if (!text.origin.isEmpty()) {
         head += text.origin + QStringLiteral(": ");
-    if (!problem.place)
+    }
+    if (!problem.place) {
         return (head + problem.message + QLatin1Char('\n')).toStdString();
+    }
     head += Shell::tr("строка %0, столбец %1: %2")
                 .arg(QString::number(problem.place->line), QString::number(problem.place->column),
                      problem.message);

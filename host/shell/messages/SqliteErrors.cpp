@@ -168,8 +168,9 @@ bool isName(const sql::Token& token) {
 /// Whether the user's word stands for that name of the engine database.
 bool means(const QString& word, const QString& name) {
     const auto same = [&word](const QString& other) { return word.compare(other, Qt::CaseInsensitive) == 0; };
-    if (same(name) || same(engine::dialectFunctionName(name)))
+    if (same(name) || same(engine::dialectFunctionName(name))) {
         return true;
+    }
     const QString column = userColumnName(name);
     return same(column) ||
            (column != name && same(column == QLatin1String("obj") ? QStringLiteral("object")
@@ -181,15 +182,17 @@ std::vector<std::size_t> wordsOf(const sql::TokenizedText& text, const QString& 
     std::vector<std::size_t> found;
     for (std::size_t i = 0; i < text.tokens.size(); ++i) {
         const QString other = sql::fromSqlString(text.value(text.tokens[i]));
-        if (other.compare(value, Qt::CaseInsensitive) == 0)
+        if (other.compare(value, Qt::CaseInsensitive) == 0) {
             found.push_back(i);
+        }
     }
     return found;
 }
 
 std::size_t charactersIn(const std::string& utf8, int bytes) {
-    if (bytes < 0)
+    if (bytes < 0) {
         return std::string::npos;
+    }
     std::wstring characters;
     sql::appendUtf8(characters, std::string_view(utf8).substr(0, static_cast<std::size_t>(bytes)));
     return characters.size();
@@ -216,27 +219,33 @@ Problem SqliteErrors::explain(const QString& message) const {
     };
     for (const auto& [pattern, explainName] : named) {
         const auto match = QRegularExpression(QLatin1String(pattern)).match(message);
-        if (match.hasMatch())
+        if (match.hasMatch()) {
             return (this->*explainName)(match.captured(1));
+        }
     }
     for (const PlainMessage& plain : plainMessages) {
         const auto match = QRegularExpression(QLatin1String(plain.pattern)).match(message);
-        if (!match.hasMatch())
+        if (!match.hasMatch()) {
             continue;
+        }
         const QString name = match.captured(1);
         const QString text = Shell::tr(plain.text);
         auto place = name.isEmpty() ? std::nullopt : placeOf(name, Role::Function);
-        if (!place && !name.isEmpty())
+        if (!place && !name.isEmpty()) {
             place = placeOf(name, Role::Table);
-        if (!place)
+        }
+        if (!place) {
             place = placeOfOffset();
-        if (!place)
+        }
+        if (!place) {
             place = placeOfKeyword(plain.keyword);
+        }
         return {text.contains(QLatin1String("%1")) ? text.arg(engine::dialectFunctionName(name)) : text,
                 place};
     }
-    if (message == QLatin1String("parser stack overflow"))
+    if (message == QLatin1String("parser stack overflow")) {
         return tooDeep();
+    }
     return {message, placeOfOffset()};
 }
 
@@ -265,10 +274,12 @@ Problem SqliteErrors::tooDeep() const {
 
 Problem SqliteErrors::missingTable(const QString& name) const {
     const QStringList tables = names_.tables();
-    if (tables.contains(name, Qt::CaseInsensitive)) // "name.*"
+    if (tables.contains(name, Qt::CaseInsensitive)) { // "name.*"
         return {Shell::tr("таблицы «%0» нет после From").arg(name), placeOfQualifier(name)};
-    if (tables.isEmpty())
+    }
+    if (tables.isEmpty()) {
         return {Shell::tr("нет таблицы «%0»: ни один файл не открыт").arg(name), placeOf(name, Role::Table)};
+    }
     const auto place = placeOf(name, Role::Table);
     return {withSuggestion(Shell::tr("нет таблицы «%0»").arg(name), nearestName(name, tables)),
             place ? place : placeOfQualifier(name)};
@@ -300,8 +311,9 @@ Problem SqliteErrors::missingColumn(const QString& name) const {
         return {message, place};
     }
     QStringList known;
-    for (const QString& table : used_.tables())
+    for (const QString& table : used_.tables()) {
         known += names_.columns(table);
+    }
     return {withSuggestion(Shell::tr("нет столбца «%0»").arg(column), nearestName(column, known)), place};
 }
 
@@ -326,10 +338,11 @@ Problem SqliteErrors::wrongArguments(const QString& name) const {
         return Shell::tr("у функции %0 не столько аргументов").arg(engine::dialectFunctionName(function));
     };
     for (const adaptor::FunctionRecord& record : adaptor::allFunctionRecords()) {
-        if (record.isNamed(name.toUtf8().constData()))
+        if (record.isNamed(name.toUtf8().constData())) {
             return {Shell::tr("%0; она вызывается как %1")
                         .arg(message(QLatin1String(record.name)), QString::fromUtf8(record.signature)),
                     place};
+        }
     }
     return {message(name), place};
 }
@@ -341,8 +354,9 @@ Problem SqliteErrors::misusedRowNumber(const QString& name) const {
     const auto translated = wordsOf(sqliteText_, name);
     std::optional<TextPlace> place;
     for (std::size_t i = 0; written.size() == translated.size() && i < written.size(); ++i) {
-        if (errorOffset_ == sqliteText_.tokens[translated[i]].offset)
+        if (errorOffset_ == sqliteText_.tokens[translated[i]].offset) {
             place = placeOfTokens(written[i], written[i]);
+        }
     }
     return {Shell::tr("%0 здесь недопустим: строки нумеруются после отбора; чтобы отобрать по номеру, "
                       "пронумеруйте их во вложенном запросе")
@@ -353,28 +367,32 @@ Problem SqliteErrors::misusedRowNumber(const QString& name) const {
 Problem SqliteErrors::ambiguousColumn(const QString& name) const {
     const QString column = userColumnName(name.section(QLatin1Char('.'), -1));
     const QString qualifier = name.section(QLatin1Char('.'), 0, -2);
-    if (used_.countOf(qualifier) > 1)
+    if (used_.countOf(qualifier) > 1) {
         return {Shell::tr("имя «%0» дано после From дважды: таблицам нужны разные имена").arg(qualifier),
                 placeOf(name, Role::Column)};
+    }
     return {Shell::tr("столбец «%0» есть в нескольких таблицах: укажите таблицу перед ним").arg(column),
             placeOf(name, Role::Column)};
 }
 
 std::optional<TextPlace> SqliteErrors::placeOf(const QString& name, Role role) const {
-    if (const auto whole = placeOfPath({name}, role))
+    if (const auto whole = placeOfPath({name}, role)) {
         return whole;
+    }
     // A dot may separate names or belong to one.
     for (int dot = name.indexOf(QLatin1Char('.')); dot >= 0; dot = name.indexOf(QLatin1Char('.'), dot + 1)) {
-        if (const auto parts = placeOfPath({name.left(dot), name.mid(dot + 1)}, role))
+        if (const auto parts = placeOfPath({name.left(dot), name.mid(dot + 1)}, role)) {
             return parts;
+        }
     }
     return std::nullopt;
 }
 
 std::optional<TextPlace> SqliteErrors::placeOfPath(const QStringList& path, Role role) const {
     const std::vector<std::size_t> written = occurrences(statement_, path, role);
-    if (written.empty())
+    if (written.empty()) {
         return std::nullopt;
+    }
     // Where the name occurs more than once, the translation keeps their order: the one SQLite points at
     // counts.
     const std::vector<std::size_t> translated = occurrences(sqliteText_, path, role);
@@ -383,8 +401,9 @@ std::optional<TextPlace> SqliteErrors::placeOfPath(const QStringList& path, Role
         const sql::Token& first = sqliteText_.tokens[translated[i]];
         const sql::Token& last =
             sqliteText_.tokens[translated[i] + 2 * (static_cast<std::size_t>(path.size()) - 1)];
-        if (errorOffset_ >= first.offset && errorOffset_ < last.offset + last.length)
+        if (errorOffset_ >= first.offset && errorOffset_ < last.offset + last.length) {
             chosen = i;
+        }
     }
     return placeOfTokens(written[chosen], written[chosen] + 2 * (static_cast<std::size_t>(path.size()) - 1));
 }
@@ -400,8 +419,9 @@ std::optional<TextPlace> SqliteErrors::placeOfQualifier(const QString& name) con
     const auto& tokens = statement_.tokens;
     for (std::size_t i = 0; i + 1 < tokens.size(); ++i) {
         if (isName(tokens[i]) && tokens[i + 1].kind == sql::TokenKind::Dot &&
-            means(sql::fromSqlString(statement_.value(tokens[i])), name))
+            means(sql::fromSqlString(statement_.value(tokens[i])), name)) {
             return placeOfTokens(i, i);
+        }
     }
     return std::nullopt;
 }
@@ -409,8 +429,9 @@ std::optional<TextPlace> SqliteErrors::placeOfQualifier(const QString& name) con
 std::optional<TextPlace> SqliteErrors::placeOfKeyword(sql::Keyword keyword) const {
     const auto& tokens = statement_.tokens;
     for (std::size_t i = 0; keyword != sql::Keyword::None && i < tokens.size(); ++i) {
-        if (tokens[i].keyword == keyword)
+        if (tokens[i].keyword == keyword) {
             return placeOfTokens(i, i);
+        }
     }
     return std::nullopt;
 }
@@ -418,8 +439,9 @@ std::optional<TextPlace> SqliteErrors::placeOfKeyword(sql::Keyword keyword) cons
 std::optional<TextPlace> SqliteErrors::placeOfOffset() const {
     for (std::size_t i = 0; errorOffset_ != std::string::npos && i < sqliteText_.tokens.size(); ++i) {
         const sql::Token& token = sqliteText_.tokens[i];
-        if (errorOffset_ >= token.offset && errorOffset_ < token.offset + token.length)
+        if (errorOffset_ >= token.offset && errorOffset_ < token.offset + token.length) {
             return placeOfTranslated(i);
+        }
     }
     return std::nullopt;
 }
@@ -428,23 +450,26 @@ std::optional<TextPlace> SqliteErrors::placeOfTranslated(std::size_t token) cons
     const auto& [kind, keyword, offset, length] = sqliteText_.tokens[token];
     const bool isValue = kind == sql::TokenKind::Word || kind == sql::TokenKind::QuotedName ||
                          kind == sql::TokenKind::Text || kind == sql::TokenKind::Number;
-    if (!isValue)
+    if (!isValue) {
         return std::nullopt;
+    }
     const QString value = sql::fromSqlString(sqliteText_.value(sqliteText_.tokens[token]));
     const auto translated = wordsOf(sqliteText_, value);
     const auto written = wordsOf(statement_, value);
     const auto ordinal =
         static_cast<std::size_t>(std::find(translated.begin(), translated.end(), token) - translated.begin());
-    if (written.size() != translated.size() || ordinal >= written.size())
+    if (written.size() != translated.size() || ordinal >= written.size()) {
         return std::nullopt;
+    }
     return placeOfTokens(written[ordinal], written[ordinal]);
 }
 
 bool SqliteErrors::isQuoted(const TextPlace& place) const {
     for (const sql::Token& token : statement_.tokens) {
         const sql::TextPosition position = statement_.position(token.offset);
-        if (position.line == place.line && position.column == place.column)
+        if (position.line == place.line && position.column == place.column) {
             return token.kind == sql::TokenKind::QuotedName;
+        }
     }
     return false;
 }
@@ -465,8 +490,9 @@ std::vector<std::size_t> SqliteErrors::occurrences(const sql::TokenizedText& tex
         const bool isCall = tokens[start + length].kind == sql::TokenKind::LeftParenthesis;
         const bool isQualifier = tokens[start + length].kind == sql::TokenKind::Dot;
         const bool isQualified = start > 0 && tokens[start - 1].kind == sql::TokenKind::Dot;
-        if (fits && isCall == (role == Role::Function) && !isQualifier && !isQualified)
+        if (fits && isCall == (role == Role::Function) && !isQualifier && !isQualified) {
             found.push_back(start);
+        }
     }
     return found;
 }

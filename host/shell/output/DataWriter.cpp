@@ -22,8 +22,9 @@ DataWriter::DataWriter(sqlite3_stmt* statement, const dp::DataCatalog& catalog, 
 
 void DataWriter::begin(const std::vector<std::string>& columns) {
     QStringList names;
-    for (const std::string& column : columns)
+    for (const std::string& column : columns) {
         names += QString::fromStdString(column);
+    }
     orDataError([&] { rows_.emplace(statement_, names, catalog_, cache_); });
 }
 

@@ -22,8 +22,9 @@ std::vector<std::string> memberKeys(const std::vector<std::string>& columns) {
     std::vector<std::string> keys;
     for (const std::string& column : columns) {
         std::string name = column;
-        for (int number = 2; used.count(name) != 0 || (number > 2 && taken.count(name) != 0); ++number)
+        for (int number = 2; used.count(name) != 0 || (number > 2 && taken.count(name) != 0); ++number) {
             name = column + '_' + std::to_string(number);
+        }
         used.insert(name);
         std::string& key = keys.emplace_back();
         appendJsonText(key, name);
@@ -37,10 +38,11 @@ void appendJsonValue(std::string& text, const ResultValue& value) {
     switch (value.kind) {
     case ResultValue::Integer: appendInteger(text, value.integer); break;
     case ResultValue::Real:
-        if (std::isinf(value.real))
+        if (std::isinf(value.real)) {
             text += value.real < 0 ? "-1e999" : "1e999";
-        else
+        } else {
             appendReal(text, value.real);
+        }
         break;
     case ResultValue::Text: appendJsonText(text, value.view); break;
     case ResultValue::Bytes:
@@ -100,14 +102,16 @@ void JsonWriter::row(const ResultRow& row) {
     text += first_ ? "\n{" : ",\n{";
     first_ = false;
     for (int column = 0; column < row.size(); ++column) {
-        if (column != 0)
+        if (column != 0) {
             text += ',';
+        }
         text += keys_[static_cast<std::size_t>(column)];
         const ResultValue value = row.value(column);
-        if (value.kind == ResultValue::Geometry)
+        if (value.kind == ResultValue::Geometry) {
             geometry::appendGeoJson(*value.geometry, text);
-        else
+        } else {
             appendJsonValue(text, value);
+        }
     }
     text += '}';
     output_.rowDone();
@@ -124,8 +128,9 @@ GeoJsonWriter::~GeoJsonWriter() = default;
 void GeoJsonWriter::begin(const std::vector<std::string>& columns) {
     keys_ = memberKeys(columns);
     for (std::size_t column = 0; column < columns.size() && geometryColumn_ < 0; ++column) {
-        if (columns[column] == "obj")
+        if (columns[column] == "obj") {
             geometryColumn_ = static_cast<int>(column);
+        }
     }
     output_.text() += R"({"type":"FeatureCollection","features":[)";
 }
@@ -139,24 +144,29 @@ void GeoJsonWriter::row(const ResultRow& row) {
     bool hasGeometry = false;
     for (int column = 0; column < row.size(); ++column) {
         const ResultValue value = row.value(column);
-        if (geometryColumn_ < 0 && value.kind == ResultValue::Geometry)
+        if (geometryColumn_ < 0 && value.kind == ResultValue::Geometry) {
             geometryColumn_ = column;
+        }
         if (column == geometryColumn_) {
             hasGeometry = value.kind == ResultValue::Geometry;
-            if (hasGeometry)
+            if (hasGeometry) {
                 appendInWgs84(*value.geometry);
+            }
             continue;
         }
-        if (!properties_.empty())
+        if (!properties_.empty()) {
             properties_ += ',';
+        }
         properties_ += keys_[static_cast<std::size_t>(column)];
-        if (value.kind == ResultValue::Geometry)
+        if (value.kind == ResultValue::Geometry) {
             geometry::appendGeoJson(*value.geometry, properties_);
-        else
+        } else {
             appendJsonValue(properties_, value);
+        }
     }
-    if (!hasGeometry)
+    if (!hasGeometry) {
         text += "null";
+    }
     text += R"(,"properties":{)";
     text += properties_;
     text += "}}";
@@ -169,20 +179,23 @@ void GeoJsonWriter::appendInWgs84(const geometry::Geometry& geometry) {
         return;
     }
     const auto transformed = geometry.transformed(wgs84_);
-    if (!transformed)
+    if (!transformed) {
         throw std::runtime_error(
             Shell::tr("геометрия не переводится в WGS 84 из %0, а geojson иных координат не знает")
                 .arg(geometry.coordSystem()->taggedString())
                 .toStdString());
+    }
     geometry::appendGeoJson(*transformed, output_.text());
 }
 
 bool GeoJsonWriter::needsTransformation(const std::shared_ptr<cs::CoordSystem>& coordSystem) {
-    if (!coordSystem)
+    if (!coordSystem) {
         return false;
+    }
     if (coordSystem != lastCoordSystem_) {
-        if (!wgs84_)
+        if (!wgs84_) {
             wgs84_ = cs::CoordSysFactory::defaultCoordSysFactory()->createFromEpsg(4326);
+        }
         lastCoordSystem_ = coordSystem;
         lastNeedsTransformation_ = !coordSystem->equals(*wgs84_);
     }

@@ -33,19 +33,21 @@ namespace {
 bool writeUnlessClosed(int descriptor, std::string_view bytes) {
     while (!bytes.empty()) {
         const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
-        if (written >= 0)
+        if (written >= 0) {
             bytes.remove_prefix(static_cast<std::size_t>(written));
-        else if (errno == EPIPE)
+        } else if (errno == EPIPE) {
             return false;
-        else if (errno != EINTR)
+        } else if (errno != EINTR) {
             fail(Shell::tr("ответ не записывается"));
+        }
     }
     return true;
 }
 
 void writeAll(int descriptor, std::string_view bytes) {
-    if (!writeUnlessClosed(descriptor, bytes))
+    if (!writeUnlessClosed(descriptor, bytes)) {
         fail(Shell::tr("ответ не записывается"));
+    }
 }
 
 winsize terminalSize(int descriptor) {
@@ -119,18 +121,22 @@ int terminalHeight() {
 HeldOutput::HeldOutput(int descriptor) : Output(std::size_t{64} << 20), descriptor_(descriptor) {}
 
 void HeldOutput::takeText() {
-    if (!overflow_)
+    if (!overflow_) {
         overflow_.reset(std::tmpfile());
-    if (!overflow_)
+    }
+    if (!overflow_) {
         fail(Shell::tr("временный файл не создаётся"));
-    if (std::fwrite(text_.data(), 1, text_.size(), overflow_.get()) != text_.size())
+    }
+    if (std::fwrite(text_.data(), 1, text_.size(), overflow_.get()) != text_.size()) {
         fail(Shell::tr("временный файл не записывается"));
+    }
     text_.clear();
 }
 
 void HeldOutput::commit() {
-    if (!writeTo(descriptor_))
+    if (!writeTo(descriptor_)) {
         fail(Shell::tr("ответ не записывается"));
+    }
     discard();
 }
 
@@ -140,11 +146,13 @@ bool HeldOutput::writeTo(int descriptor) {
         std::rewind(overflow_.get());
         std::array<char, 1 << 16> block;
         while (const std::size_t size = std::fread(block.data(), 1, block.size(), overflow_.get())) {
-            if (!writeUnlessClosed(descriptor, {block.data(), size}))
+            if (!writeUnlessClosed(descriptor, {block.data(), size})) {
                 return false;
+            }
         }
-        if (std::ferror(overflow_.get()))
+        if (std::ferror(overflow_.get())) {
             fail(Shell::tr("временный файл не читается"));
+        }
     }
     return writeUnlessClosed(descriptor, text_);
 }
@@ -158,10 +166,11 @@ void PagedOutput::commit() {
     const char* const chosen = std::getenv("PAGER");
     const std::string command = chosen ? chosen : "less -S";
     const bool wantsPager = command.find_first_not_of(" \t") != std::string::npos;
-    if (wantsPager && isLongerThanScreen() && page(command))
+    if (wantsPager && isLongerThanScreen() && page(command)) {
         discard();
-    else
+    } else {
         HeldOutput::commit();
+    }
 }
 
 bool PagedOutput::isLongerThanScreen() {
@@ -171,8 +180,9 @@ bool PagedOutput::isLongerThanScreen() {
 
 bool PagedOutput::page(const std::string& command) {
     int pipeEnds[2];
-    if (::pipe2(pipeEnds, O_CLOEXEC) != 0)
+    if (::pipe2(pipeEnds, O_CLOEXEC) != 0) {
         return false;
+    }
     const pid_t pager = startShell(command, pipeEnds[0]);
     ::close(pipeEnds[0]);
     if (pager != 0) {
@@ -190,9 +200,11 @@ bool PagedOutput::page(const std::string& command) {
 FileOutput::FileOutput(std::string path, bool overwrites)
     : Output(1 << 16), path_(std::move(path)), overwrites_(overwrites) {
     const QString file = QString::fromStdString(path_);
-    if (!overwrites_ && ::access(path_.c_str(), F_OK) == 0)
-        throw OutputError(
-            QStringLiteral("%0: %1").arg(file, Shell::tr("файл уже есть; с --overwrite он заменяется")).toStdString());
+    if (!overwrites_ && ::access(path_.c_str(), F_OK) == 0) {
+        throw OutputError(QStringLiteral("%0: %1")
+                              .arg(file, Shell::tr("файл уже есть; с --overwrite он заменяется"))
+                              .toStdString());
+    }
     try {
         directory_ = files::ResultDirectory::beside(file);
     } catch (const std::runtime_error& error) {
@@ -200,13 +212,15 @@ FileOutput::FileOutput(std::string path, bool overwrites)
     }
     temporaryPath_ = directory_->filePath(QStringLiteral("result")).toStdString();
     descriptor_ = ::open(temporaryPath_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    if (descriptor_ < 0)
+    if (descriptor_ < 0) {
         fail(file);
+    }
 }
 
 FileOutput::~FileOutput() {
-    if (descriptor_ >= 0)
+    if (descriptor_ >= 0) {
         ::close(descriptor_);
+    }
 }
 
 void FileOutput::takeText() {
@@ -221,14 +235,16 @@ void FileOutput::commit() {
 
 void FileOutput::discard() {
     text_.clear();
-    if (::ftruncate(descriptor_, committedSize_) != 0 || ::lseek(descriptor_, committedSize_, SEEK_SET) < 0)
+    if (::ftruncate(descriptor_, committedSize_) != 0 || ::lseek(descriptor_, committedSize_, SEEK_SET) < 0) {
         fail(QString::fromStdString(path_));
+    }
 }
 
 void FileOutput::finish() {
     const QString file = QString::fromStdString(path_);
-    if (::close(std::exchange(descriptor_, -1)) != 0)
+    if (::close(std::exchange(descriptor_, -1)) != 0) {
         fail(file);
+    }
     try {
         files::FileExchange(directory_->path()).put(temporaryPath_, path_, overwrites_);
     } catch (const std::runtime_error& error) {

@@ -30,8 +30,9 @@ public:
     /// What has been appended since it was last taken away; only appended to.
     std::string& text() { return text_; }
     void rowDone() {
-        if (text_.size() >= capacity_)
+        if (text_.size() >= capacity_) {
             takeText();
+        }
     }
     /// The statement has succeeded.
     virtual void commit() = 0;

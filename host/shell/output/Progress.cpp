@@ -14,8 +14,9 @@
 namespace orvane::shell {
 
 Progress::Progress() {
-    if (!::isatty(STDERR_FILENO))
+    if (!::isatty(STDERR_FILENO)) {
         return;
+    }
     work::Progress::exchangeWatcher([this](const work::Progress::State& state) {
         const std::lock_guard lock(mutex_);
         work_ = state;
@@ -24,8 +25,9 @@ Progress::Progress() {
 }
 
 void Progress::stop() {
-    if (!thread_.joinable())
+    if (!thread_.joinable()) {
         return;
+    }
     work::Progress::exchangeWatcher({});
     {
         const std::lock_guard lock(mutex_);
@@ -36,12 +38,13 @@ void Progress::stop() {
 }
 
 QString Progress::line() const {
-    if (!work_.work.isEmpty())
+    if (!work_.work.isEmpty()) {
         return work_.total > 0
                    ? Shell::tr("%0: %1 %")
                          .arg(work_.work)
                          .arg(std::min<qint64>(100, 100 * work_.done / work_.total))
                    : Shell::tr("%0: %1 строк").arg(work_.work, QLocale().toString(qlonglong(work_.done)));
+    }
     const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start_;
     return Shell::tr("%0 строк, %1 с")
         .arg(QLocale().toString(static_cast<qlonglong>(rows_.load(std::memory_order_relaxed))),
@@ -56,8 +59,9 @@ void Progress::show() {
                               [this] { return stopping_; })) {
         std::string text = line().toStdString();
         // A line that goes on below could not be wiped.
-        if (const int width = terminalWidth(STDERR_FILENO); width > 0)
+        if (const int width = terminalWidth(STDERR_FILENO); width > 0) {
             text.resize(prefixOfWidth(text, width - 1));
+        }
         std::fprintf(stderr, "\r\033[K%s", text.c_str());
         std::fflush(stderr);
         shown = true;

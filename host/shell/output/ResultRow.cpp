@@ -32,16 +32,18 @@ ResultValue ResultRow::value(int column) const {
     case SQLITE_TEXT: {
         value.kind = ResultValue::Text;
         const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement_, column));
-        if (text)
+        if (text) {
             value.view = {text, static_cast<std::size_t>(sqlite3_column_bytes(statement_, column))};
+        }
         break;
     }
     case SQLITE_BLOB: {
         const auto* bytes = static_cast<const char*>(sqlite3_column_blob(statement_, column));
         value.view = {bytes, static_cast<std::size_t>(sqlite3_column_bytes(statement_, column))};
-        if (cache_ && mayBeGeometry(value.view))
+        if (cache_ && mayBeGeometry(value.view)) {
             value.geometry =
                 cache_->geometryInfo(bytes, static_cast<unsigned int>(value.view.size()), false).geometry();
+        }
         value.kind = value.geometry ? ResultValue::Geometry : ResultValue::Bytes;
         break;
     }

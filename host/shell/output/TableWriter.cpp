@@ -19,8 +19,9 @@ void showControlCharacters(std::string& text) {
     const auto isControl = [](char character) {
         return static_cast<unsigned char>(character) < 0x20 || character == 0x7F;
     };
-    if (std::none_of(text.begin(), text.end(), isControl))
+    if (std::none_of(text.begin(), text.end(), isControl)) {
         return;
+    }
     std::string shown;
     for (const char character : text) {
         if (!isControl(character)) {
@@ -50,32 +51,37 @@ void TableWriter::begin(const std::vector<std::string>& columns) {
 }
 
 void TableWriter::row(const ResultRow& row) {
-    for (int column = 0; column < row.size(); ++column)
+    for (int column = 0; column < row.size(); ++column) {
         readCell(current_[static_cast<std::size_t>(column)], row.value(column));
+    }
     if (settled_) {
         writeRow(current_.data());
         return;
     }
     kept_.insert(kept_.end(), current_.begin(), current_.end());
-    if (kept_.size() >= rowsForWidths * current_.size())
+    if (kept_.size() >= rowsForWidths * current_.size()) {
         settleWidths();
+    }
 }
 
 void TableWriter::end() {
-    if (!settled_)
+    if (!settled_) {
         settleWidths();
+    }
 }
 
 void TableWriter::readCell(Cell& cell, const ResultValue& value) const {
     cell.text.clear();
     cell.isNumber = value.kind == ResultValue::Integer || value.kind == ResultValue::Real;
     cell.isNull = value.kind == ResultValue::Null;
-    if (cell.isNull)
+    if (cell.isNull) {
         cell.text = nullText_;
-    else
+    } else {
         appendPlain(cell.text, value);
-    if (value.kind == ResultValue::Text)
+    }
+    if (value.kind == ResultValue::Text) {
         showControlCharacters(cell.text);
+    }
     cell.width = displayWidth(cell.text);
 }
 
@@ -92,15 +98,19 @@ void TableWriter::settleWidths() {
             hasOther = hasOther || !(kept_[cell].isNumber || kept_[cell].isNull);
         }
         column.isNumeric = hasNumber && !hasOther;
-        if (terminalWidth_ == 0)
+        if (terminalWidth_ == 0) {
             column.width = std::min(column.width, widestPadding);
+        }
     }
-    if (terminalWidth_ != 0)
+    if (terminalWidth_ != 0) {
         fitIntoTerminal();
-    if (header_)
+    }
+    if (header_) {
         writeHeader();
-    for (std::size_t i = 0; i < kept_.size(); i += columns_.size())
+    }
+    for (std::size_t i = 0; i < kept_.size(); i += columns_.size()) {
         writeRow(&kept_[i]);
+    }
     kept_.clear();
     kept_.shrink_to_fit();
 }
@@ -108,20 +118,23 @@ void TableWriter::settleWidths() {
 /// Takes from the widest columns until the line fits, but leaves each a few places.
 void TableWriter::fitIntoTerminal() {
     int excess = -terminalWidth_ - static_cast<int>(separator.size());
-    for (const Column& column : columns_)
+    for (const Column& column : columns_) {
         excess += column.width + static_cast<int>(separator.size());
+    }
     while (excess > 0) {
         const auto widest =
             std::max_element(columns_.begin(), columns_.end(),
                              [](const Column& a, const Column& b) { return a.width < b.width; });
         int second = narrowestColumn;
         for (const Column& column : columns_) {
-            if (&column != &*widest)
+            if (&column != &*widest) {
                 second = std::max(second, std::min(column.width, widest->width - 1));
+            }
         }
         const int taken = std::min(excess, widest->width - second);
-        if (taken <= 0)
+        if (taken <= 0) {
             return;
+        }
         widest->width -= taken;
         excess -= taken;
     }
@@ -130,16 +143,18 @@ void TableWriter::fitIntoTerminal() {
 void TableWriter::writeHeader() {
     std::string& text = output_.text();
     for (std::size_t i = 0; i < columns_.size(); ++i) {
-        if (i != 0)
+        if (i != 0) {
             text += separator;
+        }
         const Column& column = columns_[i];
         writeCell({column.name, displayWidth(column.name), column.isNumeric}, column,
                   i + 1 == columns_.size());
     }
     text += '\n';
     for (std::size_t i = 0; i < columns_.size(); ++i) {
-        if (i != 0)
+        if (i != 0) {
             text += ruleSeparator;
+        }
         text.append(static_cast<std::size_t>(columns_[i].width), '-');
     }
     text += '\n';
@@ -149,8 +164,9 @@ void TableWriter::writeHeader() {
 void TableWriter::writeRow(const Cell* cells) {
     std::string& text = output_.text();
     for (std::size_t i = 0; i < columns_.size(); ++i) {
-        if (i != 0)
+        if (i != 0) {
             text += separator;
+        }
         writeCell(cells[i], columns_[i], i + 1 == columns_.size());
     }
     text += '\n';
@@ -169,11 +185,13 @@ void TableWriter::writeCell(const Cell& cell, const Column& column, bool isLast)
     }
     const auto padding = static_cast<std::size_t>(std::max(0, column.width - cell.width));
     const bool toTheRight = cell.isNumber || (cell.isNull && column.isNumeric);
-    if (toTheRight)
+    if (toTheRight) {
         text.append(padding, ' ');
+    }
     text += cell.text;
-    if (!toTheRight && !isLast)
+    if (!toTheRight && !isLast) {
         text.append(padding, ' ');
+    }
 }
 
 } // namespace orvane::shell

@@ -34,8 +34,9 @@ std::string commonStart(const std::vector<std::string>& candidates) {
 
 int charactersIn(const std::string& text) {
     int count = 0;
-    for (std::size_t position = 0; position < text.size(); ++count)
+    for (std::size_t position = 0; position < text.size(); ++count) {
         utf8::nextCharacter(text, position);
+    }
     return count;
 }
 
@@ -57,8 +58,9 @@ LineEditor::LineEditor(Interrupt& interrupt, std::string historyPath, Complete c
     HistEvent event;
     history(history_.get(), &event, H_SETSIZE, rememberedLines);
     history(history_.get(), &event, H_SETUNIQUE, 1);
-    if (!historyPath_.empty())
+    if (!historyPath_.empty()) {
         history(history_.get(), &event, H_LOAD, historyPath_.c_str());
+    }
 }
 
 LineEditor::Event LineEditor::read(const std::string& prompt, std::string& line) {
@@ -67,8 +69,9 @@ LineEditor::Event LineEditor::read(const std::string& prompt, std::string& line)
     // Before the prompt is seen: libedit does it after, and what is typed in between would be read as a
     // terminal in line mode reads it.
     el_set(edit_.get(), EL_PREP_TERM, 1);
-    if (::ioctl(STDIN_FILENO, FIONREAD, &typedAhead_) != 0)
+    if (::ioctl(STDIN_FILENO, FIONREAD, &typedAhead_) != 0) {
         typedAhead_ = 0;
+    }
     int length = 0;
     const char* const text = el_gets(edit_.get(), &length);
     if (cancelled_) {
@@ -76,22 +79,26 @@ LineEditor::Event LineEditor::read(const std::string& prompt, std::string& line)
         el_reset(edit_.get());
         return Event::Cancelled;
     }
-    if (!text || length <= 0)
+    if (!text || length <= 0) {
         return Event::End;
+    }
     line.assign(text, static_cast<std::size_t>(length));
-    while (!line.empty() && (line.back() == '\n' || line.back() == '\r'))
+    while (!line.empty() && (line.back() == '\n' || line.back() == '\r')) {
         line.pop_back();
+    }
     return Event::Line;
 }
 
 void LineEditor::remember(const std::string& text) {
-    if (text.empty())
+    if (text.empty()) {
         return;
+    }
     HistEvent event;
     history(history_.get(), &event, H_ENTER, text.c_str());
     // At once: a terminal that is closed ends the program without a last word.
-    if (!historyPath_.empty())
+    if (!historyPath_.empty()) {
         history(history_.get(), &event, H_SAVE, historyPath_.c_str());
+    }
 }
 
 LineEditor& LineEditor::self(EditLine* edit) {
@@ -111,8 +118,9 @@ int LineEditor::readCharacter(EditLine* edit, wchar_t* character) {
     while (true) {
         pollfd sources[] = {{STDIN_FILENO, POLLIN, 0}, {editor.interrupt_.descriptor(), POLLIN, 0}};
         if (::poll(sources, 2, -1) < 0) {
-            if (errno == EINTR)
+            if (errno == EINTR) {
                 continue; // the terminal has another size
+            }
             return -1;
         }
         if (sources[1].revents != 0) {
@@ -121,18 +129,21 @@ int LineEditor::readCharacter(EditLine* edit, wchar_t* character) {
             return 0;
         }
         char byte = 0;
-        if (::read(STDIN_FILENO, &byte, 1) <= 0)
+        if (::read(STDIN_FILENO, &byte, 1) <= 0) {
             return 0;
+        }
         // A Ctrl-D that was typed while the terminal was in line mode has become a zero.
-        if (editor.typedAhead_-- > 0 && byte == 0)
+        if (editor.typedAhead_-- > 0 && byte == 0) {
             byte = endOfInput;
+        }
         const std::size_t used = std::mbrtowc(character, &byte, 1, &state);
         if (used == static_cast<std::size_t>(-1)) {
             state = {}; // no UTF-8: left out
             continue;
         }
-        if (used != static_cast<std::size_t>(-2))
+        if (used != static_cast<std::size_t>(-2)) {
             return 1;
+        }
     }
 }
 
@@ -143,8 +154,9 @@ unsigned char LineEditor::completeWord(EditLine* edit, int) {
 unsigned char LineEditor::complete() {
     const LineInfo* const info = el_line(edit_.get());
     const Completion completion = complete_(std::string(info->buffer, info->cursor));
-    if (completion.candidates.empty())
+    if (completion.candidates.empty()) {
         return CC_REFRESH_BEEP;
+    }
     const bool isOnly = completion.candidates.size() == 1;
     const bool goesOn = !isOnly || completion.candidates.front().back() == '/'; // a directory
     const std::string text = commonStart(completion.candidates) + (goesOn ? "" : " ");
@@ -162,16 +174,18 @@ void LineEditor::listCandidates(const std::vector<std::string>& candidates) cons
     constexpr std::size_t shownAtMost = 200;
     const int lineWidth = terminalWidth() > 0 ? terminalWidth() : 80;
     int width = 0;
-    for (const std::string& candidate : candidates)
+    for (const std::string& candidate : candidates) {
         width = std::max(width, displayWidth(candidate) + 2);
+    }
     const auto perLine = static_cast<std::size_t>(std::max(1, lineWidth / width));
     std::string text = "\n";
     for (std::size_t i = 0; i < std::min(candidates.size(), shownAtMost); ++i) {
         text += candidates[i];
         const bool endsLine = (i + 1) % perLine == 0;
         text.append(endsLine ? 0 : static_cast<std::size_t>(width - displayWidth(candidates[i])), ' ');
-        if (endsLine)
+        if (endsLine) {
             text += '\n';
+        }
     }
     text += candidates.size() > shownAtMost ? "...\n" : "\n";
     std::fputs(text.c_str(), stdout);

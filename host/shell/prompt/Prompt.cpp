@@ -19,8 +19,9 @@ namespace {
 std::string historyPath() {
     const QString directory =
         QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + QStringLiteral("/orvane");
-    if (!QDir().mkpath(directory))
+    if (!QDir().mkpath(directory)) {
         return {};
+    }
     return (directory + QStringLiteral("/history")).toStdString();
 }
 
@@ -55,19 +56,22 @@ void runPrompt(Session& session, StatementRunner& runner, Output& output, Interr
         if (event != LineEditor::Event::Line) {
             editor.remember(historyEntry(text)); // what was typed so far can be taken up again
             text.clear();
-            if (event == LineEditor::Event::End)
+            if (event == LineEditor::Event::End) {
                 break;
+            }
             continue;
         }
         if (text.empty() && line.rfind('.', 0) == 0) {
             editor.remember(historyEntry(line));
-            if (!commands.run(QString::fromStdString(line).trimmed()))
+            if (!commands.run(QString::fromStdString(line).trimmed())) {
                 return;
+            }
             continue;
         }
         text += line + '\n';
-        if (!isComplete(text, line))
+        if (!isComplete(text, line)) {
             continue;
+        }
         editor.remember(historyEntry(text));
         runner.settings().writer.terminalWidth = terminalWidth(); // the user may have changed it
         runner.run({QString(), text});

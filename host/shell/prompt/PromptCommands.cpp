@@ -84,8 +84,9 @@ const std::vector<PromptCommands::Command>& PromptCommands::commands() {
 
 QStringList PromptCommands::names() {
     QStringList names;
-    for (const Command& command : commands())
+    for (const Command& command : commands()) {
         names += QLatin1String(command.name);
+    }
     return names;
 }
 
@@ -100,10 +101,12 @@ PromptCommands::Argument PromptCommands::argumentOf(const QString& name) {
 bool PromptCommands::run(const QString& line) {
     const QString name = line.section(QLatin1Char(' '), 0, 0);
     for (const Command& command : commands()) {
-        if (name.compare(QLatin1String(command.name), Qt::CaseInsensitive) != 0)
+        if (name.compare(QLatin1String(command.name), Qt::CaseInsensitive) != 0) {
             continue;
-        if (!command.run)
+        }
+        if (!command.run) {
             return false;
+        }
         (this->*command.run)(line.mid(name.size()).trimmed());
         output_.commit();
         return true;
@@ -134,8 +137,9 @@ void PromptCommands::showSchema(const QString& name) {
     bool found = false;
     for (const auto& object : session_.catalog().dataObjects()) {
         const auto* table = qobject_cast<const dp::Table*>(object.get());
-        if (!table || (!name.isEmpty() && name.compare(table->name(), Qt::CaseInsensitive) != 0))
+        if (!table || (!name.isEmpty() && name.compare(table->name(), Qt::CaseInsensitive) != 0)) {
             continue;
+        }
         found = true;
         printLine(table->name());
         const auto schema = table->schema();
@@ -145,8 +149,9 @@ void PromptCommands::showSchema(const QString& name) {
                           .arg(isGeometry ? QStringLiteral("obj") : attribute->name(), typeName(*attribute)));
         }
     }
-    if (!found && !name.isEmpty())
+    if (!found && !name.isEmpty()) {
         printError(Shell::tr("нет таблицы «%0»").arg(name));
+    }
 }
 
 void PromptCommands::showFunctions(const QString& pattern) {
@@ -155,8 +160,9 @@ void PromptCommands::showFunctions(const QString& pattern) {
         const QString signature = QString::fromUtf8(record.signature);
         const QString summary = QString::fromUtf8(record.summary);
         if (!signature.contains(pattern, Qt::CaseInsensitive) &&
-            !summary.contains(pattern, Qt::CaseInsensitive))
+            !summary.contains(pattern, Qt::CaseInsensitive)) {
             continue;
+        }
         if (group != QLatin1String(record.group)) {
             group = QLatin1String(record.group);
             printLine(group);
@@ -167,20 +173,22 @@ void PromptCommands::showFunctions(const QString& pattern) {
 
 void PromptCommands::showHelp(const QString& topic) {
     if (topic.isEmpty()) {
-        for (const Command& command : commands())
+        for (const Command& command : commands()) {
             printLine(QStringLiteral("%0 %1  %2")
                           .arg(QLatin1String(command.name), QLatin1String(command.argument),
                                Shell::tr(command.summary)));
+        }
         printLine(Shell::tr(
             "Запрос кончается точкой с запятой или пустой строкой. Tab дополняет слово, Ctrl-C прерывает "
             "запрос, Ctrl-D завершает работу."));
         return;
     }
     const std::string help = adaptor::functionHelp(topic.toStdString());
-    if (help.empty())
+    if (help.empty()) {
         printError(Shell::tr("описания «%0» нет").arg(topic));
-    else
+    } else {
         printLine(QString::fromStdString(help).chopped(1));
+    }
 }
 
 void PromptCommands::showTranslation(const QString& statement) {
@@ -201,18 +209,20 @@ void PromptCommands::explain(const QString& statement) {
 
 void PromptCommands::open(const QString& source) {
     try {
-        if (source.contains(QLatin1Char('=')))
+        if (source.contains(QLatin1Char('='))) {
             session_.openTable(parseTable(source.toStdString()));
-        else
+        } else {
             session_.openFile(source);
+        }
     } catch (const UsageError& error) {
         printError(QString::fromUtf8(error.what()));
     }
 }
 
 void PromptCommands::close(const QString& table) {
-    if (!session_.closeTable(table))
+    if (!session_.closeTable(table)) {
         printError(Shell::tr("нет таблицы «%0»").arg(table));
+    }
 }
 
 } // namespace orvane::shell

@@ -23,8 +23,9 @@ std::vector<std::string> beginningWith(const std::wstring& start, const QStringL
     QStringList fitting;
     const QString prefix = sql::fromSqlString(start);
     for (const QString& name : names) {
-        if (name.startsWith(prefix, Qt::CaseInsensitive))
+        if (name.startsWith(prefix, Qt::CaseInsensitive)) {
             fitting += name;
+        }
     }
     fitting.sort(Qt::CaseInsensitive);
     fitting.erase(std::unique(fitting.begin(), fitting.end(),
@@ -33,16 +34,18 @@ std::vector<std::string> beginningWith(const std::wstring& start, const QStringL
                               }),
                   fitting.end());
     std::vector<std::string> candidates;
-    for (const QString& name : fitting)
+    for (const QString& name : fitting) {
         candidates.push_back(name.toStdString());
+    }
     return candidates;
 }
 
 /// As a statement may use it.
 QString quotedWhereNeeded(const QString& name) {
     const std::wstring text = sql::toSqlString(name);
-    if (sql::isPlainName(text) && !sql::isReserved(sql::findKeyword(text)))
+    if (sql::isPlainName(text) && !sql::isReserved(sql::findKeyword(text))) {
         return name;
+    }
     return utils::sqlIdentifier(name);
 }
 
@@ -54,15 +57,17 @@ QStringList quotedWhereNeeded(QStringList names) {
 
 QStringList keywords() {
     QStringList words;
-    for (int keyword = 1; keyword < sql::keywordCount; ++keyword)
+    for (int keyword = 1; keyword < sql::keywordCount; ++keyword) {
         words += sql::fromSqlString(std::wstring(sql::spelling(static_cast<sql::Keyword>(keyword))));
+    }
     return words;
 }
 
 QStringList columnsOf(const QStringList& tables, const Names& names) {
     QStringList columns;
-    for (const QString& table : tables)
+    for (const QString& table : tables) {
         columns += names.columns(table);
+    }
     return columns;
 }
 
@@ -74,8 +79,9 @@ QStringList filesBeginningWith(const QString& path) {
     const auto entries =
         QDir(directory.isEmpty() ? QStringLiteral(".") : directory)
             .entryInfoList({path.mid(nameStart) + QLatin1Char('*')}, QDir::AllEntries | QDir::NoDotAndDotDot);
-    for (const QFileInfo& entry : entries)
+    for (const QFileInfo& entry : entries) {
         names += directory + entry.fileName() + (entry.isDir() ? QStringLiteral("/") : QString());
+    }
     return names;
 }
 
@@ -98,8 +104,9 @@ Completion completeArgument(PromptCommands::Argument kind, const QString& argume
 Completion completeLine(const std::string& line, const Names& names) {
     const QString text = QString::fromStdString(line);
     const int blank = text.indexOf(QLatin1Char(' '));
-    if (!text.startsWith(QLatin1Char('.')) || blank < 0)
+    if (!text.startsWith(QLatin1Char('.')) || blank < 0) {
         return completeStatement(line, names);
+    }
     const auto kind = PromptCommands::argumentOf(text.left(blank));
     const QString argument = text.mid(blank + 1);
     return kind == PromptCommands::Argument::Statement ? completeStatement(argument.toStdString(), names)
@@ -109,8 +116,9 @@ Completion completeLine(const std::string& line, const Names& names) {
 Completion completeStatement(const std::string& statement, const Names& names) {
     const sql::TokenizedText text = sql::tokenize(statement);
     std::size_t start = text.source.size();
-    while (start > 0 && sql::isNamePart(text.source[start - 1]))
+    while (start > 0 && sql::isNamePart(text.source[start - 1])) {
         --start;
+    }
     const std::wstring word = text.source.substr(start);
     const bool isQualified = start > 0 && text.source[start - 1] == L'.';
     if (isQualified && start == 1) {
@@ -124,8 +132,9 @@ Completion completeStatement(const std::string& statement, const Names& names) {
         // The qualifier is the token before the dot.
         QString qualifier;
         for (const sql::Token& token : text.tokens) {
-            if (token.offset + token.length == start - 1)
+            if (token.offset + token.length == start - 1) {
                 qualifier = sql::fromSqlString(text.value(token));
+            }
         }
         // An alias is often used before the user has come to From.
         const QString table = used.tableBehind(qualifier);

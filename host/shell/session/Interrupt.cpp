@@ -56,10 +56,12 @@ void Interrupt::wait() {
     const sigset_t signals = cancellingSignals();
     while (true) {
         int signal = 0;
-        if (sigwait(&signals, &signal) != 0)
+        if (sigwait(&signals, &signal) != 0) {
             continue;
-        if (ending_)
+        }
+        if (ending_) {
             return;
+        }
         requested_ = true;
         ::eventfd_write(descriptor_, 1);
         cancelUntilDone();
@@ -72,19 +74,22 @@ void Interrupt::cancelUntilDone() {
     while (requested_ && !ending_) {
         {
             const std::lock_guard lock(mutex_);
-            if (cancel_)
+            if (cancel_) {
                 cancel_();
+            }
         }
-        if (exitsWhenStuck_ && steady_clock::now() - start > milliseconds(70))
+        if (exitsWhenStuck_ && steady_clock::now() - start > milliseconds(70)) {
             exitNow();
+        }
         std::this_thread::sleep_for(milliseconds(2));
     }
 }
 
 void Interrupt::exitNow() {
     const std::lock_guard lock(mutex_);
-    if (cleanUp_)
+    if (cleanUp_) {
         cleanUp_();
+    }
     std::fprintf(stderr, "orvane: %s\n", Shell::tr("прервано").toUtf8().constData());
     ::_exit(Interrupted);
 }

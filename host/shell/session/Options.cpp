@@ -46,11 +46,13 @@ std::string text(const QString& translated) {
 
 template<typename Value>
 Value oneOf(const std::map<std::string, Value>& values, const std::string& word, const char* option) {
-    if (const auto found = values.find(word); found != values.end())
+    if (const auto found = values.find(word); found != values.end()) {
         return found->second;
+    }
     QStringList known;
-    for (const auto& [name, value] : values)
+    for (const auto& [name, value] : values) {
         known += QString::fromStdString(name);
+    }
     throw UsageError(Shell::tr("%0: значения «%1» нет, возможны %2")
                          .arg(QString::fromLatin1(option), QString::fromStdString(word),
                               known.join(QStringLiteral(", "))));
@@ -64,26 +66,30 @@ bool isQuery(const std::string& argument) {
 
 /// TABLE=ID,ID,... or a query; the name may hold equals signs of its own.
 SelectionSource parseSelection(const std::string& argument) {
-    if (isQuery(argument))
+    if (isQuery(argument)) {
         return {{}, {}, argument};
+    }
     const std::size_t equals = argument.rfind('=');
     const auto fail = [&argument] {
         throw UsageError(Shell::tr("--select: ожидается ТАБЛИЦА=НОМЕР,НОМЕР,... или Select, а не «%0»")
                              .arg(QString::fromStdString(argument)));
     };
-    if (equals == std::string::npos || equals == 0)
+    if (equals == std::string::npos || equals == 0) {
         fail();
+    }
     SelectionSource selection{QString::fromStdString(argument.substr(0, equals)), {}, {}};
     const char* const end = argument.data() + argument.size();
     for (const char* position = argument.data() + equals + 1;; ++position) {
         qint64 id = 0;
         const auto [next, error] = std::from_chars(position, end, id);
-        if (error != std::errc() || (next != end && *next != ','))
+        if (error != std::errc() || (next != end && *next != ',')) {
             fail();
+        }
         selection.ids.push_back(id);
         position = next;
-        if (position == end)
+        if (position == end) {
             return selection;
+        }
     }
 }
 
@@ -94,10 +100,11 @@ std::vector<StatementSource> inOrder(const CLI::App& app, const CLI::Option* com
     std::size_t commands = 0;
     std::size_t scripts = 0;
     for (const CLI::Option* option : app.parse_order()) {
-        if (option == command)
+        if (option == command) {
             statements.push_back({StatementSource::Command, raw.commands.at(commands++)});
-        else if (option == script)
+        } else if (option == script) {
             statements.push_back({StatementSource::Script, raw.scripts.at(scripts++)});
+        }
     }
     return statements;
 }
@@ -106,12 +113,14 @@ std::vector<StatementSource> inOrder(const CLI::App& app, const CLI::Option* com
 UsageError usageError(const CLI::ParseError& error) {
     const QString details = QString::fromStdString(error.what());
     const QString hint = Shell::tr("справка: orvane --help");
-    if (dynamic_cast<const CLI::ExtrasError*>(&error))
+    if (dynamic_cast<const CLI::ExtrasError*>(&error)) {
         return UsageError(
             Shell::tr("неизвестные параметры: %0; %1").arg(details.section(QStringLiteral(": "), 1), hint));
-    if (dynamic_cast<const CLI::ArgumentMismatch*>(&error))
+    }
+    if (dynamic_cast<const CLI::ArgumentMismatch*>(&error)) {
         return UsageError(Shell::tr("параметру %0 нужно одно значение; %1")
                               .arg(details.section(QLatin1Char(':'), 0, 0), hint));
+    }
     return UsageError(QStringLiteral("%0; %1").arg(details, hint));
 }
 
@@ -125,24 +134,28 @@ void requireFittingEnding(const QString& path, const std::string& format) {
         {"geojson", {QStringLiteral("geojson"), QStringLiteral("json")}}};
     // Those that people expect to hold tables, layers or pictures.
     static const QStringList otherFormats =
-        QStringLiteral("arrow avro bmp csv db dbf dgn dwg dxf e00 feather fgb gdb geojson geojsonl geojsons gif "
-                       "gml gmt gpkg gpx gz jpeg jpg json jsonl kml kmz mbtiles mdb mid mif mvt nc ods parquet "
-                       "pdf png prj rar shp shx shz sqlite sqlite3 svg tab tif tiff topojson vrt wkb xls xlsm "
-                       "xlsx xml zip 7z")
+        QStringLiteral(
+            "arrow avro bmp csv db dbf dgn dwg dxf e00 feather fgb gdb geojson geojsonl geojsons gif "
+            "gml gmt gpkg gpx gz jpeg jpg json jsonl kml kmz mbtiles mdb mid mif mvt nc ods parquet "
+            "pdf png prj rar shp shx shz sqlite sqlite3 svg tab tif tiff topojson vrt wkb xls xlsm "
+            "xlsx xml zip 7z")
             .split(QLatin1Char(' '));
     const QString ending = QFileInfo(path).suffix().toLower();
     const auto chosen = endings.find(format);
     const bool fits = format.empty() ? files::ResultFile::isKnown(path)
                                      : chosen != endings.end() && chosen->second.contains(ending);
-    if (fits || !otherFormats.contains(ending))
+    if (fits || !otherFormats.contains(ending)) {
         return;
-    if (!format.empty())
+    }
+    if (!format.empty()) {
         throw UsageError(Shell::tr("--output: ответ вида %0 не записать в файл .%1")
                              .arg(QString::fromStdString(format), ending));
+    }
     QStringList known = files::ResultFile::endings();
     for (const auto& [name, own] : endings) {
-        for (const QString& each : own)
+        for (const QString& each : own) {
             known += QStringLiteral(".%0 (--format %1)").arg(each, QString::fromStdString(name));
+        }
     }
     throw UsageError(Shell::tr("--output: файлы .%0 не пишутся; пишутся %1")
                          .arg(ending, known.join(QStringLiteral(", "))));
@@ -150,12 +163,15 @@ void requireFittingEnding(const QString& path, const std::string& format) {
 
 /// What --help-function prints. Throws UsageError for a function that has no description.
 std::string describeFunction(const std::string& name) {
-    if (std::string help = adaptor::functionHelp(name); !help.empty())
+    if (std::string help = adaptor::functionHelp(name); !help.empty()) {
         return help;
+    }
     QStringList known;
-    for (const adaptor::FunctionRecord& record : adaptor::allFunctionRecords())
-        for (const char* called : record.names())
+    for (const adaptor::FunctionRecord& record : adaptor::allFunctionRecords()) {
+        for (const char* called : record.names()) {
             known += QString::fromUtf8(called);
+        }
+    }
     const QString asked = QString::fromStdString(name);
     const QString nearest = nearestName(asked, known);
     throw UsageError(nearest.isEmpty()
@@ -168,10 +184,12 @@ std::string describeFunction(const std::string& name) {
 QString localeOption(int argc, const char* const* argv) {
     for (int i = 1; i < argc; ++i) {
         const std::string_view argument = argv[i];
-        if (argument == "--locale" && i + 1 < argc)
+        if (argument == "--locale" && i + 1 < argc) {
             return QString::fromUtf8(argv[i + 1]);
-        if (argument.substr(0, 9) == "--locale=")
+        }
+        if (argument.substr(0, 9) == "--locale=") {
             return QString::fromUtf8(argv[i] + 9);
+        }
     }
     return {};
 }
@@ -184,8 +202,9 @@ TableSource parseTable(const std::string& argument) {
     source.name = whole.left(equals);
     source.path = whole.mid(equals + 1, bar > equals ? bar - equals - 1 : -1);
     source.layer = bar > equals ? whole.mid(bar + 1) : QString();
-    if (equals < 1 || source.path.isEmpty())
+    if (equals < 1 || source.path.isEmpty()) {
         throw UsageError(Shell::tr("--table: ожидается ИМЯ=ФАЙЛ или ИМЯ=ФАЙЛ|СЛОЙ, а не «%0»").arg(whole));
+    }
     return source;
 }
 
@@ -257,24 +276,30 @@ std::optional<Options> parseOptions(int argc, const char* const* argv) {
     }
 
     Options options;
-    for (const auto& file : raw.files)
+    for (const auto& file : raw.files) {
         options.files.push_back(QString::fromStdString(file));
-    for (const auto& table : raw.tables)
+    }
+    for (const auto& table : raw.tables) {
         options.tables.push_back(parseTable(table));
+    }
     options.statements = inOrder(app, command, script, raw);
-    if (selection->count() != 0)
+    if (selection->count() != 0) {
         options.selection = parseSelection(raw.selection);
+    }
     options.format = oneOf(formats, raw.format, "--format");
-    if (output->count() != 0 && raw.output != "-") // standard output, as everywhere
+    if (output->count() != 0 && raw.output != "-") { // standard output, as everywhere
         options.outputPath = raw.output;
+    }
     options.overwrite = raw.overwrite;
-    if (options.outputPath && !raw.translate)
+    if (options.outputPath && !raw.translate) {
         requireFittingEnding(QString::fromStdString(raw.output), format->count() != 0 ? raw.format : "");
+    }
     options.outputIsData = options.outputPath && format->count() == 0 && !raw.translate &&
                            files::ResultFile::isKnown(QString::fromStdString(raw.output)) &&
                            !raw.output.starts_with("/dev/");
-    if (null->count() != 0)
+    if (null->count() != 0) {
         options.nullText = raw.null;
+    }
     options.header = !raw.noHeader;
     options.translateOnly = raw.translate;
     options.sqlite = raw.sqlite;

@@ -59,17 +59,21 @@ Session::~Session() {
 
 void Session::open(const Options& options) {
     apply(options);
-    for (const QString& path : options.files)
+    for (const QString& path : options.files) {
         openFile(path);
-    for (const TableSource& table : options.tables)
+    }
+    for (const TableSource& table : options.tables) {
         openTable(table);
-    if (options.selection)
+    }
+    if (options.selection) {
         select(*options.selection);
+    }
 }
 
 void Session::apply(const Options& options) {
-    if (!options.indexDirectory.isEmpty() && !QFileInfo(options.indexDirectory).isDir())
+    if (!options.indexDirectory.isEmpty() && !QFileInfo(options.indexDirectory).isDir()) {
         throw UsageError(Shell::tr("--index-directory: нет папки «%0»").arg(options.indexDirectory));
+    }
     settings_->setValue(DefaultSettingsList::IndexDirectory, options.indexDirectory);
     settings_->setValue(DefaultSettingsList::NoAttributeIndices, options.noIndices);
     engine_->cache()->setUseGaiaCache(options.memo);
@@ -87,25 +91,29 @@ void Session::openTable(const TableSource& source) {
     const auto tables = openLayers(whole);
     if (tables.size() != 1) {
         QStringList layers;
-        for (const auto& table : tables)
+        for (const auto& table : tables) {
             layers += table->name();
+        }
         throw UsageError(
             Shell::tr("%0: выберите один из слоёв: %1").arg(source.path, layers.join(QStringLiteral(", "))));
     }
     tables.front()->setName(source.name);
-    if (!catalog_.add(tables.front()))
+    if (!catalog_.add(tables.front())) {
         throw UsageError(Shell::tr("имя таблицы «%0» уже занято").arg(source.name));
+    }
     makeVirtualTables();
 }
 
 void Session::select(const SelectionSource& source) {
-    if (!source.query.empty())
+    if (!source.query.empty()) {
         return select(source.query);
+    }
     const auto object = catalog_.dataObject(source.table);
     if (!object) {
         QStringList known;
-        for (const auto& other : catalog_.dataObjects())
+        for (const auto& other : catalog_.dataObjects()) {
             known += other->name();
+        }
         const QString nearest = nearestName(source.table, known);
         throw UsageError(nearest.isEmpty()
                              ? Shell::tr("--select: нет таблицы «%0»").arg(source.table)
@@ -113,8 +121,9 @@ void Session::select(const SelectionSource& source) {
                                    .arg(source.table, nearest));
     }
     std::vector<dp::FeatureId> ids;
-    for (const qint64 id : source.ids)
+    for (const qint64 id : source.ids) {
         ids.emplace_back(QVariant(id));
+    }
     catalog_.setSelection({object, std::move(ids)});
 }
 
@@ -134,8 +143,9 @@ void Session::select(const std::string& query) {
 
 void Session::addResult(const QString& name, files::ResultRows& rows) {
     if (dp::DataObject::makeValidObjectName(name) != name ||
-        name.compare(dp::DataCatalogWithSelection::selectionTableName(), Qt::CaseInsensitive) == 0)
+        name.compare(dp::DataCatalogWithSelection::selectionTableName(), Qt::CaseInsensitive) == 0) {
         throw std::runtime_error(Shell::tr("таблица не может называться «%0»").arg(name).toStdString());
+    }
     files::addResultTable(catalog_, name, rows);
     try {
         makeVirtualTables();
@@ -147,8 +157,9 @@ void Session::addResult(const QString& name, files::ResultRows& rows) {
 
 bool Session::closeTable(const QString& name) {
     const auto object = catalog_.dataObject(name);
-    if (!object || !catalog_.close(object->name()))
+    if (!object || !catalog_.close(object->name())) {
         return false;
+    }
     QCoreApplication::sendPostedEvents();
     return true;
 }

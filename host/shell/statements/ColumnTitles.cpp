@@ -18,13 +18,16 @@ using namespace sql;
 /// which there is nothing but a query stands for the columns of that one.
 ast::NodeList resultColumns(const ast::NodePtr& query) {
     const ast::QuerySpecification* select = ast::firstSelect(query.get());
-    if (!select)
+    if (!select) {
         return {};
+    }
     const auto* only =
         select->columns.size() == 1 ? ast::nodeAs<ast::DerivedColumn>(select->columns.front()) : nullptr;
     const auto* derived = ast::nodeAs<ast::DerivedTable>(ast::onlySource(*select));
-    if (only && derived && derived->columns.empty() && ast::nodeAs<ast::QualifiedAsterisk>(only->expression))
+    if (only && derived && derived->columns.empty() &&
+        ast::nodeAs<ast::QualifiedAsterisk>(only->expression)) {
         return resultColumns(derived->query);
+    }
     return select->columns;
 }
 
@@ -40,8 +43,9 @@ std::vector<const ast::DerivedColumn*> columnSources(const ast::NodePtr& query, 
     std::vector<const ast::DerivedColumn*> sources(count);
     const auto first = std::find_if(list.begin(), list.end(), isAsterisk);
     const auto last = std::find_if(list.rbegin(), list.rend(), isAsterisk);
-    if (list.size() > count + 1 || (first == list.end() && list.size() != count))
+    if (list.size() > count + 1 || (first == list.end() && list.size() != count)) {
         return sources;
+    }
     const auto column = [](const ast::NodePtr& node) { return ast::nodeAs<ast::DerivedColumn>(node); };
     std::transform(list.begin(), first, sources.begin(), column);
     std::transform(list.rbegin(), last, sources.rbegin(), column);
@@ -54,8 +58,9 @@ QString writtenText(const ParseResult& statement, ast::SourceRange place) {
 }
 
 QString titleOf(const ast::DerivedColumn& column, const QString& sqliteName, const ParseResult& statement) {
-    if (!column.alias.empty())
+    if (!column.alias.empty()) {
         return fromSqlString(column.alias);
+    }
     if (const auto* reference = ast::nodeAs<ast::ColumnReference>(column.expression)) {
         // The table's own spelling, where SQLite knows it.
         const QString name = fromSqlString(reference->name);
@@ -68,8 +73,9 @@ QString titleOf(const ast::DerivedColumn& column, const QString& sqliteName, con
 
 std::vector<std::string> columnTitles(sqlite3_stmt* prepared, const ParseResult& statement) {
     const auto count = static_cast<std::size_t>(sqlite3_column_count(prepared));
-    if (statement.isExpression())
+    if (statement.isExpression()) {
         return {writtenText(statement, statement.node()->place).toStdString()};
+    }
     const std::vector<const ast::DerivedColumn*> sources = columnSources(statement.node(), count);
     std::vector<std::string> titles;
     for (std::size_t column = 0; column < count; ++column) {

@@ -45,15 +45,17 @@ Problem problemOf(const sql::SqlError& error) {
         const QString prefix =
             QCoreApplication::translate("orvane::sql", "строка %0, столбец %1: %2")
                 .arg(QString::number(place->line), QString::number(place->column), QString());
-        if (problem.message.startsWith(prefix))
+        if (problem.message.startsWith(prefix)) {
             problem.message.remove(0, prefix.size());
+        }
     }
     return problem;
 }
 
 void printNotes(const QStringList& notes) {
-    for (const QString& note : notes)
+    for (const QString& note : notes) {
         std::fprintf(stderr, "orvane: %s\n", note.toUtf8().constData());
+    }
 }
 
 /// Where the first node stands that fits.
@@ -64,8 +66,9 @@ std::optional<TextPlace> placeOf(const sql::ParseResult& statement,
         found = !found && fits(node) ? &node : found;
         return !found;
     });
-    if (!found)
+    if (!found) {
         return std::nullopt;
+    }
     const sql::TextPosition position = sql::positionIn(statement.source(), found->place.offset);
     return TextPlace{position.line, position.column, static_cast<int>(found->place.length)};
 }
@@ -94,8 +97,9 @@ Outcome StatementRunner::run(const StatementText& text) {
     }
     for (const sql::ScriptStatement& part : sql::splitScript(text.text)) {
         Statement statement{text, part.text, {part.line, part.column, 1}};
-        if (const Outcome outcome = runDialect(statement); outcome != Outcome::Done)
+        if (const Outcome outcome = runDialect(statement); outcome != Outcome::Done) {
             return outcome;
+        }
     }
     return Outcome::Done;
 }
@@ -103,10 +107,12 @@ Outcome StatementRunner::run(const StatementText& text) {
 Outcome StatementRunner::runDialect(Statement& statement) {
     const std::string sqliteText = translate(statement);
     statement.times.translateMs = millisecondsSince(statement.times.begin);
-    if (sqliteText.empty())
+    if (sqliteText.empty()) {
         return Outcome::Failed;
-    if (!settings_.translateOnly)
+    }
+    if (!settings_.translateOnly) {
         return runSqlite(statement, sqliteText);
+    }
     output_.text() += sqliteText;
     output_.text() += '\n';
     return finish(statement);
@@ -130,8 +136,9 @@ std::string StatementRunner::translate(Statement& statement) {
         fail(statement, std::move(problem));
         return {};
     }
-    if (!readInto(statement, builder))
+    if (!readInto(statement, builder)) {
         return {};
+    }
     const std::string text = sql::toUtf8(builder.query());
     // An expression by itself is a question for its value.
     return builder.isExpression() ? "Select " + text : text;
@@ -140,8 +147,9 @@ std::string StatementRunner::translate(Statement& statement) {
 bool StatementRunner::readInto(Statement& statement, const engine::SqliteStringBuilder& builder) {
     const bool isFile = !builder.intoFile().empty();
     const std::wstring& name = isFile ? builder.intoFile() : builder.intoTable();
-    if (name.empty())
+    if (name.empty()) {
         return true;
+    }
     IntoTarget into{sql::fromSqlString(name), isFile, placeOf(statement.parsed.result(), isInto)};
     if (!isFile && session_.names().tables().contains(into.name, Qt::CaseInsensitive)) {
         fail(statement, {Shell::tr("таблица «%1» уже есть").arg(into.name), into.place});
@@ -166,8 +174,9 @@ std::unique_ptr<ResultWriter> StatementRunner::makeWriter(const Statement& state
             session_.addResult(name, rows);
         };
     } else if (settings_.dataFile) {
-        if (std::exchange(dataFileIsTaken_, true))
+        if (std::exchange(dataFileIsTaken_, true)) {
             throw DataError(Shell::tr("в файл данных записывается только один ответ").toStdString());
+        }
         target = [this](files::ResultRows& rows) { printNotes(settings_.dataFile->write(rows)); };
     } else {
         return makeResultWriter(settings_.writer, output_);
@@ -183,26 +192,31 @@ Outcome StatementRunner::runSqlite(Statement& statement, const std::string& sqli
         QCoreApplication::sendPostedEvents(); // the statement before may have been a rollback
         const auto offset = static_cast<std::size_t>(rest - begin);
         std::optional<adaptor::StatementExplanation> explanation;
-        if (settings_.explain)
+        if (settings_.explain) {
             explanation.emplace(session_.database(),
                                 std::string_view(rest, static_cast<std::size_t>(end - rest)));
+        }
         const auto prepareBegin = Clock::now();
         sqlite3_stmt* handle = nullptr;
         const int code =
             sqlite3_prepare_v2(session_.database(), rest, static_cast<int>(end - rest), &handle, &rest);
         const PreparedStatement prepared(handle);
         statement.times.prepareMs += millisecondsSince(prepareBegin);
-        if (code != SQLITE_OK)
+        if (code != SQLITE_OK) {
             return failSqlite(statement, sqliteText, offset);
-        if (!prepared)
+        }
+        if (!prepared) {
             continue; // a comment or nothing
-        if (const Outcome outcome = execute(statement, prepared.get()); outcome == Outcome::Failed)
+        }
+        if (const Outcome outcome = execute(statement, prepared.get()); outcome == Outcome::Failed) {
             return statement.problem ? fail(statement, *statement.problem)
                                      : failSqlite(statement, sqliteText, offset);
-        else if (outcome == Outcome::Cancelled)
+        } else if (outcome == Outcome::Cancelled) {
             return cancel();
-        if (explanation)
+        }
+        if (explanation) {
             statement.explanation += explanation->lines();
+        }
         if (settings_.sqlite) {
             finish(statement);
             statement.times = Times();
@@ -222,16 +236,18 @@ Outcome StatementRunner::execute(Statement& statement, sqlite3_stmt* prepared) {
                                                 : std::vector<std::string>());
         }
         code = writeRows(statement, prepared, writer.get());
-        if (writer && code == SQLITE_DONE && !interrupt_.requested())
+        if (writer && code == SQLITE_DONE && !interrupt_.requested()) {
             writer->end();
+        }
     } catch (const OutputError&) {
         throw; // no statement is at fault
     } catch (const std::runtime_error& error) {
         statement.problem = {QString::fromUtf8(error.what()),
                              statement.into ? statement.into->place : std::nullopt};
     }
-    if (code == SQLITE_INTERRUPT || interrupt_.requested())
+    if (code == SQLITE_INTERRUPT || interrupt_.requested()) {
         return Outcome::Cancelled;
+    }
     return code == SQLITE_DONE && !statement.problem ? Outcome::Done : Outcome::Failed;
 }
 
@@ -242,8 +258,9 @@ int StatementRunner::writeRows(Statement& statement, sqlite3_stmt* prepared, Res
     while (!interrupt_.requested() && (code = sqlite3_step(prepared)) == SQLITE_ROW) {
         if (statement.times.rows++ == 0) {
             statement.times.firstRowMs = millisecondsSince(statement.times.begin);
-            if (output_.isLive())
+            if (output_.isLive()) {
                 progress.stop(); // rows show that it goes on
+            }
         }
         progress.setRows(statement.times.rows);
         writer->row(row);
@@ -255,8 +272,9 @@ Outcome StatementRunner::finish(Statement& statement) {
     output_.commit();
     const Times& times = statement.times;
     const double totalMs = millisecondsSince(times.begin);
-    for (const QString& line : statement.explanation)
+    for (const QString& line : statement.explanation) {
         std::fprintf(stderr, "%s\n", line.toUtf8().constData());
+    }
     if (settings_.timing) {
         std::fprintf(stderr, "translate_ms=%.3f prepare_ms=%.3f first_row_ms=%.3f total_ms=%.3f rows=%lld\n",
                      times.translateMs, times.prepareMs, times.rows != 0 ? times.firstRowMs : totalMs,
@@ -269,8 +287,9 @@ Outcome StatementRunner::failSqlite(const Statement& statement, const std::strin
                                     std::size_t offset) {
     const QString message = QString::fromUtf8(sqlite3_errmsg(session_.database()));
     const int errorOffset = sqlite3_error_offset(session_.database());
-    if (sqlite3_errcode(session_.database()) == SQLITE_INTERRUPT)
+    if (sqlite3_errcode(session_.database()) == SQLITE_INTERRUPT) {
         return cancel();
+    }
     const sql::TokenizedText userText = sql::tokenize(statement.text);
     const Names names = session_.names();
     const SqliteErrors errors(userText, statement.parsed.tables(), sqliteText,
@@ -280,8 +299,9 @@ Outcome StatementRunner::failSqlite(const Statement& statement, const std::strin
 
 Outcome StatementRunner::fail(const Statement& statement, Problem problem) {
     output_.discard();
-    if (problem.place)
+    if (problem.place) {
         problem.place = placeInText(*problem.place, statement.start);
+    }
     const std::string message = describe(problem, statement.source);
     std::fwrite(message.data(), 1, message.size(), stderr);
     return Outcome::Failed;

@@ -27,8 +27,9 @@ protected:
         auto request = requestOf({attribute});
         const auto cursor = table.openCursor(request);
         qint64 total = 0;
-        while (cursor->next())
+        while (cursor->next()) {
             total += cursor->cell(attribute).isNull() ? 0 : cursor->cell(attribute).integer();
+        }
         return total;
     }
 
@@ -60,8 +61,9 @@ TEST_F(Cache, anUnfinishedScanHoldsNoBytes) {
     {
         auto request = requestOf({1, 2, 3});
         const auto cursor = table->openCursor(request);
-        for (int row = 0; row < 20000; ++row)
+        for (int row = 0; row < 20000; ++row) {
             ASSERT_TRUE(cursor->next());
+        }
     }
     EXPECT_EQ(cache().bytes(), before);
 }
@@ -80,10 +82,11 @@ TEST_F(Cache, columnsOfSeveralScansBelongToTheSameRows) {
     const auto cached = cache().find(table->revision(), request.attributes);
     ASSERT_TRUE(cached);
     const auto rows = readRows(*table, request);
-    for (const int n : {0, 1, 8191, 8192, 29999})
+    for (const int n : {0, 1, 8191, 8192, 29999}) {
         EXPECT_EQ(rows[static_cast<std::size_t>(n)],
                   (std::vector<std::string>{"i:" + std::to_string(n), describeCell(dp::Cell::ofReal(n / 4.0)),
                                             "t:text " + std::to_string(n)}));
+    }
 }
 
 TEST_F(Cache, aChangedFileIsReadAnew) {
@@ -105,8 +108,9 @@ TEST_F(Cache, aChangedFileIsReadAnew) {
     EXPECT_NE(table->revision(), revision);
     EXPECT_EQ(table->featureCount(), 11);
     int rows = 1;
-    while (older->next())
+    while (older->next()) {
         ++rows;
+    }
     EXPECT_EQ(rows, 10) << "a cursor keeps what it began to read";
 }
 
@@ -137,8 +141,9 @@ TEST_F(Cache, aCursorOutlivesItsTable) {
     ASSERT_TRUE(cursor->next());
     table.reset();
     int rows = 1;
-    while (cursor->next())
+    while (cursor->next()) {
         ++rows;
+    }
     EXPECT_EQ(rows, 20000);
     EXPECT_EQ(cache().bytes(), 0U);
 }
@@ -151,12 +156,14 @@ TEST_F(Cache, cursorsInSeveralThreads) {
     for (std::size_t i = 0; i < sums.size(); ++i) {
         auto request = requestOf({1});
         threads.emplace_back([cursor = std::shared_ptr(table->openCursor(request)), &result = sums[i]] {
-            while (cursor->next())
+            while (cursor->next()) {
                 result += cursor->cell(1).isNull() ? 0 : cursor->cell(1).integer();
+            }
         });
     }
-    for (auto& thread : threads)
+    for (auto& thread : threads) {
         thread.join();
+    }
     EXPECT_EQ(sums, std::vector<qint64>(4, sum(*table, 1)));
 }
 

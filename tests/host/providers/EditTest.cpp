@@ -30,8 +30,9 @@ protected:
     static dp::ScanRequest withoutId(const LayerTable& table) {
         dp::ScanRequest request = everything(table);
         const QString first = table.schema()->at(0)->name();
-        if (first == QLatin1String("fid") || first == QLatin1String("ogc_fid"))
+        if (first == QLatin1String("fid") || first == QLatin1String("ogc_fid")) {
             request.attributes.erase(request.attributes.begin());
+        }
         return request;
     }
     static std::size_t rowCount(LayerTable& table) { return readRows(table, everything(table)).size(); }
@@ -39,7 +40,7 @@ protected:
     QTemporaryDir directory_;
 };
 
-constexpr Format GEOPACKAGE{"GPKG", "gpkg"};
+constexpr Format geoPackage{"GPKG", "gpkg"};
 
 class EditsInFormat : public Edits, public testing::WithParamInterface<Format> {};
 
@@ -67,21 +68,23 @@ TEST_P(EditsInFormat, attributesAreWrittenOneByOne) {
     const auto table = tableOf(GetParam());
     const auto cursor = table->openCursor({});
     std::vector<dp::FeatureId> ids;
-    while (cursor->next())
+    while (cursor->next()) {
         ids.push_back(cursor->featureId());
+    }
     ASSERT_EQ(ids.size(), 5u);
     for (std::size_t source = 1; source < ids.size(); ++source) {
         dp::Feature changes(*table->feature(ids[source]));
         changes.setId(ids.front());
-        for (const int position : withoutId(*table).attributes)
+        for (const int position : withoutId(*table).attributes) {
             table->updateAttributes(changes, {position});
+        }
         const auto rows = readRows(*table, withoutId(*table));
         EXPECT_EQ(rows.front(), rows[source]);
     }
 }
 
 INSTANTIATE_TEST_SUITE_P(Drivers, EditsInFormat,
-                         testing::Values(GEOPACKAGE, Format{"SQLite", "sqlite"},
+                         testing::Values(geoPackage, Format{"SQLite", "sqlite"},
                                          Format{"ESRI Shapefile", "shp"}),
                          [](const auto& format) { return std::string(format.param.extension); });
 
@@ -113,7 +116,7 @@ TEST_P(EditsInFormat, aGroupIsWrittenWholeOrNotAtAll) {
 }
 
 TEST_F(Edits, geometriesComeIntoTheSystemOfTheLayer) {
-    const auto table = tableOf(GEOPACKAGE);
+    const auto table = tableOf(geoPackage);
     const auto feature = firstFeature(*table);
     const auto mercator = cs::CoordSysFactory::defaultCoordSysFactory()->createFromEpsg(3857);
     const std::string_view wkb("\1\1\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0", 21); // POINT (0 0)
@@ -129,7 +132,7 @@ TEST_F(Edits, geometriesComeIntoTheSystemOfTheLayer) {
 }
 
 TEST_F(Edits, valuesThatDoNotFitAreRefused) {
-    const auto table = tableOf(GEOPACKAGE);
+    const auto table = tableOf(geoPackage);
     const auto before = readRows(*table, everything(*table));
     const std::pair<const char*, QVariant> unfit[] = {
         {"whole", QStringLiteral("много")},

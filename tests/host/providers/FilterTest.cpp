@@ -27,16 +27,18 @@ public:
     ~SqliteJudge() { sqlite3_close(database_); }
 
     bool isTrue(const dp::Cell& cell, const dp::ScanTerm& term) {
-        if (term.comparison == Comparison::Like || term.comparison == Comparison::Glob)
+        if (term.comparison == Comparison::Like || term.comparison == Comparison::Glob) {
             return false;
+        }
         // In the order of the comparisons' codes; there are none for Like and Glob.
         static const char* const operators[] = {
             "=", "IS", ">", "<=", "<", ">=", "<>", "IS NOT", "", "", "IS NULL", "IS NOT NULL"};
         std::string sql = "SELECT ?1 ";
         if (term.comparison == Comparison::In) {
             sql += "IN (";
-            for (std::size_t i = 0; i < term.operands.size(); ++i)
+            for (std::size_t i = 0; i < term.operands.size(); ++i) {
                 sql += (i ? ", ?" : "?") + std::to_string(i + 2);
+            }
             sql += ")";
         } else {
             sql += operators[static_cast<int>(term.comparison) - 1];
@@ -45,8 +47,9 @@ public:
         sqlite3_stmt* statement = nullptr;
         sqlite3_prepare_v2(database_, sql.c_str(), -1, &statement, nullptr);
         bindCell(statement, cell);
-        for (std::size_t i = 0; i < term.operands.size(); ++i)
+        for (std::size_t i = 0; i < term.operands.size(); ++i) {
             bindValue(statement, static_cast<int>(i) + 2, term.operands[i]);
+        }
         const bool result = sqlite3_step(statement) == SQLITE_ROW && sqlite3_column_int(statement, 0) != 0;
         sqlite3_finalize(statement);
         return result;
@@ -67,24 +70,26 @@ private:
         }
     }
     static void bindValue(sqlite3_stmt* statement, int position, const ScanValue& value) {
-        if (const auto* integer = std::get_if<std::int64_t>(&value))
+        if (const auto* integer = std::get_if<std::int64_t>(&value)) {
             sqlite3_bind_int64(statement, position, *integer);
-        else if (const auto* real = std::get_if<double>(&value))
+        } else if (const auto* real = std::get_if<double>(&value)) {
             sqlite3_bind_double(statement, position, *real);
-        else if (const auto* text = std::get_if<std::string>(&value))
+        } else if (const auto* text = std::get_if<std::string>(&value)) {
             sqlite3_bind_text(statement, position, text->data(), static_cast<int>(text->size()),
                               SQLITE_TRANSIENT);
+        }
     }
 
     sqlite3* database_ = nullptr;
 };
 
-constexpr auto MAX = std::numeric_limits<std::int64_t>::max();
-constexpr auto MIN = std::numeric_limits<std::int64_t>::min();
+constexpr auto largest = std::numeric_limits<std::int64_t>::max();
+constexpr auto smallest = std::numeric_limits<std::int64_t>::min();
 const std::vector<double> REALS{
     0,   -0.0,       0.5,      -0.3,     5, 5.7, 1e300, -1e300, 9007199254740992.0, 9223372036854775808.0,
     0.1, float(0.1), HUGE_VAL, -HUGE_VAL};
-const std::vector<std::int64_t> INTEGERS{0, 1, -1, 4, 5, 6, MAX, MIN, MAX - 1, 9007199254740993, 2147483647};
+const std::vector<std::int64_t> INTEGERS{
+    0, 1, -1, 4, 5, 6, largest, smallest, largest - 1, 9007199254740993, 2147483647};
 const std::vector<std::string> TEXTS{"", "abc", "ABC", "Ёлка", "5", "it's", "😀"};
 
 /// A layer whose values sit on the edges of the types, with values of the wrong class stored below the
@@ -107,22 +112,28 @@ QString makeEdgyLayer(const QString& path, const Format& format) {
     dataset->StartTransaction();
     for (std::size_t row = 0; row < 60; ++row) {
         OGRFeature feature(layer->GetLayerDefn());
-        if (row % 5 != 1)
+        if (row % 5 != 1) {
             feature.SetField("i", static_cast<int>(std::clamp<std::int64_t>(INTEGERS[row % INTEGERS.size()],
                                                                             -2147483647, 2147483647)));
-        if (row % 5 != 2)
+        }
+        if (row % 5 != 2) {
             feature.SetField("l", GIntBig{INTEGERS[row % INTEGERS.size()]});
-        if (row % 5 != 3)
+        }
+        if (row % 5 != 3) {
             feature.SetField("r", REALS[row % REALS.size()]);
-        if (row % 5 != 4)
+        }
+        if (row % 5 != 4) {
             feature.SetField("f", REALS[row % REALS.size()]);
-        if (row % 5 != 0)
+        }
+        if (row % 5 != 0) {
             feature.SetField("s", TEXTS[row % TEXTS.size()].c_str());
+        }
         feature.SetField("b", static_cast<int>(row % 2));
         const OGRPoint point(1, 2);
         feature.SetGeometry(&point);
-        if (row % 3 != 0)
+        if (row % 3 != 0) {
             feature.SetField("d", 1960 + static_cast<int>(row), 1, 2);
+        }
         EXPECT_EQ(layer->CreateFeature(&feature), OGRERR_NONE);
     }
     dataset->CommitTransaction();
@@ -149,8 +160,9 @@ protected:
         BatchCache::instance().setCapacity(memory == Memory::Whole ? 1 << 20 : 0);
         const auto table = openFile(path).front();
         table->openCursor({});
-        if (memory == Memory::Growing)
+        if (memory == Memory::Growing) {
             BatchCache::instance().setCapacity(1 << 20);
+        }
         return table;
     }
     void TearDown() override { BatchCache::instance().setCapacity(std::size_t{256} << 20); }
@@ -173,8 +185,9 @@ protected:
         const bool isNullTest =
             term.comparison == Comparison::IsNull || term.comparison == Comparison::IsNotNull;
         const std::size_t operands = isNullTest ? 0 : term.comparison == Comparison::In ? random_() % 90 : 1;
-        for (std::size_t i = 0; i < operands; ++i)
+        for (std::size_t i = 0; i < operands; ++i) {
             term.operands.push_back(randomOperand());
+        }
         return term;
     }
 
@@ -192,12 +205,14 @@ TEST_P(Terms, neverLeaveOutARow) {
     SqliteJudge judge;
     int leftOut = 0;
     for (int round = 0; round < 400; ++round) {
-        if (round % 40 == 0)
+        if (round % 40 == 0) {
             table = open(path);
+        }
         auto request = requestOf({static_cast<int>(random_() % static_cast<unsigned>(attributes))});
         request.terms.push_back(randomTerm(attributes));
-        if (round % 3 == 0)
+        if (round % 3 == 0) {
             request.terms.push_back(randomTerm(attributes));
+        }
 
         std::set<qlonglong> expected;
         const auto all = whole->openCursor(everything(*whole));
@@ -205,13 +220,15 @@ TEST_P(Terms, neverLeaveOutARow) {
         for (; all->next(); ++rows) {
             if (std::all_of(request.terms.begin(), request.terms.end(), [&](const dp::ScanTerm& term) {
                     return judge.isTrue(all->cell(term.attribute), term);
-                }))
+                })) {
                 expected.insert(all->featureId().value().toLongLong());
+            }
         }
         std::set<qlonglong> delivered;
         const auto cursor = table->openCursor(request);
-        while (cursor->next())
+        while (cursor->next()) {
             EXPECT_TRUE(delivered.insert(cursor->featureId().value().toLongLong()).second);
+        }
         leftOut += rows - static_cast<int>(delivered.size());
         EXPECT_TRUE(std::includes(delivered.begin(), delivered.end(), expected.begin(), expected.end()))
             << "round " << round << ", attribute " << request.terms[0].attribute << ", comparison "
@@ -251,8 +268,9 @@ TEST_P(Windows, meetBoundingBoxesNotShapes) {
         auto* layer = dataset->CreateLayer("shapes", nullptr, wkbUnknown, nullptr);
         for (int i = 0; i < 200; ++i) {
             OGRLineString line;
-            for (int point = 0; point < 3; ++point)
+            for (int point = 0; point < 3; ++point) {
                 line.addPoint(coordinate(), coordinate());
+            }
             OGRFeature feature(layer->GetLayerDefn());
             feature.SetGeometry(&line);
             ASSERT_EQ(layer->CreateFeature(&feature), OGRERR_NONE);
@@ -268,13 +286,15 @@ TEST_P(Windows, meetBoundingBoxesNotShapes) {
         std::set<qlonglong> expected;
         for (std::size_t i = 0; i < boxes.size(); ++i) {
             if (boxes[i].MinX <= x + 20 && boxes[i].MaxX >= x && boxes[i].MinY <= y + 20 &&
-                boxes[i].MaxY >= y)
+                boxes[i].MaxY >= y) {
                 expected.insert(static_cast<qlonglong>(i) + 1);
+            }
         }
         std::set<qlonglong> delivered;
         const auto cursor = table->openCursor(request);
-        while (cursor->next())
+        while (cursor->next()) {
             delivered.insert(cursor->featureId().value().toLongLong());
+        }
         EXPECT_EQ(delivered, expected);
     }
 }

@@ -10,7 +10,7 @@
 namespace orvane::files {
 namespace {
 
-constexpr Format GEOPACKAGE{"GPKG", "gpkg"};
+constexpr Format geoPackage{"GPKG", "gpkg"};
 
 class EveryFormat : public testing::TestWithParam<Format> {
 protected:
@@ -33,14 +33,16 @@ std::vector<std::vector<std::string>> rowsOfFeatures(const QString& path) {
     std::vector<std::vector<std::string>> rows;
     for (const auto& feature : layer) {
         auto& row = rows.emplace_back();
-        if (hasFid)
+        if (hasFid) {
             row.push_back("i:" + std::to_string(feature->GetFID()));
+        }
         for (int i = 0; i < feature->GetFieldCount(); ++i) {
             const auto cell = describeField(*feature, i);
             row.push_back(isCsv && cell == "t:" ? "NULL" : cell); // nothing between separators
         }
-        if (layer->GetGeomType() != wkbNone)
+        if (layer->GetGeomType() != wkbNone) {
             row.push_back(describeGeometry(*feature));
+        }
     }
     return rows;
 }
@@ -70,14 +72,15 @@ TEST_P(EveryFormat, everyColumnAloneAndInAnyOrder) {
         const auto rows = readRows(*table, request);
         ASSERT_EQ(rows.size(), expected.size());
         for (std::size_t row = 0; row < rows.size(); ++row) {
-            for (std::size_t i = 0; i < 2; ++i)
+            for (std::size_t i = 0; i < 2; ++i) {
                 EXPECT_EQ(rows[row][i], expected[row][static_cast<std::size_t>(request.attributes[i])]);
+            }
         }
     }
 }
 
 INSTANTIATE_TEST_SUITE_P(Drivers, EveryFormat,
-                         testing::Values(GEOPACKAGE, Format{"ESRI Shapefile", "shp"},
+                         testing::Values(geoPackage, Format{"ESRI Shapefile", "shp"},
                                          Format{"GeoJSON", "geojson"}, Format{"CSV", "csv"},
                                          Format{"SQLite", "sqlite"}, Format{"FlatGeobuf", "fgb"},
                                          Format{"MapInfo File", "tab"}),
@@ -92,7 +95,7 @@ protected:
 
 TEST_F(Geopackage, manyBatches) {
     constexpr int rows = 20000;
-    addLayerOfNumbers(*createDataset(GEOPACKAGE, path()), "numbers", rows);
+    addLayerOfNumbers(*createDataset(geoPackage, path()), "numbers", rows);
     const auto table = openFile(path()).front();
     EXPECT_EQ(table->featureCount(), rows);
     const auto cursor = table->openCursor(everything(*table));
@@ -107,7 +110,7 @@ TEST_F(Geopackage, manyBatches) {
 
 TEST_F(Geopackage, rowsAreCountedWithoutReadingThemAndStillHaveTheirIdentifiers) {
     constexpr int rows = 20000;
-    addLayerOfNumbers(*createDataset(GEOPACKAGE, path()), "numbers", rows);
+    addLayerOfNumbers(*createDataset(geoPackage, path()), "numbers", rows);
     const auto table = openFile(path()).front();
     const auto cursor = table->openCursor({});
     for (int row = 0; row < rows; ++row) {
@@ -129,27 +132,29 @@ TEST_F(Geopackage, rowsAreCountedWithoutReadingThemAndStillHaveTheirIdentifiers)
 }
 
 TEST_F(Geopackage, identifiersAreReadOnceAndMissingOnesLeftOut) {
-    addLayerOfNumbers(*createDataset(GEOPACKAGE, path()), "numbers", 10);
+    addLayerOfNumbers(*createDataset(geoPackage, path()), "numbers", 10);
     const auto table = openFile(path()).front();
     auto request = requestOf({0, 1});
     request.ids.emplace();
     for (const auto& id :
-         {QVariant(7), QVariant(7), QVariant(999), QVariant(QStringLiteral("x")), QVariant(2)})
+         {QVariant(7), QVariant(7), QVariant(999), QVariant(QStringLiteral("x")), QVariant(2)}) {
         request.ids->emplace_back(id);
+    }
     const std::vector<std::vector<std::string>> expected{{"i:2", "i:1"}, {"i:7", "i:6"}};
     EXPECT_THAT(readRows(*table, request), testing::UnorderedElementsAreArray(expected));
 }
 
 TEST_F(Geopackage, nestedCursors) {
-    addLayerOfNumbers(*createDataset(GEOPACKAGE, path()), "numbers", 40);
+    addLayerOfNumbers(*createDataset(geoPackage, path()), "numbers", 40);
     const auto table = openFile(path()).front();
     auto request = requestOf({1});
     int pairs = 0;
     const auto outer = table->openCursor(request);
     while (outer->next()) {
         const auto inner = table->openCursor(request);
-        while (inner->next())
+        while (inner->next()) {
             pairs += describeCell(outer->cell(1)) == describeCell(inner->cell(1));
+        }
     }
     EXPECT_EQ(pairs, 34 + 6 * 6);
 }

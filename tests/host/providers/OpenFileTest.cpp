@@ -29,21 +29,24 @@ protected:
     }
     static QStringList names(const dp::Table& table) {
         QStringList result;
-        for (const auto& attribute : table.schema()->attributes())
+        for (const auto& attribute : table.schema()->attributes()) {
             result.append(attribute->name());
+        }
         return result;
     }
     static std::vector<int> types(const dp::Table& table) {
         std::vector<int> result;
-        for (const auto& attribute : table.schema()->attributes())
+        for (const auto& attribute : table.schema()->attributes()) {
             result.push_back(attribute->type());
+        }
         return result;
     }
     /// The message with which the source does not open, or does not read; empty when it does both.
     static std::string failure(const QString& source) {
         try {
-            for (const auto& table : openFile(source))
+            for (const auto& table : openFile(source)) {
                 readRows(*table, everything(*table));
+            }
         } catch (const std::runtime_error& error) {
             return error.what();
         }
@@ -131,24 +134,25 @@ TEST_P(CoordinateColumns, makeGeometries) {
     const auto table = openFile(write("places.csv", GetParam().csv)).front();
     const int geometry = table->schema()->geometryIndex();
     ASSERT_EQ(geometry >= 0, *GetParam().wkb != '\0');
-    if (geometry < 0)
+    if (geometry < 0) {
         return;
+    }
     auto request = requestOf({geometry});
     EXPECT_EQ(readRows(*table, request).front().front(), std::string("w:") + GetParam().wkb);
     EXPECT_EQ(table->coordSystem() ? table->coordSystem()->epsg() : 0, GetParam().epsg);
     EXPECT_GT(geometry, 1) << "the coordinates stay columns";
 }
 
-constexpr const char* POINT_1_2 = "0101000000000000000000f03f0000000000000040";
-INSTANTIATE_TEST_SUITE_P(Headers, CoordinateColumns,
-                         testing::Values(Coordinates{"name,LON,Lat\na,1,2\n", POINT_1_2, 4326},
-                                         Coordinates{"latitude;longitude;name\n2,0;1,0;a\n", POINT_1_2, 4326},
-                                         Coordinates{"x,y,name\n1,2,a\n", POINT_1_2, 0},
-                                         Coordinates{"долгота,широта\n1,2\n", POINT_1_2, 4326},
-                                         Coordinates{"name,WKT\na,POINT (1 2)\n", POINT_1_2, 0},
-                                         Coordinates{"name,the_geom,x,y\na,POINT (1 2),5,6\n", POINT_1_2, 0},
-                                         Coordinates{"name,x\na,1\n", "", 0},
-                                         Coordinates{"name,lon,y\na,1,2\n", "", 0}));
+constexpr const char* pointOneTwo = "0101000000000000000000f03f0000000000000040";
+INSTANTIATE_TEST_SUITE_P(
+    Headers, CoordinateColumns,
+    testing::Values(Coordinates{"name,LON,Lat\na,1,2\n", pointOneTwo, 4326},
+                    Coordinates{"latitude;longitude;name\n2,0;1,0;a\n", pointOneTwo, 4326},
+                    Coordinates{"x,y,name\n1,2,a\n", pointOneTwo, 0},
+                    Coordinates{"долгота,широта\n1,2\n", pointOneTwo, 4326},
+                    Coordinates{"name,WKT\na,POINT (1 2)\n", pointOneTwo, 0},
+                    Coordinates{"name,the_geom,x,y\na,POINT (1 2),5,6\n", pointOneTwo, 0},
+                    Coordinates{"name,x\na,1\n", "", 0}, Coordinates{"name,lon,y\na,1,2\n", "", 0}));
 
 TEST_F(OpenFile, characterSetsOfTexts) {
     const Rows expected{{"t:Москва", "i:1"}};
@@ -203,8 +207,9 @@ TEST_F(OpenFile, characterSetsOfShapefiles) {
         EXPECT_EQ(names(*table).front(), QString::fromUtf8(given.text));
         EXPECT_EQ(readRows(*table, everything(*table)), (Rows{{std::string("t:") + given.text, "NULL"}}))
             << given.encoding << given.language;
-        for (const auto& part : QDir(directory_.path()).entryList(QDir::Files))
+        for (const auto& part : QDir(directory_.path()).entryList(QDir::Files)) {
             QFile::remove(directory_.filePath(part));
+        }
     }
 }
 
@@ -270,16 +275,18 @@ TEST_F(OpenFile, whatDoesNotOpenSaysWhy) {
         {directory_.path(), "в нём нет таблиц в известном формате"},
         {write("wide.csv", QByteArray("a,").repeated(1998) + "z"),
          "столбцов 1999, а в таблице их не больше 1998"}};
-    for (const auto& [path, reason] : cases)
+    for (const auto& [path, reason] : cases) {
         EXPECT_EQ(failure(path), "Не удалось открыть «" + path.toStdString() + "»: " + reason);
+    }
     const auto vrt = write("v.vrt", "<OGRVRTDataSource><OGRVRTLayer name=\"pw\"><SrcDataSource>absent.csv"
                                     "</SrcDataSource></OGRVRTLayer></OGRVRTDataSource>");
     EXPECT_THAT(failure(vrt), testing::AllOf(testing::HasSubstr("v.vrt"), testing::HasSubstr("absent.csv")));
     const std::pair<const char*, const char*> broken[] = {
         {"a,b\n1,2\n\"3,4\n", "кавычка в строке 3 не закрыта"}, {"\n\n", "в нём нет таблиц"}};
-    for (const auto& [text, reason] : broken)
+    for (const auto& [text, reason] : broken) {
         EXPECT_THAT(failure(write("broken.csv", text)),
                     testing::HasSubstr(std::string("broken.csv»: ") + reason));
+    }
 }
 
 TEST_F(OpenFile, archivesNeedNotBeUnpacked) {
@@ -338,8 +345,9 @@ TEST_F(OpenFile, damageIsToldInsteadOfRowsThatAreMissing) {
     for (int i = 0; i < 12; ++i) {
         QByteArray damaged = content;
         const int first = pages(random) * page + (i % 2 == 0 ? 0 : start(random));
-        for (int at = first; at < first + (i % 2 == 0 ? 8 : 20); ++at)
+        for (int at = first; at < first + (i % 2 == 0 ? 8 : 20); ++at) {
             damaged[at] = static_cast<char>(byte(random));
+        }
         const auto copy = write("damaged.gpkg", damaged);
         try {
             const auto rows = rowsOf(copy);

@@ -16,7 +16,7 @@ struct TypedField {
     OGRFieldSubType subType;
 };
 
-constexpr TypedField FIELDS[] = {
+constexpr TypedField typedFields[] = {
     {"flag", OFTInteger, OFSTBoolean},  {"small", OFTInteger, OFSTInt16},
     {"whole", OFTInteger, OFSTNone},    {"big", OFTInteger64, OFSTNone},
     {"single", OFTReal, OFSTFloat32},   {"real", OFTReal, OFSTNone},
@@ -36,13 +36,15 @@ bool driverTakes(const char* driver, OGRFieldType type) {
 
 void set(OGRFeature& feature, const char* name, const std::function<void(int)>& setter) {
     const int field = feature.GetFieldIndex(name);
-    if (field >= 0)
+    if (field >= 0) {
         setter(field);
+    }
 }
 
 void add(OGRLayer& layer, OGRFeature& feature) {
-    if (layer.CreateFeature(&feature) != OGRERR_NONE)
+    if (layer.CreateFeature(&feature) != OGRERR_NONE) {
         throw std::runtime_error(std::string("cannot write a feature: ") + CPLGetLastErrorMsg());
+    }
 }
 
 void setOrdinary(OGRFeature& f) {
@@ -85,8 +87,9 @@ DatasetOwner createDataset(const Format& format, const QString& path) {
     GDALAllRegister();
     auto* driver = GetGDALDriverManager()->GetDriverByName(format.driver);
     DatasetOwner dataset(driver->Create(path.toUtf8().constData(), 0, 0, 0, GDT_Unknown, nullptr));
-    if (!dataset)
+    if (!dataset) {
         throw std::runtime_error("cannot create " + path.toStdString());
+    }
     return dataset;
 }
 
@@ -104,9 +107,10 @@ void addLayerOfEveryType(GDALDataset& dataset, const char* layerName, const Form
     auto* layer =
         dataset.CreateLayer(layerName, &reference, wkbPoint, isShape ? const_cast<char**>(options) : nullptr);
     CPLPushErrorHandler(CPLQuietErrorHandler);
-    for (const auto& typed : FIELDS) {
-        if (!driverTakes(format.driver, typed.type))
+    for (const auto& typed : typedFields) {
+        if (!driverTakes(format.driver, typed.type)) {
             continue;
+        }
         OGRFieldDefn field(typed.name, typed.type);
         field.SetSubType(typed.subType);
         layer->CreateField(&field);
@@ -114,14 +118,18 @@ void addLayerOfEveryType(GDALDataset& dataset, const char* layerName, const Form
     const OGRPoint point(30.5, 60.25);
     for (int row = 0; row < 5; ++row) {
         OGRFeature feature(layer->GetLayerDefn());
-        if (row == 1 || row == 4)
+        if (row == 1 || row == 4) {
             setOrdinary(feature);
-        if (row == 2)
+        }
+        if (row == 2) {
             setExtreme(feature);
-        if (row == 2 && isShape) // its fields have 15 decimals, which leaves room for a sign and 7 digits
+        }
+        if (row == 2 && isShape) { // its fields have 15 decimals, which leaves room for a sign and 7 digits
             feature.SetField("real", 1234567.5);
-        if (row != 3)
+        }
+        if (row != 3) {
             feature.SetGeometry(&point);
+        }
         add(*layer, feature);
     }
     CPLPopErrorHandler();
@@ -176,8 +184,9 @@ std::string describeCell(const dp::Cell& cell) {
 
 std::string describeField(const OGRFeature& constFeature, int field) {
     auto& feature = const_cast<OGRFeature&>(constFeature);
-    if (!feature.IsFieldSetAndNotNull(field))
+    if (!feature.IsFieldSetAndNotNull(field)) {
         return "NULL";
+    }
     int year = 0, month = 0, day = 0, hour = 0, minute = 0, offset = 0;
     float second = 0;
     char text[64];
@@ -208,8 +217,9 @@ std::string describeField(const OGRFeature& constFeature, int field) {
 
 std::string describeGeometry(const OGRFeature& feature) {
     const auto* geometry = feature.GetGeometryRef();
-    if (!geometry)
+    if (!geometry) {
         return "NULL";
+    }
     std::string wkb(static_cast<std::size_t>(geometry->WkbSize()), '\0');
     geometry->exportToWkb(wkbNDR, reinterpret_cast<unsigned char*>(wkb.data()), wkbVariantIso);
     return "w:" + hex(wkb);
@@ -220,8 +230,9 @@ std::vector<std::vector<std::string>> readRows(dp::Table& table, const dp::ScanR
     const auto cursor = table.openCursor(request);
     while (cursor->next()) {
         auto& row = rows.emplace_back();
-        for (const int attribute : request.attributes)
+        for (const int attribute : request.attributes) {
             row.push_back(describeCell(cursor->cell(attribute)));
+        }
     }
     return rows;
 }

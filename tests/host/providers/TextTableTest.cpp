@@ -33,8 +33,9 @@ public:
         dateSeparator_ = "-/"[number(0, 1)];
         zone_ = std::vector<std::string>{"", "Z", "+03:00"}[static_cast<std::size_t>(number(0, 2))];
         words_ = number(0, 2);
-        for (auto& quotes : quotesAll_)
+        for (auto& quotes : quotesAll_) {
             quotes = number(0, 3) == 0;
+        }
     }
 
     static constexpr std::size_t width = 7;
@@ -47,8 +48,9 @@ public:
     int number(int low, int high) { return std::uniform_int_distribution<int>(low, high)(random_); }
 
     Value value(std::size_t column, bool isFirst) {
-        if (!isFirst && number(0, 4) == 0)
+        if (!isFirst && number(0, 4) == 0) {
             return {{}, "NULL", column == 6 ? "" : mark_};
+        }
         Value made;
         char text[64];
         const QDate date(number(1000, 9999), number(1, 12), number(1, 28));
@@ -68,10 +70,12 @@ public:
             const double real = isFirst ? 0.5 : std::ldexp(number(-99999, 99999), number(-80, 80));
             std::snprintf(text, sizeof text, "%.17g", real);
             made = {real, std::string("r:") + text, text};
-            if (hasComma_ && made.raw.find('.') != std::string::npos)
+            if (hasComma_ && made.raw.find('.') != std::string::npos) {
                 made.raw[made.raw.find('.')] = ',';
-            if (made.raw.find_first_of(".,e") == std::string::npos) // without, a long one would be a code
+            }
+            if (made.raw.find_first_of(".,e") == std::string::npos) { // without, a long one would be a code
                 made.raw += "e0";
+            }
             break;
         }
         case 2: {
@@ -95,8 +99,9 @@ public:
                                                                             separator_) != std::string::npos;
         if (needsQuotes || quotesAll_[column]) {
             std::string quoted = "\"";
-            for (const char character : made.raw)
+            for (const char character : made.raw) {
                 quoted.append(character == '"' ? 2 : 1, character);
+            }
             made.raw = quoted + '"';
         }
         return made;
@@ -104,8 +109,9 @@ public:
 
     std::string line(const std::vector<std::string>& raw) const {
         std::string text;
-        for (std::size_t i = 0; i < raw.size(); ++i)
+        for (std::size_t i = 0; i < raw.size(); ++i) {
             text += (i == 0 ? std::string() : std::string(1, separator_)) + raw[i];
+        }
         return text + lineEnd_;
     }
     /// The values of a file as they stand there.
@@ -145,14 +151,16 @@ struct Row {
 void expectRows(const QString& path, const std::vector<Row>& rows) {
     const auto table = openFile(path).front();
     std::vector<int> types;
-    for (const auto& attribute : table->schema()->attributes())
+    for (const auto& attribute : table->schema()->attributes()) {
         types.push_back(attribute->type());
+    }
     EXPECT_THAT(types, testing::ElementsAre(QMetaType::LongLong, QMetaType::Double, QMetaType::Bool,
                                             QMetaType::QDate, QMetaType::QTime, QMetaType::QDateTime,
                                             QMetaType::QString));
     Rows cells;
-    for (const auto& row : rows)
+    for (const auto& row : rows) {
         cells.push_back(row.cells);
+    }
     EXPECT_EQ(readRows(*table, everything(*table)), cells);
 }
 
@@ -201,8 +209,9 @@ TEST(TextTables, KeepTheirValuesTypesAndBytesWhenEdited) {
                                                           std::vector<std::optional<std::string>>(width)})
                                  : &rows[target];
             for (std::size_t column = 0; column < width; ++column) {
-                if (random.number(0, 2) > 0)
+                if (random.number(0, 2) > 0) {
                     continue;
+                }
                 const auto value = random.value(column, false);
                 changes.setAttribute(static_cast<int>(column), value.value);
                 positions.push_back(static_cast<int>(column));
@@ -224,8 +233,9 @@ TEST(TextTables, KeepTheirValuesTypesAndBytesWhenEdited) {
         table->prepareEdits();
         table->commitEdits();
         for (std::size_t row = original; row-- > 0;) {
-            if (isGone[row])
+            if (isGone[row]) {
                 rows.erase(rows.begin() + static_cast<std::ptrdiff_t>(row));
+            }
         }
         expectRows(path, rows);
 
@@ -237,8 +247,9 @@ TEST(TextTables, KeepTheirValuesTypesAndBytesWhenEdited) {
         ASSERT_EQ(raw.size(), rows.size());
         for (std::size_t row = 0; row < rows.size(); ++row) {
             ASSERT_EQ(raw[row].size(), width);
-            for (std::size_t column = 0; column < width; ++column)
+            for (std::size_t column = 0; column < width; ++column) {
                 EXPECT_EQ(raw[row][column], rows[row].raw[column].value_or(raw[row][column])) << row;
+            }
         }
     }
 }

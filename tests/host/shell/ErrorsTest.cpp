@@ -18,8 +18,9 @@ struct ErrorCase {
     QString message;
 
     std::string expected(const char* place) const {
-        if (mark == QLatin1String("-"))
+        if (mark == QLatin1String("-")) {
             return QStringLiteral("orvane: %1\n").arg(message).toStdString();
+        }
         return QString::fromUtf8(place)
             .arg(QString::number(statement.size()), QString::number(mark.indexOf(QLatin1Char('^')) + 1),
                  message, statement.last(), mark)

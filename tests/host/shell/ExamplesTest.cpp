@@ -19,8 +19,9 @@ constexpr double relativeTolerance = 1e-9;
 QStringList exampleNames() {
     QStringList names;
     for (const QFileInfo& file :
-         QDir(QStringLiteral(ORVANE_EXAMPLE_QUERIES)).entryInfoList({QStringLiteral("*.sql")}))
+         QDir(QStringLiteral(ORVANE_EXAMPLE_QUERIES)).entryInfoList({QStringLiteral("*.sql")})) {
         names += file.completeBaseName();
+    }
     return names;
 }
 
@@ -30,16 +31,18 @@ QString pathOf(const QString& name) {
 
 Answer runExample(const QStringList& arguments) {
     QStringList files;
-    for (const char* file : {"countries.gpkg", "cities.shp", "indicators.csv"})
+    for (const char* file : {"countries.gpkg", "cities.shp", "indicators.csv"}) {
         files += QStringLiteral(ORVANE_EXAMPLE_DATA "/") + QString::fromLatin1(file);
+    }
     return runProgram(files + QStringList{QStringLiteral("-F"), QStringLiteral("csv")} + arguments);
 }
 
 /// The fields of a text without quoted commas, which the examples do not need.
 QVector<QStringList> fields(const QString& csv) {
     QVector<QStringList> rows;
-    for (const QString& line : csv.split(QLatin1Char('\n'), Qt::SkipEmptyParts))
+    for (const QString& line : csv.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
         rows += line.split(QLatin1Char(','));
+    }
     return rows;
 }
 
@@ -56,11 +59,12 @@ void expectAnswer(const Answer& answer, const QString& name) {
     const auto expected = fields(QString::fromUtf8(file.readAll()));
     const auto actual = fields(QString::fromStdString(answer.output));
     ASSERT_EQ(actual.size(), expected.size()) << answer.output;
-    for (int row = 0; row < expected.size(); ++row)
+    for (int row = 0; row < expected.size(); ++row) {
         EXPECT_TRUE(std::equal(expected[row].begin(), expected[row].end(), actual[row].begin(),
                                actual[row].end(), agree))
             << "expected " << expected[row].join(QLatin1Char(',')).toStdString() << ", got "
             << actual[row].join(QLatin1Char(',')).toStdString();
+    }
 }
 
 TEST(Examples, giveTheAnswersOfOtherTools) {

@@ -69,8 +69,9 @@ TEST(Options, refuseWhatTheyCannotRead) {
                                               {"--select", "t=1,x"},
                                               {"--select", "=1"},
                                               {"--select", "t=9223372036854775808"}};
-    for (const auto& arguments : cases)
+    for (const auto& arguments : cases) {
         EXPECT_THROW(parse(arguments), UsageError) << arguments.front() << ' ' << arguments.back();
+    }
 }
 
 TEST(Options, findTheLocaleBeforehand) {

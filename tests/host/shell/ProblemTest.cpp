@@ -62,8 +62,9 @@ TEST(NearestName, forgivesAThirdOfTheLettersOrTheRestOfTheName) {
                                                          {"di", "id"},
                                                          {"x", ""},
                                                          {"", ""}};
-    for (const auto& [word, expected] : cases)
+    for (const auto& [word, expected] : cases) {
         EXPECT_EQ(nearestName(QString::fromUtf8(word), known), QString::fromUtf8(expected)) << word;
+    }
 }
 
 } // namespace

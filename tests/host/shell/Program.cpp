@@ -7,8 +7,9 @@
 namespace orvane::shell {
 
 void RunningProgram::Process::setupChildProcess() {
-    if (mostBytes == 0)
+    if (mostBytes == 0) {
         return;
+    }
     const rlimit limit{static_cast<rlim_t>(mostBytes), static_cast<rlim_t>(mostBytes)};
     ::signal(SIGXFSZ, SIG_IGN); // the write fails instead
     ::setrlimit(RLIMIT_FSIZE, &limit);
@@ -33,8 +34,9 @@ void RunningProgram::signal(int number) {
 Answer RunningProgram::finish() {
     const bool ended = process_.waitForFinished(120'000);
     Answer answer;
-    if (ended && process_.exitStatus() == QProcess::NormalExit)
+    if (ended && process_.exitStatus() == QProcess::NormalExit) {
         answer.status = process_.exitCode();
+    }
     answer.output = process_.readAllStandardOutput().toStdString();
     answer.errors = process_.readAllStandardError().toStdString();
     return answer;

@@ -136,8 +136,9 @@ TEST(Program, takesNamesOfTablesAndColumnsAsTheyAre) {
     statements << QStringLiteral("Select Count(*) From \"temp.cities\"")
                << QStringLiteral("Select 42 As \"e.f\" Into \"c.d\"")
                << QStringLiteral("Select \"e.f\" From \"c.d\"");
-    for (const QString& statement : statements)
+    for (const QString& statement : statements) {
         arguments << QStringLiteral("-c") << statement;
+    }
     const Answer answer = runProgram(arguments);
     EXPECT_THAT(answer.output, StartsWith("42\n42\n42\n42\n42\n42\n42\n42\n42\n4442\n"));
     EXPECT_THAT(answer.output, testing::EndsWith("42\n"));

@@ -29,8 +29,9 @@ std::string shownOnTerminal(unsigned short columns, Function function) {
     ::close(terminal);
     std::string shown;
     char block[256];
-    for (ssize_t length = 0; (length = ::read(screen, block, sizeof block)) > 0;)
+    for (ssize_t length = 0; (length = ::read(screen, block, sizeof block)) > 0;) {
         shown.append(block, static_cast<std::size_t>(length));
+    }
     ::close(screen);
     return shown;
 }

@@ -30,16 +30,18 @@ public:
     Terminal(const std::string& home, std::vector<std::string> arguments, const char* pager = "") {
         winsize size{24, 80, 0, 0};
         process_ = ::forkpty(&descriptor_, nullptr, nullptr, &size);
-        if (process_ != 0)
+        if (process_ != 0) {
             return;
+        }
         ::setenv("XDG_DATA_HOME", home.c_str(), 1);
         ::setenv("LC_ALL", "C.UTF-8", 1);
         ::setenv("TERM", "xterm", 1);
         ::setenv("PAGER", pager, 1);
         arguments.insert(arguments.begin(), ORVANE_PROGRAM);
         std::vector<char*> pointers;
-        for (std::string& argument : arguments)
+        for (std::string& argument : arguments) {
             pointers.push_back(argument.data());
+        }
         pointers.push_back(nullptr);
         ::execv(ORVANE_PROGRAM, pointers.data());
         ::_exit(127);
@@ -69,11 +71,13 @@ public:
             }
             pollfd source{descriptor_, POLLIN, 0};
             char block[4096];
-            if (::poll(&source, 1, 100) <= 0)
+            if (::poll(&source, 1, 100) <= 0) {
                 continue;
+            }
             const ssize_t size = ::read(descriptor_, block, sizeof block);
-            if (size <= 0)
+            if (size <= 0) {
                 break;
+            }
             unread_.append(block, static_cast<std::size_t>(size));
         }
         ADD_FAILURE() << "\"" << text << "\" did not come:\n" << unread_;
@@ -85,8 +89,9 @@ public:
         const auto end = steady_clock::now() + std::chrono::seconds(30);
         int status = 0;
         while (::waitpid(process_, &status, WNOHANG) == 0) {
-            if (steady_clock::now() > end)
+            if (steady_clock::now() > end) {
                 return -1;
+            }
             std::this_thread::sleep_for(milliseconds(50));
         }
         process_ = 0;
@@ -234,8 +239,9 @@ TEST_F(Prompt, showsLongResultsInThePager) {
     EXPECT_THAT(lines("sed 's/^/paged:/'"), HasSubstr("paged:   177\r\n"));
     EXPECT_THAT(lines("head -n 4"), testing::Not(HasSubstr("177")));
     // Nothing is lost with a pager that is broken, at once or later.
-    for (const char* broken : {"no-such-pager", "false", "head -n 90 >/dev/null; exit 3", "kill -9 $$"})
+    for (const char* broken : {"no-such-pager", "false", "head -n 90 >/dev/null; exit 3", "kill -9 $$"}) {
         EXPECT_THAT(lines(broken), testing::ContainsRegex("     1\r\n(.|\r|\n)*   177\r\n")) << broken;
+    }
     EXPECT_THAT(lines(""), HasSubstr("   177\r\n"));
 }
 

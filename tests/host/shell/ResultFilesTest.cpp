@@ -17,7 +17,7 @@ namespace {
 using files::DatasetOwner;
 using testing::HasSubstr;
 
-constexpr files::Format GEOPACKAGE{"GPKG", "gpkg"};
+constexpr files::Format geoPackage{"GPKG", "gpkg"};
 
 class ResultFiles : public testing::Test {
 protected:
@@ -65,8 +65,9 @@ const char* subTypeName(OGRFieldSubType subType) {
 std::vector<std::string> describeLayer(const QString& path) {
     const DatasetOwner dataset = files::openDataset(path);
     std::vector<std::string> lines;
-    if (!dataset || dataset->GetLayerCount() != 1)
+    if (!dataset || dataset->GetLayerCount() != 1) {
         return {"not one layer"};
+    }
     OGRLayer& layer = *dataset->GetLayer(0);
     const OGRFeatureDefn& definition = *layer.GetLayerDefn();
     for (int i = 0; i < definition.GetFieldCount(); ++i) {
@@ -78,8 +79,9 @@ std::vector<std::string> describeLayer(const QString& path) {
     }
     for (const auto& feature : layer) {
         std::string line;
-        for (int i = 0; i < definition.GetFieldCount(); ++i)
+        for (int i = 0; i < definition.GetFieldCount(); ++i) {
             line += files::describeField(*feature, i) + '|';
+        }
         lines.push_back(line + files::describeGeometry(*feature));
     }
     return lines;
@@ -125,7 +127,7 @@ TEST_P(EveryType, isKeptByATableInBetween) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Formats, EveryType,
-                         testing::Values(GEOPACKAGE, files::Format{"ESRI Shapefile", "shp"},
+                         testing::Values(geoPackage, files::Format{"ESRI Shapefile", "shp"},
                                          files::Format{"FlatGeobuf", "fgb"}),
                          [](const auto& format) { return std::string(format.param.extension); });
 
@@ -152,8 +154,9 @@ TEST_P(Computed, columnsTakeTheTypeOfTheirValues) {
     EXPECT_EQ(std::string(field.GetNameRef()) + ' ' + OGRFieldDefn::GetFieldTypeName(field.GetType()),
               GetParam().field);
     std::string values;
-    for (const auto& feature : layer)
+    for (const auto& feature : layer) {
         values += (values.empty() ? "" : " ") + files::describeField(*feature, 0);
+    }
     EXPECT_EQ(values, GetParam().values);
 }
 
@@ -191,8 +194,9 @@ TEST_F(ResultFiles, GeometryKindIsThatOfTheRows) {
     };
     for (const KindCase& kind : cases) {
         QStringList selects;
-        for (const QString& text : QString::fromUtf8(kind.geometries).split(QLatin1Char(';')))
+        for (const QString& text : QString::fromUtf8(kind.geometries).split(QLatin1Char(';'))) {
             selects += QStringLiteral("Select ST_GeomFromText('%0', 3857) As g").arg(text);
+        }
         const QByteArray query = selects.join(QStringLiteral(" Union All ")).toUtf8();
         runWell({}, query.constData(), {QStringLiteral("-o"), path("k.gpkg"), QStringLiteral("--overwrite")});
         EXPECT_EQ(geometryName(path("k.gpkg")), kind.kind) << kind.geometries;
@@ -202,7 +206,7 @@ TEST_F(ResultFiles, GeometryKindIsThatOfTheRows) {
 
 /// A layer with one curve polygon.
 QString curveLayer(const QString& path) {
-    const DatasetOwner dataset = files::createDataset(GEOPACKAGE, path);
+    const DatasetOwner dataset = files::createDataset(geoPackage, path);
     OGRSpatialReference reference;
     reference.importFromEPSG(3857);
     OGRLayer* layer = dataset->CreateLayer("curves", &reference, wkbCurvePolygon, nullptr);
@@ -256,8 +260,9 @@ TEST_F(ResultFiles, AnotherProgramReadsThem) {
     ASSERT_TRUE(program.waitForFinished());
     const std::string text = program.readAllStandardOutput().toStdString();
     for (const char* line : {"Geometry: Point", "Feature Count: 164", "name: String (60.0)",
-                             "population: Integer (0.0)", "ID[\"EPSG\",4326]]"})
+                             "population: Integer (0.0)", "ID[\"EPSG\",4326]]"}) {
         EXPECT_THAT(text, HasSubstr(line));
+    }
 }
 
 TEST_F(ResultFiles, AnUnwantedFileIsNotReplaced) {
@@ -310,8 +315,9 @@ TEST_F(ResultFiles, AFailureLeavesNothing) {
 TEST_F(ResultFiles, CancellingLeavesNothing) {
     const auto stop = [this](const QString& script, bool isWritten, int milliseconds) {
         RunningProgram program({QStringLiteral("-c"), script});
-        while (program.isRunning() && (isWritten ? !isBeingWritten() : files().isEmpty()))
+        while (program.isRunning() && (isWritten ? !isBeingWritten() : files().isEmpty())) {
             program.waitFor(5);
+        }
         program.waitFor(milliseconds);
         program.signal(SIGINT);
         EXPECT_EQ(program.finish().status, 130);
@@ -330,8 +336,9 @@ TEST_F(ResultFiles, WhatAKilledProgramLeftGoesWithTheNextResult) {
                                      QStringLiteral("With Recursive n(i) As (Select 1 Union All Select i + 1 "
                                                     "From n) Select i From n")};
         RunningProgram killed(isData ? arguments : textOutput);
-        while (files().isEmpty() && killed.isRunning())
+        while (files().isEmpty() && killed.isRunning()) {
             killed.waitFor(5);
+        }
         killed.waitFor(50); // it has marked its directory
         killed.signal(SIGKILL);
         killed.finish();
@@ -339,8 +346,9 @@ TEST_F(ResultFiles, WhatAKilledProgramLeftGoesWithTheNextResult) {
         ASSERT_EQ(left.size(), 1);
 
         RunningProgram living({QStringLiteral("-c"), longResult("living.gpkg")});
-        while ((files() == left || files().isEmpty()) && living.isRunning())
+        while ((files() == left || files().isEmpty()) && living.isRunning()) {
             living.waitFor(5);
+        }
         QDir(directory_.path()).mkdir(QStringLiteral(".orvane-backup")); // not ours, whatever its name
         const QStringList held = files();
         EXPECT_FALSE(held.contains(left.front()));

@@ -42,14 +42,16 @@ std::string written(const WriterSettings& settings, const char* query) {
     EXPECT_EQ(sqlite3_prepare_v2(opened, query, -1, &prepared, nullptr), SQLITE_OK) << query;
     const std::unique_ptr<sqlite3_stmt, StatementFinalizer> statement(prepared);
     std::vector<std::string> columns;
-    for (int i = 0; i < sqlite3_column_count(prepared); ++i)
+    for (int i = 0; i < sqlite3_column_count(prepared); ++i) {
         columns.emplace_back(sqlite3_column_name(prepared, i));
+    }
     TextOutput output;
     const auto writer = makeResultWriter(settings, output);
     const ResultRow row(prepared, nullptr);
     writer->begin(columns);
-    while (sqlite3_step(prepared) == SQLITE_ROW)
+    while (sqlite3_step(prepared) == SQLITE_ROW) {
         writer->row(row);
+    }
     writer->end();
     return output.text();
 }
@@ -63,19 +65,21 @@ WriterSettings settingsOf(const QStringList& words) {
     WriterSettings settings{formats.at(words.front()), true, std::nullopt, 0};
     for (const QString& word : words.mid(1)) {
         const QString value = word.section(QLatin1Char('='), 1);
-        if (word == QLatin1String("noheader"))
+        if (word == QLatin1String("noheader")) {
             settings.header = false;
-        else if (word.startsWith(QLatin1String("null=")))
+        } else if (word.startsWith(QLatin1String("null="))) {
             settings.nullText = value.toStdString();
-        else
+        } else {
             settings.terminalWidth = value.toInt();
+        }
     }
     return settings;
 }
 
 TEST(Writers, WriteEveryForm) {
-    for (const tests::QuestionBlock& block : tests::readQuestions("shell/results.txt"))
+    for (const tests::QuestionBlock& block : tests::readQuestions("shell/results.txt")) {
         EXPECT_EQ(written(settingsOf(block.words), block.question.c_str()), block.answer) << block.title;
+    }
 }
 
 TEST(TableWriter, laterRowsThatAreWiderOnlyShiftTheirOwnLine) {
@@ -116,8 +120,9 @@ TEST(NumberText, readsBackEqual) {
         double value = 0;
         static_assert(sizeof value == sizeof bits);
         std::memcpy(&value, &bits, sizeof value);
-        if (!std::isfinite(value))
+        if (!std::isfinite(value)) {
             continue;
+        }
         std::string text;
         appendReal(text, value);
         double back = 0;
@@ -132,8 +137,9 @@ TEST(DisplayWidth, countsColumns) {
                                                  {"ｶﾅ", 2},       {"한국", 4},      {"🗺", 1},
                                                  {"🚀", 2},        {"👍🏽", 2},  {"👨‍👩‍👧", 2},
                                                  {"\xFF\xC3", 2}, {"a\u200Bb", 2}};
-    for (const auto& [text, width] : cases)
+    for (const auto& [text, width] : cases) {
         EXPECT_EQ(displayWidth(text), width) << text;
+    }
 }
 
 TEST(DisplayWidth, cutsBetweenCharacters) {

@@ -42,8 +42,9 @@ protected:
         name5.SetDefault("'нет'");
         OGRFieldDefn day("day", OFTDate);
         OGRFieldDefn size("size", OFTReal);
-        for (OGRFieldDefn* field : {&code, &name5, &day, &size})
+        for (OGRFieldDefn* field : {&code, &name5, &day, &size}) {
             EXPECT_EQ(layer->CreateField(field), OGRERR_NONE);
+        }
         OGRFeature feature(layer->GetLayerDefn());
         feature.SetField("code", 1);
         feature.SetField("name", "один");
@@ -137,7 +138,7 @@ std::string fingerprint(const QString& file) {
     sqlite3_open(file.toUtf8().constData(), &database);
     std::string text;
     for (const char* sql :
-         {"Pragma integrity_check", "Select Count(*) || ' ' || Sum(n) || ' ' || Sum(Length(s)) From n"})
+         {"Pragma integrity_check", "Select Count(*) || ' ' || Sum(n) || ' ' || Sum(Length(s)) From n"}) {
         sqlite3_exec(
             database, sql,
             [](void* out, int, char** values, char**) {
@@ -145,6 +146,7 @@ std::string fingerprint(const QString& file) {
                 return 0;
             },
             &text, nullptr);
+    }
     sqlite3_close(database);
     return text;
 }
@@ -162,8 +164,9 @@ TEST_F(Writing, AKilledProgramLeavesTheFileAsItWas) {
     };
     for (const auto& [statement, milliseconds] : changes) {
         RunningProgram program({file, QStringLiteral("-c"), QString::fromUtf8(statement)});
-        while (!QFile::exists(file + QStringLiteral("-journal")) && program.isRunning()) // until it writes
+        while (!QFile::exists(file + QStringLiteral("-journal")) && program.isRunning()) { // until it writes
             program.waitFor(1);
+        }
         program.waitFor(milliseconds);
         EXPECT_TRUE(program.isRunning()) << statement << " was done too soon";
         program.signal(SIGKILL);
@@ -196,8 +199,9 @@ TEST_P(WritingFormat, AFullDiskFailsTheStatementAndLeavesEverythingAsItWas) {
     ASSERT_EQ(runProgram(make).status, 0);
     const auto before = contentsOf(directory_.path());
     qint64 largest = 0;
-    for (const auto& [name, bytes] : before)
+    for (const auto& [name, bytes] : before) {
         largest = std::max<qint64>(largest, bytes.size());
+    }
     const std::pair<const char*, qint64> changes[] = {
         {"Update t Set name = 'a name of about forty characters for all'", largest},
         {"Insert Into t (name, n, obj) Select name, n, obj From t", largest},
@@ -205,8 +209,9 @@ TEST_P(WritingFormat, AFullDiskFailsTheStatementAndLeavesEverythingAsItWas) {
     };
     for (const auto& [statement, room] : changes) {
         const bool growsInPlace = QByteArray(GetParam()) == "shp" || QByteArray(GetParam()) == "gpkg";
-        if (growsInPlace && *statement == 'U')
+        if (growsInPlace && *statement == 'U') {
             continue; // there is room for every name
+        }
         const Answer answer =
             runWithFullDisk({file, QStringLiteral("-c"), QString::fromUtf8(statement)}, room);
         EXPECT_EQ(answer.status, 1) << statement;
@@ -259,8 +264,9 @@ TEST_F(Writing, ALockFailsTheStatementOrIsWaitedForUntilCancelled) {
         }
     }
     all[3].program->waitFor(2500); // the last of each kind is cancelled
-    for (const std::size_t cancelled : {3u, 7u})
+    for (const std::size_t cancelled : {3u, 7u}) {
         all[cancelled].program->signal(SIGINT);
+    }
     for (std::size_t i = 0; i < all.size(); ++i) {
         const Answer answer = all[i].program->finish();
         if (i % 4 == 3) {

@@ -78,14 +78,16 @@ public:
     Canceller(Engine& engine, microseconds delay)
         : thread_([this, &engine, delay] {
               std::unique_lock lock(mutex_);
-              if (ended_.wait_for(lock, delay, [this] { return isEnded_; }))
+              if (ended_.wait_for(lock, delay, [this] { return isEnded_; })) {
                   return;
+              }
               cancelledAt_ = statementClock_.seconds();
               engine.cancelQuery();
               // One that falls between two statements has no effect; the host repeats it until the work has
               // ended.
-              while (!ended_.wait_for(lock, std::chrono::milliseconds(2), [this] { return isEnded_; }))
+              while (!ended_.wait_for(lock, std::chrono::milliseconds(2), [this] { return isEnded_; })) {
                   engine.cancelQuery();
+              }
           }) {}
     ~Canceller() { end(); }
 
@@ -98,8 +100,9 @@ public:
             isEnded_ = true;
         }
         ended_.notify_one();
-        if (thread_.joinable())
+        if (thread_.joinable()) {
             thread_.join();
+        }
         return cancelledAt_ ? now - *cancelledAt_ : 0;
     }
 

@@ -86,8 +86,9 @@ public:
         readers_.clear();
         run("Commit");
         Host::deliverSignals();
-        for (const char* name : names)
+        for (const char* name : names) {
             checkTable(QLatin1String(name));
+        }
     }
 
 private:
@@ -126,8 +127,9 @@ private:
     }
 
     void open(const QString& name) {
-        if (host_.catalog.dataObject(name))
+        if (host_.catalog.dataObject(name)) {
             return;
+        }
         // Files of different sizes, so that rows of a wrong table would be seen.
         const int rows = rowsPerTable + static_cast<int>(pick(5)) * 7;
         const QString path = host_.path(QStringLiteral("storm%0.gpkg").arg(rows));
@@ -152,8 +154,9 @@ private:
 
     void reset(const QString& name) {
         Host::deliverSignals();
-        if (const auto table = openTable(name))
+        if (const auto table = openTable(name)) {
             extensions_[table->property(shareProperty).toUInt()]->deepReset(table);
+        }
     }
 
     /// Fails where there is nothing to begin or to end.
@@ -164,8 +167,9 @@ private:
     }
 
     void edit(const QString& name) {
-        if (isInTransaction())
+        if (isInTransaction()) {
             return;
+        }
         QSqlQuery query(database());
         query.exec(QStringLiteral("Update %0 Set r = r + 1 Where n < 100").arg(quoted(name)));
     }
@@ -177,28 +181,34 @@ private:
             "Select s, Count(*) From %0 Group By s Order By s",
             "Select n From %0 Where s In (Select s From %0 Where n < 50)",
         };
-        if (readers_.size() > 6)
+        if (readers_.size() > 6) {
             readers_.erase(readers_.begin());
+        }
         QSqlQuery query(database());
         query.setForwardOnly(true);
         const QString sql = QLatin1String(statements[pick(std::size(statements))]);
-        if (!query.prepare(sql.arg(quoted(name))))
+        if (!query.prepare(sql.arg(quoted(name)))) {
             return expectNamedError(query.lastError().text(), name);
-        if (pick(4) != 0 && !query.exec())
+        }
+        if (pick(4) != 0 && !query.exec()) {
             expectNamedError(query.lastError().text(), name);
+        }
         readers_.push_back({std::move(query), name});
     }
 
     void readOn() {
-        if (readers_.empty())
+        if (readers_.empty()) {
             return;
+        }
         Reader& reader = readers_[pick(static_cast<unsigned>(readers_.size()))];
-        if (!reader.query.isActive() && !reader.query.exec())
+        if (!reader.query.isActive() && !reader.query.exec()) {
             return expectNamedError(reader.query.lastError().text(), reader.table);
+        }
         for (int row = 0; row < 20; ++row) {
             if (!reader.query.next()) {
-                if (reader.query.lastError().isValid())
+                if (reader.query.lastError().isValid()) {
                     expectNamedError(reader.query.lastError().text(), reader.table);
+                }
                 return;
             }
         }
@@ -206,8 +216,9 @@ private:
 
     void evaluate(const QString& name) {
         const auto table = openTable(name);
-        if (!table || isInTransaction())
+        if (!table || isInTransaction()) {
             return;
+        }
         adaptor::FeatureExpression expression(*host_.engine, *table->schema());
         ASSERT_TRUE(expression.setText(QStringLiteral("n & s"))) << expression.lastError().toStdString();
         EXPECT_EQ(expression.value(table->feature(dp::FeatureId(QVariant(2)))).toString(),
@@ -220,18 +231,21 @@ private:
         const std::string answer =
             testing::answer(database(), QStringLiteral("Select Count(*) From %0").arg(quoted(name)));
         const auto table = openTable(name);
-        if (!table)
+        if (!table) {
             return expectNamedError(QString::fromStdString(answer), name);
+        }
         const bool isRead = std::any_of(readers_.begin(), readers_.end(),
                                         [](const Reader& reader) { return reader.query.isActive(); });
-        if (isRead && answer.rfind("error", 0) == 0)
+        if (isRead && answer.rfind("error", 0) == 0) {
             return expectNamedError(QString::fromStdString(answer), name); // comes back with the last reader
+        }
         EXPECT_EQ(answer, std::to_string(*table->featureCount())) << name.toStdString();
         // Often enough for an index: its rows have to be those of this table.
         const QString search =
             QStringLiteral("Select Count(*), Min(s) From %0 Where s = 'text %1'").arg(quoted(name));
-        for (int i = 0; i < 20; ++i)
+        for (int i = 0; i < 20; ++i) {
             ASSERT_EQ(testing::answer(database(), search.arg(i * 7)), "1|text " + std::to_string(i * 7));
+        }
         EXPECT_EQ(testing::answer(database(), search.arg(rowsPerTable + 100)), "0|NULL");
     }
 

@@ -21,8 +21,9 @@ using testing::Host;
 
 /// Two values are the same only with the same type: "1" is not 1.
 std::string describe(const QVariant& value) {
-    if (value.isNull())
+    if (value.isNull()) {
         return "NULL";
+    }
     const QByteArray text =
         value.userType() == QMetaType::QByteArray ? value.toByteArray().toHex() : value.toString().toUtf8();
     return std::string(value.typeName()) + ':' + text.toStdString();
@@ -32,8 +33,9 @@ QSqlQuery run(const QString& statement, const QVariant& operand = {}) {
     QSqlQuery query(Host::instance().engine->engineDatabase());
     query.setForwardOnly(true);
     query.prepare(Host::instance().engine->translate(statement));
-    if (operand.isValid())
+    if (operand.isValid()) {
         query.bindValue(0, operand);
+    }
     EXPECT_TRUE(query.exec()) << statement.toStdString() << ": " << query.lastError().text().toStdString();
     return query;
 }
@@ -51,10 +53,11 @@ std::vector<TestLine> readLines() {
     QString table;
     for (int number = 1; !file.atEnd(); ++number) {
         const QString line = QString::fromUtf8(file.readLine()).trimmed();
-        if (line.startsWith(QLatin1Char('[')))
+        if (line.startsWith(QLatin1Char('['))) {
             table = line.mid(1, line.size() - 2);
-        else if (!line.isEmpty() && !line.startsWith(QLatin1Char('#')))
+        } else if (!line.isEmpty() && !line.startsWith(QLatin1Char('#'))) {
             lines.push_back({table, line, number});
+        }
     }
     return lines;
 }
@@ -91,18 +94,21 @@ TEST_F(FeatureExpressionTest, AgreesWithSelectAndWhereForEveryFeature) {
         const auto tested = table(test.table.toUtf8().constData());
         ASSERT_TRUE(tested);
         auto& rows = features[test.table];
-        if (rows.empty())
+        if (rows.empty()) {
             rows = Host::features(*tested);
+        }
         FeatureExpression expression(*Host::instance().engine, *tested->schema());
         ASSERT_TRUE(expression.setText(test.expression)) << expression.lastError().toStdString();
         const QVector<QVariant> values = expression.values(rows);
         ASSERT_EQ(values.size(), static_cast<int>(rows.size()));
 
         // One by one as all at once.
-        for (std::size_t i = 0; i < rows.size(); i += 7)
+        for (std::size_t i = 0; i < rows.size(); i += 7) {
             ASSERT_EQ(describe(expression.value(rows[i])), describe(values[static_cast<int>(i)]));
-        if (isAggregate(test.expression))
+        }
+        if (isAggregate(test.expression)) {
             continue; // a feature is a table of its own
+        }
 
         std::map<std::string, int> counts;
         int trueRows = 0, row = 0;
@@ -122,8 +128,9 @@ TEST_F(FeatureExpressionTest, AgreesWithSelectAndWhereForEveryFeature) {
         // The rows of the first few values, found by the value.
         std::set<std::string> asked;
         for (int i = 0; i < values.size() && asked.size() < 5; i += 1 + i / 3) {
-            if (!asked.insert(describe(values[i])).second || values[i].isNull())
+            if (!asked.insert(describe(values[i])).second || values[i].isNull()) {
                 continue;
+            }
             QSqlQuery same(Host::instance().engine->engineDatabase());
             same.prepare(Host::instance().engine->translate(
                              QStringLiteral("Select %0 From %1").arg(test.expression, test.table)) +
@@ -132,8 +139,9 @@ TEST_F(FeatureExpressionTest, AgreesWithSelectAndWhereForEveryFeature) {
             same.bindValue(0, values[i]);
             ASSERT_TRUE(same.exec()) << same.lastError().text().toStdString();
             int found = 0;
-            for (; same.next(); ++found)
+            for (; same.next(); ++found) {
                 EXPECT_EQ(describe(same.value(0)), describe(values[i]));
+            }
             EXPECT_EQ(found, counts[describe(values[i])]) << describe(values[i]);
         }
     }
@@ -161,8 +169,9 @@ TEST_F(FeatureExpressionTest, AFeatureThatFailsLeavesTheOthersTheirValues) {
     features.insert(features.begin() + 1, {stranger, nullptr});
     const QVector<QVariant> values = expression.values(features);
     std::vector<std::string> described;
-    for (const QVariant& value : values)
+    for (const QVariant& value : values) {
         described.push_back(value.isValid() ? describe(value) : "none");
+    }
     EXPECT_THAT(described,
                 ::testing::ElementsAre("NULL", "none", "none", ::testing::StartsWith("qlonglong:-8"),
                                        ::testing::_, "NULL", ::testing::StartsWith("qlonglong:-8")));

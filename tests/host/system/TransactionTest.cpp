@@ -41,16 +41,18 @@ public:
     /// False once something was wrong.
     bool step() {
         const int kind = number(12);
-        if (kind < 9)
+        if (kind < 9) {
             edit();
-        else
+        } else {
             control(kind);
+        }
         const QString rows = QStringLiteral("Select k, name From %0 Order By k, name");
         EXPECT_EQ(ask(rows.arg(QStringLiteral("t"))).toStdString(),
                   ask(rows.arg(QStringLiteral("model"))).toStdString())
             << history();
-        if (!isInTransaction_)
+        if (!isInTransaction_) {
             compareFile();
+        }
         return !::testing::Test::HasFailure();
     }
 
@@ -112,8 +114,9 @@ private:
         std::vector<int> positions{table->schema()->indexOf(QStringLiteral("k")),
                                    table->schema()->indexOf(QStringLiteral("name"))};
         QStringList rows;
-        for (const auto& row : files::readRows(*table, files::requestOf(positions)))
+        for (const auto& row : files::readRows(*table, files::requestOf(positions))) {
             rows += QString::fromStdString(row[0] + '|' + row[1]);
+        }
         const QString model =
             ask(QStringLiteral("Select IfNull('i:' || k, 'NULL'), IfNull('t:' || name, 'NULL') From model"));
         QStringList expected = model.isEmpty() ? QStringList() : model.split(QLatin1Char('\n'));
