@@ -45,7 +45,14 @@ struct ModuleContext {
     engine::EngineCache* cache;
     std::map<QString, Source> sources; ///< by the name of the virtual table, also one it had before
 
-    Engine* engine() const { return core ? core->findService<Engine>() : nullptr; }
+    Engine* engine() const {
+        if (!knownEngine && core) {
+            knownEngine = core->findService<Engine>();
+        }
+        return knownEngine;
+    }
+
+    mutable QPointer<Engine> knownEngine = {}; ///< asked for several times for each plan
 };
 
 /// A virtual table with what its callbacks need besides.
