@@ -656,9 +656,9 @@
     </message>
     <message>
         <source>Запросы SQL к таблицам и слоям из файлов любых форматов.
-Код завершения: 0 выполнено, 1 ошибка в запросе (остальные не выполняются), 2 неверный вызов или файл не открывается, 130 прервано.</source>
+Код завершения: 0 выполнено, 1 ошибка в запросе (остальные не выполняются), 2 неверный вызов или файл не открывается, 130 прервано, 143 завершено сигналом.</source>
         <translation>SQL queries over the tables and layers of files of every format.
-Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage or a file that does not open, 130 interrupted.</translation>
+Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage or a file that does not open, 130 interrupted, 143 terminated.</translation>
     </message>
     <message>
         <source>открыть каждый слой файла под его именем</source>
@@ -987,6 +987,10 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
     <message>
         <source>прервано</source>
         <translation>interrupted</translation>
+    </message>
+    <message>
+        <source>прервано; работа не остановилась, поэтому программа завершена</source>
+        <translation>interrupted; the work did not stop, so the program has ended</translation>
     </message>
     <message>
         <source>Команды показывает .help, выход: Ctrl-D</source>

@@ -77,10 +77,11 @@ bool isOtherThanFile(const std::string& path) {
     return ::stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode);
 }
 
-std::unique_ptr<Output> makeOutput(const Options& options, bool isPrompt) {
+std::unique_ptr<Output> makeOutput(const Options& options, bool isPrompt, Interrupt& interrupt) {
     if (!options.outputPath || options.outputIsData) {
         if (::isatty(STDOUT_FILENO) && isPrompt) {
-            return std::make_unique<PagedOutput>(STDOUT_FILENO);
+            return std::make_unique<PagedOutput>(
+                STDOUT_FILENO, [&interrupt](bool isShown) { interrupt.setIgnoresKeyboard(isShown); });
         }
         if (::isatty(STDOUT_FILENO)) {
             return std::make_unique<TerminalOutput>(STDOUT_FILENO);
@@ -164,7 +165,7 @@ void finishOutput(StatementRunner& runner, Output& output) {
 ExitStatus runInputs(const Options& options, const std::vector<Input>& inputs, Interrupt& interrupt) {
     interrupt.setCleanUp(files::removeResultDirectories);
     const bool isPrompt = options.statements.empty() && inputs.empty();
-    const auto output = makeOutput(options, isPrompt);
+    const auto output = makeOutput(options, isPrompt, interrupt);
     Session session;
     const Cancelling cancelling(interrupt, session.engine());
     session.open(options);
@@ -224,5 +225,5 @@ int main(int argc, char** argv) {
     }
     const Language language(localeOption(argc, argv));
     const ExitStatus status = run(argc, argv, interrupt);
-    return interrupt.requested() ? Interrupted : status;
+    return interrupt.requested() ? interrupt.status() : status;
 }

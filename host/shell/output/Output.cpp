@@ -183,6 +183,7 @@ bool PagedOutput::page(const std::string& command) {
     if (::pipe2(pipeEnds, O_CLOEXEC) != 0) {
         return false;
     }
+    pagerRuns_(true);
     const pid_t pager = startShell(command, pipeEnds[0]);
     ::close(pipeEnds[0]);
     if (pager != 0) {
@@ -193,6 +194,7 @@ bool PagedOutput::page(const std::string& command) {
     int status = -1;
     while (pager != 0 && ::waitpid(pager, &status, 0) < 0 && errno == EINTR) {
     }
+    pagerRuns_(false);
     const bool leftByUser = WIFSIGNALED(status) && WTERMSIG(status) == SIGINT;
     return pager != 0 && (leftByUser || (WIFEXITED(status) && WEXITSTATUS(status) == 0));
 }

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -103,13 +104,17 @@ private:
 /// done. What a pager that cannot be run, or fails, may have swallowed is written to the terminal.
 class PagedOutput : public HeldOutput {
 public:
-    explicit PagedOutput(int descriptor) : HeldOutput(descriptor) {}
+    /// Tells `pagerRuns` while the pager has the keyboard: Ctrl-C is meant for the pager then.
+    PagedOutput(int descriptor, std::function<void(bool)> pagerRuns)
+        : HeldOutput(descriptor), pagerRuns_(std::move(pagerRuns)) {}
     void commit() override;
 
 private:
     bool isLongerThanScreen();
     /// False when the pager fails.
     bool page(const std::string& command);
+
+    std::function<void(bool)> pagerRuns_;
 };
 
 /// A file that takes its place, in one step, when all statements have succeeded; until then, and after a

@@ -74,6 +74,9 @@ LineEditor::Event LineEditor::read(const std::string& prompt, std::string& line)
     }
     int length = 0;
     const char* const text = el_gets(edit_.get(), &length);
+    if (cancelled_ && interrupt_.isFinal()) {
+        return Event::End;
+    }
     if (cancelled_) {
         std::fputs("^C\n", stdout);
         el_reset(edit_.get());

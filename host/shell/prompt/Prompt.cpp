@@ -42,7 +42,7 @@ std::string historyEntry(const std::string& text) {
 } // namespace
 
 void runPrompt(Session& session, StatementRunner& runner, Output& output, Interrupt& interrupt) {
-    interrupt.setExitsWhenStuck(false);
+    const PatientWork patience(interrupt, Interrupt::Patience::Long);
     PromptCommands commands(session, runner, output);
     std::string text;
     LineEditor editor(interrupt, historyPath(), [&session, &text](const std::string& lineBeforeCursor) {

@@ -1,11 +1,9 @@
 #include "host/shell/session/Interrupt.h"
 
-#include "host/shell/messages/Shell.h"
-
-#include <chrono>
 #include <csignal>
-#include <cstdio>
+#include <ctime>
 
+#include <poll.h>
 #include <sys/eventfd.h>
 #include <unistd.h>
 
@@ -13,17 +11,40 @@ namespace orvane::shell {
 
 namespace {
 
+using std::chrono::milliseconds;
+
+/// SIGHUP is not among them where it is ignored, as under nohup.
 sigset_t cancellingSignals() {
     sigset_t signals;
     sigemptyset(&signals);
     sigaddset(&signals, SIGINT);
     sigaddset(&signals, SIGTERM);
+    struct sigaction hangUp {};
+    if (::sigaction(SIGHUP, nullptr, &hangUp) == 0 && hangUp.sa_handler != SIG_IGN) {
+        sigaddset(&signals, SIGHUP);
+    }
     return signals;
+}
+
+std::optional<termios> terminalNow() {
+    termios terminal{};
+    return ::tcgetattr(STDIN_FILENO, &terminal) == 0 ? std::optional(terminal) : std::nullopt;
+}
+
+/// Ends a line that shows progress or is being typed. Does not wait for a reader: the output may be what the
+/// work is stuck in.
+void writeLastWords(const QString& text) {
+    const QByteArray line = (::isatty(STDERR_FILENO) ? "\r\033[K" : "") + ("orvane: " + text.toUtf8()) + '\n';
+    pollfd target{STDERR_FILENO, POLLOUT, 0};
+    if (::poll(&target, 1, 0) == 1 && (target.revents & POLLOUT) != 0 &&
+        ::write(STDERR_FILENO, line.constData(), static_cast<std::size_t>(line.size())) < 0) {
+        return; // nobody can be told
+    }
 }
 
 } // namespace
 
-Interrupt::Interrupt() : descriptor_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+Interrupt::Interrupt() : terminal_(terminalNow()), descriptor_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
     const sigset_t signals = cancellingSignals();
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     thread_ = std::thread([this] { wait(); });
@@ -34,9 +55,14 @@ Interrupt::~Interrupt() {
     pthread_kill(thread_.native_handle(), SIGINT);
     thread_.join();
     ::close(descriptor_);
+    const sigset_t signals = cancellingSignals();
+    pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
 }
 
 void Interrupt::reset() {
+    if (isFinal_) {
+        return;
+    }
     requested_ = false;
     eventfd_t requests = 0;
     ::eventfd_read(descriptor_, &requests);
@@ -54,23 +80,31 @@ void Interrupt::setCleanUp(std::function<void()> cleanUp) {
 
 void Interrupt::wait() {
     const sigset_t signals = cancellingSignals();
-    while (true) {
-        int signal = 0;
-        if (sigwait(&signals, &signal) != 0) {
-            continue;
+    while (!ending_) {
+        if (take(::sigwaitinfo(&signals, nullptr))) {
+            cancelUntilDone();
         }
-        if (ending_) {
-            return;
-        }
-        requested_ = true;
-        ::eventfd_write(descriptor_, 1);
-        cancelUntilDone();
     }
 }
 
+/// Whether it is one to obey.
+bool Interrupt::take(int signal) {
+    if (signal <= 0 || ending_ || (signal == SIGINT && ignoresKeyboard_)) {
+        return false;
+    }
+    if (!isFinal_) {
+        signal_ = signal;
+    }
+    isFinal_ = isFinal_ || signal != SIGINT;
+    requested_ = true;
+    ::eventfd_write(descriptor_, 1);
+    return true;
+}
+
 void Interrupt::cancelUntilDone() {
-    using namespace std::chrono;
-    const auto start = steady_clock::now();
+    const sigset_t signals = cancellingSignals();
+    const auto start = std::chrono::steady_clock::now();
+    bool isRepeated = false;
     while (requested_ && !ending_) {
         {
             const std::lock_guard lock(mutex_);
@@ -78,20 +112,35 @@ void Interrupt::cancelUntilDone() {
                 cancel_();
             }
         }
-        if (exitsWhenStuck_ && steady_clock::now() - start > milliseconds(70)) {
+        if (isOverdue(std::chrono::steady_clock::now() - start, isRepeated)) {
             exitNow();
         }
-        std::this_thread::sleep_for(milliseconds(2));
+        const timespec pause{0, 2'000'000};
+        isRepeated = take(::sigtimedwait(&signals, nullptr, &pause)) || isRepeated;
     }
 }
 
+bool Interrupt::isOverdue(std::chrono::steady_clock::duration waited, bool isRepeated) const {
+    if (patience_ == Patience::Short) {
+        return waited > milliseconds(70);
+    }
+    // A key that is held down repeats before most work has stopped.
+    return waited > (isRepeated ? milliseconds(200) : milliseconds(2000));
+}
+
 void Interrupt::exitNow() {
+    ::alarm(2); // ends the process should the file system not answer
     const std::lock_guard lock(mutex_);
     if (cleanUp_) {
         cleanUp_();
     }
-    std::fprintf(stderr, "orvane: %s\n", Shell::tr("прервано").toUtf8().constData());
-    ::_exit(Interrupted);
+    if (terminal_ && ::tcgetpgrp(STDIN_FILENO) == ::getpgrp()) {
+        ::tcsetattr(STDIN_FILENO, TCSANOW, &*terminal_);
+    }
+    writeLastWords(patience_ == Patience::Short
+                       ? Shell::tr("прервано")
+                       : Shell::tr("прервано; работа не остановилась, поэтому программа завершена"));
+    ::_exit(status());
 }
 
 } // namespace orvane::shell

@@ -213,7 +213,7 @@ std::optional<Options> parseOptions(int argc, const char* const* argv) {
     CLI::App app(text(Shell::tr(
                      "Запросы SQL к таблицам и слоям из файлов любых форматов.\n"
                      "Код завершения: 0 выполнено, 1 ошибка в запросе (остальные не выполняются), 2 неверный "
-                     "вызов или файл не открывается, 130 прервано.")),
+                     "вызов или файл не открывается, 130 прервано, 143 завершено сигналом.")),
                  "orvane");
     const auto list = [&app](const char* names, std::vector<std::string>& values, const QString& help,
                              const char* valueName) {

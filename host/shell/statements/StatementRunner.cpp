@@ -86,8 +86,7 @@ bool isSelectionTable(const sql::ast::Node& node) {
 
 } // namespace
 
-StatementRunner::StatementRunner(Session& session, Settings settings, Output& output,
-                                 const Interrupt& interrupt)
+StatementRunner::StatementRunner(Session& session, Settings settings, Output& output, Interrupt& interrupt)
     : session_(session), settings_(std::move(settings)), output_(output), interrupt_(interrupt) {}
 
 Outcome StatementRunner::run(const StatementText& text) {
@@ -228,6 +227,10 @@ Outcome StatementRunner::runSqlite(Statement& statement, const std::string& sqli
 
 Outcome StatementRunner::execute(Statement& statement, sqlite3_stmt* prepared) {
     int code = SQLITE_DONE;
+    std::optional<PatientWork> patience;
+    if (sqlite3_stmt_readonly(prepared) == 0) {
+        patience.emplace(interrupt_, Interrupt::Patience::Long); // what was changed is being taken back
+    }
     try {
         std::unique_ptr<ResultWriter> writer;
         if (sqlite3_column_count(prepared) != 0) {

@@ -37,7 +37,7 @@ public:
         bool explain = false; ///< tell how each statement was answered
     };
 
-    StatementRunner(Session& session, Settings settings, Output& output, const Interrupt& interrupt);
+    StatementRunner(Session& session, Settings settings, Output& output, Interrupt& interrupt);
 
     Settings& settings() { return settings_; }
     /// Runs the statements of a text in turn, up to the first that does not succeed.
@@ -95,7 +95,7 @@ private:
     Session& session_;
     Settings settings_;
     Output& output_;
-    const Interrupt& interrupt_;
+    Interrupt& interrupt_;
     bool dataFileIsTaken_ = false;
 };
 

@@ -9,12 +9,14 @@
 #include <QTemporaryDir>
 
 #include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <thread>
 
 #include <poll.h>
 #include <pty.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
 
 namespace orvane::shell {
@@ -82,6 +84,12 @@ public:
         }
         ADD_FAILURE() << "\"" << text << "\" did not come:\n" << unread_;
         return std::exchange(unread_, {});
+    }
+
+    void signal(int number) const { ::kill(process_, number); }
+    bool isInLineMode() const {
+        termios modes{};
+        return ::tcgetattr(descriptor_, &modes) == 0 && (modes.c_lflag & ICANON) != 0;
     }
 
     /// -1 when the program was killed or does not end within half a minute.
@@ -201,6 +209,21 @@ TEST_F(Prompt, answersCommands) {
     terminal_.readUntil("Mid(text, start, count)");
     terminal_.type(".quit\n");
     EXPECT_EQ(terminal_.exitStatus(), 0);
+}
+
+TEST_F(Prompt, endsAtSignals) {
+    for (const int signal : {SIGTERM, SIGHUP}) {
+        for (const std::string& typed :
+             {std::string("\n"), std::string("Select 1 +"), endlessQuery + std::string("\n")}) {
+            Terminal terminal(home_.path().toStdString(), {ORVANE_EXAMPLE_DATA "/cities.shp"});
+            terminal.readUntil("orvane> ");
+            terminal.type(typed);
+            terminal.readUntil(typed.size() > 20 ? "0 rows" : typed.substr(typed.size() - 1));
+            terminal.signal(signal);
+            EXPECT_EQ(terminal.exitStatus(), 128 + signal) << typed;
+            EXPECT_TRUE(terminal.isInLineMode()) << typed;
+        }
+    }
 }
 
 TEST_F(Prompt, endsAtCtrlDWheneverItIsTyped) {
