@@ -327,6 +327,14 @@
         <source>в нём нет таблиц в известном формате</source>
         <translation>it has no tables in a known format</translation>
     </message>
+    <message>
+        <source>Не удалось открыть «%1»: это не файл и не папка</source>
+        <translation>Cannot open &quot;%1&quot;: it is neither a file nor a folder</translation>
+    </message>
+    <message>
+        <source>файл повреждён: фигура %1 другого вида, чем все; его можно только читать</source>
+        <translation>the file is damaged: shape %1 is of another kind than the rest; it can only be read</translation>
+    </message>
 </context>
 <context>
     <name>orvane::files::FeatureWriter</name>

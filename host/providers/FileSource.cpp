@@ -3,6 +3,7 @@
 #include "host/providers/datasets/Archive.h"
 #include "host/providers/datasets/DatasetPool.h"
 #include "host/providers/datasets/DbfEncoding.h"
+#include "host/providers/datasets/FileChecks.h"
 #include "host/providers/datasets/GdalErrors.h"
 #include "host/providers/datasets/GdalHandles.h"
 #include "host/providers/datasets/LayerSchema.h"
@@ -126,6 +127,7 @@ bool holdsMoreThanText(const QString& archive) {
 /// The layers of a file, or the text tables in an archive.
 Opened openAll(const SourceName& source) {
     Opened opened;
+    requireOrdinaryFile(source.path.toUtf8());
     if (isTextTableName(source.path) && !QFileInfo(source.path).isDir()) {
         openTextTable(source.path, source, opened);
         return opened;

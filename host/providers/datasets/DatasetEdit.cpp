@@ -2,6 +2,7 @@
 
 #include "host/providers/datasets/CheckedFiles.h"
 #include "host/providers/datasets/DatasetPool.h"
+#include "host/providers/datasets/FileChecks.h"
 #include "host/providers/datasets/GdalErrors.h"
 #include "platform/utils/Quoting.h"
 #include "platform/work/Cancellation.h"
@@ -68,6 +69,11 @@ DatasetEdit::DatasetEdit(DatasetPool& pool) : FileEdit(QString::fromUtf8(pool.so
     const GdalErrorScope errors;
     if (!GDALGetInternalHandle(original.dataset(), "SQLITE_HANDLE")) {
         makeCopy(filesOf(path(), original.dataset()));
+        try {
+            requireShapesOfOneKind(path());
+        } catch (const std::runtime_error& error) {
+            raiseUnwritten(QString::fromUtf8(error.what()));
+        }
     }
     reopen();
 }

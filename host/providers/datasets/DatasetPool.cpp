@@ -2,6 +2,7 @@
 
 #include "host/providers/datasets/Archive.h"
 #include "host/providers/datasets/DatasetEdit.h"
+#include "host/providers/datasets/FileChecks.h"
 #include "host/providers/datasets/GdalErrors.h"
 
 #include <QFileInfo>
@@ -92,6 +93,7 @@ void DatasetPool::discardHandles() {
 }
 
 DatasetHandle DatasetPool::open(unsigned flags, const QByteArray& path) const {
+    requireOrdinaryFile(path);
     const auto drivers = nullTerminated(source_.drivers);
     const auto options = nullTerminated(source_.openOptions);
     const GdalErrorScope errors;

@@ -1,6 +1,7 @@
 #include "host/providers/text/RecordReader.h"
 
 #include "host/providers/datasets/Archive.h"
+#include "host/providers/datasets/FileChecks.h"
 #include "platform/utils/Utf8.h"
 
 #include <algorithm>
@@ -50,6 +51,7 @@ QTextCodec* codecNamed(const QByteArray& encoding) {
 }
 
 VsiHandle openTextFile(const QByteArray& path) {
+    requireOrdinaryFile(path);
     errno = 0;
     VsiHandle file(VSIFOpenL(path.constData(), "rb"));
     if (!file) {

@@ -11,6 +11,8 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <functional>
+
 namespace orvane::files {
 namespace {
 
@@ -159,6 +161,29 @@ TEST_F(Edits, valuesThatDoNotFitAreRefused) {
         EXPECT_THROW(table->updateAttributes(changes, {table->schema()->geometryIndex()}), dp::EditError);
     }
     EXPECT_EQ(readRows(*table, everything(*table)), before);
+}
+
+TEST_F(Edits, aShapefileWithShapesOfTwoKindsCanOnlyBeRead) {
+    auto table = tableOf({"ESRI Shapefile", "shp"});
+    const auto before = rowCount(*table);
+    QFile file(directory_.filePath(QStringLiteral("types.shp")));
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    file.seek(100 + 8); // the kind of the first shape, behind the header and that of the record
+    file.write("\x63", 1);
+    file.close();
+    table = openFile(file.fileName()).front();
+    const auto feature = firstFeature(*table);
+    for (const std::function<void()>& edit : std::vector<std::function<void()>>{
+             [&] { table->deleteFeature(feature->id()); }, [&] { table->updateFeature(*feature); },
+             [&] { table->insertFeature(*feature); }}) {
+        try {
+            edit();
+            ADD_FAILURE();
+        } catch (const std::runtime_error& error) {
+            EXPECT_THAT(error.what(), testing::HasSubstr("types.shp»: файл повреждён: фигура 0"));
+        }
+    }
+    EXPECT_EQ(rowCount(*table), before);
 }
 
 TEST_F(Edits, aTextTableKeepsTheTextsOfItsOtherValues) {

@@ -13,6 +13,8 @@
 
 #include <random>
 
+#include <sys/stat.h>
+
 namespace orvane::files {
 namespace {
 
@@ -278,6 +280,15 @@ TEST_F(OpenFile, whatDoesNotOpenSaysWhy) {
     for (const auto& [path, reason] : cases) {
         EXPECT_EQ(failure(path), "Не удалось открыть «" + path.toStdString() + "»: " + reason);
     }
+    for (const char* name : {"pipe.gpkg", "pipe.csv", "pipe.zip", "garbage.gpkg-wal", "empty.prj"}) {
+        const QString path = directory_.filePath(QLatin1String(name));
+        ASSERT_EQ(::mkfifo(path.toLocal8Bit().constData(), 0600), 0);
+        const QString opened = path.contains(QLatin1String("pipe")) ? path
+                               : path.endsWith(QLatin1String("wal"))
+                                   ? directory_.filePath(QStringLiteral("garbage.gpkg"))
+                                   : directory_.filePath(QStringLiteral("empty.csv"));
+        EXPECT_EQ(failure(opened), "Не удалось открыть «" + path.toStdString() + "»: это не файл и не папка");
+    }
     const auto vrt = write("v.vrt", "<OGRVRTDataSource><OGRVRTLayer name=\"pw\"><SrcDataSource>absent.csv"
                                     "</SrcDataSource></OGRVRTLayer></OGRVRTDataSource>");
     EXPECT_THAT(failure(vrt), testing::AllOf(testing::HasSubstr("v.vrt"), testing::HasSubstr("absent.csv")));
@@ -286,6 +297,19 @@ TEST_F(OpenFile, whatDoesNotOpenSaysWhy) {
     for (const auto& [text, reason] : broken) {
         EXPECT_THAT(failure(write("broken.csv", text)),
                     testing::HasSubstr(std::string("broken.csv»: ") + reason));
+    }
+}
+
+TEST_F(OpenFile, aPipeInTheFilesPlaceIsNotWaitedFor) {
+    const auto path = write("towns.csv", "a\n1\n");
+    const auto table = openFile(path).front();
+    ASSERT_TRUE(QFile::remove(path));
+    ASSERT_EQ(::mkfifo(path.toLocal8Bit().constData(), 0600), 0);
+    try {
+        readRows(*table, everything(*table));
+        ADD_FAILURE();
+    } catch (const std::runtime_error& error) {
+        EXPECT_THAT(error.what(), testing::HasSubstr("это не файл и не папка"));
     }
 }
 
