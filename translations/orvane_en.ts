@@ -881,6 +881,14 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
         <translation>the sum is too large</translation>
     </message>
     <message>
+        <source>угол функции %1 больше миллиона градусов</source>
+        <translation>an angle of the function %1 is larger than a million degrees</translation>
+    </message>
+    <message>
+        <source>у функции %1 получилось бы больше двух миллионов частей</source>
+        <translation>the function %1 would make more than two million parts</translation>
+    </message>
+    <message>
         <source>корень извлекается только из числа, которое не меньше нуля</source>
         <translation>a square root needs a number that is not below zero</translation>
     </message>
@@ -929,8 +937,8 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
         <translation>this is not allowed here</translation>
     </message>
     <message>
-        <source>значение больше миллиарда байт</source>
-        <translation>a value of more than a thousand million bytes</translation>
+        <source>значение больше 256 мегабайт</source>
+        <translation>a value of more than 256 megabytes</translation>
     </message>
     <message>
         <source>не хватает памяти</source>

@@ -65,6 +65,9 @@ QStringList firstColumn(sqlite3* database, const QString& sql) {
     return texts;
 }
 
+/// Bytes of a text or a blob.
+constexpr int longestValue = 256 << 20;
+
 std::string_view view(const void* text, int length) {
     return {static_cast<const char*>(text), static_cast<std::size_t>(length)};
 }
@@ -89,6 +92,8 @@ Engine::Internal::Internal(Engine* owner)
         throw err::SqliteException(
             db, message(QT_TRANSLATE_NOOP("QObject", "Поддержка расширений %0"), "SQLITE"));
     }
+    // Less than SQLite's own bound, since a text that is being made cannot be cancelled.
+    sqlite3_limit(db, SQLITE_LIMIT_LENGTH, longestValue);
     initialiseSpatialite();
     leaveBloomFiltersOut(db);
     virtualTables_ = std::make_unique<VirtualTables>(database_, db);

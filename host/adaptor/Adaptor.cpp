@@ -15,7 +15,7 @@ int initialise(sqlite3* database, char** errorMessage, Core* core, engine::Engin
     // SQLite would take a misspelt column name in quotes for a text and answer with that text.
     int code = sqlite3_db_config(database, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
     if (code == SQLITE_OK) {
-        code = registerFunctions(database, allFunctionRecords(), cache);
+        code = registerAllFunctions(database, cache);
     }
     if (code == SQLITE_OK) {
         code = registerModule(database, moduleName(), *core, *cache);

@@ -1,6 +1,7 @@
 #include "host/adaptor/functions/FunctionRegistry.h"
 
 #include <orvane/engine/EngineCache.h>
+#include <orvane/engine/functions/Bounded.h>
 
 namespace orvane::adaptor {
 
@@ -29,6 +30,11 @@ int registerFunctions(sqlite3* database, std::span<const FunctionRecord> records
         }
     }
     return SQLITE_OK;
+}
+
+int registerAllFunctions(sqlite3* database, engine::EngineCache* cache) {
+    const int code = registerFunctions(database, allFunctionRecords(), cache);
+    return code == SQLITE_OK ? engine::boundFunctions(database) : code;
 }
 
 } // namespace orvane::adaptor

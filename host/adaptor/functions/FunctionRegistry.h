@@ -22,4 +22,7 @@ ORVANE_ADAPTOR_EXPORT std::vector<FunctionRecord> allFunctionRecords();
 ORVANE_ADAPTOR_EXPORT int registerFunctions(sqlite3* database, std::span<const FunctionRecord> records,
                                             engine::EngineCache* cache);
 
+/// Registers every family, and bounds the functions of SpatiaLite beside them.
+ORVANE_ADAPTOR_EXPORT int registerAllFunctions(sqlite3* database, engine::EngineCache* cache);
+
 } // namespace orvane::adaptor

@@ -62,7 +62,7 @@ SqlFunctions::SqlFunctions() : spatialite_(spatialite_alloc_connection()) {
     }
     database_.reset(database);
     spatialite_init_ex(database, spatialite_.get(), 0);
-    if (adaptor::registerFunctions(database, records(), &cache_) != SQLITE_OK) {
+    if (adaptor::registerAllFunctions(database, &cache_) != SQLITE_OK) {
         throw std::runtime_error(sqlite3_errmsg(database));
     }
 }
