@@ -933,8 +933,12 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
         <translation>the second argument of %1 must be a number from 0 to 1</translation>
     </message>
     <message>
-        <source>здесь это запрещено</source>
-        <translation>this is not allowed here</translation>
+        <source>функция %1 недоступна: её нет в справке по функциям</source>
+        <translation>the function %1 cannot be called: it is not in the reference of functions</translation>
+    </message>
+    <message>
+        <source>запросам недоступно: %1</source>
+        <translation>queries cannot do this: %1</translation>
     </message>
     <message>
         <source>значение больше 256 мегабайт</source>

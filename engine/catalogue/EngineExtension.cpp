@@ -7,6 +7,7 @@
 #include "platform/dp/Table.h"
 #include "platform/log/Logger.h"
 #include <orvane/Engine.h>
+#include <orvane/engine/OwnStatements.h>
 #include <orvane/engine/TableManagement.h>
 
 #include <QRegularExpression>
@@ -137,6 +138,7 @@ void EngineExtension::connectDataObject(const dp::DataObject& object) {
 }
 
 bool EngineExtension::exec(QSqlDatabase database, const QString& sql) {
+    const engine::OwnStatements own;
     QSqlQuery query(database);
     if (query.exec(sql)) {
         return true;
@@ -203,6 +205,7 @@ void EngineExtension::handleDataObject(const dp::DataObject* dobj) {
             QStringLiteral("Create Virtual Table %0 Using %1(%2);")
                 .arg(tableIdentifier(database, dobj->name()), tableIdentifier(database, module),
                      formatArgs(*database.driver(), moduleArguments));
+        const engine::OwnStatements own;
         const QSqlQuery query = database.exec(sql);
         if (!query.isActive()) {
             loggerInstance()->write(

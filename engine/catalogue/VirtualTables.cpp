@@ -1,6 +1,7 @@
 #include "engine/catalogue/VirtualTables.h"
 
 #include "platform/utils/Quoting.h"
+#include <orvane/engine/OwnStatements.h>
 
 #include <QScopedValueRollback>
 #include <QSqlError>
@@ -157,6 +158,7 @@ bool VirtualTables::dropClosed(const Table& closed) {
     if (find(closed.name) || definitionOf(closed.name) != closed.definition) {
         return true;
     }
+    const engine::OwnStatements own;
     QSqlQuery query(database_);
     constexpr int primaryCode = 0xFF; // without what SQLite adds to tell one lock from another
     return query.exec(QStringLiteral("Drop Table %0").arg(utils::sqlIdentifier(closed.name))) ||

@@ -11,6 +11,7 @@
 #include "platform/work/Cancellation.h"
 #include <orvane/engine/ColumnNames.h>
 #include <orvane/engine/GeometryConversions.h>
+#include <orvane/engine/OwnStatements.h>
 #include <orvane/engine/functions/Converters.h>
 
 #include <QCoreApplication>
@@ -83,6 +84,7 @@ EngineExpression::~EngineExpression() {
     expression_.reset();
     ofValues_.reset();
     if (!tableName().isEmpty()) {
+        const OwnStatements own;
         QSqlQuery(database_).exec(QStringLiteral("Drop Table If Exists %0;").arg(tableName()));
     }
 }
@@ -97,6 +99,7 @@ void EngineExpression::createTable(const dp::TableSchema& schema, EngineCache* c
             return toExtensionValue(value);
         });
     }
+    const OwnStatements own;
     QSqlQuery query(database_);
     valid_ = query.exec(QStringLiteral("Create Virtual Table temp.%0 Using %0;").arg(tableName()));
     lastErrorText_ = query.lastError().text();

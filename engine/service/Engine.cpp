@@ -93,8 +93,11 @@ void Engine::loadDatabaseModule(const char* path) {
     if (!database) {
         throw std::logic_error(QObject::tr("Не инициализировано").toStdString());
     }
+    const std::vector<std::string> known = internal_->permissions().modules();
     SqliteText reason;
-    if (sqlite3_load_extension(database, path, nullptr, reason.address()) != SQLITE_OK) {
+    const int code = sqlite3_load_extension(database, path, nullptr, reason.address());
+    internal_->permissions().closeModulesBut(known);
+    if (code != SQLITE_OK) {
         throw err::SqliteException(database, loadFailure(QString::fromUtf8(path), reason));
     }
 }
@@ -105,6 +108,20 @@ void Engine::loadTableAdapterModule(Core* core, TableAdapterInit init) {
     if (init(database, reason.address(), core, internal_.get()) != SQLITE_OK) {
         throw err::SqliteException(database, loadFailure(QStringLiteral("tableAdaptor"), reason));
     }
+}
+
+void Engine::allowFunctions(const QStringList& names) {
+    for (const QString& name : names) {
+        internal_->permissions().allow(name.toStdString());
+    }
+}
+
+bool Engine::allowsFunction(const QString& name) const {
+    return internal_->permissions().allows(name.toStdString());
+}
+
+QString Engine::refusedAction() const {
+    return QString::fromStdString(internal_->permissions().refused());
 }
 
 void Engine::registerManagement(std::unique_ptr<engine::TableManagement> management) {

@@ -96,6 +96,7 @@ Engine::Internal::Internal(Engine* owner)
     sqlite3_limit(db, SQLITE_LIMIT_LENGTH, longestValue);
     initialiseSpatialite();
     leaveBloomFiltersOut(db);
+    permissions_ = std::make_unique<Permissions>(db);
     virtualTables_ = std::make_unique<VirtualTables>(database_, db);
     sqlite3_trace_v2(
         db, SQLITE_TRACE_STMT,
@@ -118,6 +119,7 @@ void Engine::Internal::letGoOfConnection() {
     if (!db) {
         return; // somebody has removed the connection
     }
+    permissions_->letGo();
     for (sqlite3_stmt* each = sqlite3_next_stmt(db, nullptr); each; each = sqlite3_next_stmt(db, each)) {
         sqlite3_reset(each);
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/catalogue/VirtualTables.h"
+#include "engine/service/Permissions.h"
 #include <orvane/Engine.h>
 #include <orvane/engine/EngineCache.h>
 #include <orvane/engine/EngineIndices.h>
@@ -39,6 +40,7 @@ public:
     std::map<QString, std::unique_ptr<engine::TableManagement>>& managements() { return managements_; }
 
     VirtualTables& virtualTables() { return *virtualTables_; }
+    Permissions& permissions() { return *permissions_; }
 
 private:
     struct SpatialiteCleanUp {
@@ -58,6 +60,7 @@ private:
     std::unique_ptr<engine::LocaleOrder> localeOrder_; ///< made when texts are first compared
     std::unique_ptr<void, SpatialiteCleanUp> spatialiteConnection_;
     sql::SqlRuntime* runtime_ = nullptr;
+    std::unique_ptr<Permissions> permissions_;
     std::unique_ptr<VirtualTables> virtualTables_;
     std::map<QString, std::unique_ptr<engine::EngineIndices>> tableIndices_;
     std::map<QString, std::unique_ptr<engine::TableManagement>> managements_;

@@ -2,10 +2,25 @@
 
 #include "host/adaptor/functions/FunctionRegistry.h"
 #include "host/adaptor/module/VirtualTableModule.h"
+#include "platform/core/Core.h"
+#include <orvane/Engine.h>
 
 #include <sqlite3.h>
 
 namespace orvane::adaptor {
+
+namespace {
+
+void allowFunctions(const Core& core) {
+    auto* engine = core.findService<Engine>();
+    for (const FunctionRecord& record : allFunctionRecords()) {
+        for (const char* name : engine ? record.names() : std::vector<const char*>()) {
+            engine->allowFunctions({QString::fromLatin1(name)});
+        }
+    }
+}
+
+} // namespace
 
 const char* moduleName() {
     return "OrvaneTable";
@@ -16,6 +31,7 @@ int initialise(sqlite3* database, char** errorMessage, Core* core, engine::Engin
     int code = sqlite3_db_config(database, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
     if (code == SQLITE_OK) {
         code = registerAllFunctions(database, cache);
+        allowFunctions(*core);
     }
     if (code == SQLITE_OK) {
         code = registerModule(database, moduleName(), *core, *cache);

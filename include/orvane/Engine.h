@@ -74,6 +74,16 @@ public:
     /// Lets the table adaptor install itself. Throws err::SqliteException with the adaptor's text.
     void loadTableAdapterModule(Core* core, TableAdapterInit init);
 
+    /// Lets statements call these functions: scalar, aggregate and table-valued ones, in any letter case.
+    /// Without it a statement can call the dialect's functions (sqlFunctionSet) only, whatever else SQLite,
+    /// SpatiaLite or a loaded module has registered; read the tables and change their rows; and neither make
+    /// nor drop nor attach anything. For statements of the host's own see engine::OwnStatements.
+    void allowFunctions(const QStringList& names);
+    bool allowsFunction(const QString& name) const;
+    /// What a statement wanted that was refused last, "Attach other.db" for instance: SQLite's own message is
+    /// "not authorized". Empty when nothing was refused.
+    QString refusedAction() const;
+
     /// The dialect's functions of the given kinds that the engine database has, as the dialect spells them.
     std::set<QString, engine::caseInsensitiveLess>
     functionSet(QFlags<sql::FunctionInfo::TypeMask> mask) const;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <orvane/engine/OwnStatements.h>
+
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -29,6 +31,12 @@ inline std::string answer(const QSqlDatabase& database, const QString& sql) {
         return "error: " + query.lastError().text().toStdString();
     }
     return rows.join(QLatin1Char('\n')).toStdString();
+}
+
+/// The same for a statement of the test's own, which may make and drop tables of the engine database.
+inline std::string ownAnswer(const QSqlDatabase& database, const QString& sql) {
+    const engine::OwnStatements own;
+    return answer(database, sql);
 }
 
 } // namespace orvane::testing

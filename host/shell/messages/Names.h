@@ -3,11 +3,12 @@
 #include <QString>
 #include <QStringList>
 
-#include <sqlite3.h>
-
-namespace orvane::dp {
+namespace orvane {
+class Engine;
+namespace dp {
 class DataCatalog;
 }
+} // namespace orvane
 
 namespace orvane::shell {
 
@@ -15,20 +16,18 @@ namespace orvane::shell {
 QString userColumnName(const QString& column);
 
 /// The names that statements can use now, as the user writes them. For messages and completion: each question
-/// is a query. Neither database nor catalogue is owned; both are used from the thread of the engine.
+/// is a query. Neither engine nor catalogue is owned; both are used from the thread of the engine.
 class Names {
 public:
-    Names(sqlite3* database, const dp::DataCatalog& catalog) : database_(database), catalog_(catalog) {}
+    Names(const Engine& engine, const dp::DataCatalog& catalog) : engine_(engine), catalog_(catalog) {}
 
     QStringList tables() const;
-    /// Of a table or view, in their order; empty for one that does not exist.
+    /// Of a table, in their order; empty for one that does not exist.
     QStringList columns(const QString& table) const;
     QStringList functions() const;
 
 private:
-    QStringList firstColumn(const char* sql, const QString& parameter = QString()) const;
-
-    sqlite3* database_;
+    const Engine& engine_;
     const dp::DataCatalog& catalog_;
 };
 

@@ -46,7 +46,7 @@ public:
     Engine& engine() const { return *engine_; }
     sqlite3* database() const { return database_; }
     dp::DataCatalogWithSelection& catalog() { return catalog_; }
-    Names names() const { return {database_, catalog_}; }
+    Names names() const { return {*engine_, catalog_}; }
 
 private:
     void apply(const Options& options);

@@ -288,7 +288,10 @@ Outcome StatementRunner::finish(Statement& statement) {
 
 Outcome StatementRunner::failSqlite(const Statement& statement, const std::string& sqliteText,
                                     std::size_t offset) {
-    const QString message = QString::fromUtf8(sqlite3_errmsg(session_.database()));
+    QString message = QString::fromUtf8(sqlite3_errmsg(session_.database()));
+    if (message == QLatin1String("not authorized") || message == QLatin1String("authorization denied")) {
+        message = QStringLiteral("not authorized: ") + session_.engine().refusedAction();
+    }
     const int errorOffset = sqlite3_error_offset(session_.database());
     if (sqlite3_errcode(session_.database()) == SQLITE_INTERRUPT) {
         return cancel();

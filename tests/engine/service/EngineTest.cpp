@@ -204,6 +204,7 @@ TEST(Engine, ComparisonsOfTranslatedTextAreUnderLocale) {
 }
 
 TEST(Engine, NamesBeyondAsciiAreSpeltAsTheyAreDeclared) {
+    const engine::OwnStatements own;
     QSqlQuery query(theEngine().engineDatabase());
     query.exec(QStringLiteral("Create Temp Table Реки (Ключ, Имя)"));
     query.exec(QStringLiteral("Create Temp Table длины (ключ)"));

@@ -79,6 +79,10 @@ protected:
     static std::string ask(const std::string& sql) {
         return answer(engine().engineDatabase(), QString::fromStdString(sql));
     }
+    /// A statement that makes or drops tables.
+    static std::string define(const std::string& sql) {
+        return ownAnswer(engine().engineDatabase(), QString::fromStdString(sql));
+    }
 
     std::unique_ptr<MemoryExtension> extension_;
 };

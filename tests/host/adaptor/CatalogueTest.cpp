@@ -217,7 +217,7 @@ TEST_F(CatalogueTest, RenamedObjectsAreFoundUnderTheNewName) {
         EXPECT_NE(engine().findManagement(QStringLiteral("after")), nullptr);
         EXPECT_EQ(engine().findManagement(QStringLiteral("before")), nullptr);
         catalog().close(QStringLiteral("after"));
-        ask("Drop Table If Exists after");
+        define("Drop Table If Exists after");
         QCoreApplication::processEvents();
     }
 }
@@ -262,7 +262,7 @@ TEST_F(CatalogueTest, TransactionsEndWithTheTablesOfTheCatalogue) {
 TEST_F(CatalogueTest, ARenameThatFailsLeavesTheTableAsItWas) {
     link(true);
     openTowns("before");
-    ask("Create Table after(own)");
+    define("Create Table after(own)");
     ask("Insert Into after Values('mine')");
     ASSERT_TRUE(catalog().rename(QStringLiteral("before"), QStringLiteral("after")));
     QCoreApplication::processEvents();
@@ -271,7 +271,7 @@ TEST_F(CatalogueTest, ARenameThatFailsLeavesTheTableAsItWas) {
     QCoreApplication::processEvents();
     EXPECT_THAT(ask("Select Count(*) From before"), HasSubstr("no such table"));
     EXPECT_EQ(ask("Select own From after"), "mine");
-    ask("Drop Table after");
+    define("Drop Table after");
 }
 
 TEST_F(CatalogueTest, TablesOfAnotherExtensionAreLeftAlone) {

@@ -98,7 +98,7 @@ protected:
     void TearDown() override {
         AdaptorTest::TearDown();
         for (const QString& name : tables_) {
-            ask("Drop Table plain_" + name.toStdString());
+            define("Drop Table plain_" + name.toStdString());
         }
         files_.reset();
     }
@@ -131,7 +131,7 @@ protected:
         QString sql = QString::fromStdString(adaptor::TableDeclaration(*table.schema()).sql());
         sql.replace(0, QStringLiteral("Create Table x(").size(),
                     QStringLiteral("Create Table plain_%0(").arg(table.name()));
-        ASSERT_EQ(ask(sql.toStdString()), "");
+        ASSERT_EQ(define(sql.toStdString()), "");
         const QString columns = visibleColumns(table);
         ASSERT_EQ(ask(QStringLiteral("Insert Into plain_%0(%1) Select %1 From %0")
                           .arg(table.name(), columns)

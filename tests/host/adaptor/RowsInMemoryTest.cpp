@@ -39,9 +39,9 @@ protected:
              {attribute("number", QMetaType::LongLong), attribute("word", QMetaType::QString),
               attribute("size", QMetaType::Double), attribute("day", QMetaType::QDate)},
              std::move(rows));
-        ask("Drop Table If Exists temp.native_" + name);
-        ask("Create Temp Table native_" + name +
-            "(number Integer, word Text Collate Locale, size Real, day Text)");
+        define("Drop Table If Exists temp.native_" + name);
+        define("Create Temp Table native_" + name +
+               "(number Integer, word Text Collate Locale, size Real, day Text)");
         ask("Insert Into temp.native_" + name + " Select number, word, size, day From " + name);
     }
 

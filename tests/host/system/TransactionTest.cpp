@@ -31,6 +31,7 @@ QString ask(const QString& sql) {
 class RandomEdits {
 public:
     RandomEdits(unsigned seed, QString file) : random_(seed), file_(std::move(file)) {
+        const engine::OwnStatements own;
         ask(QStringLiteral("Drop Table If Exists model"));
         ask(QStringLiteral(
             "Create Temp Table model(k Integer Check (TypeOf(k) In ('integer', 'null')), name Text)"));
