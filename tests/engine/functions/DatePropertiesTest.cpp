@@ -4,11 +4,11 @@
 #include "support/TimeZone.h"
 
 #include <QDate>
-#include <QElapsedTimer>
 #include <QLocale>
 
 #include <gtest/gtest.h>
 
+#include <ctime>
 #include <random>
 
 using orvane::tests::SqlFunctions;
@@ -111,13 +111,12 @@ TEST_P(DateProperties, ArbitraryTextIsReadWithoutHarm) {
 
 TEST_P(DateProperties, LongTextsTakeNoTime) {
     const SqlFunctions functions;
-    QElapsedTimer timer;
-    timer.start();
+    const std::clock_t start = std::clock(); // of this process, whatever else the machine does
     for (const char* piece : {"1.2.3 ", "x5 ", "1:x ", "2001:", "7 "}) {
         const QString text = QString::fromLatin1(piece).repeated(50000) + QLatin1String(" 3 sunday");
         call(functions, "StringToDate(?1)", text);
     }
-    EXPECT_LT(timer.elapsed(), 2000);
+    EXPECT_LT(std::clock() - start, 2 * CLOCKS_PER_SEC);
 }
 
 TEST_P(DateProperties, NumbersOfOneInstantAgree) {

@@ -7,11 +7,11 @@
 #include "engine/functions/PatternMatch.h"
 #include "platform/dp/SqliteDatabaseAccess.h"
 
-#include <QElapsedTimer>
 #include <QRegularExpression>
 
 #include <gtest/gtest.h>
 
+#include <ctime>
 #include <random>
 
 using orvane::engine::PatternMatch;
@@ -143,13 +143,12 @@ TEST(PatternMatch, LettersThatQtDoesNotKnowYetMatchToo) {
 
 TEST(PatternMatch, ManyRunsOverALongTextTakeNoTime) {
     const std::string text(100000, 'a');
-    QElapsedTimer timer;
-    timer.start();
+    const std::clock_t start = std::clock(); // of this process, whatever else the machine does
     for (const char* pattern : {"%a%a%a%a%b", "%a%a%a%a%a%a%a%a%b%", "%_a_%_a_%b", "%aaaaaaaaaaaaaaaab"}) {
         EXPECT_FALSE(like(pattern, text)) << pattern;
     }
     EXPECT_TRUE(like("%a%a%a%a", text));
-    EXPECT_LT(timer.elapsed(), 1000);
+    EXPECT_LT(std::clock() - start, CLOCKS_PER_SEC);
 }
 
 TEST(PatternMatch, AConstantPatternServesEveryRowAndAColumnEachItsOwn) {
