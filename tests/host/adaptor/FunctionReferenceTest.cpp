@@ -1,5 +1,7 @@
 #include "AdaptorFixture.h"
 
+#include "support/DefaultLocale.h"
+
 #include "host/adaptor/functions/FunctionReference.h"
 #include "host/adaptor/functions/FunctionRegistry.h"
 
@@ -20,10 +22,8 @@ protected:
     static sqlite3* database() {
         return *static_cast<sqlite3* const*>(engine().engineDatabase().driver()->handle().constData());
     }
-    void SetUp() override {
-        AdaptorTest::SetUp();
-        QLocale::setDefault(QLocale::c());
-    }
+
+    const tests::DefaultLocale locale_{"C"};
 };
 
 constexpr int everyKind = 11;
