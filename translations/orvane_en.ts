@@ -1213,8 +1213,8 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
         <translation>the disk cannot be read or written</translation>
     </message>
     <message>
-        <source>слишком глубоко вложено: SQLite допускает около 20 вызовов функций или операторов + / \ ^ друг в друге; вычислите внутреннюю часть во вложенном запросе (With или From)</source>
-        <translation>nested too deeply: SQLite takes about 20 function calls or operators + / \ ^ within one another; calculate the inner part in a query within (With or From)</translation>
+        <source>слишком глубоко вложено: SQLite допускает около 20 вызовов функций, Case или операторов + / \ ^ друг в друге; вычислите внутреннюю часть во вложенном запросе (With или From)</source>
+        <translation>nested too deeply: SQLite takes about 20 function calls, Case or operators + / \ ^ within one another; calculate the inner part in a query within (With or From)</translation>
     </message>
     <message>
         <source>таблицы «%0» нет после From</source>
@@ -1389,6 +1389,24 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
     <message>
         <source>Не удалось записать «%1»</source>
         <translation>Cannot write "%1"</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::files::ExchangeJournal</name>
+    <message>
+        <source>это не запись о замене файлов</source>
+        <translation>this is no record of files being replaced</translation>
+    </message>
+    <message>
+        <source>файлы в этой папке заменяет другая программа</source>
+        <translation>another program is replacing files in this folder</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::files::HotJournal</name>
+    <message>
+        <source>«%1»: прерванную запись не удалось отменить: %2</source>
+        <translation>"%1": an interrupted change could not be taken back: %2</translation>
     </message>
 </context>
 <context>

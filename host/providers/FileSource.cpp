@@ -3,6 +3,7 @@
 #include "host/providers/datasets/Archive.h"
 #include "host/providers/datasets/DatasetPool.h"
 #include "host/providers/datasets/DbfEncoding.h"
+#include "host/providers/datasets/ExchangeJournal.h"
 #include "host/providers/datasets/FileChecks.h"
 #include "host/providers/datasets/GdalErrors.h"
 #include "host/providers/datasets/GdalHandles.h"
@@ -169,6 +170,7 @@ void requireFewColumns(const LayerTable& table, const QString& path) {
 std::vector<std::shared_ptr<LayerTable>> openFile(const QString& source, const OpenOptions& options) {
     registerDrivers();
     auto name = splitSource(source);
+    settleExchangeAround(QFile::encodeName(name.path).toStdString());
     if (!options.encoding.isEmpty()) {
         name.encoding = options.encoding;
     }

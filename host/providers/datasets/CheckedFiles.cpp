@@ -99,6 +99,9 @@ QByteArray checkedPath(const QString& path) {
     return prefix + QFileInfo(path).absoluteFilePath().toUtf8();
 }
 
+TemporaryFilesBeside::TemporaryFilesBeside(const QString& path)
+    : directory_("CPL_TMPDIR", checkedPath(QFileInfo(path).absolutePath()).constData()) {}
+
 QString withoutCheckedPrefix(QString text) {
     return text.remove(QLatin1String(prefix));
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "host/providers/datasets/GdalHandles.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -12,5 +14,15 @@ QByteArray checkedPath(const QString& path);
 
 /// A path in a message of GDAL's without what checkedPath() has put before it.
 QString withoutCheckedPrefix(QString text);
+
+/// While it lives, drivers put their temporary files beside a file: with a checked path they would take the
+/// working directory. For this thread.
+class TemporaryFilesBeside {
+public:
+    explicit TemporaryFilesBeside(const QString& path);
+
+private:
+    ThreadOption directory_;
+};
 
 } // namespace orvane::files

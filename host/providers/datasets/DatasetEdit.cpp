@@ -122,6 +122,7 @@ qint64 DatasetEdit::numberOf(const char* query) {
 }
 
 void DatasetEdit::close() noexcept {
+    const TemporaryFilesBeside temporaryFiles(path());
     const GdalErrorScope errors; // what has to be written is by now, or is not wanted
     users_.clear();
     dataset_.reset();
@@ -157,6 +158,7 @@ std::shared_ptr<void> DatasetEdit::sharedDataset() const {
 }
 
 void DatasetEdit::writeOut() {
+    const TemporaryFilesBeside temporaryFiles(path());
     const GdalErrorScope errors;
     if (!hasCopy()) {
         GDALFlushCache(dataset());
@@ -170,6 +172,7 @@ void DatasetEdit::writeOut() {
 }
 
 void DatasetEdit::finish() {
+    const TemporaryFilesBeside temporaryFiles(path());
     const GdalErrorScope errors;
     users_.clear();
     if (hasCopy()) {

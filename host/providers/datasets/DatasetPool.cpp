@@ -2,8 +2,10 @@
 
 #include "host/providers/datasets/Archive.h"
 #include "host/providers/datasets/DatasetEdit.h"
+#include "host/providers/datasets/ExchangeJournal.h"
 #include "host/providers/datasets/FileChecks.h"
 #include "host/providers/datasets/GdalErrors.h"
+#include "host/providers/datasets/HotJournal.h"
 
 #include <QFileInfo>
 
@@ -96,6 +98,9 @@ DatasetHandle DatasetPool::open(unsigned flags, const QByteArray& path) const {
     requireOrdinaryFile(path);
     const auto drivers = nullTerminated(source_.drivers);
     const auto options = nullTerminated(source_.openOptions);
+    const QString file = pathOnDisk(QString::fromUtf8(path));
+    settleExchangeAround(QFile::encodeName(file).toStdString());
+    rollBackDatabase(file);
     const GdalErrorScope errors;
     DatasetHandle dataset(GDALOpenEx(path.constData(), GDAL_OF_VECTOR | GDAL_OF_VERBOSE_ERROR | flags,
                                      source_.drivers.isEmpty() ? nullptr : drivers.data(), options.data(),

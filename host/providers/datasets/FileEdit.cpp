@@ -1,6 +1,7 @@
 #include "host/providers/datasets/FileEdit.h"
 
 #include "host/providers/datasets/CheckedFiles.h"
+#include "platform/work/Cancellation.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -27,6 +28,8 @@ template<class Work>
 void FileEdit::onDisk(Work work) const {
     try {
         work();
+    } catch (const work::Cancelled&) {
+        throw;
     } catch (const std::filesystem::filesystem_error& error) {
         raiseUnwritten(QString::fromStdString(error.code().message()));
     } catch (const std::runtime_error& error) {

@@ -6,7 +6,6 @@
 #include <stdexcept>
 #include <system_error>
 
-#include <fcntl.h>
 #include <unistd.h>
 
 namespace orvane::files {
@@ -17,20 +16,6 @@ namespace fs = std::filesystem;
 
 [[noreturn]] void raise(const fs::path& path, int code) {
     throw std::runtime_error(path.string() + ": " + std::generic_category().message(code));
-}
-
-/// Some file systems tell only now that there is no room.
-void writeToDisk(const fs::path& path) {
-    const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (descriptor < 0) {
-        raise(path, errno);
-    }
-    const bool isWritten = ::fsync(descriptor) == 0 || errno == EINVAL; // some know no such thing
-    const int code = errno;
-    ::close(descriptor);
-    if (!isWritten) {
-        raise(path, code);
-    }
 }
 
 void moveFile(const fs::path& from, const fs::path& to) {
@@ -50,48 +35,114 @@ bool addName(const fs::path& from, const fs::path& to) {
     return false;
 }
 
+/// A second name, or a copy that is complete as soon as it has its name.
+void keep(const fs::path& file, const fs::path& backup) {
+    if (!addName(file, backup)) {
+        const fs::path draft = backup.string() + ".part";
+        fs::copy_file(file, draft);
+        writeToDisk(draft);
+        moveFile(draft, backup);
+    }
+}
+
+fs::path pathOf(const QString& name) {
+    return QFile::encodeName(name).toStdString();
+}
+
 } // namespace
 
-FileExchange::FileExchange(const QString& backups) : backups_(QFile::encodeName(backups).toStdString()) {}
+FileExchange::FileExchange(std::shared_ptr<ResultDirectory> directory) : directory_(std::move(directory)) {
+    const fs::path path = pathOf(directory_->path());
+    plan_.folder = path.parent_path();
+    plan_.directory = path.filename().string();
+}
 
-fs::path FileExchange::nextBackup() const {
-    return backups_ / std::to_string(steps_.size());
+FileExchange::~FileExchange() = default;
+
+void FileExchange::plan(fs::path finished, const fs::path& place, bool overwrites) {
+    plan_.steps.push_back({fs::absolute(place).lexically_normal().lexically_relative(plan_.folder)});
+    finished_.push_back(std::move(finished));
+    overwrites_.push_back(overwrites);
 }
 
 void FileExchange::put(const fs::path& finished, const fs::path& place, bool overwrites) {
-    writeToDisk(finished);
-    Step step{place, {}};
-    std::error_code error;
-    if (!fs::exists(fs::symlink_status(place, error))) {
+    plan(finished, place, overwrites);
+}
+
+void FileExchange::remove(const fs::path& place) {
+    plan({}, place, true);
+}
+
+void FileExchange::carryOut() {
+    const auto kept = ResultDirectory::keepAll(); // also where the process has to end at once
+    for (std::size_t step = 0; step < plan_.steps.size(); ++step) {
+        std::error_code error;
+        plan_.steps[step].replaces = fs::exists(fs::symlink_status(plan_.placeOf(step), error));
+        if (!finished_[step].empty()) {
+            writeToDisk(finished_[step]);
+            plan_.steps[step].takeStamp(finished_[step]);
+        }
+    }
+    if (!plan_.steps.empty()) {
+        fs::create_directory(plan_.backupOf(0).parent_path());
+    }
+    if (plan_.steps.size() > 1) {
+        journal_ = std::make_unique<ExchangeJournal>();
+        journal_->post(plan_);
+    }
+    try {
+        for (std::size_t step = 0; step < plan_.steps.size(); ++step) {
+            carryOut(step);
+        }
+        writeToDisk(plan_.folder);
+    } catch (...) {
+        undo();
+        throw;
+    }
+    if (journal_) {
+        journal_->withdraw();
+    }
+}
+
+void FileExchange::carryOut(std::size_t step) {
+    const fs::path& finished = finished_[step];
+    const fs::path place = plan_.placeOf(step);
+    const fs::path backup = plan_.backupOf(step);
+    done_ = step + 1;
+    if (finished.empty()) {
+        moveFile(place, backup);
+    } else if (!plan_.steps[step].replaces) {
         if (!addName(finished, place)) { // which, other than a renaming, never replaces
             moveFile(finished, place);
         }
-    } else if (overwrites) {
-        step.backup = nextBackup();
-        if (!addName(place, step.backup)) {
-            fs::copy_file(place, step.backup);
-        }
+    } else if (overwrites_[step]) {
+        keep(place, backup);
         moveFile(finished, place);
     } else {
         raise(place, EEXIST);
     }
-    steps_.push_back(std::move(step));
-}
-
-void FileExchange::remove(const fs::path& place) {
-    Step step{place, nextBackup()};
-    moveFile(place, step.backup);
-    steps_.push_back(std::move(step));
 }
 
 void FileExchange::undo() noexcept {
-    for (; !steps_.empty(); steps_.pop_back()) {
-        const Step& step = steps_.back();
-        if (step.backup.empty()) {
-            ::unlink(step.place.c_str());
-        } else {
-            std::rename(step.backup.c_str(), step.place.c_str());
+    bool isUndone = true;
+    const auto attempt = [&isUndone](auto work) {
+        try {
+            work();
+        } catch (const std::exception&) {
+            isUndone = false;
         }
+    };
+    if (journal_ && done_ > 0) {
+        attempt([this] { journal_->post(plan_); });
+        isUndone = true;
+    }
+    for (; done_ > 0; --done_) {
+        attempt([this] { plan_.undo(done_ - 1); });
+    }
+    if (!isUndone) {
+        directory_->keep(); // what was replaced is nowhere else
+    } else if (journal_) {
+        journal_->withdraw();
     }
 }
 

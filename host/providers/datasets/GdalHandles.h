@@ -49,4 +49,18 @@ struct CplFree {
 };
 using CplString = std::unique_ptr<char, CplFree>;
 
+/// An option of GDAL for this thread while the object lives.
+class ThreadOption {
+public:
+    ThreadOption(const char* name, const char* value) : name_(name) {
+        CPLSetThreadLocalConfigOption(name, value);
+    }
+    ~ThreadOption() { CPLSetThreadLocalConfigOption(name_, nullptr); }
+    ThreadOption(const ThreadOption&) = delete;
+    ThreadOption& operator=(const ThreadOption&) = delete;
+
+private:
+    const char* name_;
+};
+
 } // namespace orvane::files

@@ -1,5 +1,7 @@
 #include "host/providers/datasets/ResultDirectory.h"
 
+#include "host/providers/datasets/ExchangeJournal.h"
+
 #include <QDir>
 #include <QFileInfo>
 
@@ -38,6 +40,7 @@ public:
         const std::lock_guard lock(mutex_);
         paths_.erase(path.toStdString());
     }
+    std::unique_lock<std::recursive_mutex> hold() { return std::unique_lock(mutex_); }
     void removeAll() {
         const std::lock_guard lock(mutex_);
         std::error_code ignored;
@@ -47,7 +50,7 @@ public:
     }
 
 private:
-    std::mutex mutex_;
+    std::recursive_mutex mutex_;
     std::set<std::string> paths_;
 };
 
@@ -89,6 +92,7 @@ void removeAbandoned(const QString& pathTemplate) {
 } // namespace
 
 std::shared_ptr<ResultDirectory> ResultDirectory::beside(const QString& path) {
+    settleExchangeAround(QFile::encodeName(path).toStdString()); // it may need what a directory there holds
     const QString name = QStringLiteral(".orvane-") + QLatin1String(placeholder);
     return std::shared_ptr<ResultDirectory>(
         new ResultDirectory(QFileInfo(path).absoluteDir().filePath(name)));
@@ -113,11 +117,23 @@ ResultDirectory::ResultDirectory(const QString& pathTemplate)
 }
 
 ResultDirectory::~ResultDirectory() {
-    directory_.remove();
+    if (directory_.autoRemove()) {
+        directory_.remove();
+    }
     if (lock_ >= 0) {
         ::close(lock_);
     }
     DirectoryList::instance().take(path());
+}
+
+void ResultDirectory::keep() {
+    directory_.setAutoRemove(false);
+    QFile::remove(filePath(QLatin1String(mark)));
+    DirectoryList::instance().take(path());
+}
+
+std::unique_lock<std::recursive_mutex> ResultDirectory::keepAll() {
+    return DirectoryList::instance().hold();
 }
 
 void removeResultDirectories() {

@@ -5,6 +5,7 @@
 #include <QTemporaryDir>
 
 #include <memory>
+#include <mutex>
 
 namespace orvane::files {
 
@@ -21,6 +22,11 @@ public:
     ~ResultDirectory();
     ResultDirectory(const ResultDirectory&) = delete;
     ResultDirectory& operator=(const ResultDirectory&) = delete;
+
+    /// Leaves the directory to the user, for what is in it is nowhere else.
+    void keep();
+    /// While it lives, removeResultDirectories() waits.
+    static std::unique_lock<std::recursive_mutex> keepAll();
 
     QString path() const { return directory_.path(); }
     QString filePath(const QString& name) const { return directory_.filePath(name); }

@@ -27,13 +27,6 @@ QString textOf(const fs::path& path) {
     return QFile::decodeName(QByteArray::fromStdString(path.string()));
 }
 
-/// A directory of that name in the one of the copies.
-QString makeDirectory(const ResultDirectory& directory, const char* name) {
-    const QString path = directory.filePath(QString::fromLatin1(name));
-    fs::create_directory(pathOf(path));
-    return path;
-}
-
 /// Copies a file with its permissions and, where the system lets us, its owner.
 void copyFile(const fs::path& from, const fs::path& to) {
     fs::create_directories(to.parent_path());
@@ -53,18 +46,19 @@ bool leadsOut(const fs::path& relative) {
 
 WorkingCopy::WorkingCopy(const QString& path, const QStringList& files)
     : directory_(ResultDirectory::beside(QFileInfo(path).canonicalFilePath())),
-      copies_(pathOf(makeDirectory(*directory_, "copies"))),
-      exchange_(makeDirectory(*directory_, "replaced")) {
+      copies_(pathOf(directory_->filePath(QStringLiteral("copies")))), exchange_(directory_) {
+    fs::create_directory(copies_);
     const fs::path dataset = fs::canonical(pathOf(path));
+    root_ = dataset.parent_path();
+    dataset_ = dataset.filename();
     const bool isDirectory = fs::is_directory(dataset);
-    root_ = isDirectory ? dataset : dataset.parent_path();
-    dataset_ = isDirectory ? fs::path() : dataset.filename();
     const fs::path given = isDirectory ? pathOf(path) : pathOf(path).parent_path();
+    const fs::path below = isDirectory ? dataset_ : fs::path();
     for (const QString& file : files) {
         const fs::path original = pathOf(file);
         const fs::path relative = QFileInfo(file).canonicalFilePath() == textOf(dataset)
                                       ? dataset_
-                                      : original.lexically_relative(given.empty() ? "." : given);
+                                      : below / original.lexically_relative(given.empty() ? "." : given);
         if (leadsOut(relative)) {
             throw std::runtime_error(
                 Texts::tr("файл «%1» лежит в другой папке, измените его сам").arg(file).toStdString());
@@ -79,7 +73,7 @@ WorkingCopy::WorkingCopy(const QString& path, const QStringList& files)
 }
 
 QString WorkingCopy::path() const {
-    return textOf(dataset_.empty() ? copies_ : copies_ / dataset_);
+    return textOf(copies_ / dataset_);
 }
 
 fs::path WorkingCopy::savedRoot(int savepoint) const {
@@ -120,22 +114,18 @@ void WorkingCopy::publish() {
         }
     }
     const Stamps finished = stampsBelow(copies_);
-    try {
-        for (const auto& [file, stamp] : finished) {
-            const auto before = unchanged_.find(file);
-            if (before == unchanged_.end() || before->second != stamp) {
-                exchange_.put(copies_ / file, root_ / file, originals_.count(file) != 0);
-            }
+    for (const auto& [file, stamp] : finished) {
+        const auto before = unchanged_.find(file);
+        if (before == unchanged_.end() || before->second != stamp) {
+            exchange_.put(copies_ / file, root_ / file, originals_.count(file) != 0);
         }
-        for (const auto& [file, stamp] : originals_) {
-            if (finished.count(file) == 0) {
-                exchange_.remove(root_ / file);
-            }
-        }
-    } catch (...) {
-        exchange_.undo();
-        throw;
     }
+    for (const auto& [file, stamp] : originals_) {
+        if (finished.count(file) == 0) {
+            exchange_.remove(root_ / file);
+        }
+    }
+    exchange_.carryOut();
 }
 
 void WorkingCopy::unpublish() noexcept {

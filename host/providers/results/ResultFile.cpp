@@ -5,6 +5,7 @@
 #include "host/providers/datasets/GdalErrors.h"
 #include "host/providers/datasets/LayerSchema.h"
 #include "host/providers/results/ResultLayer.h"
+#include "platform/work/Cancellation.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -137,8 +138,7 @@ void ResultFile::publish() {
     requireFree();
     const QFileInfo file(path_);
     const QDir written(directory_->path());
-    QDir(directory_->path()).mkdir(QStringLiteral("replaced"));
-    FileExchange exchange(written.filePath(QStringLiteral("replaced")));
+    FileExchange exchange(directory_);
     try {
         QStringList stale = partsOf(file);
         for (const QString& name : written.entryList(QDir::Files)) {
@@ -151,8 +151,10 @@ void ResultFile::publish() {
                 exchange.remove(diskPath(part));
             }
         }
+        exchange.carryOut();
+    } catch (const work::Cancelled&) {
+        throw;
     } catch (const std::exception& error) {
-        exchange.undo();
         raise(path_, QString::fromUtf8(error.what()));
     }
 }

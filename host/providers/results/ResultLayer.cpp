@@ -30,20 +30,6 @@ struct Texts {
     Q_DECLARE_TR_FUNCTIONS(orvane::files::ResultLayer)
 };
 
-/// An option of GDAL for this thread while the object lives.
-class ThreadOption {
-public:
-    ThreadOption(const char* name, const char* value) : name_(name) {
-        CPLSetThreadLocalConfigOption(name, value);
-    }
-    ~ThreadOption() { CPLSetThreadLocalConfigOption(name_, nullptr); }
-    ThreadOption(const ThreadOption&) = delete;
-    ThreadOption& operator=(const ThreadOption&) = delete;
-
-private:
-    const char* name_;
-};
-
 CPLStringList optionList(const std::vector<const char*>& options) {
     CPLStringList list;
     for (const char* option : options) {
@@ -238,7 +224,7 @@ public:
     LayerWriter(ResultRows& rows, const ResultFormat& format, const QString& path, const QString& layerName,
                 bool keepsBlobs)
         : rows_(rows), format_(format), keepsBlobs_(keepsBlobs), driver_(GDALGetDriverByName(format.driver)),
-          directory_(checkedPath(QFileInfo(path).absolutePath())) {
+          temporaryFiles_(path) {
         createLayer(path, layerName);
         createFields();
     }
@@ -257,8 +243,7 @@ private:
     const ResultFormat& format_;
     const bool keepsBlobs_;
     const GDALDriverH driver_;
-    const QByteArray directory_; ///< of the temporary files of drivers
-    const ThreadOption temporaryFiles_{"CPL_TMPDIR", directory_.constData()};
+    const TemporaryFilesBeside temporaryFiles_;
     const ThreadOption withoutWaiting_{"OGR_SQLITE_SYNCHRONOUS", "OFF"}; // nobody knows the file yet
     DatasetHandle dataset_;
     OGRLayerH layer_ = nullptr;

@@ -248,7 +248,9 @@ void FileOutput::finish() {
         fail(file);
     }
     try {
-        files::FileExchange(directory_->path()).put(temporaryPath_, path_, overwrites_);
+        files::FileExchange exchange(directory_);
+        exchange.put(temporaryPath_, path_, overwrites_);
+        exchange.carryOut();
     } catch (const std::runtime_error& error) {
         throw OutputError(error.what());
     }

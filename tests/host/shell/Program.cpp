@@ -28,7 +28,9 @@ RunningProgram::RunningProgram(const QStringList& arguments, const QByteArray& i
 }
 
 void RunningProgram::signal(int number) {
-    ::kill(static_cast<pid_t>(process_.processId()), number);
+    if (const auto id = process_.processId(); id > 0) { // 0 would mean every process of the group
+        ::kill(static_cast<pid_t>(id), number);
+    }
 }
 
 Answer RunningProgram::finish() {
