@@ -158,7 +158,9 @@ void AttributeIndexing::follow(EngineIndices& store) {
 }
 
 void AttributeIndexing::drop() {
-    if (EngineIndices* indices = store()) {
+    // Where there are none yet, a store would be made only to be emptied, at the end of the process after what
+    // it needs.
+    if (EngineIndices* indices = known_ ? store() : nullptr) {
         indices->dropStorage();
     }
     forget();

@@ -1,0 +1,1 @@
+Select name_long, Area(obj, 'sq km') As a From countries Where continent = 'Europe' And pop > 1e6 Order By a Desc Limit 5; Select Count(*) From countries

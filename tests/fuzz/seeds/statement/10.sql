@@ -1,0 +1,1 @@
+Delete From t Where rowid In (Select rowid From t Where a Is Null); Insert Into t (a, b, c) Select a, b, c From t; Select Count(Distinct b) From t Where InStr(b, 'x') Between 1 And 2

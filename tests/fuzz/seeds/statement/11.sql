@@ -1,0 +1,1 @@
+Select k.name_long, Count(*) From countries k, towns c Where c.obj Within k.obj Group By k.name_long; Select * From countries Where rowid Between 3 And 5

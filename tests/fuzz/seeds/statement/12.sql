@@ -1,0 +1,1 @@
+Select rownum, style From towns; Select obj From countries Where Exists (Select 1 From towns Where towns.obj Within countries.obj) Union All Select obj From shapes

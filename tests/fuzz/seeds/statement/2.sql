@@ -1,0 +1,1 @@
+Update countries Set pop = pop * 2, name_long = UCase(name_long) Where iso_a2 In ('DE', 'FR'); Select Sum(pop) From countries Where obj Intersects Buffer(MakePoint(10, 50, 4326), 2); Delete From countries Where pop Is Null

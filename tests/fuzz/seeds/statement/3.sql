@@ -1,0 +1,1 @@
+Insert Into towns (name, code, n, day) Values ('Тверь', 'TVR', 1, '2020-01-02'), (Null, '', -5, Null); Update towns Set n = n + 1 Where rowid = 2; Select * From towns Order By name

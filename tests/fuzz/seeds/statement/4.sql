@@ -1,0 +1,1 @@
+Select s.id, t.name From shapes s Left Join towns t On s.obj Contains t.obj; Insert Into shapes (id, s, obj) Select n, name, obj From towns; Delete From shapes Where id > 2

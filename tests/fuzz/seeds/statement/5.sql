@@ -1,0 +1,1 @@
+Select a, Count(*), Sum(c), Max(b) From t Group By a Having Count(*) > 2 Order By 2 Desc; Update t Set b = Repeat(3, b), c = c / (a - 2) Where a = 1

@@ -1,0 +1,1 @@
+With Recursive r(i) As (Select 1 Union All Select i + 1 From r Where i < 100) Select i, Row_Number() Over (Partition By i Mod 3 Order By i Desc) From r

@@ -1,0 +1,1 @@
+Select x.a, y.b From t x Join t y On x.a = y.a And x.c < y.c Where x.b Like '%x' Or y.b Glob 'x*' Order By 1, 2 Limit 10

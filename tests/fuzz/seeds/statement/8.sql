@@ -1,0 +1,1 @@
+AsText(ST_Union(MakeArc(0, 0, 1, 0, 90), Segmentize(BuildMbr(0, 0, 4, 4), 1)))

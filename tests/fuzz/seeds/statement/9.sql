@@ -1,0 +1,1 @@
+Select AsText(Transform(obj, 3857)), Perimeter(obj), Collect(obj) From shapes; FormatNumber(12345.678, '#,##0.00'); FormatDate('2021-03-15', 'dd MMM yyyy')
