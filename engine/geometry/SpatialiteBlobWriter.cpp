@@ -152,6 +152,8 @@ bool appendSpatialiteBlob(std::string_view isoWkb, int srid, std::string& out) {
     }
     *writer.target() = endMark;
     putHeader(out.data() + start, srid, writer.envelope());
+    // The extended form may have spelt out that there is no coordinate system.
+    out.resize(static_cast<std::size_t>(writer.target() + 1 - out.data()));
     return true;
 }
 

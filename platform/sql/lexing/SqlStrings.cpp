@@ -88,7 +88,8 @@ std::size_t appendUtf8(std::wstring& wide, std::string_view text) {
 }
 
 bool isNameStart(wchar_t symbol) {
-    return symbol < 0x80 ? isAsciiLetter(symbol) || symbol == L'_' : isWordSymbolBeyondAscii(symbol);
+    return symbol < 0x80 ? isAsciiLetter(symbol) || symbol == L'_'
+                         : isWordSymbolBeyondAscii(symbol) && !isBlank(symbol);
 }
 
 bool isNamePart(wchar_t symbol) {

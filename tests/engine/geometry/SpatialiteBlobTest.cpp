@@ -68,6 +68,17 @@ TEST(SpatialiteBlob, SameBytesAsSpatialite) {
     }
 }
 
+TEST(SpatialiteBlob, AnExtendedFormWithoutASystemIsThePlainOne) {
+    const GeometryPtr point = std::make_shared<geometry::Point>(1, 2);
+    const QByteArray plain = wkbOf(point);
+    QByteArray extended = plain.left(5) + QByteArray(4, '\0') + plain.mid(5);
+    extended[4] = '\x20';
+    std::string expected, blob;
+    ASSERT_TRUE(engine::appendSpatialiteBlob(view(plain), 4326, expected));
+    ASSERT_TRUE(engine::appendSpatialiteBlob(view(extended), 4326, blob));
+    EXPECT_EQ(blob, expected);
+}
+
 TEST(SpatialiteBlob, OtherBytesAreRefused) {
     std::vector<QByteArray> refused;
     for (const GeometryPtr& curve : curvedKinds(Dimensions::XY)) {
