@@ -3,6 +3,7 @@
 #include "host/adaptor/Adaptor.h"
 #include "platform/sql/lexing/SqlStrings.h"
 #include "platform/sql/parsing/SqlParser.h"
+#include <orvane/engine/OwnStatements.h>
 #include <orvane/engine/SqliteStringBuilder.h>
 
 #include <QSqlDriver>
@@ -41,6 +42,7 @@ sqlite3* database() {
     static sqlite3* const handle = [] {
         const QVariant driverHandle = engineWithTables().engineDatabase().driver()->handle();
         auto* opened = *static_cast<sqlite3* const*>(driverHandle.constData());
+        const engine::OwnStatements own;
         sqlite3_exec(opened, tables, nullptr, nullptr, nullptr);
         // Nested table expressions multiply; the grammar shows with few of them.
         sqlite3_limit(opened, SQLITE_LIMIT_COMPOUND_SELECT, 20);
