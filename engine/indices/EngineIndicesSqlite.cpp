@@ -66,7 +66,7 @@ struct EngineIndicesSqlite::Internal {
 
     void openStorage() {
         closeStorage();
-        fileName = newStoragePath();
+        fileName = makeStorageFile();
         database = openStorageDatabase(fileName, options);
         lookups = std::make_shared<LookupStatements>(database);
     }

@@ -10,10 +10,15 @@
 #include <QUuid>
 #include <QtEndian>
 
-#include <sqlite3.h>
-
-#include <memory>
+#include <cerrno>
+#include <ctime>
 #include <mutex>
+#include <stdexcept>
+#include <system_error>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace orvane::engine {
 
@@ -43,24 +48,42 @@ bool isStorageName(const QString& name) {
     return !uuid.isNull() && uuid.toString() == name;
 }
 
-bool hasStorageHeader(const QString& path) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        return false;
-    }
-    const QByteArray header = file.read(headerSize);
-    return header.size() == headerSize && header.startsWith(headerMagic) &&
+bool hasStorageHeader(int file) {
+    QByteArray header(headerSize, 0);
+    return ::pread(file, header.data(), headerSize, 0) == headerSize && header.startsWith(headerMagic) &&
            qFromBigEndian<quint32>(header.constData() + applicationIdOffset) == applicationId;
 }
 
-void removeUnlessHeld(const QString& path) {
-    sqlite3* opened = nullptr;
-    const int code = sqlite3_open_v2(path.toUtf8().constData(), &opened, SQLITE_OPEN_READWRITE, nullptr);
-    const std::unique_ptr<sqlite3, decltype(&sqlite3_close)> database(opened, &sqlite3_close);
-    if (code == SQLITE_OK &&
-        sqlite3_exec(opened, "Begin Exclusive", nullptr, nullptr, nullptr) == SQLITE_OK) {
-        QFile::remove(path);
+/// Of a process that was killed before it came to write the header.
+bool isLeftEmpty(const struct stat& status) {
+    constexpr int longestStart = 60; // seconds
+    return status.st_size == 0 && ::time(nullptr) - status.st_mtime > longestStart;
+}
+
+/// Whether no process holds the lock that claimStorage() takes.
+bool isFree(int file) {
+    // SQLite file format, "File Locking": the bytes that a process which writes holds.
+    struct flock lock {};
+    lock.l_type = F_WRLCK;
+    lock.l_whence = SEEK_SET;
+    lock.l_start = 0x40000000;
+    lock.l_len = 512;
+    return ::fcntl(file, F_SETLK, &lock) == 0;
+}
+
+/// SQLite is not asked to open the file: it would act on a journal that somebody else has put beside it.
+void removeIfAbandoned(const QString& path) {
+    const QByteArray name = QFile::encodeName(path);
+    const int file = ::open(name.constData(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    if (file < 0) {
+        return;
     }
+    struct stat status {};
+    const bool isOwn = ::fstat(file, &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == ::geteuid();
+    if (isOwn && (hasStorageHeader(file) || isLeftEmpty(status)) && isFree(file)) {
+        ::unlink(name.constData());
+    }
+    ::close(file);
 }
 
 void removeAbandonedStoragesOnce(const QString& directory) {
@@ -76,13 +99,17 @@ void removeAbandonedStoragesOnce(const QString& directory) {
 
 } // namespace
 
-QString newStoragePath() {
+QString makeStorageFile() {
     const QString directory = storageDirectory();
     removeAbandonedStoragesOnce(directory);
-    QString path;
-    do {
-        path = directory + QDir::separator() + QUuid::createUuid().toString();
-    } while (QFile::exists(path));
+    const QString path = directory + QDir::separator() + QUuid::createUuid().toString();
+    const int file = ::open(QFile::encodeName(path).constData(),
+                            O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    if (file < 0) {
+        const int code = errno;
+        throw std::runtime_error(path.toStdString() + ": " + std::generic_category().message(code));
+    }
+    ::close(file);
     return path;
 }
 
@@ -100,8 +127,8 @@ void removeAbandonedStorages(const QString& directory) {
     const QStringList names = QDir(directory).entryList(QDir::Files | QDir::NoSymLinks);
     for (const QString& name : names) {
         const QString path = directory + QDir::separator() + name;
-        if (isStorageName(name) && hasStorageHeader(path)) {
-            removeUnlessHeld(path);
+        if (isStorageName(name)) {
+            removeIfAbandoned(path);
         }
     }
 }

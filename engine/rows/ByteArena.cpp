@@ -1,5 +1,7 @@
 #include <orvane/engine/rows/ByteArena.h>
 
+#include "platform/utils/TemporaryFile.h"
+
 #include <fcntl.h>
 
 #include <algorithm>
@@ -43,10 +45,12 @@ char* ByteArena::take(std::size_t size) {
 
 char* ByteArena::map(std::size_t size) {
     if (!file_) {
-        file_ = std::make_unique<QTemporaryFile>();
-        if (!file_->open()) {
+        const int descriptor = utils::openTemporaryFile();
+        if (descriptor < 0) {
             throw std::bad_alloc();
         }
+        file_ = std::make_unique<QFile>();
+        file_->open(descriptor, QIODevice::ReadWrite, QFileDevice::AutoCloseHandle);
     }
     const qint64 offset = file_->size();
     const auto length = static_cast<qint64>(size);

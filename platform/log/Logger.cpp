@@ -1,5 +1,7 @@
 #include "platform/log/Logger.h"
 
+#include "platform/utils/VisibleText.h"
+
 #include <QMutex>
 #include <QMutexLocker>
 
@@ -14,7 +16,8 @@ struct SinkHolder {
     QMutex mutex;
     CuteMessageLogger::Sink sink = [](const LogEntry& entry) {
         if (entry.level == LogLevel::Warning) {
-            std::fprintf(stderr, "%s: %s\n", qUtf8Printable(entry.sourceFile), qUtf8Printable(entry.text));
+            const QString line = entry.sourceFile + QStringLiteral(": ") + entry.text;
+            std::fprintf(stderr, "%s\n", utils::visibleText(line.toStdString()).c_str());
         }
     };
 };

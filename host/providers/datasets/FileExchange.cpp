@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <system_error>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace orvane::files {
@@ -45,6 +46,19 @@ void keep(const fs::path& file, const fs::path& backup) {
     }
 }
 
+/// Who may do what with a file is as with the one that it replaces. A group that the system does not let us
+/// give gets no more than everybody.
+void copyAccess(const fs::path& replaced, const fs::path& finished) {
+    struct stat status {};
+    if (::lstat(replaced.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
+        return;
+    }
+    const bool hasGroup = ::lchown(finished.c_str(), status.st_uid, status.st_gid) == 0 ||
+                          ::lchown(finished.c_str(), static_cast<uid_t>(-1), status.st_gid) == 0;
+    const mode_t all = status.st_mode & 0777;
+    ::chmod(finished.c_str(), hasGroup ? all : all & (0707 | (all & 07) << 3));
+}
+
 fs::path pathOf(const QString& name) {
     return QFile::encodeName(name).toStdString();
 }
@@ -79,6 +93,7 @@ void FileExchange::carryOut() {
         std::error_code error;
         plan_.steps[step].replaces = fs::exists(fs::symlink_status(plan_.placeOf(step), error));
         if (!finished_[step].empty()) {
+            copyAccess(plan_.placeOf(step), finished_[step]);
             writeToDisk(finished_[step]);
             plan_.steps[step].takeStamp(finished_[step]);
         }

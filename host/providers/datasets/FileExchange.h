@@ -20,7 +20,8 @@ public:
     explicit FileExchange(std::shared_ptr<ResultDirectory> directory);
     ~FileExchange();
 
-    /// Plans to put a file, which may replace another of that name only where `overwrites` says so.
+    /// Plans to put a file, which may replace another of that name only where `overwrites` says so. Owner and
+    /// mode of what is replaced stay.
     void put(const std::filesystem::path& finished, const std::filesystem::path& place, bool overwrites);
     /// Plans to take a file away.
     void remove(const std::filesystem::path& place);

@@ -1,7 +1,12 @@
 #include "host/providers/datasets/GdalErrors.h"
 
+#include "host/providers/datasets/ResultDirectory.h"
 #include "platform/log/Logger.h"
 
+#include <QDir>
+#include <QFile>
+
+#include <cpl_conv.h>
 #include <gdal.h>
 
 #include <mutex>
@@ -34,6 +39,19 @@ void CPL_STDCALL logOutsideScopes(CPLErr level, CPLErrorNum, const char* text) {
     logMessage(logLevel(level), text);
 }
 
+/// Drivers give their temporary files names that others can foresee, and make them where CPL_TMPDIR says or
+/// else in the current directory.
+void hideTemporaryFiles() {
+    constexpr char option[] = "CPL_TMPDIR";
+    try {
+        static const auto directory =
+            ResultDirectory::temporary(QFile::decodeName(CPLGetConfigOption(option, "")));
+        CPLSetConfigOption(option, QFile::encodeName(directory->path()).constData());
+    } catch (const std::runtime_error&) {
+        CPLSetConfigOption(option, QFile::encodeName(QDir::tempPath()).constData()); // to fail there
+    }
+}
+
 } // namespace
 
 void registerDrivers() {
@@ -41,6 +59,7 @@ void registerDrivers() {
     std::call_once(once, [] {
         GDALAllRegister();
         CPLSetErrorHandler(logOutsideScopes);
+        hideTemporaryFiles();
     });
 }
 

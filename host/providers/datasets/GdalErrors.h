@@ -8,8 +8,9 @@
 
 namespace orvane::files {
 
-/// Registers GDAL's drivers, and sends what GDAL reports outside any GdalErrorScope, also from its worker
-/// threads, to the logger instead of standard error. Done once per process.
+/// Registers GDAL's drivers, sends what GDAL reports outside any GdalErrorScope, also from its worker
+/// threads, to the logger instead of standard error, and gives its temporary files a directory for the
+/// process alone. Done once per process.
 void registerDrivers();
 
 /// How many failures GDAL has reported outside any GdalErrorScope, and the text of the last one. Any thread.

@@ -3,16 +3,22 @@
 #include "host/providers/datasets/ExchangeJournal.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 
+#include <cerrno>
+#include <cstdlib>
 #include <filesystem>
 #include <mutex>
 #include <set>
 #include <stdexcept>
+#include <string_view>
+#include <system_error>
 #include <utility>
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace orvane::files {
@@ -21,9 +27,26 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Made by the owner when it holds the lock: where it stands and nobody holds the lock, the owner is dead.
+/// The beginning of every name: six letters of chance follow.
+constexpr std::string_view nameStart = "orvane-result-";
+constexpr std::string_view chance = "XXXXXX"; // of mkdtemp
+
+/// A file made by the owner when it holds the lock: where it stands and nobody holds the lock, the owner is
+/// dead.
 constexpr char mark[] = ".orvane-result";
-constexpr char placeholder[] = "XXXXXX"; // of QTemporaryDir
+
+/// The mark goes last: until then it tells the next one of what is left.
+void removeDirectory(const fs::path& directory) {
+    std::error_code error;
+    fs::directory_iterator entry(directory, error);
+    for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+        if (entry->path().filename() != mark) {
+            std::error_code ignored;
+            fs::remove_all(entry->path(), ignored);
+        }
+    }
+    fs::remove_all(directory, error);
+}
 
 /// The directories of this process.
 class DirectoryList {
@@ -32,20 +55,19 @@ public:
         static auto* const list = new DirectoryList; // tables may go after all else has gone
         return *list;
     }
-    void add(const QString& path) {
+    void add(const std::string& path) {
         const std::lock_guard lock(mutex_);
-        paths_.insert(path.toStdString());
+        paths_.insert(path);
     }
-    void take(const QString& path) {
+    void take(const std::string& path) {
         const std::lock_guard lock(mutex_);
-        paths_.erase(path.toStdString());
+        paths_.erase(path);
     }
     std::unique_lock<std::recursive_mutex> hold() { return std::unique_lock(mutex_); }
     void removeAll() {
         const std::lock_guard lock(mutex_);
-        std::error_code ignored;
         for (const std::string& path : paths_) {
-            fs::remove_all(path, ignored);
+            removeDirectory(path);
         }
     }
 
@@ -54,37 +76,38 @@ private:
     std::set<std::string> paths_;
 };
 
-/// The descriptor that holds the lock, -1 when somebody else does or the file system has no locks.
-int lockDirectory(const char* path) {
-    const int descriptor = ::open(path, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-    if (descriptor < 0 || ::flock(descriptor, LOCK_EX | LOCK_NB) == 0) {
-        return descriptor;
-    }
-    ::close(descriptor);
-    return -1;
+[[noreturn]] void raise(int code) {
+    throw std::runtime_error(std::generic_category().message(code));
 }
 
-void removeUnlessHeld(const fs::path& directory) {
-    std::error_code ignored;
-    if (!fs::exists(directory / mark, ignored)) {
-        return;
-    }
-    if (const int lock = lockDirectory(directory.c_str()); lock >= 0) {
-        fs::remove_all(directory, ignored);
-        ::close(lock);
-    }
+/// The descriptor of the directory itself, not of what a link leads to; -1 with errno.
+int openDirectory(const std::string& path) {
+    return ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
 }
 
-void removeAbandoned(const QString& pathTemplate) {
-    const fs::path form(QFile::encodeName(pathTemplate).toStdString());
-    const std::string name = form.filename().string();
-    const std::string start = name.substr(0, name.size() - (sizeof placeholder - 1));
+/// Another user's would let him choose what we remove. One without mark has lost its owner before it came to
+/// lock it, and is empty, or is none of ours.
+void removeIfAbandoned(const std::string& directory) {
+    const int lock = openDirectory(directory);
+    struct stat status {};
+    if (lock >= 0 && ::fstat(lock, &status) == 0 && status.st_uid == ::geteuid() &&
+        ::flock(lock, LOCK_EX | LOCK_NB) == 0) {
+        if (::faccessat(lock, mark, F_OK, AT_SYMLINK_NOFOLLOW) == 0) {
+            removeDirectory(directory);
+        } else {
+            ::rmdir(directory.c_str());
+        }
+    }
+    ::close(lock);
+}
+
+void removeAbandoned(const fs::path& parent, const std::string& start) {
     std::error_code error;
-    fs::directory_iterator entry(form.parent_path(), error);
+    fs::directory_iterator entry(parent, error);
     for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
-        const std::string found = entry->path().filename().string();
-        if (found.size() == name.size() && found.compare(0, start.size(), start) == 0) {
-            removeUnlessHeld(entry->path());
+        const std::string name = entry->path().filename().string();
+        if (name.size() == start.size() + chance.size() && name.starts_with(start)) {
+            removeIfAbandoned(entry->path().string());
         }
     }
 }
@@ -93,47 +116,77 @@ void removeAbandoned(const QString& pathTemplate) {
 
 std::shared_ptr<ResultDirectory> ResultDirectory::beside(const QString& path) {
     settleExchangeAround(QFile::encodeName(path).toStdString()); // it may need what a directory there holds
-    const QString name = QStringLiteral(".orvane-") + QLatin1String(placeholder);
     return std::shared_ptr<ResultDirectory>(
-        new ResultDirectory(QFileInfo(path).absoluteDir().filePath(name)));
+        new ResultDirectory(QFileInfo(path).absolutePath(), "." + std::string(nameStart)));
 }
 
-std::shared_ptr<ResultDirectory> ResultDirectory::temporary() {
-    const QString name = QStringLiteral("orvane-") + QLatin1String(placeholder);
-    return std::shared_ptr<ResultDirectory>(new ResultDirectory(QDir::temp().filePath(name)));
+std::shared_ptr<ResultDirectory> ResultDirectory::temporary(const QString& parent) {
+    return std::shared_ptr<ResultDirectory>(
+        new ResultDirectory(parent.isEmpty() ? QDir::tempPath() : parent, std::string(nameStart)));
 }
 
-ResultDirectory::ResultDirectory(const QString& pathTemplate)
-    : directory_((removeAbandoned(pathTemplate), pathTemplate)) {
-    if (!directory_.isValid()) {
-        throw std::runtime_error(directory_.errorString().toStdString());
+ResultDirectory::ResultDirectory(const QString& parent, const std::string& start) {
+    const fs::path place(QFile::encodeName(parent).toStdString());
+    removeAbandoned(place, start);
+    do {
+        path_ = (place / (start + std::string(chance))).string();
+        if (!::mkdtemp(path_.data())) {
+            raise(errno);
+        }
+        DirectoryList::instance().add(path_);
+    } while (!claim());
+}
+
+/// False where somebody has taken the directory for abandoned, before it was locked.
+bool ResultDirectory::claim() {
+    lock_ = openDirectory(path_);
+    if (lock_ < 0 && errno != ENOENT) {
+        const int code = errno;
+        remove();
+        raise(code);
     }
-    DirectoryList::instance().add(path());
-    lock_ = lockDirectory(QFile::encodeName(path()).constData());
-    if (lock_ >= 0) {
-        QFile file(filePath(QLatin1String(mark)));
-        file.open(QIODevice::WriteOnly);
+    const bool isLocked = lock_ >= 0 && ::flock(lock_, LOCK_EX | LOCK_NB) == 0;
+    if (!isLocked && lock_ >= 0 && errno != EWOULDBLOCK) {
+        return true; // a file system without locks: nobody takes away what bears no mark
     }
+    if (!isLocked || ::access(path_.c_str(), F_OK) != 0) {
+        remove();
+        return false;
+    }
+    ::close(::openat(lock_, mark, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+    return true;
+}
+
+void ResultDirectory::remove() noexcept {
+    removeDirectory(path_);
+    ::close(std::exchange(lock_, -1));
+    DirectoryList::instance().take(path_);
 }
 
 ResultDirectory::~ResultDirectory() {
-    if (directory_.autoRemove()) {
-        directory_.remove();
-    }
-    if (lock_ >= 0) {
+    if (!isKept_) {
+        remove();
+    } else {
         ::close(lock_);
     }
-    DirectoryList::instance().take(path());
 }
 
 void ResultDirectory::keep() {
-    directory_.setAutoRemove(false);
-    QFile::remove(filePath(QLatin1String(mark)));
-    DirectoryList::instance().take(path());
+    isKept_ = true;
+    ::unlinkat(lock_, mark, 0);
+    DirectoryList::instance().take(path_);
 }
 
 std::unique_lock<std::recursive_mutex> ResultDirectory::keepAll() {
     return DirectoryList::instance().hold();
+}
+
+QString ResultDirectory::path() const {
+    return QFile::decodeName(QByteArray::fromStdString(path_));
+}
+
+QString ResultDirectory::filePath(const QString& name) const {
+    return path() + QLatin1Char('/') + name;
 }
 
 void removeResultDirectories() {

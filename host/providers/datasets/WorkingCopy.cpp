@@ -7,8 +7,6 @@
 #include <chrono>
 #include <stdexcept>
 
-#include <unistd.h>
-
 namespace orvane::files {
 
 namespace {
@@ -27,12 +25,9 @@ QString textOf(const fs::path& path) {
     return QFile::decodeName(QByteArray::fromStdString(path.string()));
 }
 
-/// Copies a file with its permissions and, where the system lets us, its owner.
 void copyFile(const fs::path& from, const fs::path& to) {
     fs::create_directories(to.parent_path());
     fs::copy_file(from, to, fs::copy_options::overwrite_existing);
-    const QFileInfo original(textOf(from));
-    [[maybe_unused]] const int ignored = ::chown(to.c_str(), original.ownerId(), original.groupId());
     // So that the time tells of every later change, however soon it comes.
     fs::last_write_time(to, fs::last_write_time(to) - std::chrono::hours(24));
 }

@@ -166,7 +166,7 @@ std::shared_ptr<LayerTable> addResultTable(dp::DataCatalog& catalog, const QStri
         }
     };
     requireFree();
-    auto directory = makeDirectory(name, &ResultDirectory::temporary);
+    auto directory = makeDirectory(name, [] { return ResultDirectory::temporary(); });
     const QString path = directory->filePath(QStringLiteral("result.gpkg"));
     const QByteArray layerName("result");
     try {

@@ -6,6 +6,7 @@
 #include "platform/dp/Table.h"
 #include "platform/geometry/forms/GeometryFactory.h"
 #include "platform/sql/lexing/SqlStrings.h"
+#include "platform/utils/TemporaryFile.h"
 #include <orvane/engine/ColumnNames.h>
 #include <orvane/engine/EngineCache.h>
 
@@ -166,7 +167,7 @@ bool ResultColumn::isGeometry() const {
 
 ResultRows::ResultRows(sqlite3_stmt* statement, const QStringList& names, const dp::DataCatalog& catalog,
                        engine::EngineCache& cache)
-    : statement_(statement), cache_(cache), file_(std::tmpfile()) {
+    : statement_(statement), cache_(cache), file_(utils::openTemporaryStream()) {
     if (!file_) {
         raise(Texts::tr("временный файл не создаётся"));
     }

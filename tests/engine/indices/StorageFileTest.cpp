@@ -9,6 +9,8 @@
 #include <QUuid>
 
 #include <csignal>
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -60,6 +62,9 @@ TEST_F(StorageFile, IsInTheDirectoryOfTheSettingAndGoesWithTheStore) {
     const QStringList first = files();
     ASSERT_EQ(first.size(), 1);
     EXPECT_EQ(QUuid(first.front()).toString(), first.front());
+    struct stat status {};
+    ::stat(QFile::encodeName(directory_.filePath(first.front())).constData(), &status);
+    EXPECT_EQ(status.st_mode & 07777, 0600U);
     ASSERT_TRUE(createStorage());
     EXPECT_EQ(files().size(), 1);
     EXPECT_NE(files(), first);
@@ -96,10 +101,26 @@ TEST_F(StorageFile, OfAKilledProcessIsRemovedAndNoOther) {
     dp::SqliteDatabaseAccess(foreignDatabase).exec(QStringLiteral("Create Table t(a)"));
     const QString otherName = directory_.filePath(QStringLiteral("index.db"));
     dp::SqliteDatabaseAccess(otherName).exec(QStringLiteral("Pragma application_id = 0x4f727649"));
+    const QString link = directory_.filePath(QUuid::createUuid().toString());
+    QFile::link(otherName, link);
+    const QString beingMade = directory_.filePath(QUuid::createUuid().toString());
+    const QString neverMade = directory_.filePath(QUuid::createUuid().toString());
+    for (const QString& name : {beingMade, neverMade}) {
+        QFile(name).open(QIODevice::WriteOnly);
+    }
+    const timespec longAgo[] = {{1, 0}, {1, 0}};
+    ::utimensat(AT_FDCWD, QFile::encodeName(neverMade).constData(), longAgo, 0);
+    QStringList kept{foreignText, foreignDatabase, otherName, link, beingMade};
+    const QString somebodys = directory_.filePath(QUuid::createUuid().toString());
+    constexpr uid_t somebody = 65534;
+    QFile::copy(otherName, somebodys);
+    if (::chown(QFile::encodeName(somebodys).constData(), somebody, somebody) == 0) {
+        kept += somebodys;
+    }
 
     ASSERT_TRUE(createStorage()); // the first one of this process in this directory
-    EXPECT_EQ(files().size(), 2 + 3) << "the living process's, ours, and three foreign ones";
-    for (const QString& foreign : {foreignText, foreignDatabase, otherName}) {
+    EXPECT_EQ(files().size(), 2 + kept.size()) << "the living process's, ours, and those that are none";
+    for (const QString& foreign : kept) {
         EXPECT_TRUE(QFile::exists(foreign)) << qPrintable(foreign);
     }
     endProcess(living);

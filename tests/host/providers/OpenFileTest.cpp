@@ -9,11 +9,13 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <cpl_conv.h>
 #include <sqlite3.h>
 
 #include <random>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace orvane::files {
 namespace {
@@ -57,6 +59,15 @@ protected:
 
     QTemporaryDir directory_;
 };
+
+TEST_F(OpenFile, givesTemporaryFilesOfDriversADirectoryForItsOwner) {
+    openFile(write("a.geojson", R"({"type":"FeatureCollection","features":[]})"));
+    const QByteArray name = CPLGenerateTempFilename("foreseen");
+    struct stat status {};
+    ASSERT_EQ(::lstat(name.left(name.lastIndexOf('/')), &status), 0) << name.constData();
+    EXPECT_EQ(status.st_mode & 07777, 0700U);
+    EXPECT_EQ(status.st_uid, ::geteuid());
+}
 
 TEST_F(OpenFile, namesThatSqlCannotTellApartAreNumbered) {
     const auto table =

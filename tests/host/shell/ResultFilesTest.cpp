@@ -7,9 +7,14 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
+#include <QDirIterator>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 
 #include <csignal>
+
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace orvane::shell {
 namespace {
@@ -25,6 +30,26 @@ protected:
     QString path(const char* name) const { return directory_.filePath(QString::fromUtf8(name)); }
     QStringList files() const {
         return QDir(directory_.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    }
+
+    /// The directories of unfinished work.
+    QStringList unfinished() const {
+        return files().filter(QRegularExpression(QStringLiteral("^\\.orvane-")));
+    }
+    QStringList contentsOf(const QString& name) const {
+        QStringList found;
+        QDirIterator entry(directory_.filePath(name), QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
+                           QDirIterator::Subdirectories);
+        while (entry.hasNext()) {
+            found += entry.next();
+        }
+        found.sort();
+        return found;
+    }
+    mode_t modeOf(const QString& name) const {
+        struct stat status {};
+        ::lstat(directory_.filePath(name).toUtf8(), &status);
+        return status.st_mode;
     }
 
     bool isBeingWritten() const {
@@ -330,34 +355,106 @@ TEST_F(ResultFiles, CancellingLeavesNothing) {
 }
 
 TEST_F(ResultFiles, WhatAKilledProgramLeftGoesWithTheNextResult) {
-    for (const bool isData : {true, false}) {
-        const QStringList arguments{QStringLiteral("-c"), longResult("r.gpkg")};
-        const QStringList textOutput{QStringLiteral("-o"), path("r.txt"), QStringLiteral("-c"),
-                                     QStringLiteral("With Recursive n(i) As (Select 1 Union All Select i + 1 "
-                                                    "From n) Select i From n")};
-        RunningProgram killed(isData ? arguments : textOutput);
-        while (files().isEmpty() && killed.isRunning()) {
-            killed.waitFor(5);
+    const QString endless =
+        QStringLiteral("With Recursive n(i) As (Select 1 Union All Select i + 1 From n) Select ");
+    const QStringList works[] = {
+        {QStringLiteral("-c"), longResult("r.gpkg")},
+        {QStringLiteral("-o"), path("r.txt"), QStringLiteral("-c"), endless + QStringLiteral("i From n")},
+        {path("a.csv"), QStringLiteral("--sqlite"), QStringLiteral("-c"),
+         QStringLiteral("Begin; Update a Set a = 2; %0Count(*) From n").arg(endless)}};
+    const auto waitForNew = [this](RunningProgram& program, const QStringList& known) {
+        QString found;
+        while (found.isEmpty() && program.isRunning()) {
+            program.waitFor(5);
+            for (const QString& name : unfinished()) {
+                found = known.contains(name) ? found : name;
+            }
         }
-        killed.waitFor(50); // it has marked its directory
+        program.waitFor(100); // it has marked its directory, and fills it
+        return found;
+    };
+    runWell({}, "Select 1 As a Into '%0/a.csv'");
+    const QStringList before = files();
+    for (const QStringList& work : works) {
+        RunningProgram killed(work);
+        const QString left = waitForNew(killed, {});
         killed.signal(SIGKILL);
         killed.finish();
-        const QStringList left = files();
-        ASSERT_EQ(left.size(), 1);
+        ASSERT_EQ(unfinished(), QStringList(left)) << work.join(QLatin1Char(' ')).toStdString();
+        EXPECT_EQ(modeOf(left), S_IFDIR | 0700U);
 
-        RunningProgram living({QStringLiteral("-c"), longResult("living.gpkg")});
-        while ((files() == left || files().isEmpty()) && living.isRunning()) {
-            living.waitFor(5);
-        }
-        QDir(directory_.path()).mkdir(QStringLiteral(".orvane-backup")); // not ours, whatever its name
-        const QStringList held = files();
-        EXPECT_FALSE(held.contains(left.front()));
+        RunningProgram living(work);
+        const QString held = waitForNew(living, {left});
+        EXPECT_EQ(unfinished(), QStringList(held)); // it has taken away the other
+        const QStringList contents = contentsOf(held);
         runWell({}, "Select 1 As a Into '%0/q.csv'");
-        EXPECT_EQ(files(), held + QStringList{QStringLiteral("q.csv")});
+        EXPECT_EQ(unfinished(), QStringList(held));
+        EXPECT_EQ(contentsOf(held), contents);
         living.signal(SIGINT);
         EXPECT_EQ(living.finish().status, 130);
         QFile::remove(path("q.csv"));
-        QDir(directory_.path()).rmdir(QStringLiteral(".orvane-backup"));
+        EXPECT_EQ(files(), before);
+        EXPECT_EQ(describeLayer(path("a.csv")), (std::vector<std::string>{"a Integer None 0.0", "i:1|NULL"}));
+    }
+}
+
+TEST_F(ResultFiles, OfWhatLooksAbandonedOnlyItsOwnGoes) {
+    const QDir directory(directory_.path());
+    const auto makeFile = [this](const char* name) { QFile(path(name)).open(QIODevice::WriteOnly); };
+    for (const char* name : {".orvane-result-aempty", ".orvane-result-marked", ".orvane-result-others",
+                             ".orvane-result-foreig", ".orvane-backup", "target"}) {
+        directory.mkdir(QLatin1String(name));
+    }
+    for (const char* name : {".orvane-result-marked/.orvane-result", ".orvane-result-marked/r.gpkg",
+                             ".orvane-result-others/notes.txt", ".orvane-result-foreig/.orvane-result",
+                             ".orvane-result-onefil", "target/.orvane-result", "target/r.gpkg"}) {
+        makeFile(name);
+    }
+    QFile::link(path("target"), path(".orvane-result-linked"));
+    QStringList kept{QStringLiteral(".orvane-backup"),
+                     QStringLiteral(".orvane-result-linked"),
+                     QStringLiteral(".orvane-result-onefil"),
+                     QStringLiteral(".orvane-result-others"),
+                     QStringLiteral("q.csv"),
+                     QStringLiteral("target")};
+    constexpr uid_t somebody = 65534;
+    if (::chown(path(".orvane-result-foreig").toUtf8(), somebody, somebody) == 0) {
+        kept.insert(1, QStringLiteral(".orvane-result-foreig"));
+    }
+    runWell({}, "Select 1 As a Into '%0/q.csv'");
+    EXPECT_EQ(files(), kept);
+    EXPECT_EQ(contentsOf(QStringLiteral("target")).size(), 2);
+}
+
+TEST_F(ResultFiles, NewFilesHaveTheUsualModeAndReplacedOnesTheirs) {
+    const mode_t usual = ::umask(027);
+    const QStringList options{QStringLiteral("--overwrite")};
+    for (const bool isReplaced : {false, true}) {
+        const mode_t mode = S_IFREG | (isReplaced ? 0604U : 0640U);
+        runWell(
+            {}, "Select 1 As a",
+            {QStringLiteral("--overwrite"), QStringLiteral("-Fcsv"), QStringLiteral("-o"), path("o.txt")});
+        runWell({}, "Select 1 As a Into '%0/a.csv'; Select 1 As a Into '%0/b.gpkg'", options);
+        runWell({path("a.csv")}, "Update a Set a = 5; Insert Into a (a) Values (7)");
+        for (const char* name : {"o.txt", "a.csv", "b.gpkg"}) {
+            EXPECT_EQ(modeOf(QLatin1String(name)), mode) << name;
+            ::chmod(path(name).toUtf8(), 0604);
+        }
+    }
+    ::umask(usual);
+}
+
+TEST_F(ResultFiles, NothingIsWrittenThroughALink) {
+    for (const bool isInto : {true, false}) {
+        const char* const script = isInto ? "Select 1 As a Into '%0/r.csv'" : "Select 1 As a";
+        const QStringList options{QStringLiteral("-o"), path("r.csv"), QStringLiteral("-Fcsv")};
+        QFile::link(path("nowhere"), path("r.csv"));
+        EXPECT_NE(run({}, script, isInto ? QStringList() : options).status, 0);
+        EXPECT_TRUE(S_ISLNK(modeOf(QStringLiteral("r.csv"))));
+        runWell({}, script, (isInto ? QStringList() : options) + QStringList{QStringLiteral("--overwrite")});
+        EXPECT_TRUE(S_ISREG(modeOf(QStringLiteral("r.csv")))); // in place of the link
+        EXPECT_EQ(files(), QStringList(QStringLiteral("r.csv")));
+        QFile::remove(path("r.csv"));
     }
 }
 

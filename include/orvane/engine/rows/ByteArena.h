@@ -2,7 +2,7 @@
 
 #include <orvane/engine/Export.h>
 
-#include <QTemporaryFile>
+#include <QFile>
 
 #include <cstddef>
 #include <memory>
@@ -27,7 +27,7 @@ private:
     char* map(std::size_t size);
 
     std::vector<std::unique_ptr<char[]>> blocks_;
-    std::unique_ptr<QTemporaryFile> file_;
+    std::unique_ptr<QFile> file_;
     char* free_ = nullptr; ///< in the newest block
     std::size_t left_ = 0; ///< behind free_
     std::size_t size_ = 0;
