@@ -1,5 +1,6 @@
 #include "host/shell/messages/Language.h"
 #include "host/shell/messages/Shell.h"
+#include "host/shell/messages/StandardError.h"
 #include "host/shell/prompt/Prompt.h"
 #include "host/shell/session/Interrupt.h"
 #include "host/shell/session/Options.h"
@@ -26,10 +27,6 @@
 namespace orvane::shell {
 
 namespace {
-
-void printError(const char* message) {
-    std::fprintf(stderr, "orvane: %s\n", message);
-}
 
 /// A text to run and what it is called in messages.
 struct Input {
@@ -134,10 +131,14 @@ void logToStandardError(LogLevel lowest) {
     loggerInstance()->exchangeSink([lowest, wipe](const LogEntry& entry) {
         static constexpr const char* names[] = {"trace", "debug", "info", "warning"};
         if (entry.level >= lowest) {
-            std::fprintf(stderr, "%s%s: %s:%d: %s\n", wipe, names[static_cast<int>(entry.level)],
-                         entry.sourceFile.toUtf8().constData(), entry.line, entry.text.toUtf8().constData());
+            std::fputs(wipe, stderr);
+            printErrorLine(QLatin1String(names[static_cast<int>(entry.level)]) +
+                           QStringLiteral(": %0:%1: ").arg(entry.sourceFile, QString::number(entry.line)) +
+                           entry.text);
         }
     });
+    qInstallMessageHandler(
+        [](QtMsgType, const QMessageLogContext&, const QString& text) { printErrorLine(text); });
 }
 
 /// Cancels the engine's statement for as long as it lives.
@@ -195,10 +196,10 @@ ExitStatus run(int argc, char** argv, Interrupt& interrupt) {
         logToStandardError(options->logLevel);
         return runInputs(*options, readInputs(*options), interrupt);
     } catch (const UsageError& error) {
-        printError(error.what());
+        printMessage(QString::fromUtf8(error.what()));
         return WrongUse;
     } catch (const std::exception& error) {
-        printError(error.what());
+        printMessage(QString::fromUtf8(error.what()));
         return StatementFailed;
     }
 }

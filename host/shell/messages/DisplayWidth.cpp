@@ -38,6 +38,7 @@ constexpr std::array wideRanges = std::to_array<CharacterRange>(
      {0x1F7E0, 0x1F7F0}, {0x1F90C, 0x1F93A}, {0x1F93C, 0x1F945}, {0x1F947, 0x1F9FF}, {0x1FA70, 0x1FAF6},
      {0x20000, 0x3FFFD}});
 
+constexpr char32_t zeroWidthNonJoiner = 0x200C;
 constexpr char32_t zeroWidthJoiner = 0x200D;
 
 bool isWide(char32_t character) {
@@ -69,8 +70,9 @@ private:
 } // namespace
 
 int characterWidth(char32_t character) {
-    if (character < 0x300) {
-        return character == 0 ? 0 : 1;
+    const bool isCyrillicMark = character >= 0x483 && character <= 0x489;
+    if (character < 0x300 || (character >= 0x370 && character < 0x591 && !isCyrillicMark)) {
+        return 1; // Latin, Greek, Cyrillic, Armenian
     }
     switch (QChar::category(character)) {
     case QChar::Mark_NonSpacing:
@@ -97,11 +99,15 @@ int displayWidth(std::string_view text) {
 std::size_t prefixOfWidth(std::string_view text, int columns) {
     WidthCounter counter;
     int width = 0;
+    std::size_t end = 0; // without a joiner that has nothing more to join
     for (std::size_t position = 0; position < text.size();) {
-        const std::size_t start = position;
-        width += counter.add(utf8::nextCharacter(text, position));
+        const char32_t character = utf8::nextCharacter(text, position);
+        width += counter.add(character);
         if (width > columns) {
-            return start;
+            return end;
+        }
+        if (character != zeroWidthJoiner && character != zeroWidthNonJoiner) {
+            end = position;
         }
     }
     return text.size();

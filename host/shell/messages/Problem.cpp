@@ -4,6 +4,7 @@
 #include "host/shell/messages/Shell.h"
 
 #include "platform/utils/Utf8.h"
+#include "platform/utils/VisibleText.h"
 
 #include <algorithm>
 
@@ -37,11 +38,11 @@ std::size_t offsetOfCharacter(std::string_view text, int character) {
     return offset;
 }
 
-/// Tabulators and other control characters as blanks, so that the mark below stands right.
-std::string withoutControls(std::string_view text) {
-    std::string shown(text);
-    std::replace_if(
-        shown.begin(), shown.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20; }, ' ');
+/// As it is shown; tabulators, with which people indent, as blanks.
+std::string shownPart(std::string_view part) {
+    std::string shown(part);
+    std::replace(shown.begin(), shown.end(), '\t', ' ');
+    utils::makeVisible(shown);
     return shown;
 }
 
@@ -56,10 +57,10 @@ std::string shortened(std::string text, int columns) {
 std::string underlined(std::string_view line, const TextPlace& place) {
     const std::size_t start = offsetOfCharacter(line, place.column - 1);
     const std::size_t end = start + offsetOfCharacter(line.substr(start), place.length);
-    std::string before = withoutControls(line.substr(0, start));
-    std::string marked = withoutControls(line.substr(start, end - start));
-    std::string after = withoutControls(line.substr(end));
-    if (displayWidth(line) > shownWidth) {
+    std::string before = shownPart(line.substr(0, start));
+    std::string marked = shownPart(line.substr(start, end - start));
+    std::string after = shownPart(line.substr(end));
+    if (displayWidth(before + marked + after) > shownWidth) {
         // The place stays in sight with what surrounds it.
         constexpr int half = shownWidth / 2;
         if (const int excess = displayWidth(before) - half; excess > 0) {
@@ -85,12 +86,12 @@ std::string describe(const Problem& problem, const StatementText& text) {
         head += text.origin + QStringLiteral(": ");
     }
     if (!problem.place) {
-        return (head + problem.message + QLatin1Char('\n')).toStdString();
+        return utils::visibleText((head + problem.message).toStdString()) + '\n';
     }
     head += Shell::tr("строка %0, столбец %1: %2")
                 .arg(QString::number(problem.place->line), QString::number(problem.place->column),
                      problem.message);
-    return (head + QLatin1Char('\n')).toStdString() +
+    return utils::visibleText(head.toStdString()) + '\n' +
            underlined(lineOf(text.text, problem.place->line), *problem.place);
 }
 

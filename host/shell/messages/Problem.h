@@ -28,7 +28,8 @@ struct StatementText {
 };
 
 /// The message in full, as printed on standard error: origin, line and column, and, below, the line of the
-/// text with the place underlined. Long lines are cut around the place. UTF-8, with the final line feed.
+/// text with the place underlined. Long lines are cut around the place. In its visible form
+/// (platform/utils/VisibleText.h), with the final line feed.
 std::string describe(const Problem& problem, const StatementText& text);
 
 /// The place in the whole text of a place in a statement that begins at `start`.

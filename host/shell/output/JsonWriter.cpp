@@ -7,6 +7,7 @@
 #include "platform/geometry/forms/TextFormats.h"
 #include "platform/geometry/shapes/Geometry.h"
 #include "platform/utils/Utf8.h"
+#include "platform/utils/VisibleText.h"
 
 #include <cmath>
 #include <set>
@@ -31,6 +32,26 @@ std::vector<std::string> memberKeys(const std::vector<std::string>& columns) {
         key += ':';
     }
     return keys;
+}
+
+/// A character that is not written as it is.
+void appendEscaped(std::string& text, char32_t character) {
+    switch (character) {
+    case U'"': text += "\\\""; return;
+    case U'\\': text += "\\\\"; return;
+    case U'\n': text += "\\n"; return;
+    case U'\r': text += "\\r"; return;
+    case U'\t': text += "\\t"; return;
+    case utf8::replacement: utf8::append(text, character); return;
+    default: break;
+    }
+    constexpr std::string_view hex = "0123456789abcdef";
+    for (const char16_t unit : QString::fromUcs4(&character, 1).toStdU16String()) {
+        text += "\\u";
+        for (int shift = 12; shift >= 0; shift -= 4) {
+            text += hex[unit >> shift & 15];
+        }
+    }
 }
 
 /// Everything but a geometry.
@@ -58,37 +79,22 @@ void appendJsonValue(std::string& text, const ResultValue& value) {
 } // namespace
 
 void appendJsonText(std::string& text, std::string_view bytes) {
-    constexpr std::string_view hex = "0123456789abcdef";
     text += '"';
-    const auto* at = reinterpret_cast<const unsigned char*>(bytes.data());
-    const unsigned char* const end = at + bytes.size();
-    const unsigned char* plain = at; // start of what can be copied as it is
-    while (at != end) {
-        const unsigned char byte = *at;
-        const bool isEscaped = byte < 0x20 || byte == '"' || byte == '\\';
-        if (const int length = utf8::characterLength(at, end); length != 0 && !isEscaped) {
-            at += length;
+    std::size_t copied = 0; // up to where the bytes are in the text
+    for (std::size_t position = 0; position < bytes.size();) {
+        const auto byte = static_cast<unsigned char>(bytes[position]);
+        const bool isPlain = byte >= 0x20 && byte < 0x7F && byte != '"' && byte != '\\';
+        const auto sign = isPlain ? utils::Sign{1, byte, true} : utils::signAt(bytes, position);
+        if (isPlain || (byte >= 0x80 && sign.isVisible)) {
+            position += sign.size;
             continue;
         }
-        text.append(plain, at);
-        plain = ++at;
-        switch (byte) {
-        case '"': text += "\\\""; break;
-        case '\\': text += "\\\\"; break;
-        case '\n': text += "\\n"; break;
-        case '\r': text += "\\r"; break;
-        case '\t': text += "\\t"; break;
-        default:
-            if (byte >= 0x80) {
-                text += "\uFFFD";
-                break;
-            }
-            text += "\\u00";
-            text += hex[byte >> 4];
-            text += hex[byte & 15];
-        }
+        text.append(bytes, copied, position - copied);
+        appendEscaped(text, sign.character);
+        position += sign.size;
+        copied = position;
     }
-    text.append(plain, end);
+    text.append(bytes, copied);
     text += '"';
 }
 

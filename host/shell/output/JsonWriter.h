@@ -53,7 +53,8 @@ private:
     bool lastNeedsTransformation_ = false;
 };
 
-/// A JSON string with its quotes; bytes that are no UTF-8 become U+FFFD.
+/// A JSON string with its quotes. What is not visible as it is (platform/utils/VisibleText.h) is escaped;
+/// bytes that are no UTF-8 become U+FFFD.
 void appendJsonText(std::string& text, std::string_view bytes);
 
 } // namespace orvane::shell

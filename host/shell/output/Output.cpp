@@ -4,6 +4,9 @@
 
 #include "host/shell/messages/Shell.h"
 
+#include "platform/utils/TemporaryFile.h"
+#include "platform/utils/VisibleText.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -106,6 +109,7 @@ void TerminalOutput::discard() {
 }
 
 void TerminalOutput::takeText() {
+    utils::makeLinesVisible(text_);
     writeAll(descriptor_, text_);
     text_.clear();
 }
@@ -122,7 +126,7 @@ HeldOutput::HeldOutput(int descriptor) : Output(std::size_t{64} << 20), descript
 
 void HeldOutput::takeText() {
     if (!overflow_) {
-        overflow_.reset(std::tmpfile());
+        overflow_.reset(utils::openTemporaryStream());
     }
     if (!overflow_) {
         fail(Shell::tr("временный файл не создаётся"));
@@ -162,7 +166,13 @@ void HeldOutput::discard() {
     text_.clear();
 }
 
+void PagedOutput::takeText() {
+    utils::makeLinesVisible(text_);
+    HeldOutput::takeText();
+}
+
 void PagedOutput::commit() {
+    utils::makeLinesVisible(text_);
     const char* const chosen = std::getenv("PAGER");
     const std::string command = chosen ? chosen : "less -S";
     const bool wantsPager = command.find_first_not_of(" \t") != std::string::npos;

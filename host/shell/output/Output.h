@@ -55,7 +55,8 @@ private:
     std::size_t capacity_;
 };
 
-/// A terminal: rows are shown as they come, also those before a failure.
+/// A terminal: rows are shown as they come, also those before a failure. Whatever the format, the text is in
+/// its visible form (platform/utils/VisibleText.h).
 class TerminalOutput : public Output {
 public:
     explicit TerminalOutput(int descriptor);
@@ -101,13 +102,17 @@ private:
 
 /// The terminal of the prompt: a result that is longer than the screen is shown by the pager, the shell
 /// command in $PAGER or else "less -S"; an empty $PAGER wants none. A result is shown when its statement is
-/// done. What a pager that cannot be run, or fails, may have swallowed is written to the terminal.
+/// done, in its visible form. What a pager that cannot be run, or fails, may have swallowed is written to the
+/// terminal.
 class PagedOutput : public HeldOutput {
 public:
     /// Tells `pagerRuns` while the pager has the keyboard: Ctrl-C is meant for the pager then.
     PagedOutput(int descriptor, std::function<void(bool)> pagerRuns)
         : HeldOutput(descriptor), pagerRuns_(std::move(pagerRuns)) {}
     void commit() override;
+
+protected:
+    void takeText() override;
 
 private:
     bool isLongerThanScreen();

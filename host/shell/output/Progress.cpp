@@ -3,6 +3,7 @@
 #include "host/shell/messages/DisplayWidth.h"
 #include "host/shell/messages/Shell.h"
 #include "host/shell/output/Output.h"
+#include "platform/utils/VisibleText.h"
 
 #include <QLocale>
 
@@ -57,7 +58,7 @@ void Progress::show() {
     bool shown = false;
     while (!stopped_.wait_for(lock, shown ? milliseconds(200) : milliseconds(500),
                               [this] { return stopping_; })) {
-        std::string text = line().toStdString();
+        std::string text = utils::visibleText(line().toStdString());
         // A line that goes on below could not be wiped.
         if (const int width = terminalWidth(STDERR_FILENO); width > 0) {
             text.resize(prefixOfWidth(text, width - 1));

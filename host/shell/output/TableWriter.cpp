@@ -2,6 +2,8 @@
 
 #include "host/shell/messages/DisplayWidth.h"
 
+#include "platform/utils/VisibleText.h"
+
 #include <algorithm>
 
 namespace orvane::shell {
@@ -14,25 +16,17 @@ constexpr int narrowestColumn = 8;
 constexpr std::string_view separator = " | ";
 constexpr std::string_view ruleSeparator = "-+-";
 
-/// Line breaks and other control characters would tear the table apart.
-void showControlCharacters(std::string& text) {
-    const auto isControl = [](char character) {
-        return static_cast<unsigned char>(character) < 0x20 || character == 0x7F;
-    };
-    if (std::none_of(text.begin(), text.end(), isControl)) {
-        return;
+/// Gives a text the form that is shown, and returns its width. One pass over plain ASCII.
+int settleText(std::string& text) {
+    bool isPlain = true;
+    for (const char character : text) { // to the end: so the loop has no branch
+        isPlain &= static_cast<unsigned char>(character - ' ') < 0x5F;
     }
-    std::string shown;
-    for (const char character : text) {
-        if (!isControl(character)) {
-            shown += character;
-            continue;
-        }
-        // U+2400 + code, U+2421 for delete, in UTF-8.
-        shown += "\xE2\x90";
-        shown += static_cast<char>(0x80 + (character == 0x7F ? 0x21 : character));
+    if (isPlain) {
+        return static_cast<int>(text.size());
     }
-    text = std::move(shown);
+    utils::makeVisible(text);
+    return displayWidth(text);
 }
 
 } // namespace
@@ -45,7 +39,7 @@ void TableWriter::begin(const std::vector<std::string>& columns) {
     for (const std::string& name : columns) {
         Column& column = columns_.emplace_back();
         column.name = name;
-        showControlCharacters(column.name);
+        column.nameWidth = settleText(column.name);
     }
     current_.resize(columns.size());
 }
@@ -79,17 +73,14 @@ void TableWriter::readCell(Cell& cell, const ResultValue& value) const {
     } else {
         appendPlain(cell.text, value);
     }
-    if (value.kind == ResultValue::Text) {
-        showControlCharacters(cell.text);
-    }
-    cell.width = displayWidth(cell.text);
+    cell.width = settleText(cell.text);
 }
 
 void TableWriter::settleWidths() {
     settled_ = true;
     for (std::size_t i = 0; i < columns_.size(); ++i) {
         Column& column = columns_[i];
-        column.width = header_ ? displayWidth(column.name) : 0;
+        column.width = header_ ? column.nameWidth : 0;
         bool hasNumber = false;
         bool hasOther = false;
         for (std::size_t cell = i; cell < kept_.size(); cell += columns_.size()) {
@@ -147,8 +138,7 @@ void TableWriter::writeHeader() {
             text += separator;
         }
         const Column& column = columns_[i];
-        writeCell({column.name, displayWidth(column.name), column.isNumeric}, column,
-                  i + 1 == columns_.size());
+        writeCell({column.name, column.nameWidth, column.isNumeric}, column, i + 1 == columns_.size());
     }
     text += '\n';
     for (std::size_t i = 0; i < columns_.size(); ++i) {

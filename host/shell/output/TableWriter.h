@@ -5,9 +5,9 @@
 namespace orvane::shell {
 
 /// Aligned columns below their names, numbers to the right. The widths come from the first thousand rows; a
-/// later value that is wider shifts the rest of its line. Control characters are shown as their pictures
-/// (U+2400...). On a terminal the columns are cut to its width, and "…" shows where; elsewhere nothing is
-/// cut, but a column is not padded beyond a hundred places.
+/// later value that is wider shifts the rest of its line. All texts are in their visible form
+/// (platform/utils/VisibleText.h), so each row is one line. On a terminal the columns are cut to its width,
+/// and "…" shows where; elsewhere nothing is cut, but a column is not padded beyond a hundred places.
 class TableWriter : public ResultWriter {
 public:
     TableWriter(const WriterSettings& settings, Output& output);
@@ -25,6 +25,7 @@ private:
     };
     struct Column {
         std::string name;
+        int nameWidth = 0;
         int width = 0;
         bool isNumeric = false; ///< of the rows kept, all that have a value have a number
     };

@@ -5,6 +5,7 @@
 #include "host/shell/session/Interrupt.h"
 
 #include "platform/utils/Utf8.h"
+#include "platform/utils/VisibleText.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -21,15 +22,23 @@ namespace {
 constexpr int rememberedLines = 2000;
 constexpr char endOfInput = 0x04; // Ctrl-D
 
-/// What all candidates begin with.
+/// What all candidates begin with, up to what a terminal would obey or not show: that gets into no line
+/// unseen.
 std::string commonStart(const std::vector<std::string>& candidates) {
     std::string start = candidates.front();
     for (const std::string& candidate : candidates) {
         const auto difference = std::mismatch(start.begin(), start.end(), candidate.begin(), candidate.end());
         start.erase(difference.first, start.end());
     }
-    // Not in the middle of a character.
-    return start.substr(0, utf8::findIllFormed(start));
+    std::size_t end = 0;
+    while (end < start.size()) {
+        const utils::Sign sign = utils::signAt(start, end);
+        if (!sign.isVisible) { // also a part of a character
+            break;
+        }
+        end += sign.size;
+    }
+    return start.substr(0, end);
 }
 
 int charactersIn(const std::string& text) {
@@ -42,8 +51,8 @@ int charactersIn(const std::string& text) {
 
 } // namespace
 
-LineEditor::LineEditor(Interrupt& interrupt, std::string historyPath, Complete complete)
-    : interrupt_(interrupt), historyPath_(std::move(historyPath)), complete_(std::move(complete)),
+LineEditor::LineEditor(Interrupt& interrupt, HistoryFile historyFile, Complete complete)
+    : interrupt_(interrupt), historyFile_(std::move(historyFile)), complete_(std::move(complete)),
       history_(history_init()), edit_(el_init("orvane", stdin, stdout, stderr)) {
     EditLine* const edit = edit_.get();
     el_set(edit, EL_CLIENTDATA, this);
@@ -58,9 +67,7 @@ LineEditor::LineEditor(Interrupt& interrupt, std::string historyPath, Complete c
     HistEvent event;
     history(history_.get(), &event, H_SETSIZE, rememberedLines);
     history(history_.get(), &event, H_SETUNIQUE, 1);
-    if (!historyPath_.empty()) {
-        history(history_.get(), &event, H_LOAD, historyPath_.c_str());
-    }
+    historyFile_.load(history_.get());
 }
 
 LineEditor::Event LineEditor::read(const std::string& prompt, std::string& line) {
@@ -99,9 +106,7 @@ void LineEditor::remember(const std::string& text) {
     HistEvent event;
     history(history_.get(), &event, H_ENTER, text.c_str());
     // At once: a terminal that is closed ends the program without a last word.
-    if (!historyPath_.empty()) {
-        history(history_.get(), &event, H_SAVE, historyPath_.c_str());
-    }
+    historyFile_.save(history_.get());
 }
 
 LineEditor& LineEditor::self(EditLine* edit) {
@@ -160,10 +165,12 @@ unsigned char LineEditor::complete() {
     if (completion.candidates.empty()) {
         return CC_REFRESH_BEEP;
     }
-    const bool isOnly = completion.candidates.size() == 1;
-    const bool goesOn = !isOnly || completion.candidates.front().back() == '/'; // a directory
-    const std::string text = commonStart(completion.candidates) + (goesOn ? "" : " ");
-    if (isOnly || charactersIn(text) > static_cast<int>(completion.wordLength)) {
+    std::string text = commonStart(completion.candidates);
+    const bool isWhole = completion.candidates.size() == 1 && text == completion.candidates.front();
+    if (isWhole && text.back() != '/') { // a directory goes on
+        text += ' ';
+    }
+    if (isWhole || charactersIn(text) > static_cast<int>(completion.wordLength)) {
         el_deletestr(edit_.get(), static_cast<int>(completion.wordLength));
         el_insertstr(edit_.get(), text.c_str());
         return CC_REFRESH;
@@ -177,15 +184,17 @@ void LineEditor::listCandidates(const std::vector<std::string>& candidates) cons
     constexpr std::size_t shownAtMost = 200;
     const int lineWidth = terminalWidth() > 0 ? terminalWidth() : 80;
     int width = 0;
-    for (const std::string& candidate : candidates) {
-        width = std::max(width, displayWidth(candidate) + 2);
+    std::vector<std::string> shown;
+    for (std::size_t i = 0; i < std::min(candidates.size(), shownAtMost); ++i) {
+        shown.push_back(utils::visibleText(candidates[i]));
+        width = std::max(width, displayWidth(shown.back()) + 2);
     }
     const auto perLine = static_cast<std::size_t>(std::max(1, lineWidth / width));
     std::string text = "\n";
-    for (std::size_t i = 0; i < std::min(candidates.size(), shownAtMost); ++i) {
-        text += candidates[i];
+    for (std::size_t i = 0; i < shown.size(); ++i) {
+        text += shown[i];
         const bool endsLine = (i + 1) % perLine == 0;
-        text.append(endsLine ? 0 : static_cast<std::size_t>(width - displayWidth(candidates[i])), ' ');
+        text.append(endsLine ? 0 : static_cast<std::size_t>(width - displayWidth(shown[i])), ' ');
         if (endsLine) {
             text += '\n';
         }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <histedit.h>
+#include "host/shell/prompt/HistoryFile.h"
 
 #include <functional>
 #include <memory>
@@ -24,8 +24,7 @@ public:
     using Complete = std::function<Completion(const std::string& textBeforeCursor)>;
     enum class Event { Line, Cancelled, End };
 
-    /// `historyPath` may be empty for a history that is not kept.
-    LineEditor(Interrupt& interrupt, std::string historyPath, Complete complete);
+    LineEditor(Interrupt& interrupt, HistoryFile historyFile, Complete complete);
     LineEditor(const LineEditor&) = delete;
     LineEditor& operator=(const LineEditor&) = delete;
 
@@ -52,7 +51,7 @@ private:
     void listCandidates(const std::vector<std::string>& candidates) const;
 
     Interrupt& interrupt_;
-    std::string historyPath_;
+    HistoryFile historyFile_;
     Complete complete_;
     std::string prompt_;
     bool cancelled_ = false;

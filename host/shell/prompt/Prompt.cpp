@@ -1,29 +1,18 @@
 #include "host/shell/prompt/Prompt.h"
 
 #include "host/shell/messages/Shell.h"
+#include "host/shell/prompt/LineEditor.h"
 #include "host/shell/prompt/PromptCommands.h"
 #include "host/shell/prompt/WordCompletion.h"
 #include "host/shell/session/Interrupt.h"
 
 #include "platform/sql/lexing/Script.h"
 
-#include <QDir>
-#include <QStandardPaths>
-
 #include <cstdio>
 
 namespace orvane::shell {
 
 namespace {
-
-std::string historyPath() {
-    const QString directory =
-        QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + QStringLiteral("/orvane");
-    if (!QDir().mkpath(directory)) {
-        return {};
-    }
-    return (directory + QStringLiteral("/history")).toStdString();
-}
 
 /// Whether the lines read so far make a whole, so that they can run.
 bool isComplete(const std::string& text, const std::string& lastLine) {
@@ -45,10 +34,11 @@ void runPrompt(Session& session, StatementRunner& runner, Output& output, Interr
     const PatientWork patience(interrupt, Interrupt::Patience::Long);
     PromptCommands commands(session, runner, output);
     std::string text;
-    LineEditor editor(interrupt, historyPath(), [&session, &text](const std::string& lineBeforeCursor) {
-        return text.empty() ? completeLine(lineBeforeCursor, session.names())
-                            : completeStatement(text + lineBeforeCursor, session.names());
-    });
+    LineEditor editor(interrupt, HistoryFile::standard(),
+                      [&session, &text](const std::string& lineBeforeCursor) {
+                          return text.empty() ? completeLine(lineBeforeCursor, session.names())
+                                              : completeStatement(text + lineBeforeCursor, session.names());
+                      });
     std::printf("%s\n", Shell::tr("Команды показывает .help, выход: Ctrl-D").toUtf8().constData());
     std::string line;
     while (true) {

@@ -4,22 +4,19 @@
 #include "host/adaptor/functions/FunctionRegistry.h"
 #include "host/shell/messages/NearestName.h"
 #include "host/shell/messages/Shell.h"
+#include "host/shell/messages/StandardError.h"
 
 #include "platform/cs/CoordSystem.h"
 #include "platform/dp/Table.h"
+#include "platform/utils/VisibleText.h"
 #include <orvane/engine/FunctionNames.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <utility>
 
 namespace orvane::shell {
 
 namespace {
-
-void printError(const QString& text) {
-    std::fprintf(stderr, "orvane: %s\n", text.toUtf8().constData());
-}
 
 /// What a column holds, in the words of SQL.
 QString typeName(const dp::AttributeDefinition& attribute) {
@@ -112,14 +109,14 @@ bool PromptCommands::run(const QString& line) {
         return true;
     }
     const QString nearest = nearestName(name, names());
-    printError(nearest.isEmpty()
-                   ? Shell::tr("нет команды %0, все команды показывает .help").arg(name)
-                   : Shell::tr("нет команды %0; возможно, имелось в виду %1").arg(name, nearest));
+    printMessage(nearest.isEmpty()
+                     ? Shell::tr("нет команды %0, все команды показывает .help").arg(name)
+                     : Shell::tr("нет команды %0; возможно, имелось в виду %1").arg(name, nearest));
     return true;
 }
 
 void PromptCommands::printLine(const QString& text) {
-    output_.text() += text.toStdString();
+    output_.text() += utils::visibleText(text.toStdString());
     output_.text() += '\n';
     output_.rowDone();
 }
@@ -150,7 +147,7 @@ void PromptCommands::showSchema(const QString& name) {
         }
     }
     if (!found && !name.isEmpty()) {
-        printError(Shell::tr("нет таблицы «%0»").arg(name));
+        printMessage(Shell::tr("нет таблицы «%0»").arg(name));
     }
 }
 
@@ -185,9 +182,10 @@ void PromptCommands::showHelp(const QString& topic) {
     }
     const std::string help = adaptor::functionHelp(topic.toStdString());
     if (help.empty()) {
-        printError(Shell::tr("описания «%0» нет").arg(topic));
+        printMessage(Shell::tr("описания «%0» нет").arg(topic));
     } else {
-        printLine(QString::fromStdString(help).chopped(1));
+        output_.text() += help;
+        output_.rowDone();
     }
 }
 
@@ -215,13 +213,13 @@ void PromptCommands::open(const QString& source) {
             session_.openFile(source);
         }
     } catch (const UsageError& error) {
-        printError(QString::fromUtf8(error.what()));
+        printMessage(QString::fromUtf8(error.what()));
     }
 }
 
 void PromptCommands::close(const QString& table) {
     if (!session_.closeTable(table)) {
-        printError(Shell::tr("нет таблицы «%0»").arg(table));
+        printMessage(Shell::tr("нет таблицы «%0»").arg(table));
     }
 }
 

@@ -3,6 +3,7 @@
 #include "host/adaptor/explaining/StatementExplanation.h"
 #include "host/shell/messages/Shell.h"
 #include "host/shell/messages/SqliteErrors.h"
+#include "host/shell/messages/StandardError.h"
 #include "host/shell/output/DataWriter.h"
 #include "host/shell/output/Progress.h"
 #include "host/shell/session/Interrupt.h"
@@ -54,7 +55,7 @@ Problem problemOf(const sql::SqlError& error) {
 
 void printNotes(const QStringList& notes) {
     for (const QString& note : notes) {
-        std::fprintf(stderr, "orvane: %s\n", note.toUtf8().constData());
+        printMessage(note);
     }
 }
 
@@ -276,7 +277,7 @@ Outcome StatementRunner::finish(Statement& statement) {
     const Times& times = statement.times;
     const double totalMs = millisecondsSince(times.begin);
     for (const QString& line : statement.explanation) {
-        std::fprintf(stderr, "%s\n", line.toUtf8().constData());
+        printErrorLine(line);
     }
     if (settings_.timing) {
         std::fprintf(stderr, "translate_ms=%.3f prepare_ms=%.3f first_row_ms=%.3f total_ms=%.3f rows=%lld\n",
@@ -315,7 +316,7 @@ Outcome StatementRunner::fail(const Statement& statement, Problem problem) {
 
 Outcome StatementRunner::cancel() {
     output_.discard();
-    std::fprintf(stderr, "orvane: %s\n", Shell::tr("прервано").toUtf8().constData());
+    printMessage(Shell::tr("прервано"));
     return Outcome::Cancelled;
 }
 

@@ -15,10 +15,17 @@ TEST(Problem, isUnderlinedInItsLine) {
 }
 
 TEST(Problem, isUnderlinedByDisplayWidth) {
-    const Problem problem{QStringLiteral("x"), TextPlace{1, 6, 1}};
-    EXPECT_EQ(describe(problem, {QString(), "'東京'\t?"}), "orvane: строка 1, столбец 6: x\n"
-                                                           "  '東京' ?\n"
-                                                           "         ^\n");
+    const struct {
+        const char* line; ///< with the place at the sixth character
+        const char* shown;
+    } cases[] = {{"'東京'\t?", "  '東京' ?\n         ^\n"},
+                 {"\u202E\x1B[2K?", "  <U+202E>␛[2K?\n              ^\n"},
+                 {"\xFF\u009BЖ\x07Ж?", "  \uFFFD<U+009B>Ж␇Ж?\n              ^\n"},
+                 {"12345\u2066", "  12345<U+2066>\n       ^^^^^^^^\n"}};
+    for (const auto& [line, shown] : cases) {
+        EXPECT_EQ(describe({QStringLiteral("x\n\u202E"), TextPlace{1, 6, 1}}, {QString(), line}),
+                  std::string("orvane: строка 1, столбец 6: x␊<U+202E>\n") + shown);
+    }
 }
 
 TEST(Problem, atTheEndOfTheTextStillHasAMark) {

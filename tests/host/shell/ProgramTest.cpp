@@ -145,6 +145,45 @@ TEST(Program, takesNamesOfTablesAndColumnsAsTheyAre) {
     EXPECT_EQ(answer.errors, "");
 }
 
+TEST(Program, printsNothingThatATerminalWouldObey) {
+    const QTemporaryDir directory;
+    const QString file = directory.filePath(QStringLiteral("a\u202E.csv"));
+    writeFile(file, "x\x1B[31m,\xC2\x9By\n\a1,\xE2\x80\xAE\n");
+    const QString table = QStringLiteral("\"a\u202E\"");
+    const QString harm = QStringLiteral("\x1B]0;\a\u009B\u202E");
+    const QStringList cases[] = {
+        {file, QStringLiteral("--explain"), QStringLiteral("-c"), QStringLiteral("Table ") + table},
+        {file, QStringLiteral("-Fjson"), QStringLiteral("-c"), QStringLiteral("Table ") + table},
+        {file, QStringLiteral("-c"), QStringLiteral("Select \"%0\" From %1").arg(harm, table)},
+        {file, QStringLiteral("-c"), QStringLiteral("Select 1 From \"%0\"").arg(harm)},
+        {file, QStringLiteral("-c"), QStringLiteral("Select %0").arg(harm)},
+        {file, QStringLiteral("--sqlite"), QStringLiteral("-c"),
+         QStringLiteral("Select \"%0\"(1)").arg(harm)},
+        {QStringLiteral("-c"),
+         QStringLiteral("Select 1 Into '%0.csv'").arg(directory.filePath(harm + QLatin1Char('/')))},
+        {QStringLiteral("--overwrite"), QStringLiteral("-o"), directory.filePath(harm + QStringLiteral("/x")),
+         QStringLiteral("-c1")},
+        {file, QStringLiteral("--select"), harm + QStringLiteral("=1"), QStringLiteral("-c1")},
+        {QStringLiteral("-f"), harm},
+        {QStringLiteral("--help-function"), harm},
+        {QStringLiteral("--log"), harm},
+        {QStringLiteral("--") + harm},
+        {harm}};
+    for (const QStringList& arguments : cases) {
+        const Answer answer = runProgram(arguments);
+        const std::string printed = answer.output + answer.errors;
+        EXPECT_NE(printed, "");
+        for (const char* part : {"\x1B", "\a", "\u009B", "\u202E"}) {
+            EXPECT_THAT(printed, testing::Not(HasSubstr(part)))
+                << arguments.join(QLatin1Char(' ')).toStdString();
+        }
+    }
+    EXPECT_EQ(runProgram({file, QStringLiteral("-Fcsv"), QStringLiteral("-c"),
+                          QStringLiteral("Select y As \"\x1B\" From ") + table})
+                  .output,
+              "\x1B\n\u202E\n");
+}
+
 TEST(Program, timesEachStatementOnStandardError) {
     const Answer answer = ask("--timing -F csv", "Select name_long From countries; Select 1 Where 0");
     const std::string times =

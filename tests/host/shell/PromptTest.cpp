@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include <chrono>
@@ -15,6 +16,7 @@
 
 #include <poll.h>
 #include <pty.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
@@ -287,6 +289,78 @@ TEST_F(Prompt, keepsAStatementOfSeveralLinesAsOneEntryOfTheHistory) {
     again.readUntil("\r\nfirst | second0\r\n");
     again.type(".quit\n");
     EXPECT_EQ(again.exitStatus(), 0);
+}
+
+TEST_F(Prompt, showsNamesThatATerminalWouldObey) {
+    const QString path = home_.filePath(QStringLiteral("a\u202E.csv"));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("na\u202Eme,na\u2066\n1,2\n");
+    file.close();
+    Terminal terminal(home_.path().toStdString(), {path.toStdString()});
+    terminal.readUntil("orvane> ");
+    const auto shown = [&terminal](const char* keys, const char* end) {
+        terminal.type(keys);
+        const std::string text = terminal.readUntil(end);
+        EXPECT_THAT(text,
+                    testing::AllOf(testing::Not(HasSubstr("\u202E")), testing::Not(HasSubstr("\u2066"))));
+    };
+    shown(".tables\n", "a<U+202E>  1\r\n");
+    shown(".schema\n", "  na<U+202E>me  Integer\r\n  na<U+2066>  Integer\r\n");
+    shown("Select na\t", "na<U+202E>me  ");
+    shown("\x15.close a\t\n", "\"a\""); // up to where it can be seen
+}
+
+TEST_F(Prompt, keepsTheHistoryForItsOwnerAlone) {
+    const QByteArray directory = home_.filePath(QStringLiteral("orvane")).toUtf8();
+    const QByteArray history = directory + "/history";
+    const QByteArray target = home_.filePath(QStringLiteral("target")).toUtf8();
+    const auto runsWith = [&](const QByteArray& content) {
+        QFile file(QString::fromUtf8(history));
+        if (!content.isEmpty() && file.open(QIODevice::WriteOnly)) {
+            file.write(content);
+            file.close();
+            ::chmod(history, 0666);
+        }
+        Terminal terminal(home_.path().toStdString(), {});
+        terminal.readUntil("orvane> ");
+        terminal.type(upKey + std::string(upKey) + "\x15" + "6 * 7;\n"); // what is there can be called up
+        terminal.readUntil("\r\n   42\r\n");
+        terminal.type(".quit\n");
+        EXPECT_EQ(terminal.exitStatus(), 0) << content.left(100).constData();
+    };
+    const auto modeOf = [](const QByteArray& path) {
+        struct stat status {};
+        return ::lstat(path, &status) == 0 ? status.st_mode : 0;
+    };
+    const QByteArray start("_HiStOrY_V2_\n");
+    for (const QByteArray& content :
+         {QByteArray(), QByteArray("no history\n"), start + "6\\0407\n", start + "\xFF\\377\\\n\\",
+          start + QByteArray(1000000, 'a'), start + QByteArray(3, '\0') + "\n", QByteArray(1000, '\xFF')}) {
+        runsWith(content);
+        EXPECT_EQ(modeOf(directory), S_IFDIR | 0700U);
+        EXPECT_EQ(modeOf(history), S_IFREG | 0600U);
+    }
+    QFile::rename(QString::fromUtf8(history), QString::fromUtf8(target));
+    ASSERT_EQ(::symlink(target, history), 0); // the user's own
+    runsWith({});
+    EXPECT_TRUE(S_ISLNK(modeOf(history)));
+    QFile kept(QString::fromUtf8(target));
+    ASSERT_TRUE(kept.open(QIODevice::ReadOnly));
+    const QByteArray content = kept.readAll();
+    EXPECT_TRUE(content.contains("6\\040*\\0407"));
+    constexpr uid_t somebody = 65534;
+    if (::lchown(history, somebody, somebody) == 0) {
+        ::truncate(target, 0);
+        runsWith({});
+        EXPECT_EQ(QFileInfo(kept).size(), 0);
+    }
+    ::unlink(history);
+    ::mkfifo(history, 0600);
+    runsWith({});
+    ::unlink(history);
+    ::mkdir(history, 0700);
+    runsWith({});
 }
 
 TEST_F(Prompt, readsTheHistoryOfEarlierVersions) {
