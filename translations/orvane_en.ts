@@ -335,6 +335,55 @@
         <source>файл повреждён: фигура %1 другого вида, чем все; его можно только читать</source>
         <translation>the file is damaged: shape %1 is of another kind than the rest; it can only be read</translation>
     </message>
+    <message>
+        <source>«%1» только читается: его строки лежат в других файлах</source>
+        <translation>&quot;%1&quot; can only be read: its rows lie in other files</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::files::Confinement</name>
+    <message>
+        <source>«%1» ссылается на «%2», что читается только с --trust-references</source>
+        <translation>&quot;%1&quot; refers to &quot;%2&quot;, which is read only with --trust-references</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::files::FileOpening</name>
+    <message>
+        <source>«%1»: формат %2 отсылает к другим файлам или в сеть; он открывается с --trust-references</source>
+        <translation>&quot;%1&quot;: the format %2 leads to other files or to the network; it opens with --trust-references</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::files::References</name>
+    <message>
+        <source>«%1» ссылается на «%2», а это не файл из его папки; такие ссылки открывает --trust-references</source>
+        <translation>&quot;%1&quot; refers to &quot;%2&quot;, which is not a file of its folder; --trust-references opens such references</translation>
+    </message>
+    <message>
+        <source>Не удалось открыть «%1»: %2</source>
+        <translation>Cannot open &quot;%1&quot;: %2</translation>
+    </message>
+    <message>
+        <source>он слишком велик для файла со ссылками</source>
+        <translation>it is too large for a file of references</translation>
+    </message>
+    <message>
+        <source>нет файла «%1», на который он ссылается</source>
+        <translation>there is no file &quot;%1&quot;, to which it refers</translation>
+    </message>
+    <message>
+        <source>в нём нет таблиц в известном формате</source>
+        <translation>it has no tables in a known format</translation>
+    </message>
+    <message>
+        <source>ссылки в нём ведут по кругу</source>
+        <translation>its references lead in a circle</translation>
+    </message>
+    <message>
+        <source>источник «%1» не открывается: %2</source>
+        <translation>the source &quot;%1&quot; does not open: %2</translation>
+    </message>
 </context>
 <context>
     <name>orvane::files::FeatureWriter</name>
@@ -346,8 +395,12 @@
 <context>
     <name>orvane::files::FileSource</name>
     <message>
-        <source>Не удалось открыть слой «%1» в «%2»</source>
-        <translation>Cannot open the layer &quot;%1&quot; in &quot;%2&quot;</translation>
+        <source>Не удалось открыть слой «%1» в «%2»: %3</source>
+        <translation>Cannot open the layer &quot;%1&quot; in &quot;%2&quot;: %3</translation>
+    </message>
+    <message>
+        <source>%1; нужное вне файла даёт --trust-references</source>
+        <translation>%1; --trust-references gives what it wants beyond the file</translation>
     </message>
     <message>
         <source>Не удалось открыть «%1»: столбцов %2, а в таблице их не больше %3</source>
@@ -1087,6 +1140,10 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
     <message>
         <source>выполнить запрос и показать, чем получен ответ</source>
         <translation>run a statement and show how it was answered</translation>
+    </message>
+    <message>
+        <source>открывать и то, на что файлы ссылаются вне своей папки: другие файлы, сеть</source>
+        <translation>open what files refer to outside their folder, too: other files, the network</translation>
     </message>
     <message>
         <source>не делать индексов по столбцам</source>

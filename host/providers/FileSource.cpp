@@ -1,6 +1,7 @@
 #include "host/providers/FileSource.h"
 
 #include "host/providers/datasets/Archive.h"
+#include "host/providers/datasets/Confinement.h"
 #include "host/providers/datasets/DatasetPool.h"
 #include "host/providers/datasets/DbfEncoding.h"
 #include "host/providers/datasets/ExchangeJournal.h"
@@ -14,6 +15,7 @@
 
 #include <QCoreApplication>
 #include <QFileInfo>
+#include <QRegularExpression>
 
 #include <stdexcept>
 #include <string_view>
@@ -30,6 +32,7 @@ struct SourceName {
     QString path;
     QString layer; ///< empty for all
     QString encoding;
+    bool trustsReferences = false;
 };
 
 SourceName splitSource(const QString& source) {
@@ -79,23 +82,47 @@ void openTextTable(const QString& path, const SourceName& source, Opened& opened
         tableName(name, path), std::make_shared<TextSource>(table), std::make_unique<TextEditor>(table)));
 }
 
+void warn(const QString& text) {
+    loggerInstance()->write(LogLevel::Warning, QStringLiteral("FileSource"), __LINE__,
+                            QString::fromLatin1(__func__), text);
+}
+
+QString unopenedLayer(const QString& layer, const SourceName& source, const QString& reason) {
+    const QString text = Texts::tr("Не удалось открыть слой «%1» в «%2»: %3").arg(layer, source.path, reason);
+    // SQLite's words for what is taken from a database that is not trusted.
+    static const QRegularExpression missing(QStringLiteral("no such (function|module)"));
+    return !source.trustsReferences && missing.match(reason).hasMatch()
+               ? Texts::tr("%1; нужное вне файла даёт --trust-references").arg(text)
+               : text;
+}
+
+/// Warnings, or an error where nothing else opened.
+void tellFailures(const QStringList& failures, const Opened& opened) {
+    if (opened.tables.empty() && !failures.isEmpty()) {
+        throw std::runtime_error(failures.first().toStdString());
+    }
+    for (const QString& failure : failures) {
+        warn(failure);
+    }
+}
+
 void openLayers(const SourceName& source, Opened& opened) {
     QList<QByteArray> options;
     const QString path = pathForGdal(source.path);
     QByteArray encoding = source.encoding.toUtf8();
     if (encoding.isEmpty() && !(encoding = encodingOfDbf(path)).isEmpty()) {
-        loggerInstance()->write(
-            LogLevel::Warning, QStringLiteral("FileSource"), __LINE__, QString::fromLatin1(__func__),
-            Texts::tr("«%1» не называет своей кодировки, похоже на %2; другая называется так: "
-                      "«%1|encoding=windows-1251»")
-                .arg(source.path, QString::fromLatin1(encoding)));
+        warn(Texts::tr("«%1» не называет своей кодировки, похоже на %2; другая называется так: "
+                       "«%1|encoding=windows-1251»")
+                 .arg(source.path, QString::fromLatin1(encoding)));
     }
     if (!encoding.isEmpty()) {
         options.append("ENCODING=" + encoding);
     }
-    const auto pool =
-        std::make_shared<DatasetPool>(DatasetPool::Source{path.toUtf8(), {}, std::move(options)});
+    const auto pool = std::make_shared<DatasetPool>(
+        DatasetPool::Source{path.toUtf8(), std::move(options), nullptr, source.trustsReferences});
     const auto lease = pool->acquire();
+    const Confinement confinement(pool->reach(), pool->source().path);
+    QStringList failures;
     for (int i = 0; i < GDALDatasetGetLayerCount(lease.dataset()); ++i) {
         const GdalErrorScope errors;
         const OGRLayerH layer = GDALDatasetGetLayer(lease.dataset(), i);
@@ -104,21 +131,24 @@ void openLayers(const SourceName& source, Opened& opened) {
             continue;
         }
         auto schema = describeLayer(layer);
-        if (schema.columns.empty()) { // as of a VRT layer whose source does not open
-            errors.raiseIfFailed(
-                Texts::tr("Не удалось открыть слой «%1» в «%2»").arg(opened.layers.last(), source.path));
+        if (schema.columns.empty() &&
+            !errors.error().isEmpty()) { // as of a view that calls what is not there
+            failures += unopenedLayer(opened.layers.last(), source, errors.error());
+            continue;
         }
         opened.tables.push_back(LayerTable::ofLayer(tableName(opened.layers.last(), source.path), pool, i,
                                                     name, std::move(schema)));
     }
+    tellFailures(failures, opened);
 }
 
 /// Whether GDAL finds something else in an archive than tables of text.
-bool holdsMoreThanText(const QString& archive) {
+bool holdsMoreThanText(const SourceName& archive) {
     try {
-        const auto lease =
-            std::make_shared<DatasetPool>(DatasetPool::Source{pathForGdal(archive).toUtf8(), {}, {}})
-                ->acquire();
+        const auto lease = std::make_shared<DatasetPool>(
+                               DatasetPool::Source{
+                                   pathForGdal(archive.path).toUtf8(), {}, nullptr, archive.trustsReferences})
+                               ->acquire();
         return std::string_view(GDALGetDriverShortName(GDALGetDatasetDriver(lease.dataset()))) != "CSV";
     } catch (const std::runtime_error&) {
         return false;
@@ -134,7 +164,7 @@ Opened openAll(const SourceName& source) {
         return opened;
     }
     const auto texts = textTablesIn(source.path);
-    if (texts.isEmpty() || holdsMoreThanText(source.path)) {
+    if (texts.isEmpty() || holdsMoreThanText(source)) {
         openLayers(source, opened);
         return opened;
     }
@@ -174,6 +204,7 @@ std::vector<std::shared_ptr<LayerTable>> openFile(const QString& source, const O
     if (!options.encoding.isEmpty()) {
         name.encoding = options.encoding;
     }
+    name.trustsReferences = options.trustReferences;
     Opened opened = openAll(name);
     if (opened.layers.isEmpty()) {
         throw std::runtime_error(Texts::tr("В «%1» нет таблиц").arg(name.path).toStdString());

@@ -66,6 +66,7 @@ QString savepointName(int number) {
 
 DatasetEdit::DatasetEdit(DatasetPool& pool) : FileEdit(QString::fromUtf8(pool.source().path)), pool_(pool) {
     const auto original = pool.acquire();
+    pool.requireOwnRows(original.dataset());
     const GdalErrorScope errors;
     if (!GDALGetInternalHandle(original.dataset(), "SQLITE_HANDLE")) {
         makeCopy(filesOf(path(), original.dataset()));

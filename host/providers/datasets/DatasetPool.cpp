@@ -19,15 +19,6 @@ namespace {
 /// memory.
 constexpr std::size_t mostIdle = 4;
 
-std::vector<const char*> nullTerminated(const QList<QByteArray>& texts) {
-    std::vector<const char*> pointers;
-    for (const auto& text : texts) {
-        pointers.push_back(text.constData());
-    }
-    pointers.push_back(nullptr);
-    return pointers;
-}
-
 /// GDAL's reason, without the path that stands before it.
 QString withoutPath(const QString& reason, const QString& path) {
     const QString start = path + QStringLiteral(": ");
@@ -96,19 +87,26 @@ void DatasetPool::discardHandles() {
 
 DatasetHandle DatasetPool::open(unsigned flags, const QByteArray& path) const {
     requireOrdinaryFile(path);
-    const auto drivers = nullTerminated(source_.drivers);
-    const auto options = nullTerminated(source_.openOptions);
     const QString file = pathOnDisk(QString::fromUtf8(path));
     settleExchangeAround(QFile::encodeName(file).toStdString());
     rollBackDatabase(file);
-    const GdalErrorScope errors;
-    DatasetHandle dataset(GDALOpenEx(path.constData(), GDAL_OF_VECTOR | GDAL_OF_VERBOSE_ERROR | flags,
-                                     source_.drivers.isEmpty() ? nullptr : drivers.data(), options.data(),
-                                     nullptr));
+    QString reason;
+    DatasetHandle dataset = openFileWithin(reach_, path, flags, source_.openOptions, reason);
     if (!dataset) {
-        raiseUnopened(errors.error());
+        raiseUnopened(reason);
+    }
+    if ((flags & GDAL_OF_UPDATE) != 0) {
+        requireOwnRows(dataset.get());
     }
     return dataset;
+}
+
+void DatasetPool::requireOwnRows(GDALDatasetH dataset) const {
+    if (isVirtual(dataset)) {
+        throw std::runtime_error(tr("«%1» только читается: его строки лежат в других файлах")
+                                     .arg(QString::fromUtf8(source_.path))
+                                     .toStdString());
+    }
 }
 
 void DatasetPool::raiseUnopened(const QString& reported) const {
@@ -118,7 +116,8 @@ void DatasetPool::raiseUnopened(const QString& reported) const {
     const QFileInfo file(path);
     if (file.isFile() && file.size() == 0) {
         reason = tr("файл пуст");
-    } else if (reported.contains(QLatin1String("not recognized as a supported"))) { // GDAL's words
+    } else if (reason.isEmpty() ||
+               reported.contains(QLatin1String("not recognized as a supported"))) { // GDAL's
         reason = tr("в нём нет таблиц в известном формате");
     }
     const QString message = tr("Не удалось открыть «%1»").arg(path);

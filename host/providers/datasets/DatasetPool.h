@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/providers/datasets/FileOpening.h"
 #include "host/providers/datasets/GdalHandles.h"
 #include "host/providers/datasets/ResultDirectory.h"
 
@@ -23,10 +24,11 @@ public:
     /// How the file is opened. Texts are UTF-8.
     struct Source {
         QByteArray path;
-        QList<QByteArray> drivers; ///< the only drivers to try, all when empty
         QList<QByteArray> openOptions;
         /// Goes when nobody reads the file any more; null for a file of the user's.
         std::shared_ptr<ResultDirectory> temporaryDirectory = nullptr;
+        /// The user wants what the file refers to, wherever it lies.
+        bool trustsReferences = false;
     };
 
     /// A handle out of the pool; gives it back when it dies.
@@ -55,15 +57,20 @@ public:
         unsigned generation_ = 0;
     };
 
-    explicit DatasetPool(Source source) : source_(std::move(source)) {}
+    explicit DatasetPool(Source source)
+        : source_(std::move(source)), reach_(reachOf(source_.path, source_.trustsReferences)) {}
 
     const Source& source() const { return source_; }
+    Reach reach() const { return reach_; }
 
     /// An idle handle, or a new one; while a group of edits has changes, one that shows them. Throws
     /// std::runtime_error when the file does not open.
     Lease acquire();
-    /// A new handle that does not belong to the pool, of the file or a copy of it. Throws as acquire().
+    /// A new handle that does not belong to the pool, of the file or a copy of it. Throws as acquire(), and
+    /// to be changed as requireOwnRows().
     DatasetHandle open(unsigned flags, const QByteArray& path) const;
+    /// Throws std::runtime_error for a virtual dataset: who changes it would change the files that it names.
+    void requireOwnRows(GDALDatasetH dataset) const;
     /// The group of edits under way, or else a new one. Throws std::runtime_error.
     std::shared_ptr<DatasetEdit> edit();
     /// Forgets every handle, for the file has changed: idle ones now, the others when they come back.
@@ -77,10 +84,16 @@ private:
     void release(DatasetHandle dataset, unsigned generation);
 
     const Source source_;
+    const Reach reach_;
     std::mutex mutex_;
     std::vector<DatasetHandle> idle_;
     unsigned generation_ = 0;
     std::weak_ptr<DatasetEdit> edit_;
 };
+
+/// For what GDAL does with a handle on this thread.
+inline Confinement confine(const DatasetPool::Lease& lease) {
+    return {lease.pool().reach(), lease.pool().source().path};
+}
 
 } // namespace orvane::files

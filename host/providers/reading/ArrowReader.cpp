@@ -1,5 +1,6 @@
 #include "host/providers/reading/ArrowReader.h"
 
+#include "host/providers/datasets/SqliteConfinement.h"
 #include <algorithm>
 #include <cstring>
 
@@ -131,6 +132,7 @@ bool ArrowReader::hasExpectedLayout(const LayerScan& scan) {
 bool ArrowReader::next(ColumnBatch& batch) {
     constexpr int mostEmpty = 1000;
     const std::shared_ptr<ArrowArray> array(new ArrowArray{}, releaseArray);
+    const Confinement confinement = confine(scan_.lease);
     for (int i = 0; array->length == 0; ++i) {
         const GdalErrorScope errors;
         if (array->release) {
@@ -139,7 +141,9 @@ bool ArrowReader::next(ColumnBatch& batch) {
         *array = {};
         const bool hasFailed = stream_.get_next(&stream_, array.get()) != 0;
         const char* reason = hasFailed ? stream_.get_last_error(&stream_) : nullptr;
-        if (hasFailed || !errors.error().isEmpty() || i == mostEmpty) {
+        // Without a second connection to read ahead GDAL goes on with this one.
+        const bool hasError = !errors.error().isEmpty() && !saysUnconfined(errors.error());
+        if (hasFailed || hasError || i == mostEmpty) {
             scan_.raise(errors, QString::fromUtf8(reason));
         }
         // The driver may read in threads of its own, and go on after failures.

@@ -129,6 +129,7 @@ bool FeatureReader::next(ColumnBatch& batch) {
     if (isAtEnd_) {
         return false;
     }
+    const Confinement confinement = confine(scan_.lease);
     const GdalErrorScope errors;
     std::vector<ColumnKind> kinds;
     for (const auto* column : scan_.columns) {

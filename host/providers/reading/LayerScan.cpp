@@ -70,6 +70,7 @@ bool hasFieldsOf(OGRLayerH layer, const LayerSchema& schema) {
 }
 
 std::unique_ptr<BatchReader> startScan(LayerScan scan) {
+    const Confinement confinement = confine(scan.lease);
     if (scan.lease.isShared()) {
         const std::string condition = scan.filter.empty() ? std::string() : " WHERE " + scan.filter;
         scan.query = std::make_shared<DriverQuery>(

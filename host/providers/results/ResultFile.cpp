@@ -171,8 +171,8 @@ std::shared_ptr<LayerTable> addResultTable(dp::DataCatalog& catalog, const QStri
     const QByteArray layerName("result");
     try {
         const auto written = writeLayer(rows, tableFormat, path, QString::fromUtf8(layerName), true);
-        const auto pool = std::make_shared<DatasetPool>(
-            DatasetPool::Source{path.toUtf8(), {"GPKG"}, {}, std::move(directory)});
+        const auto pool =
+            std::make_shared<DatasetPool>(DatasetPool::Source{path.toUtf8(), {}, std::move(directory), true});
         const auto lease = pool->acquire();
         LayerSchema schema = describeLayer(GDALDatasetGetLayer(lease.dataset(), 0));
         // The row numbers of the file are no column of the result; the types of the query are finer than the

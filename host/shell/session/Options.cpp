@@ -26,7 +26,7 @@ struct RawOptions {
     std::string format = "table", memo = "off", log = "warning", locale, output, null, selection, function,
                 indexDirectory;
     bool overwrite = false, noHeader = false, translate = false, sqlite = false, timing = false,
-         explain = false, noIndices = false;
+         explain = false, noIndices = false, trustReferences = false;
 };
 
 const std::map<std::string, Format> formats{
@@ -228,6 +228,9 @@ std::optional<Options> parseOptions(int argc, const char* const* argv) {
     app.add_option("FILE", raw.files, text(Shell::tr("открыть каждый слой файла под его именем")))
         ->type_name("");
     list("-t,--table", raw.tables, Shell::tr("открыть один слой под именем NAME"), "NAME=FILE[|LAYER]");
+    app.add_flag(
+        "--trust-references", raw.trustReferences,
+        text(Shell::tr("открывать и то, на что файлы ссылаются вне своей папки: другие файлы, сеть")));
     const auto* command = list("-c,--command", raw.commands, Shell::tr("выполнить запрос"), "TEXT");
     const auto* script = list("-f,--script", raw.scripts, Shell::tr("выполнить запросы из файла"), "FILE");
     const auto* format = value("-F,--format", raw.format, Shell::tr("вид ответа"), "table|csv|json|geojson");
@@ -305,6 +308,7 @@ std::optional<Options> parseOptions(int argc, const char* const* argv) {
     options.sqlite = raw.sqlite;
     options.timing = raw.timing;
     options.explain = raw.explain;
+    options.trustReferences = raw.trustReferences;
     options.noIndices = raw.noIndices;
     options.indexDirectory = QString::fromStdString(raw.indexDirectory);
     options.memo = oneOf(memoModes, raw.memo, "--memo");

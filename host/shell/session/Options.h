@@ -51,8 +51,9 @@ struct Options {
     bool sqlite = false;
     bool timing = false;
     bool explain = false;
-    bool noIndices = false; ///< never make an attribute index
-    QString indexDirectory; ///< where attribute indices are kept; empty for the temporary directory
+    bool trustReferences = false; ///< files open with what they refer to, wherever it lies
+    bool noIndices = false;       ///< never make an attribute index
+    QString indexDirectory;       ///< where attribute indices are kept; empty for the temporary directory
     engine::EngineCache::GaiaCache memo = engine::EngineCache::NoMemo;
     LogLevel logLevel = LogLevel::Warning;
 };

@@ -32,14 +32,6 @@ QString reason(const std::exception& failure) {
     return text;
 }
 
-std::vector<std::shared_ptr<files::LayerTable>> openLayers(const QString& source) {
-    try {
-        return files::openFile(source);
-    } catch (const std::exception& failure) {
-        throw UsageError(reason(failure));
-    }
-}
-
 } // namespace
 
 Session::Session() {
@@ -77,6 +69,17 @@ void Session::apply(const Options& options) {
     settings_->setValue(DefaultSettingsList::IndexDirectory, options.indexDirectory);
     settings_->setValue(DefaultSettingsList::NoAttributeIndices, options.noIndices);
     engine_->cache()->setUseGaiaCache(options.memo);
+    trustsReferences_ = options.trustReferences;
+}
+
+std::vector<std::shared_ptr<files::LayerTable>> Session::openLayers(const QString& source) const {
+    files::OpenOptions options;
+    options.trustReferences = trustsReferences_;
+    try {
+        return files::openFile(source, options);
+    } catch (const std::exception& failure) {
+        throw UsageError(reason(failure));
+    }
 }
 
 void Session::openFile(const QString& path) {

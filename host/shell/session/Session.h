@@ -8,12 +8,14 @@
 #include "platform/dp/DataCatalogWithSelection.h"
 
 #include <memory>
+#include <vector>
 
 namespace orvane {
 class Engine;
 }
 namespace orvane::files {
 class FilesExtension;
+class LayerTable;
 class ResultRows;
 } // namespace orvane::files
 
@@ -50,6 +52,7 @@ public:
 
 private:
     void apply(const Options& options);
+    std::vector<std::shared_ptr<files::LayerTable>> openLayers(const QString& source) const;
     void makeVirtualTables();
 
     dp::DataCatalogWithSelection catalog_; ///< outlives the engine, whose tables look into it
@@ -59,6 +62,7 @@ private:
     Engine* engine_ = nullptr; ///< a child of the core
     sqlite3* database_ = nullptr;
     std::unique_ptr<files::FilesExtension> files_;
+    bool trustsReferences_ = false; ///< of the files to open
 };
 
 } // namespace orvane::shell
