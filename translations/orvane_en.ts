@@ -468,6 +468,10 @@
         <source>«%1»: ошибка чтения данных</source>
         <translation>&quot;%1&quot;: the data cannot be read</translation>
     </message>
+    <message>
+        <source>файл повреждён: обещано строк %1, а нет ни одной</source>
+        <translation>the file is damaged: it promises %1 rows and has none</translation>
+    </message>
 </context>
 <context>
     <name>orvane::files::LayerSource</name>

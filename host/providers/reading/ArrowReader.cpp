@@ -68,7 +68,7 @@ void releaseArray(ArrowArray* array) {
 bool ArrowReader::suits(const LayerScan& scan) {
     // FlatGeobuf's stream of no rows never ends; it does not count them either.
     const char* driver = GDALGetDriverShortName(GDALGetDatasetDriver(scan.lease.dataset()));
-    const bool isEmpty = EQUAL(driver, "FlatGeobuf") && OGR_L_GetFeatureCount(scan.layer, FALSE) <= 0;
+    const bool isEmpty = EQUAL(driver, "FlatGeobuf") && scan.promisedRows <= 0;
     return !isEmpty && OGR_L_TestCapability(scan.layer, OLCFastGetArrowStream) &&
            std::all_of(scan.columns.begin(), scan.columns.end(),
                        [](const LayerColumn* column) { return column->isArrowExact; });
@@ -151,11 +151,13 @@ bool ArrowReader::next(ColumnBatch& batch) {
             scan_.raise(errors, failures.last);
         }
         if (!array->release) {
+            scan_.requireRows(errors);
             return false;
         }
     }
 
     batch.rows = array->length;
+    scan_.rows += batch.rows;
     batch.fids = makeChunk(ColumnKind::Int64, *array->children[0], scan_.batchRows, array);
     batch.columns.clear();
     for (std::size_t i = 0; i < children_.size(); ++i) {

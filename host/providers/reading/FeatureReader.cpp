@@ -140,12 +140,14 @@ bool FeatureReader::next(ColumnBatch& batch) {
         const auto feature = nextFeature(errors);
         if (!feature) {
             isAtEnd_ = true;
+            scan_.requireRows(errors);
             break;
         }
         for (std::size_t i = 0; i < scan_.columns.size(); ++i) {
             appendValue(feature.get(), *scan_.columns[i], builder.columns[i]);
         }
         builder.endRow(OGR_F_GetFID(feature.get()));
+        ++scan_.rows;
     }
     return std::move(builder).finish(batch);
 }

@@ -53,6 +53,12 @@ void LayerScan::raise(const GdalErrorScope& errors, const QString& otherwise) co
     throw std::runtime_error((what + QStringLiteral(": ") + otherwise).toStdString());
 }
 
+void LayerScan::requireRows(const GdalErrorScope& errors) const {
+    if (promisedRows > 0 && rows == 0) {
+        raise(errors, tr("файл повреждён: обещано строк %1, а нет ни одной").arg(promisedRows));
+    }
+}
+
 OGRLayerH findLayer(GDALDatasetH dataset, int index, const QByteArray& name) {
     const OGRLayerH layer = GDALDatasetGetLayer(dataset, index);
     return layer && name == OGR_L_GetName(layer) ? layer
@@ -80,6 +86,10 @@ std::unique_ptr<BatchReader> startScan(LayerScan scan) {
         scan.filter.clear();
     }
     prepareLayer(scan);
+    const char* driver = GDALGetDriverShortName(GDALGetDatasetDriver(scan.lease.dataset()));
+    if (EQUAL(driver, "FlatGeobuf") && scan.filter.empty()) {
+        scan.promisedRows = OGR_L_GetFeatureCount(scan.layer, FALSE);
+    }
     if (ArrowReader::suits(scan)) {
         if (auto reader = ArrowReader::start(scan)) {
             return reader;

@@ -24,9 +24,13 @@ public:
     std::vector<const LayerColumn*> columns; ///< of the schema, those that are read
     std::string filter;                      ///< condition in the driver's SQL, empty for all rows
     std::int64_t batchRows = rowsPerBatch;
+    std::int64_t promisedRows = 0; ///< by a header, without a filter; 0 where none does
+    std::int64_t rows = 0;         ///< read so far
 
     /// Throws std::runtime_error with the name of the file and GDAL's reason, or the other when it gave none.
     [[noreturn]] void raise(const GdalErrorScope& errors, const QString& otherwise = {}) const;
+    /// At the end of a scan: raises where no row came though some were promised, which GDAL does not mind.
+    void requireRows(const GdalErrorScope& errors) const;
 };
 
 /// The layer of a handle; null when the file has no such layer any more.

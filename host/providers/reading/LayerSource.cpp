@@ -2,6 +2,10 @@
 
 #include "host/providers/datasets/GdalErrors.h"
 
+#include <cpl_string.h>
+#include <cpl_vsi.h>
+
+#include <limits>
 #include <stdexcept>
 
 namespace orvane::files {
@@ -16,6 +20,23 @@ ValueClass LayerSource::valueClass(int attribute) const {
     }
 }
 
+namespace {
+
+/// More rows than this many bytes of a file cannot hold, were they packed as tightly as ZIP can.
+std::int64_t mostRowsIn(GDALDatasetH dataset) {
+    constexpr std::int64_t mostPerByte = 1100;
+    std::int64_t bytes = 0;
+    const CPLStringList files(GDALGetFileList(dataset));
+    for (int i = 0; i < files.size(); ++i) {
+        VSIStatBufL status;
+        bytes += VSIStatL(files[i], &status) == 0 ? std::int64_t{status.st_size} : 0;
+    }
+    constexpr auto most = std::numeric_limits<std::int64_t>::max();
+    return bytes == 0 || bytes > most / mostPerByte ? most : bytes * mostPerByte;
+}
+
+} // namespace
+
 std::optional<std::int64_t> LayerSource::rowCount() {
     if (!rowCount_) {
         const GdalErrorScope errors;
@@ -28,6 +49,9 @@ std::optional<std::int64_t> LayerSource::rowCount() {
             rowCount_ = countRows(lease.dataset(), layer);
         } else {
             rowCount_ = layer ? OGR_L_GetFeatureCount(layer, FALSE) : -1;
+            if (*rowCount_ > mostRowsIn(lease.dataset())) {
+                rowCount_ = -1; // what a damaged header claims
+            }
         }
     }
     return *rowCount_ < 0 ? std::nullopt : rowCount_;

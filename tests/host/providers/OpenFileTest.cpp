@@ -397,6 +397,41 @@ TEST_F(OpenFile, damageIsToldInsteadOfRowsThatAreMissing) {
     EXPECT_NE(failure(directory_.filePath(QStringLiteral("damaged.gpkg"))), "");
 }
 
+TEST_F(OpenFile, rowsThatTheFileCannotHoldAreNotCounted) {
+    constexpr int rows = 300;
+    const auto countOf = [](const QString& path) {
+        const auto table = openFile(path).front();
+        std::int64_t count = 0;
+        for (const auto cursor = table->openCursor({}); cursor->next() && count <= rows;) {
+            ++count;
+        }
+        return count;
+    };
+    const auto package = directory_.filePath(QStringLiteral("count.gpkg"));
+    addLayerOfNumbers(*createDataset({"GPKG", "gpkg"}, package), "numbers", rows);
+    sqlite3* database = nullptr;
+    ASSERT_EQ(sqlite3_open(package.toUtf8().constData(), &database), SQLITE_OK);
+    EXPECT_EQ(sqlite3_exec(database, "Update gpkg_ogr_contents Set feature_count = 1 << 60", nullptr, nullptr,
+                           nullptr),
+              SQLITE_OK);
+    sqlite3_close(database);
+    EXPECT_EQ(countOf(package), rows);
+
+    const auto path = directory_.filePath(QStringLiteral("count.fgb"));
+    addLayerOfNumbers(*createDataset({"FlatGeobuf", "fgb"}, path), "numbers", rows);
+    EXPECT_EQ(countOf(path), rows);
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    const QByteArray count("\x2c\x01\0\0\0\0\0\0", 8);
+    const int place = file.readAll().indexOf(count);
+    ASSERT_GT(place, 0);
+    file.seek(place + 3);
+    file.write("\xd0", 1);
+    file.close();
+    EXPECT_THAT(failure(path), testing::HasSubstr("обещано строк 3489661228, а нет ни одной"));
+    EXPECT_THROW(countOf(path), std::runtime_error);
+}
+
 TEST_F(OpenFile, aLayerWithoutRowsComesToItsEnd) {
     for (const Format& format :
          {Format{"FlatGeobuf", "fgb"}, Format{"GPKG", "gpkg"}, Format{"GeoJSON", "geojson"}}) {
