@@ -7,7 +7,7 @@ build-essential cmake ninja-build ccache git pkg-config
 qtbase5-dev libqt5sql5-sqlite qttools5-dev qttools5-dev-tools
 libsqlite3-dev libspatialite-dev libgeos-dev libproj-dev proj-data libgdal-dev gdal-bin
 libintelrdfpmath-dev libboost-dev libcli11-dev libedit-dev
-libgtest-dev libgmock-dev libbenchmark-dev
+libgtest-dev libgmock-dev libbenchmark-dev python3
 clang clang-format clang-tidy libclang-rt-14-dev
 "
 

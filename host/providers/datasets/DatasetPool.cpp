@@ -9,6 +9,8 @@
 
 #include <QFileInfo>
 
+#include <sqlite3.h>
+
 #include <stdexcept>
 
 namespace orvane::files {
@@ -19,6 +21,18 @@ namespace {
 /// memory.
 constexpr std::size_t mostIdle = 4;
 
+/// Lets a statement that SQLite runs for GDAL look at a cancellation now and then; at none when it is null.
+void endWhenCancelled(GDALDatasetH dataset, const work::Cancellation* cancellation) {
+    constexpr int instructionsBetweenLooks = 10'000;
+    const auto look = [](void* asked) {
+        return static_cast<int>(static_cast<const work::Cancellation*>(asked)->isRequested());
+    };
+    if (auto* database = static_cast<sqlite3*>(GDALGetInternalHandle(dataset, "SQLITE_HANDLE"))) {
+        sqlite3_progress_handler(database, cancellation ? instructionsBetweenLooks : 0, look,
+                                 const_cast<work::Cancellation*>(cancellation));
+    }
+}
+
 /// GDAL's reason, without the path that stands before it.
 QString withoutPath(const QString& reason, const QString& path) {
     const QString start = path + QStringLiteral(": ");
@@ -27,8 +41,15 @@ QString withoutPath(const QString& reason, const QString& path) {
 
 } // namespace
 
+DatasetPool::Lease::Lease(std::shared_ptr<DatasetPool> pool, DatasetHandle dataset, unsigned generation)
+    : pool_(std::move(pool)), dataset_(std::move(dataset)), generation_(generation),
+      cancellation_(std::make_unique<work::Cancellation>()) {
+    endWhenCancelled(dataset_.get(), cancellation_.get());
+}
+
 DatasetPool::Lease::~Lease() {
     if (dataset_) {
+        endWhenCancelled(dataset_.get(), nullptr);
         pool_->release(std::move(dataset_), generation_);
     }
 }
@@ -38,6 +59,7 @@ DatasetPool::Lease& DatasetPool::Lease::operator=(Lease&& other) noexcept {
     std::swap(shared_, other.shared_);
     std::swap(dataset_, other.dataset_);
     std::swap(generation_, other.generation_);
+    std::swap(cancellation_, other.cancellation_);
     return *this;
 }
 

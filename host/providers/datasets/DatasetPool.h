@@ -3,6 +3,7 @@
 #include "host/providers/datasets/FileOpening.h"
 #include "host/providers/datasets/GdalHandles.h"
 #include "host/providers/datasets/ResultDirectory.h"
+#include "platform/work/Cancellation.h"
 
 #include <QByteArray>
 #include <QCoreApplication>
@@ -31,12 +32,12 @@ public:
         bool trustsReferences = false;
     };
 
-    /// A handle out of the pool; gives it back when it dies.
+    /// A handle out of the pool; gives it back when it dies. What GDAL has SQLite do with it until then ends
+    /// with an error once all work is cancelled.
     class Lease {
     public:
         Lease() = default;
-        Lease(std::shared_ptr<DatasetPool> pool, DatasetHandle dataset, unsigned generation)
-            : pool_(std::move(pool)), dataset_(std::move(dataset)), generation_(generation) {}
+        Lease(std::shared_ptr<DatasetPool> pool, DatasetHandle dataset, unsigned generation);
         ~Lease();
         Lease(Lease&&) = default;
         Lease& operator=(Lease&& other) noexcept;
@@ -55,6 +56,7 @@ public:
         std::shared_ptr<void> shared_;
         DatasetHandle dataset_;
         unsigned generation_ = 0;
+        std::unique_ptr<const work::Cancellation> cancellation_;
     };
 
     explicit DatasetPool(Source source)

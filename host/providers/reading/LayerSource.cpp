@@ -52,6 +52,10 @@ std::optional<std::int64_t> LayerSource::rowCount() {
             if (*rowCount_ > mostRowsIn(lease.dataset())) {
                 rowCount_ = -1; // what a damaged header claims
             }
+            if (!errors.error().isEmpty()) { // cancelled, for instance
+                rowCount_.reset();
+                return std::nullopt;
+            }
         }
     }
     return *rowCount_ < 0 ? std::nullopt : rowCount_;

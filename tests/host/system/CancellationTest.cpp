@@ -9,6 +9,8 @@
 
 #include <QFile>
 
+#include <sqlite3.h>
+
 #include <chrono>
 #include <condition_variable>
 #include <limits>
@@ -70,6 +72,8 @@ constexpr const char* statements[] = {
     "Select Count(*) From numbers a Join numbers b On a.s = b.s Join numbers c On b.n = c.n, numbers d",
     "With Recursive r(i) As (Select 1 Union All Select i + 1 From r) Select Count(*) From r",
     "Select Sum(r) From (Select n, r From numbers Order By s Desc, r), cities Order By 1",
+    "Select Count(*) From endless",
+    "Select Max(s) From endless Where i = 2",
 };
 
 /// Cancels the engine after a while, from another thread, until it is told that the statement has ended.
@@ -124,6 +128,21 @@ protected:
         const auto dataset = files::createDataset({"GPKG", "gpkg"}, path);
         files::addLayerOfNumbers(*dataset, "numbers", 20'000);
         host.open(path);
+        openEndlessView();
+    }
+    /// Rows that SQLite looks for within GDAL, and does not find.
+    static void openEndlessView() {
+        const QString path = Host::instance().path(QStringLiteral("endless.sqlite"));
+        sqlite3* database = nullptr;
+        ASSERT_EQ(sqlite3_open(path.toUtf8().constData(), &database), SQLITE_OK);
+        EXPECT_EQ(
+            sqlite3_exec(database,
+                         "Create Table t(a); Create View endless As With Recursive r(i) As "
+                         "(Select 1 Union All Select i + 1 From r) Select i, 'x' As s From r Where i < 3",
+                         nullptr, nullptr, nullptr),
+            SQLITE_OK);
+        sqlite3_close(database);
+        Host::instance().open(path);
     }
     static void TearDownTestSuite() { Host::instance().closeAll(); }
 };
