@@ -252,6 +252,14 @@ void requireNoDocumentType(const QString& path) {
     }
 }
 
+/// Refuses a link in the place of the notes on a schema, which GDAL writes when there are none.
+void requireOwnNotes(const QString& path) {
+    const QFileInfo notes(QString::fromUtf8(CPLResetExtension(path.toUtf8().constData(), "gfs")));
+    if (isOnDisk(path) && notes.isSymLink()) {
+        refuse(path, notes.fileName());
+    }
+}
+
 /// Refuses a schema that includes files from elsewhere: their names would become those of columns.
 void requireNearSchemas(const QString& schema, int depth = 0) {
     const GdalErrorScope errors;
@@ -301,6 +309,7 @@ QByteArray confinedVirtualDataset(const QString& path) {
 
 void requireNearReferences(const QString& path) {
     requireNoDocumentType(path);
+    requireOwnNotes(path);
     requireNearSchemas(QString::fromUtf8(CPLResetExtension(path.toUtf8().constData(), "xsd")));
     const bool isFolder = isOnDisk(path) && QFileInfo(path).isDir();
     for (const QString& file : isFolder ? filesIn(path) : QStringList{path}) {

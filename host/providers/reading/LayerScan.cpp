@@ -34,9 +34,11 @@ void prepareLayer(const LayerScan& scan) {
 
     const GdalErrorScope errors;
     OGR_L_SetSpatialFilter(scan.layer, nullptr);
-    if (OGR_L_SetIgnoredFields(scan.layer, ignored.data()) != OGRERR_NONE ||
-        OGR_L_SetAttributeFilter(scan.layer, scan.filter.empty() ? nullptr : scan.filter.c_str()) !=
-            OGRERR_NONE) {
+    // A virtual dataset refuses where its source cannot leave columns out, which does no harm.
+    const bool leavesOut = OGR_L_SetIgnoredFields(scan.layer, ignored.data()) == OGRERR_NONE ||
+                           !OGR_L_TestCapability(scan.layer, OLCIgnoreFields);
+    if (!leavesOut || OGR_L_SetAttributeFilter(
+                          scan.layer, scan.filter.empty() ? nullptr : scan.filter.c_str()) != OGRERR_NONE) {
         scan.raise(errors);
     }
     OGR_L_ResetReading(scan.layer);

@@ -87,9 +87,12 @@ protected:
         write("secret/secret.csv", "word,n\nTOPSECRET,1\n");
         write("secret/secret.txt", "TOPSECRET");
         write("home/near.csv", "word,n\nnear,1\n");
+        write("home/near.geojson",
+              "{\"type\":\"Feature\",\"properties\":{\"word\":\"beside\"},\"geometry\":null}");
         makeDatabase(path("secret/other.sqlite"), "create table s(a); insert into s values('TOPSECRET')");
         QFile::link(path("secret/secret.csv"), path("home/link.csv"));
         QFile::link(path("secret"), path("home/away"));
+        QFile::link(path("secret/new.gfs"), path("home/linked.gfs"));
         sink_ = loggerInstance()->exchangeSink(
             [this](const LogEntry& entry) { told_ += entry.text + QLatin1Char('\n'); });
     }
@@ -326,7 +329,12 @@ INSTANTIATE_TEST_SUITE_P(
             "relativeToVRT='1' shared='1'>near.csv</SrcDataSource><OpenOptions><OOI "
             "key='ENCODING'>UTF-8</OOI>"
             "</OpenOptions></OGRVRTLayer></OGRVRTUnionLayer></OGRVRTDataSource>",
-            "Select word From u", "near"}),
+            "Select word From u", "near"},
+        Attack{"RightfulDocument", "h.vrt",
+               "<OGRVRTDataSource><OGRVRTLayer name='near'><SrcDataSource "
+               "relativeToVRT='1'>near.geojson</SrcDataSource>"
+               "</OGRVRTLayer></OGRVRTDataSource>",
+               "Select word From near", "beside"}),
     nameOf);
 
 INSTANTIATE_TEST_SUITE_P(
@@ -339,6 +347,12 @@ INSTANTIATE_TEST_SUITE_P(
             "xmlns:gml=\"http://www.opengis.net/gml\"><gml:featureMember><ogr:t fid=\"1\"><ogr:name>[&s;]"
             "</ogr:name></ogr:t></gml:featureMember></ogr:FeatureCollection>",
             "Select * From t", "file://$SECRET/secret.txt"},
+        Attack{"NotesOnAGml", "linked.gml",
+               "<?xml version=\"1.0\"?><ogr:FeatureCollection xmlns:ogr=\"http://ogr.maptools.org/\" "
+               "xmlns:gml=\"http://www.opengis.net/gml\"><gml:featureMember><ogr:t "
+               "fid=\"1\"><ogr:name>n</ogr:name>"
+               "</ogr:t></gml:featureMember></ogr:FeatureCollection>",
+               "Select name From t", "linked.gfs"},
         Attack{
             "EntityOfInterlis", "h.xtf",
             "<?xml version=\"1.0\"?><!DOCTYPE a SYSTEM \"$URL.dtd\"><TRANSFER xmlns=\"http://www.interlis.ch/"
