@@ -942,6 +942,10 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
         <translation>an angle of the function %1 is larger than a million degrees</translation>
     </message>
     <message>
+        <source>ширина в шаблоне функции %1 больше десяти миллионов</source>
+        <translation>a width in the pattern of the function %1 is more than ten million</translation>
+    </message>
+    <message>
         <source>у функции %1 получилось бы больше двух миллионов частей</source>
         <translation>the function %1 would make more than two million parts</translation>
     </message>

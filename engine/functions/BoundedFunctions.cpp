@@ -8,8 +8,10 @@
 #include <cmath>
 #include <map>
 #include <memory>
+#include <span>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace orvane::engine {
@@ -21,6 +23,8 @@ constexpr double mostParts = 2'000'000;
 /// Degrees. SpatiaLite takes 360 off, or adds them, until it has less than two turns: for ever where that
 /// does not change the number.
 constexpr double largestAngle = 1e6;
+/// Characters.
+constexpr double widestPicture = 1e7;
 
 constexpr const char* cells = "((MbrMaxX(?1) - MbrMinX(?1)) / Abs(?2) + 1) * "
                               "((MbrMaxY(?1) - MbrMinY(?1)) / Abs(?2) + 1)";
@@ -28,9 +32,10 @@ constexpr const char* pieces = "(Coalesce(GLength(?1), 0) + Coalesce(Perimeter(?
 
 struct Bound {
     const char* name;
-    std::vector<int> arities;
+    std::vector<int> arities;    ///< -1 for any
     int angle = -1;              ///< position of the first of two angles in degrees
     const char* parts = nullptr; ///< expression for how many parts the result has
+    bool isPicture = false;      ///< the first argument is a picture with widths, as of printf
 };
 
 const std::vector<Bound>& bounds() {
@@ -50,9 +55,57 @@ const std::vector<Bound>& bounds() {
         {"ST_Segmentize", {2}, -1, pieces},
         {"Line_Interpolate_Equidistant_Points", {2}, -1, pieces},
         {"ST_Line_Interpolate_Equidistant_Points", {2}, -1, pieces},
+        {"printf", {-1}, -1, nullptr, true},
+        {"format", {-1}, -1, nullptr, true},
     };
     return all;
 }
+
+/// The widths and precisions in a picture of printf together. SQLite writes one blank after the other, and
+/// goes on when there is no more room.
+class PictureWidth {
+public:
+    PictureWidth(std::string_view picture, std::span<sqlite3_value* const> arguments)
+        : rest_(picture), arguments_(arguments) {}
+
+    double sum() {
+        for (std::size_t at = rest_.find('%'); at != std::string_view::npos; at = rest_.find('%')) {
+            rest_.remove_prefix(at + 1);
+            rest_.remove_prefix(std::min(rest_.find_first_not_of("-+ #!,0"), rest_.size()));
+            takeNumber();
+            if (rest_.starts_with('.')) {
+                rest_.remove_prefix(1);
+                takeNumber();
+            }
+            rest_.remove_prefix(std::min(rest_.find_first_not_of("lh"), rest_.size()));
+            if (rest_.starts_with('%')) {
+                rest_.remove_prefix(1);
+            } else {
+                ++argument_;
+            }
+        }
+        return sum_;
+    }
+
+private:
+    void takeNumber() {
+        double number = 0;
+        if (rest_.starts_with('*')) {
+            rest_.remove_prefix(1);
+            number = argument_ < arguments_.size() ? sqlite3_value_double(arguments_[argument_]) : 0;
+            ++argument_;
+        }
+        for (; !rest_.empty() && rest_.front() >= '0' && rest_.front() <= '9'; rest_.remove_prefix(1)) {
+            number = 10 * number + (rest_.front() - '0');
+        }
+        sum_ += std::abs(number);
+    }
+
+    std::string_view rest_;
+    std::span<sqlite3_value* const> arguments_;
+    std::size_t argument_ = 0;
+    double sum_ = 0;
+};
 
 struct StatementFinalizer {
     void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
@@ -119,9 +172,16 @@ private:
     std::map<std::string, std::unique_ptr<sqlite3_stmt, StatementFinalizer>> statements_;
 };
 
+std::string callOf(const char* name, std::size_t arity) {
+    std::string call = std::string(name) + '(';
+    for (std::size_t i = 1; i <= arity; ++i) {
+        call += (i == 1 ? "?" : ", ?") + std::to_string(i);
+    }
+    return call + ')';
+}
+
 struct BoundedFunction {
     const Bound& bound;
-    std::string original; ///< the call
     std::shared_ptr<Originals> originals;
 
     void answer(sqlite3_context* context, const std::vector<sqlite3_value*>& arguments) const {
@@ -129,18 +189,29 @@ struct BoundedFunction {
             requireAngle(arguments[static_cast<std::size_t>(bound.angle)]);
             requireAngle(arguments[static_cast<std::size_t>(bound.angle) + 1]);
         }
+        if (bound.isPicture && !arguments.empty()) {
+            requireNarrow(arguments);
+        }
         if (bound.parts) {
             sqlite3_stmt* const parts = originals->evaluate(bound.parts, arguments);
             if (sqlite3_column_double(parts, 0) > mostParts) {
                 throw std::runtime_error(std::string(bound.name) + ": too many parts");
             }
         }
-        sqlite3_stmt* const answer = originals->evaluate(original, arguments);
+        sqlite3_stmt* const answer = originals->evaluate(callOf(bound.name, arguments.size()), arguments);
         sqlite3_result_value(context, sqlite3_column_value(answer, 0));
         sqlite3_reset(answer);
     }
 
 private:
+    void requireNarrow(const std::vector<sqlite3_value*>& arguments) const {
+        const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(arguments[0]));
+        const std::string_view picture(
+            text ? text : "", static_cast<std::size_t>(text ? sqlite3_value_bytes(arguments[0]) : 0));
+        if (PictureWidth(picture, std::span(arguments).subspan(1)).sum() > widestPicture) {
+            throw std::runtime_error(std::string(bound.name) + ": width out of range");
+        }
+    }
     void requireAngle(sqlite3_value* angle) const {
         if (std::abs(sqlite3_value_double(angle)) > largestAngle) {
             throw std::runtime_error(std::string(bound.name) + ": angle out of range");
@@ -155,22 +226,13 @@ void callBounded(sqlite3_context* context, int count, sqlite3_value** values) {
     });
 }
 
-std::string callOf(const char* name, int arity) {
-    std::string call = std::string(name) + '(';
-    for (int i = 1; i <= arity; ++i) {
-        call += (i == 1 ? "?" : ", ?") + std::to_string(i);
-    }
-    return call + ')';
-}
-
 } // namespace
 
 int boundFunctions(sqlite3* database) {
     const auto originals = std::make_shared<Originals>(sqlite3_limit(database, SQLITE_LIMIT_LENGTH, -1));
     for (const Bound& bound : bounds()) {
         for (const int arity : bound.arities) {
-            auto function = std::make_unique<BoundedFunction>(
-                BoundedFunction{bound, callOf(bound.name, arity), originals});
+            auto function = std::make_unique<BoundedFunction>(BoundedFunction{bound, originals});
             // SQLite calls the destructor also where it fails.
             const int code = sqlite3_create_function_v2(
                 database, bound.name, arity, SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS,

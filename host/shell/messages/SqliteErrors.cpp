@@ -131,6 +131,8 @@ constexpr PlainMessage plainMessages[] = {
     {"^Sum overflow\\.$", QT_TRANSLATE_NOOP("orvane::shell::Shell", "сумма слишком велика")},
     {"^(Make\\w+): angle out of range$",
      QT_TRANSLATE_NOOP("orvane::shell::Shell", "угол функции %1 больше миллиона градусов")},
+    {"^(\\w+): width out of range$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "ширина в шаблоне функции %1 больше десяти миллионов")},
     {"^(\\w+): too many parts$",
      QT_TRANSLATE_NOOP("orvane::shell::Shell", "у функции %1 получилось бы больше двух миллионов частей")},
     {"^Square root from negative value$",
