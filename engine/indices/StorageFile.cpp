@@ -10,7 +10,9 @@
 #include <QUuid>
 #include <QtEndian>
 
+#include <array>
 #include <cerrno>
+#include <cstring>
 #include <ctime>
 #include <mutex>
 #include <stdexcept>
@@ -49,9 +51,10 @@ bool isStorageName(const QString& name) {
 }
 
 bool hasStorageHeader(int file) {
-    QByteArray header(headerSize, 0);
-    return ::pread(file, header.data(), headerSize, 0) == headerSize && header.startsWith(headerMagic) &&
-           qFromBigEndian<quint32>(header.constData() + applicationIdOffset) == applicationId;
+    std::array<char, headerSize> header;
+    return ::pread(file, header.data(), header.size(), 0) == headerSize &&
+           std::memcmp(header.data(), headerMagic, sizeof headerMagic - 1) == 0 &&
+           qFromBigEndian<quint32>(header.data() + applicationIdOffset) == applicationId;
 }
 
 /// Of a process that was killed before it came to write the header.
