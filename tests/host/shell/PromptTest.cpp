@@ -270,6 +270,20 @@ TEST_F(Prompt, showsLongResultsInThePager) {
     EXPECT_THAT(lines(""), HasSubstr("   177\r\n"));
 }
 
+TEST_F(Prompt, leavesCtrlCToThePager) {
+    Terminal terminal(home_.path().toStdString(), {ORVANE_EXAMPLE_DATA "/countries.gpkg"},
+                      "trap '' INT; sleep 3; sed 's/^/paged:/'"); // longer than a statement may take to stop
+    terminal.readUntil("orvane> ");
+    terminal.type("Select fid As number From countries Order By 1;\n");
+    terminal.readUntil("By 1;");
+    std::this_thread::sleep_for(milliseconds(500));
+    terminal.type("\x03");
+    terminal.readUntil("paged:   177\r\n");
+    terminal.readUntil("orvane> ");
+    terminal.type(".quit\n");
+    EXPECT_EQ(terminal.exitStatus(), 0);
+}
+
 TEST_F(Prompt, keepsAStatementOfSeveralLinesAsOneEntryOfTheHistory) {
     terminal_.type("Select 1 As first, -- the first\n2 As second\n;\n"); // the end of the comment counts
     terminal_.readUntil("\r\n    1 |      2\r\n");
