@@ -130,6 +130,17 @@ bool isAt(int descriptor, const fs::path& path) {
            opened.st_ino == named.st_ino && opened.st_dev == named.st_dev;
 }
 
+/// In a folder where everybody takes away only his own files, the journal of another would let him take away
+/// ours. Elsewhere who can write a journal can do himself what it makes us do. The descriptor may be -1.
+bool isOfAnother(const fs::path& folder, int descriptor) {
+    struct stat shared {};
+    struct stat journal {};
+    const bool isKnown = descriptor < 0 ? ::lstat((folder / journalName).c_str(), &journal) == 0
+                                        : ::fstat(descriptor, &journal) == 0;
+    return isKnown && journal.st_uid != ::geteuid() && ::stat(folder.c_str(), &shared) == 0 &&
+           (shared.st_mode & S_ISVTX) != 0;
+}
+
 void takeBack(const fs::path& folder, int descriptor) {
     const fs::path journal = folder / journalName;
     const auto plan = read(folder, descriptor);
@@ -213,8 +224,8 @@ void ExchangeJournal::post(const ExchangePlan& plan) {
         ::flock(descriptor_, LOCK_EX | LOCK_NB);
     }
     while (!takeName(draft, journal)) {
-        if (errno != EEXIST) {
-            raise(journal, errno);
+        if (const int code = errno; code != EEXIST || isOfAnother(plan.folder, -1)) {
+            raise(journal, code);
         }
         settleExchange(plan.folder);
     }
@@ -234,10 +245,14 @@ void settleExchange(const fs::path& folder) {
     while (true) {
         const Descriptor file(::open(journal.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
         if (file.number() < 0) {
-            const bool isThere = errno == EACCES && ::access(folder.c_str(), X_OK) == 0;
-            if (isThere || errno == ELOOP || errno == EMFILE || errno == ENFILE) {
-                raise(journal, errno);
+            const int code = errno;
+            const bool isThere = code == EACCES && ::access(folder.c_str(), X_OK) == 0;
+            if ((isThere || code == ELOOP || code == EMFILE || code == ENFILE) && !isOfAnother(folder, -1)) {
+                raise(journal, code);
             }
+            return;
+        }
+        if (isOfAnother(folder, file.number())) {
             return;
         }
         const bool isLocked = ::flock(file.number(), LOCK_EX | LOCK_NB) == 0;

@@ -54,8 +54,9 @@ private:
 };
 
 /// To be called before files of the folder are opened: waits for the exchange that goes on there, or takes
-/// back what a process that was killed has left half done. Throws std::runtime_error when that fails, and
-/// work::Cancelled. Any thread.
+/// back what a process that was killed has left half done. In a folder where everybody takes away only his
+/// own files, as the one for temporary files, only the user's own journals count. Throws std::runtime_error
+/// when that fails, and work::Cancelled. Any thread.
 void settleExchange(const std::filesystem::path& folder);
 /// For a file, a folder of files, or a file in such a folder.
 ORVANE_FILES_EXPORT void settleExchangeAround(const std::string& path);

@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QDataStream>
 #include <QDir>
 #include <QDirIterator>
 #include <QRegularExpression>
@@ -424,6 +425,31 @@ TEST_F(ResultFiles, OfWhatLooksAbandonedOnlyItsOwnGoes) {
     runWell({}, "Select 1 As a Into '%0/q.csv'");
     EXPECT_EQ(files(), kept);
     EXPECT_EQ(contentsOf(QStringLiteral("target")).size(), 2);
+}
+
+TEST_F(ResultFiles, InAFolderForEverybodyOnlyTheUsersOwnExchangeIsTakenBack) {
+    const auto write = [this](const char* name, const QByteArray& content) {
+        QFile file(path(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(content);
+    };
+    constexpr uid_t somebody = 65534;
+    for (const bool isOwn : {true, false}) {
+        write("a.csv", "a\n1\n");
+        QDir(directory_.path()).mkpath(QStringLiteral(".orvane-result-killed/replaced"));
+        write(".orvane-result-killed/replaced/0", "a\n2\n");
+        QByteArray journal;
+        QDataStream stream(&journal, QIODevice::WriteOnly);
+        stream << quint32(0x4f584a31) << QByteArray(".orvane-result-killed") << quint32(1)
+               << QByteArray("a.csv") << true << quint64(0) << qint64(0);
+        write(".orvane-exchange", journal);
+        ASSERT_EQ(::chmod(directory_.path().toUtf8(), 01777), 0);
+        if (!isOwn && ::chown(path(".orvane-exchange").toUtf8(), somebody, somebody) != 0) {
+            GTEST_SKIP() << "only the administrator gives files away";
+        }
+        const Answer answer = run({path("a.csv")}, "Select a From a", {QStringLiteral("-Fcsv")});
+        EXPECT_EQ(answer.output, isOwn ? "a\n2\n" : "a\n1\n") << answer.errors;
+    }
 }
 
 TEST_F(ResultFiles, NewFilesHaveTheUsualModeAndReplacedOnesTheirs) {
