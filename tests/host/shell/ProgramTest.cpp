@@ -153,6 +153,8 @@ TEST(Program, printsNothingThatATerminalWouldObey) {
     const QString harm = QStringLiteral("\x1B]0;\a\u009B\u202E");
     const QStringList cases[] = {
         {file, QStringLiteral("--explain"), QStringLiteral("-c"), QStringLiteral("Table ") + table},
+        {file, QStringLiteral("--log"), QStringLiteral("trace"), QStringLiteral("-c"),
+         QStringLiteral("Select Count(*) From %0 t, %0 u Where t.x = u.x").arg(table)},
         {file, QStringLiteral("-Fjson"), QStringLiteral("-c"), QStringLiteral("Table ") + table},
         {file, QStringLiteral("-c"), QStringLiteral("Select \"%0\" From %1").arg(harm, table)},
         {file, QStringLiteral("-c"), QStringLiteral("Select 1 From \"%0\"").arg(harm)},

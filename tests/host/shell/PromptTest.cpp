@@ -311,7 +311,7 @@ TEST_F(Prompt, showsNamesThatATerminalWouldObey) {
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.write("na\u202Eme,na\u2066\n1,2\n");
     file.close();
-    Terminal terminal(home_.path().toStdString(), {path.toStdString()});
+    Terminal terminal(home_.path().toStdString(), {path.toStdString(), "-Fcsv"});
     terminal.readUntil("orvane> ");
     const auto shown = [&terminal](const char* keys, const char* end) {
         terminal.type(keys);
@@ -321,6 +321,7 @@ TEST_F(Prompt, showsNamesThatATerminalWouldObey) {
     };
     shown(".tables\n", "a<U+202E>  1\r\n");
     shown(".schema\n", "  na<U+202E>me  Integer\r\n  na<U+2066>  Integer\r\n");
+    shown("Select Char(8238) & 'b' As t;\n", "\r\n<U+202E>b\r\n");
     shown("Select na\t", "na<U+202E>me  ");
     shown("\x15.close a\t\n", "\"a\""); // up to where it can be seen
 }
