@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <map>
 #include <mutex>
+#include <new>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -147,7 +148,7 @@ const std::vector<Function>* foreignFunctions(sqlite3* database) {
     return listForeignFunctions(database, functions) ? &(listed[libraries] = std::move(functions)) : nullptr;
 }
 
-bool removeForeignFunctions(sqlite3* database) {
+bool removeForeignFunctions(sqlite3* database) try {
     const auto* functions = foreignFunctions(database);
     return functions &&
            std::all_of(functions->begin(), functions->end(), [database](const Function& function) {
@@ -155,6 +156,8 @@ bool removeForeignFunctions(sqlite3* database) {
                                                  function.encoding, nullptr, nullptr, nullptr, nullptr,
                                                  nullptr) == SQLITE_OK;
            });
+} catch (const std::bad_alloc&) { // below is SQLite
+    return false;
 }
 
 int compareBytes(void*, int firstSize, const void* first, int secondSize, const void* second) {
