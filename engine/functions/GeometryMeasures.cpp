@@ -7,6 +7,8 @@
 #include <orvane/engine/GeometryConversions.h>
 #include <orvane/engine/functions/Converters.h>
 
+#include <new>
+
 namespace orvane::engine {
 
 namespace {
@@ -26,6 +28,8 @@ void measure(sqlite3_context* context, int count, sqlite3_value** values,
         double value = 0.0;
         try {
             value = core(*geometry, unitsArgument(count, values, 1));
+        } catch (const std::bad_alloc&) {
+            throw;
         } catch (const std::exception& failure) {
             error = QString::fromUtf8(failure.what());
             value = -1.0;
@@ -50,6 +54,8 @@ void distance(sqlite3_context* context, int count, sqlite3_value** values,
         double value = -1.0;
         try {
             value = core(*pair.first, *pair.second, unitsArgument(count, values, 2));
+        } catch (const std::bad_alloc&) {
+            throw;
         } catch (...) {
             // Every failure is this value.
         }

@@ -16,6 +16,7 @@
 #include <QDataStream>
 
 #include <cstring>
+#include <new>
 
 namespace orvane::engine {
 
@@ -36,6 +37,8 @@ CoordSystemPtr findOrMake(Map& map, QReadWriteLock& lock, const Key& key, const 
     CoordSystemPtr made;
     try {
         made = make();
+    } catch (const std::bad_alloc&) {
+        throw;
     } catch (const std::exception&) {
         // Remembered as null.
     }
@@ -164,6 +167,8 @@ std::shared_ptr<const geometry::Geometry> EngineCache::decodeSpatialite(const vo
         }
         return geometry::GeometryFactory::fromSpatialite(header->kind, header->content, header->littleEndian,
                                                          get(header->srid));
+    } catch (const std::bad_alloc&) {
+        throw;
     } catch (const std::exception&) {
         return nullptr;
     }

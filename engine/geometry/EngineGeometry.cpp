@@ -8,6 +8,7 @@
 #include <QDataStream>
 
 #include <algorithm>
+#include <new>
 #include <optional>
 #include <stdexcept>
 #include <string_view>
@@ -59,6 +60,8 @@ void readPayload(std::string_view payload, const Read& read) {
     serialization::BinaryInputArchive archive(&stream);
     try {
         read(archive);
+    } catch (const std::bad_alloc&) {
+        throw;
     } catch (const std::exception&) {
         // Bytes that no archive wrote: the section counts as absent.
     }

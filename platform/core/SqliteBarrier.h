@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/core/SqliteException.h"
 #include "platform/work/Cancellation.h"
 
 #include <sqlite3.h>
@@ -24,6 +25,11 @@ int barrier(char** message, Work work) noexcept {
     } catch (const work::Cancelled& cancelled) {
         setMessage(cancelled.what());
         return SQLITE_INTERRUPT;
+    } catch (const SqliteException& exception) {
+        if ((exception.code() & 0xff) == SQLITE_NOMEM) {
+            return SQLITE_NOMEM;
+        }
+        setMessage(exception.what());
     } catch (const std::exception& exception) {
         setMessage(exception.what());
     } catch (...) {

@@ -1,7 +1,7 @@
 #include "host/providers/datasets/WorkingCopy.h"
 
 #include <QCoreApplication>
-#include <QDir>
+#include <QDirIterator>
 #include <QFileInfo>
 
 #include <chrono>
@@ -91,10 +91,10 @@ WorkingCopy::Stamp WorkingCopy::stampOf(const fs::path& file) {
 
 WorkingCopy::Stamps WorkingCopy::stampsBelow(const fs::path& root) {
     Stamps stamps;
-    for (const auto& entry : fs::recursive_directory_iterator(root)) {
-        if (entry.is_regular_file()) {
-            stamps[entry.path().lexically_relative(root)] = stampOf(entry.path());
-        }
+    QDirIterator files(textOf(root), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        const fs::path file = pathOf(files.next());
+        stamps[file.lexically_relative(root)] = stampOf(file);
     }
     return stamps;
 }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <new>
 #include <stdexcept>
 #include <string>
 
@@ -227,6 +228,9 @@ GEOSContextHandle_t geosContext() {
 
 void throwGeosError() {
     const std::string& message = threadContext().message;
+    if (message == std::bad_alloc().what()) {
+        throw std::bad_alloc();
+    }
     throw std::runtime_error(message.empty() ? "the geometry operation failed" : message);
 }
 
