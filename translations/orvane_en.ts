@@ -316,6 +316,10 @@
 <context>
     <name>orvane::files::DatasetPool</name>
     <message>
+        <source>открыто слишком много файлов</source>
+        <translation>too many files are open</translation>
+    </message>
+    <message>
         <source>Не удалось открыть «%1»</source>
         <translation>Cannot open &quot;%1&quot;</translation>
     </message>

@@ -9,9 +9,16 @@
 
 #include <QFileInfo>
 
-#include <sqlite3.h>
-
+#include <algorithm>
+#include <cerrno>
+#include <list>
 #include <stdexcept>
+#include <utility>
+
+#include <fcntl.h>
+#include <sqlite3.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
 namespace orvane::files {
 
@@ -33,6 +40,25 @@ void endWhenCancelled(GDALDatasetH dataset, const work::Cancellation* cancellati
     }
 }
 
+/// Idle handles of all files together: an eighth of the files that the process may have open, for a handle
+/// holds up to three of them.
+std::size_t mostIdleOfAll() {
+    rlimit limit{};
+    constexpr rlim_t least = 8;
+    constexpr rlim_t most = 256;
+    const bool isKnown = ::getrlimit(RLIMIT_NOFILE, &limit) == 0;
+    return isKnown ? std::clamp(limit.rlim_cur / 8, least, most) : least;
+}
+
+bool isOutOfDescriptors() {
+    const int descriptor = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+    const bool isOut = descriptor < 0 && (errno == EMFILE || errno == ENFILE);
+    if (descriptor >= 0) {
+        ::close(descriptor);
+    }
+    return isOut;
+}
+
 /// GDAL's reason, without the path that stands before it.
 QString withoutPath(const QString& reason, const QString& path) {
     const QString start = path + QStringLiteral(": ");
@@ -40,6 +66,51 @@ QString withoutPath(const QString& reason, const QString& path) {
 }
 
 } // namespace
+
+/// The pools that have idle handles, the one that was used last at the end. Any thread.
+class DatasetPool::IdleHandles {
+public:
+    static IdleHandles& instance() {
+        static auto* const handles = new IdleHandles; // pools may go after all else has gone
+        return *handles;
+    }
+    /// The pool has as many idle handles now: others lose theirs where all together are too many.
+    void set(DatasetPool* pool, std::size_t count) {
+        std::vector<DatasetHandle> discarded; // closed without the lock
+        const std::lock_guard lock(mutex_);
+        forget(pool);
+        if (count > 0) {
+            pools_.push_back({pool, count});
+            total_ += count;
+        }
+        while (total_ > most_ && pools_.size() > 1) {
+            DatasetPool* const oldest = pools_.front().first;
+            for (DatasetHandle& handle : oldest->takeIdle()) {
+                discarded.push_back(std::move(handle));
+            }
+            forget(oldest);
+        }
+    }
+
+private:
+    void forget(const DatasetPool* pool) {
+        const auto known = std::find_if(pools_.begin(), pools_.end(),
+                                        [pool](const auto& entry) { return entry.first == pool; });
+        if (known != pools_.end()) {
+            total_ -= known->second;
+            pools_.erase(known);
+        }
+    }
+
+    const std::size_t most_ = mostIdleOfAll();
+    std::mutex mutex_;
+    std::list<std::pair<DatasetPool*, std::size_t>> pools_;
+    std::size_t total_ = 0;
+};
+
+DatasetPool::~DatasetPool() {
+    IdleHandles::instance().set(this, 0);
+}
 
 DatasetPool::Lease::Lease(std::shared_ptr<DatasetPool> pool, DatasetHandle dataset, unsigned generation)
     : pool_(std::move(pool)), dataset_(std::move(dataset)), generation_(generation),
@@ -107,6 +178,11 @@ void DatasetPool::discardHandles() {
     discarded.swap(idle_);
 }
 
+std::vector<DatasetHandle> DatasetPool::takeIdle() {
+    const std::lock_guard lock(mutex_);
+    return std::exchange(idle_, {});
+}
+
 DatasetHandle DatasetPool::open(unsigned flags, const QByteArray& path) const {
     requireOrdinaryFile(path);
     const QString file = pathOnDisk(QString::fromUtf8(path));
@@ -142,6 +218,9 @@ void DatasetPool::raiseUnopened(const QString& reported) const {
                reported.contains(QLatin1String("not recognized as a supported"))) { // GDAL's
         reason = tr("в нём нет таблиц в известном формате");
     }
+    if (isOutOfDescriptors()) {
+        reason = tr("открыто слишком много файлов");
+    }
     const QString message = tr("Не удалось открыть «%1»").arg(path);
     throw std::runtime_error(
         (reason.isEmpty() ? message : message + QStringLiteral(": ") + reason).toStdString());
@@ -149,10 +228,14 @@ void DatasetPool::raiseUnopened(const QString& reported) const {
 
 void DatasetPool::release(DatasetHandle dataset, unsigned generation) {
     const GdalErrorScope errors;
-    const std::lock_guard lock(mutex_);
-    if (generation == generation_ && idle_.size() < mostIdle) {
-        idle_.push_back(std::move(dataset));
+    std::unique_lock lock(mutex_);
+    if (generation != generation_ || idle_.size() >= mostIdle) {
+        return;
     }
+    idle_.push_back(std::move(dataset));
+    const std::size_t count = idle_.size();
+    lock.unlock();
+    IdleHandles::instance().set(this, count);
 }
 
 } // namespace orvane::files

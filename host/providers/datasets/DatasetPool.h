@@ -61,6 +61,9 @@ public:
 
     explicit DatasetPool(Source source)
         : source_(std::move(source)), reach_(reachOf(source_.path, source_.trustsReferences)) {}
+    ~DatasetPool();
+    DatasetPool(const DatasetPool&) = delete;
+    DatasetPool& operator=(const DatasetPool&) = delete;
 
     const Source& source() const { return source_; }
     Reach reach() const { return reach_; }
@@ -79,11 +82,14 @@ public:
     void discardHandles();
 
 private:
+    class IdleHandles;
+
     std::shared_ptr<DatasetEdit> editWithChanges() const;
     /// Of the file, or the copy that a group of edits has changed.
     QByteArray currentPath() const;
     [[noreturn]] void raiseUnopened(const QString& reported) const;
     void release(DatasetHandle dataset, unsigned generation);
+    std::vector<DatasetHandle> takeIdle();
 
     const Source source_;
     const Reach reach_;

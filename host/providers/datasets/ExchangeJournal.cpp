@@ -243,14 +243,17 @@ void settleExchange(const fs::path& folder) {
     const auto end = std::chrono::steady_clock::now() + patience;
     const work::Cancellation cancellation;
     while (true) {
+        struct stat status {};
+        if (::lstat(journal.c_str(), &status) != 0) { // as nearly always
+            return;
+        }
         const Descriptor file(::open(journal.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
         if (file.number() < 0) {
             const int code = errno;
-            const bool isThere = code == EACCES && ::access(folder.c_str(), X_OK) == 0;
-            if ((isThere || code == ELOOP || code == EMFILE || code == ENFILE) && !isOfAnother(folder, -1)) {
-                raise(journal, code);
+            if (code == ENOENT || isOfAnother(folder, -1)) {
+                return;
             }
-            return;
+            raise(journal, code);
         }
         if (isOfAnother(folder, file.number())) {
             return;

@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <mutex>
+#include <new>
 #include <set>
 #include <stdexcept>
 #include <string_view>
@@ -158,7 +159,11 @@ bool ResultDirectory::claim() {
 }
 
 void ResultDirectory::remove() noexcept {
-    removeDirectory(path_);
+    try {
+        removeDirectory(path_);
+    } catch (const std::bad_alloc&) {
+        // The next one sweeps it.
+    }
     ::close(std::exchange(lock_, -1));
     DirectoryList::instance().take(path_);
 }
