@@ -626,10 +626,6 @@
         <source>В «%1» нет имён столбцов: без числа в первой строке она была бы принята за них</source>
         <translation>&quot;%1&quot; has no names of columns: without a number in the first line it would be taken for them</translation>
     </message>
-    <message>
-        <source>Файл «%1» изменила другая программа, повторите правку</source>
-        <translation>Another program has changed the file "%1", repeat the edit</translation>
-    </message>
 </context>
 <context>
     <name>orvane::files::TextTable</name>
@@ -1476,6 +1472,13 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
     <message>
         <source>«%1»: прерванную запись не удалось отменить: %2</source>
         <translation>"%1": an interrupted change could not be taken back: %2</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::files::LayerTable</name>
+    <message>
+        <source>Файл «%1» изменила другая программа, повторите правку</source>
+        <translation>Another program has changed the file "%1", repeat the edit</translation>
     </message>
 </context>
 <context>

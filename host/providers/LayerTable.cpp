@@ -1,5 +1,6 @@
 #include "host/providers/LayerTable.h"
 
+#include "host/providers/datasets/Archive.h"
 #include "host/providers/reading/LayerReader.h"
 #include "host/providers/reading/LayerSource.h"
 #include "host/providers/writing/LayerEditor.h"
@@ -63,7 +64,16 @@ bool LayerTable::isReadOnly() const {
 }
 
 void LayerTable::beginEdits() {
-    editor_->begin();
+    editor_->begin(); // from now on nobody else writes
+    rowsAreOld_ = reader().isBehindFile();
+}
+
+void LayerTable::requireFreshRows() const {
+    if (rowsAreOld_) {
+        throw dp::EditError(tr("Файл «%1» изменила другая программа, повторите правку")
+                                .arg(pathOnDisk(QString::fromUtf8(reader_->source().path())))
+                                .toStdString());
+    }
 }
 
 void LayerTable::prepareEdits() {
@@ -71,11 +81,13 @@ void LayerTable::prepareEdits() {
 }
 
 void LayerTable::commitEdits() noexcept {
+    rowsAreOld_ = false;
     editor_->commit();
     hasUnreadEdits_ = true;
 }
 
 void LayerTable::rollbackEdits() noexcept {
+    rowsAreOld_ = false;
     editor_->rollback();
     hasUnreadEdits_ = true;
 }
@@ -105,11 +117,13 @@ void LayerTable::updateFeature(const dp::Feature& feature) {
 }
 
 void LayerTable::updateAttributes(const dp::Feature& changes, const std::vector<int>& positions) {
+    requireFreshRows();
     hasUnreadEdits_ = true;
     editor_->update(changes, positions);
 }
 
 void LayerTable::deleteFeature(const dp::FeatureId& id) {
+    requireFreshRows();
     hasUnreadEdits_ = true;
     editor_->remove(id);
 }

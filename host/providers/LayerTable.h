@@ -59,9 +59,13 @@ private:
     /// Lets the reader see what was edited since it last read.
     LayerReader& reader() const;
 
+    /// Refuses to change a row by values of it that another program has replaced.
+    void requireFreshRows() const;
+
     std::unique_ptr<LayerReader> reader_;
     std::unique_ptr<TableEditor> editor_;
     mutable bool hasUnreadEdits_ = false;
+    bool rowsAreOld_ = false; ///< those that were read before the group of edits began
 };
 
 } // namespace orvane::files

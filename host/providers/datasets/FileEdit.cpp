@@ -1,6 +1,7 @@
 #include "host/providers/datasets/FileEdit.h"
 
 #include "host/providers/datasets/CheckedFiles.h"
+#include "host/providers/datasets/FileStamp.h"
 #include "platform/work/Cancellation.h"
 
 #include <algorithm>
@@ -127,6 +128,7 @@ void FileEdit::commit() noexcept {
     isEnded_ = true;
     close();
     copy_.reset();
+    FileStamp::noteWrite(); // of which the other tables of the file learn
 }
 
 void FileEdit::rollback() noexcept {

@@ -5,11 +5,15 @@
 #include <QFileInfo>
 #include <QString>
 
+#include <atomic>
+
 namespace orvane::files {
 
 namespace {
 
 constexpr auto lookInterval = std::chrono::milliseconds(100);
+
+std::atomic<unsigned> writes{0};
 
 } // namespace
 
@@ -29,11 +33,18 @@ FileStamp::FileStamp(const QByteArray& path) {
 
 bool FileStamp::hasChanged() {
     const auto now = std::chrono::steady_clock::now();
-    if (now < nextLook_) {
+    if (const unsigned written = writes; written != writesSeen_) {
+        writesSeen_ = written;
+    } else if (now < nextLook_) {
         return false;
     }
     nextLook_ = now + lookInterval;
     return look();
+}
+
+bool FileStamp::hasChangedByNow() {
+    nextLook_ = {};
+    return hasChanged();
 }
 
 std::uint64_t FileStamp::size() const {
@@ -42,6 +53,10 @@ std::uint64_t FileStamp::size() const {
         size += part.size;
     }
     return size;
+}
+
+void FileStamp::noteWrite() {
+    ++writes;
 }
 
 void FileStamp::refresh() {

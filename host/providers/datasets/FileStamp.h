@@ -16,12 +16,17 @@ public:
     /// GDAL's path, UTF-8.
     explicit FileStamp(const QByteArray& path);
 
-    /// True once after each change. Looks at the disk at most every tenth of a second.
+    /// True once after each change. Looks at the disk at most every tenth of a second, unless this process
+    /// has written something itself.
     bool hasChanged();
+    /// The same, but for a look at the disk in any case.
+    bool hasChangedByNow();
     /// Size of the file and what belongs to it at the last look, in bytes.
     std::uint64_t size() const;
     /// Takes the file as it is now for known.
     void refresh();
+    /// This process has written some file. Any thread.
+    static void noteWrite();
 
 private:
     struct Part {
@@ -33,6 +38,7 @@ private:
 
     std::vector<Part> parts_;
     std::chrono::steady_clock::time_point nextLook_{};
+    unsigned writesSeen_ = 0;
 };
 
 } // namespace orvane::files

@@ -1,11 +1,19 @@
 #include "host/providers/datasets/WorkingCopy.h"
 
+#include "platform/work/Cancellation.h"
+
 #include <QCoreApplication>
 #include <QDirIterator>
 #include <QFileInfo>
 
+#include <cerrno>
 #include <chrono>
 #include <stdexcept>
+#include <thread>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
 
 namespace orvane::files {
 
@@ -31,6 +39,29 @@ void copyFile(const fs::path& from, const fs::path& to) {
     // So that the time tells of every later change, however soon it comes.
     fs::last_write_time(to, fs::last_write_time(to) - std::chrono::hours(24));
 }
+
+/// Held while originals are compared and replaced, so that of two who do that one comes after the other.
+class Turn {
+public:
+    explicit Turn(const fs::path& file) : descriptor_(::open(file.c_str(), O_RDONLY | O_CLOEXEC)) {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+        const work::Cancellation cancellation;
+        while (descriptor_ >= 0 && ::flock(descriptor_, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK &&
+               std::chrono::steady_clock::now() < end && !cancellation.isRequested()) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        }
+    }
+    ~Turn() {
+        if (descriptor_ >= 0) {
+            ::close(descriptor_);
+        }
+    }
+    Turn(const Turn&) = delete;
+    Turn& operator=(const Turn&) = delete;
+
+private:
+    const int descriptor_;
+};
 
 /// Whether a path leads out of the directory that it is relative to.
 bool leadsOut(const fs::path& relative) {
@@ -100,6 +131,7 @@ WorkingCopy::Stamps WorkingCopy::stampsBelow(const fs::path& root) {
 }
 
 void WorkingCopy::publish() {
+    const Turn turn(root_ / dataset_);
     for (const auto& [file, stamp] : originals_) {
         std::error_code error;
         if (!fs::exists(root_ / file, error) || stampOf(root_ / file) != stamp) {

@@ -292,6 +292,14 @@ void LayerReader::invalidate() {
     lookups_ = 0;
 }
 
+bool LayerReader::isBehindFile() {
+    const bool isBehind = stamp_.hasChangedByNow();
+    if (isBehind) {
+        invalidate();
+    }
+    return isBehind;
+}
+
 void LayerReader::followFile() {
     if (stamp_.hasChanged()) {
         invalidate();

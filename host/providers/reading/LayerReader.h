@@ -28,6 +28,8 @@ public:
     bool usesWindow() { return source_->hasSpatialIndex(); }
     /// Forgets everything that was read: the rows have changed.
     void invalidate();
+    /// Whether the file was written since the last cursor was opened; later cursors see that.
+    bool isBehindFile();
 
 private:
     struct Query;

@@ -120,9 +120,7 @@ private:
 
 std::shared_ptr<FileEdit> TextEditor::startEdit() {
     requireWritable();
-    const auto revision = table_->revision();
     rows_ = table_->rowCount();
-    isStale_ = table_->revision() != revision;
     return std::make_shared<Group>(*this);
 }
 
@@ -146,7 +144,6 @@ void TextEditor::writeOut(const QString& path) {
     forget();
     table_->follow(path.toUtf8());
     rows_ = table_->rowCount();
-    isStale_ = false;
 }
 
 void TextEditor::forget() {
@@ -202,10 +199,6 @@ void TextEditor::remove(const dp::FeatureId& id) {
 }
 
 std::int64_t TextEditor::rowOf(const dp::FeatureId& id) const {
-    if (isStale_) {
-        throw dp::EditError(
-            tr("Файл «%1» изменила другая программа, повторите правку").arg(fileName(*table_)).toStdString());
-    }
     bool isNumber = false;
     const qlonglong row = id.value().toLongLong(&isNumber);
     if (!isNumber || row < 1 || row > rows_ + insertedRows_) {

@@ -60,7 +60,6 @@ private:
 
     const std::shared_ptr<TextTable> table_;
     std::int64_t rows_ = 0, insertedRows_ = 0; ///< in the file, and behind them
-    bool isStale_ = false;                     ///< the file has changed since somebody read it
     std::vector<Change> changes_;
     std::size_t nextChange_ = 0; ///< while they are written
     std::string texts_;

@@ -7,16 +7,19 @@
 namespace orvane::shell {
 
 void RunningProgram::Process::setupChildProcess() {
-    if (mostBytes == 0) {
-        return;
-    }
-    const rlimit limit{static_cast<rlim_t>(mostBytes), static_cast<rlim_t>(mostBytes)};
+    const auto limit = [](auto resource, qint64 most) {
+        const rlimit value{static_cast<rlim_t>(most), static_cast<rlim_t>(most)};
+        if (most > 0) {
+            ::setrlimit(resource, &value);
+        }
+    };
     ::signal(SIGXFSZ, SIG_IGN); // the write fails instead
-    ::setrlimit(RLIMIT_FSIZE, &limit);
+    limit(RLIMIT_FSIZE, limits.mostBytes);
+    limit(RLIMIT_NOFILE, limits.mostOpenFiles);
 }
 
-RunningProgram::RunningProgram(const QStringList& arguments, const QByteArray& input, qint64 mostBytes) {
-    process_.mostBytes = mostBytes;
+RunningProgram::RunningProgram(const QStringList& arguments, const QByteArray& input, Limits limits) {
+    process_.limits = limits;
     auto environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
     environment.remove(QStringLiteral("LANGUAGE"));
@@ -49,7 +52,7 @@ Answer runProgram(const QStringList& arguments, const QByteArray& input) {
 }
 
 Answer runWithFullDisk(const QStringList& arguments, qint64 mostBytes) {
-    return RunningProgram(arguments, {}, mostBytes).finish();
+    return RunningProgram(arguments, {}, {mostBytes, 0}).finish();
 }
 
 QString exampleFile(const char* name) {

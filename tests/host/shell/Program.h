@@ -14,11 +14,16 @@ struct Answer {
     std::string errors;
 };
 
+/// What a program may use; 0 for as much as the tests.
+struct Limits {
+    qint64 mostBytes = 0; ///< of a file
+    int mostOpenFiles = 0;
+};
+
 /// The built program under way, with English messages and nothing from the tester's locale.
 class RunningProgram {
 public:
-    /// No file can grow beyond `mostBytes` unless that is 0.
-    explicit RunningProgram(const QStringList& arguments, const QByteArray& input = {}, qint64 mostBytes = 0);
+    explicit RunningProgram(const QStringList& arguments, const QByteArray& input = {}, Limits limits = {});
     bool isRunning() const { return process_.state() == QProcess::Running; }
     void waitFor(int milliseconds) { process_.waitForFinished(milliseconds); }
     void signal(int number);
@@ -27,7 +32,7 @@ public:
 private:
     class Process : public QProcess {
     public:
-        qint64 mostBytes = 0;
+        Limits limits;
 
     protected:
         void setupChildProcess() override;
