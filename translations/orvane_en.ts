@@ -1475,6 +1475,13 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
     </message>
 </context>
 <context>
+    <name>orvane::files::DatasetEdit</name>
+    <message>
+        <source>Изменения «%1» отменены из-за ошибки</source>
+        <translation>The changes of "%1" were taken back because of an error</translation>
+    </message>
+</context>
+<context>
     <name>orvane::files::LayerTable</name>
     <message>
         <source>Файл «%1» изменила другая программа, повторите правку</source>

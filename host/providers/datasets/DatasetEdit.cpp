@@ -210,6 +210,13 @@ void DatasetEdit::correctCounts() {
     }
 }
 
+void DatasetEdit::requireTransaction() const {
+    // After some failures SQLite ends it by itself: what came next would be written at once.
+    if (!hasCopy() && dataset_ && sqlite3_get_autocommit(database())) {
+        raise(tr("Изменения «%1» отменены из-за ошибки"), {});
+    }
+}
+
 void DatasetEdit::markSavepoint(int number) {
     writeOut(); // what GDAL holds back belongs before the savepoint
     execute(QStringLiteral("Savepoint ") + savepointName(number));

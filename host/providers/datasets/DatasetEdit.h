@@ -32,6 +32,7 @@ public:
     std::shared_ptr<void> sharedDataset() const;
 
 private:
+    void requireTransaction() const override;
     void writeOut() override;
     void close() noexcept override;
     void reopen() override;

@@ -43,6 +43,7 @@ void FileEdit::makeCopy(const QStringList& files) {
 }
 
 void FileEdit::beforeChange() {
+    requireTransaction();
     hasChanges_ = true;
     const auto unsaved = std::find_if(savepoints_.begin(), savepoints_.end(),
                                       [](const Savepoint& savepoint) { return !savepoint.saved; });
@@ -72,6 +73,7 @@ void FileEdit::setSavepoint(int number) {
         return;
     }
     if (!copy_) {
+        requireTransaction();
         markSavepoint(number);
     }
     savepoints_.push_back({number, std::nullopt});

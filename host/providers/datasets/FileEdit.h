@@ -52,6 +52,8 @@ protected:
     bool hasCopy() const { return copy_.has_value(); }
     bool isPrepared() const { return isPrepared_; }
 
+    /// Throws where a failure has ended the transaction.
+    virtual void requireTransaction() const {}
     /// Brings what is held back into the copy.
     virtual void writeOut() = 0;
     /// Nobody uses the copy any more. Not called by the destructor: who overrides it rolls back in its own.

@@ -7,7 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <QFile>
+#include <QDir>
 #include <QFileInfo>
 #include <QTemporaryDir>
 
@@ -34,6 +34,27 @@ TEST(Fault, ManyTablesNeedFewOpenFiles) {
     EXPECT_NE(refused.status, 0);
     EXPECT_NE(refused.status, -1);
     EXPECT_NE(refused.errors, "");
+}
+
+TEST(Fault, AFullDiskCostsAnIndexAndNotTheAnswer) {
+    const QTemporaryDir directory;
+    QStringList arguments{exampleFile("cities.shp"), QStringLiteral("-F"), QStringLiteral("csv"),
+                          QStringLiteral("--index-directory"), directory.path()};
+    for (const char* query : {"Select Count(*) From cities Where name = 'Paris'", // asked again: an index
+                              "Select Count(*) From cities Where name = 'London'",
+                              "Select Count(*) From cities Where name = 'Rome'",
+                              "Select Count(*) From cities a, cities b Where a.name = b.name",
+                              "Select country, Count(*) From cities Group By country Order By 2 Desc, 1",
+                              "Select name From cities Order By population Desc, name Limit 3"}) {
+        arguments << QStringLiteral("-c") << QString::fromUtf8(query);
+    }
+    const Answer expected = runProgram(arguments);
+    ASSERT_EQ(expected.status, 0) << expected.errors;
+    const Answer answer = runWithFullDisk(arguments, 4096);
+    EXPECT_EQ(answer.status, 0) << answer.errors;
+    EXPECT_EQ(answer.output, expected.output);
+    EXPECT_TRUE(
+        QDir(directory.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).isEmpty());
 }
 
 class Writers : public testing::TestWithParam<Format> {};
