@@ -1,6 +1,7 @@
 #include <orvane/engine/SqliteStringBuilder.h>
 
 #include "engine/translation/ComputedTexts.h"
+#include "engine/translation/DistanceConditions.h"
 #include "platform/sql/lexing/SqlStrings.h"
 #include "platform/sql/tree/CastType.h"
 #include "platform/sql/tree/Queries.h"
@@ -137,6 +138,10 @@ std::wstring SqliteStringBuilder::renderBound(const ast::NodePtr& offset) {
     return text;
 }
 
+std::wstring SqliteStringBuilder::renderCondition(const ast::NodePtr& condition) {
+    return SqlStringBuilder::renderCondition(withNearness(condition));
+}
+
 std::wstring SqliteStringBuilder::operationToString(OperationCode code) const {
     switch (code) {
     case OperationCode::Join: return L"||";
@@ -155,7 +160,7 @@ void SqliteStringBuilder::visit(const ast::Function& node) {
     if (lowercase == L"rownum") {
         return push(L"row_number() Over (Order By 1)");
     }
-    if (!whiteList_.empty()) {
+    if (!whiteList_.empty() && !isNearnessFunction(node.name)) {
         const QString written = fromSqlString(node.name);
         if (whiteList_.count(written) == 0) {
             unsupported_.insert(written);

@@ -1,5 +1,6 @@
 #include "host/adaptor/indices/SpatialIndex.h"
 
+#include "platform/cs/CoordSystem.h"
 #include "platform/geometry/forms/GeometryFactory.h"
 #include "platform/geometry/relations/Relations.h"
 #include "platform/geometry/shapes/Shapes.h"
@@ -34,7 +35,7 @@ constexpr std::uint64_t mostWeight = 2'000'000;
 constexpr unsigned rowsBetweenChecks = 1024;
 
 constexpr std::array<const char*, spatialRelationCount> functionNames = {
-    "ST_Intersects", "ST_Contains", "ST_Within", "ContainsCentroid", "CentroidWithin"};
+    "ST_Intersects", "ST_Contains", "ST_Within", "ContainsCentroid", "CentroidWithin", "IsNear"};
 
 /// Reads the position of a little-endian two-dimensional point, the form in which providers deliver points.
 bool readPosition(std::string_view wkb, double& x, double& y) {
@@ -109,6 +110,7 @@ bool holds(SpatialRelation relation, const geometry::Geometry& a, const geometry
     case SpatialRelation::Within: return geometry::Contains(b, a);
     case SpatialRelation::ContainsCentroid: return geometry::ContainsCentroid(a, b);
     case SpatialRelation::CentroidWithin: return geometry::ContainsCentroid(b, a);
+    case SpatialRelation::Near: return true;
     }
     return false;
 }
@@ -121,6 +123,7 @@ SpatialIndex::SpatialIndex(dp::Table& table, const work::Cancellation& cancellat
     const auto coordSystem = table.coordSystem();
     dp::ScanRequest request;
     request.attributes = {attribute};
+    const bool mayBeDegrees = !coordSystem || coordSystem->isGeographic();
     const auto rows = table.openCursor(request);
     work::Progress progress(
         QCoreApplication::translate("orvane::adaptor", "R-дерево таблицы %0").arg(table.name()),
@@ -142,9 +145,14 @@ SpatialIndex::SpatialIndex(dp::Table& table, const work::Cancellation& cancellat
             envelope.add(x, y);
         } else if (const GeometryPtr decoded = decodeWkb(cell.view(), coordSystem)) {
             envelope = decoded->envelope();
+            arePositions_ = false;
+            if (mayBeDegrees) {
+                bulge_ = std::max(bulge_, geometry::geodesicBulge(*decoded));
+            }
         }
         if (envelope.isEmpty()) {
-            continue; // stands in no relation to anything
+            empty_.push_back(rows->featureId()); // stands in no relation to anything
+            continue;
         }
         nodes.emplace_back(Box({envelope.minX, envelope.minY}, {envelope.maxX, envelope.maxY}),
                            static_cast<std::uint32_t>(ids_.size()));
@@ -222,6 +230,38 @@ void SpatialIndex::search(SpatialRelation relation, const GeometryPtr& b, dp::Ta
             found.push_back(ids_[position]);
         }
     }
+}
+
+bool SpatialIndex::searchNear(const geometry::Geometry& centre, const geometry::Nearness& nearness,
+                              dp::Table& table, std::vector<dp::FeatureId>& found) {
+    const auto windows =
+        geometry::neighbourhood(centre, nearness, {table.coordSystem(), arePositions_, bulge_});
+    if (!windows) {
+        return false;
+    }
+    auto& candidates = tree_->candidates;
+    candidates.clear();
+    for (const geometry::Envelope& window : *windows) {
+        tree_->nodes.query(bg::index::intersects(Box({window.minX, window.minY}, {window.maxX, window.maxY})),
+                           std::back_inserter(candidates));
+    }
+    std::vector<std::uint32_t> positions;
+    positions.reserve(candidates.size());
+    for (const Node& each : candidates) {
+        positions.push_back(each.second);
+    }
+    if (windows->size() > 1) {
+        std::sort(positions.begin(), positions.end());
+        positions.erase(std::unique(positions.begin(), positions.end()), positions.end());
+    }
+    for (const std::uint32_t position : positions) {
+        found.push_back(ids_[position]);
+    }
+    // The measures of one kind alone say -1 of an empty geometry, which is less than any distance.
+    if (nearness.kind != geometry::DistanceKind::General) {
+        found.insert(found.end(), empty_.begin(), empty_.end());
+    }
+    return true;
 }
 
 } // namespace orvane::adaptor

@@ -3,7 +3,7 @@
 #include "host/adaptor/indices/SpatialRelation.h"
 
 #include "platform/dp/Table.h"
-#include "platform/geometry/shapes/Geometry.h"
+#include "platform/geometry/measures/Neighbourhood.h"
 #include "platform/work/Cancellation.h"
 
 #include <cstdint>
@@ -31,6 +31,11 @@ public:
     void search(SpatialRelation relation, const geometry::GeometryPtr& b, dp::Table& table,
                 std::vector<dp::FeatureId>& found);
 
+    /// Appends the features that may be near the centre, all that are among them. False, with nothing
+    /// appended, where any of them may be.
+    bool searchNear(const geometry::Geometry& centre, const geometry::Nearness& nearness, dp::Table& table,
+                    std::vector<dp::FeatureId>& found);
+
 private:
     struct Tree;
     struct Entry;
@@ -41,6 +46,9 @@ private:
 
     std::unique_ptr<Tree> tree_;
     std::vector<dp::FeatureId> ids_;
+    std::vector<dp::FeatureId> empty_; ///< with a geometry that has no position
+    bool arePositions_ = true;
+    double bulge_ = 0.0;                            ///< geometry::geodesicBulge of all
     std::vector<bool> isPosition_;                  ///< the envelope is the whole geometry
     std::vector<geometry::GeometryPtr> geometries_; ///< decoded so far; empty while none is
     std::uint64_t keptWeight_ = 0;

@@ -4,6 +4,7 @@
 #include "platform/dp/SqliteCell.h"
 #include "platform/geometry/shapes/Shapes.h"
 #include <orvane/engine/EngineCache.h>
+#include <orvane/engine/NearnessBlob.h>
 #include <orvane/engine/SpatialiteBlob.h>
 
 #include <QElapsedTimer>
@@ -135,6 +136,9 @@ bool VirtualCursor::readRowNumbers(sqlite3_value* value) {
 /// Looks the related features up in the spatial index. Where the coordinate systems differ there is no common
 /// plane to search in, so every row is tested.
 bool VirtualCursor::readRelation(sqlite3_value* value) {
+    if (*plan_.relation == SpatialRelation::Near) {
+        return readNearness(value);
+    }
     const GeometryPtr related = geometryOf(value, table_.cache());
     if (!related) {
         return false;
@@ -151,6 +155,28 @@ bool VirtualCursor::readRelation(sqlite3_value* value) {
     auto& ids = request_.ids.emplace();
     spatialIndex().search(*plan_.relation, related, table_.table(), ids);
     return !ids.empty();
+}
+
+/// Where the index cannot tell what is near, all rows come: the condition is tested on each in any case.
+bool VirtualCursor::readNearness(sqlite3_value* value) {
+    const auto* bytes = static_cast<const char*>(sqlite3_value_blob(value));
+    const auto asked = engine::readNearness({bytes, static_cast<std::size_t>(sqlite3_value_bytes(value))});
+    if (!asked) {
+        return false;
+    }
+    const GeometryPtr centre =
+        table_.cache()
+            .geometryInfo(asked->centre.data(), static_cast<unsigned>(asked->centre.size()), true)
+            .geometry();
+    if (!centre) {
+        return false; // has no distance to anything
+    }
+    std::vector<dp::FeatureId> found;
+    if (spatialIndex().searchNear(*centre, asked->asked, table_.table(), found)) {
+        request_.ids = std::move(found);
+        return !request_.ids->empty();
+    }
+    return true;
 }
 
 SpatialIndex& VirtualCursor::spatialIndex() {

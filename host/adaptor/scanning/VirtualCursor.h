@@ -42,6 +42,7 @@ private:
     bool readArguments(std::span<sqlite3_value*> arguments);
     bool readRowNumbers(sqlite3_value* value);
     bool readRelation(sqlite3_value* value);
+    bool readNearness(sqlite3_value* value);
     SpatialIndex& spatialIndex();
     bool accepts();
     /// Opens the rows that can match, if there can be any.

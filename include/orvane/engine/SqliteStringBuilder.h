@@ -143,6 +143,7 @@ protected:
     void appendName(std::wstring& text, const std::wstring& name,
                     NameUse use = NameUse::Plain) const override;
     std::wstring renderWith(const sql::ast::QueryExpression& query) override;
+    std::wstring renderCondition(const sql::ast::NodePtr& condition) override;
     std::wstring renderKey(const sql::ast::NodePtr& key) override;
     std::wstring renderBound(const sql::ast::NodePtr& offset) override;
     void appendResultClauses(std::wstring& text, const sql::ast::QueryExpression& query) override;

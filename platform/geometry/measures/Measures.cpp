@@ -155,4 +155,12 @@ double cartesianObjectDistance(const Geometry& a, const Geometry& b, const QStri
     return fromPlane(planarDistance(a, *other), a.coordSystem().get(), units, Power::Length);
 }
 
+double distance(const Geometry& a, const Geometry& b, const QString& units) {
+    const auto system = a.coordSystem() ? a.coordSystem() : b.coordSystem();
+    if (system && system->isGeographic()) {
+        return sphericalObjectDistance(a, b, units);
+    }
+    return cartesianObjectDistance(a, b, units.trimmed().isEmpty() ? QStringLiteral("m") : units);
+}
+
 } // namespace orvane::geometry

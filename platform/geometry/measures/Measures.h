@@ -44,4 +44,7 @@ ORVANE_PLATFORM_EXPORT double sphericalObjectDistance(const Geometry& a, const G
 ORVANE_PLATFORM_EXPORT double cartesianObjectDistance(const Geometry& a, const Geometry& b,
                                                       const QString& units);
 
+/// Spherical where the system of a is geographic (of b, where a has none), else in its plane.
+ORVANE_PLATFORM_EXPORT double distance(const Geometry& a, const Geometry& b, const QString& units);
+
 } // namespace orvane::geometry

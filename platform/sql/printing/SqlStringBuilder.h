@@ -108,6 +108,8 @@ protected:
 
     /// `With … `, or nothing.
     virtual std::wstring renderWith(const ast::QueryExpression& query);
+    /// What stands behind Where or On.
+    virtual std::wstring renderCondition(const ast::NodePtr& condition);
     /// A term of Group By, Order By or Partition By, without direction.
     virtual std::wstring renderKey(const ast::NodePtr& key);
     /// How far a bound of a frame is away.

@@ -63,7 +63,7 @@ void SqlStringBuilder::visit(const ast::FromSource& node) {
 }
 
 void SqlStringBuilder::visit(const ast::JoinCondition& node) {
-    push(L"On " + renderValue(node.condition));
+    push(L"On " + renderCondition(node.condition));
 }
 
 void SqlStringBuilder::visit(const ast::NamedColumnsJoin& node) {
@@ -119,9 +119,13 @@ void SqlStringBuilder::visit(const ast::SortSpecification& node) {
 
 void SqlStringBuilder::appendWhere(std::wstring& text, const ast::NodePtr& condition) {
     if (condition) {
-        text += L" Where (" + renderValue(condition) + L')';
+        text += L" Where (" + renderCondition(condition) + L')';
     }
     onWhere(text);
+}
+
+std::wstring SqlStringBuilder::renderCondition(const ast::NodePtr& condition) {
+    return renderValue(condition);
 }
 
 void SqlStringBuilder::appendResultClauses(std::wstring& text, const ast::QueryExpression& query) {

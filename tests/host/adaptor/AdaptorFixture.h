@@ -5,6 +5,8 @@
 #include "support/Query.h"
 
 #include "host/adaptor/Adaptor.h"
+#include "platform/cs/CoordSystem.h"
+#include "platform/geometry/forms/GeometryFactory.h"
 #include <orvane/EngineExtension.h>
 
 #include <gtest/gtest.h>
@@ -34,6 +36,17 @@ protected:
 private:
     bool renames_;
 };
+
+/// The column "shape"; without a system for 0.
+inline dp::AttributeDefinitionPointer geometryAttribute(int epsg) {
+    return dp::AttributeDefinitionPointer(new dp::GeometryAttributeDefinition(
+        QStringLiteral("shape"),
+        epsg ? cs::CoordSysFactory::defaultCoordSysFactory()->createFromEpsg(epsg) : nullptr));
+}
+
+inline QByteArray wkb(const geometry::Geometry& geometry) {
+    return geometry::GeometryFactory::toWkb(geometry.clone(), QSysInfo::LittleEndian);
+}
 
 /// An engine with the adaptor, and memory tables in its catalogue.
 class AdaptorTest : public ::testing::Test {

@@ -14,7 +14,9 @@ namespace orvane {
 namespace {
 
 using testing::attribute;
+using testing::geometryAttribute;
 using testing::MemoryTable;
+using testing::wkb;
 
 class IndexingTest : public testing::AdaptorTest {
 protected:
@@ -48,16 +50,6 @@ protected:
         return first;
     }
 };
-
-dp::AttributeDefinitionPointer geometryAttribute(int epsg) {
-    return dp::AttributeDefinitionPointer(new dp::GeometryAttributeDefinition(
-        QStringLiteral("shape"),
-        epsg ? cs::CoordSysFactory::defaultCoordSysFactory()->createFromEpsg(epsg) : nullptr));
-}
-
-QByteArray wkb(const geometry::Geometry& geometry) {
-    return geometry::GeometryFactory::toWkb(geometry.clone(), QSysInfo::LittleEndian);
-}
 
 QByteArray box(double x, double y, double width, double height) {
     const double ring[] = {x, y, x + width, y, x + width, y + height, x, y + height, x, y};

@@ -31,6 +31,19 @@ ORVANE_ENGINE_EXPORT void sphericalObjectDistance(sqlite3_context* context, int 
 ORVANE_ENGINE_EXPORT void cartesianObjectDistance(sqlite3_context* context, int count,
                                                   sqlite3_value** values);
 
+/// Distance: geometry, geometry [, units]; and whether it is at most a number: geometry, geometry, number [,
+/// units]. On the ellipsoid where the first one's system is geographic, else in its plane; metres without
+/// units. NULL where one is no geometry or empty. A failure is an error with its text.
+ORVANE_ENGINE_EXPORT void objectDistance(sqlite3_context* context, int count, sqlite3_value** values);
+ORVANE_ENGINE_EXPORT void withinDistance(sqlite3_context* context, int count, sqlite3_value** values);
+
+/// What conditions on distances hand to scans: the centre, the distance, its units, a geometry::DistanceKind,
+/// and whether the centre is the first operand of the measure. The result is a NearnessBlob.
+ORVANE_ENGINE_EXPORT void nearness(sqlite3_context* context, int count, sqlite3_value** values);
+/// Geometry, NearnessBlob: whether the distance may be as asked, wherever no scan has looked it up. 1, or
+/// NULL for NULL.
+ORVANE_ENGINE_EXPORT void isNear(sqlite3_context* context, int count, sqlite3_value** values);
+
 /// Coordinates of the centroid; NULL for an empty geometry.
 ORVANE_ENGINE_EXPORT void centroidX(sqlite3_context* context, int count, sqlite3_value** values);
 ORVANE_ENGINE_EXPORT void centroidY(sqlite3_context* context, int count, sqlite3_value** values);
