@@ -2,12 +2,16 @@
 
 #include "Barrier.h"
 #include "GeometryArguments.h"
+#include "RecentGeometries.h"
+#include "platform/cs/CoordSystem.h"
 #include "platform/geometry/measures/Measures.h"
+#include <orvane/engine/EngineCache.h>
 #include <orvane/engine/NearnessBlob.h>
 #include <orvane/engine/functions/Converters.h>
 
 #include <cstring>
 #include <limits>
+#include <optional>
 
 namespace orvane::engine {
 
@@ -28,18 +32,65 @@ QString unitsOf(int count, sqlite3_value** values, int position) {
                : QString();
 }
 
+std::string_view bytesOf(sqlite3_value* value) {
+    const auto* bytes = static_cast<const char*>(sqlite3_value_blob(value));
+    return {bytes, static_cast<std::size_t>(sqlite3_value_bytes(value))};
+}
+
+/// The two geometries, the second in the system of the first; null where one is none. One that the statement
+/// met lately is neither decoded nor transformed again.
+GeometryPair recentPair(sqlite3_context* context, sqlite3_value* first, sqlite3_value* second) {
+    if (sqlite3_value_type(first) != SQLITE_BLOB || sqlite3_value_type(second) != SQLITE_BLOB) {
+        return geometryPair(context, first, second);
+    }
+    auto& cache = *static_cast<EngineCache*>(sqlite3_user_data(context));
+    RecentGeometries& recent = RecentGeometries::ofStatement(context);
+    GeometryPair pair{recent.get(cache, bytesOf(first)), recent.get(cache, bytesOf(second))};
+    if (!pair.first || !pair.second) {
+        return pair;
+    }
+    const auto a = pair.first->coordSystem();
+    const auto b = pair.second->coordSystem();
+    if (a && b && a != b && !a->equals(*b)) {
+        // Without a way the measure says so.
+        const GeometryPtr transformed = recent.get(cache, bytesOf(second), a);
+        pair.second = transformed ? transformed : pair.second;
+    } else if (a && !b) {
+        pair.second = withCoordSystem(pair.second, a);
+    } else if (b && !a) {
+        pair.first = withCoordSystem(pair.first, b);
+    }
+    return pair;
+}
+
 /// None where one of the two is no geometry, or empty.
 std::optional<double> distanceOf(sqlite3_context* context, sqlite3_value** values, const QString& units) {
-    const GeometryPair pair = geometryPair(context, values[0], values[1]);
+    const GeometryPair pair = recentPair(context, values[0], values[1]);
     if (!pair.first || !pair.second || pair.first->isEmpty() || pair.second->isEmpty()) {
         return std::nullopt;
     }
     return geometry::distance(*pair.first, *pair.second, units);
 }
 
-std::string_view bytesOf(sqlite3_value* value) {
-    const auto* bytes = static_cast<const char*>(sqlite3_value_blob(value));
-    return {bytes, static_cast<std::size_t>(sqlite3_value_bytes(value))};
+/// The measures of one kind, which tell every failure by one value.
+void distanceOrFailure(sqlite3_context* context, int count, sqlite3_value** values,
+                       double (*measure)(const geometry::Geometry&, const geometry::Geometry&,
+                                         const QString&)) {
+    barrier(context, [&] {
+        const GeometryPair pair = recentPair(context, values[0], values[1]);
+        if (!pair.first || !pair.second) {
+            return;
+        }
+        double value = -1.0;
+        try {
+            value = measure(*pair.first, *pair.second, count > 2 ? toQString(values[2]) : QString());
+        } catch (const std::bad_alloc&) {
+            throw;
+        } catch (...) {
+            // Every other failure is this value.
+        }
+        sqlite3_result_double(context, value);
+    });
 }
 
 } // namespace
@@ -76,6 +127,14 @@ std::optional<NearnessBlob> readNearness(std::string_view bytes) {
     return nearness;
 }
 
+void sphericalObjectDistance(sqlite3_context* context, int count, sqlite3_value** values) {
+    distanceOrFailure(context, count, values, geometry::sphericalObjectDistance);
+}
+
+void cartesianObjectDistance(sqlite3_context* context, int count, sqlite3_value** values) {
+    distanceOrFailure(context, count, values, geometry::cartesianObjectDistance);
+}
+
 void objectDistance(sqlite3_context* context, int count, sqlite3_value** values) {
     barrier(context, [&] {
         if (const auto distance = distanceOf(context, values, unitsOf(count, values, 2))) {
@@ -103,6 +162,10 @@ void nearness(sqlite3_context* context, int, sqlite3_value** values) {
         }
         NearnessBlob made;
         made.centre = bytesOf(values[0]);
+        auto& cache = *static_cast<EngineCache*>(sqlite3_user_data(context));
+        if (!RecentGeometries::ofStatement(context).get(cache, made.centre)) {
+            return;
+        }
         // Every number is less than any text.
         made.asked.distance = type == SQLITE_INTEGER || type == SQLITE_FLOAT
                                   ? sqlite3_value_double(values[1])
@@ -117,7 +180,8 @@ void nearness(sqlite3_context* context, int, sqlite3_value** values) {
 }
 
 void isNear(sqlite3_context* context, int, sqlite3_value** values) {
-    if (sqlite3_value_type(values[0]) != SQLITE_NULL && sqlite3_value_type(values[1]) != SQLITE_NULL) {
+    if (sqlite3_value_type(values[0]) == SQLITE_BLOB && sqlite3_value_type(values[1]) == SQLITE_BLOB &&
+        bytesOf(values[1]).starts_with(mark)) {
         sqlite3_result_int(context, 1);
     }
 }

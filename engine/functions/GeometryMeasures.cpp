@@ -44,25 +44,6 @@ void measure(sqlite3_context* context, int count, sqlite3_value** values,
     });
 }
 
-void distance(sqlite3_context* context, int count, sqlite3_value** values,
-              double (*core)(const geometry::Geometry&, const geometry::Geometry&, const QString&)) {
-    barrier(context, [&] {
-        const GeometryPair pair = geometryPair(context, values[0], values[1]);
-        if (!pair.first || !pair.second) {
-            return;
-        }
-        double value = -1.0;
-        try {
-            value = core(*pair.first, *pair.second, unitsArgument(count, values, 2));
-        } catch (const std::bad_alloc&) {
-            throw;
-        } catch (...) {
-            // Every failure is this value.
-        }
-        sqlite3_result_double(context, value);
-    });
-}
-
 void centroidOrdinate(sqlite3_context* context, sqlite3_value* value,
                       double (geometry::Point::*ordinate)() const) {
     barrier(context, [&] {
@@ -110,14 +91,6 @@ void sphericalArea(sqlite3_context* context, int count, sqlite3_value** values) 
 
 void cartesianArea(sqlite3_context* context, int count, sqlite3_value** values) {
     measure(context, count, values, geometry::cartesianArea);
-}
-
-void sphericalObjectDistance(sqlite3_context* context, int count, sqlite3_value** values) {
-    distance(context, count, values, geometry::sphericalObjectDistance);
-}
-
-void cartesianObjectDistance(sqlite3_context* context, int count, sqlite3_value** values) {
-    distance(context, count, values, geometry::cartesianObjectDistance);
 }
 
 void centroidX(sqlite3_context* context, int, sqlite3_value** values) {

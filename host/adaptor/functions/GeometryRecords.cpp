@@ -82,7 +82,8 @@ const FunctionRecord records[] = {
                             "WithinDistance(MakePoint(0, 0, 4326), MakePoint(0, 1, 4326), 111, 'km')", "1"})),
     pureFunction("Nearness", measures, Arity::exactly(5), engine::nearness,
                  {"Nearness(obj, distance, units, kind, isFirst)",
-                  "What IsNear compares an object with; translation makes it of a condition on a distance.",
+                  "What IsNear compares an object with, NULL where the object or the distance is NULL; "
+                  "translation makes it of a condition on a distance.",
                   "Nearness(NULL, 1, 'km', 0, 0)", "NULL"}),
     pureFunction("IsNear", measures, Arity::exactly(2), engine::isNear,
                  {"IsNear(obj, nearness)",

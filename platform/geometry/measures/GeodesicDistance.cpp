@@ -1,5 +1,6 @@
 #include "platform/geometry/measures/GeodesicPieces.h"
 
+#include "platform/cs/CoordSystem.h"
 #include "platform/geometry/shapes/Shapes.h"
 
 #include <algorithm>
@@ -118,8 +119,8 @@ ChordsApart chordsApart(const Piece& a, const Piece& b) {
 
 class NearestSearch {
 public:
-    NearestSearch(const GeographicShape& shape, PieceTree a, PieceTree b)
-        : ellipsoid_(shape.ellipsoid), treeA_(std::move(a)), treeB_(std::move(b)) {
+    NearestSearch(const GeographicShape& shape, const PieceTree& a, const PieceTree& b)
+        : ellipsoid_(shape.ellipsoid), treeA_(a), treeB_(b) {
         const double polar = shape.equatorialRadius * std::sqrt(1.0 - shape.eccentricitySquared);
         largestRadius_ = std::max({shape.equatorialRadius, polar * polar / shape.equatorialRadius,
                                    shape.equatorialRadius * shape.equatorialRadius / polar});
@@ -280,9 +281,9 @@ private:
                alongB <= lineB.s13;
     }
 
-    geod_geodesic ellipsoid_;
-    PieceTree treeA_;
-    PieceTree treeB_;
+    const geod_geodesic& ellipsoid_;
+    const PieceTree& treeA_;
+    const PieceTree& treeB_;
     double largestRadius_;
     double best_ = std::numeric_limits<double>::infinity();
     double reach_ = std::numeric_limits<double>::infinity(); ///< the chord of the best
@@ -318,29 +319,6 @@ PieceTree treeOf(const GeographicShape& shape) {
     return PieceTree(std::move(pieces));
 }
 
-/// Whether an area of a has a position of b inside. Their borders do not cross, so that one position of each
-/// part is enough.
-bool holdsPartOf(const GeographicShape& a, const Geometry& areas, const std::vector<Position>& ofB) {
-    if (const auto* collection = dynamic_cast<const GeometryCollection*>(&areas)) {
-        return std::any_of(collection->parts().begin(), collection->parts().end(),
-                           [&](const GeometryPtr& part) { return holdsPartOf(a, *part, ofB); });
-    }
-    if (areas.type() != GeometryType::Polygon || areas.isEmpty()) {
-        return false;
-    }
-    std::vector<GeodesicRing> rings;
-    for (const CoordinateSequence& ring : static_cast<const Polygon&>(areas).rings()) {
-        if (!ring.isEmpty()) {
-            rings.emplace_back(a, ring);
-        }
-    }
-    return std::any_of(ofB.begin(), ofB.end(), [&](const Position& position) {
-        return rings.front().contains(position) &&
-               std::none_of(rings.begin() + 1, rings.end(),
-                            [&](const GeodesicRing& hole) { return hole.contains(position); });
-    });
-}
-
 std::vector<Position> onePositionOfEach(const GeographicShape& shape) {
     std::vector<Position> positions;
     forEachSequence(*shape.geometry, [&](const CoordinateSequence& sequence) {
@@ -351,13 +329,98 @@ std::vector<Position> onePositionOfEach(const GeographicShape& shape) {
     return positions;
 }
 
+/// The border of an area, then those of its holes.
+using Area = std::vector<GeodesicRing>;
+
+void appendAreas(const GeographicShape& shape, const Geometry& geometry, std::vector<Area>& areas) {
+    if (const auto* collection = dynamic_cast<const GeometryCollection*>(&geometry)) {
+        for (const GeometryPtr& part : collection->parts()) {
+            appendAreas(shape, *part, areas);
+        }
+    } else if (geometry.type() == GeometryType::Polygon && !geometry.isEmpty()) {
+        Area& area = areas.emplace_back();
+        for (const CoordinateSequence& ring : static_cast<const Polygon&>(geometry).rings()) {
+            if (!ring.isEmpty()) {
+                area.emplace_back(shape, ring);
+            }
+        }
+    }
+}
+
+/// What is measured from, made once for a geometry. Stays where it is: the areas refer to the shape.
+struct GeodesicForm {
+    explicit GeodesicForm(const Geometry& geometry)
+        : shape(onEllipsoid(geometry)), tree(treeOf(shape)), positions(onePositionOfEach(shape)) {
+        appendAreas(shape, *shape.geometry, areas);
+    }
+    GeodesicForm(const GeodesicForm&) = delete;
+    GeodesicForm& operator=(const GeodesicForm&) = delete;
+
+    GeographicShape shape;
+    PieceTree tree;
+    std::vector<Position> positions; ///< one of each part
+    std::vector<Area> areas;
+};
+
+/// The form of the copy of a shape that was measured last: copies may have other systems.
+struct KeptGeodesicForm {
+    std::shared_ptr<const GeodesicForm> form;
+    std::shared_ptr<cs::CoordSystem> system;
+};
+
+std::shared_ptr<const GeodesicForm> formOf(const Geometry& geometry) {
+    if (geometry.type() == GeometryType::Point) {
+        return std::make_shared<const GeodesicForm>(geometry);
+    }
+    KeptForm& shared = geometry.keptForm();
+    const std::lock_guard lock(shared.mutex());
+    auto& kept = shared.get<KeptGeodesicForm>();
+    if (const auto system = geometry.coordSystem(); !kept.form || kept.system != system) {
+        kept = {std::make_shared<const GeodesicForm>(geometry), system};
+    }
+    return kept.form;
+}
+
+/// Whether an area of a has a position of b inside. Their borders do not cross, so that one position of each
+/// part is enough.
+bool holdsPartOf(const GeodesicForm& a, const GeodesicForm& b) {
+    return std::any_of(a.areas.begin(), a.areas.end(), [&b](const Area& area) {
+        return std::any_of(b.positions.begin(), b.positions.end(), [&area](const Position& position) {
+            return area.front().contains(position) &&
+                   std::none_of(area.begin() + 1, area.end(),
+                                [&position](const GeodesicRing& hole) { return hole.contains(position); });
+        });
+    });
+}
+
+/// Of two points in degrees, which most distances are measured between.
+std::optional<double> pointDistance(const Geometry& a, const Geometry& b) {
+    const auto system = a.coordSystem();
+    if (a.type() != GeometryType::Point || b.type() != GeometryType::Point || !system ||
+        !system->isGeographic() || degreesPerUnit(*system) != 1.0) {
+        return std::nullopt;
+    }
+    const auto& from = static_cast<const Point&>(a);
+    const auto& to = static_cast<const Point&>(b);
+    if (!(std::abs(from.y()) <= 90.0 && std::abs(to.y()) <= 90.0) || !std::isfinite(from.x()) ||
+        !std::isfinite(to.x())) {
+        return std::nullopt;
+    }
+    double distance = 0.0;
+    geod_inverse(&ellipsoidOf(*system), from.y(), from.x(), to.y(), to.x(), &distance, nullptr, nullptr);
+    return distance;
+}
+
 } // namespace
 
-double geodesicDistance(const GeographicShape& a, const GeographicShape& b) {
-    const double distance = NearestSearch(a, treeOf(a), treeOf(b)).run();
-    const bool isInside = distance > 0.0 && (holdsPartOf(a, *a.geometry, onePositionOfEach(b)) ||
-                                             holdsPartOf(b, *b.geometry, onePositionOfEach(a)));
-    return isInside ? 0.0 : distance;
+double geodesicDistance(const Geometry& a, const Geometry& b) {
+    if (const auto distance = pointDistance(a, b)) {
+        return *distance;
+    }
+    const auto first = formOf(a);
+    const auto second = formOf(b);
+    const double distance = NearestSearch(first->shape, first->tree, second->tree).run();
+    return distance > 0.0 && (holdsPartOf(*first, *second) || holdsPartOf(*second, *first)) ? 0.0 : distance;
 }
 
 } // namespace orvane::geometry

@@ -71,6 +71,22 @@ double sumOver(const Geometry& geometry, const Measure& measure) {
 
 } // namespace
 
+const geod_geodesic& ellipsoidOf(const cs::CoordSystem& system) {
+    thread_local geod_geodesic ellipsoid{};
+    const double radius = system.semiMajorAxis();
+    const double flattening = system.inverseFlattening() == 0.0 ? 0.0 : 1.0 / system.inverseFlattening();
+    if (ellipsoid.a != radius || ellipsoid.f != flattening) {
+        geod_init(&ellipsoid, radius, flattening);
+    }
+    return ellipsoid;
+}
+
+double degreesPerUnit(const cs::CoordSystem& system) {
+    const double unit = system.unitFactor() * degreesPerRadian;
+    // The factor of degrees is exactly 1, whatever the last digit of the definition's pi.
+    return std::abs(unit - 1.0) < 1e-9 ? 1.0 : unit;
+}
+
 GeographicShape onEllipsoid(const Geometry& geometry) {
     const auto system = geometry.coordSystem();
     if (!system) {
@@ -78,17 +94,14 @@ GeographicShape onEllipsoid(const Geometry& geometry) {
                                         "Для меры на эллипсоиде нужна система координат геометрии."));
     }
     GeographicShape shape;
-    shape.equatorialRadius = system->semiMajorAxis();
-    const double flattening = system->inverseFlattening() == 0.0 ? 0.0 : 1.0 / system->inverseFlattening();
-    shape.eccentricitySquared = flattening * (2.0 - flattening);
-    geod_init(&shape.ellipsoid, shape.equatorialRadius, flattening);
+    shape.ellipsoid = ellipsoidOf(*system);
+    shape.equatorialRadius = shape.ellipsoid.a;
+    shape.eccentricitySquared = shape.ellipsoid.f * (2.0 - shape.ellipsoid.f);
     if (system->isGeographic()) {
-        // The factor of degrees is exactly 1, whatever the last digit of the definition's pi.
-        const double unit = system->unitFactor() * degreesPerRadian;
-        const double degreesPerUnit = std::abs(unit - 1.0) < 1e-9 ? 1.0 : unit;
+        const double factor = degreesPerUnit(*system);
         shape.geometry =
-            geometry.mapped([degreesPerUnit](double* positions, std::size_t count, Dimensions dimensions) {
-                return bringToEllipsoid(positions, count, dimensions, degreesPerUnit);
+            geometry.mapped([factor](double* positions, std::size_t count, Dimensions dimensions) {
+                return bringToEllipsoid(positions, count, dimensions, factor);
             });
     } else if (const auto transformer = cs::Transformer::toGeographic(*system)) {
         shape.geometry =

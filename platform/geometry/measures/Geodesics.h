@@ -22,7 +22,13 @@ GeographicShape onEllipsoid(const Geometry& geometry);
 double geodesicLength(const GeographicShape& shape);
 double geodesicPerimeter(const GeographicShape& shape);
 double geodesicArea(const GeographicShape& shape);
-/// Between shapes on the same ellipsoid that are not empty; 0 when they meet.
-double geodesicDistance(const GeographicShape& a, const GeographicShape& b);
+/// Between geometries of one coordinate system that are not empty; 0 when they meet. What it takes to measure
+/// from a geometry again is kept with it. Throws as onEllipsoid does.
+double geodesicDistance(const Geometry& a, const Geometry& b);
+
+/// The ellipsoid of a system. The one of this thread that was asked for last is kept.
+const geod_geodesic& ellipsoidOf(const cs::CoordSystem& system);
+/// Degrees in one unit of a geographic system.
+double degreesPerUnit(const cs::CoordSystem& system);
 
 } // namespace orvane::geometry

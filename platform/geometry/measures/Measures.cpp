@@ -146,7 +146,7 @@ double cartesianArea(const Geometry& geometry, const QString& units) {
 double sphericalObjectDistance(const Geometry& a, const Geometry& b, const QString& units) {
     checkNotEmpty(a, b);
     const GeometryPtr other = inSystemOf(a, b);
-    return fromMetres(geodesicDistance(onEllipsoid(a), onEllipsoid(*other)), units, Power::Length);
+    return fromMetres(geodesicDistance(a, *other), units, Power::Length);
 }
 
 double cartesianObjectDistance(const Geometry& a, const Geometry& b, const QString& units) {

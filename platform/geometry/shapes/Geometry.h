@@ -11,6 +11,8 @@
 #include <memory>
 #include <mutex>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace orvane::cs {
 class CoordSystem;
@@ -48,13 +50,15 @@ class KeptForm {
 public:
     /// Guards what is kept.
     std::mutex& mutex() { return mutex_; }
-    /// With the lock held: the object, made when first asked for. The class is the same for all geometries.
+    /// With the lock held: the object of a class, one for each class, made when first asked for.
     template<typename Form>
     Form& get() {
-        if (!form_) {
-            form_ = std::make_shared<Form>();
+        for (const auto& [form, object] : forms_) {
+            if (form == &key<Form>) {
+                return *static_cast<Form*>(object.get());
+            }
         }
-        return *static_cast<Form*>(form_.get());
+        return *static_cast<Form*>(forms_.emplace_back(&key<Form>, std::make_shared<Form>()).second.get());
     }
 
 private:
@@ -62,7 +66,10 @@ private:
 
     std::atomic<int> references_{1};
     std::mutex mutex_;
-    std::shared_ptr<void> form_;
+    template<typename Form>
+    static constexpr char key = 0; ///< its address tells classes apart
+
+    std::vector<std::pair<const char*, std::shared_ptr<void>>> forms_;
 };
 
 /// A shape with the coordinate system it is in, if known. The shape never changes; copies share it, and what

@@ -23,9 +23,13 @@ protected:
     static std::string secondArgument(const adaptor::FunctionRecord& record, const std::string& geometry) {
         const std::string name = record.name;
         const bool takesSystem = name.rfind("TransformTo", 0) == 0 || name == "ToOrvGeo";
-        const bool takesTwo = record.group == std::string("Relations") || name.find("Distance") != name.npos;
+        const bool takesTwo = record.group == std::string("Relations") ||
+                              name.find("Distance") != name.npos || name == "IsNear";
         if (record.arity.minimum == 5) {
-            return ",0,0,1,1";
+            return name == "Nearness" ? ",5,'km',0,0" : ",0,0,1,1";
+        }
+        if (name == "WithinDistance") {
+            return "," + geometry + ",5";
         }
         if (record.arity.minimum == 3) {
             return "," + geometry + ",'T********'";

@@ -24,6 +24,7 @@ const char* const fixedNames =
     "GetTime FormatNumber Deformat FormatDate FormatTime Format FormatNumberByPattern "
     "ObjectArea SphericalArea CartesianArea ObjectPerimeter SphericalPerimeter CartesianPerimeter "
     "ObjectLen SphericalObjectLen CartesianObjectLen SphericalObjectDistance CartesianObjectDistance "
+    "Distance ST_Distance WithinDistance PtDistWithin Nearness IsNear "
     "CentroidX CentroidY ContainsCentroid CentroidWithin ST_Intersects Intersects ST_Contains "
     "ContainsEntirely ST_Within EntirelyWithin Contains Within Disjoint ST_Disjoint Covers ST_Covers "
     "CoveredBy ST_CoveredBy Equals ST_Equals Touches ST_Touches Crosses ST_Crosses Overlaps ST_Overlaps "
