@@ -158,8 +158,8 @@ void AttributeIndexing::follow(EngineIndices& store) {
 }
 
 void AttributeIndexing::drop() {
-    // Where there are none yet, a store would be made only to be emptied, at the end of the process after what
-    // it needs.
+    // Where there are none yet, a store would be made only to be emptied, at the end of the process after
+    // what it needs.
     if (EngineIndices* indices = known_ ? store() : nullptr) {
         indices->dropStorage();
     }
