@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/providers/datasets/FileOpening.h"
+#include "host/providers/datasets/FileStamp.h"
 #include "host/providers/datasets/GdalHandles.h"
 #include "host/providers/datasets/ResultDirectory.h"
 #include "platform/work/Cancellation.h"
@@ -60,13 +61,17 @@ public:
     };
 
     explicit DatasetPool(Source source)
-        : source_(std::move(source)), reach_(reachOf(source_.path, source_.trustsReferences)) {}
+        : source_(std::move(source)), reach_(reachOf(source_.path, source_.trustsReferences)),
+          firstStamp_(source_.path) {}
     ~DatasetPool();
     DatasetPool(const DatasetPool&) = delete;
     DatasetPool& operator=(const DatasetPool&) = delete;
 
     const Source& source() const { return source_; }
     Reach reach() const { return reach_; }
+    /// The file as it was before any handle was opened: one that is changed while it is opened has another
+    /// one.
+    const FileStamp& firstStamp() const { return firstStamp_; }
 
     /// An idle handle, or a new one; while a group of edits has changes, one that shows them. Throws
     /// std::runtime_error when the file does not open.
@@ -93,6 +98,7 @@ private:
 
     const Source source_;
     const Reach reach_;
+    const FileStamp firstStamp_;
     std::mutex mutex_;
     std::vector<DatasetHandle> idle_;
     unsigned generation_ = 0;

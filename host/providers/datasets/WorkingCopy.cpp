@@ -92,8 +92,9 @@ WorkingCopy::WorkingCopy(const QString& path, const QStringList& files)
         if (!fs::is_regular_file(root_ / relative)) {
             continue;
         }
-        copyFile(root_ / relative, copies_ / relative);
+        // First: what is replaced while it is copied is told from the stamp in the end.
         originals_[relative] = stampOf(root_ / relative);
+        copyFile(root_ / relative, copies_ / relative);
     }
     unchanged_ = stampsBelow(copies_);
 }

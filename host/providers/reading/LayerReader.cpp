@@ -78,7 +78,8 @@ struct LayerReader::Query {
 };
 
 LayerReader::LayerReader(std::shared_ptr<RowSource> source)
-    : source_(std::move(source)), geometry_(source_->schema()->geometryIndex()), stamp_(source_->path()),
+    : source_(std::move(source)), geometry_(source_->schema()->geometryIndex()),
+      stamp_(source_->firstStamp()),
       key_(std::make_shared<std::atomic<BatchCache::TableKey>>(BatchCache::newKey())) {}
 
 LayerReader::~LayerReader() {

@@ -19,6 +19,7 @@ public:
           schema_(std::move(schema)) {}
 
     const QByteArray& path() const override { return pool_->source().path; }
+    FileStamp firstStamp() const override { return pool_->firstStamp(); }
     std::shared_ptr<const dp::TableSchema> schema() const override { return schema_->schema; }
     ValueClass valueClass(int attribute) const override;
 

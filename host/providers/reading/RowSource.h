@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/providers/columns/ColumnBatch.h"
+#include "host/providers/datasets/FileStamp.h"
 #include "platform/dp/Condition.h"
 #include "platform/dp/TableSchema.h"
 
@@ -34,6 +35,8 @@ public:
 
     /// GDAL's path of the file, UTF-8.
     virtual const QByteArray& path() const = 0;
+    /// The file as it was before anything of it was read.
+    virtual FileStamp firstStamp() const { return FileStamp(path()); }
     virtual std::shared_ptr<const dp::TableSchema> schema() const = 0;
     virtual ValueClass valueClass(int attribute) const = 0;
 
