@@ -46,7 +46,9 @@ private:
     static int authorize(void* self, int action, const char* first, const char* second, const char* database,
                          const char* trigger) noexcept;
     bool permits(int action, std::string_view first, std::string_view second) const;
-    bool isOpen(std::string_view table) const { return closedModules_.count(table) == 0 || allows(table); }
+    bool isOpen(std::string_view table) const {
+        return closedModules_.empty() || closedModules_.count(table) == 0 || allows(table);
+    }
 
     sqlite3* database_;
     NameSet allowed_;
