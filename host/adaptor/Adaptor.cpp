@@ -12,11 +12,14 @@ namespace orvane::adaptor {
 namespace {
 
 void allowFunctions(const Core& core) {
-    auto* engine = core.findService<Engine>();
+    QStringList names;
     for (const FunctionRecord& record : allFunctionRecords()) {
-        for (const char* name : engine ? record.names() : std::vector<const char*>()) {
-            engine->allowFunctions({QString::fromLatin1(name)});
+        for (const char* name : record.names()) {
+            names += QString::fromLatin1(name);
         }
+    }
+    if (auto* engine = core.findService<Engine>()) {
+        engine->allowFunctions(names);
     }
 }
 

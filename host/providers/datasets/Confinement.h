@@ -16,11 +16,9 @@ enum class Reach : std::uint8_t {
 /// While it lives, what GDAL opens and reads on this thread for a file stays within its reach:
 ///
 /// - A database of SQLite's, opened with confiningStatement, keeps only those virtual tables and functions
-/// that
-///   work on the database itself. It does not open where that fails.
+/// that work on the database itself. It does not open where that fails.
 /// - The network is not asked, but for the server of a URL that is the user's own; the log tells what the
-/// file
-///   wanted there.
+/// file wanted there.
 ///
 /// GDAL puts some of its opening off until rows are read. Scopes nest.
 class Confinement {

@@ -14,6 +14,7 @@ public:
     OwnStatements(const OwnStatements&) = delete;
     OwnStatements& operator=(const OwnStatements&) = delete;
 
+    /// Whether one lives on this thread.
     static bool areRun();
 };
 

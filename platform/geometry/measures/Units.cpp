@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 namespace orvane::geometry {
 
@@ -121,7 +122,12 @@ QStringList listedNames(const NamedUnit& unit, const QString& english = {}, cons
 } // namespace
 
 Unit lengthUnit(const QString& name) {
+    thread_local std::pair<QString, std::optional<Unit>> last; // a statement asks for one again and again
+    if (last.second && last.first == name) {
+        return *last.second;
+    }
     if (const auto unit = findLength(bare(name))) {
+        last = {name, unit};
         return *unit;
     }
     throw failure(
