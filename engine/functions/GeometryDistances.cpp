@@ -1,7 +1,6 @@
 #include <orvane/engine/functions/Geometry.h>
 
-#include "Barrier.h"
-#include "GeometryArguments.h"
+#include "GeometryCall.h"
 #include "RecentGeometries.h"
 #include "platform/cs/CoordSystem.h"
 #include "platform/geometry/measures/Measures.h"
@@ -19,16 +18,11 @@ namespace {
 
 constexpr std::string_view mark = "ORVNEAR";
 
-bool isNumber(sqlite3_value* value) {
-    const int type = sqlite3_value_numeric_type(value);
-    return type == SQLITE_INTEGER || type == SQLITE_FLOAT;
-}
-
 /// A number in the place of the units asks for metres, as with SpatiaLite, where it chooses between the
 /// ellipsoid and a sphere.
-QString unitsOf(int count, sqlite3_value** values, int position) {
-    return count > position && sqlite3_value_type(values[position]) == SQLITE_TEXT
-               ? toQString(values[position])
+QString unitsOf(const GeometryCall& call, int position) {
+    return call.isGiven(position) && sqlite3_value_type(call.value(position)) == SQLITE_TEXT
+               ? call.text(position)
                : QString();
 }
 
@@ -37,36 +31,10 @@ std::string_view bytesOf(sqlite3_value* value) {
     return {bytes, static_cast<std::size_t>(sqlite3_value_bytes(value))};
 }
 
-/// The two geometries, the second in the system of the first; null where one is none. One that the statement
-/// met lately is neither decoded nor transformed again.
-GeometryPair recentPair(sqlite3_context* context, sqlite3_value* first, sqlite3_value* second) {
-    if (sqlite3_value_type(first) != SQLITE_BLOB || sqlite3_value_type(second) != SQLITE_BLOB) {
-        return geometryPair(context, first, second);
-    }
-    auto& cache = *static_cast<EngineCache*>(sqlite3_user_data(context));
-    RecentGeometries& recent = RecentGeometries::ofStatement(context);
-    GeometryPair pair{recent.get(cache, bytesOf(first)), recent.get(cache, bytesOf(second))};
-    if (!pair.first || !pair.second) {
-        return pair;
-    }
-    const auto a = pair.first->coordSystem();
-    const auto b = pair.second->coordSystem();
-    if (a && b && a != b && !a->equals(*b)) {
-        // Without a way the measure says so.
-        const GeometryPtr transformed = recent.get(cache, bytesOf(second), a);
-        pair.second = transformed ? transformed : pair.second;
-    } else if (a && !b) {
-        pair.second = withCoordSystem(pair.second, a);
-    } else if (b && !a) {
-        pair.first = withCoordSystem(pair.first, b);
-    }
-    return pair;
-}
-
-/// None where one of the two is no geometry, or empty.
-std::optional<double> distanceOf(sqlite3_context* context, sqlite3_value** values, const QString& units) {
-    const GeometryPair pair = recentPair(context, values[0], values[1]);
-    if (!pair.first || !pair.second || pair.first->isEmpty() || pair.second->isEmpty()) {
+/// None where one of the two is empty.
+std::optional<double> distanceOf(const GeometryCall& call, const QString& units) {
+    const GeometryPair pair = call.geometries(0, 1);
+    if (pair.first->isEmpty() || pair.second->isEmpty()) {
         return std::nullopt;
     }
     return geometry::distance(*pair.first, *pair.second, units);
@@ -136,25 +104,19 @@ void cartesianObjectDistance(sqlite3_context* context, int count, sqlite3_value*
 }
 
 void objectDistance(sqlite3_context* context, int count, sqlite3_value** values) {
-    barrier(context, [&] {
-        if (const auto distance = distanceOf(context, values, unitsOf(count, values, 2))) {
-            sqlite3_result_double(context, *distance);
-        }
-    });
+    evaluate("Distance", 2, context, count, values,
+             [](const GeometryCall& call) { return distanceOf(call, unitsOf(call, 2)); });
 }
 
 void withinDistance(sqlite3_context* context, int count, sqlite3_value** values) {
-    barrier(context, [&] {
-        if (!isNumber(values[2])) {
-            return;
-        }
-        if (const auto distance = distanceOf(context, values, unitsOf(count, values, 3))) {
-            sqlite3_result_int(context, *distance <= sqlite3_value_double(values[2]) ? 1 : 0);
-        }
+    evaluate("WithinDistance", 3, context, count, values, [](const GeometryCall& call) {
+        const double limit = call.number(2);
+        const auto distance = distanceOf(call, unitsOf(call, 3));
+        return distance ? std::optional(*distance <= limit) : std::nullopt;
     });
 }
 
-void nearness(sqlite3_context* context, int, sqlite3_value** values) {
+void nearness(sqlite3_context* context, int count, sqlite3_value** values) {
     barrier(context, [&] {
         const int type = sqlite3_value_type(values[1]);
         if (type == SQLITE_NULL || sqlite3_value_type(values[0]) != SQLITE_BLOB) {
@@ -166,13 +128,14 @@ void nearness(sqlite3_context* context, int, sqlite3_value** values) {
         if (!RecentGeometries::ofStatement(context).get(cache, made.centre)) {
             return;
         }
+        const GeometryCall call("Nearness", context, count, values);
         // Every number is less than any text.
         made.asked.distance = type == SQLITE_INTEGER || type == SQLITE_FLOAT
                                   ? sqlite3_value_double(values[1])
                                   : std::numeric_limits<double>::infinity();
         made.asked.kind = static_cast<geometry::DistanceKind>(sqlite3_value_int(values[3]));
         made.asked.units =
-            made.asked.kind == geometry::DistanceKind::General ? unitsOf(3, values, 2) : toQString(values[2]);
+            made.asked.kind == geometry::DistanceKind::General ? unitsOf(call, 2) : toQString(values[2]);
         made.asked.centreIsFirst = sqlite3_value_int(values[4]) != 0;
         const std::string bytes = writeNearness(made);
         sqlite3_result_blob64(context, bytes.data(), bytes.size(), SQLITE_TRANSIENT);

@@ -88,4 +88,31 @@ RecentGeometries::get(EngineCache& cache, std::string_view blob,
     return entry->transformed;
 }
 
+GeometryPair recentPair(sqlite3_context* context, sqlite3_value* first, sqlite3_value* second) {
+    if (sqlite3_value_type(first) != SQLITE_BLOB || sqlite3_value_type(second) != SQLITE_BLOB) {
+        return geometryPair(context, first, second);
+    }
+    const auto bytesOf = [](sqlite3_value* value) {
+        const auto* bytes = static_cast<const char*>(sqlite3_value_blob(value));
+        return std::string_view(bytes, static_cast<std::size_t>(sqlite3_value_bytes(value)));
+    };
+    auto& cache = *static_cast<EngineCache*>(sqlite3_user_data(context));
+    RecentGeometries& recent = RecentGeometries::ofStatement(context);
+    GeometryPair pair{recent.get(cache, bytesOf(first)), recent.get(cache, bytesOf(second))};
+    if (!pair.first || !pair.second) {
+        return pair;
+    }
+    const auto a = pair.first->coordSystem();
+    const auto b = pair.second->coordSystem();
+    if (a && b && a != b && !a->equals(*b)) {
+        const GeometryPtr transformed = recent.get(cache, bytesOf(second), a);
+        pair.second = transformed ? transformed : pair.second;
+    } else if (a && !b) {
+        pair.second = withCoordSystem(pair.second, a);
+    } else if (b && !a) {
+        pair.first = withCoordSystem(pair.first, b);
+    }
+    return pair;
+}
+
 } // namespace orvane::engine

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "GeometryArguments.h"
+
 #include <sqlite3.h>
 
 #include <array>
@@ -7,13 +9,6 @@
 #include <memory>
 #include <string>
 #include <string_view>
-
-namespace orvane::cs {
-class CoordSystem;
-}
-namespace orvane::geometry {
-class Geometry;
-}
 
 namespace orvane::engine {
 
@@ -52,5 +47,10 @@ private:
     std::array<std::unique_ptr<Entry>, entryCount> entries_;
     std::size_t bytes_ = 0;
 };
+
+/// The two geometries, the second in the system of the first, where there is a way; null where one is none.
+/// When exactly one carries a coordinate system the other gets it. One that the statement met lately is
+/// neither decoded nor transformed again.
+GeometryPair recentPair(sqlite3_context* context, sqlite3_value* first, sqlite3_value* second);
 
 } // namespace orvane::engine

@@ -38,6 +38,8 @@ struct FunctionRecord {
                            ///< clock or the locale
     const char* secondName = nullptr; ///< another SQL name of the same function; null for none
 
+    /// False for what a library brings along, which is documented and tested only.
+    bool isRegistered() const { return scalar != nullptr || step != nullptr; }
     bool isNamed(const char* asked) const {
         return sqlite3_stricmp(name, asked) == 0 ||
                (secondName != nullptr && sqlite3_stricmp(secondName, asked) == 0);
@@ -54,5 +56,10 @@ std::span<const FunctionRecord> textRecords();
 std::span<const FunctionRecord> dateTimeRecords();
 std::span<const FunctionRecord> formatRecords();
 std::span<const FunctionRecord> geometryRecords();
+std::span<const FunctionRecord> measureRecords();
+std::span<const FunctionRecord> overlayRecords();
+std::span<const FunctionRecord> makingRecords();
+std::span<const FunctionRecord> accessRecords();
+std::span<const FunctionRecord> formRecords();
 
 } // namespace orvane::adaptor

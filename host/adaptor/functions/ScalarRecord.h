@@ -27,6 +27,12 @@ constexpr FunctionRecord environmentFunction(const char* name, const char* group
     return record;
 }
 
+/// One that a library brings along.
+constexpr FunctionRecord libraryFunction(const char* name, const char* group, Arity arity,
+                                         Documentation text) {
+    return pureFunction(name, group, arity, nullptr, text);
+}
+
 /// The record of a function that has a second name.
 constexpr FunctionRecord alsoNamed(const char* secondName, FunctionRecord record) {
     record.secondName = secondName;

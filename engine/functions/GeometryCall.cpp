@@ -1,0 +1,149 @@
+#include "GeometryCall.h"
+
+#include "RecentGeometries.h"
+#include "platform/cs/CoordSystem.h"
+#include "platform/geometry/shapes/Curves.h"
+#include "platform/geometry/shapes/Failure.h"
+#include "platform/work/Cancellation.h"
+#include <orvane/engine/EngineCache.h>
+#include <orvane/engine/GeometryConversions.h>
+#include <orvane/engine/functions/Converters.h>
+
+#include <cmath>
+#include <stdexcept>
+#include <string>
+
+namespace orvane::engine {
+
+namespace {
+
+constexpr const char* geometryExpected = QT_TRANSLATE_NOOP("orvane::geometry", "нужна геометрия");
+constexpr const char* numberExpected = QT_TRANSLATE_NOOP("orvane::geometry", "нужно число");
+constexpr const char* integerExpected = QT_TRANSLATE_NOOP("orvane::geometry", "нужно целое число");
+constexpr const char* textExpected = QT_TRANSLATE_NOOP("orvane::geometry", "нужен текст");
+constexpr const char* blobExpected = QT_TRANSLATE_NOOP("orvane::geometry", "нужны двоичные данные");
+
+/// Names the function already.
+class CallFailure : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+bool fitsSpatialite(const geometry::Geometry& geometry) {
+    const auto coordSystem = geometry.coordSystem();
+    return (!coordSystem || coordSystem->epsg() != 0) && !geometry::isCurved(geometry);
+}
+
+} // namespace
+
+bool GeometryCall::hasNull(int required) const {
+    for (int position = 0; position < required; ++position) {
+        if (!isGiven(position)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+GeometryPtr GeometryCall::geometry(int position) const {
+    GeometryPtr geometry = toGeometry(context_, values_[position], true);
+    if (!geometry) {
+        reject(position, geometryExpected);
+    }
+    return geometry;
+}
+
+GeometryPair GeometryCall::geometries(int first, int second) const {
+    GeometryPair pair = recentPair(context_, values_[first], values_[second]);
+    if (!pair.first || !pair.second) {
+        reject(pair.first ? second : first, geometryExpected);
+    }
+    const auto a = pair.first->coordSystem();
+    const auto b = pair.second->coordSystem();
+    if (a != b && !a->equals(*b)) {
+        reject(second, QT_TRANSLATE_NOOP("orvane::geometry",
+                                         "геометрия не имеет места в координатной системе другой"));
+    }
+    return pair;
+}
+
+double GeometryCall::number(int position) const {
+    const int type = sqlite3_value_type(values_[position]);
+    const double number = sqlite3_value_double(values_[position]);
+    if ((type != SQLITE_INTEGER && type != SQLITE_FLOAT) || !std::isfinite(number)) {
+        reject(position, numberExpected);
+    }
+    return number;
+}
+
+std::int64_t GeometryCall::integer(int position) const {
+    const double number = this->number(position);
+    constexpr double limit = 9007199254740992.0; // 2^53, up to which reals know units
+    if (sqlite3_value_type(values_[position]) != SQLITE_INTEGER &&
+        (std::floor(number) != number || std::abs(number) > limit)) {
+        reject(position, integerExpected);
+    }
+    return sqlite3_value_int64(values_[position]);
+}
+
+QString GeometryCall::text(int position) const {
+    if (!isGiven(position)) {
+        return QString();
+    }
+    if (sqlite3_value_type(values_[position]) != SQLITE_TEXT) {
+        reject(position, textExpected);
+    }
+    return toQString(values_[position]);
+}
+
+std::string_view GeometryCall::blob(int position) const {
+    if (sqlite3_value_type(values_[position]) != SQLITE_BLOB) {
+        reject(position, blobExpected);
+    }
+    const auto* bytes = static_cast<const char*>(sqlite3_value_blob(values_[position]));
+    return {bytes, static_cast<std::size_t>(sqlite3_value_bytes(values_[position]))};
+}
+
+void GeometryCall::reject(int position, const char* expected) const {
+    throw CallFailure(geometry::failure(QT_TRANSLATE_NOOP("orvane::geometry", "%0: аргумент %1: %2."),
+                                        QString::fromLatin1(function_), QString::number(position + 1),
+                                        QCoreApplication::translate("orvane::geometry", expected))
+                          .what());
+}
+
+void GeometryCall::rethrow() const {
+    try {
+        throw;
+    } catch (const CallFailure&) {
+        throw;
+    } catch (const work::Cancelled&) {
+        throw;
+    } catch (const std::runtime_error& failure) {
+        throw CallFailure(std::string(function_) + ": " + failure.what());
+    }
+}
+
+void GeometryCall::give(const GeometryPtr& geometry) const {
+    if (!geometry) {
+        return;
+    }
+    if (fitsSpatialite(*geometry)) {
+        toGaia(geometry, context_, &cache());
+    } else {
+        toOrvGeo(geometry, context_, &cache(), true);
+    }
+}
+
+void GeometryCall::give(const QString& text) const {
+    if (!text.isNull()) {
+        sqlite3_result_text16(context_, text.utf16(), text.size() * int{sizeof(QChar)}, SQLITE_TRANSIENT);
+    }
+}
+
+void GeometryCall::give(const QByteArray& blob) const {
+    if (!blob.isNull()) {
+        sqlite3_result_blob(context_, blob.constData(), blob.size(), SQLITE_TRANSIENT);
+    }
+}
+
+} // namespace orvane::engine

@@ -1,0 +1,34 @@
+#include "host/adaptor/functions/RetiredFunctions.h"
+
+#include <string>
+
+namespace orvane::adaptor {
+
+namespace {
+
+const RetiredFunction retired[] = {
+    {"ST_DrapeLine", nullptr},
+    {"ST_DrapeLineExceptions", nullptr},
+};
+
+void refuse(sqlite3_context* context, int, sqlite3_value**) {
+    const auto& function = *static_cast<const RetiredFunction*>(sqlite3_user_data(context));
+    std::string message = std::string(function.name) + " is not supported";
+    if (function.instead != nullptr) {
+        message += std::string("; use ") + function.instead;
+    }
+    sqlite3_result_error(context, message.c_str(), -1);
+}
+
+} // namespace
+
+std::span<const RetiredFunction> retiredFunctions() {
+    return retired;
+}
+
+int registerRetiredFunction(sqlite3* database, const RetiredFunction& function, int count) {
+    return sqlite3_create_function(database, function.name, count, SQLITE_UTF8,
+                                   const_cast<RetiredFunction*>(&function), refuse, nullptr, nullptr);
+}
+
+} // namespace orvane::adaptor
