@@ -2,6 +2,9 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
+#include <array>
+#include <iterator>
 #include <span>
 #include <vector>
 
@@ -36,17 +39,21 @@ struct FunctionRecord {
     const char* example;   ///< an expression of the dialect that runs by itself, e.g. "Mid('abcdef', 2, 3)"
     const char* result;    ///< its value as the shell prints it, "NULL" for none; null when it depends on the
                            ///< clock or the locale
-    const char* secondName = nullptr; ///< another SQL name of the same function; null for none
+    std::array<const char*, 7> otherNames{}; ///< of the same function; null behind the last
 
     /// False for what a library brings along, which is documented and tested only.
     bool isRegistered() const { return scalar != nullptr || step != nullptr; }
     bool isNamed(const char* asked) const {
-        return sqlite3_stricmp(name, asked) == 0 ||
-               (secondName != nullptr && sqlite3_stricmp(secondName, asked) == 0);
+        const std::vector<const char*> all = names();
+        return std::any_of(all.begin(), all.end(),
+                           [asked](const char* each) { return sqlite3_stricmp(each, asked) == 0; });
     }
-    /// One or two.
+    /// The usual one, then the others.
     std::vector<const char*> names() const {
-        return secondName != nullptr ? std::vector{name, secondName} : std::vector{name};
+        std::vector<const char*> all{name};
+        std::copy_if(otherNames.begin(), otherNames.end(), std::back_inserter(all),
+                     [](const char* each) { return each != nullptr; });
+        return all;
     }
 };
 
@@ -61,5 +68,8 @@ std::span<const FunctionRecord> overlayRecords();
 std::span<const FunctionRecord> makingRecords();
 std::span<const FunctionRecord> accessRecords();
 std::span<const FunctionRecord> formRecords();
+std::span<const FunctionRecord> editingRecords();
+std::span<const FunctionRecord> libraryRecords();
+std::span<const FunctionRecord> sqliteRecords();
 
 } // namespace orvane::adaptor

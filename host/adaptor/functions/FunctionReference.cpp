@@ -41,9 +41,11 @@ void appendEntry(std::string& text, const FunctionRecord& record) {
     if (dialectName(record.name) != record.name) {
         text += std::string(" In SQL: `") + record.name + "`.";
     }
-    if (record.secondName != nullptr) {
-        text += std::string(" Also: `") + record.secondName + "`.";
+    const std::vector<const char*> names = record.names();
+    for (std::size_t i = 1; i < names.size(); ++i) {
+        text += std::string(i == 1 ? " Also: `" : ", `") + names[i] + '`';
     }
+    text += names.size() > 1 ? "." : "";
     text += std::string("  \n`") + record.example + '`';
     if (record.result) {
         text += std::string(" is `") + record.result + '`';

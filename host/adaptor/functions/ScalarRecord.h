@@ -2,6 +2,9 @@
 
 #include "host/adaptor/functions/FunctionRecord.h"
 
+#include <algorithm>
+#include <initializer_list>
+
 namespace orvane::adaptor {
 
 /// What the reference says of a function.
@@ -33,10 +36,14 @@ constexpr FunctionRecord libraryFunction(const char* name, const char* group, Ar
     return pureFunction(name, group, arity, nullptr, text);
 }
 
-/// The record of a function that has a second name.
-constexpr FunctionRecord alsoNamed(const char* secondName, FunctionRecord record) {
-    record.secondName = secondName;
+/// The record of a function that has other names, too.
+constexpr FunctionRecord alsoNamed(std::initializer_list<const char*> names, FunctionRecord record) {
+    std::copy(names.begin(), names.end(),
+              std::find(record.otherNames.begin(), record.otherNames.end(), nullptr));
     return record;
+}
+constexpr FunctionRecord alsoNamed(const char* name, FunctionRecord record) {
+    return alsoNamed({name}, record);
 }
 
 /// An aggregate; `Aggregate` has the static functions step and final.
