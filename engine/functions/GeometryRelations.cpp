@@ -112,12 +112,18 @@ void resultCentroidInside(sqlite3_context* context, sqlite3_value* a, sqlite3_va
     });
 }
 
+bool areInOneSystem(const GeometryPair& pair) {
+    const auto a = pair.first->coordSystem();
+    const auto b = pair.second->coordSystem();
+    return a == b || a->equals(*b);
+}
+
 /// Whether something is true of the envelopes of two geometries; NULL where one is no geometry.
 void resultOfEnvelopes(sqlite3_context* context, sqlite3_value** values,
                        bool (*holds)(const Envelope&, const Envelope&)) {
     barrier(context, [&] {
-        const GeometryPair pair = geometryPair(context, values[0], values[1]);
-        if (pair.first && pair.second) {
+        const GeometryPair pair = recentPair(context, values[0], values[1]);
+        if (pair.first && pair.second && areInOneSystem(pair)) {
             sqlite3_result_int(context, holds(pair.first->envelope(), pair.second->envelope()) ? 1 : 0);
         }
     });
@@ -139,6 +145,12 @@ void centroidWithin(sqlite3_context* context, int, sqlite3_value** values) {
 
 void intersects(sqlite3_context* context, int, sqlite3_value** values) {
     resultRelation(context, Relation::Intersects, values[0], values[1]);
+}
+
+void mayMeet(sqlite3_context* context, int, sqlite3_value** values) {
+    if (sqlite3_value_type(values[0]) == SQLITE_BLOB && sqlite3_value_type(values[1]) == SQLITE_BLOB) {
+        sqlite3_result_int(context, 1);
+    }
 }
 
 void disjoint(sqlite3_context* context, int, sqlite3_value** values) {

@@ -1,7 +1,7 @@
 #include <orvane/engine/SqliteStringBuilder.h>
 
 #include "engine/translation/ComputedTexts.h"
-#include "engine/translation/DistanceConditions.h"
+#include "engine/translation/SpatialConditions.h"
 #include "platform/sql/lexing/SqlStrings.h"
 #include "platform/sql/tree/CastType.h"
 #include "platform/sql/tree/Queries.h"
@@ -138,8 +138,14 @@ std::wstring SqliteStringBuilder::renderBound(const ast::NodePtr& offset) {
     return text;
 }
 
+/// A white list says what may be called: nothing that the user has not written.
 std::wstring SqliteStringBuilder::renderCondition(const ast::NodePtr& condition) {
-    return SqlStringBuilder::renderCondition(withNearness(condition));
+    if (!whiteList_.empty()) {
+        return SqlStringBuilder::renderCondition(condition);
+    }
+    const bool isOfQuery = !frames_.empty() && frames_.back().tables;
+    return SqlStringBuilder::renderCondition(
+        withLookups(condition, isOfQuery ? *frames_.back().tables : ScannedTables()));
 }
 
 std::wstring SqliteStringBuilder::operationToString(OperationCode code) const {
@@ -160,7 +166,7 @@ void SqliteStringBuilder::visit(const ast::Function& node) {
     if (lowercase == L"rownum") {
         return push(L"row_number() Over (Order By 1)");
     }
-    if (!whiteList_.empty() && !isNearnessFunction(node.name)) {
+    if (!whiteList_.empty()) {
         const QString written = fromSqlString(node.name);
         if (whiteList_.count(written) == 0) {
             unsupported_.insert(written);

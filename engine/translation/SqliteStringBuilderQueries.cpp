@@ -2,6 +2,7 @@
 
 #include "engine/translation/ComputedTexts.h"
 #include "engine/translation/FixedColumns.h"
+#include "engine/translation/SpatialConditions.h"
 #include "platform/sql/lexing/SqlStrings.h"
 
 #include <algorithm>
@@ -61,6 +62,7 @@ void SqliteStringBuilder::visit(const ast::QuerySpecification& node) {
     const bool outer = std::exchange(isCompared_, false);
     frames_.emplace_back();
     frames_.back().columns = &node.columns;
+    frames_.back().tables = std::make_shared<ScannedTables>(node.from);
     frames_.back().isCompared = outer || node.quantifier == ast::SetQuantifier::Distinct;
     if (frames_.size() == 1 && !node.groupBy.empty()) {
         isAggregate_ = true;

@@ -105,6 +105,11 @@ const FunctionRecord records[] = {
               pureFunction("ST_Intersects", relations, Arity::exactly(2), engine::intersects,
                            {"a Intersects b", "1 when the two objects share a position, borders included.",
                             "ST_Intersects(MakePoint(0, 0), GeomFromText('LINESTRING(0 0,1 1)'))", "1"})),
+    pureFunction(
+        "MayMeet", relations, Arity::exactly(2), engine::mayMeet,
+        {"MayMeet(a, b)",
+         "The part of a relation that a scan of the table of a looks up in the spatial index; else 1.",
+         "MayMeet(MakePoint(0, 0), MakePoint(5, 5))", "1"}),
     alsoNamed(
         "ContainsEntirely",
         pureFunction("ST_Contains", relations, Arity::exactly(2), engine::containsEntirely,

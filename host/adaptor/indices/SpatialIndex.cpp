@@ -15,7 +15,6 @@
 
 #include <sqlite3.h>
 
-#include <array>
 #include <cmath>
 #include <cstring>
 #include <stdexcept>
@@ -34,8 +33,36 @@ using Node = std::pair<Box, std::uint32_t>;
 constexpr std::uint64_t mostWeight = 2'000'000;
 constexpr unsigned rowsBetweenChecks = 1024;
 
-constexpr std::array<const char*, spatialRelationCount> functionNames = {
-    "ST_Intersects", "ST_Contains", "ST_Within", "ContainsCentroid", "CentroidWithin", "IsNear"};
+struct RelationName {
+    const char* function;
+    SpatialRelation relation;
+};
+constexpr RelationName relationNames[] = {
+    {"ST_Intersects", SpatialRelation::Intersects},
+    {"Intersects", SpatialRelation::Intersects},
+    {"ST_Contains", SpatialRelation::Contains},
+    {"Contains", SpatialRelation::Contains},
+    {"ContainsEntirely", SpatialRelation::Contains},
+    {"ST_Within", SpatialRelation::Within},
+    {"Within", SpatialRelation::Within},
+    {"EntirelyWithin", SpatialRelation::Within},
+    {"ContainsCentroid", SpatialRelation::ContainsCentroid},
+    {"CentroidWithin", SpatialRelation::CentroidWithin},
+    {"Covers", SpatialRelation::Covers},
+    {"ST_Covers", SpatialRelation::Covers},
+    {"CoveredBy", SpatialRelation::CoveredBy},
+    {"ST_CoveredBy", SpatialRelation::CoveredBy},
+    {"Equals", SpatialRelation::Equals},
+    {"ST_Equals", SpatialRelation::Equals},
+    {"Touches", SpatialRelation::Touches},
+    {"ST_Touches", SpatialRelation::Touches},
+    {"Crosses", SpatialRelation::Crosses},
+    {"ST_Crosses", SpatialRelation::Crosses},
+    {"Overlaps", SpatialRelation::Overlaps},
+    {"ST_Overlaps", SpatialRelation::Overlaps},
+    {"MayMeet", SpatialRelation::MayMeet},
+    {"IsNear", SpatialRelation::Near},
+};
 
 /// Reads the position of a little-endian two-dimensional point, the form in which providers deliver points.
 bool readPosition(std::string_view wkb, double& x, double& y) {
@@ -82,14 +109,10 @@ struct SpatialIndex::Entry {
     double x, y; ///< the lower corner of the envelope: the place of a position
 };
 
-const char* functionName(SpatialRelation relation) {
-    return functionNames.at(static_cast<std::size_t>(relation));
-}
-
 std::optional<SpatialRelation> spatialRelationOf(const char* functionName) {
-    for (std::size_t i = 0; i < functionNames.size(); ++i) {
-        if (sqlite3_stricmp(functionName, functionNames[i]) == 0) {
-            return static_cast<SpatialRelation>(i);
+    for (const RelationName& each : relationNames) {
+        if (sqlite3_stricmp(functionName, each.function) == 0) {
+            return each.relation;
         }
     }
     return std::nullopt;
@@ -110,6 +133,13 @@ bool holds(SpatialRelation relation, const geometry::Geometry& a, const geometry
     case SpatialRelation::Within: return geometry::Contains(b, a);
     case SpatialRelation::ContainsCentroid: return geometry::ContainsCentroid(a, b);
     case SpatialRelation::CentroidWithin: return geometry::ContainsCentroid(b, a);
+    case SpatialRelation::Covers: return relates(geometry::Relation::Covers, a, b);
+    case SpatialRelation::CoveredBy: return relates(geometry::Relation::Covers, b, a);
+    case SpatialRelation::Equals: return relates(geometry::Relation::Equals, a, b);
+    case SpatialRelation::Touches: return relates(geometry::Relation::Touches, a, b);
+    case SpatialRelation::Crosses: return relates(geometry::Relation::Crosses, a, b);
+    case SpatialRelation::Overlaps: return relates(geometry::Relation::Overlaps, a, b);
+    case SpatialRelation::MayMeet:
     case SpatialRelation::Near: return true;
     }
     return false;
@@ -226,7 +256,7 @@ void SpatialIndex::search(SpatialRelation relation, const GeometryPtr& b, dp::Ta
         std::back_inserter(candidates));
     for (const auto& [box, position] : candidates) {
         const Entry candidate{position, bg::get<0>(box.min_corner()), bg::get<1>(box.min_corner())};
-        if (holds(relation, candidate, b, table)) {
+        if (relation == SpatialRelation::MayMeet || holds(relation, candidate, b, table)) {
             found.push_back(ids_[position]);
         }
     }

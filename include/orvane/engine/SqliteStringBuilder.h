@@ -24,6 +24,7 @@ class Selection;
 namespace orvane::engine {
 
 class EngineCache;
+class ScannedTables;
 
 /// A table that a statement names.
 struct TableRef {
@@ -162,6 +163,7 @@ private:
         bool isCompared = false;    ///< its result columns are compared with others
         bool isBehindWhere = false; ///< where names and numbers of result columns are understood
         bool isCompound = false;    ///< of several queries put together: only their order is rendered in it
+        std::shared_ptr<const ScannedTables> tables = {}; ///< of its From; null where it is no query
     };
 
     void visitCorrectedColumn(const sql::ast::ColumnReference& node);

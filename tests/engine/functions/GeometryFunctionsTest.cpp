@@ -48,7 +48,9 @@ TEST_F(GeometryFunctions, ValuesThatAreNoGeometry) {
             const std::string call =
                 record.name + ("(" + value) + secondArgument(record, "MakePoint(1,1,4326)") + ")";
             const std::string result = this->value(call);
-            EXPECT_TRUE(result == "null" || result.rfind(std::string("error ") + record.name + ": ", 0) == 0)
+            const bool isLookup = std::string(record.name) == "MayMeet"; // no relation by itself
+            EXPECT_TRUE(result == "null" || isLookup ||
+                        result.rfind(std::string("error ") + record.name + ": ", 0) == 0)
                 << call << ": " << result;
         }
     }

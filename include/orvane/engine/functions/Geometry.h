@@ -43,6 +43,9 @@ ORVANE_ENGINE_EXPORT void nearness(sqlite3_context* context, int count, sqlite3_
 /// Geometry, NearnessBlob: whether the distance may be as asked, wherever no scan has looked it up. 1, or
 /// NULL for NULL.
 ORVANE_ENGINE_EXPORT void isNear(sqlite3_context* context, int count, sqlite3_value** values);
+/// Two geometries: whether they may share a position, wherever no scan has looked it up. 1, or NULL for NULL
+/// and what is no blob.
+ORVANE_ENGINE_EXPORT void mayMeet(sqlite3_context* context, int count, sqlite3_value** values);
 
 /// Coordinates of the centroid; NULL for an empty geometry.
 ORVANE_ENGINE_EXPORT void centroidX(sqlite3_context* context, int count, sqlite3_value** values);
@@ -67,8 +70,9 @@ ORVANE_ENGINE_EXPORT void overlaps(sqlite3_context* context, int count, sqlite3_
 /// geometry, geometry, pattern of nine: geometry::matches; NULL for a collection as well.
 ORVANE_ENGINE_EXPORT void matchesPattern(sqlite3_context* context, int count, sqlite3_value** values);
 
-/// Relations of the envelopes of two geometries, as their coordinates stand; 1 or 0, NULL where one is no
-/// geometry. The first also takes two corners as four numbers in place of the second geometry.
+/// Relations of the envelopes of two geometries in the system of the first; 1 or 0, NULL where one is no
+/// geometry or the second has no place in that system. The first also takes two corners as four numbers in
+/// place of the second geometry.
 ORVANE_ENGINE_EXPORT void envelopesIntersect(sqlite3_context* context, int count, sqlite3_value** values);
 ORVANE_ENGINE_EXPORT void envelopesDisjoint(sqlite3_context* context, int count, sqlite3_value** values);
 ORVANE_ENGINE_EXPORT void envelopeContains(sqlite3_context* context, int count, sqlite3_value** values);

@@ -1,9 +1,11 @@
-#include "engine/translation/DistanceConditions.h"
+#include "engine/translation/SpatialConditions.h"
 
+#include "engine/translation/FixedColumns.h"
 #include "platform/sql/lexing/SqlStrings.h"
 #include "platform/sql/tree/Expressions.h"
 #include "platform/sql/tree/NodeVisitor.h"
 #include "platform/sql/tree/Queries.h"
+#include <orvane/engine/ColumnNames.h>
 
 #include <algorithm>
 #include <optional>
@@ -17,6 +19,7 @@ using namespace sql;
 
 constexpr const wchar_t* isNear = L"IsNear";
 constexpr const wchar_t* nearness = L"Nearness";
+constexpr const wchar_t* mayMeet = L"MayMeet";
 
 /// A function that tells a distance, or (`isTest`) whether it is at most its third argument.
 struct DistanceFunction {
@@ -117,7 +120,8 @@ ast::NodePtr both(const ast::NodePtr& a, const ast::NodePtr& b) {
     return std::make_shared<ast::Operation>(OperationCode::And, a, b);
 }
 
-ast::NodePtr withHints(const ast::NodePtr& condition, const DistanceTerm& term) {
+ast::NodePtr withNearness(const ast::NodePtr& condition, const DistanceTerm& term,
+                          const ScannedTables& tables) {
     const ast::NodeList& arguments = term.call->arguments;
     const std::size_t unitsPosition = term.function->isTest ? 3 : 2;
     const ast::NodePtr units = arguments.size() > unitsPosition
@@ -129,7 +133,7 @@ ast::NodePtr withHints(const ast::NodePtr& condition, const DistanceTerm& term) 
     }
     ast::NodePtr whole = condition;
     for (const std::size_t column : {0U, 1U}) {
-        if (!ast::nodeAs<ast::ColumnReference>(arguments[column])) {
+        if (!tables.haveGeometry(arguments[column])) {
             continue;
         }
         const ast::NodePtr centre = arguments[1 - column];
@@ -144,13 +148,113 @@ ast::NodePtr withHints(const ast::NodePtr& condition, const DistanceTerm& term) 
     return whole;
 }
 
-} // namespace
+/// A relation and what it is called from the other side. Null for one that has another answer there where the
+/// coordinate systems differ: the first operand's counts, but for those of containing.
+struct Relation {
+    std::wstring_view name;
+    const wchar_t* converse;
+};
+constexpr Relation relations[] = {
+    {L"containscentroid", L"CentroidWithin"},
+    {L"centroidwithin", L"ContainsCentroid"},
+    {L"st_contains", L"ST_Within"},
+    {L"contains", L"ST_Within"},
+    {L"containsentirely", L"ST_Within"},
+    {L"st_within", L"ST_Contains"},
+    {L"within", L"ST_Contains"},
+    {L"entirelywithin", L"ST_Contains"},
+    {L"covers", L"CoveredBy"},
+    {L"st_covers", L"CoveredBy"},
+    {L"coveredby", L"Covers"},
+    {L"st_coveredby", L"Covers"},
+    {L"equals", nullptr},
+    {L"st_equals", nullptr},
+    {L"touches", nullptr},
+    {L"st_touches", nullptr},
+    {L"crosses", nullptr},
+    {L"st_crosses", nullptr},
+    {L"overlaps", nullptr},
+    {L"st_overlaps", nullptr},
+    {L"intersects", nullptr},
+    {L"st_intersects", nullptr},
+};
 
-bool isNearnessFunction(const std::wstring& name) {
-    return name == isNear || name == nearness;
+std::wstring_view relationName(OperationCode code) {
+    switch (code) {
+    case OperationCode::Contains: return L"containscentroid";
+    case OperationCode::Within: return L"centroidwithin";
+    case OperationCode::ContainsEntire: return L"contains";
+    case OperationCode::EntirelyWithin: return L"within";
+    case OperationCode::ContainsPart:
+    case OperationCode::Intersects:
+    case OperationCode::PartlyWithin: return L"intersects";
+    default: return {};
+    }
 }
 
-ast::NodePtr withNearness(const ast::NodePtr& condition) {
+ast::NodePtr turned(const ast::NodePtr& condition, const ScannedTables& tables) {
+    std::wstring name;
+    ast::NodePtr first, second;
+    if (const auto* operation = ast::nodeAs<ast::Operation>(condition)) {
+        name = relationName(operation->code());
+        first = operation->left();
+        second = operation->right();
+    } else if (const auto* call = ast::nodeAs<ast::Function>(condition);
+               call && call->arguments.size() == 2 && !call->over && !call->filter && !call->distinct) {
+        name = toLowercase(call->name);
+        first = call->arguments[0];
+        second = call->arguments[1];
+    }
+    const auto* relation = std::find_if(std::begin(relations), std::end(relations),
+                                        [&name](const Relation& each) { return each.name == name; });
+    if (relation == std::end(relations) || tables.haveGeometry(first) || !tables.haveGeometry(second)) {
+        return condition;
+    }
+    const ast::NodeList operands{second, first};
+    if (relation->converse) {
+        return std::make_shared<ast::Function>(relation->converse, operands);
+    }
+    return isRepeatable(first) ? both(condition, std::make_shared<ast::Function>(mayMeet, operands))
+                               : condition;
+}
+
+ast::NodePtr lookedUp(const ast::NodePtr& condition, const ScannedTables& tables) {
+    const auto term = termOf(condition);
+    return term ? withNearness(condition, *term, tables) : turned(condition, tables);
+}
+
+} // namespace
+
+ScannedTables::ScannedTables(const ast::NodePtr& from) : isQuery_(true) {
+    add(from);
+}
+
+void ScannedTables::add(const ast::NodePtr& source) {
+    if (const auto* join = ast::nodeAs<ast::JoinNode>(source)) {
+        add(join->left);
+        add(join->right);
+    } else if (const auto* all = ast::nodeAs<ast::FromSource>(source)) {
+        for (const ast::NodePtr& each : all->sources) {
+            add(each);
+        }
+    } else if (source) {
+        ++sources_;
+        if (const auto* table = ast::nodeAs<ast::TablePrimary>(source)) {
+            names_.insert(toLowercase(table->alias.empty() ? table->name : table->alias));
+        }
+    }
+}
+
+bool ScannedTables::haveGeometry(const ast::NodePtr& node) const {
+    const auto* column = ast::nodeAs<ast::ColumnReference>(node);
+    if (!column || fixedColumnName(column->name) != &geometryColumnName()) {
+        return false;
+    }
+    return !isQuery_ || (column->qualifier.empty() ? sources_ == 1 && !names_.empty()
+                                                   : names_.count(toLowercase(column->qualifier)) != 0);
+}
+
+ast::NodePtr withLookups(const ast::NodePtr& condition, const ScannedTables& tables) {
     const auto conjunction = [](const ast::NodePtr& node) {
         const auto* operation = ast::nodeAs<ast::Operation>(node);
         return operation && operation->code() == OperationCode::And && operation->right() ? operation
@@ -162,12 +266,12 @@ ast::NodePtr withNearness(const ast::NodePtr& condition) {
         chain.push_back(operation->left());
     }
     ast::NodePtr whole = chain.back();
-    if (const auto term = whole ? termOf(whole) : std::nullopt) {
-        whole = withHints(whole, *term);
+    if (whole) {
+        whole = lookedUp(whole, tables);
     }
     for (std::size_t i = chain.size() - 1; i-- > 0;) {
         const auto* operation = conjunction(chain[i]);
-        const ast::NodePtr right = withNearness(operation->right());
+        const ast::NodePtr right = withLookups(operation->right(), tables);
         const bool isSame = whole == operation->left() && right == operation->right();
         whole = isSame ? chain[i] : both(whole, right);
     }

@@ -1,5 +1,5 @@
-// Conditions on distances, which scans look up in a tree of envelopes, find what the functions themselves
-// find.
+// Conditions on distances and relations, which scans look up in a tree of envelopes, find what the functions
+// themselves find.
 
 #include "AdaptorFixture.h"
 #include "support/Wkt.h"
@@ -16,7 +16,7 @@ using testing::attribute;
 using testing::geometryAttribute;
 using testing::MemoryTable;
 
-class DistanceConditions : public testing::AdaptorTest {
+class SpatialConditions : public testing::AdaptorTest {
 protected:
     /// Near the equator, the poles, the 180th meridian on both sides, and anywhere.
     std::string position() {
@@ -74,7 +74,7 @@ protected:
     std::mt19937 random_{15U + static_cast<unsigned>(::testing::UnitTest::GetInstance()->random_seed())};
 };
 
-TEST_F(DistanceConditions, FindWhatTheFunctionsFind) {
+TEST_F(SpatialConditions, FindWhatTheFunctionsFind) {
     openShapes("points", 4326, true, 40);
     openShapes("shapes", 4326, false, 30);
     openShapes("pulkovo", 4284, true, 30);
@@ -106,7 +106,7 @@ TEST_F(DistanceConditions, FindWhatTheFunctionsFind) {
     EXPECT_GT(numFound, 30U);
 }
 
-TEST_F(DistanceConditions, AreLookedUpFromBothSidesAndInJoins) {
+TEST_F(SpatialConditions, AreLookedUpFromBothSidesAndInJoins) {
     openShapes("a", 4326, true, 50);
     openShapes("b", 4326, true, 50);
     for (const char* text :
@@ -124,6 +124,55 @@ TEST_F(DistanceConditions, AreLookedUpFromBothSidesAndInJoins) {
     // A nameless parameter cannot be written twice.
     EXPECT_THAT(engine().translate(std::string("Select 1 From a Where Distance(obj, ?) < 5")).toStdString(),
                 ::testing::Not(::testing::HasSubstr("IsNear(")));
+}
+
+TEST_F(SpatialConditions, RelationsFindWhatTheFunctionsFind) {
+    openShapes("points", 4326, true, 60);
+    openShapes("shapes", 4326, false, 60);
+    openShapes("metres", 3857, false, 40);
+    openShapes("plain", 0, false, 40);
+    std::size_t numFound = 0;
+    const char* const tables[] = {"points", "shapes", "metres", "plain"};
+    const char* const relations[] = {
+        "a.obj Contains b.obj",        "a.obj Within b.obj",       "a.obj Contains Entire b.obj",
+        "a.obj Entirely Within b.obj", "a.obj Intersects b.obj",   "Intersects(a.obj, b.obj)",
+        "Touches(a.obj, b.obj)",       "ST_Crosses(a.obj, b.obj)", "Overlaps(a.obj, b.obj)",
+        "ST_Equals(a.obj, b.obj)",     "Covers(a.obj, b.obj)",     "ST_CoveredBy(a.obj, b.obj)"};
+    // Of both tables, of one and a value on either side, of an outer one.
+    const char* const forms[] = {
+        "Select a.id, b.id From % Where @ Order By 1, 2",
+        "Select b.id From (Select id, MakeValid(obj) As object From %) a, $ b Where @ Order By 1",
+        "Select a.id From % a, (Select id, MakeValid(obj) As object From $) b Where @ Order By 1",
+        "Select a.id From % a Where Exists (Select 1 From $ b Where @) Order By 1",
+        "Select b.id From $ b Where (Select Count(*) From % a Where @) > 0 Order By 1",
+        "Select a.id, b.id From % a Left Join $ b On @ Order By 1, 2"};
+    for (int round = 0; round < 120; ++round) {
+        std::string form = forms[random_() % std::size(forms)];
+        const std::string a = tables[random_() % 4], b = tables[random_() % 4];
+        const std::string relation = relations[random_() % std::size(relations)];
+        const auto fill = [&](const std::string& condition) {
+            std::string text = form;
+            for (const auto& [mark, value] : {std::pair<char, std::string>{'@', condition},
+                                              {'%', text.find('$') == text.npos ? a + " a, " + b + " b" : a},
+                                              {'$', b}}) {
+                const std::size_t at = text.find(mark);
+                at == text.npos ? text : text.replace(at, 1, value);
+            }
+            return ask(engine().translate(text).toStdString());
+        };
+        const std::string found = fill(relation);
+        ASSERT_EQ(found, fill("(" + relation + ") = 1"))
+            << form << ": " << a << ", " << b << ": " << relation;
+        numFound += found.size() > 20 ? 1 : 0;
+    }
+    EXPECT_GT(numFound, 30U);
+    for (const char* condition : {"MakePoint(1, 2, 4326) Within obj", "Touches(MakePoint(1, 2, 4326), obj)",
+                                  "BuildMbr(1, 2, 3, 4) Intersects obj", "ST_Covers(obj, MakePoint(1, 2))"}) {
+        const std::string plan =
+            ask("Explain Query Plan " +
+                engine().translate("Select id From shapes Where " + std::string(condition)).toStdString());
+        EXPECT_THAT(plan, ::testing::ContainsRegex("INDEX 0:[0-9]+ [0-9]+ 0 [1-9]")) << plan << condition;
+    }
 }
 
 } // namespace

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "platform/sql/tree/Node.h"
+
+#include <set>
+#include <string>
+
+namespace orvane::engine {
+
+/// The tables of a From, whose geometries a scan can look up.
+class ScannedTables {
+public:
+    /// Outside of queries: every column counts.
+    ScannedTables() = default;
+    /// Null for none.
+    explicit ScannedTables(const sql::ast::NodePtr& from);
+
+    /// Whether the node is the geometry of one of them.
+    bool haveGeometry(const sql::ast::NodePtr& node) const;
+
+private:
+    void add(const sql::ast::NodePtr& source);
+
+    bool isQuery_ = false;
+    std::size_t sources_ = 0;
+    std::set<std::wstring> names_; ///< in lower case, under which columns name them
+};
+
+/// A condition of Where or On such that a scan of one of the tables can look up what it says of a geometry. A
+/// term about a distance is followed by what is looked up of it: `Distance(a.obj, b.obj, 'km') < 5` by
+/// `IsNear(a.obj, Nearness(b.obj, 5, 'km', 0, 0))`, and the same for b. SQLite asks a table about first
+/// operands only, so that a relation whose second operand alone is a geometry of the tables is turned round
+/// where it has a converse, else followed by `MayMeet(second, first)`. Any other condition is given back as
+/// it is.
+sql::ast::NodePtr withLookups(const sql::ast::NodePtr& condition, const ScannedTables& tables);
+
+} // namespace orvane::engine
