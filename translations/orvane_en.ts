@@ -688,6 +688,26 @@
         <source>Координата геометрии не конечное число.</source>
         <translation>A coordinate of the geometry is not finite.</translation>
     </message>
+    <message>
+        <source>Параметр «%0»: вместо «%1» нужно %2.</source>
+        <translation>Option &quot;%0&quot;: instead of &quot;%1&quot; it has to be %2.</translation>
+    </message>
+    <message>
+        <source>Неизвестный параметр «%0». Известны: quad_segs, endcap, join, mitre_limit, side.</source>
+        <translation>Unknown option &quot;%0&quot;. Known are: quad_segs, endcap, join, mitre_limit, side.</translation>
+    </message>
+    <message>
+        <source>Результат был бы слишком велик.</source>
+        <translation>The result would be too large.</translation>
+    </message>
+    <message>
+        <source>Расстояние на эллипсоиде не может быть больше %0 м.</source>
+        <translation>A distance on the ellipsoid cannot be more than %0 m here.</translation>
+    </message>
+    <message>
+        <source>Одна сторона (side) есть только у линий.</source>
+        <translation>Only lines have a single side.</translation>
+    </message>
 </context>
 <context>
     <name>orvane::shell::Shell</name>

@@ -163,4 +163,16 @@ double distance(const Geometry& a, const Geometry& b, const QString& units) {
     return cartesianObjectDistance(a, b, units.trimmed().isEmpty() ? QStringLiteral("m") : units);
 }
 
+double namedLength(double ownLength, const cs::CoordSystem* system, const QString& units) {
+    if (system && system->isGeographic()) {
+        return fromMetres(ownLength, units, Power::Length);
+    }
+    return fromPlane(ownLength, system, units.trimmed().isEmpty() ? QStringLiteral("m") : units,
+                     Power::Length);
+}
+
+double ownLength(double length, const cs::CoordSystem* system, const QString& units) {
+    return length / namedLength(1.0, system, units);
+}
+
 } // namespace orvane::geometry

@@ -47,4 +47,12 @@ ORVANE_PLATFORM_EXPORT double cartesianObjectDistance(const Geometry& a, const G
 /// Spherical where the system of a is geographic (of b, where a has none), else in its plane.
 ORVANE_PLATFORM_EXPORT double distance(const Geometry& a, const Geometry& b, const QString& units);
 
+/// A length in named units, metres when they are empty, as the system has it: in metres where it is
+/// geographic, else in units of its plane; without a system these count as metres. Throws std::runtime_error
+/// for units that are unknown or without a meaning in the system.
+ORVANE_PLATFORM_EXPORT double ownLength(double length, const cs::CoordSystem* system, const QString& units);
+/// The other way round.
+ORVANE_PLATFORM_EXPORT double namedLength(double ownLength, const cs::CoordSystem* system,
+                                          const QString& units);
+
 } // namespace orvane::geometry

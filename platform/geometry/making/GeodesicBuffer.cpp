@@ -1,0 +1,484 @@
+#include "platform/geometry/making/GeodesicBuffer.h"
+
+#include "platform/geometry/making/GlobeArea.h"
+#include "platform/geometry/making/LocalPlane.h"
+#include "platform/geometry/measures/GeodesicPieces.h"
+#include "platform/geometry/shapes/Failure.h"
+#include "platform/geometry/shapes/Shapes.h"
+#include "platform/work/Cancellation.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <optional>
+#include <span>
+
+// An azimuthal equidistant plane shows distances from its middle as they are. From a position that is s away
+// from the middle it shows them wrong by about s^2 / (6 R^2) of them, however long they are. So what is
+// buffered is cut into groups of edges not larger than 100 km, each is buffered in a plane of its own, and
+// the buffers are united on the map: wrong by less than 2e-4 for distances of up to a quarter of the way
+// around.
+
+namespace orvane::geometry {
+
+namespace {
+
+constexpr double largestGroup = 100e3; // metres from its middle
+constexpr double longestEdge = 20e3;   // metres
+constexpr double shortestStep = 500.0; // metres
+constexpr std::size_t mostPositions = 2'000'000;
+
+/// Edges so short that, read as straight lines of the map, they leave the geodesic by less than a thousandth
+/// of the distance.
+double edgeLength(const GeographicShape& shape, double distance) {
+    return std::clamp(std::sqrt(8.0 * shape.equatorialRadius * std::abs(distance) / 1000.0), shortestStep,
+                      longestEdge);
+}
+
+/// Positions of a point, a line or a ring. The last of a ring is its first.
+struct Track {
+    std::vector<Position> positions;
+    bool isRing = false;
+
+    bool isPoint() const { return positions.size() == 1; }
+};
+
+class Tracks {
+public:
+    Tracks(const GeographicShape& shape, double longest) : shape_(shape), longest_(longest) {}
+
+    Track track(const CoordinateSequence& sequence, bool isRing) {
+        Track made{{}, isRing};
+        for (std::size_t i = 0; i < sequence.size(); ++i) {
+            append(made, positionAt(shape_, sequence.x(i), sequence.y(i)));
+        }
+        if (isRing && !made.positions.empty()) {
+            append(made, made.positions.front());
+        }
+        return made;
+    }
+
+private:
+    void append(Track& track, const Position& end) {
+        if (!track.positions.empty()) {
+            const Position begin = track.positions.back();
+            if (begin.vector == end.vector) {
+                return;
+            }
+            appendBetween(track, begin, end);
+        }
+        note(1);
+        track.positions.push_back(end);
+    }
+
+    void appendBetween(Track& track, const Position& begin, const Position& end) {
+        if (norm(end.vector - begin.vector) < longest_ * 0.99) {
+            return;
+        }
+        geod_geodesicline line;
+        const bool isFromPole = std::abs(begin.latitude) == 90.0; // which has every longitude
+        geod_inverseline(&line, &shape_.ellipsoid, begin.latitude,
+                         isFromPole ? end.longitude : begin.longitude, end.latitude, end.longitude, 0);
+        const auto count = static_cast<std::size_t>(std::ceil(line.s13 / longest_));
+        note(count);
+        double before = 0.0;
+        for (std::size_t i = 1; i < count; ++i) {
+            double latitude = 0.0;
+            double longitude = 0.0;
+            const double along = line.s13 * static_cast<double>(i) / static_cast<double>(count);
+            appendPole(track, line, before, along);
+            geod_position(&line, along, &latitude, &longitude, nullptr);
+            track.positions.push_back(positionAt(shape_, longitude, latitude));
+            before = along;
+        }
+        appendPole(track, line, before, line.s13);
+    }
+
+    /// Over a pole the longitude jumps by half a turn: the map needs to know where.
+    void appendPole(Track& track, const geod_geodesicline& line, double from, double to) const {
+        if (std::abs(line.salp1) > 1e-12 && std::abs(std::abs(line.azi1) - 180.0) > 1e-10) {
+            return;
+        }
+        double latitudes[3];
+        double longitudes[3];
+        const double along[3] = {from, (from + to) / 2.0, to};
+        for (int i = 0; i < 3; ++i) {
+            geod_position(&line, along[i], latitudes + i, longitudes + i, nullptr);
+        }
+        if (std::abs(std::remainder(longitudes[2] - longitudes[0], 360.0)) > 90.0 &&
+            std::abs(latitudes[0]) < 90.0 && std::abs(latitudes[2]) < 90.0) {
+            track.positions.push_back(positionAt(shape_, longitudes[0], std::copysign(90.0, latitudes[1])));
+        }
+    }
+
+    void note(std::size_t count) {
+        positions_ += count;
+        if (positions_ > mostPositions) {
+            throw failure(QT_TRANSLATE_NOOP("orvane::geometry", "Результат был бы слишком велик."));
+        }
+    }
+
+    const GeographicShape& shape_;
+    const double longest_;
+    std::size_t positions_ = 0;
+};
+
+/// What is buffered: points, lines, and areas of rings, the shell first.
+struct Figure {
+    std::vector<Track> tracks;
+    std::vector<std::vector<Track>> areas;
+};
+
+void gather(const Geometry& geometry, Tracks& tracks, Figure& figure) {
+    switch (geometry.type()) {
+    case GeometryType::Point:
+        if (!geometry.isEmpty()) {
+            const auto& point = static_cast<const Point&>(geometry);
+            figure.tracks.push_back(
+                tracks.track(CoordinateSequence(Dimensions::XY, std::span(point.ordinates(), 2)), false));
+        }
+        break;
+    case GeometryType::LineString:
+        if (!geometry.isEmpty()) {
+            figure.tracks.push_back(
+                tracks.track(static_cast<const LineString&>(geometry).coordinates(), false));
+        }
+        break;
+    case GeometryType::Polygon: {
+        std::vector<Track> area;
+        for (const CoordinateSequence& ring : static_cast<const Polygon&>(geometry).rings()) {
+            if (!ring.isEmpty()) {
+                area.push_back(tracks.track(ring, true));
+            }
+        }
+        if (!area.empty()) {
+            figure.areas.push_back(std::move(area));
+        }
+        break;
+    }
+    default:
+        for (const GeometryPtr& part : static_cast<const GeometryCollection&>(geometry).parts()) {
+            gather(*part, tracks, figure);
+        }
+    }
+}
+
+/// Where the map was cut along the 180th meridian: what both of its sides have there is no border.
+class Seam {
+public:
+    void add(const Track& ring) {
+        for (std::size_t i = 1; i < ring.positions.size(); ++i) {
+            if (const double side = sideOf(ring, i); side != 0.0) {
+                auto& spans = side > 0.0 ? east_ : west_;
+                spans.push_back(std::minmax(ring.positions[i - 1].latitude, ring.positions[i].latitude));
+            }
+        }
+    }
+    bool isEmpty() const { return east_.empty() || west_.empty(); }
+
+    bool holds(const Track& ring, std::size_t edge) const {
+        const double side = sideOf(ring, edge);
+        const auto& others = side > 0.0 ? west_ : east_;
+        const double middle = (ring.positions[edge - 1].latitude + ring.positions[edge].latitude) / 2.0;
+        return side != 0.0 && std::any_of(others.begin(), others.end(), [middle](const auto& span) {
+                   return span.first <= middle && middle <= span.second;
+               });
+    }
+
+private:
+    using Span = std::pair<double, double>;
+
+    /// 1 or -1 where the edge to a position lies on the meridian, else 0.
+    static double sideOf(const Track& ring, std::size_t edge) {
+        constexpr double rounding = 1e-9;
+        const Position& begin = ring.positions[edge - 1];
+        const Position& end = ring.positions[edge];
+        const double from = std::abs(begin.latitude) == 90.0 ? end.longitude : begin.longitude;
+        const double to = std::abs(end.latitude) == 90.0 ? from : end.longitude;
+        return std::abs(from - to) < rounding && std::abs(std::abs(from) - 180.0) < rounding
+                   ? std::copysign(1.0, from)
+                   : 0.0;
+    }
+
+    std::vector<Span> east_, west_;
+};
+
+/// The edge that ends at a position of a track, or the point that is one.
+struct Atom {
+    const Track* track;
+    std::size_t end;
+
+    const Position& last() const { return track->positions[end]; }
+    const Position& first() const { return track->positions[end == 0 ? 0 : end - 1]; }
+};
+
+class GeodesicBuffer {
+public:
+    GeodesicBuffer(const GeographicShape& shape, double distance, const BufferOptions& options)
+        : shape_(shape), distance_(distance), options_(options) {
+        Tracks tracks(shape, edgeLength(shape, distance));
+        gather(*shape.geometry, tracks, figure_);
+    }
+
+    GeosPtr run() {
+        Seam seam;
+        std::vector<Atom> atoms;
+        for (const Track& track : figure_.tracks) {
+            addAtoms(track, seam, atoms);
+        }
+        for (const auto& area : figure_.areas) {
+            for (const Track& ring : area) {
+                seam.add(ring);
+            }
+        }
+        const bool isCut = !seam.isEmpty();
+        for (const auto& area : figure_.areas) {
+            for (const Track& ring : area) {
+                addAtoms(ring, seam, atoms);
+            }
+        }
+        if (atoms.empty()) {
+            return checked(GEOSGeom_createEmptyPolygon_r(geosContext()));
+        }
+        if (!isCut && reach(atoms) <= largestGroup) {
+            return unitedAreas(one(onMap(wholeBuffer(LocalPlane(shape_, middle(atoms))))));
+        }
+        return distance_ < 0.0 ? shrunk(atoms) : grown(atoms);
+    }
+
+private:
+    static std::vector<GeosPtr> one(GeosPtr area) {
+        std::vector<GeosPtr> areas;
+        areas.push_back(std::move(area));
+        return areas;
+    }
+
+    static void addAtoms(const Track& track, const Seam& seam, std::vector<Atom>& atoms) {
+        if (track.isPoint()) {
+            atoms.push_back({&track, 0});
+        }
+        for (std::size_t i = 1; i < track.positions.size(); ++i) {
+            if (!track.isRing || !seam.holds(track, i)) {
+                atoms.push_back({&track, i});
+            }
+        }
+    }
+
+    struct Extent {
+        Vector least{INFINITY, INFINITY, INFINITY};
+        Vector most{-INFINITY, -INFINITY, -INFINITY};
+    };
+
+    static Extent extentOf(std::span<const Atom> atoms) {
+        Extent extent;
+        for (const Atom& atom : atoms) {
+            for (const Vector& vector : {atom.first().vector, atom.last().vector}) {
+                for (std::size_t i = 0; i < 3; ++i) {
+                    extent.least[i] = std::min(extent.least[i], vector[i]);
+                    extent.most[i] = std::max(extent.most[i], vector[i]);
+                }
+            }
+        }
+        return extent;
+    }
+    static double reach(std::span<const Atom> atoms) {
+        const Extent extent = extentOf(atoms);
+        return norm(extent.most - extent.least) / 2.0;
+    }
+    GlobePosition middle(std::span<const Atom> atoms) const {
+        const Extent extent = extentOf(atoms);
+        const Vector sum = extent.least + extent.most;
+        const double degrees = 180.0 / std::numbers::pi;
+        return {std::atan2(sum[1], sum[0]) * degrees,
+                std::atan2(sum[2], std::hypot(sum[0], sum[1]) * (1.0 - shape_.eccentricitySquared)) *
+                    degrees};
+    }
+
+    /// Of something small, rings and all.
+    GeosPtr wholeBuffer(LocalPlane plane) {
+        std::vector<GeosPtr> parts;
+        for (const Track& track : figure_.tracks) {
+            parts.push_back(plane.line(track.positions));
+        }
+        for (const auto& area : figure_.areas) {
+            std::vector<GeosPtr> rings;
+            for (const Track& ring : area) {
+                rings.push_back(plane.ring(ring.positions));
+            }
+            parts.push_back(LocalPlane::area(std::move(rings)));
+        }
+        return buffered(std::move(parts), std::move(plane), distance_);
+    }
+
+    GeosPtr buffered(std::vector<GeosPtr> parts, LocalPlane plane, double distance) {
+        plane_.emplace(std::move(plane));
+        return planarBuffer(collectionOf(GEOS_GEOMETRYCOLLECTION, std::move(parts)).get(), distance,
+                            options_);
+    }
+
+    /// The area in the plane that was used last, on the map.
+    GeosPtr onMap(const GeosPtr& area) {
+        return plane_->onMap(area.get(), std::max(longestEdge, std::abs(distance_) / 8.0));
+    }
+
+    GeosPtr grown(std::vector<Atom>& atoms) {
+        std::vector<GeosPtr> areas;
+        for (const auto& area : figure_.areas) {
+            areas.push_back(areaOf(area));
+        }
+        bufferGroups(atoms, distance_, areas);
+        return unitedAreas(std::move(areas));
+    }
+
+    GeosPtr shrunk(std::vector<Atom>& atoms) {
+        std::vector<GeosPtr> areas;
+        for (const auto& area : figure_.areas) {
+            areas.push_back(areaOf(area));
+        }
+        const GeosPtr whole = unitedAreas(std::move(areas));
+        std::vector<GeosPtr> borders;
+        std::erase_if(atoms, [](const Atom& atom) { return !atom.track->isRing; });
+        bufferGroups(atoms, -distance_, borders);
+        return checked(GEOSDifference_r(geosContext(), whole.get(), unitedAreas(std::move(borders)).get()));
+    }
+
+    /// Of rings that each bound the smaller of their two areas.
+    GeosPtr areaOf(const std::vector<Track>& rings) {
+        GeosPtr shell = areaWithin(rings.front());
+        for (std::size_t i = 1; i < rings.size(); ++i) {
+            shell = checked(GEOSDifference_r(geosContext(), shell.get(), areaWithin(rings[i]).get()));
+        }
+        return shell;
+    }
+
+    GeosPtr areaWithin(const Track& track) {
+        GlobeRing ring;
+        geod_polygon polygon;
+        geod_polygon_init(&polygon, 0);
+        for (std::size_t i = 0; i + 1 < track.positions.size(); ++i) {
+            const Position& position = track.positions[i];
+            ring.push_back({position.longitude, position.latitude});
+            geod_polygon_addpoint(&shape_.ellipsoid, &polygon, position.latitude, position.longitude);
+        }
+        double area = 0.0;
+        geod_polygon_compute(&shape_.ellipsoid, &polygon, 0, 1, &area, nullptr);
+        if (area < 0.0) {
+            std::reverse(ring.begin(), ring.end());
+        }
+        return globeAreaLeftOf(ring);
+    }
+
+    void bufferGroups(std::span<Atom> atoms, double distance, std::vector<GeosPtr>& areas) {
+        cancellation_.check();
+        if (atoms.empty()) {
+            return;
+        }
+        const Extent extent = extentOf(atoms);
+        const Vector sides = extent.most - extent.least;
+        if (norm(sides) / 2.0 <= largestGroup || atoms.size() == 1) {
+            areas.push_back(onMap(bufferGroup(atoms, distance)));
+            return;
+        }
+        const auto axis =
+            static_cast<std::size_t>(std::max_element(sides.begin(), sides.end()) - sides.begin());
+        const auto half = static_cast<std::ptrdiff_t>(atoms.size() / 2);
+        std::nth_element(atoms.begin(), atoms.begin() + half, atoms.end(),
+                         [axis](const Atom& a, const Atom& b) {
+                             return a.first().vector[axis] + a.last().vector[axis] <
+                                    b.first().vector[axis] + b.last().vector[axis];
+                         });
+        bufferGroups(atoms.first(static_cast<std::size_t>(half)), distance, areas);
+        bufferGroups(atoms.subspan(static_cast<std::size_t>(half)), distance, areas);
+    }
+
+    /// Edges that follow each other are one line, which goes an edge farther on both sides: so the joins at
+    /// its ends, and what its caps leave out, are in the buffers of both groups.
+    GeosPtr bufferGroup(std::span<Atom> atoms, double distance) {
+        LocalPlane plane(shape_, middle(atoms));
+        std::sort(atoms.begin(), atoms.end(), [](const Atom& a, const Atom& b) {
+            return a.track != b.track ? a.track < b.track : a.end < b.end;
+        });
+        std::vector<GeosPtr> lines;
+        for (std::size_t first = 0; first < atoms.size();) {
+            std::size_t next = first + 1;
+            while (next < atoms.size() && atoms[next].track == atoms[first].track &&
+                   atoms[next].end == atoms[next - 1].end + 1) {
+                ++next;
+            }
+            lines.push_back(
+                plane.line(withNeighbours(*atoms[first].track, atoms[first].end, atoms[next - 1].end)));
+            first = next;
+        }
+        return buffered(std::move(lines), std::move(plane), distance);
+    }
+
+    static std::vector<Position> withNeighbours(const Track& track, std::size_t first, std::size_t last) {
+        const auto& all = track.positions;
+        if (track.isPoint()) {
+            return all;
+        }
+        std::vector<Position> line;
+        const std::size_t begin = first - 1;
+        if (begin > 0 || track.isRing) {
+            line.push_back(begin > 0 ? all[begin - 1] : all[all.size() - 2]);
+        }
+        line.insert(line.end(), all.begin() + static_cast<std::ptrdiff_t>(begin),
+                    all.begin() + static_cast<std::ptrdiff_t>(last) + 1);
+        if (last + 1 < all.size() || track.isRing) {
+            line.push_back(last + 1 < all.size() ? all[last + 1] : all[1]);
+        }
+        return line;
+    }
+
+    const GeographicShape& shape_;
+    const double distance_;
+    const BufferOptions options_;
+    const work::Cancellation cancellation_;
+    Figure figure_;
+    std::optional<LocalPlane> plane_;
+};
+
+struct ParametersDeleter {
+    void operator()(GEOSBufferParams* parameters) const {
+        GEOSBufferParams_destroy_r(geosContext(), parameters);
+    }
+};
+
+} // namespace
+
+GeosPtr geodesicBuffer(const GeographicShape& shape, double distance, const BufferOptions& options) {
+    constexpr double quarter = 10'000e3; // metres, of the way around the Earth
+    const double most = quarter * shape.equatorialRadius / 6378137.0;
+    if (std::abs(distance) > most) {
+        throw failure(
+            QT_TRANSLATE_NOOP("orvane::geometry", "Расстояние на эллипсоиде не может быть больше %0 м."),
+            QString::number(most, 'f', 0));
+    }
+    return GeodesicBuffer(shape, distance, options).run();
+}
+
+GeosPtr planarBuffer(const GEOSGeometry* geometry, double distance, const BufferOptions& options) {
+    const auto context = geosContext();
+    const std::unique_ptr<GEOSBufferParams, ParametersDeleter> parameters(GEOSBufferParams_create_r(context));
+    if (!parameters) {
+        throwGeosError();
+    }
+    using Cap = BufferOptions::Cap;
+    using Join = BufferOptions::Join;
+    using Side = BufferOptions::Side;
+    GEOSBufferParams_setQuadrantSegments_r(context, parameters.get(), options.quadrantSegments);
+    GEOSBufferParams_setEndCapStyle_r(context, parameters.get(),
+                                      options.cap == Cap::Round  ? GEOSBUF_CAP_ROUND
+                                      : options.cap == Cap::Flat ? GEOSBUF_CAP_FLAT
+                                                                 : GEOSBUF_CAP_SQUARE);
+    GEOSBufferParams_setJoinStyle_r(context, parameters.get(),
+                                    options.join == Join::Round   ? GEOSBUF_JOIN_ROUND
+                                    : options.join == Join::Mitre ? GEOSBUF_JOIN_MITRE
+                                                                  : GEOSBUF_JOIN_BEVEL);
+    GEOSBufferParams_setMitreLimit_r(context, parameters.get(), options.mitreLimit);
+    GEOSBufferParams_setSingleSided_r(context, parameters.get(), options.side != Side::Both);
+    return checked(GEOSBufferWithParams_r(context, geometry, parameters.get(),
+                                          options.side == Side::Right ? -distance : distance));
+}
+
+} // namespace orvane::geometry

@@ -1,0 +1,177 @@
+#include "platform/geometry/making/GlobeArea.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace orvane::geometry {
+
+namespace {
+
+constexpr double edge = 180.0;
+constexpr double turnAround = 360.0;
+constexpr double pole = 90.0;
+constexpr double rounding = 1e-9; // degrees
+
+double turn(double from, double to) {
+    return std::remainder(to - from, turnAround);
+}
+
+bool isPole(const GlobePosition& position) {
+    return std::abs(position.latitude) >= pole - 1e-11;
+}
+
+/// Positions on the map, x then y, with longitudes that go on beyond 180 degrees.
+class Unrolled {
+public:
+    explicit Unrolled(const GlobeRing& ring) {
+        values_.reserve(2 * ring.size() + 8);
+        for (std::size_t i = 0; i < ring.size(); ++i) {
+            if (isPole(ring[i])) {
+                // A pole has every longitude: from that of the position before to that of the next.
+                const double latitude = std::copysign(pole, ring[i].latitude);
+                add(beside(ring, i, ring.size() - 1), latitude);
+                add(beside(ring, i, 1), latitude);
+            } else {
+                add(ring[i].longitude, ring[i].latitude);
+            }
+        }
+        close();
+    }
+
+    /// Anticlockwise, so that what is inside lies to the left.
+    bool isPositive() const {
+        double area = 0.0;
+        for (std::size_t i = 2; i < values_.size(); i += 2) {
+            area += (values_[i - 2] - values_[0]) * (values_[i + 1] - values_[1]) -
+                    (values_[i] - values_[0]) * (values_[i - 1] - values_[1]);
+        }
+        return area > 0.0;
+    }
+
+    double west() const { return west_; }
+    double east() const { return east_; }
+
+    GeosPtr area(double shift) const {
+        std::vector<double> moved(values_);
+        for (std::size_t i = 0; i < moved.size(); i += 2) {
+            moved[i] += shift;
+            moved[i] =
+                std::abs(std::abs(moved[i]) - edge) < rounding ? std::copysign(edge, moved[i]) : moved[i];
+        }
+        GEOSCoordSequence* const sequence = GEOSCoordSeq_copyFromBuffer_r(
+            geosContext(), moved.data(), static_cast<unsigned>(moved.size() / 2), 0, 0);
+        GeosPtr ring = checked(sequence ? GEOSGeom_createLinearRing_r(geosContext(), sequence) : nullptr);
+        GeosPtr area = checked(GEOSGeom_createPolygon_r(geosContext(), ring.release(), nullptr, 0));
+        return GEOSisValid_r(geosContext(), area.get()) == 1
+                   ? std::move(area)
+                   : checked(GEOSMakeValid_r(geosContext(), area.get()));
+    }
+
+private:
+    static double beside(const GlobeRing& ring, std::size_t position, std::size_t step) {
+        for (std::size_t i = 0, at = position; i < ring.size(); ++i) {
+            at = (at + step) % ring.size();
+            if (!isPole(ring[at])) {
+                return ring[at].longitude;
+            }
+        }
+        return 0.0;
+    }
+
+    void add(double longitude, double latitude) {
+        x_ = values_.empty() ? std::remainder(longitude, turnAround) : x_ + turn(x_, longitude);
+        append(x_, latitude);
+    }
+
+    void append(double x, double y) {
+        values_.insert(values_.end(), {x, y});
+        west_ = std::min(west_, x);
+        east_ = std::max(east_, x);
+    }
+
+    /// A ring around a pole goes on along the border of the map.
+    void close() {
+        const double x = values_[0];
+        const double y = values_[1];
+        x_ += turn(x_, x);
+        append(x_, y);
+        if (std::abs(x_ - x) > edge) {
+            const double border = x_ > x ? pole : -pole;
+            append(x_, border);
+            append(x, border);
+            append(x, y);
+        } else {
+            values_[values_.size() - 2] = x;
+        }
+        while (values_.size() < 8) {
+            append(x, y);
+        }
+    }
+
+    std::vector<double> values_;
+    double x_ = 0.0;
+    double west_ = INFINITY, east_ = -INFINITY;
+};
+
+GeosPtr rectangle(double west, double east) {
+    const std::array<double, 10> corners{west, -pole, east, -pole, east, pole, west, pole, west, -pole};
+    GEOSCoordSequence* const sequence = GEOSCoordSeq_copyFromBuffer_r(geosContext(), corners.data(), 5, 0, 0);
+    GeosPtr ring = checked(sequence ? GEOSGeom_createLinearRing_r(geosContext(), sequence) : nullptr);
+    return checked(GEOSGeom_createPolygon_r(geosContext(), ring.release(), nullptr, 0));
+}
+
+void gatherAreas(GeosPtr geometry, std::vector<GeosPtr>& areas) {
+    const int kind = GEOSGeomTypeId_r(geosContext(), geometry.get());
+    if (kind == GEOS_POLYGON) {
+        if (GEOSisEmpty_r(geosContext(), geometry.get()) == 0) {
+            areas.push_back(std::move(geometry));
+        }
+    } else if (kind >= GEOS_MULTIPOINT) {
+        const int count = GEOSGetNumGeometries_r(geosContext(), geometry.get());
+        for (int i = 0; i < count; ++i) {
+            gatherAreas(checked(GEOSGeom_clone_r(geosContext(),
+                                                 GEOSGetGeometryN_r(geosContext(), geometry.get(), i))),
+                        areas);
+        }
+    }
+}
+
+} // namespace
+
+GeosPtr globeAreaLeftOf(const GlobeRing& ring) {
+    if (ring.size() < 3) {
+        return checked(GEOSGeom_createEmptyPolygon_r(geosContext()));
+    }
+    const Unrolled unrolled(ring);
+    std::vector<GeosPtr> parts;
+    const double first = -turnAround * std::floor((unrolled.west() + edge + rounding) / turnAround);
+    for (double shift = first; unrolled.east() + shift > -edge + rounding; shift -= turnAround) {
+        GeosPtr area = unrolled.area(shift);
+        const bool isWithin =
+            unrolled.west() + shift >= -edge - rounding && unrolled.east() + shift <= edge + rounding;
+        parts.push_back(
+            isWithin ? std::move(area)
+                     : checked(GEOSIntersection_r(geosContext(), area.get(), rectangle(-edge, edge).get())));
+    }
+    GeosPtr area = unitedAreas(std::move(parts));
+    return unrolled.isPositive()
+               ? std::move(area)
+               : checked(GEOSDifference_r(geosContext(), rectangle(-edge, edge).get(), area.get()));
+}
+
+GeosPtr unitedAreas(std::vector<GeosPtr> areas) {
+    std::vector<GeosPtr> gathered;
+    for (GeosPtr& area : areas) {
+        gatherAreas(std::move(area), gathered);
+    }
+    if (gathered.size() == 1) {
+        return std::move(gathered.front());
+    }
+    const GeosPtr all = collectionOf(GEOS_GEOMETRYCOLLECTION, std::move(gathered));
+    return GEOSisEmpty_r(geosContext(), all.get()) != 0
+               ? checked(GEOSGeom_createEmptyPolygon_r(geosContext()))
+               : checked(GEOSUnaryUnion_r(geosContext(), all.get()));
+}
+
+} // namespace orvane::geometry
