@@ -83,7 +83,7 @@ std::string ConditionGenerator::list(bool texts) {
 std::string ConditionGenerator::relation(const std::string& alias) {
     const std::string point =
         "MakePoint(" + std::to_string(below(12)) + ", " + std::to_string(below(12)) + ", 4326)";
-    const std::string area = "Buffer(" + point + ", " + std::to_string(1 + below(4)) + ')';
+    const std::string area = "Buffer(" + point + ", " + std::to_string(1 + below(4)) + "00, 'km')";
     return alias + ".obj" + oneOf({" Intersects ", " Within ", " Entirely Within ", " Partly Within "}) +
            area;
 }

@@ -65,7 +65,7 @@ constexpr const char* statements[] = {
     "Select Count(*) From cities c, countries k Where c.obj Within k.obj And k.pop < -1",
     "Select Count(*) From countries a, countries b Where a.obj Intersects b.obj And a.pop < -1",
     "Select Count(*) From countries a, countries b Where Distance(a.obj, b.obj) < 0",
-    "Select ST_Area(ST_Union(Buffer(c.obj, 2))) From cities c, cities d",
+    "Select ST_Area(ST_Union(Buffer(c.obj, 200, 'km'))) From cities c, cities d",
     "Select Area(ConvexHull(Collect(c.obj))) From cities c, numbers d",
     "Select Count(Distinct a.s & b.s) From numbers a, numbers b",
     "Select Max(UCase(a.s) & Format(b.n, '#,##0')) From numbers a, numbers b",
