@@ -4,7 +4,7 @@
 #include "engine/geometry/GatheredParts.h"
 #include "platform/cs/CoordSystem.h"
 #include "platform/geometry/forms/GeometryFactory.h"
-#include "platform/geometry/relations/Overlay.h"
+#include "platform/geometry/overlay/Overlay.h"
 #include "platform/geometry/shapes/Curves.h"
 #include <orvane/engine/EngineCache.h>
 #include <orvane/engine/GeometryConversions.h>

@@ -29,9 +29,10 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/// SpatiaLite has no form for what is empty.
 bool fitsSpatialite(const geometry::Geometry& geometry) {
     const auto coordSystem = geometry.coordSystem();
-    return (!coordSystem || coordSystem->epsg() != 0) && !geometry::isCurved(geometry);
+    return (!coordSystem || coordSystem->epsg() != 0) && !geometry.isEmpty() && !geometry::isCurved(geometry);
 }
 
 } // namespace

@@ -123,7 +123,9 @@ GeosPtr toGeosUnchecked(const Geometry& geometry) {
     }
     std::vector<GeosPtr> parts;
     for (const GeometryPtr& part : static_cast<const GeometryCollection&>(geometry).parts()) {
-        parts.push_back(toGeosUnchecked(*part));
+        if (!part->isEmpty()) {
+            parts.push_back(toGeosUnchecked(*part));
+        }
     }
     int kind = GEOS_GEOMETRYCOLLECTION;
     if (geometry.type() == GeometryType::MultiPoint) {

@@ -29,8 +29,9 @@ GeosPtr checked(GEOSGeometry* geometry);
 GeosPtr collectionOf(int kind, std::vector<GeosPtr> parts);
 
 /// Curves are made linear, open rings are closed and too short ones filled up with their last position, so
-/// that every shape with finite coordinates has a form. Null when a coordinate is not finite. Throws
-/// std::runtime_error when GEOS fails.
+/// that every shape with finite coordinates has a form. Parts that are empty, at which some algorithms of
+/// GEOS read what is not there, are left out. Null when a coordinate is not finite. Throws std::runtime_error
+/// when GEOS fails.
 GeosPtr toGeos(const Geometry& geometry);
 /// z is kept, m is not (GEOS has none). Throws std::runtime_error.
 std::shared_ptr<Geometry> fromGeos(const GEOSGeometry* geos);

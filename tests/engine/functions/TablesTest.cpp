@@ -41,7 +41,8 @@ TEST_P(TablesTest, EveryLineHolds) {
 INSTANTIATE_TEST_SUITE_P(Functions, TablesTest,
                          testing::Combine(testing::Values("functions/arithmetic.txt", "functions/text.txt",
                                                           "functions/dates.txt", "functions/formats.txt",
-                                                          "functions/geometry.txt", "functions/making.txt"),
+                                                          "functions/geometry.txt", "functions/making.txt",
+                                                          "functions/overlay.txt"),
                                           testing::ValuesIn(zones)));
 
 } // namespace

@@ -1,0 +1,1 @@
+#include <orvane/engine/functions/GeometryShaping.h>
