@@ -708,6 +708,90 @@
         <source>Одна сторона (side) есть только у линий.</source>
         <translation>Only lines have a single side.</translation>
     </message>
+    <message>
+        <source>знак %0: %1.</source>
+        <translation>character %0: %1.</translation>
+    </message>
+    <message>
+        <source>нужна «(» или EMPTY</source>
+        <translation>expected &quot;(&quot; or EMPTY</translation>
+    </message>
+    <message>
+        <source>нужна «,» или «)»</source>
+        <translation>expected &quot;,&quot; or &quot;)&quot;</translation>
+    </message>
+    <message>
+        <source>нужен вид геометрии</source>
+        <translation>expected a kind of geometry</translation>
+    </message>
+    <message>
+        <source>нужно число</source>
+        <translation>expected a number</translation>
+    </message>
+    <message>
+        <source>за геометрией есть ещё текст</source>
+        <translation>there is more text after the geometry</translation>
+    </message>
+    <message>
+        <source>у положения не столько чисел, сколько у других</source>
+        <translation>the position has not as many numbers as others</translation>
+    </message>
+    <message>
+        <source>кольцо не замкнуто</source>
+        <translation>the ring is not closed</translation>
+    </message>
+    <message>
+        <source>геометрии вложены слишком глубоко</source>
+        <translation>geometries are nested too deep</translation>
+    </message>
+    <message>
+        <source>у дуг нечётное число положений, от трёх</source>
+        <translation>arcs take an odd number of positions, three at least</translation>
+    </message>
+    <message>
+        <source>часть другого вида, чем должна быть</source>
+        <translation>a part of another kind than it has to be</translation>
+    </message>
+    <message>
+        <source>нет координатной системы с таким кодом</source>
+        <translation>there is no coordinate system of this code</translation>
+    </message>
+    <message>
+        <source>это не GeoJSON: %0.</source>
+        <translation>this is no GeoJSON: %0.</translation>
+    </message>
+    <message>
+        <source>нужен список координат</source>
+        <translation>expected a list of coordinates</translation>
+    </message>
+    <message>
+        <source>у положения не меньше двух чисел</source>
+        <translation>a position has two numbers at least</translation>
+    </message>
+    <message>
+        <source>координата не число</source>
+        <translation>a coordinate is no number</translation>
+    </message>
+    <message>
+        <source>неизвестная координатная система</source>
+        <translation>unknown coordinate system</translation>
+    </message>
+    <message>
+        <source>слишком длинный текст</source>
+        <translation>the text is too long</translation>
+    </message>
+    <message>
+        <source>нужна известная координатная система</source>
+        <translation>expected a known coordinate system</translation>
+    </message>
+    <message>
+        <source>нужна геометрия вида %0, а не %1.</source>
+        <translation>expected a geometry of kind %0, not %1.</translation>
+    </message>
+    <message>
+        <source>геометрия не имеет места в WGS 84</source>
+        <translation>the geometry has no place in WGS 84</translation>
+    </message>
 </context>
 <context>
     <name>orvane::shell::Shell</name>

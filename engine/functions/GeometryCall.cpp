@@ -1,5 +1,6 @@
 #include "GeometryCall.h"
 
+#include "PreparedArgument.h"
 #include "RecentGeometries.h"
 #include "platform/cs/CoordSystem.h"
 #include "platform/geometry/shapes/Curves.h"
@@ -9,7 +10,9 @@
 #include <orvane/engine/GeometryConversions.h>
 #include <orvane/engine/functions/Converters.h>
 
+#include <algorithm>
 #include <cmath>
+#include <limits>
 #include <stdexcept>
 #include <string>
 
@@ -29,10 +32,34 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// SpatiaLite has no form for what is empty.
+/// As a part of a SpatiaLite blob, or as its only one.
+bool fitsAsPart(const geometry::Geometry& part) {
+    using geometry::GeometryType;
+    return part.type() < GeometryType::Polygon ||
+           (part.type() == GeometryType::Polygon &&
+            !static_cast<const geometry::Polygon&>(part).rings().empty());
+}
+
+/// Linear, with a code or without a system, and of parts that the blob tells apart and keeps in their order:
+/// points, lines, polygons, all of the dimensions of the whole. It has no form for what is empty.
 bool fitsSpatialite(const geometry::Geometry& geometry) {
-    const auto coordSystem = geometry.coordSystem();
-    return (!coordSystem || coordSystem->epsg() != 0) && !geometry.isEmpty() && !geometry::isCurved(geometry);
+    if (const auto coordSystem = geometry.coordSystem();
+        (coordSystem && coordSystem->epsg() == 0) || geometry.isEmpty()) {
+        return false;
+    }
+    if (geometry.type() < geometry::GeometryType::MultiPoint) {
+        return fitsAsPart(geometry);
+    }
+    if (geometry.type() > geometry::GeometryType::GeometryCollection) {
+        return false;
+    }
+    const auto& parts = static_cast<const geometry::GeometryCollection&>(geometry).parts();
+    const auto fits = [&](const GeometryPtr& part) {
+        return part->dimensions() == geometry.dimensions() && fitsAsPart(*part);
+    };
+    return !parts.empty() && std::all_of(parts.begin(), parts.end(), fits) &&
+           std::is_sorted(parts.begin(), parts.end(),
+                          [](const GeometryPtr& a, const GeometryPtr& b) { return a->type() < b->type(); });
 }
 
 } // namespace
@@ -97,6 +124,37 @@ QString GeometryCall::text(int position) const {
     return toQString(values_[position]);
 }
 
+std::string_view GeometryCall::utf8(int position) const {
+    if (sqlite3_value_type(values_[position]) != SQLITE_TEXT) {
+        reject(position, textExpected);
+    }
+    const auto* bytes = reinterpret_cast<const char*>(sqlite3_value_text(values_[position]));
+    return {bytes, bytes ? static_cast<std::size_t>(sqlite3_value_bytes(values_[position])) : 0};
+}
+
+std::shared_ptr<cs::CoordSystem> GeometryCall::coordSystem(int position) const {
+    if (!isGiven(position)) {
+        return nullptr;
+    }
+    std::shared_ptr<cs::CoordSystem> system;
+    if (sqlite3_value_type(values_[position]) == SQLITE_TEXT) {
+        withPrepared<std::shared_ptr<cs::CoordSystem>>(
+            context_, position, [](const auto&) { return true; }, [&] { return toCS(values_[position]); },
+            [&system](const auto& prepared) { system = prepared; });
+    } else if (const std::int64_t code = integer(position); code <= 0) {
+        return nullptr;
+    } else if (code <= std::numeric_limits<int>::max()) {
+        system = cache().get(static_cast<int>(code));
+    }
+    if (!system) {
+        reject(position, QT_TRANSLATE_NOOP("orvane::geometry", "нужна известная координатная система"));
+    }
+    if (system->epsg() != 0) {
+        cache().save(system->epsg(), system);
+    }
+    return system;
+}
+
 std::string_view GeometryCall::blob(int position) const {
     if (sqlite3_value_type(values_[position]) != SQLITE_BLOB) {
         reject(position, blobExpected);
@@ -139,6 +197,10 @@ void GeometryCall::give(const QString& text) const {
     if (!text.isNull()) {
         sqlite3_result_text16(context_, text.utf16(), text.size() * int{sizeof(QChar)}, SQLITE_TRANSIENT);
     }
+}
+
+void GeometryCall::give(const std::string& text) const {
+    sqlite3_result_text64(context_, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
 }
 
 void GeometryCall::give(const QByteArray& blob) const {

@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace orvane::engine {
@@ -53,7 +54,12 @@ public:
     }
     /// Null where it is not given.
     QString text(int position) const;
+    /// The same as its bytes.
+    std::string_view utf8(int position) const;
     std::string_view blob(int position) const;
+    /// By EPSG code or as a text (cs::CoordSysFactory); null where it is not given, and for codes of 0 and
+    /// below.
+    std::shared_ptr<cs::CoordSystem> coordSystem(int position) const;
 
     /// Throws std::runtime_error: what the argument has to be, a text marked with
     /// QT_TRANSLATE_NOOP("orvane::geometry", ...) that reads on from a colon.
@@ -69,6 +75,8 @@ public:
     void give(int value) const { sqlite3_result_int(context_, value); }
     void give(std::int64_t value) const { sqlite3_result_int64(context_, value); }
     void give(const QString& text) const;
+    /// In UTF-8.
+    void give(const std::string& text) const;
     void give(const QByteArray& blob) const;
     /// NULL for none.
     template<typename Value>

@@ -78,7 +78,11 @@ std::shared_ptr<const geometry::Geometry> fromPlainBinary(std::string_view bytes
     }
 }
 
-QByteArray toGaia(const std::shared_ptr<const geometry::Geometry>& geometry, EngineCache* cache) {
+namespace {
+
+/// `isWhole`: the blob says of the geometry all there is, in the same words.
+QByteArray gaiaBlob(const std::shared_ptr<const geometry::Geometry>& geometry, EngineCache* cache,
+                    bool& isWhole) {
     const std::shared_ptr<const geometry::Geometry> linear = geometry::linearized(geometry);
     if (!linear) {
         return QByteArray();
@@ -90,7 +94,10 @@ QByteArray toGaia(const std::shared_ptr<const geometry::Geometry>& geometry, Eng
         cache->save(srid, coordSystem);
     }
     std::string blob;
+    isWhole = linear == geometry && linear->type() != geometry::GeometryType::GeometryCollection &&
+              (!coordSystem || srid != 0);
     if (!appendSpatialiteBlob(view(wkb), srid, blob)) {
+        isWhole = false;
         // Parts with parts or of other dimensions than the whole: the parts side by side, none that is empty.
         GatheredParts parts;
         parts.add(*linear);
@@ -99,15 +106,23 @@ QByteArray toGaia(const std::shared_ptr<const geometry::Geometry>& geometry, Eng
     return toByteArray(blob);
 }
 
+} // namespace
+
+QByteArray toGaia(const std::shared_ptr<const geometry::Geometry>& geometry, EngineCache* cache) {
+    bool isWhole = false;
+    return gaiaBlob(geometry, cache, isWhole);
+}
+
 void toGaia(const std::shared_ptr<const geometry::Geometry>& geometry, sqlite3_context* context,
             EngineCache* cache) {
-    const QByteArray blob = toGaia(geometry, cache);
+    bool isWhole = false;
+    const QByteArray blob = gaiaBlob(geometry, cache, isWhole);
     if (blob.isEmpty()) {
         sqlite3_result_null(context);
         return;
     }
     resultBlob(context, blob);
-    if (cache) {
+    if (cache && isWhole) {
         cache->save(blob.constData(), static_cast<unsigned int>(blob.size()), geometry);
     }
 }

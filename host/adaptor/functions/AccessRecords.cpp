@@ -1,9 +1,206 @@
 #include "host/adaptor/functions/ScalarRecord.h"
 
+#include <orvane/engine/functions/GeometryAccess.h>
+
 namespace orvane::adaptor {
 
+namespace {
+
+constexpr const char* accessors = "Accessors";
+
+constexpr FunctionRecord records[] = {
+    alsoNamed("ST_X",
+              pureFunction("X", accessors, Arity::exactly(1), engine::pointX,
+                           {"X(obj)", "The x of a point; NULL for an empty point and for what is no point.",
+                            "X(MakePoint(1, 2))", "1"})),
+    alsoNamed("ST_Y",
+              pureFunction("Y", accessors, Arity::exactly(1), engine::pointY,
+                           {"Y(obj)", "The y of a point; NULL for an empty point and for what is no point.",
+                            "Y(MakePoint(1, 2))", "2"})),
+    alsoNamed("ST_Z", pureFunction("Z", accessors, Arity::exactly(1), engine::pointZ,
+                                   {"Z(obj)", "The z of a point; NULL without one, and for what is no point.",
+                                    "Z(MakePointZ(1, 2, 3))", "3"})),
+    alsoNamed("ST_M", pureFunction("M", accessors, Arity::exactly(1), engine::pointM,
+                                   {"M(obj)", "The m of a point; NULL without one, and for what is no point.",
+                                    "M(MakePointM(1, 2, 3))", "3"})),
+    alsoNamed("ST_MinX", pureFunction("MbrMinX", accessors, Arity::exactly(1), engine::minimumX,
+                                      {"MbrMinX(obj)",
+                                       "The least x of the object's bounding box; NULL for an empty object.",
+                                       "MbrMinX(GeomFromText('LINESTRING(1 2,3 4,5 6)'))", "1"})),
+    alsoNamed("ST_MinY", pureFunction("MbrMinY", accessors, Arity::exactly(1), engine::minimumY,
+                                      {"MbrMinY(obj)",
+                                       "The least y of the object's bounding box; NULL for an empty object.",
+                                       "MbrMinY(GeomFromText('LINESTRING(1 2,3 4,5 6)'))", "2"})),
+    pureFunction("ST_MinZ", accessors, Arity::between(1, 2), engine::minimumZ,
+                 {"ST_MinZ(obj [, left out])",
+                  "The least z of all positions, but for a value that is left out; NULL where there is none.",
+                  "ST_MinZ(GeomFromText('LINESTRING ZM(1 2 3 4,5 6 7 8)'))", "3"}),
+    pureFunction("ST_MinM", accessors, Arity::between(1, 2), engine::minimumM,
+                 {"ST_MinM(obj [, left out])",
+                  "The least m of all positions, but for a value that is left out; NULL where there is none.",
+                  "ST_MinM(GeomFromText('LINESTRING ZM(1 2 3 4,5 6 7 8)'))", "4"}),
+    alsoNamed("ST_MaxX",
+              pureFunction("MbrMaxX", accessors, Arity::exactly(1), engine::maximumX,
+                           {"MbrMaxX(obj)",
+                            "The greatest x of the object's bounding box; NULL for an empty object.",
+                            "MbrMaxX(GeomFromText('LINESTRING(1 2,3 4,5 6)'))", "5"})),
+    alsoNamed("ST_MaxY",
+              pureFunction("MbrMaxY", accessors, Arity::exactly(1), engine::maximumY,
+                           {"MbrMaxY(obj)",
+                            "The greatest y of the object's bounding box; NULL for an empty object.",
+                            "MbrMaxY(GeomFromText('LINESTRING(1 2,3 4,5 6)'))", "6"})),
+    pureFunction(
+        "ST_MaxZ", accessors, Arity::between(1, 2), engine::maximumZ,
+        {"ST_MaxZ(obj [, left out])",
+         "The greatest z of all positions, but for a value that is left out; NULL where there is none.",
+         "ST_MaxZ(GeomFromText('LINESTRING ZM(1 2 3 4,5 6 7 8)'))", "7"}),
+    pureFunction(
+        "ST_MaxM", accessors, Arity::between(1, 2), engine::maximumM,
+        {"ST_MaxM(obj [, left out])",
+         "The greatest m of all positions, but for a value that is left out; NULL where there is none.",
+         "ST_MaxM(GeomFromText('LINESTRING ZM(1 2 3 4,5 6 7 8)'))", "8"}),
+    alsoNamed("ST_NumPoints",
+              pureFunction("NumPoints", accessors, Arity::exactly(1), engine::lineSize,
+                           {"NumPoints(obj)", "The number of positions of a line; NULL for what is no line.",
+                            "NumPoints(GeomFromText('LINESTRING(1 2,3 4,5 6)'))", "3"})),
+    pureFunction("ST_NPoints", accessors, Arity::exactly(1), engine::positionCount,
+                 {"ST_NPoints(obj)", "The number of positions of the object and all its parts.",
+                  "ST_NPoints(GeomFromText('POLYGON((0 0,9 0,9 9,0 9,0 0),(1 1,2 1,2 2,1 1))'))", "9"}),
+    alsoNamed("ST_NumGeometries",
+              pureFunction("NumGeometries", accessors, Arity::exactly(1), engine::partCount,
+                           {"NumGeometries(obj)",
+                            "The number of parts of a collection; 1 for others, 0 for an empty object.",
+                            "NumGeometries(GeomFromText('MULTIPOINT(1 2,3 4)'))", "2"})),
+    pureFunction("ST_NRings", accessors, Arity::exactly(1), engine::ringCount,
+                 {"ST_NRings(obj)", "The number of rings of all polygons in the object.",
+                  "ST_NRings(GeomFromText('POLYGON((0 0,9 0,9 9,0 9,0 0),(1 1,2 1,2 2,1 1))'))", "2"}),
+    alsoNamed(
+        {"NumInteriorRing", "ST_NumInteriorRing"},
+        pureFunction(
+            "NumInteriorRings", accessors, Arity::exactly(1), engine::interiorRingCount,
+            {"NumInteriorRings(obj)", "The number of holes of a polygon; NULL for what is no polygon.",
+             "NumInteriorRings(GeomFromText('POLYGON((0 0,9 0,9 9,0 9,0 0),(1 1,2 1,2 2,1 1))'))", "1"})),
+    alsoNamed(
+        "ST_GeometryN",
+        pureFunction(
+            "GeometryN", accessors, Arity::exactly(2), engine::partAt,
+            {"GeometryN(obj, n)",
+             "The n-th part of a collection, from its end where n is negative; NULL where there is none.",
+             "AsText(GeometryN(GeomFromText('MULTIPOINT(1 2,3 4)'), 2))", "POINT(3 4)"})),
+    alsoNamed("ST_PointN",
+              pureFunction(
+                  "PointN", accessors, Arity::exactly(2), engine::positionAt,
+                  {"PointN(obj, n)",
+                   "The n-th position of a line, from its end where n is negative; NULL where there is none.",
+                   "AsText(PointN(GeomFromText('LINESTRING(1 2,3 4,5 6)'), -2))", "POINT(3 4)"})),
+    alsoNamed("ST_StartPoint",
+              pureFunction("StartPoint", accessors, Arity::exactly(1), engine::startPoint,
+                           {"StartPoint(obj)", "The first position of a line; NULL for what is no line.",
+                            "AsText(StartPoint(GeomFromText('LINESTRING(1 2,3 4,5 6)')))", "POINT(1 2)"})),
+    alsoNamed("ST_EndPoint",
+              pureFunction("EndPoint", accessors, Arity::exactly(1), engine::endPoint,
+                           {"EndPoint(obj)", "The last position of a line; NULL for what is no line.",
+                            "AsText(EndPoint(GeomFromText('LINESTRING(1 2,3 4,5 6)')))", "POINT(5 6)"})),
+    alsoNamed("ST_ExteriorRing",
+              pureFunction(
+                  "ExteriorRing", accessors, Arity::exactly(1), engine::exteriorRing,
+                  {"ExteriorRing(obj)",
+                   "The border of a polygon without its holes, a line; NULL for what is no polygon.",
+                   "AsText(ExteriorRing(GeomFromText('POLYGON((0 0,9 0,9 9,0 9,0 0),(1 1,2 1,2 2,1 1))')))",
+                   "LINESTRING(0 0, 9 0, 9 9, 0 9, 0 0)"})),
+    alsoNamed(
+        "ST_InteriorRingN",
+        pureFunction(
+            "InteriorRingN", accessors, Arity::exactly(2), engine::interiorRingAt,
+            {"InteriorRingN(obj, n)",
+             "The border of the n-th hole of a polygon, a line; NULL where there is none.",
+             "AsText(InteriorRingN(GeomFromText('POLYGON((0 0,9 0,9 9,0 9,0 0),(1 1,2 1,2 2,1 1))'), 1))",
+             "LINESTRING(1 1, 2 1, 2 2, 1 1)"})),
+    alsoNamed(
+        "ST_Dimension",
+        pureFunction("Dimension", accessors, Arity::exactly(1), engine::topologicalDimension,
+                     {"Dimension(obj)",
+                      "0 for points, 1 for lines, 2 for areas; of a collection that of its highest part.",
+                      "Dimension(GeomFromText('LINESTRING(1 2,3 4,5 6)'))", "1"})),
+    pureFunction("CoordDimension", accessors, Arity::exactly(1), engine::coordinateDimension,
+                 {"CoordDimension(obj)",
+                  "The ordinates that the object's positions have: XY, XYZ, XYM or XYZM.",
+                  "CoordDimension(MakePointZ(1, 2, 3))", "XYZ"}),
+    pureFunction("ST_NDims", accessors, Arity::exactly(1), engine::ordinateCount,
+                 {"ST_NDims(obj)", "How many ordinates the object's positions have: 2, 3 or 4.",
+                  "ST_NDims(MakePointZ(1, 2, 3))", "3"}),
+    pureFunction(
+        "ST_Is3D", accessors, Arity::exactly(1), engine::hasZ,
+        {"ST_Is3D(obj)", "1 when the object's positions have a z.", "ST_Is3D(MakePointZ(1, 2, 3))", "1"}),
+    pureFunction("ST_IsMeasured", accessors, Arity::exactly(1), engine::hasM,
+                 {"ST_IsMeasured(obj)", "1 when the object's positions have an m.",
+                  "ST_IsMeasured(MakePointZ(1, 2, 3))", "0"}),
+    alsoNamed("ST_GeometryType",
+              pureFunction("GeometryType", accessors, Arity::exactly(1), engine::geometryType,
+                           {"GeometryType(obj)",
+                            "The kind of the object as well-known text names it, with Z and M.",
+                            "GeometryType(MakePointZ(1, 2, 3))", "POINT Z"})),
+    pureFunction("GeometryAliasType", accessors, Arity::exactly(1), engine::geometryAliasType,
+                 {"GeometryAliasType(obj)",
+                  "The kind of the object as well-known text names it, without Z and M.",
+                  "GeometryAliasType(MakePointZ(1, 2, 3))", "POINT"}),
+    alsoNamed(
+        "ST_SRID",
+        pureFunction(
+            "SRID", accessors, Arity::exactly(1), engine::srid,
+            {"SRID(obj)",
+             "The EPSG code of the object's coordinate system; 0 when it has none or one without a code.",
+             "SRID(MakePoint(1, 2, 3857))", "3857"})),
+    alsoNamed("ST_IsEmpty", pureFunction("IsEmpty", accessors, Arity::exactly(1), engine::isEmpty,
+                                         {"IsEmpty(obj)", "1 when the object has no position.",
+                                          "IsEmpty(GeomFromText('POINT EMPTY'))", "1"})),
+    alsoNamed(
+        "ST_IsClosed",
+        pureFunction("IsClosed", accessors, Arity::exactly(1), engine::isClosed,
+                     {"IsClosed(obj)",
+                      "1 when a line, or each of several, ends where it begins; NULL for what is no line.",
+                      "IsClosed(GeomFromText('LINESTRING(1 2,3 4,5 6)'))", "0"})),
+    alsoNamed(
+        "ST_IsRing",
+        pureFunction(
+            "IsRing", accessors, Arity::exactly(1), engine::isRing,
+            {"IsRing(obj)",
+             "1 when a line ends where it begins and meets itself nowhere else; NULL for what is no line.",
+             "IsRing(ExteriorRing(GeomFromText('POLYGON((0 0,9 0,9 9,0 9,0 0),(1 1,2 1,2 2,1 1))')))", "1"})),
+    alsoNamed("ST_IsSimple",
+              pureFunction("IsSimple", accessors, Arity::exactly(1), engine::isSimple,
+                           {"IsSimple(obj)",
+                            "1 when the object meets itself nowhere but in the ends of closed lines.",
+                            "IsSimple(GeomFromText('LINESTRING(0 0,2 2,2 0,0 2)'))", "0"})),
+    alsoNamed("ST_IsValid", pureFunction("IsValid", accessors, Arity::between(1, 2), engine::isValid,
+                                         {"IsValid(obj [, touching])",
+                                          "1 when areas are bounded as they should be; with 1 as second "
+                                          "argument shells may touch themselves and so enclose holes.",
+                                          "IsValid(GeomFromText('POLYGON((0 0,2 2,2 0,0 2,0 0))'))", "0"})),
+    alsoNamed("ST_IsValidReason",
+              pureFunction(
+                  "IsValidReason", accessors, Arity::between(1, 2), engine::isValidReason,
+                  {"IsValidReason(obj [, touching])", "What makes an object invalid, in the words of GEOS.",
+                   "IsValidReason(GeomFromText('POLYGON((0 0,2 2,2 0,0 2,0 0))'))", "Self-intersection"})),
+    alsoNamed("ST_IsValidDetail",
+              pureFunction("IsValidDetail", accessors, Arity::between(1, 2), engine::isValidDetail,
+                           {"IsValidDetail(obj [, touching])",
+                            "Where an object is invalid, a point; NULL for a valid one.",
+                            "AsText(IsValidDetail(GeomFromText('POLYGON((0 0,2 2,2 0,0 2,0 0))')))",
+                            "POINT(1 1)"})),
+    pureFunction(
+        "IsGeometryBlob", accessors, Arity::exactly(1), engine::isGeometryBlob,
+        {"IsGeometryBlob(value)", "1 when the value is a geometry.", "IsGeometryBlob(MakePoint(1, 2))", "1"}),
+    pureFunction("IsCompressedGeometryBlob", accessors, Arity::exactly(1), engine::isCompressedGeometryBlob,
+                 {"IsCompressedGeometryBlob(value)",
+                  "1 when the value is a geometry that SpatiaLite has compressed.",
+                  "IsCompressedGeometryBlob(MakePoint(1, 2))", "0"}),
+};
+
+} // namespace
+
 std::span<const FunctionRecord> accessRecords() {
-    return {};
+    return records;
 }
 
 } // namespace orvane::adaptor

@@ -38,8 +38,8 @@ ORVANE_ENGINE_EXPORT gaiaGeomCollStruct* toGaia(const unsigned char* blob, int s
 /// which may be null, learns the coordinate system of the code.
 ORVANE_ENGINE_EXPORT QByteArray toGaia(const std::shared_ptr<const geometry::Geometry>& geometry,
                                        EngineCache* cache);
-/// The same as the result of an SQL function, NULL for an empty blob; the cache learns the geometry of the
-/// blob.
+/// The same as the result of an SQL function, NULL for an empty blob; the cache learns the geometry of a blob
+/// that holds all of it.
 ORVANE_ENGINE_EXPORT void toGaia(const std::shared_ptr<const geometry::Geometry>& geometry,
                                  sqlite3_context* context, EngineCache* cache);
 

@@ -17,6 +17,9 @@ public:
     /// Empty for null. Ellipses and rounded rectangles are written as inStandardKinds makes them.
     static QByteArray toWkb(const std::shared_ptr<const Geometry>& geometry, QSysInfo::Endian byteOrder);
 
+    /// The extended form, little-endian; without an SRID for 0.
+    static QByteArray toExtendedWkb(const std::shared_ptr<const Geometry>& geometry, int srid);
+
     /// Reads either byte order, part by part. The high bits of the extended form (0x80000000 z, 0x40000000 m,
     /// 0x20000000 SRID) are understood too; an SRID serves as EPSG code when `coordSystem` is null.
     /// Polyhedral surfaces and networks of triangles become multi-polygons. Throws std::runtime_error for

@@ -2,8 +2,10 @@
 
 #include "platform/geometry/shapes/Curves.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <string_view>
 
 namespace orvane::geometry {
 
@@ -13,46 +15,38 @@ GeometryPtr borrowed(const Geometry& geometry) {
     return GeometryPtr(std::shared_ptr<void>(), &geometry);
 }
 
-/// The shortest text that reads back as the same double; plain digits for the magnitudes of coordinates.
-void appendNumber(double value, std::string& out) {
-    char buffer[32];
-    const double magnitude = std::abs(value);
-    const bool plain = magnitude == 0.0 || (magnitude >= 1e-7 && magnitude < 1e16);
-    const auto end =
-        plain ? std::to_chars(buffer, std::end(buffer), value == 0.0 ? 0.0 : value, std::chars_format::fixed)
-              : std::to_chars(buffer, std::end(buffer), value);
-    out.append(buffer, end.ptr);
+const char* keyword(GeometryType type) {
+    switch (type) {
+    case GeometryType::Point: return "POINT";
+    case GeometryType::LineString: return "LINESTRING";
+    case GeometryType::Polygon: return "POLYGON";
+    case GeometryType::MultiPoint: return "MULTIPOINT";
+    case GeometryType::MultiLineString: return "MULTILINESTRING";
+    case GeometryType::MultiPolygon: return "MULTIPOLYGON";
+    case GeometryType::CircularString: return "CIRCULARSTRING";
+    case GeometryType::CompoundCurve: return "COMPOUNDCURVE";
+    case GeometryType::CurvePolygon: return "CURVEPOLYGON";
+    case GeometryType::MultiCurve: return "MULTICURVE";
+    case GeometryType::MultiSurface: return "MULTISURFACE";
+    default: return "GEOMETRYCOLLECTION";
+    }
 }
 
 class WktWriter {
 public:
-    explicit WktWriter(std::string& out) : out_(out) {}
+    WktWriter(std::string& out, const WktStyle& style) : out_(out), style_(style) {}
 
     void write(const Geometry& geometry) {
-        out_ += keyword(geometry.type());
-        constexpr const char* suffixes[] = {"", " Z", " M", " ZM"};
-        out_ += suffixes[static_cast<std::size_t>(geometry.dimensions())];
+        if (style_.extended) {
+            out_ += keyword(geometry.type());
+            out_ += geometry.dimensions() == Dimensions::XYM ? "M" : "";
+        } else {
+            out_ += wktKind(geometry.type(), geometry.dimensions());
+        }
         writeBody(geometry);
     }
 
 private:
-    static const char* keyword(GeometryType type) {
-        switch (type) {
-        case GeometryType::Point: return "POINT";
-        case GeometryType::LineString: return "LINESTRING";
-        case GeometryType::Polygon: return "POLYGON";
-        case GeometryType::MultiPoint: return "MULTIPOINT";
-        case GeometryType::MultiLineString: return "MULTILINESTRING";
-        case GeometryType::MultiPolygon: return "MULTIPOLYGON";
-        case GeometryType::CircularString: return "CIRCULARSTRING";
-        case GeometryType::CompoundCurve: return "COMPOUNDCURVE";
-        case GeometryType::CurvePolygon: return "CURVEPOLYGON";
-        case GeometryType::MultiCurve: return "MULTICURVE";
-        case GeometryType::MultiSurface: return "MULTISURFACE";
-        default: return "GEOMETRYCOLLECTION";
-        }
-    }
-
     /// The list in parentheses; " EMPTY" when `size` is 0.
     template<typename WriteItem>
     void writeList(std::size_t size, const WriteItem& writeItem) {
@@ -63,7 +57,7 @@ private:
         out_ += '(';
         for (std::size_t i = 0; i < size; ++i) {
             if (i > 0) {
-                out_ += ',';
+                out_ += style_.spaced ? ", " : ",";
             }
             writeItem(i);
         }
@@ -75,7 +69,7 @@ private:
             if (i > 0) {
                 out_ += ' ';
             }
-            appendNumber(position[i], out_);
+            appendNumber(position[i], style_.digits, out_);
         }
     }
 
@@ -90,6 +84,10 @@ private:
             const Geometry& part = *parts[i];
             if (part.type() != plainKind) {
                 write(part);
+                return;
+            }
+            if (style_.barePoints && part.type() == GeometryType::Point && !part.isEmpty()) {
+                writePosition(static_cast<const Point&>(part).ordinates(), strideOf(part.dimensions()));
                 return;
             }
             const std::size_t before = out_.size();
@@ -148,27 +146,48 @@ private:
     }
 
     std::string& out_;
+    const WktStyle& style_;
 };
 
 class GeoJsonWriter {
 public:
-    explicit GeoJsonWriter(std::string& out) : out_(out) {}
+    GeoJsonWriter(std::string& out, const GeoJsonStyle& style) : out_(out), style_(style) {}
+
+    void writeWhole(const Geometry& geometry) {
+        out_ += "{\"type\":\"";
+        out_ += typeName(geometry.type());
+        out_ += '"';
+        if (!style_.crs.empty()) {
+            out_ += ",\"crs\":{\"type\":\"name\",\"properties\":{\"name\":\"" + style_.crs + "\"}}";
+        }
+        if (const Envelope box = geometry.envelope(); style_.envelope && !box.isEmpty()) {
+            out_ += ",\"bbox\":";
+            const double corners[] = {box.minX, box.minY, box.maxX, box.maxY};
+            writeList(4, [&](std::size_t i) { writeNumber(corners[i]); });
+        }
+        writeContent(geometry);
+    }
 
     void write(const Geometry& geometry) {
         out_ += "{\"type\":\"";
         out_ += typeName(geometry.type());
+        out_ += '"';
+        writeContent(geometry);
+    }
+
+private:
+    void writeContent(const Geometry& geometry) {
         if (geometry.type() == GeometryType::GeometryCollection) {
-            out_ += "\",\"geometries\":";
+            out_ += ",\"geometries\":";
             const auto& parts = static_cast<const GeometryCollection&>(geometry).parts();
             writeList(parts.size(), [&](std::size_t i) { write(*parts[i]); });
         } else {
-            out_ += "\",\"coordinates\":";
+            out_ += ",\"coordinates\":";
             writeCoordinates(geometry);
         }
         out_ += '}';
     }
 
-private:
     static const char* typeName(GeometryType type) {
         switch (type) {
         case GeometryType::Point: return "Point";
@@ -194,13 +213,15 @@ private:
     }
 
     void writePosition(const double* position, Dimensions dimensions) {
-        writeList(hasZ(dimensions) ? 3 : 2, [&](std::size_t i) {
-            if (std::isfinite(position[i])) {
-                appendNumber(position[i], out_);
-            } else {
-                out_ += "null";
-            }
-        });
+        writeList(hasZ(dimensions) ? 3 : 2, [&](std::size_t i) { writeNumber(position[i]); });
+    }
+
+    void writeNumber(double number) {
+        if (std::isfinite(number)) {
+            appendNumber(number, style_.digits, out_);
+        } else {
+            out_ += "null";
+        }
     }
 
     void writePositions(const CoordinateSequence& positions) {
@@ -235,18 +256,47 @@ private:
     }
 
     std::string& out_;
+    const GeoJsonStyle& style_;
 };
 
 } // namespace
 
-void appendWkt(const Geometry& geometry, std::string& out) {
-    const GeometryPtr standard = inStandardKinds(borrowed(geometry));
-    WktWriter(out).write(*standard);
+std::string wktKind(GeometryType type, Dimensions dimensions) {
+    constexpr const char* suffixes[] = {"", " Z", " M", " ZM"};
+    return std::string(keyword(type)) + suffixes[static_cast<std::size_t>(dimensions)];
 }
 
-void appendGeoJson(const Geometry& geometry, std::string& out) {
+void appendNumber(double value, int digits, std::string& out) {
+    constexpr std::size_t longestWhole = 310; // of a double in plain digits
+    constexpr int mostDigits = 20;
+    char buffer[longestWhole + mostDigits];
+    if (digits >= 0) {
+        const auto end = std::to_chars(buffer, std::end(buffer), value, std::chars_format::fixed,
+                                       std::min(digits, mostDigits));
+        std::string_view text(buffer, static_cast<std::size_t>(end.ptr - buffer));
+        if (text.find('.') != text.npos) {
+            text = text.substr(0, text.find_last_not_of('0') + 1);
+            text = text.back() == '.' ? text.substr(0, text.size() - 1) : text;
+        }
+        out += text == "-0" ? "0" : text;
+        return;
+    }
+    const double magnitude = std::abs(value);
+    const bool plain = magnitude == 0.0 || (magnitude >= 1e-7 && magnitude < 1e16);
+    const auto end =
+        plain ? std::to_chars(buffer, std::end(buffer), value == 0.0 ? 0.0 : value, std::chars_format::fixed)
+              : std::to_chars(buffer, std::end(buffer), value);
+    out.append(buffer, end.ptr);
+}
+
+void appendWkt(const Geometry& geometry, std::string& out, const WktStyle& style) {
+    const GeometryPtr standard = inStandardKinds(borrowed(geometry));
+    WktWriter(out, style).write(*standard);
+}
+
+void appendGeoJson(const Geometry& geometry, std::string& out, const GeoJsonStyle& style) {
     const GeometryPtr linear = linearized(borrowed(geometry));
-    GeoJsonWriter(out).write(*linear);
+    GeoJsonWriter(out, style).writeWhole(*linear);
 }
 
 } // namespace orvane::geometry

@@ -4,6 +4,7 @@
 #include <QtEndian>
 
 #include <limits>
+#include <optional>
 #include <stdexcept>
 
 namespace orvane::geometry {
@@ -13,16 +14,18 @@ namespace {
 /// Two passes over one walk: the first counts the bytes, the second writes them.
 class Writer {
 public:
-    explicit Writer(QSysInfo::Endian byteOrder) : littleEndian_(byteOrder == QSysInfo::LittleEndian) {}
+    /// `srid`: of the extended form; none for the standard's.
+    explicit Writer(QSysInfo::Endian byteOrder, std::optional<int> srid = std::nullopt)
+        : srid_(srid), littleEndian_(byteOrder == QSysInfo::LittleEndian) {}
 
     QByteArray write(const Geometry& geometry) {
-        writeGeometry(geometry);
+        writeGeometry(geometry, srid_.value_or(0));
         if (size_ > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
             throw std::length_error("a geometry of more than 2 GiB");
         }
         QByteArray bytes(static_cast<int>(size_), Qt::Uninitialized);
         target_ = bytes.data();
-        writeGeometry(geometry);
+        writeGeometry(geometry, srid_.value_or(0));
         return bytes;
     }
 
@@ -68,10 +71,19 @@ private:
         }
     }
 
-    void writeGeometry(const Geometry& geometry) {
+    /// Only a whole has an SRID.
+    void writeGeometry(const Geometry& geometry, int srid = 0) {
         writeByte(littleEndian_ ? 1 : 0);
-        writeUInt32(static_cast<std::size_t>(geometry.type()) +
-                    1000U * static_cast<std::size_t>(geometry.dimensions()));
+        const auto type = static_cast<std::size_t>(geometry.type());
+        if (srid_) {
+            writeUInt32(type | (hasZ(geometry.dimensions()) ? 0x80000000U : 0U) |
+                        (hasM(geometry.dimensions()) ? 0x40000000U : 0U) | (srid != 0 ? 0x20000000U : 0U));
+            if (srid != 0) {
+                writeUInt32(static_cast<std::size_t>(srid));
+            }
+        } else {
+            writeUInt32(type + 1000U * static_cast<std::size_t>(geometry.dimensions()));
+        }
         switch (geometry.type()) {
         case GeometryType::Point:
             writeDoubles(static_cast<const Point&>(geometry).ordinates(), strideOf(geometry.dimensions()));
@@ -100,6 +112,7 @@ private:
         }
     }
 
+    std::optional<int> srid_;
     bool littleEndian_;
     char* target_ = nullptr;
     std::size_t size_ = 0;
@@ -111,6 +124,11 @@ QByteArray GeometryFactory::toWkb(const std::shared_ptr<const Geometry>& geometr
                                   QSysInfo::Endian byteOrder) {
     const GeometryPtr standard = inStandardKinds(geometry);
     return standard ? Writer(byteOrder).write(*standard) : QByteArray();
+}
+
+QByteArray GeometryFactory::toExtendedWkb(const std::shared_ptr<const Geometry>& geometry, int srid) {
+    const GeometryPtr standard = inStandardKinds(geometry);
+    return standard ? Writer(QSysInfo::LittleEndian, srid).write(*standard) : QByteArray();
 }
 
 } // namespace orvane::geometry

@@ -1,10 +1,10 @@
 #include "platform/geometry/relations/Relations.h"
 
 #include "platform/geometry/relations/RelationForm.h"
+#include "platform/geometry/relations/Validity.h"
 #include "platform/geometry/shapes/Curves.h"
 #include "platform/geometry/shapes/Failure.h"
 
-#include <algorithm>
 #include <cmath>
 #include <mutex>
 
@@ -43,23 +43,6 @@ std::shared_ptr<Point> pointOf(const Geometry& geometry, const Operation& operat
     return plain ? pointFrom(GeosPtr(operation(geosContext(), plain)), geometry) : nullptr;
 }
 
-/// Rings that are closed and long enough, which the form for GEOS has silently, are what the geometry itself
-/// has.
-bool hasProperRings(const Geometry& geometry) {
-    if (geometry.type() == GeometryType::Polygon) {
-        const auto& rings = static_cast<const Polygon&>(geometry).rings();
-        return std::all_of(rings.begin(), rings.end(), [](const CoordinateSequence& ring) {
-            return ring.isEmpty() || (ring.size() >= 4 && ring.isClosed());
-        });
-    }
-    if (const auto* collection = dynamic_cast<const GeometryCollection*>(&geometry)) {
-        const auto& parts = collection->parts();
-        return std::all_of(parts.begin(), parts.end(),
-                           [](const GeometryPtr& part) { return hasProperRings(*part); });
-    }
-    return true;
-}
-
 } // namespace
 
 double planarDistance(const Geometry& a, const Geometry& b) {
@@ -85,16 +68,13 @@ std::shared_ptr<Point> PointOnSurface(const Geometry& geometry) {
 }
 
 std::shared_ptr<const Geometry> normalizedGeometry(const std::shared_ptr<const Geometry>& geometry) {
-    if (!geometry) {
-        return nullptr;
+    if (!geometry || !defectOf(*geometry)) {
+        return geometry;
     }
     const std::lock_guard lock(geometry->keptForm().mutex());
     const GEOSGeometry* plain = RelationForm::of(*geometry).whole();
     if (!plain) {
         throw failure(QT_TRANSLATE_NOOP("orvane::geometry", "Координата геометрии не конечное число."));
-    }
-    if (isTrue(GEOSisValid_r(geosContext(), plain)) && hasProperRings(*geometry)) {
-        return geometry;
     }
     const std::shared_ptr<Geometry> valid = fromGeos(checked(GEOSMakeValid_r(geosContext(), plain)).get());
     valid->setCoordSystem(geometry->coordSystem());

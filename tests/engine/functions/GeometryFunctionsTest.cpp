@@ -91,7 +91,7 @@ TEST_F(GeometryFunctions, GeometriesOfEveryKind) {
     // collections.
     for (const std::string& one : values) {
         const std::string before = value("AsEWKT(FromOrvGeo(" + one + "))");
-        const bool isEmpty = before.find("nan") != before.npos || before.find("()") != before.npos;
+        const bool isEmpty = before.find("EMPTY") != before.npos;
         if (before != "null") {
             EXPECT_EQ(value("AsEWKT(Collect(" + one + "))"), isEmpty ? "null" : before);
         }

@@ -42,7 +42,8 @@ INSTANTIATE_TEST_SUITE_P(Functions, TablesTest,
                          testing::Combine(testing::Values("functions/arithmetic.txt", "functions/text.txt",
                                                           "functions/dates.txt", "functions/formats.txt",
                                                           "functions/geometry.txt", "functions/making.txt",
-                                                          "functions/overlay.txt"),
+                                                          "functions/overlay.txt", "functions/access.txt",
+                                                          "functions/forms.txt"),
                                           testing::ValuesIn(zones)));
 
 } // namespace
