@@ -6,7 +6,7 @@
 #include "platform/geometry/forms/GeometryFactory.h"
 #include "platform/geometry/forms/TextFormats.h"
 #include "platform/geometry/forms/TextReader.h"
-#include "platform/geometry/relations/Overlay.h"
+#include "platform/geometry/overlay/Overlay.h"
 #include "platform/geometry/shapes/Failure.h"
 #include "platform/geometry/shapes/Shapes.h"
 #include "platform/work/Cancellation.h"
