@@ -37,6 +37,11 @@ std::vector<std::wstring> namesOf(const QSqlDatabase& database, const QString& t
 }
 
 /// The columns of a table of the engine database, hidden ones, geometry and style left out.
+bool hasColumn(const QSqlDatabase& database, const std::wstring& table, const std::wstring& column) {
+    const auto names = namesOf(database, QStringLiteral("Select name From pragma_table_xinfo(?)"), table);
+    return std::find(names.begin(), names.end(), column) != names.end();
+}
+
 std::vector<std::wstring> joinableColumns(const QSqlDatabase& database, const std::wstring& table) {
     std::vector<std::wstring> columns =
         namesOf(database, QStringLiteral("Select name From pragma_table_xinfo(?) Where hidden = 0"), table);
@@ -72,6 +77,9 @@ bool Engine::tryToTranslate(const sql::ParseResult& statement, engine::SqliteStr
             builder.setTableColumns(
                 [this](const std::wstring& table) { return joinableColumns(internal_->database(), table); });
         }
+        builder.setReadsByDistance([this](const std::wstring& table) {
+            return hasColumn(internal_->database(), table, engine::distanceColumnName());
+        });
         builder.setSpellings(engine::nameSpellings(
             *statement.node(),
             [this] {
@@ -82,6 +90,7 @@ bool Engine::tryToTranslate(const sql::ParseResult& statement, engine::SqliteStr
             },
             builder.tableColumns()));
         std::wstring query = builder.buildString(*statement.node());
+        builder.setReadsByDistance(nullptr);
         if (isLent) {
             builder.setTableColumns(nullptr);
         }

@@ -14,4 +14,14 @@ const std::wstring& styleColumnName() {
     return name;
 }
 
+const std::wstring& originColumnName() {
+    static const std::wstring name = sql::toSqlString(OriginColumnUuid.toString(QUuid::Id128));
+    return name;
+}
+
+const std::wstring& distanceColumnName() {
+    static const std::wstring name = sql::toSqlString(DistanceColumnUuid.toString(QUuid::Id128));
+    return name;
+}
+
 } // namespace orvane::engine

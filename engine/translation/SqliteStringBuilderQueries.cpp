@@ -2,6 +2,7 @@
 
 #include "engine/translation/ComputedTexts.h"
 #include "engine/translation/FixedColumns.h"
+#include "engine/translation/NearestFirst.h"
 #include "engine/translation/SpatialConditions.h"
 #include "platform/sql/lexing/SqlStrings.h"
 
@@ -59,6 +60,33 @@ ast::NodePtr SqliteStringBuilder::collated(const ast::NodePtr& value) const {
 }
 
 void SqliteStringBuilder::visit(const ast::QuerySpecification& node) {
+    const auto rewritten = nearestFirst(node);
+    visitSpecification(rewritten ? *rewritten : node);
+}
+
+/// Null where the rows cannot be had in the order of a distance.
+std::shared_ptr<const ast::QuerySpecification>
+SqliteStringBuilder::nearestFirst(const ast::QuerySpecification& node) const {
+    const auto* table = ast::nodeAs<ast::TablePrimary>(ast::onlySource(node));
+    const auto isNamed = [table](const ast::CommonTable& named) {
+        return toLowercase(named.name) == toLowercase(table->name);
+    };
+    if (!readsByDistance_ || !whiteList_.empty() || !table || namedQuery(table->name) ||
+        std::any_of(node.with.begin(), node.with.end(), isNamed)) {
+        return nullptr;
+    }
+    const auto key =
+        node.orderBy.size() == 1 ? ast::nodeAs<ast::SortSpecification>(node.orderBy.front()) : nullptr;
+    if (!key) {
+        return nullptr;
+    }
+    const Referred referred = referredColumn(key->key, node.columns);
+    const ast::NodePtr distance = referred.column ? referred.column->expression : key->key;
+    auto rewritten = withNearestFirst(node, *table, distance, tableColumns_);
+    return rewritten && readsByDistance_(table->name) ? rewritten : nullptr;
+}
+
+void SqliteStringBuilder::visitSpecification(const ast::QuerySpecification& node) {
     const bool outer = std::exchange(isCompared_, false);
     frames_.emplace_back();
     frames_.back().columns = &node.columns;

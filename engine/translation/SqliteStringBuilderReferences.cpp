@@ -133,7 +133,7 @@ bool SqliteStringBuilder::visitStyle(const ast::ColumnReference& node) {
 void SqliteStringBuilder::visitImpl(const ast::ColumnReference& node) {
     const std::wstring key = spellings_.empty() ? std::wstring() : node.qualifier + L'.' + node.name;
     SqlStringBuilder::visit(ast::ColumnReference(node.qualifier, spelling(key, node.name)));
-    if (needColumns_) {
+    if (needColumns_ && node.name != originColumnName() && node.name != distanceColumnName()) {
         columns_.push_back({node.qualifier, node.name});
     }
 }

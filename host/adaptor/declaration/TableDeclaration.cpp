@@ -63,9 +63,13 @@ TableDeclaration::TableDeclaration(const dp::TableSchema& schema) {
     const int geometry = schema.geometryIndex();
     const int style = schema.styleIndex();
     sql_ += asciiName(engine::geometryColumnName()) + " Blob" + (geometry < 0 ? " Hidden," : ",");
-    sql_ += asciiName(engine::styleColumnName()) + " Text" + (style < 0 ? " Hidden)" : ")");
+    sql_ += asciiName(engine::styleColumnName()) + " Text" + (style < 0 ? " Hidden," : ",");
+    sql_ += asciiName(engine::originColumnName()) + " Blob Hidden,";
+    sql_ += asciiName(engine::distanceColumnName()) + " Real Hidden)";
     columns_.push_back({geometry, Kind::Geometry});
     columns_.push_back({style, Kind::Style});
+    columns_.push_back({-1, Kind::Origin});
+    columns_.push_back({-1, Kind::Distance});
 }
 
 } // namespace orvane::adaptor

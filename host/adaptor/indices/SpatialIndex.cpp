@@ -9,14 +9,18 @@
 #include <QCoreApplication>
 
 #define BOOST_ALLOW_DEPRECATED_HEADERS // Boost's own, of each other
+#include <boost/geometry/algorithms/distance.hpp>
 #include <boost/geometry/geometries/box.hpp>
 #include <boost/geometry/geometries/point.hpp>
 #include <boost/geometry/index/rtree.hpp>
+#include <boost/geometry/strategies/strategies.hpp>
 
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <iterator>
 #include <stdexcept>
 
 namespace orvane::adaptor {
@@ -96,17 +100,19 @@ std::optional<bool> holdsOnPosition(SpatialRelation relation, const geometry::Ge
     }
 }
 
+Box boxOf(const geometry::Envelope& envelope) {
+    return {Corner(envelope.minX, envelope.minY), Corner(envelope.maxX, envelope.maxY)};
+}
+
+SpatialIndex::Candidate candidateOf(const Node& node) {
+    return {node.second, bg::get<0>(node.first.min_corner()), bg::get<1>(node.first.min_corner())};
+}
+
 } // namespace
 
 struct SpatialIndex::Tree {
     bg::index::rtree<Node, bg::index::rstar<16>> nodes;
-    std::vector<Node> candidates; ///< reused from search to search
-};
-
-/// One feature, by its position in the lists of the index.
-struct SpatialIndex::Entry {
-    std::uint32_t position;
-    double x, y; ///< the lower corner of the envelope: the place of a position
+    std::vector<Node> found; ///< reused from search to search
 };
 
 std::optional<SpatialRelation> spatialRelationOf(const char* functionName) {
@@ -166,6 +172,7 @@ SpatialIndex::SpatialIndex(dp::Table& table, const work::Cancellation& cancellat
         }
         const dp::Cell cell = rows->cell(attribute);
         if (cell.type() != dp::CellType::Wkb) {
+            missing_.push_back(rows->featureId());
             continue;
         }
         geometry::Envelope envelope;
@@ -179,20 +186,22 @@ SpatialIndex::SpatialIndex(dp::Table& table, const work::Cancellation& cancellat
             if (mayBeDegrees) {
                 bulge_ = std::max(bulge_, geometry::geodesicBulge(*decoded));
             }
+        } else {
+            missing_.push_back(rows->featureId()); // what cannot be read counts as none
+            continue;
         }
         if (envelope.isEmpty()) {
             empty_.push_back(rows->featureId()); // stands in no relation to anything
             continue;
         }
-        nodes.emplace_back(Box({envelope.minX, envelope.minY}, {envelope.maxX, envelope.maxY}),
-                           static_cast<std::uint32_t>(ids_.size()));
+        nodes.emplace_back(boxOf(envelope), static_cast<std::uint32_t>(ids_.size()));
         ids_.push_back(rows->featureId());
         isPosition_.push_back(position);
     }
     tree_->nodes = {nodes.begin(), nodes.end()}; // packed
 }
 
-GeometryPtr SpatialIndex::geometryOf(const Entry& candidate, dp::Table& table) {
+GeometryPtr SpatialIndex::geometryOf(const Candidate& candidate, dp::Table& table) {
     const std::uint32_t entry = candidate.position;
     if (isPosition_[entry]) {
         auto point = std::make_shared<geometry::Point>(candidate.x, candidate.y);
@@ -223,7 +232,7 @@ GeometryPtr SpatialIndex::geometryOf(const Entry& candidate, dp::Table& table) {
     return decoded;
 }
 
-bool SpatialIndex::holds(SpatialRelation relation, const Entry& candidate, const GeometryPtr& b,
+bool SpatialIndex::holds(SpatialRelation relation, const Candidate& candidate, const GeometryPtr& b,
                          dp::Table& table) {
     if (isPosition_[candidate.position]) {
         if (const auto known = holdsForPosition(relation, candidate.x, candidate.y, *b)) {
@@ -249,49 +258,67 @@ void SpatialIndex::search(SpatialRelation relation, const GeometryPtr& b, dp::Ta
     if (envelope.isEmpty()) {
         return;
     }
-    auto& candidates = tree_->candidates;
-    candidates.clear();
-    tree_->nodes.query(
-        bg::index::intersects(Box({envelope.minX, envelope.minY}, {envelope.maxX, envelope.maxY})),
-        std::back_inserter(candidates));
-    for (const auto& [box, position] : candidates) {
-        const Entry candidate{position, bg::get<0>(box.min_corner()), bg::get<1>(box.min_corner())};
+    auto& nodes = tree_->found;
+    nodes.clear();
+    tree_->nodes.query(bg::index::intersects(boxOf(envelope)), std::back_inserter(nodes));
+    for (const Node& node : nodes) {
+        const Candidate candidate = candidateOf(node);
         if (relation == SpatialRelation::MayMeet || holds(relation, candidate, b, table)) {
-            found.push_back(ids_[position]);
+            found.push_back(id(candidate));
         }
     }
 }
 
-bool SpatialIndex::searchNear(const geometry::Geometry& centre, const geometry::Nearness& nearness,
-                              dp::Table& table, std::vector<dp::FeatureId>& found) {
+std::optional<std::vector<SpatialIndex::Candidate>>
+SpatialIndex::candidatesNear(const geometry::Geometry& centre, const geometry::Nearness& nearness,
+                             const dp::Table& table) const {
     const auto windows =
         geometry::neighbourhood(centre, nearness, {table.coordSystem(), arePositions_, bulge_});
     if (!windows) {
-        return false;
+        return std::nullopt;
     }
-    auto& candidates = tree_->candidates;
-    candidates.clear();
+    auto& nodes = tree_->found;
+    nodes.clear();
     for (const geometry::Envelope& window : *windows) {
-        tree_->nodes.query(bg::index::intersects(Box({window.minX, window.minY}, {window.maxX, window.maxY})),
-                           std::back_inserter(candidates));
-    }
-    std::vector<std::uint32_t> positions;
-    positions.reserve(candidates.size());
-    for (const Node& each : candidates) {
-        positions.push_back(each.second);
+        tree_->nodes.query(bg::index::intersects(boxOf(window)), std::back_inserter(nodes));
     }
     if (windows->size() > 1) {
-        std::sort(positions.begin(), positions.end());
-        positions.erase(std::unique(positions.begin(), positions.end()), positions.end());
+        const auto before = [](const Node& a, const Node& b) { return a.second < b.second; };
+        const auto same = [](const Node& a, const Node& b) { return a.second == b.second; };
+        std::sort(nodes.begin(), nodes.end(), before);
+        nodes.erase(std::unique(nodes.begin(), nodes.end(), same), nodes.end());
     }
-    for (const std::uint32_t position : positions) {
-        found.push_back(ids_[position]);
+    std::vector<Candidate> candidates;
+    candidates.reserve(nodes.size());
+    std::transform(nodes.begin(), nodes.end(), std::back_inserter(candidates), candidateOf);
+    return candidates;
+}
+
+bool SpatialIndex::searchNear(const geometry::Geometry& centre, const geometry::Nearness& nearness,
+                              const dp::Table& table, std::vector<dp::FeatureId>& found) const {
+    const auto candidates = candidatesNear(centre, nearness, table);
+    if (!candidates) {
+        return false;
+    }
+    for (const Candidate& candidate : *candidates) {
+        found.push_back(id(candidate));
     }
     // The measures of one kind alone say -1 of an empty geometry, which is less than any distance.
     if (nearness.kind != geometry::DistanceKind::General) {
         found.insert(found.end(), empty_.begin(), empty_.end());
     }
     return true;
+}
+
+std::vector<SpatialIndex::Candidate> SpatialIndex::closest(const geometry::Envelope& envelope,
+                                                           std::size_t count) const {
+    auto& nodes = tree_->found;
+    nodes.clear();
+    tree_->nodes.query(bg::index::nearest(boxOf(envelope), static_cast<unsigned>(count)),
+                       std::back_inserter(nodes));
+    std::vector<Candidate> candidates;
+    std::transform(nodes.begin(), nodes.end(), std::back_inserter(candidates), candidateOf);
+    return candidates;
 }
 
 } // namespace orvane::adaptor

@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace orvane::adaptor {
@@ -33,20 +34,41 @@ public:
 
     /// Appends the features that may be near the centre, all that are among them. False, with nothing
     /// appended, where any of them may be.
-    bool searchNear(const geometry::Geometry& centre, const geometry::Nearness& nearness, dp::Table& table,
-                    std::vector<dp::FeatureId>& found);
+    bool searchNear(const geometry::Geometry& centre, const geometry::Nearness& nearness,
+                    const dp::Table& table, std::vector<dp::FeatureId>& found) const;
+
+    /// A feature that a search may find.
+    struct Candidate {
+        std::uint32_t position; ///< in the lists of the index, from 0 on
+        double x, y;            ///< the lower corner of the envelope: the place of a position
+    };
+
+    // For searches by distance.
+
+    std::size_t count() const { return ids_.size(); }
+    const dp::FeatureId& id(const Candidate& candidate) const { return ids_[candidate.position]; }
+    /// Null where it cannot be read any more.
+    geometry::GeometryPtr geometryOf(const Candidate& candidate, dp::Table& table);
+    /// Those whose envelopes are the closest to one.
+    std::vector<Candidate> closest(const geometry::Envelope& envelope, std::size_t count) const;
+    /// Those that may be near the centre, each once; none where any feature may be.
+    std::optional<std::vector<Candidate>> candidatesNear(const geometry::Geometry& centre,
+                                                         const geometry::Nearness& nearness,
+                                                         const dp::Table& table) const;
+    /// Features without geometry, and those whose geometry has no position.
+    const std::vector<dp::FeatureId>& missing() const { return missing_; }
+    const std::vector<dp::FeatureId>& empty() const { return empty_; }
 
 private:
     struct Tree;
-    struct Entry;
 
-    bool holds(SpatialRelation relation, const Entry& candidate, const geometry::GeometryPtr& b,
+    bool holds(SpatialRelation relation, const Candidate& candidate, const geometry::GeometryPtr& b,
                dp::Table& table);
-    geometry::GeometryPtr geometryOf(const Entry& candidate, dp::Table& table);
 
     std::unique_ptr<Tree> tree_;
-    std::vector<dp::FeatureId> ids_;
-    std::vector<dp::FeatureId> empty_; ///< with a geometry that has no position
+    std::vector<dp::FeatureId> ids_; ///< by position
+    std::vector<dp::FeatureId> empty_;
+    std::vector<dp::FeatureId> missing_;
     bool arePositions_ = true;
     double bulge_ = 0.0;                            ///< geometry::geodesicBulge of all
     std::vector<bool> isPosition_;                  ///< the envelope is the whole geometry

@@ -235,10 +235,8 @@ int xDisconnect(sqlite3_vtab* table) {
 }
 
 int xBestIndex(sqlite3_vtab* table, sqlite3_index_info* info) {
-    return barrier(&table->zErrMsg, [&] {
-        planScan(tableOf(table), *info);
-        return SQLITE_OK;
-    });
+    return barrier(&table->zErrMsg,
+                   [&] { return planScan(tableOf(table), *info) ? SQLITE_OK : SQLITE_CONSTRAINT; });
 }
 
 int xOpen(sqlite3_vtab* table, sqlite3_vtab_cursor** result) {

@@ -97,13 +97,17 @@ public:
         plan_.columnsUsed = info.colUsed;
     }
 
-    void run() {
+    /// False where SQLite may not make the scan as it asks: the distance of its rows would be unknown.
+    bool run() {
         for (int i = 0; i < info_.nConstraint; ++i) {
             const unsigned char operation = constraint(i).op;
             conditions_ +=
                 operation != SQLITE_INDEX_CONSTRAINT_LIMIT && operation != SQLITE_INDEX_CONSTRAINT_OFFSET;
         }
         noteRowNumbers();
+        if (!noteOrigin()) {
+            return false;
+        }
         // Terms are checked in this order: texts, which are slow to compare, only where the numbers agree.
         for (const bool numbers : {true, false}) {
             for (int i = 0; i < info_.nConstraint; ++i) {
@@ -114,9 +118,11 @@ public:
         }
         takeRowNumber();
         takeRelation();
+        takeOrigin();
         takeLimit();
         takeOrder();
         store();
+        return true;
     }
 
 private:
@@ -146,6 +152,8 @@ private:
             limit_ = i;
         } else if (constraint(i).op == SQLITE_INDEX_CONSTRAINT_OFFSET) {
             offset_ = i;
+        } else if (column == declaration_.originColumn()) {
+            return;
         } else if (column < 0) {
             rowNumber_ = comparison && ScanEstimate::isEquality(*comparison) ? i : rowNumber_;
         } else if (constraint(i).op >= SQLITE_INDEX_CONSTRAINT_FUNCTION) {
@@ -247,8 +255,38 @@ private:
         }
     }
 
+    bool noteOrigin() {
+        for (int i = 0; i < info_.nConstraint; ++i) {
+            if (constraint(i).iColumn == declaration_.originColumn()) {
+                origin_ = i;
+                return constraint(i).usable && constraint(i).op == SQLITE_INDEX_CONSTRAINT_IS;
+            }
+        }
+        return true;
+    }
+
+    /// The rows come in the order of their distance, so that a limit ends the scan. Conditions on row numbers
+    /// and relations are left to SQLite then.
+    void takeOrigin() {
+        if (origin_ < 0) {
+            return;
+        }
+        hand(origin_, true);
+        hasOpenOperand_ = true;
+        constexpr double likelyWanted = 100;
+        plan_.byDistance = plan_.terms.empty() || estimate_.expectedRows() > likelyWanted
+                               ? ScanPlan::ByDistance::Looked
+                               : ScanPlan::ByDistance::Measured;
+        info_.orderByConsumed = info_.nOrderBy == 1 && !info_.aOrderBy[0].desc &&
+                                info_.aOrderBy[0].iColumn == declaration_.distanceColumn();
+    }
+
     void takeRowNumber() {
         if (rowNumber_ < 0) {
+            return;
+        }
+        if (origin_ >= 0) {
+            plan_.rowNumber = ScanPlan::RowNumber::Other;
             return;
         }
         const bool list = sqlite3_vtab_in(&info_, rowNumber_, 1) != 0;
@@ -260,7 +298,7 @@ private:
 
     /// The cursor tests the relation exactly as the function would, so that SQLite need not call it.
     void takeRelation() {
-        if (relation_ < 0 || rowNumber_ >= 0) {
+        if (relation_ < 0 || rowNumber_ >= 0 || origin_ >= 0) {
             return;
         }
         plan_.relation =
@@ -273,7 +311,8 @@ private:
     /// A limit counts rows of the result. They are rows of the scan only when nothing sorts or drops rows
     /// after it.
     void takeLimit() {
-        if (limit_ < 0 || info_.nOrderBy > 0 || conditions_ > 0) {
+        const bool isByDistance = info_.orderByConsumed != 0 && conditions_ == 1;
+        if (limit_ < 0 || (!isByDistance && (info_.nOrderBy > 0 || conditions_ > 0))) {
             return;
         }
         plan_.limit = true;
@@ -399,12 +438,13 @@ private:
     int offset_ = -1;
     int rowNumber_ = -1;
     int relation_ = -1;
+    int origin_ = -1;
 };
 
 } // namespace
 
-void planScan(const VirtualTable& table, sqlite3_index_info& info) {
-    Planner(table, info).run();
+bool planScan(const VirtualTable& table, sqlite3_index_info& info) {
+    return Planner(table, info).run();
 }
 
 } // namespace orvane::adaptor

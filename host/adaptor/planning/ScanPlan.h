@@ -14,7 +14,7 @@ namespace orvane::adaptor {
 
 /// What xBestIndex decides about one scan and xFilter carries out. Travels through SQLite as a text, so that
 /// no state is kept between the two. Each item below takes one value of xFilter's arguments, in this order:
-/// the terms, the row number, the limit, the offset.
+/// the terms, the row number, the relation, the origin of distances, the limit, the offset.
 struct ScanPlan {
     struct Term {
         int column = 0; ///< position in the virtual table's declaration
@@ -40,11 +40,18 @@ struct ScanPlan {
         Other ///< SQLite compares the row numbers, without an argument; all rows need theirs first
     };
 
+    enum class ByDistance : std::uint8_t {
+        None,
+        Looked,   ///< the nearest rows first, as the spatial index finds them
+        Measured, ///< all rows that pass the terms, put in order
+    };
+
     std::uint64_t number = 0;      ///< of what a ScanRecorder took down, 0 when there is none
     std::uint64_t columnsUsed = 0; ///< SQLite's mask: bit 63 stands for every column from 63 on
     std::vector<Term> terms;
     RowNumber rowNumber = RowNumber::None;
     std::optional<SpatialRelation> relation; ///< of the geometry column to the value
+    ByDistance byDistance = ByDistance::None;
     Ordering ordering = Ordering::None;
     std::vector<Order> order; ///< first column first
     bool limit = false;

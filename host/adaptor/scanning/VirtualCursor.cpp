@@ -87,6 +87,11 @@ GeometryPtr geometryOf(sqlite3_value* value, engine::EngineCache& cache) {
     return cache.geometryInfo(data, static_cast<unsigned>(size), true).geometry();
 }
 
+std::optional<engine::NearnessBlob> nearnessOf(sqlite3_value* value) {
+    const auto* bytes = static_cast<const char*>(sqlite3_value_blob(value));
+    return engine::readNearness({bytes, static_cast<std::size_t>(sqlite3_value_bytes(value))});
+}
+
 } // namespace
 
 VirtualCursor::VirtualCursor(VirtualTable& table)
@@ -157,17 +162,25 @@ bool VirtualCursor::readRelation(sqlite3_value* value) {
     return !ids.empty();
 }
 
+GeometryPtr VirtualCursor::centreOf(const engine::NearnessBlob& nearness) {
+    return table_.cache()
+        .geometryInfo(nearness.centre.data(), static_cast<unsigned>(nearness.centre.size()), true)
+        .geometry();
+}
+
+void VirtualCursor::readOrigin(sqlite3_value* value) {
+    const auto asked = nearnessOf(value);
+    origin_ = asked ? centreOf(*asked) : nullptr;
+    originMeasure_ = asked ? asked->asked : geometry::Nearness();
+}
+
 /// Where the index cannot tell what is near, all rows come: the condition is tested on each in any case.
 bool VirtualCursor::readNearness(sqlite3_value* value) {
-    const auto* bytes = static_cast<const char*>(sqlite3_value_blob(value));
-    const auto asked = engine::readNearness({bytes, static_cast<std::size_t>(sqlite3_value_bytes(value))});
+    const auto asked = nearnessOf(value);
     if (!asked) {
         return false;
     }
-    const GeometryPtr centre =
-        table_.cache()
-            .geometryInfo(asked->centre.data(), static_cast<unsigned>(asked->centre.size()), true)
-            .geometry();
+    const GeometryPtr centre = centreOf(*asked);
     if (!centre) {
         return false; // has no distance to anything
     }
@@ -224,6 +237,9 @@ bool VirtualCursor::readArguments(std::span<sqlite3_value*> arguments) {
     if (plan_.relation && !readRelation(arguments[next++])) {
         return false;
     }
+    if (plan_.byDistance != ScanPlan::ByDistance::None) {
+        readOrigin(arguments[next++]);
+    }
     if (plan_.limit) {
         const sqlite3_int64 limit = sqlite3_value_int64(arguments[next++]);
         const sqlite3_int64 offset = plan_.offset ? sqlite3_value_int64(arguments[next++]) : 0;
@@ -237,6 +253,7 @@ bool VirtualCursor::readArguments(std::span<sqlite3_value*> arguments) {
 
 int VirtualCursor::filter(const char* planText, std::span<sqlite3_value*> arguments) {
     rows_ = nullptr;
+    nearest_ = nullptr;
     cancellation_ = {};
     if (planText == planText_ && ordered_ && arguments.empty()) {
         startOrdered(); // the same rows again, for another row of an outer table
@@ -264,7 +281,9 @@ void VirtualCursor::openRows(std::span<sqlite3_value*> arguments) {
     if (filter_.matchesNothing()) {
         return;
     }
-    if (request_.ids || related_) {
+    if (origin_ && plan_.byDistance != ScanPlan::ByDistance::None) {
+        openByDistance();
+    } else if (request_.ids || related_) {
         scan_ = table_.table().openCursor(request_);
         rows_ = scan_.get();
     } else {
@@ -293,6 +312,21 @@ void VirtualCursor::openTerms() {
         scan_ = table.openCursor(request_);
         rows_ = scan_.get();
     }
+}
+
+void VirtualCursor::openByDistance() {
+    constexpr std::size_t likelyWanted = 10;
+    const bool isLooked = plan_.byDistance == ScanPlan::ByDistance::Looked;
+    const std::size_t wanted = request_.limit >= 0 ? static_cast<std::size_t>(request_.limit) : likelyWanted;
+    request_.limit = -1;
+    if (isLooked) {
+        spatialIndex(); // tells the report
+    }
+    auto nearest = std::make_unique<NearestRows>(table_, request_, origin_, originMeasure_, wanted, isLooked,
+                                                 cancellation_);
+    nearest_ = nearest.get();
+    scan_ = std::move(nearest);
+    rows_ = scan_.get();
 }
 
 /// What the plan says of an attribute index for the order of the rows; false when the scan has to be made.
@@ -356,7 +390,7 @@ void VirtualCursor::report() {
         ++report.emptyScans;
     } else if (plan_.looksUpRowNumbers()) {
         note(Access::RowNumber);
-    } else if (plan_.relation) {
+    } else if (plan_.relation || (nearest_ && plan_.byDistance == ScanPlan::ByDistance::Looked)) {
         note(Access::SpatialIndex);
     } else if (rows_ && !scan_) {
         note(Access::Memory);
@@ -414,6 +448,10 @@ int VirtualCursor::next() {
 void VirtualCursor::column(sqlite3_context* context, int column) {
     const TableDeclaration::Column& declared =
         table_.declaration().columns()[static_cast<std::size_t>(column)];
+    if (declared.kind == TableDeclaration::Kind::Distance && nearest_) {
+        dp::setResult(context, nearest_->distance());
+        return;
+    }
     if (declared.attribute < 0 || sqlite3_vtab_nochange(context)) {
         return; // NULL; an update that leaves the column alone does not read it
     }

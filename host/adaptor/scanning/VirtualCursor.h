@@ -4,11 +4,14 @@
 #include "host/adaptor/planning/ScanPlan.h"
 #include "host/adaptor/rows/ArrangedRows.h"
 #include "host/adaptor/scanning/GeometryResult.h"
+#include "host/adaptor/scanning/NearestRows.h"
 #include "host/adaptor/scanning/RepeatedScan.h"
 #include "host/adaptor/scanning/TermFilter.h"
 #include "host/adaptor/tables/VirtualTable.h"
 
 #include "platform/work/Cancellation.h"
+
+#include <orvane/engine/NearnessBlob.h>
 
 #include <sqlite3.h>
 
@@ -43,11 +46,14 @@ private:
     bool readRowNumbers(sqlite3_value* value);
     bool readRelation(sqlite3_value* value);
     bool readNearness(sqlite3_value* value);
+    geometry::GeometryPtr centreOf(const engine::NearnessBlob& nearness);
+    void readOrigin(sqlite3_value* value);
     SpatialIndex& spatialIndex();
     bool accepts();
     /// Opens the rows that can match, if there can be any.
     void openRows(std::span<sqlite3_value*> arguments);
     void openTerms();
+    void openByDistance();
     bool openInOrder();
     std::vector<ArrangedRows::Key> orderKeys() const;
     /// Reads all rows and puts them into the plan's order.
@@ -62,6 +68,9 @@ private:
     dp::ScanRequest request_;
     TermFilter filter_;
     geometry::GeometryPtr related_; ///< set when each row's relation to it has to be tested
+    geometry::GeometryPtr origin_;  ///< of distances; null where they are all NULL
+    geometry::Nearness originMeasure_;
+    NearestRows* nearest_ = nullptr; ///< scan_, where its rows come by their distance
     const std::shared_ptr<cs::CoordSystem> coordSystem_;
     const int geometryAttribute_;
     dp::Cursor* rows_ = nullptr; ///< one of those below; null at the end

@@ -72,6 +72,10 @@ public:
     /// match their geometries too.
     void setTableColumns(TableColumns columns) { tableColumns_ = std::move(columns); }
     const TableColumns& tableColumns() const { return tableColumns_; }
+    /// Tells whether a table has the hidden columns of ColumnNames.h. With it a query for the rows of one
+    /// such table that are the nearest to something reads them in the order of their distance.
+    using ReadsByDistance = std::function<bool(const std::wstring& table)>;
+    void setReadsByDistance(ReadsByDistance reads) { readsByDistance_ = std::move(reads); }
     /// Names by their lower case, columns of tables also as `qualifier.column`, each in the spellings that
     /// are declared. A name that differs from all of them in letter case only is rendered as the first.
     using Spellings = std::map<std::wstring, std::vector<std::wstring>>;
@@ -166,6 +170,9 @@ private:
         std::shared_ptr<const ScannedTables> tables = {}; ///< of its From; null where it is no query
     };
 
+    void visitSpecification(const sql::ast::QuerySpecification& node);
+    std::shared_ptr<const sql::ast::QuerySpecification>
+    nearestFirst(const sql::ast::QuerySpecification& node) const;
     void visitCorrectedColumn(const sql::ast::ColumnReference& node);
     bool visitGeo(const sql::ast::ColumnReference& node);
     bool visitStyle(const sql::ast::ColumnReference& node);
@@ -207,6 +214,7 @@ private:
     bool isAggregate_ = false;
     bool isIdUsed_ = false;
     TableColumns tableColumns_;
+    ReadsByDistance readsByDistance_;
     Spellings spellings_;
     std::wstring intoTable_;
     std::wstring intoFile_;

@@ -175,6 +175,74 @@ TEST_F(SpatialConditions, RelationsFindWhatTheFunctionsFind) {
     }
 }
 
+TEST_F(SpatialConditions, TheNearestComeFirst) {
+    openShapes("points", 4326, true, 700);
+    openShapes("shapes", 4326, false, 400);
+    openShapes("metres", 3857, true, 300);
+    openShapes("plain", 0, true, 300);
+    openShapes("few", 4326, true, 20);
+    const char* const tables[] = {"points", "shapes", "metres", "plain", "few"};
+    const char* const conditions[] = {"",
+                                      "Where id > 20",
+                                      "Where id In (1, 2, 3, 200)",
+                                      "Where rowid < 50",
+                                      "Where obj Is Not Null",
+                                      "Where obj Intersects BuildMbr(0,0,60,60,4326)",
+                                      "Where id < 0"};
+    const char* const measures[] = {"Distance(obj, @)", "ST_Distance(@, t.obj, 'km')", "Distance(obj, @, 1)"};
+    const char* const limits[] = {"Limit 1",   "Limit 10",   "Limit 5 Offset 30",
+                                  "Limit 100", "Limit 1000", "Limit 0"};
+    const auto answer = [this](const std::string& text) {
+        return ask(engine().translate(text).toStdString());
+    };
+    std::size_t numRead = 0;
+    for (int round = 0; round < 120; ++round) {
+        const std::string table = tables[random_() % std::size(tables)];
+        const bool isPlace = random_() % 12 != 0;
+        const std::string place =
+            isPlace ? "GeomFromText('" + shape(random_() % 3 != 0) + "', 4326)" : "Null";
+        std::string measure = measures[random_() % std::size(measures)];
+        measure.replace(measure.find('@'), 1, place);
+        const std::string what = "Select " + measure + " As d From " + table + " t " +
+                                 conditions[random_() % std::size(conditions)] + " Order By ";
+        const std::string limit = std::string(" ") + limits[random_() % std::size(limits)];
+        const std::string found = answer(what + (random_() % 2 == 0 ? "d" : measure) + limit);
+        ASSERT_EQ(found, answer(what + "d + 0" + limit)) << what << limit;
+        ASSERT_FALSE(found.starts_with("error")) << what << limit << found;
+        numRead += engine().translate(what + "d" + limit).contains(QLatin1String("Nearness")) ? 1 : 0;
+    }
+    EXPECT_EQ(numRead, 120U);
+    // In the place may stand what belongs to an outer row, or a query.
+    for (const auto& [nearest, all] :
+         {std::pair<const char*, const char*>{
+              "Select id, (Select Distance(b.obj, a.obj) From points b Where b.id <> a.id And b.obj Is Not "
+              "Null "
+              "Order By Distance(b.obj, a.obj) Limit 1) From few a Order By 1",
+              "Select id, (Select Min(Distance(b.obj, a.obj)) From points b Where b.id <> a.id) From few a "
+              "Order By 1"},
+          {"Select id From points Order By Distance(obj, (Select obj From few Where id = 3)) Limit 8",
+           "Select points.id From points, few Where few.id = 3 Order By Distance(points.obj, few.obj) Limit "
+           "8"}}) {
+        EXPECT_THAT(engine().translate(std::string(nearest)).toStdString(), ::testing::HasSubstr("Nearness"));
+        EXPECT_EQ(answer(nearest), answer(all));
+    }
+    // These are no queries for the nearest rows of a table.
+    for (const char* other :
+         {"Select id From points Order By Distance(obj, MakePoint(1, 2, 4326))",
+          "Select id From points Order By Distance(obj, MakePoint(1, 2, 4326)) Desc Limit 3",
+          "Select id From points Order By Distance(obj, Centroid(obj)) Limit 3",
+          "Select a.id From points a, few b Order By Distance(a.obj, b.obj) Limit 3",
+          "Select Count(*) From points Order By Distance(obj, MakePoint(1, 2, 4326)) Limit 3",
+          "Select Distinct id From points Order By Distance(obj, MakePoint(1, 2, 4326)) Limit 3",
+          "With points As (Select * From few) Select id From points Order By Distance(obj, MakePoint(1, 2, "
+          "4326)) Limit 3"}) {
+        EXPECT_THAT(engine().translate(std::string(other)).toStdString(),
+                    ::testing::Not(::testing::HasSubstr("Nearness")))
+            << other;
+        EXPECT_FALSE(answer(other).starts_with("error")) << other;
+    }
+}
+
 } // namespace
 
 } // namespace orvane
