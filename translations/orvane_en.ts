@@ -649,6 +649,30 @@
 <context>
     <name>orvane::geometry</name>
     <message>
+        <source>нужна линия из прямых отрезков</source>
+        <translation>expected a line of straight segments</translation>
+    </message>
+    <message>
+        <source>нужна точка</source>
+        <translation>expected a point</translation>
+    </message>
+    <message>
+        <source>у линии нет такого положения</source>
+        <translation>the line has no such position</translation>
+    </message>
+    <message>
+        <source>у линии осталось бы меньше двух положений</source>
+        <translation>the line would have fewer than two positions left</translation>
+    </message>
+    <message>
+        <source>нужна матрица</source>
+        <translation>expected a matrix</translation>
+    </message>
+    <message>
+        <source>у геометрии нет координатной системы</source>
+        <translation>the geometry has no coordinate system</translation>
+    </message>
+    <message>
         <source>Неизвестная единица длины «%0». Известные единицы: %1.</source>
         <translation>Unknown unit of length &quot;%0&quot;. Known units: %1.</translation>
     </message>

@@ -1,7 +1,7 @@
 #include <orvane/engine/functions/Geometry.h>
 
 #include "Barrier.h"
-#include "GeometryArguments.h"
+#include "GeometryCall.h"
 #include "PreparedArgument.h"
 #include "platform/cs/CoordSystem.h"
 #include "platform/cs/Transformer.h"
@@ -52,8 +52,10 @@ struct LastTransformation {
 };
 
 /// Reprojects the coordinates of a SpatiaLite blob where they stand, without a geometry object. False when
-/// this way does not apply.
-bool transformBlob(sqlite3_context* context, int count, sqlite3_value** values) {
+/// this way does not apply. `systems(position)`: the systems that the arguments name, the target and that of
+/// a geometry without one.
+template<typename Systems>
+bool transformBlob(sqlite3_context* context, int count, sqlite3_value** values, const Systems& systems) {
     EngineCache* cache = cacheOf(context);
     if (sqlite3_value_type(values[0]) != SQLITE_BLOB || cache->useGaiaCache() != EngineCache::NoMemo) {
         return false;
@@ -61,13 +63,13 @@ bool transformBlob(sqlite3_context* context, int count, sqlite3_value** values) 
     const std::string_view blob(static_cast<const char*>(sqlite3_value_blob(values[0])),
                                 static_cast<std::size_t>(sqlite3_value_bytes(values[0])));
     const auto header = readSpatialiteHeader(blob);
-    const CoordSystemPtr target = header ? coordSystemArgument(context, values, 1) : nullptr;
+    const CoordSystemPtr target = header ? systems(1) : nullptr;
     if (!target) {
         return false;
     }
     CoordSystemPtr source = header->srid > 0 ? cache->get(header->srid) : nullptr;
     if (!source && count > 2) {
-        source = coordSystemArgument(context, values, 2);
+        source = systems(2);
     }
     if (!source) {
         return false;
@@ -196,9 +198,31 @@ void transformToOrvGeo(sqlite3_context* context, int count, sqlite3_value** valu
 void transformToSLGeo(sqlite3_context* context, int count, sqlite3_value** values) {
     barrier(context, [&] {
         static const std::string name = "TransformToSLGeo";
-        if (hasTransformArguments(context, count, name) && !transformBlob(context, count, values)) {
+        const auto systems = [&](int position) { return coordSystemArgument(context, values, position); };
+        if (hasTransformArguments(context, count, name) && !transformBlob(context, count, values, systems)) {
             toGaia(transformedGeometry(context, count, values), context, cacheOf(context));
         }
+    });
+}
+
+void transform(sqlite3_context* context, int count, sqlite3_value** values) {
+    evaluate("Transform", 2, context, count, values, [=](const GeometryCall& call) -> GeometryPtr {
+        const CoordSystemPtr target = call.coordSystem(1);
+        if (!target) {
+            call.reject(1, QT_TRANSLATE_NOOP("orvane::geometry", "нужна известная координатная система"));
+        }
+        const auto systems = [&call](int position) { return call.coordSystem(position); };
+        if (target->epsg() != 0 && transformBlob(context, count, values, systems)) {
+            return nullptr; // the result is given
+        }
+        GeometryPtr geometry = call.geometry(0);
+        if (const CoordSystemPtr otherwise = call.coordSystem(2); otherwise && !geometry->coordSystem()) {
+            geometry = withCoordSystem(geometry, otherwise);
+        }
+        if (!geometry->coordSystem()) {
+            call.reject(0, QT_TRANSLATE_NOOP("orvane::geometry", "у геометрии нет координатной системы"));
+        }
+        return geometry->transformed(target);
     });
 }
 

@@ -226,6 +226,15 @@ const FunctionRecord records[] = {
                  {"TransformToSLGeo(obj, target [, default])",
                   "The object in another coordinate system, as a SpatiaLite geometry.",
                   "AsText(TransformToSLGeo(MakePoint(0, 0, 4326), 'epsg:32631'))", "POINT(166021.443081 0)"}),
+    alsoNamed(
+        "ST_Transform",
+        pureFunction(
+            "Transform",
+            geometries, Arity::between(2, 3), engine::transform,
+            {"Transform(obj, target [, default])",
+             "The object in another coordinate system, which an EPSG code or a text such as epsg:3857 "
+             "names; the default is that of an object without one. NULL where a position has no image.",
+             "AsText(Transform(MakePoint(30, 60, 4326), 3857))", "POINT(3339584.723798 8399737.889818)"})),
     pureFunction("FromOrvGeo", geometries, Arity::exactly(1), engine::fromOrvGeo,
                  {"FromOrvGeo(obj)", "The object as a SpatiaLite geometry, curves approximated.",
                   "AsText(FromOrvGeo(ToOrvGeo(MakePoint(1, 2))))", "POINT(1 2)"}),

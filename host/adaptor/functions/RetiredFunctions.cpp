@@ -9,6 +9,10 @@ namespace {
 const RetiredFunction retired[] = {
     {"ST_DrapeLine", nullptr},
     {"ST_DrapeLineExceptions", nullptr},
+    {"ST_TransformXY", "Transform"},
+    {"ST_TransformXYZ", "Transform"},
+    {"TransformXY", "Transform"},
+    {"TransformXYZ", "Transform"},
 };
 
 void refuse(sqlite3_context* context, int, sqlite3_value**) {

@@ -22,7 +22,7 @@ protected:
     /// What a function takes behind its first geometry.
     static std::string secondArgument(const adaptor::FunctionRecord& record, const std::string& geometry) {
         const std::string name = record.name;
-        const bool takesSystem = name.rfind("TransformTo", 0) == 0 || name == "ToOrvGeo";
+        const bool takesSystem = name.rfind("Transform", 0) == 0 || name == "ToOrvGeo";
         const bool takesTwo = record.group == std::string("Relations") ||
                               name.find("Distance") != name.npos || name == "IsNear";
         if (record.arity.minimum == 5) {

@@ -43,7 +43,7 @@ INSTANTIATE_TEST_SUITE_P(Functions, TablesTest,
                                                           "functions/dates.txt", "functions/formats.txt",
                                                           "functions/geometry.txt", "functions/making.txt",
                                                           "functions/overlay.txt", "functions/access.txt",
-                                                          "functions/forms.txt"),
+                                                          "functions/forms.txt", "functions/editing.txt"),
                                           testing::ValuesIn(zones)));
 
 } // namespace

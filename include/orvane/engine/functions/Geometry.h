@@ -96,6 +96,9 @@ ORVANE_ENGINE_EXPORT void toOrvGeo(sqlite3_context* context, int count, sqlite3_
 /// image in it.
 ORVANE_ENGINE_EXPORT void transformToOrvGeo(sqlite3_context* context, int count, sqlite3_value** values);
 ORVANE_ENGINE_EXPORT void transformToSLGeo(sqlite3_context* context, int count, sqlite3_value** values);
+/// The same, the systems by EPSG codes or texts. NULL for NULL, and where a position has no image; a system
+/// that is not known, and a geometry without one, are errors.
+ORVANE_ENGINE_EXPORT void transform(sqlite3_context* context, int count, sqlite3_value** values);
 /// The SpatiaLite blob of a geometry, curves approximated.
 ORVANE_ENGINE_EXPORT void fromOrvGeo(sqlite3_context* context, int count, sqlite3_value** values);
 
