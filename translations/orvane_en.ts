@@ -816,6 +816,22 @@
         <source>геометрия не имеет места в WGS 84</source>
         <translation>the geometry has no place in WGS 84</translation>
     </message>
+    <message>
+        <source>нужна точка</source>
+        <translation>expected a point</translation>
+    </message>
+    <message>
+        <source>нужны конечные координаты</source>
+        <translation>expected finite coordinates</translation>
+    </message>
+    <message>
+        <source>нужно число от 0.0001 до 1</source>
+        <translation>expected a number from 0.0001 to 1</translation>
+    </message>
+    <message>
+        <source>У геометрий слишком много вершин.</source>
+        <translation>The geometries have too many vertices.</translation>
+    </message>
 </context>
 <context>
     <name>orvane::shell::Shell</name>

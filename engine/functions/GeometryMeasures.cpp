@@ -13,8 +13,11 @@ namespace orvane::engine {
 
 namespace {
 
+/// A number asks for metres, as with SpatiaLite, where it asks for the ellipsoid.
 QString unitsArgument(int count, sqlite3_value** values, int position) {
-    return count > position ? toQString(values[position]) : QString();
+    return count > position && sqlite3_value_numeric_type(values[position]) == SQLITE_TEXT
+               ? toQString(values[position])
+               : QString();
 }
 
 void measure(sqlite3_context* context, int count, sqlite3_value** values,

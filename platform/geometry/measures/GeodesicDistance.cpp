@@ -1,13 +1,11 @@
-#include "platform/geometry/measures/GeodesicPieces.h"
-
 #include "platform/cs/CoordSystem.h"
-#include "platform/geometry/shapes/Shapes.h"
+#include "platform/geometry/measures/GeodesicForm.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 #include <numbers>
-#include <utility>
+#include <optional>
 
 // The shortest geodesic between two shapes. In space a geodesic is longer than its chord by what lies between
 // the circles of the smallest and of the largest radius of curvature, so that distances in space, which are
@@ -16,106 +14,6 @@
 namespace orvane::geometry {
 
 namespace {
-
-struct Box {
-    Vector least{INFINITY, INFINITY, INFINITY};
-    Vector most{-INFINITY, -INFINITY, -INFINITY};
-
-    void add(const Vector& position, double around) {
-        for (std::size_t i = 0; i < 3; ++i) {
-            least[i] = std::min(least[i], position[i] - around);
-            most[i] = std::max(most[i], position[i] + around);
-        }
-    }
-    double size() const { return norm(most - least); }
-    double distance(const Box& other) const {
-        double sum = 0.0;
-        for (std::size_t i = 0; i < 3; ++i) {
-            const double gap = std::max({0.0, least[i] - other.most[i], other.least[i] - most[i]});
-            sum += gap * gap;
-        }
-        return std::sqrt(sum);
-    }
-};
-
-/// Pieces by their place: halves of halves.
-class PieceTree {
-public:
-    struct Node {
-        Box box;
-        std::size_t first, last;  ///< pieces [first, last)
-        std::size_t children = 0; ///< the first of two; 0 for none
-    };
-
-    explicit PieceTree(std::vector<Piece> pieces) : pieces_(std::move(pieces)) {
-        nodes_.emplace_back();
-        build(0, 0, pieces_.size());
-    }
-
-    const Node& node(std::size_t index) const { return nodes_[index]; }
-    const Piece& piece(std::size_t index) const { return pieces_[index]; }
-
-private:
-    void build(std::size_t index, std::size_t first, std::size_t last) {
-        constexpr std::size_t fewPieces = 4;
-        Node node{{}, first, last};
-        for (std::size_t i = first; i < last; ++i) {
-            node.box.add(pieces_[i].begin.vector, pieces_[i].sagitta);
-            node.box.add(pieces_[i].end.vector, pieces_[i].sagitta);
-        }
-        if (last - first > fewPieces) {
-            const Vector sides = node.box.most - node.box.least;
-            const auto axis =
-                static_cast<std::size_t>(std::max_element(sides.begin(), sides.end()) - sides.begin());
-            const std::size_t middle = first + (last - first) / 2;
-            const auto at = [this](std::size_t i) {
-                return pieces_.begin() + static_cast<std::ptrdiff_t>(i);
-            };
-            std::nth_element(at(first), at(middle), at(last), [axis](const Piece& a, const Piece& b) {
-                return a.begin.vector[axis] + a.end.vector[axis] < b.begin.vector[axis] + b.end.vector[axis];
-            });
-            node.children = nodes_.size();
-            nodes_.resize(nodes_.size() + 2);
-            build(node.children, first, middle);
-            build(node.children + 1, middle, last);
-        }
-        nodes_[index] = node;
-    }
-
-    std::vector<Piece> pieces_;
-    std::vector<Node> nodes_;
-};
-
-/// How far along a chord, 0 to 1, it is nearest to a position.
-double nearestOn(const Piece& piece, const Vector& position) {
-    const Vector chord = piece.end.vector - piece.begin.vector;
-    const double square = dot(chord, chord);
-    return square > 0.0 ? std::clamp(dot(position - piece.begin.vector, chord) / square, 0.0, 1.0) : 0.0;
-}
-
-Vector onChord(const Piece& piece, double part) {
-    return piece.begin.vector + part * (piece.end.vector - piece.begin.vector);
-}
-
-/// Where two chords are nearest to each other, and how far apart they are there.
-struct ChordsApart {
-    double partA, partB, distance;
-};
-
-ChordsApart chordsApart(const Piece& a, const Piece& b) {
-    const Vector chordA = a.end.vector - a.begin.vector;
-    const Vector chordB = b.end.vector - b.begin.vector;
-    const Vector between = b.begin.vector - a.begin.vector;
-    const double aa = dot(chordA, chordA), bb = dot(chordB, chordB), ab = dot(chordA, chordB);
-    const double determinant = aa * bb - ab * ab;
-    double partA =
-        determinant > 0.0
-            ? std::clamp((dot(between, chordA) * bb - dot(between, chordB) * ab) / determinant, 0.0, 1.0)
-            : 0.0;
-    const double partB = nearestOn(b, onChord(a, partA));
-    partA = nearestOn(a, onChord(b, partB));
-    return {partA, partB, norm(onChord(b, partB) - onChord(a, partA))};
-}
 
 class NearestSearch {
 public:
@@ -126,9 +24,9 @@ public:
                                    shape.equatorialRadius * shape.equatorialRadius / polar});
     }
 
-    double run() {
+    GeodesicNearest run() {
         search(0, 0);
-        return best_;
+        return nearest_;
     }
 
 private:
@@ -165,12 +63,13 @@ private:
             return;
         }
         if (!a.isPoint() && !b.isPoint() && apart.distance <= around && cross(a, b, apart)) {
-            found(0.0);
             return;
         }
+        isPieceOfB_ = false;
         if (!a.isPoint() || b.isPoint()) {
             compareEnds(a, b);
         }
+        isPieceOfB_ = true;
         if (!b.isPoint()) {
             compareEnds(b, a);
         }
@@ -190,14 +89,22 @@ private:
         }
     }
 
-    void found(double distance) {
-        if (distance < best_) {
-            best_ = distance;
+    void found(double distance, const Position& onPiece, const Position& other) {
+        if (distance < nearest_.distance) {
+            nearest_.distance = distance;
+            place(onPiece, other);
             // A geodesic as long as the best has at least this chord, where it bends least.
-            reach_ = best_ < std::numbers::pi * largestRadius_
-                         ? 2.0 * largestRadius_ * std::sin(best_ / (2.0 * largestRadius_))
+            reach_ = distance < std::numbers::pi * largestRadius_
+                         ? 2.0 * largestRadius_ * std::sin(distance / (2.0 * largestRadius_))
                          : std::numeric_limits<double>::infinity();
         }
+    }
+
+    void place(const Position& onPiece, const Position& other) {
+        const Position& onA = isPieceOfB_ ? other : onPiece;
+        const Position& onB = isPieceOfB_ ? onPiece : other;
+        nearest_.onA = {onA.longitude, onA.latitude};
+        nearest_.onB = {onB.longitude, onB.latitude};
     }
 
     double between(const Position& a, const Position& b, double* azimuthA) const {
@@ -211,12 +118,12 @@ private:
     void measure(const Piece& piece, const Position& position) {
         double towards = 0.0;
         const double fromBegin = between(piece.begin, position, &towards);
-        found(fromBegin);
+        found(fromBegin, piece.begin, position);
         if (piece.isPoint()) {
             return;
         }
         const double fromEnd = between(piece.end, position, nullptr);
-        found(fromEnd);
+        found(fromEnd, piece.end, position);
         geod_geodesicline line;
         geod_inverseline(&line, &ellipsoid_, piece.begin.latitude, piece.begin.longitude, piece.end.latitude,
                          piece.end.longitude, 0);
@@ -227,23 +134,30 @@ private:
         const double approach = cosine(towards, line.azi1);
         // Up to a quarter of the way around, the distance along the piece is a convex function.
         constexpr double quarter = 9.9e6;
-        if (!(approach > 0.0) ||
-            (fromEnd < quarter && fromBegin < quarter && fromBegin - approach * line.s13 >= best_)) {
+        if (!(approach > 0.0) || (fromEnd < quarter && fromBegin < quarter &&
+                                  fromBegin - approach * line.s13 >= nearest_.distance)) {
             return;
         }
+        Position here{};
+        double distance = 0.0;
         signChange(0.0, line.s13, 1e-6, [&](double along) {
-            Position here{};
             double lineAzimuth = 0.0;
             double azimuth = 0.0;
             geod_position(&line, along, &here.latitude, &here.longitude, &lineAzimuth);
-            found(between(here, position, &azimuth));
+            distance = between(here, position, &azimuth);
+            found(distance, here, position);
             return cosine(azimuth, lineAzimuth);
         });
+        // Distances around the foot are the same but for rounding; the angle tells where it is.
+        constexpr double rounding = 1e-8;
+        if (distance < nearest_.distance + rounding) {
+            place(here, position);
+        }
     }
 
-    /// Whether two geodesics cross, by going again and again to where they would in the plane: C. F. F.
-    /// Karney, Geodesic intersections, J. Surveying Eng. 150(3) (2024).
-    bool cross(const Piece& a, const Piece& b, const ChordsApart& start) const {
+    /// Whether two geodesics cross, which is noted, by going again and again to where they would in the
+    /// plane: C. F. F. Karney, Geodesic intersections, J. Surveying Eng. 150(3) (2024).
+    bool cross(const Piece& a, const Piece& b, const ChordsApart& start) {
         geod_geodesicline lineA;
         geod_geodesicline lineB;
         geod_inverseline(&lineA, &ellipsoid_, a.begin.latitude, a.begin.longitude, a.end.latitude,
@@ -277,120 +191,41 @@ private:
                 return false; // nearly side by side, and far from crossing
             }
         }
-        return moved <= precision && alongA >= 0.0 && alongA <= lineA.s13 && alongB >= 0.0 &&
-               alongB <= lineB.s13;
+        if (!(moved <= precision && alongA >= 0.0 && alongA <= lineA.s13 && alongB >= 0.0 &&
+              alongB <= lineB.s13)) {
+            return false;
+        }
+        Position here{};
+        geod_position(&lineA, alongA, &here.latitude, &here.longitude, nullptr);
+        found(0.0, here, here);
+        return true;
     }
 
     const geod_geodesic& ellipsoid_;
     const PieceTree& treeA_;
     const PieceTree& treeB_;
     double largestRadius_;
-    double best_ = std::numeric_limits<double>::infinity();
+    bool isPieceOfB_ = false; ///< what is measured to positions of the other
+    GeodesicNearest nearest_{std::numeric_limits<double>::infinity(), {}, {}};
     double reach_ = std::numeric_limits<double>::infinity(); ///< the chord of the best
 };
 
-/// Calls `use` with every sequence of positions in a linear geometry: points, lines, rings.
-template<typename Use>
-void forEachSequence(const Geometry& geometry, const Use& use) {
-    switch (geometry.type()) {
-    case GeometryType::Point:
-        if (!geometry.isEmpty()) {
-            const auto& point = static_cast<const Point&>(geometry);
-            use(CoordinateSequence(Dimensions::XY, std::span(point.ordinates(), 2)));
-        }
-        break;
-    case GeometryType::LineString: use(static_cast<const LineString&>(geometry).coordinates()); break;
-    case GeometryType::Polygon:
-        for (const CoordinateSequence& ring : static_cast<const Polygon&>(geometry).rings()) {
-            use(ring);
-        }
-        break;
-    default:
-        for (const GeometryPtr& part : static_cast<const GeometryCollection&>(geometry).parts()) {
-            forEachSequence(*part, use);
+/// A position of b inside an area of a. Their borders do not cross, so that one position of each part is
+/// enough.
+const Position* partHeld(const GeodesicForm& a, const GeodesicForm& b) {
+    for (const Area& area : a.areas) {
+        const auto held =
+            std::find_if(b.positions.begin(), b.positions.end(), [&area](const Position& position) {
+                return area.front().contains(position) &&
+                       std::none_of(area.begin() + 1, area.end(), [&position](const GeodesicRing& hole) {
+                           return hole.contains(position);
+                       });
+            });
+        if (held != b.positions.end()) {
+            return &*held;
         }
     }
-}
-
-PieceTree treeOf(const GeographicShape& shape) {
-    std::vector<Piece> pieces;
-    forEachSequence(*shape.geometry,
-                    [&](const CoordinateSequence& sequence) { appendPieces(shape, sequence, pieces); });
-    return PieceTree(std::move(pieces));
-}
-
-std::vector<Position> onePositionOfEach(const GeographicShape& shape) {
-    std::vector<Position> positions;
-    forEachSequence(*shape.geometry, [&](const CoordinateSequence& sequence) {
-        if (!sequence.isEmpty()) {
-            positions.push_back(positionAt(shape, sequence.x(0), sequence.y(0)));
-        }
-    });
-    return positions;
-}
-
-/// The border of an area, then those of its holes.
-using Area = std::vector<GeodesicRing>;
-
-void appendAreas(const GeographicShape& shape, const Geometry& geometry, std::vector<Area>& areas) {
-    if (const auto* collection = dynamic_cast<const GeometryCollection*>(&geometry)) {
-        for (const GeometryPtr& part : collection->parts()) {
-            appendAreas(shape, *part, areas);
-        }
-    } else if (geometry.type() == GeometryType::Polygon && !geometry.isEmpty()) {
-        Area& area = areas.emplace_back();
-        for (const CoordinateSequence& ring : static_cast<const Polygon&>(geometry).rings()) {
-            if (!ring.isEmpty()) {
-                area.emplace_back(shape, ring);
-            }
-        }
-    }
-}
-
-/// What is measured from, made once for a geometry. Stays where it is: the areas refer to the shape.
-struct GeodesicForm {
-    explicit GeodesicForm(const Geometry& geometry)
-        : shape(onEllipsoid(geometry)), tree(treeOf(shape)), positions(onePositionOfEach(shape)) {
-        appendAreas(shape, *shape.geometry, areas);
-    }
-    GeodesicForm(const GeodesicForm&) = delete;
-    GeodesicForm& operator=(const GeodesicForm&) = delete;
-
-    GeographicShape shape;
-    PieceTree tree;
-    std::vector<Position> positions; ///< one of each part
-    std::vector<Area> areas;
-};
-
-/// The form of the copy of a shape that was measured last: copies may have other systems.
-struct KeptGeodesicForm {
-    std::shared_ptr<const GeodesicForm> form;
-    std::shared_ptr<cs::CoordSystem> system;
-};
-
-std::shared_ptr<const GeodesicForm> formOf(const Geometry& geometry) {
-    if (geometry.type() == GeometryType::Point) {
-        return std::make_shared<const GeodesicForm>(geometry);
-    }
-    KeptForm& shared = geometry.keptForm();
-    const std::lock_guard lock(shared.mutex());
-    auto& kept = shared.get<KeptGeodesicForm>();
-    if (const auto system = geometry.coordSystem(); !kept.form || kept.system != system) {
-        kept = {std::make_shared<const GeodesicForm>(geometry), system};
-    }
-    return kept.form;
-}
-
-/// Whether an area of a has a position of b inside. Their borders do not cross, so that one position of each
-/// part is enough.
-bool holdsPartOf(const GeodesicForm& a, const GeodesicForm& b) {
-    return std::any_of(a.areas.begin(), a.areas.end(), [&b](const Area& area) {
-        return std::any_of(b.positions.begin(), b.positions.end(), [&area](const Position& position) {
-            return area.front().contains(position) &&
-                   std::none_of(area.begin() + 1, area.end(),
-                                [&position](const GeodesicRing& hole) { return hole.contains(position); });
-        });
-    });
+    return nullptr;
 }
 
 /// Of two points in degrees, which most distances are measured between.
@@ -413,14 +248,28 @@ std::optional<double> pointDistance(const Geometry& a, const Geometry& b) {
 
 } // namespace
 
-double geodesicDistance(const Geometry& a, const Geometry& b) {
-    if (const auto distance = pointDistance(a, b)) {
-        return *distance;
-    }
+GeodesicNearest geodesicNearest(const Geometry& a, const Geometry& b) {
     const auto first = formOf(a);
     const auto second = formOf(b);
-    const double distance = NearestSearch(first->shape, first->tree, second->tree).run();
-    return distance > 0.0 && (holdsPartOf(*first, *second) || holdsPartOf(*second, *first)) ? 0.0 : distance;
+    GeodesicNearest nearest = NearestSearch(first->shape, first->tree, second->tree).run();
+    if (nearest.distance > 0.0) {
+        const Position* held = partHeld(*first, *second);
+        held = held ? held : partHeld(*second, *first);
+        if (held) {
+            const std::array place{held->longitude, held->latitude};
+            nearest = {0.0, place, place};
+        }
+    }
+    return nearest;
+}
+
+double geodesicDistance(const Geometry& a, const Geometry& b) {
+    const auto distance = pointDistance(a, b);
+    return distance ? *distance : geodesicNearest(a, b).distance;
+}
+
+GeodesicNearest nearestIn(const GeographicShape& shape, const PieceTree& a, const PieceTree& b) {
+    return NearestSearch(shape, a, b).run();
 }
 
 } // namespace orvane::geometry

@@ -4,6 +4,8 @@
 
 #include <geodesic.h>
 
+#include <array>
+
 namespace orvane::geometry {
 
 /// A linear geometry with longitudes and latitudes in degrees, and the ellipsoid beneath.
@@ -25,6 +27,15 @@ double geodesicArea(const GeographicShape& shape);
 /// Between geometries of one coordinate system that are not empty; 0 when they meet. What it takes to measure
 /// from a geometry again is kept with it. Throws as onEllipsoid does.
 double geodesicDistance(const Geometry& a, const Geometry& b);
+
+/// Where two shapes are nearest to each other: longitude and latitude in degrees. One position where they
+/// meet.
+struct GeodesicNearest {
+    double distance;
+    std::array<double, 2> onA, onB;
+};
+/// As geodesicDistance.
+GeodesicNearest geodesicNearest(const Geometry& a, const Geometry& b);
 
 /// The ellipsoid of a system. The one of this thread that was asked for last is kept.
 const geod_geodesic& ellipsoidOf(const cs::CoordSystem& system);

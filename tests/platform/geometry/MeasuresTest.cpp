@@ -3,6 +3,7 @@
 #include "support/TextTable.h"
 #include "support/Wkt.h"
 
+#include "platform/geometry/measures/Extremes.h"
 #include "platform/geometry/measures/Measures.h"
 #include "platform/geometry/measures/Units.h"
 
@@ -131,6 +132,20 @@ TEST(Distances, KnownValues) {
                                     ? sphericalObjectDistance(*a, *b, QStringLiteral("m"))
                                     : cartesianObjectDistance(*a, *b, QString());
         EXPECT_NEAR(distance, expected.toDouble(), tolerance.toDouble()) << row.place;
+        if (epsgA != epsgB) {
+            continue;
+        }
+        // The line between the nearest positions is as long, and its ends lie on the two.
+        const auto line = shortestLine(*a, *b);
+        const double general = geometry::distance(*a, *b, QString());
+        EXPECT_NEAR(length(*line, QString()), general, 1e-9 * (1 + general)) << row.place;
+        for (const auto& [end, other] : {std::pair(0U, a), std::pair(1U, b)}) {
+            Point place(line->coordinates().x(end), line->coordinates().y(end));
+            place.setCoordSystem(a->coordSystem());
+            EXPECT_NEAR(geometry::distance(place, *other, QString()), 0, 1e-5) << row.place;
+        }
+        EXPECT_GE(maxDistance(*a, *b), general * (1 - 1e-12)) << row.place;
+        EXPECT_GE(hausdorffDistance(*a, *b, 1), general * (1 - 1e-12)) << row.place;
     }
     EXPECT_THROW(
         sphericalObjectDistance(*fromWkt("POINT(0 0)", 4326), *fromWkt("POINT EMPTY", 4326), QString()),
