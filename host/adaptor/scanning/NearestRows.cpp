@@ -51,7 +51,7 @@ NearestRows::NearestRows(VirtualTable& table, const dp::ScanRequest& request,
         std::find(attributes.begin(), attributes.end(), geometryAttribute_) == attributes.end()) {
         attributes.push_back(geometryAttribute_);
     }
-    if (isLooked) {
+    if (isLooked && !centre_->isEmpty()) { // to which no row has a distance
         search_.emplace(table_.spatialIndex(cancellation_), table_.table(), *centre_, asked_, wanted);
     }
 }
