@@ -832,6 +832,50 @@
         <source>У геометрий слишком много вершин.</source>
         <translation>The geometries have too many vertices.</translation>
     </message>
+    <message>
+        <source>нужно число больше нуля</source>
+        <translation>a number above zero is expected</translation>
+    </message>
+    <message>
+        <source>нужно число от 0 до 1</source>
+        <translation>a number from 0 to 1 is expected</translation>
+    </message>
+    <message>
+        <source>единицы есть только у координатных систем на плоскости</source>
+        <translation>only coordinate systems of a plane have units here</translation>
+    </message>
+    <message>
+        <source>В результате было бы больше %0 частей.</source>
+        <translation>The result would have more than %0 parts.</translation>
+    </message>
+    <message>
+        <source>Полигон строится из замкнутых линий.</source>
+        <translation>A polygon is made of closed lines.</translation>
+    </message>
+    <message>
+        <source>Полигон строится из замкнутых линий; эта линия не замкнута.</source>
+        <translation>A polygon is made of closed lines; this one is not closed.</translation>
+    </message>
+    <message>
+        <source>Граница полигона — одна замкнутая линия.</source>
+        <translation>The border of a polygon is one closed line.</translation>
+    </message>
+    <message>
+        <source>нужно число, не меньшее нуля</source>
+        <translation>a number not below zero is expected</translation>
+    </message>
+    <message>
+        <source>нужны точки или линии</source>
+        <translation>points or lines are expected</translation>
+    </message>
+    <message>
+        <source>нужно целое число, не меньшее 5</source>
+        <translation>a whole number not below 5 is expected</translation>
+    </message>
+    <message>
+        <source>нужно 1 (точки), 2 (линии) или 3 (полигоны)</source>
+        <translation>1 (points), 2 (lines) or 3 (polygons) is expected</translation>
+    </message>
 </context>
 <context>
     <name>orvane::shell::Shell</name>
