@@ -876,6 +876,22 @@
         <source>нужно 1 (точки), 2 (линии) или 3 (полигоны)</source>
         <translation>1 (points), 2 (lines) or 3 (polygons) is expected</translation>
     </message>
+    <message>
+        <source>нужно число больше нуля</source>
+        <translation>a number above zero is expected</translation>
+    </message>
+    <message>
+        <source>нужна точка</source>
+        <translation>a point is expected</translation>
+    </message>
+    <message>
+        <source>нужно число от 0 до 1</source>
+        <translation>a number from 0 to 1 is expected</translation>
+    </message>
+    <message>
+        <source>единицы есть только у координатных систем на плоскости</source>
+        <translation>only coordinate systems of a plane have units here</translation>
+    </message>
 </context>
 <context>
     <name>orvane::shell::Shell</name>

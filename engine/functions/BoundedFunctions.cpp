@@ -26,8 +26,6 @@ constexpr double largestAngle = 1e6;
 /// Characters.
 constexpr double widestPicture = 1e7;
 
-constexpr const char* cells = "((MbrMaxX(?1) - MbrMinX(?1)) / Abs(?2) + 1) * "
-                              "((MbrMaxY(?1) - MbrMinY(?1)) / Abs(?2) + 1)";
 constexpr const char* pieces = "(Coalesce(GLength(?1), 0) + Coalesce(Perimeter(?1), 0)) / Abs(?2)";
 
 struct Bound {
@@ -45,14 +43,6 @@ const std::vector<Bound>& bounds() {
         {"MakeCircularStripe", {6, 7, 8}, 4},
         {"MakeEllipticArc", {6, 7, 8}, 4},
         {"MakeEllipticSector", {6, 7, 8}, 4},
-        {"SquareGrid", {2, 3, 4}, -1, cells},
-        {"ST_SquareGrid", {2, 3, 4}, -1, cells},
-        {"TriangularGrid", {2, 3, 4}, -1, cells},
-        {"ST_TriangularGrid", {2, 3, 4}, -1, cells},
-        {"HexagonalGrid", {2, 3, 4}, -1, cells},
-        {"ST_HexagonalGrid", {2, 3, 4}, -1, cells},
-        {"Segmentize", {2}, -1, pieces},
-        {"ST_Segmentize", {2}, -1, pieces},
         {"Line_Interpolate_Equidistant_Points", {2}, -1, pieces},
         {"ST_Line_Interpolate_Equidistant_Points", {2}, -1, pieces},
         {"printf", {-1}, -1, nullptr, true},

@@ -6,6 +6,7 @@
 #include "platform/geometry/forms/GeometryFactory.h"
 #include "platform/geometry/overlay/Overlay.h"
 #include "platform/geometry/shapes/Curves.h"
+#include "platform/geometry/shaping/Hulls.h"
 #include <orvane/engine/EngineCache.h>
 #include <orvane/engine/GeometryConversions.h>
 
@@ -13,6 +14,7 @@
 
 #include <memory>
 #include <new>
+#include <optional>
 #include <stdexcept>
 
 namespace orvane::engine {
@@ -29,23 +31,29 @@ public:
           longest_(sqlite3_limit(sqlite3_context_db_handle(context), SQLITE_LIMIT_LENGTH, -1)) {}
 
     const GatheredParts& parts() const { return parts_; }
+    const geometry::Envelope& extent() const { return extent_; }
+    bool isEmpty() const { return parts_.count() == 0 && extent_.isEmpty(); }
     const work::Cancellation& cancellation() const { return cancellation_; }
     int srid() const { return srid_; }
     /// More bytes than a value may have.
     bool isTooLarge() const { return parts_.size() > static_cast<std::size_t>(longest_); }
 
     void add(sqlite3_context* context, sqlite3_value* value) {
-        if (sqlite3_value_type(value) != SQLITE_BLOB) {
-            return;
-        }
-        const std::string_view blob(static_cast<const char*>(sqlite3_value_blob(value)),
-                                    static_cast<std::size_t>(sqlite3_value_bytes(value)));
-        const auto header = readSpatialiteHeader(blob);
+        const auto header = headerOf(value);
         if (header && takesSystem(header->srid) && parts_.add(*header)) {
             return;
         }
         if (const GeometryPtr geometry = toGeometry(context, value, true)) {
             parts_.add(*geometry::linearized(inSystem(geometry)));
+        }
+    }
+    /// No more than the bounding box of it.
+    void addExtent(sqlite3_context* context, sqlite3_value* value) {
+        const auto header = headerOf(value);
+        if (header && isSoundSpatialiteBlob(*header) && takesSystem(header->srid)) {
+            extent_.add(header->envelope);
+        } else if (const GeometryPtr geometry = toGeometry(context, value, true)) {
+            extent_.add(inSystem(geometry)->envelope());
         }
     }
 
@@ -71,6 +79,14 @@ public:
     }
 
 private:
+    static std::optional<SpatialiteHeader> headerOf(sqlite3_value* value) {
+        if (sqlite3_value_type(value) != SQLITE_BLOB) {
+            return std::nullopt;
+        }
+        return readSpatialiteHeader({static_cast<const char*>(sqlite3_value_blob(value)),
+                                     static_cast<std::size_t>(sqlite3_value_bytes(value))});
+    }
+
     /// Whether a geometry with this SRID needs no reprojection. The first one determines the system.
     bool takesSystem(int srid) {
         if (srid <= 0 || srid == srid_) {
@@ -110,6 +126,7 @@ private:
     EngineCache& cache_;
     const int longest_;
     GatheredParts parts_;
+    geometry::Envelope extent_;
     std::shared_ptr<cs::CoordSystem> coordSystem_;
     int srid_ = 0;
     const work::Cancellation cancellation_;
@@ -120,6 +137,18 @@ struct State {
     Group* group;
 };
 
+/// The group of a step, begun by the first.
+Group& groupOf(sqlite3_context* context) {
+    auto* const state = static_cast<State*>(sqlite3_aggregate_context(context, sizeof(State)));
+    if (!state) {
+        throw std::bad_alloc();
+    }
+    if (!state->group) {
+        state->group = new Group(context);
+    }
+    return *state->group;
+}
+
 /// Computes the result of a group that has parts. SQLite also ends the groups of a statement that was
 /// cancelled or given up: those of a cancelled one are only let go.
 template<typename Compute>
@@ -127,7 +156,7 @@ void endGroup(sqlite3_context* context, const Compute& compute) {
     barrier(context, [&] {
         const auto* const state = static_cast<State*>(sqlite3_aggregate_context(context, 0));
         const std::unique_ptr<const Group> group(state ? state->group : nullptr);
-        if (group && group->parts().count() > 0) {
+        if (group && !group->isEmpty()) {
             group->cancellation().check();
             compute(*group);
         }
@@ -145,17 +174,21 @@ geometry::NextGeometry partsOf(const Group& group) {
 
 void GeometryAggregate::step(sqlite3_context* context, int, sqlite3_value** values) {
     barrier(context, [&] {
-        auto* const state = static_cast<State*>(sqlite3_aggregate_context(context, sizeof(State)));
-        if (!state) {
-            throw std::bad_alloc();
-        }
-        if (!state->group) {
-            state->group = new Group(context);
-        }
-        state->group->add(context, values[0]);
-        if (state->group->isTooLarge()) {
+        Group& group = groupOf(context);
+        group.add(context, values[0]);
+        if (group.isTooLarge()) {
             sqlite3_result_error_toobig(context);
         }
+    });
+}
+
+void Extent::step(sqlite3_context* context, int, sqlite3_value** values) {
+    barrier(context, [&] { groupOf(context).addExtent(context, values[0]); });
+}
+
+void Extent::final(sqlite3_context* context) {
+    endGroup(context, [context](const Group& group) {
+        group.setResult(context, geometry::rectangle(group.extent()));
     });
 }
 

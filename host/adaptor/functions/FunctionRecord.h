@@ -65,6 +65,7 @@ std::span<const FunctionRecord> formatRecords();
 std::span<const FunctionRecord> geometryRecords();
 std::span<const FunctionRecord> measureRecords();
 std::span<const FunctionRecord> overlayRecords();
+std::span<const FunctionRecord> shapingRecords();
 std::span<const FunctionRecord> makingRecords();
 std::span<const FunctionRecord> accessRecords();
 std::span<const FunctionRecord> formRecords();

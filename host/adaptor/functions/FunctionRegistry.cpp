@@ -61,8 +61,8 @@ std::vector<FunctionRecord> allFunctionRecords() {
     std::vector<FunctionRecord> records;
     for (const std::span<const FunctionRecord> family :
          {arithmeticRecords(), textRecords(), dateTimeRecords(), formatRecords(), geometryRecords(),
-          measureRecords(), overlayRecords(), makingRecords(), accessRecords(), formRecords(),
-          editingRecords(), libraryRecords(), sqliteRecords()}) {
+          measureRecords(), overlayRecords(), shapingRecords(), makingRecords(), accessRecords(),
+          formRecords(), editingRecords(), libraryRecords(), sqliteRecords()}) {
         records.insert(records.end(), family.begin(), family.end());
     }
     return records;

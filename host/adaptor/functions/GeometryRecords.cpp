@@ -183,6 +183,11 @@ const FunctionRecord records[] = {
                    "BuildMbr(1, 0, 4, "
                    "2)) t)",
                    "8"})),
+    aggregateFunction<engine::Extent>(
+        "Extent", aggregates, Arity::exactly(1),
+        {"Extent(obj)", "The bounding box of all objects, in the system of the first.",
+         "(Select AsText(Extent(p)) From (Select MakePoint(1, 2) As p Union All Select MakePoint(3, 4)) t)",
+         "POLYGON((1 2, 3 2, 3 4, 1 4, 1 2))"}),
     aggregateFunction<engine::MakeLine>(
         "MakeLine", aggregates, Arity::exactly(1),
         {"MakeLine(obj)", "The line through the positions of points and lines, in the order of the rows.",

@@ -38,13 +38,13 @@ TEST_P(TablesTest, EveryLineHolds) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Functions, TablesTest,
-                         testing::Combine(testing::Values("functions/arithmetic.txt", "functions/text.txt",
-                                                          "functions/dates.txt", "functions/formats.txt",
-                                                          "functions/geometry.txt", "functions/making.txt",
-                                                          "functions/measures.txt", "functions/lines.txt",
-                                                          "functions/overlay.txt", "functions/access.txt",
-                                                          "functions/forms.txt", "functions/editing.txt"),
-                                          testing::ValuesIn(zones)));
+INSTANTIATE_TEST_SUITE_P(
+    Functions, TablesTest,
+    testing::Combine(testing::Values("functions/arithmetic.txt", "functions/text.txt", "functions/dates.txt",
+                                     "functions/formats.txt", "functions/geometry.txt",
+                                     "functions/making.txt", "functions/measures.txt", "functions/lines.txt",
+                                     "functions/overlay.txt", "functions/access.txt", "functions/forms.txt",
+                                     "functions/editing.txt", "functions/shaping.txt"),
+                     testing::ValuesIn(zones)));
 
 } // namespace

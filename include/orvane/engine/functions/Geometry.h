@@ -116,6 +116,12 @@ struct ORVANE_ENGINE_EXPORT GeometryAggregate {
     static void step(sqlite3_context* context, int count, sqlite3_value** values);
 };
 
+/// The bounding box of all, of curves themselves: an area, or the line or point that it is.
+struct ORVANE_ENGINE_EXPORT Extent {
+    static void step(sqlite3_context* context, int count, sqlite3_value** values);
+    static void final(sqlite3_context* context);
+};
+
 /// The multi-part geometry of all parts, or a collection when they are of different kinds; of one geometry,
 /// that geometry. z and m are 0 where only others have them.
 struct ORVANE_ENGINE_EXPORT Collect : GeometryAggregate {
