@@ -27,8 +27,8 @@ bool isGeometryOf(const ast::NodePtr& node, const ast::TablePrimary& table) {
            (column->qualifier.empty() || toLowercase(column->qualifier) == qualifierOf(table));
 }
 
-/// Whether a value does not depend on the rows of the table, and is one value: so that a scan can be told of it
-/// when it starts.
+/// Whether a value does not depend on the rows of the table, and is one value: so that a scan can be told of
+/// it when it starts.
 class Independence {
 public:
     Independence(const ast::TablePrimary& table, const TableColumns& tableColumns)
@@ -108,9 +108,9 @@ bool isOfRows(const ast::QuerySpecification& query) {
     for (const ast::NodePtr& column : query.columns) {
         ast::forEachNode(*column, [&isPlain](const ast::Node& node) {
             const auto* function = ast::nodeAs<ast::Function>(&node);
-            isPlain = isPlain &&
-                      !(function && (function->over || function->filter || isAggregate(*function) ||
-                                     toLowercase(function->name) == L"rownum"));
+            isPlain =
+                isPlain && !(function && (function->over || function->filter || isAggregate(*function) ||
+                                          toLowercase(function->name) == L"rownum"));
             return isPlain && !ast::isQuery(&node);
         });
     }
@@ -146,7 +146,8 @@ std::shared_ptr<const ast::QuerySpecification> withNearestFirst(const ast::Query
     const auto origin = std::make_shared<ast::Function>(
         L"Nearness", ast::NodeList{place, number(L"0"), units, number(L"0"), number(isFirst ? L"0" : L"1")});
     const ast::NodePtr isOrigin = std::make_shared<ast::Operation>(
-        OperationCode::Is, std::make_shared<ast::ColumnReference>(std::wstring(), originColumnName()), origin);
+        OperationCode::Is, std::make_shared<ast::ColumnReference>(std::wstring(), originColumnName()),
+        origin);
     auto rewritten = std::make_shared<ast::QuerySpecification>(query);
     rewritten->where =
         query.where ? std::make_shared<ast::Operation>(OperationCode::And, query.where, isOrigin) : isOrigin;

@@ -3,6 +3,7 @@
 #include "engine/translation/ComputedTexts.h"
 #include "engine/translation/FixedColumns.h"
 #include "engine/translation/NearestFirst.h"
+#include "engine/translation/OuterOrder.h"
 #include "engine/translation/SpatialConditions.h"
 #include "platform/sql/lexing/SqlStrings.h"
 
@@ -60,7 +61,10 @@ ast::NodePtr SqliteStringBuilder::collated(const ast::NodePtr& value) const {
 }
 
 void SqliteStringBuilder::visit(const ast::QuerySpecification& node) {
-    const auto rewritten = nearestFirst(node);
+    auto rewritten = nearestFirst(node);
+    if (!rewritten && !frames_.empty()) {
+        rewritten = withOrderFurtherIn(node);
+    }
     visitSpecification(rewritten ? *rewritten : node);
 }
 

@@ -28,8 +28,8 @@ geometry::GeometryPtr placedIn(const std::shared_ptr<cs::CoordSystem>& coordSyst
     return geometry::fitGeometry(placed);
 }
 
-std::optional<double> measuredDistance(const geometry::GeometryPtr& geometry, const geometry::Geometry& centre,
-                                       const geometry::Nearness& asked) {
+std::optional<double> measuredDistance(const geometry::GeometryPtr& geometry,
+                                       const geometry::Geometry& centre, const geometry::Nearness& asked) {
     if (!geometry || geometry->isEmpty() || centre.isEmpty()) {
         return std::nullopt;
     }

@@ -11,8 +11,8 @@ namespace orvane::adaptor {
 /// The geometry in a coordinate system if it has none of its own.
 geometry::GeometryPtr placedIn(const std::shared_ptr<cs::CoordSystem>& coordSystem,
                                const geometry::GeometryPtr& geometry);
-/// A distance as the SQL function tells it, the centre having a system if the geometry has one: none for a geometry that is null or empty. Throws
-/// std::runtime_error as geometry::distance does.
+/// A distance as the SQL function tells it, the centre having a system if the geometry has one: none for a
+/// geometry that is null or empty. Throws std::runtime_error as geometry::distance does.
 std::optional<double> measuredDistance(const geometry::GeometryPtr& own, const geometry::Geometry& centre,
                                        const geometry::Nearness& asked);
 
@@ -25,8 +25,8 @@ public:
         std::optional<double> distance;
     };
 
-    /// Of what is asked the distance counts for nothing, and the kind is the general one. The centre, the index
-    /// and the table outlive the search. `wanted` features are likely all that is asked for.
+    /// Of what is asked the distance counts for nothing, and the kind is the general one. The centre, the
+    /// index and the table outlive the search. `wanted` features are likely all that is asked for.
     NearestSearch(SpatialIndex& index, dp::Table& table, const geometry::Geometry& centre,
                   geometry::Nearness asked, std::size_t wanted);
 

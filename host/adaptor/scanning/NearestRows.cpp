@@ -40,11 +40,10 @@ bool NearestRows::IdLess::operator()(const dp::FeatureId& a, const dp::FeatureId
 }
 
 NearestRows::NearestRows(VirtualTable& table, const dp::ScanRequest& request,
- const geometry::GeometryPtr& centre,
-                         geometry::Nearness asked, std::size_t wanted, bool isLooked,
-                         const work::Cancellation& cancellation)
-    : table_(table), request_(request), centre_(placedIn(table.table().coordSystem(), centre)), asked_(std::move(asked)),
-      distanceAttribute_(table.table().schema()->numAttributes()),
+                         const geometry::GeometryPtr& centre, geometry::Nearness asked, std::size_t wanted,
+                         bool isLooked, const work::Cancellation& cancellation)
+    : table_(table), request_(request), centre_(placedIn(table.table().coordSystem(), centre)),
+      asked_(std::move(asked)), distanceAttribute_(table.table().schema()->numAttributes()),
       geometryAttribute_(table.table().schema()->geometryIndex()), cancellation_(cancellation) {
     auto& attributes = request_.attributes;
     if (geometryAttribute_ >= 0 &&
@@ -121,8 +120,7 @@ void NearestRows::readRest() {
             continue;
         }
         const dp::Cell cell = geometryAttribute_ < 0 ? dp::Cell() : source->cell(geometryAttribute_);
-        const auto own =
-            cell.type() == dp::CellType::Wkb ? decodeWkb(cell.view(), coordSystem) : nullptr;
+        const auto own = cell.type() == dp::CellType::Wkb ? decodeWkb(cell.view(), coordSystem) : nullptr;
         const auto distance = measuredDistance(own, *centre_, asked_);
         if (!isBegun || (distance && *distance > reach)) {
             Measured measured(*source, distanceAttribute_, distance);

@@ -15,12 +15,12 @@
 namespace orvane::adaptor {
 
 /// The rows of a table in the order of their distance from a geometry, NULL first. A few are looked up in the
-/// spatial index, more and more of them while more are asked for; in the end, or when the terms of the request
-/// leave few rows over anyway, the others are read, measured and put in order at once.
+/// spatial index, more and more of them while more are asked for; in the end, or when the terms of the
+/// request leave few rows over anyway, the others are read, measured and put in order at once.
 class NearestRows final : public dp::Cursor {
 public:
-    /// `wanted` rows are likely all that is asked for. Without `isLooked` the spatial index is not used. Throws
-    /// std::runtime_error, work::Cancelled, as next does.
+    /// `wanted` rows are likely all that is asked for. Without `isLooked` the spatial index is not used.
+    /// Throws std::runtime_error, work::Cancelled, as next does.
     NearestRows(VirtualTable& table, const dp::ScanRequest& request, const geometry::GeometryPtr& centre,
                 geometry::Nearness asked, std::size_t wanted, bool isLooked,
                 const work::Cancellation& cancellation);
