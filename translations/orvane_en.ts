@@ -649,6 +649,38 @@
 <context>
     <name>orvane::geometry</name>
     <message>
+        <source>число %0 не помещается в эту запись.</source>
+        <translation>the number %0 does not fit into this form.</translation>
+    </message>
+    <message>
+        <source>это не сжатая ломаная.</source>
+        <translation>this is no encoded polyline.</translation>
+    </message>
+    <message>
+        <source>строка %0, знак %1: %2.</source>
+        <translation>line %0, character %1: %2.</translation>
+    </message>
+    <message>
+        <source>нужно число от 0 до 3</source>
+        <translation>expected a number from 0 to 3</translation>
+    </message>
+    <message>
+        <source>пустой геометрии в этой записи нет</source>
+        <translation>this form has no empty geometry</translation>
+    </message>
+    <message>
+        <source>нужна линия</source>
+        <translation>expected a line</translation>
+    </message>
+    <message>
+        <source>место вне земного шара</source>
+        <translation>the place is beyond the globe</translation>
+    </message>
+    <message>
+        <source>нужно обозначение ячейки GARS</source>
+        <translation>expected a code of a GARS cell</translation>
+    </message>
+    <message>
         <source>нужна линия из прямых отрезков</source>
         <translation>expected a line of straight segments</translation>
     </message>

@@ -6,11 +6,14 @@
 #include "platform/geometry/forms/GeometryFactory.h"
 #include "platform/geometry/forms/TextFormats.h"
 #include "platform/geometry/forms/TextReader.h"
+#include "platform/geometry/forms/TinyForms.h"
 #include "platform/geometry/overlay/Overlay.h"
 #include "platform/geometry/shapes/Failure.h"
 #include "platform/geometry/shapes/Shapes.h"
 #include "platform/work/Cancellation.h"
+#include <orvane/engine/EngineCache.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace orvane::engine {
@@ -18,6 +21,8 @@ namespace orvane::engine {
 namespace {
 
 using geometry::GeometryType;
+
+constexpr int wgs84 = 4326;
 
 /// In the system of the second argument, where it is given.
 GeometryPtr placed(const GeometryCall& call, const GeometryPtr& geometry) {
@@ -175,6 +180,52 @@ void geometryFromEwkb(sqlite3_context* context, int count, sqlite3_value** value
 void geometryFromGeoJson(sqlite3_context* context, int count, sqlite3_value** values) {
     evaluate("GeomFromGeoJSON", 1, context, count, values,
              [](const GeometryCall& call) -> GeometryPtr { return geometry::fromGeoJson(call.utf8(0)); });
+}
+
+void geometryFromGml(sqlite3_context* context, int count, sqlite3_value** values) {
+    evaluate("GeomFromGml", 1, context, count, values,
+             [](const GeometryCall& call) -> GeometryPtr { return geometry::fromGml(call.utf8(0)); });
+}
+
+void geometryFromKml(sqlite3_context* context, int count, sqlite3_value** values) {
+    evaluate("GeomFromKml", 1, context, count, values,
+             [](const GeometryCall& call) -> GeometryPtr { return geometry::fromKml(call.utf8(0)); });
+}
+
+void geometryFromFgf(sqlite3_context* context, int count, sqlite3_value** values) {
+    evaluate("GeomFromFGF", 1, context, count, values, [](const GeometryCall& call) {
+        return placed(call, geometry::GeometryFactory::fromFgf(call.blob(0)));
+    });
+}
+
+void geometryFromTwkb(sqlite3_context* context, int count, sqlite3_value** values) {
+    evaluate("GeomFromTWKB", 1, context, count, values,
+             [](const GeometryCall& call) { return placed(call, geometry::fromTwkb(call.blob(0))); });
+}
+
+void lineFromEncodedPolyline(sqlite3_context* context, int count, sqlite3_value** values) {
+    evaluate("ST_LineFromEncodedPolyline", 1, context, count, values, [](const GeometryCall& call) {
+        constexpr std::int64_t usualDigits = 5, mostDigits = 15;
+        const std::int64_t digits = std::clamp<std::int64_t>(call.integer(1, usualDigits), 0, mostDigits);
+        return withCoordSystem(std::make_shared<geometry::LineString>(
+                                   geometry::fromEncodedPolyline(call.utf8(0), static_cast<int>(digits))),
+                               call.cache().get(wgs84));
+    });
+}
+
+void areaFromGars(sqlite3_context* context, int count, sqlite3_value** values) {
+    evaluate("GARSMbr", 1, context, count, values, [](const GeometryCall& call) {
+        const auto cell = geometry::garsEnvelope(call.utf8(0));
+        if (!cell) {
+            call.reject(0, QT_TRANSLATE_NOOP("orvane::geometry", "нужно обозначение ячейки GARS"));
+        }
+        const double corners[] = {cell->minX, cell->minY, cell->maxX, cell->minY, cell->maxX,
+                                  cell->maxY, cell->minX, cell->maxY, cell->minX, cell->minY};
+        constexpr auto plain = geometry::Dimensions::XY;
+        std::vector<geometry::CoordinateSequence> rings{{plain, corners}};
+        return withCoordSystem(std::make_shared<geometry::Polygon>(plain, std::move(rings)),
+                               call.cache().get(wgs84));
+    });
 }
 
 } // namespace orvane::engine

@@ -19,8 +19,7 @@ using GaiaPtr = std::unique_ptr<gaiaGeomColl, GaiaDeleter>;
 /// The bytes that a writer of SpatiaLite's allocates for a geometry; empty where it makes none.
 class GaiaBytes {
 public:
-    using Writer = void (*)(gaiaGeomCollPtr, unsigned char**, int*);
-
+    template<typename Writer>
     GaiaBytes(const GaiaPtr& geometry, Writer write) {
         unsigned char* bytes = nullptr;
         write(geometry.get(), &bytes, &size_);

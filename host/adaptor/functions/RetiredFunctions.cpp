@@ -7,6 +7,8 @@ namespace orvane::adaptor {
 namespace {
 
 const RetiredFunction retired[] = {
+    {"AsX3D", "AsGml"},
+    {"ST_AsX3D", "AsGml"},
     {"ST_DrapeLine", nullptr},
     {"ST_DrapeLineExceptions", nullptr},
     {"ST_TransformXY", "Transform"},

@@ -19,4 +19,11 @@ ORVANE_PLATFORM_EXPORT std::shared_ptr<Geometry> fromWkt(std::string_view text);
 /// another system by its EPSG code.
 ORVANE_PLATFORM_EXPORT std::shared_ptr<Geometry> fromGeoJson(std::string_view text);
 
+/// The first geometry element of GML 2 or 3, arcs included. In the system that it names by an EPSG code, none
+/// without; its long names ("urn:ogc:def:crs:EPSG::4326") stand for the order of axes of the authority.
+ORVANE_PLATFORM_EXPORT std::shared_ptr<Geometry> fromGml(std::string_view text);
+
+/// The first geometry element of KML, in WGS 84.
+ORVANE_PLATFORM_EXPORT std::shared_ptr<Geometry> fromKml(std::string_view text);
+
 } // namespace orvane::geometry
