@@ -123,6 +123,46 @@ RelationForm repaired(const RelationForm& form) {
     return RelationForm(checked(GEOSMakeValid_r(geosContext(), form.whole())));
 }
 
+/// Whether an overlay leaves a form as it is: no lines that cross themselves, no areas that are not valid.
+bool isPlain(const GEOSGeometry* form) {
+    switch (GEOSGeomTypeId_r(geosContext(), form)) {
+    case GEOS_POINT: return true;
+    case GEOS_LINESTRING: return GEOSisSimple_r(geosContext(), form) == 1;
+    case GEOS_POLYGON: return GEOSisValid_r(geosContext(), form) == 1;
+    default: return false;
+    }
+}
+
+GeosPtr emptyForm(int dimension) {
+    return checked(dimension == 0   ? GEOSGeom_createEmptyPoint_r(geosContext())
+                   : dimension == 1 ? GEOSGeom_createEmptyLineString_r(geosContext())
+                                    : GEOSGeom_createEmptyPolygon_r(geosContext()));
+}
+
+/// What a clip, an area met again and again, leaves of something that lies all inside or all outside; null
+/// where it has to be computed.
+GeosPtr clippedAtOnce(RelationForm& clip, RelationForm& other) {
+    if (!clip.isAreaAgain() || GEOSisEmpty_r(geosContext(), other.whole()) != 0) {
+        return nullptr;
+    }
+    const GEOSContextHandle_t context = geosContext();
+    if (!clip.envelope().intersects(other.envelope()) ||
+        GEOSPreparedIntersects_r(context, clip.relatedPrepared(), other.whole()) == 0) {
+        return emptyForm(GEOSGeom_getDimensions_r(context, other.whole()));
+    }
+    return GEOSPreparedCovers_r(context, clip.relatedPrepared(), other.whole()) == 1 && isPlain(other.whole())
+               ? copyOf(other.whole())
+               : nullptr;
+}
+
+GeosPtr intersectionAtOnce(RelationForm& a, RelationForm& b) {
+    if (isCollection(a) || isCollection(b)) {
+        return nullptr;
+    }
+    GeosPtr clipped = clippedAtOnce(b, a);
+    return clipped ? std::move(clipped) : clippedAtOnce(a, b);
+}
+
 } // namespace
 
 std::shared_ptr<Geometry> overlay(Overlay kind, const Geometry& a, const Geometry& b) {
@@ -134,6 +174,11 @@ std::shared_ptr<Geometry> overlay(Overlay kind, const Geometry& a, const Geometr
         throwNotFinite();
     }
     return computed(cancellation, [&] {
+        if (kind == Overlay::Intersection) {
+            if (const GeosPtr clipped = intersectionAtOnce(formA, formB)) {
+                return madeFrom(a, clipped.get());
+            }
+        }
         try {
             return madeFrom(a, overlayOf(kind, formA, formB).get());
         } catch (const std::runtime_error&) { // of areas that are not valid

@@ -197,4 +197,14 @@ const GEOSPreparedGeometry* RelationForm::relatedPrepared() {
     return prepared_.get();
 }
 
+bool RelationForm::isAreaAgain() {
+    if (!isValidArea_) {
+        const int kind = GEOSGeomTypeId_r(geosContext(), whole_.get());
+        isValidArea_ = (kind == GEOS_POLYGON || kind == GEOS_MULTIPOLYGON) && !pieces().empty() &&
+                       GEOSisValid_r(geosContext(), whole_.get()) == 1;
+        return false;
+    }
+    return *isValidArea_ && related();
+}
+
 } // namespace orvane::geometry

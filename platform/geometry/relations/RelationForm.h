@@ -42,6 +42,9 @@ public:
     const GEOSGeometry* related();
     /// Of what is related. Throws std::runtime_error.
     const GEOSPreparedGeometry* relatedPrepared();
+    /// Whether the whole is one valid area or several, for which it pays to prepare it: true from the second
+    /// time on that it is asked.
+    bool isAreaAgain();
 
 private:
     void addParts(const GEOSGeometry* geometry);
@@ -60,6 +63,7 @@ private:
     bool isConverted_ = false;
     bool hasPieces_ = false;
     std::optional<bool> isOfOneKind_; ///< with areas that do not overlap
+    std::optional<bool> isValidArea_; ///< none before isAreaAgain
 };
 
 /// Holds the locks of the forms of two geometries.
