@@ -250,7 +250,11 @@ std::vector<GeometryPtr> piecesOfArea(const GeometryPtr& area, const Blade& blad
     } catch (const std::runtime_error&) { // of an area that is not valid
         work::Cancellation().check();
         const GeosPtr valid = checked(GEOSMakeValid_r(geosContext(), form.get()));
-        faces = facesOf(valid.get(), blade.lines());
+        std::vector<GeosPtr> areas;
+        for (const GEOSGeometry* part : partsOf(valid.get(), 2)) {
+            areas.push_back(copyOf(part));
+        }
+        faces = facesOf(collectionOf(GEOS_MULTIPOLYGON, std::move(areas)).get(), blade.lines());
     }
     if (faces.size() < 2) {
         return {area};

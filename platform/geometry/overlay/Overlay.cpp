@@ -113,10 +113,16 @@ bool isCollection(const RelationForm& form) {
     return GEOSGeomTypeId_r(geosContext(), form.whole()) == GEOS_GEOMETRYCOLLECTION;
 }
 
+/// Collections, and areas that may overlap, are what their parts are.
+bool isOfParts(RelationForm& form) {
+    const int kind = GEOSGeomTypeId_r(geosContext(), form.whole());
+    return kind == GEOS_GEOMETRYCOLLECTION ||
+           (kind == GEOS_MULTIPOLYGON && !form.pieces().empty() && !form.related());
+}
+
 GeosPtr overlayOf(Overlay kind, RelationForm& a, RelationForm& b) {
-    return isCollection(a) || isCollection(b)
-               ? overlayByParts(kind, a, b)
-               : checked(operationOf(kind)(geosContext(), a.whole(), b.whole()));
+    return isOfParts(a) || isOfParts(b) ? overlayByParts(kind, a, b)
+                                        : checked(operationOf(kind)(geosContext(), a.whole(), b.whole()));
 }
 
 RelationForm repaired(const RelationForm& form) {
