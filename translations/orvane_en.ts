@@ -865,6 +865,7 @@
         <translation>The geometries have too many vertices.</translation>
     </message>
     <message>
+<<<<<<< HEAD
         <source>нужно число больше нуля</source>
         <translation>a number above zero is expected</translation>
     </message>
@@ -923,6 +924,38 @@
     <message>
         <source>единицы есть только у координатных систем на плоскости</source>
         <translation>only coordinate systems of a plane have units here</translation>
+=======
+        <source>Нужна линия.</source>
+        <translation>A line is needed.</translation>
+    </message>
+    <message>
+        <source>У геометрии нет значений m.</source>
+        <translation>The geometry has no values of m.</translation>
+    </message>
+    <message>
+        <source>нужна линия</source>
+        <translation>expected a line</translation>
+    </message>
+    <message>
+        <source>нужно число от 0 до 1</source>
+        <translation>expected a number from 0 to 1</translation>
+    </message>
+    <message>
+        <source>нужно число от 0 до 1000000</source>
+        <translation>expected a number from 0 to 1000000</translation>
+    </message>
+    <message>
+        <source>нужно число больше 0</source>
+        <translation>expected a number greater than 0</translation>
+    </message>
+    <message>
+        <source>нужно число не меньше начала</source>
+        <translation>expected a number not less than the begin</translation>
+    </message>
+    <message>
+        <source>нужна линия с растущими m</source>
+        <translation>expected a line with growing m</translation>
+>>>>>>> 87e66b9 (Refer to lines by their length and their m, along geodesics too)
     </message>
 </context>
 <context>

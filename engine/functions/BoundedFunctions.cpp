@@ -43,8 +43,19 @@ const std::vector<Bound>& bounds() {
         {"MakeCircularStripe", {6, 7, 8}, 4},
         {"MakeEllipticArc", {6, 7, 8}, 4},
         {"MakeEllipticSector", {6, 7, 8}, 4},
+<<<<<<< HEAD
         {"Line_Interpolate_Equidistant_Points", {2}, -1, pieces},
         {"ST_Line_Interpolate_Equidistant_Points", {2}, -1, pieces},
+=======
+        {"SquareGrid", {2, 3, 4}, -1, cells},
+        {"ST_SquareGrid", {2, 3, 4}, -1, cells},
+        {"TriangularGrid", {2, 3, 4}, -1, cells},
+        {"ST_TriangularGrid", {2, 3, 4}, -1, cells},
+        {"HexagonalGrid", {2, 3, 4}, -1, cells},
+        {"ST_HexagonalGrid", {2, 3, 4}, -1, cells},
+        {"Segmentize", {2}, -1, pieces},
+        {"ST_Segmentize", {2}, -1, pieces},
+>>>>>>> 87e66b9 (Refer to lines by their length and their m, along geodesics too)
         {"printf", {-1}, -1, nullptr, true},
         {"format", {-1}, -1, nullptr, true},
     };
