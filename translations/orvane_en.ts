@@ -865,7 +865,6 @@
         <translation>The geometries have too many vertices.</translation>
     </message>
     <message>
-<<<<<<< HEAD
         <source>нужно число больше нуля</source>
         <translation>a number above zero is expected</translation>
     </message>
@@ -924,7 +923,6 @@
     <message>
         <source>единицы есть только у координатных систем на плоскости</source>
         <translation>only coordinate systems of a plane have units here</translation>
-=======
         <source>Нужна линия.</source>
         <translation>A line is needed.</translation>
     </message>
@@ -955,7 +953,22 @@
     <message>
         <source>нужна линия с растущими m</source>
         <translation>expected a line with growing m</translation>
->>>>>>> 87e66b9 (Refer to lines by their length and their m, along geodesics too)
+    </message>
+    <message>
+        <source>нужен угол не больше миллиона градусов</source>
+        <translation>expected an angle of a million degrees at the most</translation>
+    </message>
+    <message>
+        <source>нужно число от 0.001 до 120</source>
+        <translation>expected a number from 0.001 to 120</translation>
+    </message>
+    <message>
+        <source>нужны долготы от -180 до 180 и широты от -90 до 90</source>
+        <translation>expected longitudes from -180 to 180 and latitudes from -90 to 90</translation>
+    </message>
+    <message>
+        <source>нужно обозначение ячейки GARS</source>
+        <translation>expected the code of a cell of GARS</translation>
     </message>
 </context>
 <context>

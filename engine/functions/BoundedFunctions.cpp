@@ -2,8 +2,6 @@
 
 #include "Barrier.h"
 
-#include <spatialite.h>
-
 #include <algorithm>
 #include <cmath>
 #include <map>
@@ -18,49 +16,8 @@ namespace orvane::engine {
 
 namespace {
 
-/// Of parts in a result, about as many as the longest blob holds.
-constexpr double mostParts = 2'000'000;
-/// Degrees. SpatiaLite takes 360 off, or adds them, until it has less than two turns: for ever where that
-/// does not change the number.
-constexpr double largestAngle = 1e6;
 /// Characters.
 constexpr double widestPicture = 1e7;
-
-constexpr const char* pieces = "(Coalesce(GLength(?1), 0) + Coalesce(Perimeter(?1), 0)) / Abs(?2)";
-
-struct Bound {
-    const char* name;
-    std::vector<int> arities;    ///< -1 for any
-    int angle = -1;              ///< position of the first of two angles in degrees
-    const char* parts = nullptr; ///< expression for how many parts the result has
-    bool isPicture = false;      ///< the first argument is a picture with widths, as of printf
-};
-
-const std::vector<Bound>& bounds() {
-    static const std::vector<Bound> all{
-        {"MakeArc", {5, 6, 7}, 3},
-        {"MakeCircularSector", {5, 6, 7}, 3},
-        {"MakeCircularStripe", {6, 7, 8}, 4},
-        {"MakeEllipticArc", {6, 7, 8}, 4},
-        {"MakeEllipticSector", {6, 7, 8}, 4},
-<<<<<<< HEAD
-        {"Line_Interpolate_Equidistant_Points", {2}, -1, pieces},
-        {"ST_Line_Interpolate_Equidistant_Points", {2}, -1, pieces},
-=======
-        {"SquareGrid", {2, 3, 4}, -1, cells},
-        {"ST_SquareGrid", {2, 3, 4}, -1, cells},
-        {"TriangularGrid", {2, 3, 4}, -1, cells},
-        {"ST_TriangularGrid", {2, 3, 4}, -1, cells},
-        {"HexagonalGrid", {2, 3, 4}, -1, cells},
-        {"ST_HexagonalGrid", {2, 3, 4}, -1, cells},
-        {"Segmentize", {2}, -1, pieces},
-        {"ST_Segmentize", {2}, -1, pieces},
->>>>>>> 87e66b9 (Refer to lines by their length and their m, along geodesics too)
-        {"printf", {-1}, -1, nullptr, true},
-        {"format", {-1}, -1, nullptr, true},
-    };
-    return all;
-}
 
 /// The widths and precisions in a picture of printf together. SQLite writes one blank after the other, and
 /// goes on when there is no more room.
@@ -111,14 +68,11 @@ private:
 struct StatementFinalizer {
     void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
 };
-struct SpatialiteCleanUp {
-    void operator()(void* connection) const { spatialite_cleanup_ex(connection); }
-};
 struct DatabaseCloser {
     void operator()(sqlite3* database) const { sqlite3_close(database); }
 };
 
-/// A connection of our own where SpatiaLite's functions bear their names still. Opened with the first call.
+/// A connection of our own where SQLite's functions bear their names still. Opened with the first call.
 class Originals {
 public:
     explicit Originals(int longest) : longest_(longest) {}
@@ -162,13 +116,9 @@ private:
             throw std::bad_alloc();
         }
         sqlite3_limit(opened, SQLITE_LIMIT_LENGTH, longest_);
-        spatialite_.reset(spatialite_alloc_connection());
-        spatialite_init_ex(opened, spatialite_.get(), 0);
-        spatialite_set_silent_mode(spatialite_.get());
     }
 
     const int longest_;
-    std::unique_ptr<void, SpatialiteCleanUp> spatialite_; ///< outlives the database
     std::unique_ptr<sqlite3, DatabaseCloser> database_;
     std::map<std::string, std::unique_ptr<sqlite3_stmt, StatementFinalizer>> statements_;
 };
@@ -181,25 +131,16 @@ std::string callOf(const char* name, std::size_t arity) {
     return call + ')';
 }
 
+/// printf or its second name.
 struct BoundedFunction {
-    const Bound& bound;
+    const char* name;
     std::shared_ptr<Originals> originals;
 
     void answer(sqlite3_context* context, const std::vector<sqlite3_value*>& arguments) const {
-        if (bound.angle >= 0) {
-            requireAngle(arguments[static_cast<std::size_t>(bound.angle)]);
-            requireAngle(arguments[static_cast<std::size_t>(bound.angle) + 1]);
-        }
-        if (bound.isPicture && !arguments.empty()) {
+        if (!arguments.empty()) {
             requireNarrow(arguments);
         }
-        if (bound.parts) {
-            sqlite3_stmt* const parts = originals->evaluate(bound.parts, arguments);
-            if (sqlite3_column_double(parts, 0) > mostParts) {
-                throw std::runtime_error(std::string(bound.name) + ": too many parts");
-            }
-        }
-        sqlite3_stmt* const answer = originals->evaluate(callOf(bound.name, arguments.size()), arguments);
+        sqlite3_stmt* const answer = originals->evaluate(callOf(name, arguments.size()), arguments);
         sqlite3_result_value(context, sqlite3_column_value(answer, 0));
         sqlite3_reset(answer);
     }
@@ -210,12 +151,7 @@ private:
         const std::string_view picture(
             text ? text : "", static_cast<std::size_t>(text ? sqlite3_value_bytes(arguments[0]) : 0));
         if (PictureWidth(picture, std::span(arguments).subspan(1)).sum() > widestPicture) {
-            throw std::runtime_error(std::string(bound.name) + ": width out of range");
-        }
-    }
-    void requireAngle(sqlite3_value* angle) const {
-        if (std::abs(sqlite3_value_double(angle)) > largestAngle) {
-            throw std::runtime_error(std::string(bound.name) + ": angle out of range");
+            throw std::runtime_error(std::string(name) + ": width out of range");
         }
     }
 };
@@ -231,17 +167,15 @@ void callBounded(sqlite3_context* context, int count, sqlite3_value** values) {
 
 int boundFunctions(sqlite3* database) {
     const auto originals = std::make_shared<Originals>(sqlite3_limit(database, SQLITE_LIMIT_LENGTH, -1));
-    for (const Bound& bound : bounds()) {
-        for (const int arity : bound.arities) {
-            auto function = std::make_unique<BoundedFunction>(BoundedFunction{bound, originals});
-            // SQLite calls the destructor also where it fails.
-            const int code = sqlite3_create_function_v2(
-                database, bound.name, arity, SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS,
-                function.release(), callBounded, nullptr, nullptr,
-                [](void* released) { delete static_cast<BoundedFunction*>(released); });
-            if (code != SQLITE_OK) {
-                return code;
-            }
+    for (const char* const name : {"printf", "format"}) {
+        auto function = std::make_unique<BoundedFunction>(BoundedFunction{name, originals});
+        // SQLite calls the destructor also where it fails.
+        const int code = sqlite3_create_function_v2(
+            database, name, -1, SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS, function.release(),
+            callBounded, nullptr, nullptr,
+            [](void* released) { delete static_cast<BoundedFunction*>(released); });
+        if (code != SQLITE_OK) {
+            return code;
         }
     }
     return SQLITE_OK;

@@ -57,9 +57,10 @@ void ofEdges(const char* name, sqlite3_context* context, int count, sqlite3_valu
     along(name, 1, context, count, values,
           [&choose](const GeometryCall& call, const LinePath& path) -> std::optional<double> {
               const std::vector<double> lengths = path.edgeLengths(call.integer(1, 1) == 0);
-              return lengths.empty() ? std::nullopt
-                                     : std::optional(geometry::namedLength(
-                                           choose(lengths), call.geometry(0)->coordSystem().get(), call.text(2)));
+              return lengths.empty()
+                         ? std::nullopt
+                         : std::optional(geometry::namedLength(
+                               choose(lengths), call.geometry(0)->coordSystem().get(), call.text(2)));
           });
 }
 

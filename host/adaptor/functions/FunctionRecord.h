@@ -68,6 +68,7 @@ std::span<const FunctionRecord> overlayRecords();
 std::span<const FunctionRecord> shapingRecords();
 std::span<const FunctionRecord> makingRecords();
 std::span<const FunctionRecord> lineRecords();
+std::span<const FunctionRecord> constructorRecords();
 std::span<const FunctionRecord> accessRecords();
 std::span<const FunctionRecord> formRecords();
 std::span<const FunctionRecord> editingRecords();

@@ -61,13 +61,9 @@ std::vector<FunctionRecord> allFunctionRecords() {
     std::vector<FunctionRecord> records;
     for (const std::span<const FunctionRecord> family :
          {arithmeticRecords(), textRecords(), dateTimeRecords(), formatRecords(), geometryRecords(),
-<<<<<<< HEAD
-          measureRecords(), overlayRecords(), shapingRecords(), makingRecords(), accessRecords(),
-          formRecords(), editingRecords(), libraryRecords(), sqliteRecords()}) {
-=======
-          measureRecords(), overlayRecords(), makingRecords(), lineRecords(), accessRecords(), formRecords(),
-          editingRecords(), libraryRecords(), sqliteRecords()}) {
->>>>>>> 87e66b9 (Refer to lines by their length and their m, along geodesics too)
+          measureRecords(), overlayRecords(), shapingRecords(), makingRecords(), lineRecords(),
+          constructorRecords(), accessRecords(), formRecords(), editingRecords(), libraryRecords(),
+          sqliteRecords()}) {
         records.insert(records.end(), family.begin(), family.end());
     }
     return records;

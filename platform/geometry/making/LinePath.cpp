@@ -12,8 +12,9 @@ namespace orvane::geometry {
 
 namespace {
 
-/// The way along a geodesic, at most its length, to where it is nearest to a position: the angle to it changes
-/// its sign there. Halving, for the function has one sign change where the way is less than a quarter of the Earth.
+/// The way along a geodesic, at most its length, to where it is nearest to a position: the angle to it
+/// changes its sign there. Halving, for the function has one sign change where the way is less than a quarter
+/// of the Earth.
 double footOn(const geod_geodesic& ellipsoid, const double* begin, const double* end, const double* position,
               double length) {
     geod_geodesicline line;
@@ -156,7 +157,8 @@ std::array<double, 4> LinePath::at(double along) const {
         return next->ordinates;
     }
     const double before = (next - 1)->along;
-    return within(static_cast<std::size_t>(next - vertices_.begin()), (along - before) / (next->along - before));
+    return within(static_cast<std::size_t>(next - vertices_.begin()),
+                  (along - before) / (next->along - before));
 }
 
 std::shared_ptr<Point> LinePath::pointOf(const std::array<double, 4>& position) const {
@@ -198,7 +200,8 @@ double LinePath::nearestTo(const Point& position) const {
         } else {
             const double x = to.ordinates[0] - from.ordinates[0];
             const double y = to.ordinates[1] - from.ordinates[1];
-            part = ((place[0] - from.ordinates[0]) * x + (place[1] - from.ordinates[1]) * y) / (x * x + y * y);
+            part =
+                ((place[0] - from.ordinates[0]) * x + (place[1] - from.ordinates[1]) * y) / (x * x + y * y);
         }
         if (part > 0.0 && part < 1.0) {
             note(within(i, part).data(), from.along + part * length);
@@ -209,8 +212,8 @@ double LinePath::nearestTo(const Point& position) const {
 
 std::shared_ptr<LineString> LinePath::lineOf(const std::vector<std::array<double, 4>>& positions) const {
     const std::size_t stride = strideOf(dimensions_);
-    auto line = std::make_shared<LineString>(
-        CoordinateSequence(dimensions_, positions.size(), [&](double* target) {
+    auto line =
+        std::make_shared<LineString>(CoordinateSequence(dimensions_, positions.size(), [&](double* target) {
             for (const auto& position : positions) {
                 target = std::copy_n(position.begin(), stride, target);
             }
@@ -367,9 +370,8 @@ std::shared_ptr<Point> LinePath::firstWhereM(double value) const {
         return nullptr;
     }
     const GeometryPtr& first = static_cast<const GeometryCollection&>(*found).parts().front();
-    return first->type() == GeometryType::Point
-               ? std::static_pointer_cast<Point>(first->clone())
-               : LinePath(first).pointAt(0.0);
+    return first->type() == GeometryType::Point ? std::static_pointer_cast<Point>(first->clone())
+                                                : LinePath(first).pointAt(0.0);
 }
 
 std::pair<double, double> LinePath::climbs() const {

@@ -13,8 +13,8 @@
 
 namespace orvane::geometry {
 
-/// A line, or several one behind the other, measured along: by geodesics in metres where the system is geographic,
-/// else in units of the plane. z and m change evenly along each edge. Curves are approximated.
+/// A line, or several one behind the other, measured along: by geodesics in metres where the system is
+/// geographic, else in units of the plane. z and m change evenly along each edge. Curves are approximated.
 class ORVANE_PLATFORM_EXPORT LinePath {
 public:
     /// Throws std::runtime_error for what is no line or has none, and for coordinates that are not finite.

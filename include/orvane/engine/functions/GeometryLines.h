@@ -3,9 +3,9 @@
 #include <orvane/engine/Export.h>
 #include <orvane/engine/functions/ScalarFunction.h>
 
-/// Ways along lines, several lines counting as one behind the other (geometry::LinePath): along geodesics where the
-/// system is geographic, else in the plane. The user data is the EngineCache. NULL for NULL and for what is empty;
-/// what is no line is an error. Reentrant.
+/// Ways along lines, several lines counting as one behind the other (geometry::LinePath): along geodesics
+/// where the system is geographic, else in the plane. The user data is the EngineCache. NULL for NULL and for
+/// what is empty; what is no line is an error. Reentrant.
 namespace orvane::engine {
 
 /// line, share of its length from 0 to 1.
