@@ -677,10 +677,6 @@
         <translation>the place is beyond the globe</translation>
     </message>
     <message>
-        <source>нужно обозначение ячейки GARS</source>
-        <translation>expected a code of a GARS cell</translation>
-    </message>
-    <message>
         <source>нужна линия из прямых отрезков</source>
         <translation>expected a line of straight segments</translation>
     </message>
@@ -961,10 +957,6 @@
     <message>
         <source>нужно число от 0.001 до 120</source>
         <translation>expected a number from 0.001 to 120</translation>
-    </message>
-    <message>
-        <source>нужны долготы от -180 до 180 и широты от -90 до 90</source>
-        <translation>expected longitudes from -180 to 180 and latitudes from -90 to 90</translation>
     </message>
     <message>
         <source>нужно обозначение ячейки GARS</source>

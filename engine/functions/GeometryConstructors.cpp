@@ -3,7 +3,6 @@
 #include "GeometryCall.h"
 #include "engine/geometry/SpatialiteLayout.h"
 #include "platform/cs/CoordSystem.h"
-#include "platform/geometry/making/GridCodes.h"
 #include "platform/geometry/making/RoundShapes.h"
 
 #include <algorithm>
@@ -133,21 +132,6 @@ void ofEllipse(const char* name, int radii, sqlite3_context* context, int count,
     });
 }
 
-/// Of a geometry in degrees, or without a system; null when it is empty.
-std::optional<Envelope> degreesOf(const GeometryCall& call) {
-    const GeometryPtr geometry = call.geometry(0);
-    if (geometry->isEmpty()) {
-        return std::nullopt;
-    }
-    const auto system = geometry->coordSystem();
-    const Envelope envelope = geometry->envelope();
-    if ((system && !system->isGeographic()) || !Envelope{-180.0, -90.0, 180.0, 90.0}.contains(envelope)) {
-        call.reject(
-            0, QT_TRANSLATE_NOOP("orvane::geometry", "нужны долготы от -180 до 180 и широты от -90 до 90"));
-    }
-    return envelope;
-}
-
 } // namespace
 
 void makePoint(sqlite3_context* context, int count, sqlite3_value** values) {
@@ -216,38 +200,6 @@ void makeCircularStripe(sqlite3_context* context, int count, sqlite3_value** val
         inner.radiusY = both.radiusX;
         outer.radiusX = both.radiusY;
         return inSystem(geometry::stripe(inner, outer, angle(call, 4), angle(call, 5)), call, 6);
-    });
-}
-
-void toGars(sqlite3_context* context, int count, sqlite3_value** values) {
-    evaluate("ToGARS", 1, context, count, values, [](const GeometryCall& call) -> QString {
-        if (call.geometry(0)->type() != geometry::GeometryType::Point) {
-            call.reject(0, QT_TRANSLATE_NOOP("orvane::geometry", "нужна точка"));
-        }
-        const auto place = degreesOf(call);
-        return place ? QString::fromStdString(geometry::garsCode(place->minX, place->minY)) : QString();
-    });
-}
-
-void garsMbr(sqlite3_context* context, int count, sqlite3_value** values) {
-    evaluate("GARSMbr", 1, context, count, values, [](const GeometryCall& call) -> GeometryPtr {
-        const auto cell = geometry::garsCell(call.text(0).trimmed().toUpper().toStdString());
-        if (!cell) {
-            call.reject(0, QT_TRANSLATE_NOOP("orvane::geometry", "нужно обозначение ячейки GARS"));
-        }
-        const auto area = rectangle(*cell);
-        area->setCoordSystem(cs::CoordSysFactory::defaultCoordSysFactory()->createFromEpsg(4326));
-        return area;
-    });
-}
-
-void geoHash(sqlite3_context* context, int count, sqlite3_value** values) {
-    evaluate("GeoHash", 1, context, count, values, [](const GeometryCall& call) -> QString {
-        constexpr std::int64_t longest = 20;
-        const std::int64_t characters = call.integer(1, 0);
-        const auto place = degreesOf(call);
-        const int most = static_cast<int>(characters > 0 ? std::min(characters, longest) : longest);
-        return place ? QString::fromStdString(geometry::geoHash(*place, most)) : QString();
     });
 }
 

@@ -59,20 +59,6 @@ const FunctionRecord records[] = {
                   "The area between two arcs about one centre.",
                   "AsText(MakeCircularStripe(0, 0, 1, 2, 0, 90, 0, 90))",
                   "POLYGON((1 0, 0 1, 0 2, 2 0, 1 0))"}),
-    pureFunction("ToGARS", numbers, Arity::exactly(1), engine::toGars,
-                 {"ToGARS(point)",
-                  "The code of the cell of the Global Area Reference System; NULL of an empty point.",
-                  "ToGARS(MakePoint(37.62, 55.75, 4326))", "436NB49"}),
-    pureFunction("GARSMbr", numbers, Arity::exactly(1), engine::garsMbr,
-                 {"GARSMbr(code)", "The cell of a code of the Global Area Reference System.",
-                  "AsText(GARSMbr('436NB'))", "POLYGON((37.5 55.5, 38 55.5, 38 56, 37.5 56, 37.5 55.5))"}),
-    alsoNamed(
-        "ST_GeoHash",
-        pureFunction("GeoHash", numbers, Arity::between(1, 2), engine::geoHash,
-                     {"GeoHash(obj [, characters])",
-                      "The geohash of a point, or of the smallest cell that holds the object; NULL of an "
-                      "empty one.",
-                      "GeoHash(MakePoint(37.62, 55.75, 4326), 6)", "ucfv0n"})),
 };
 
 } // namespace

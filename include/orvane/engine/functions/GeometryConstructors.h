@@ -21,10 +21,4 @@ ORVANE_ENGINE_EXPORT ScalarFunction makeArc, makeEllipticArc, makeCircularSector
 /// x, y, two radii, two angles [, system [, step]]: geometry::stripe.
 ORVANE_ENGINE_EXPORT ScalarFunction makeCircularStripe;
 
-/// The code of the cell of the Global Area Reference System that has the point; the cell of a code, in
-/// EPSG:4326.
-ORVANE_ENGINE_EXPORT ScalarFunction toGars, garsMbr;
-/// geometry [, characters]: the geohash of a point, or the longest of the cells that hold another geometry.
-ORVANE_ENGINE_EXPORT ScalarFunction geoHash;
-
 } // namespace orvane::engine
