@@ -962,6 +962,10 @@
         <source>нужно обозначение ячейки GARS</source>
         <translation>expected the code of a cell of GARS</translation>
     </message>
+    <message>
+        <source>%0: аргумент %1: %2.</source>
+        <translation>%0: argument %1: %2.</translation>
+    </message>
 </context>
 <context>
     <name>orvane::shell::Shell</name>
@@ -1212,16 +1216,8 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
         <translation>the sum is too large</translation>
     </message>
     <message>
-        <source>угол функции %1 больше миллиона градусов</source>
-        <translation>an angle of the function %1 is larger than a million degrees</translation>
-    </message>
-    <message>
         <source>ширина в шаблоне функции %1 больше десяти миллионов</source>
         <translation>a width in the pattern of the function %1 is more than ten million</translation>
-    </message>
-    <message>
-        <source>у функции %1 получилось бы больше двух миллионов частей</source>
-        <translation>the function %1 would make more than two million parts</translation>
     </message>
     <message>
         <source>корень извлекается только из числа, которое не меньше нуля</source>

@@ -129,12 +129,8 @@ constexpr PlainMessage plainMessages[] = {
     {"^Power overflow$",
      QT_TRANSLATE_NOOP("orvane::shell::Shell", "степень слишком велика или не определена")},
     {"^Sum overflow\\.$", QT_TRANSLATE_NOOP("orvane::shell::Shell", "сумма слишком велика")},
-    {"^(Make\\w+): angle out of range$",
-     QT_TRANSLATE_NOOP("orvane::shell::Shell", "угол функции %1 больше миллиона градусов")},
     {"^(\\w+): width out of range$",
      QT_TRANSLATE_NOOP("orvane::shell::Shell", "ширина в шаблоне функции %1 больше десяти миллионов")},
-    {"^(\\w+): too many parts$",
-     QT_TRANSLATE_NOOP("orvane::shell::Shell", "у функции %1 получилось бы больше двух миллионов частей")},
     {"^Square root from negative value$",
      QT_TRANSLATE_NOOP("orvane::shell::Shell", "корень извлекается только из числа, которое не меньше нуля")},
     {"^start_at must be >= 1$",
@@ -254,7 +250,28 @@ Problem SqliteErrors::explain(const QString& message) const {
     if (message == QLatin1String("parser stack overflow")) {
         return tooDeep();
     }
-    return {message, placeOfOffset()};
+    const auto place = placeOfOffset();
+    return {message, place ? place : placeOfNamedFunction(message)};
+}
+
+/// Of the function that the message begins with, under whichever of its names the statement calls it.
+std::optional<TextPlace> SqliteErrors::placeOfNamedFunction(const QString& message) const {
+    const int colon = message.indexOf(QLatin1String(": "));
+    if (colon < 0) {
+        return std::nullopt;
+    }
+    const QByteArray name = message.left(colon).toUtf8();
+    for (const adaptor::FunctionRecord& record : adaptor::allFunctionRecords()) {
+        if (!record.isNamed(name.constData())) {
+            continue;
+        }
+        for (const char* const each : record.names()) {
+            if (const auto place = placeOf(QLatin1String(each), Role::Function)) {
+                return place;
+            }
+        }
+    }
+    return std::nullopt;
 }
 
 /// SQLite's parser holds about 22 calls within one another.

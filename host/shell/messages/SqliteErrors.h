@@ -45,6 +45,7 @@ private:
     std::optional<TextPlace> placeOfKeyword(sql::Keyword keyword) const;
     /// The word of the user's that SQLite points at.
     std::optional<TextPlace> placeOfOffset() const;
+    std::optional<TextPlace> placeOfNamedFunction(const QString& message) const;
     /// The word of the user's that a word of the SQLite text stands for, where their order tells.
     std::optional<TextPlace> placeOfTranslated(std::size_t token) const;
     bool isQuoted(const TextPlace& place) const;
