@@ -1,10 +1,9 @@
 #include "platform/geometry/making/GeodesicBuffer.h"
 
 #include "platform/geometry/making/GlobeArea.h"
+#include "platform/geometry/making/GlobeFigure.h"
 #include "platform/geometry/making/LocalPlane.h"
-#include "platform/geometry/measures/GeodesicPieces.h"
 #include "platform/geometry/shapes/Failure.h"
-#include "platform/geometry/shapes/Shapes.h"
 #include "platform/work/Cancellation.h"
 
 #include <algorithm>
@@ -26,182 +25,13 @@ namespace {
 constexpr double largestGroup = 100e3; // metres from its middle
 constexpr double longestEdge = 20e3;   // metres
 constexpr double shortestStep = 500.0; // metres
-constexpr std::size_t mostPositions = 2'000'000;
 
 /// Edges so short that, read as straight lines of the map, they leave the geodesic by less than a thousandth
 /// of the distance.
 double edgeLength(const GeographicShape& shape, double distance) {
-    return std::clamp(std::sqrt(8.0 * shape.equatorialRadius * std::abs(distance) / 1000.0), shortestStep,
+    return std::clamp(std::sqrt(8.0 * shape.equatorialRadius * std::abs(distance) / 4000.0), shortestStep,
                       longestEdge);
 }
-
-/// Positions of a point, a line or a ring. The last of a ring is its first.
-struct Track {
-    std::vector<Position> positions;
-    bool isRing = false;
-
-    bool isPoint() const { return positions.size() == 1; }
-};
-
-class Tracks {
-public:
-    Tracks(const GeographicShape& shape, double longest) : shape_(shape), longest_(longest) {}
-
-    Track track(const CoordinateSequence& sequence, bool isRing) {
-        Track made{{}, isRing};
-        for (std::size_t i = 0; i < sequence.size(); ++i) {
-            append(made, positionAt(shape_, sequence.x(i), sequence.y(i)));
-        }
-        if (isRing && !made.positions.empty()) {
-            append(made, made.positions.front());
-        }
-        return made;
-    }
-
-private:
-    void append(Track& track, const Position& end) {
-        if (!track.positions.empty()) {
-            const Position begin = track.positions.back();
-            if (begin.vector == end.vector) {
-                return;
-            }
-            appendBetween(track, begin, end);
-        }
-        note(1);
-        track.positions.push_back(end);
-    }
-
-    void appendBetween(Track& track, const Position& begin, const Position& end) {
-        if (norm(end.vector - begin.vector) < longest_ * 0.99) {
-            return;
-        }
-        geod_geodesicline line;
-        const bool isFromPole = std::abs(begin.latitude) == 90.0; // which has every longitude
-        geod_inverseline(&line, &shape_.ellipsoid, begin.latitude,
-                         isFromPole ? end.longitude : begin.longitude, end.latitude, end.longitude, 0);
-        const auto count = static_cast<std::size_t>(std::ceil(line.s13 / longest_));
-        note(count);
-        double before = 0.0;
-        for (std::size_t i = 1; i < count; ++i) {
-            double latitude = 0.0;
-            double longitude = 0.0;
-            const double along = line.s13 * static_cast<double>(i) / static_cast<double>(count);
-            appendPole(track, line, before, along);
-            geod_position(&line, along, &latitude, &longitude, nullptr);
-            track.positions.push_back(positionAt(shape_, longitude, latitude));
-            before = along;
-        }
-        appendPole(track, line, before, line.s13);
-    }
-
-    /// Over a pole the longitude jumps by half a turn: the map needs to know where.
-    void appendPole(Track& track, const geod_geodesicline& line, double from, double to) const {
-        if (std::abs(line.salp1) > 1e-12 && std::abs(std::abs(line.azi1) - 180.0) > 1e-10) {
-            return;
-        }
-        double latitudes[3];
-        double longitudes[3];
-        const double along[3] = {from, (from + to) / 2.0, to};
-        for (int i = 0; i < 3; ++i) {
-            geod_position(&line, along[i], latitudes + i, longitudes + i, nullptr);
-        }
-        if (std::abs(std::remainder(longitudes[2] - longitudes[0], 360.0)) > 90.0 &&
-            std::abs(latitudes[0]) < 90.0 && std::abs(latitudes[2]) < 90.0) {
-            track.positions.push_back(positionAt(shape_, longitudes[0], std::copysign(90.0, latitudes[1])));
-        }
-    }
-
-    void note(std::size_t count) {
-        positions_ += count;
-        if (positions_ > mostPositions) {
-            throw failure(QT_TRANSLATE_NOOP("orvane::geometry", "Результат был бы слишком велик."));
-        }
-    }
-
-    const GeographicShape& shape_;
-    const double longest_;
-    std::size_t positions_ = 0;
-};
-
-/// What is buffered: points, lines, and areas of rings, the shell first.
-struct Figure {
-    std::vector<Track> tracks;
-    std::vector<std::vector<Track>> areas;
-};
-
-void gather(const Geometry& geometry, Tracks& tracks, Figure& figure) {
-    switch (geometry.type()) {
-    case GeometryType::Point:
-        if (!geometry.isEmpty()) {
-            const auto& point = static_cast<const Point&>(geometry);
-            figure.tracks.push_back(
-                tracks.track(CoordinateSequence(Dimensions::XY, std::span(point.ordinates(), 2)), false));
-        }
-        break;
-    case GeometryType::LineString:
-        if (!geometry.isEmpty()) {
-            figure.tracks.push_back(
-                tracks.track(static_cast<const LineString&>(geometry).coordinates(), false));
-        }
-        break;
-    case GeometryType::Polygon: {
-        std::vector<Track> area;
-        for (const CoordinateSequence& ring : static_cast<const Polygon&>(geometry).rings()) {
-            if (!ring.isEmpty()) {
-                area.push_back(tracks.track(ring, true));
-            }
-        }
-        if (!area.empty()) {
-            figure.areas.push_back(std::move(area));
-        }
-        break;
-    }
-    default:
-        for (const GeometryPtr& part : static_cast<const GeometryCollection&>(geometry).parts()) {
-            gather(*part, tracks, figure);
-        }
-    }
-}
-
-/// Where the map was cut along the 180th meridian: what both of its sides have there is no border.
-class Seam {
-public:
-    void add(const Track& ring) {
-        for (std::size_t i = 1; i < ring.positions.size(); ++i) {
-            if (const double side = sideOf(ring, i); side != 0.0) {
-                auto& spans = side > 0.0 ? east_ : west_;
-                spans.push_back(std::minmax(ring.positions[i - 1].latitude, ring.positions[i].latitude));
-            }
-        }
-    }
-    bool isEmpty() const { return east_.empty() || west_.empty(); }
-
-    bool holds(const Track& ring, std::size_t edge) const {
-        const double side = sideOf(ring, edge);
-        const auto& others = side > 0.0 ? west_ : east_;
-        const double middle = (ring.positions[edge - 1].latitude + ring.positions[edge].latitude) / 2.0;
-        return side != 0.0 && std::any_of(others.begin(), others.end(), [middle](const auto& span) {
-                   return span.first <= middle && middle <= span.second;
-               });
-    }
-
-private:
-    using Span = std::pair<double, double>;
-
-    /// 1 or -1 where the edge to a position lies on the meridian, else 0.
-    static double sideOf(const Track& ring, std::size_t edge) {
-        constexpr double rounding = 1e-9;
-        const Position& begin = ring.positions[edge - 1];
-        const Position& end = ring.positions[edge];
-        const double from = std::abs(begin.latitude) == 90.0 ? end.longitude : begin.longitude;
-        const double to = std::abs(end.latitude) == 90.0 ? from : end.longitude;
-        return std::abs(from - to) < rounding && std::abs(std::abs(from) - 180.0) < rounding
-                   ? std::copysign(1.0, from)
-                   : 0.0;
-    }
-
-    std::vector<Span> east_, west_;
-};
 
 /// The edge that ends at a position of a track, or the point that is one.
 struct Atom {
@@ -215,26 +45,23 @@ struct Atom {
 class GeodesicBuffer {
 public:
     GeodesicBuffer(const GeographicShape& shape, double distance, const BufferOptions& options)
-        : shape_(shape), distance_(distance), options_(options) {
-        Tracks tracks(shape, edgeLength(shape, distance));
-        gather(*shape.geometry, tracks, figure_);
-    }
+        : shape_(shape), distance_(distance), options_(options),
+          figure_(figureOf(shape, edgeLength(shape, distance))) {}
 
     GeosPtr run() {
-        Seam seam;
         std::vector<Atom> atoms;
         for (const Track& track : figure_.tracks) {
-            addAtoms(track, seam, atoms);
+            addAtoms(track, atoms);
         }
         for (const auto& area : figure_.areas) {
             for (const Track& ring : area) {
-                seam.add(ring);
+                seam_.add(ring);
             }
         }
-        const bool isCut = !seam.isEmpty();
+        const bool isCut = !seam_.isEmpty();
         for (const auto& area : figure_.areas) {
             for (const Track& ring : area) {
-                addAtoms(ring, seam, atoms);
+                addAtoms(ring, atoms);
             }
         }
         if (atoms.empty()) {
@@ -253,12 +80,16 @@ private:
         return areas;
     }
 
-    static void addAtoms(const Track& track, const Seam& seam, std::vector<Atom>& atoms) {
+    bool isBorder(const Track& track, std::size_t edge) const {
+        return !track.isRing || !seam_.holds(track, edge);
+    }
+
+    void addAtoms(const Track& track, std::vector<Atom>& atoms) const {
         if (track.isPoint()) {
             atoms.push_back({&track, 0});
         }
         for (std::size_t i = 1; i < track.positions.size(); ++i) {
-            if (!track.isRing || !seam.holds(track, i)) {
+            if (isBorder(track, i)) {
                 atoms.push_back({&track, i});
             }
         }
@@ -412,20 +243,22 @@ private:
         return buffered(std::move(lines), std::move(plane), distance);
     }
 
-    static std::vector<Position> withNeighbours(const Track& track, std::size_t first, std::size_t last) {
+    std::vector<Position> withNeighbours(const Track& track, std::size_t first, std::size_t last) const {
         const auto& all = track.positions;
         if (track.isPoint()) {
             return all;
         }
+        const std::size_t edges = all.size() - 1;
+        const std::size_t before = first > 1 ? first - 1 : edges;
+        const std::size_t behind = last < edges ? last + 1 : 1;
         std::vector<Position> line;
-        const std::size_t begin = first - 1;
-        if (begin > 0 || track.isRing) {
-            line.push_back(begin > 0 ? all[begin - 1] : all[all.size() - 2]);
+        if ((first > 1 || track.isRing) && isBorder(track, before)) {
+            line.push_back(all[before - 1]);
         }
-        line.insert(line.end(), all.begin() + static_cast<std::ptrdiff_t>(begin),
+        line.insert(line.end(), all.begin() + static_cast<std::ptrdiff_t>(first) - 1,
                     all.begin() + static_cast<std::ptrdiff_t>(last) + 1);
-        if (last + 1 < all.size() || track.isRing) {
-            line.push_back(last + 1 < all.size() ? all[last + 1] : all[1]);
+        if ((last < edges || track.isRing) && isBorder(track, behind)) {
+            line.push_back(all[behind]);
         }
         return line;
     }
@@ -434,7 +267,8 @@ private:
     const double distance_;
     const BufferOptions options_;
     const work::Cancellation cancellation_;
-    Figure figure_;
+    const Figure figure_;
+    Seam seam_;
     std::optional<LocalPlane> plane_;
 };
 

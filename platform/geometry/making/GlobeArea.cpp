@@ -49,6 +49,7 @@ public:
         return area > 0.0;
     }
 
+    bool goesAround() const { return goesAround_; }
     double west() const { return west_; }
     double east() const { return east_; }
 
@@ -90,19 +91,28 @@ private:
         east_ = std::max(east_, x);
     }
 
-    /// A ring around a pole goes on along the border of the map.
+    /// A ring around a pole is gone round until it covers the map and more on both sides, so that no begin of
+    /// it shows there, and goes on along the border of the map.
     void close() {
         const double x = values_[0];
         const double y = values_[1];
         x_ += turn(x_, x);
-        append(x_, y);
-        if (std::abs(x_ - x) > edge) {
-            const double border = x_ > x ? pole : -pole;
-            append(x_, border);
-            append(x, border);
-            append(x, y);
+        goesAround_ = std::abs(x_ - x) > edge;
+        if (goesAround_) {
+            const double once = x_ > x ? turnAround : -turnAround;
+            const std::vector<double> ring = std::move(values_);
+            values_.clear();
+            for (const int round : {-2, -1, 0, 1}) {
+                for (std::size_t i = 0; i < ring.size(); i += 2) {
+                    append(ring[i] + round * once, ring[i + 1]);
+                }
+            }
+            append(x + 2 * once, y);
+            append(x + 2 * once, once > 0.0 ? pole : -pole);
+            append(x - 2 * once, once > 0.0 ? pole : -pole);
+            append(x - 2 * once, y);
         } else {
-            values_[values_.size() - 2] = x;
+            append(x, y);
         }
         while (values_.size() < 8) {
             append(x, y);
@@ -112,6 +122,7 @@ private:
     std::vector<double> values_;
     double x_ = 0.0;
     double west_ = INFINITY, east_ = -INFINITY;
+    bool goesAround_ = false;
 };
 
 GeosPtr rectangle(double west, double east) {
@@ -144,20 +155,23 @@ GeosPtr globeAreaLeftOf(const GlobeRing& ring) {
         return checked(GEOSGeom_createEmptyPolygon_r(geosContext()));
     }
     const Unrolled unrolled(ring);
+    const GeosPtr map = rectangle(-edge, edge);
+    const auto onMap = [&](double shift) {
+        return checked(GEOSIntersection_r(geosContext(), unrolled.area(shift).get(), map.get()));
+    };
+    if (unrolled.goesAround()) {
+        return onMap(0.0);
+    }
     std::vector<GeosPtr> parts;
     const double first = -turnAround * std::floor((unrolled.west() + edge + rounding) / turnAround);
     for (double shift = first; unrolled.east() + shift > -edge + rounding; shift -= turnAround) {
-        GeosPtr area = unrolled.area(shift);
         const bool isWithin =
             unrolled.west() + shift >= -edge - rounding && unrolled.east() + shift <= edge + rounding;
-        parts.push_back(
-            isWithin ? std::move(area)
-                     : checked(GEOSIntersection_r(geosContext(), area.get(), rectangle(-edge, edge).get())));
+        parts.push_back(isWithin ? unrolled.area(shift) : onMap(shift));
     }
     GeosPtr area = unitedAreas(std::move(parts));
-    return unrolled.isPositive()
-               ? std::move(area)
-               : checked(GEOSDifference_r(geosContext(), rectangle(-edge, edge).get(), area.get()));
+    return unrolled.isPositive() ? std::move(area)
+                                 : checked(GEOSDifference_r(geosContext(), map.get(), area.get()));
 }
 
 GeosPtr unitedAreas(std::vector<GeosPtr> areas) {

@@ -120,6 +120,17 @@ TEST(Buffers, HoldWhatIsNear) {
             }
         }
         EXPECT_GT(inside, 5) << wkt;
+        made->mapped([&, reach = std::abs(distance)](double* values, std::size_t count, Dimensions) {
+            for (std::size_t i = 0; i < 2 * count; i += 2) {
+                Point place(values[i], values[i + 1]);
+                place.setCoordSystem(source->coordSystem());
+                if (std::abs(place.x()) < 180 && std::abs(place.y()) < 90) { // no border of the map
+                    EXPECT_NEAR(geometry::distance(*border, place, QString()), reach, 2e-3 * reach)
+                        << wkt << ' ' << text(place.x(), place.y());
+                }
+            }
+            return true;
+        });
         EXPECT_LT(inside, 600) << wkt;
     }
 }
