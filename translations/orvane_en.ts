@@ -649,6 +649,10 @@
 <context>
     <name>orvane::geometry</name>
     <message>
+        <source>нужна ISO-2019, ISO-2018, ISO-2015, GDAL или ESRI</source>
+        <translation>expected ISO-2019, ISO-2018, ISO-2015, GDAL or ESRI</translation>
+    </message>
+    <message>
         <source>число %0 не помещается в эту запись.</source>
         <translation>the number %0 does not fit into this form.</translation>
     </message>

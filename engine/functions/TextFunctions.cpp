@@ -78,6 +78,14 @@ QString geometryType(sqlite3_context* context, sqlite3_value* value) {
     return geometry != nullptr ? sql::geoSqlType(*geometry) : QString();
 }
 
+/// Whether a value reads as a number of one of two kinds.
+void resultReadsAs(sqlite3_context* context, sqlite3_value* value, int kind, int otherKind) {
+    if (sqlite3_value_type(value) != SQLITE_NULL) {
+        const int read = sqlite3_value_numeric_type(value);
+        sqlite3_result_int(context, read == kind || read == otherKind ? 1 : 0);
+    }
+}
+
 } // namespace
 
 void charUTF16(sqlite3_context* context, int, sqlite3_value** values) {
@@ -263,6 +271,18 @@ void repeat(sqlite3_context* context, int, sqlite3_value** values) {
         resultRepeated(context, text.isEmpty() ? QByteArray(" ") : text.left(isPair ? 2 : 1).toUtf8(),
                        *count);
     });
+}
+
+void isInteger(sqlite3_context* context, int, sqlite3_value** values) {
+    resultReadsAs(context, values[0], SQLITE_INTEGER, SQLITE_INTEGER);
+}
+
+void isDecimalNumber(sqlite3_context* context, int, sqlite3_value** values) {
+    resultReadsAs(context, values[0], SQLITE_FLOAT, SQLITE_FLOAT);
+}
+
+void isNumber(sqlite3_context* context, int, sqlite3_value** values) {
+    resultReadsAs(context, values[0], SQLITE_INTEGER, SQLITE_FLOAT);
 }
 
 } // namespace orvane::engine

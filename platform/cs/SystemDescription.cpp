@@ -80,9 +80,10 @@ SystemDescription describe(const CoordSystem& system) {
     return description;
 }
 
-QString wktOf(const CoordSystem& system, WktForm form, bool isIndented) {
+QString wktOf(const CoordSystem& system, WktForm form, bool isIndented, int blanks) {
     constexpr PJ_WKT_TYPE forms[] = {PJ_WKT2_2019, PJ_WKT2_2015, PJ_WKT1_GDAL, PJ_WKT1_ESRI};
-    const char* const options[] = {isIndented ? "MULTILINE=YES" : "MULTILINE=NO", nullptr};
+    const std::string width = "INDENTATION_WIDTH=" + std::to_string(blanks);
+    const char* const options[] = {isIndented ? "MULTILINE=YES" : "MULTILINE=NO", width.c_str(), nullptr};
     const Made made = projObjectOf(system);
     return made.object ? textOf(proj_as_wkt(made.context.get(), made.object.get(),
                                             forms[static_cast<std::size_t>(form)], options))
@@ -96,20 +97,18 @@ QString projTextOf(const CoordSystem& system) {
                : QString();
 }
 
-std::optional<int> epsgOf(const QString& authority, const QString& code) {
+std::shared_ptr<CoordSystem> systemOfAuthority(const QString& authority, const QString& code) {
     const auto context = projContext();
-    const QByteArray name = authority.toUpper().toUtf8();
-    const ProjPtr object(proj_create_from_database(context.get(), name.constData(), code.toUtf8().constData(),
-                                                   PJ_CATEGORY_CRS, 0, nullptr));
+    const ProjPtr object(proj_create_from_database(context.get(), authority.toUpper().toUtf8().constData(),
+                                                   code.toUtf8().constData(), PJ_CATEGORY_CRS, 0, nullptr));
     if (!object) {
-        return std::nullopt;
+        return nullptr;
     }
-    if (name == "EPSG") {
-        return code.toInt();
-    }
-    const auto system = CoordSysFactory::defaultCoordSysFactory()->createFromWkt(
-        textOf(proj_as_wkt(context.get(), object.get(), PJ_WKT2_2019, nullptr)));
-    return system && system->epsg() != 0 ? std::optional(system->epsg()) : std::nullopt;
+    const auto* factory = CoordSysFactory::defaultCoordSysFactory();
+    return authority.compare(QLatin1String("EPSG"), Qt::CaseInsensitive) == 0
+               ? factory->createFromEpsg(code.toInt())
+               : factory->createFromWkt(
+                     textOf(proj_as_wkt(context.get(), object.get(), PJ_WKT2_2019, nullptr)));
 }
 
 } // namespace orvane::cs

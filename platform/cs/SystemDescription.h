@@ -4,7 +4,7 @@
 
 #include <QString>
 
-#include <optional>
+#include <memory>
 
 namespace orvane::cs {
 
@@ -31,12 +31,14 @@ struct SystemDescription {
 ORVANE_PLATFORM_EXPORT SystemDescription describe(const CoordSystem& system);
 
 enum class WktForm { Iso2019, Iso2015, Gdal, Esri };
-/// Well-known text of the system; null where the form cannot say it.
-ORVANE_PLATFORM_EXPORT QString wktOf(const CoordSystem& system, WktForm form, bool isIndented);
+/// Well-known text of the system, in one line or indented by so many blanks a level; null where the form
+/// cannot say it.
+ORVANE_PLATFORM_EXPORT QString wktOf(const CoordSystem& system, WktForm form, bool isIndented, int blanks);
 /// The text with which PROJ is told of it: "+proj=longlat +datum=WGS84 +no_defs +type=crs"; null for none.
 ORVANE_PLATFORM_EXPORT QString projTextOf(const CoordSystem& system);
-/// The EPSG code of the system that an authority ("EPSG", "ESRI", in any letter case) has given a code; none
-/// where there is no such system, or where it has no EPSG code.
-ORVANE_PLATFORM_EXPORT std::optional<int> epsgOf(const QString& authority, const QString& code);
+/// The system that an authority ("EPSG", "ESRI", in any letter case) has given a code; null for none. With
+/// its EPSG code where it has one, too.
+ORVANE_PLATFORM_EXPORT std::shared_ptr<CoordSystem> systemOfAuthority(const QString& authority,
+                                                                      const QString& code);
 
 } // namespace orvane::cs

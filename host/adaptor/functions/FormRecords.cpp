@@ -67,8 +67,8 @@ constexpr FunctionRecord records[] = {
         {"ST_AsEncodedPolyline(line [, digits])",
          "The positions of a line in WGS 84 as the polyline algorithm packs them, with five digits behind "
          "the point unless said otherwise.",
-         "ST_AsEncodedPolyline(GeomFromText('LINESTRING(-120.2 38.5,-120.95 40.7,-126.453 43.252)', 4326))",
-         "_p~iF~ps|U_ulLnnqC_mqNvxq`@"}),
+         "ST_AsEncodedPolyline(GeomFromText('LINESTRING(-120.2 38.5,-120.95 40.7)', 4326))",
+         "_p~iF~ps|U_ulLnnqC"}),
     alsoNamed("ST_GeoHash", pureFunction("GeoHash", writing, Arity::between(1, 2), engine::geoHash,
                                          {"GeoHash(obj [, length])",
                                           "The geohash of the middle of the object, or without a length as "

@@ -72,6 +72,7 @@ std::span<const FunctionRecord> constructorRecords();
 std::span<const FunctionRecord> accessRecords();
 std::span<const FunctionRecord> formRecords();
 std::span<const FunctionRecord> editingRecords();
+std::span<const FunctionRecord> systemRecords();
 std::span<const FunctionRecord> libraryRecords();
 std::span<const FunctionRecord> sqliteRecords();
 

@@ -62,8 +62,8 @@ std::vector<FunctionRecord> allFunctionRecords() {
     for (const std::span<const FunctionRecord> family :
          {arithmeticRecords(), textRecords(), dateTimeRecords(), formatRecords(), geometryRecords(),
           measureRecords(), overlayRecords(), shapingRecords(), makingRecords(), lineRecords(),
-          constructorRecords(), accessRecords(), formRecords(), editingRecords(), libraryRecords(),
-          sqliteRecords()}) {
+          constructorRecords(), accessRecords(), formRecords(), editingRecords(), systemRecords(),
+          libraryRecords(), sqliteRecords()}) {
         records.insert(records.end(), family.begin(), family.end());
     }
     return records;

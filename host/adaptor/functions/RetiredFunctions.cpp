@@ -7,6 +7,9 @@ namespace orvane::adaptor {
 namespace {
 
 const RetiredFunction retired[] = {
+    {"CastAutomagic", "Cast"},
+    {"ElementaryGeometries", "GeometryN"},
+    {"ST_Cutter", "Intersection"},
     {"AsX3D", "AsGml"},
     {"ST_AsX3D", "AsGml"},
     {"ST_DrapeLine", nullptr},

@@ -90,6 +90,16 @@ const FunctionRecord records[] = {
     environmentFunction("CaseSensitiveLocaleCompare", patterns, two, engine::caseSensitiveLocaleCompare,
                         {"CaseSensitiveLocaleCompare(a, b)", "The same by the rules of the locale.",
                          "CaseSensitiveLocaleCompare('a', 'a')", "0"}),
+    pureFunction("IsInteger", group, one, engine::isInteger,
+                 {"IsInteger(value)", "1 when the value is a whole number or a text of one.",
+                  "IsInteger('-15')", "1"}),
+    pureFunction("IsDecimalNumber", group, one, engine::isDecimalNumber,
+                 {"IsDecimalNumber(value)",
+                  "1 when the value is a number with a fraction or an exponent, or a text of one.",
+                  "IsDecimalNumber('15')", "0"}),
+    pureFunction(
+        "IsNumber", group, one, engine::isNumber,
+        {"IsNumber(value)", "1 when the value is a number or a text of one.", "IsNumber('1.5 km')", "0"}),
 };
 
 } // namespace

@@ -68,6 +68,9 @@ TEST(Records, EveryFunctionTakesEveryKindOfValue) {
     const SqlFunctions functions;
     for (const FunctionRecord& record : SqlFunctions::records()) {
         const int most = record.arity.maximum < 0 ? 3 : record.arity.maximum;
+        if (!record.isRegistered()) {
+            continue;
+        }
         for (int arity = std::max(record.arity.minimum, 0); arity <= most; ++arity) {
             const auto kinds = everyKindOfValue.size();
             const auto combinations = static_cast<std::size_t>(std::pow(kinds, arity));

@@ -60,4 +60,9 @@ ORVANE_ENGINE_EXPORT void caseSensitiveCompare(sqlite3_context* context, int cou
 ORVANE_ENGINE_EXPORT void caseSensitiveLocaleCompare(sqlite3_context* context, int count,
                                                      sqlite3_value** values);
 
+/// Whether a value is a whole number, another number, or either, or a text of one; NULL for NULL.
+ORVANE_ENGINE_EXPORT void isInteger(sqlite3_context* context, int count, sqlite3_value** values);
+ORVANE_ENGINE_EXPORT void isDecimalNumber(sqlite3_context* context, int count, sqlite3_value** values);
+ORVANE_ENGINE_EXPORT void isNumber(sqlite3_context* context, int count, sqlite3_value** values);
+
 } // namespace orvane::engine
