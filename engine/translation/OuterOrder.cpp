@@ -66,11 +66,12 @@ std::shared_ptr<const ast::QuerySpecification> withOrderFurtherIn(const ast::Que
             const auto* key = ast::nodeAs<ast::SortSpecification>(term);
             return key && namesOuter(key->key, own);
         });
-    const bool isPlain = query.quantifier != ast::SetQuantifier::Distinct && !query.into &&
-                         std::all_of(query.columns.begin(), query.columns.end(), [](const ast::NodePtr& node) {
-                             const auto* column = ast::nodeAs<ast::DerivedColumn>(node);
-                             return column && column->expression->kind != ast::NodeKind::QualifiedAsterisk;
-                         });
+    const bool isPlain =
+        query.quantifier != ast::SetQuantifier::Distinct && !query.into &&
+        std::all_of(query.columns.begin(), query.columns.end(), [](const ast::NodePtr& node) {
+            const auto* column = ast::nodeAs<ast::DerivedColumn>(node);
+            return column && column->expression->kind != ast::NodeKind::QualifiedAsterisk;
+        });
     if (!hasOuter || !isPlain) {
         return nullptr;
     }

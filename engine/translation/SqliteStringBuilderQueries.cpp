@@ -3,6 +3,7 @@
 #include "engine/translation/ComputedTexts.h"
 #include "engine/translation/FixedColumns.h"
 #include "engine/translation/NearestFirst.h"
+#include "engine/translation/NearestPerRow.h"
 #include "engine/translation/OuterOrder.h"
 #include "engine/translation/SpatialConditions.h"
 #include "platform/sql/lexing/SqlStrings.h"
@@ -62,32 +63,38 @@ ast::NodePtr SqliteStringBuilder::collated(const ast::NodePtr& value) const {
 
 void SqliteStringBuilder::visit(const ast::QuerySpecification& node) {
     auto rewritten = nearestFirst(node);
+    if (!rewritten) {
+        rewritten = withNearestPerRow(
+            node, [&](const ast::TablePrimary& table) { return readsByDistance(table, node.with); });
+    }
     if (!rewritten && !frames_.empty()) {
         rewritten = withOrderFurtherIn(node);
     }
     visitSpecification(rewritten ? *rewritten : node);
 }
 
+/// Whether a name in From is one of a table whose rows can be had in the order of a distance.
+bool SqliteStringBuilder::readsByDistance(const ast::TablePrimary& table, const NamedQueries& named) const {
+    const auto isNamed = [&table](const ast::CommonTable& each) {
+        return toLowercase(each.name) == toLowercase(table.name);
+    };
+    return readsByDistance_ && whiteList_.empty() && !namedQuery(table.name) &&
+           std::none_of(named.begin(), named.end(), isNamed) && readsByDistance_(table.name);
+}
+
 /// Null where the rows cannot be had in the order of a distance.
 std::shared_ptr<const ast::QuerySpecification>
 SqliteStringBuilder::nearestFirst(const ast::QuerySpecification& node) const {
     const auto* table = ast::nodeAs<ast::TablePrimary>(ast::onlySource(node));
-    const auto isNamed = [table](const ast::CommonTable& named) {
-        return toLowercase(named.name) == toLowercase(table->name);
-    };
-    if (!readsByDistance_ || !whiteList_.empty() || !table || namedQuery(table->name) ||
-        std::any_of(node.with.begin(), node.with.end(), isNamed)) {
-        return nullptr;
-    }
-    const auto key =
+    const auto* key =
         node.orderBy.size() == 1 ? ast::nodeAs<ast::SortSpecification>(node.orderBy.front()) : nullptr;
-    if (!key) {
+    if (!table || !key) {
         return nullptr;
     }
     const Referred referred = referredColumn(key->key, node.columns);
     const ast::NodePtr distance = referred.column ? referred.column->expression : key->key;
     auto rewritten = withNearestFirst(node, *table, distance, tableColumns_);
-    return rewritten && readsByDistance_(table->name) ? rewritten : nullptr;
+    return rewritten && readsByDistance(*table, node.with) ? rewritten : nullptr;
 }
 
 void SqliteStringBuilder::visitSpecification(const ast::QuerySpecification& node) {

@@ -171,6 +171,7 @@ private:
     };
 
     void visitSpecification(const sql::ast::QuerySpecification& node);
+    bool readsByDistance(const sql::ast::TablePrimary& table, const NamedQueries& named) const;
     std::shared_ptr<const sql::ast::QuerySpecification>
     nearestFirst(const sql::ast::QuerySpecification& node) const;
     void visitCorrectedColumn(const sql::ast::ColumnReference& node);

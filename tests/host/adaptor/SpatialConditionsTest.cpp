@@ -220,6 +220,20 @@ TEST_F(SpatialConditions, TheNearestComeFirst) {
               "Order By Distance(b.obj, a.obj) Limit 1) From few a Order By 1",
               "Select id, (Select Min(Distance(b.obj, a.obj)) From points b Where b.id <> a.id) From few a "
               "Order By 1"},
+          {"Select x, y From (Select a.id As x, b.id As y, Row_Number() Over (Partition By a.id Order By "
+           "Distance(a.obj, b.obj, 'km')) As n From few a, points b Where a.id <> b.id And b.obj Is Not "
+           "Null) q "
+           "Where n <= 3 And x > 2 Order By 1, n",
+           "Select x, y From (Select a.id As x, b.id As y, Row_Number() Over (Partition By a.id Order By "
+           "Distance(a.obj, b.obj, 'km')) As n From few a, points b Where a.id <> b.id And b.obj Is Not "
+           "Null) q "
+           "Where n + 0 <= 3 And x > 2 Order By 1, n"},
+          {"Select x, y From (Select a.id As x, b.id As y, Row_Number() Over (Partition By a.id % 3 Order By "
+           "ST_Distance(b.obj, a.obj)) As n From few a Join points b On b.id > 5 Where b.obj Is Not Null) q "
+           "Where 3 > n And y Is Not Null Order By 1, 2",
+           "Select x, y From (Select a.id As x, b.id As y, Row_Number() Over (Partition By a.id % 3 Order By "
+           "ST_Distance(b.obj, a.obj)) As n From few a Join points b On b.id > 5 Where b.obj Is Not Null) q "
+           "Where 3 > n + 0 And y Is Not Null Order By 1, 2"},
           {"Select id From points Order By Distance(obj, (Select obj From few Where id = 3)) Limit 8",
            "Select points.id From points, few Where few.id = 3 Order By Distance(points.obj, few.obj) Limit "
            "8"}}) {
