@@ -16,8 +16,13 @@ namespace {
 
 using namespace sql;
 
-std::wstring qualifierOf(const ast::TablePrimary& table) {
-    return toLowercase(table.alias.empty() ? table.name : table.alias);
+/// The name, in lower case, that columns of a table or of a query in From have before them. Empty for none.
+std::wstring qualifierOf(const ast::NodePtr& source) {
+    const auto* table = ast::nodeAs<ast::TablePrimary>(source);
+    const auto* derived = ast::nodeAs<ast::DerivedTable>(source);
+    return toLowercase(table     ? table->alias.empty() ? table->name : table->alias
+                       : derived ? derived->alias
+                                 : std::wstring());
 }
 
 std::optional<long> wholeNumber(const ast::NodePtr& node) {
@@ -67,10 +72,10 @@ std::optional<long> mostWithin(const ast::NodePtr& condition, const std::wstring
     return left ? left : mostWithin(operation->right(), column);
 }
 
-/// The two tables of a join, and what joins them.
+/// The two sources of a join, and what joins them.
 struct Join {
-    const ast::TablePrimary* first = nullptr;
-    const ast::TablePrimary* second = nullptr;
+    ast::NodePtr first;
+    ast::NodePtr second;
     ast::NodePtr condition;
 };
 
@@ -78,20 +83,18 @@ std::optional<Join> joinOf(const ast::NodePtr& from) {
     const auto* sources = ast::nodeAs<ast::FromSource>(from);
     Join join;
     if (sources && sources->sources.size() == 2) {
-        join.first = ast::nodeAs<ast::TablePrimary>(sources->sources[0]);
-        join.second = ast::nodeAs<ast::TablePrimary>(sources->sources[1]);
+        join = {sources->sources[0], sources->sources[1], nullptr};
     } else if (sources && sources->sources.size() == 1) {
         const auto* node = ast::nodeAs<ast::JoinNode>(sources->sources.front());
         const auto* on = node ? ast::nodeAs<ast::JoinCondition>(node->matching) : nullptr;
         if (!on || node->join != ast::JoinKind::Inner) {
             return std::nullopt;
         }
-        join = {ast::nodeAs<ast::TablePrimary>(node->left), ast::nodeAs<ast::TablePrimary>(node->right),
-                on->condition};
+        join = {node->left, node->right, on->condition};
     }
-    return join.first && join.second && qualifierOf(*join.first) != qualifierOf(*join.second)
-               ? std::optional(join)
-               : std::nullopt;
+    const std::wstring first = qualifierOf(join.first);
+    const std::wstring second = qualifierOf(join.second);
+    return !first.empty() && !second.empty() && first != second ? std::optional(join) : std::nullopt;
 }
 
 const ast::ColumnReference* geometry(const ast::NodePtr& node) {
@@ -112,16 +115,17 @@ const ast::Function* distanceOf(const ast::NodeList& order) {
                : nullptr;
 }
 
-/// Whether all columns of a value are those of one table, named in full.
-bool isOf(const ast::TablePrimary& table, const ast::NodePtr& value) {
-    bool isOfTable = true;
+/// Whether all columns of a value are those of one source, named in full.
+bool isOf(const ast::NodePtr& source, const ast::NodePtr& value) {
+    const std::wstring qualifier = qualifierOf(source);
+    bool isOfSource = true;
     ast::forEachNode(*value, [&](const ast::Node& node) {
         const auto* column = ast::nodeAs<ast::ColumnReference>(&node);
-        isOfTable = isOfTable && !ast::isQuery(&node) &&
-                    (!column || toLowercase(column->qualifier) == qualifierOf(table));
-        return isOfTable;
+        isOfSource =
+            isOfSource && !ast::isQuery(&node) && (!column || toLowercase(column->qualifier) == qualifier);
+        return isOfSource;
     });
-    return isOfTable;
+    return isOfSource;
 }
 
 /// The only window function of a query's columns: a Row_Number. Null where there are others.
@@ -192,25 +196,25 @@ withNearestPerRow(const ast::QuerySpecification& query,
         return nullptr;
     }
     const ast::NodePtr condition = both(join->condition, inner->where);
-    const auto isOfGroup = [&](const ast::TablePrimary& table) {
+    const auto isOfGroup = [&](const ast::NodePtr& source) {
         return std::all_of(window.partitionBy.begin(), window.partitionBy.end(),
-                           [&table](const ast::NodePtr& key) { return isOf(table, key); });
+                           [&source](const ast::NodePtr& key) { return isOf(source, key); });
     };
-    const auto measures = [&](const ast::TablePrimary& a, const ast::TablePrimary& b) {
-        return (isOf(a, distance->arguments[0]) && isOf(b, distance->arguments[1])) ||
-               (isOf(b, distance->arguments[0]) && isOf(a, distance->arguments[1]));
+    const auto measures = [&](const ast::NodePtr& a, const ast::NodePtr& b) {
+        return isOf(a, distance->arguments[0]) && isOf(b, distance->arguments[1]);
     };
-    const ast::TablePrimary* searched = isOfGroup(*join->first)    ? join->second
-                                        : isOfGroup(*join->second) ? join->first
-                                                                   : nullptr;
-    if (!searched || !measures(*join->first, *join->second) || !readsByDistance(*searched) ||
+    const bool isSecond = isOfGroup(join->first);
+    const auto* searched = isSecond || isOfGroup(join->second)
+                               ? ast::nodeAs<ast::TablePrimary>(isSecond ? join->second : join->first)
+                               : nullptr;
+    const bool isBetween = measures(join->first, join->second) || measures(join->second, join->first);
+    if (!searched || !isBetween || !readsByDistance(*searched) ||
         (condition && hasNamelessParameter(condition))) {
         return nullptr;
     }
     auto narrowed = std::make_shared<ast::QuerySpecification>(*inner);
-    narrowed->where =
-        both(inner->where,
-             isAmongNearest(*searched, condition, std::make_shared<ast::Function>(*distance), *most));
+    narrowed->where = both(inner->where, isAmongNearest(*searched, condition,
+                                                        std::make_shared<ast::Function>(*distance), *most));
     auto rewritten = std::make_shared<ast::QuerySpecification>(query);
     rewritten->from = std::make_shared<ast::FromSource>(
         ast::NodeList{std::make_shared<ast::DerivedTable>(std::move(narrowed), derived->alias)});

@@ -290,7 +290,8 @@ private:
             return;
         }
         const bool list = sqlite3_vtab_in(&info_, rowNumber_, 1) != 0;
-        hand(rowNumber_, false);
+        hand(rowNumber_,
+             true); // the scan finds just those rows: a list may be a query that is dear to repeat
         plan_.rowNumber = list ? ScanPlan::RowNumber::In : ScanPlan::RowNumber::Equal;
         estimate_.takeRowNumbers(list);
         hasOpenOperand_ = true;
