@@ -6,17 +6,16 @@ namespace orvane::adaptor {
 
 namespace {
 
-constexpr const char* measures = "Measures";
 constexpr const char* relations = "Relations";
 constexpr const char* geometries = "Geometries";
 constexpr const char* systems = "Coordinate systems";
 constexpr const char* aggregates = "Geometry aggregates";
 
 const FunctionRecord records[] = {
-    pureFunction("CentroidX", measures, Arity::exactly(1), engine::centroidX,
+    pureFunction("CentroidX", geometries, Arity::exactly(1), engine::centroidX,
                  {"CentroidX(obj)", "The x coordinate of the centre of mass.",
                   "CentroidX(GeomFromText('POLYGON((0 0,4 0,4 2,0 2,0 0))'))", "2"}),
-    pureFunction("CentroidY", measures, Arity::exactly(1), engine::centroidY,
+    pureFunction("CentroidY", geometries, Arity::exactly(1), engine::centroidY,
                  {"CentroidY(obj)", "The y coordinate of the centre of mass.",
                   "CentroidY(GeomFromText('POLYGON((0 0,4 0,4 2,0 2,0 0))'))", "1"}),
     pureFunction("ContainsCentroid", relations, Arity::exactly(2), engine::containsCentroid,

@@ -288,7 +288,7 @@ GeosPtr geodesicBuffer(const GeographicShape& shape, double distance, const Buff
             QT_TRANSLATE_NOOP("orvane::geometry", "Расстояние на эллипсоиде не может быть больше %0 м."),
             QString::number(most, 'f', 0));
     }
-    return GeodesicBuffer(shape, distance, options).run();
+    return lessThanHalves(GeodesicBuffer(shape, distance, options).run());
 }
 
 GeosPtr planarBuffer(const GEOSGeometry* geometry, double distance, const BufferOptions& options) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <numbers>
 
 namespace orvane::geometry {
 
@@ -148,7 +149,50 @@ void gatherAreas(GeosPtr geometry, std::vector<GeosPtr>& areas) {
     }
 }
 
+/// The share of the Earth that a ring of the map encloses, as on a sphere.
+double shareOf(const GEOSGeometry* ring) {
+    const GEOSCoordSequence* const positions = GEOSGeom_getCoordSeq_r(geosContext(), ring);
+    unsigned size = 0;
+    if (!positions || !GEOSCoordSeq_getSize_r(geosContext(), positions, &size)) {
+        throwGeosError();
+    }
+    double sum = 0.0;
+    double before[2] = {0.0, 0.0};
+    for (unsigned i = 0; i < size; ++i) {
+        double x = 0.0;
+        double y = 0.0;
+        GEOSCoordSeq_getXY_r(geosContext(), positions, i, &x, &y);
+        const double sine = std::sin(y * std::numbers::pi / 180.0);
+        sum += i > 0 ? (x - before[0]) * (sine + before[1]) : 0.0;
+        before[0] = x;
+        before[1] = sine;
+    }
+    return std::abs(sum) / (4.0 * turnAround);
+}
+
 } // namespace
+
+GeosPtr lessThanHalves(GeosPtr areas) {
+    constexpr double nearlyHalf = 0.49;
+    bool isTooLarge = false;
+    const int count = GEOSGetNumGeometries_r(geosContext(), areas.get());
+    for (int i = 0; i < count && GEOSisEmpty_r(geosContext(), areas.get()) == 0; ++i) {
+        const GEOSGeometry* const part = GEOSGetGeometryN_r(geosContext(), areas.get(), i);
+        isTooLarge = isTooLarge || shareOf(GEOSGetExteriorRing_r(geosContext(), part)) > nearlyHalf;
+    }
+    if (!isTooLarge) {
+        return areas;
+    }
+    std::vector<GeosPtr> quarters;
+    constexpr double quarter = 90.0;
+    for (double west = -edge; west < edge; west += quarter) {
+        gatherAreas(
+            checked(GEOSIntersection_r(geosContext(), areas.get(), rectangle(west, west + quarter).get())),
+            quarters);
+    }
+    return collectionOf(GEOS_GEOMETRYCOLLECTION,
+                        std::move(quarters)); // neighbours make no valid multi-polygon
+}
 
 GeosPtr globeAreaLeftOf(const GlobeRing& ring) {
     if (ring.size() < 3) {

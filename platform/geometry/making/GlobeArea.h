@@ -18,6 +18,10 @@ using GlobeRing = std::vector<GlobePosition>;
 /// meridian, and along a border of the map where it holds a pole. Throws std::runtime_error when GEOS fails.
 GeosPtr globeAreaLeftOf(const GlobeRing& ring);
 
+/// Areas of the map, cut along meridians where a ring bounds more than half of the Earth: by itself it would
+/// bound the other, smaller part. Throws std::runtime_error when GEOS fails.
+GeosPtr lessThanHalves(GeosPtr areas);
+
 /// The areas among parts of any kind, united. Throws std::runtime_error when GEOS fails.
 GeosPtr unitedAreas(std::vector<GeosPtr> areas);
 
