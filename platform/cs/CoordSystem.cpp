@@ -2,6 +2,7 @@
 
 #include "platform/cs/CoordSystemImpl.h"
 
+#include <array>
 #include <atomic>
 
 namespace orvane::cs {
@@ -70,6 +71,23 @@ const ProjCoordSystem::Facts& ProjCoordSystem::facts() const {
     return facts_;
 }
 
+namespace {
+
+/// What PROJ said of two definitions, which it takes a millisecond to compare.
+struct Comparison {
+    std::uint64_t a = 0, b = 0; ///< identities; none is 0
+    bool areEqual = false;
+};
+
+/// Where this thread keeps what it learnt of two systems, or of others.
+Comparison& keptComparison(std::uint64_t a, std::uint64_t b) {
+    constexpr std::size_t numKept = 64;
+    thread_local std::array<Comparison, numKept> kept;
+    return kept[(a * 31 + b) % numKept];
+}
+
+} // namespace
+
 bool ProjCoordSystem::equals(const CoordSystem& other) const {
     if (this == &other) {
         return true;
@@ -84,12 +102,17 @@ bool ProjCoordSystem::equals(const CoordSystem& other) const {
     if (!system) {
         return false;
     }
-    const auto context = projContext();
-    const ProjPtr a = projObject(context.get());
-    const ProjPtr b = system->projObject(context.get());
-    return a && b &&
-           proj_is_equivalent_to_with_ctx(context.get(), a.get(), b.get(),
-                                          PJ_COMP_EQUIVALENT_EXCEPT_AXIS_ORDER_GEOGCRS);
+    Comparison& known = keptComparison(identity_, system->identity_);
+    if (known.a != identity_ || known.b != system->identity_) {
+        const auto context = projContext();
+        const ProjPtr a = projObject(context.get());
+        const ProjPtr b = system->projObject(context.get());
+        known = {identity_, system->identity_,
+                 a && b &&
+                     proj_is_equivalent_to_with_ctx(context.get(), a.get(), b.get(),
+                                                    PJ_COMP_EQUIVALENT_EXCEPT_AXIS_ORDER_GEOGCRS)};
+    }
+    return known.areEqual;
 }
 
 } // namespace orvane::cs

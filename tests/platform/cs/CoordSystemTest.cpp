@@ -101,6 +101,19 @@ TEST(CoordSystem, Equality) {
     EXPECT_TRUE(tagged("epsg:32636")->equals(*tagged("proj:+proj=utm +zone=36 +datum=WGS84")));
     EXPECT_FALSE(tagged("epsg:32636")->equals(*tagged("epsg:32637")));
     EXPECT_FALSE(tagged("epsg:4326")->equals(*tagged("proj:+proj=longlat +ellps=krass")));
+    // More pairs without a code than are kept, each of them twice.
+    for (int round = 0; round < 2; ++round) {
+        for (int i = 0; i < 12; ++i) {
+            for (int j = 0; j < 12; ++j) {
+                const auto meridian = [](int degrees) {
+                    return "proj:+proj=tmerc +ellps=krass +lon_0=" + std::to_string(degrees);
+                };
+                EXPECT_EQ(tagged(meridian(i).c_str())->equals(*tagged((meridian(j) + " +k=1").c_str())),
+                          i == j)
+                    << i << ' ' << j;
+            }
+        }
+    }
 }
 
 /// Known positions, there and back.
