@@ -649,6 +649,10 @@
 <context>
     <name>orvane::geometry</name>
     <message>
+        <source>нужны матрица из девяти 0, 1, 2, F и шаблон из них, T и *</source>
+        <translation>expected a matrix of nine 0, 1, 2, F and a pattern of these, T and *</translation>
+    </message>
+    <message>
         <source>нужна ISO-2019, ISO-2018, ISO-2015, GDAL или ESRI</source>
         <translation>expected ISO-2019, ISO-2018, ISO-2015, GDAL or ESRI</translation>
     </message>

@@ -1,7 +1,7 @@
 #include <orvane/engine/functions/Geometry.h>
 
 #include "Barrier.h"
-#include "GeometryArguments.h"
+#include "GeometryCall.h"
 #include "RecentGeometries.h"
 #include "platform/cs/CoordSystem.h"
 #include "platform/geometry/relations/Relations.h"
@@ -198,6 +198,24 @@ void matchesPattern(sqlite3_context* context, int, sqlite3_value** values) {
                 sqlite3_result_int(context, *answer ? 1 : 0);
             }
         }
+    });
+}
+
+void relationMatrix(sqlite3_context* context, int count, sqlite3_value** values) {
+    evaluate("Relate", 2, context, count, values, [](const GeometryCall& call) {
+        const GeometryPair pair = call.geometries(0, 1);
+        return geometry::relationMatrix(*pair.first, *pair.second);
+    });
+}
+
+void matrixMatches(sqlite3_context* context, int count, sqlite3_value** values) {
+    evaluate("ST_RelateMatch", 2, context, count, values, [](const GeometryCall& call) {
+        const auto answer = geometry::matches(std::string(call.utf8(0)), std::string(call.utf8(1)));
+        if (!answer) {
+            call.reject(1, QT_TRANSLATE_NOOP("orvane::geometry",
+                                             "нужны матрица из девяти 0, 1, 2, F и шаблон из них, T и *"));
+        }
+        return *answer;
     });
 }
 

@@ -1,39 +1,20 @@
 #include "host/adaptor/functions/FunctionReference.h"
 
 #include "host/adaptor/functions/FunctionRegistry.h"
-#include "platform/sql/tree/FunctionInfo.h"
+#include "host/adaptor/functions/RetiredFunctions.h"
 #include <orvane/engine/FunctionNames.h>
 
 #include <sqlite3.h>
 
-#include <memory>
-#include <set>
+#include <algorithm>
+#include <vector>
 
 namespace orvane::adaptor {
 
 namespace {
 
-struct NameLess {
-    bool operator()(const std::string& a, const std::string& b) const {
-        return sqlite3_stricmp(a.c_str(), b.c_str()) < 0;
-    }
-};
-using Names = std::set<std::string, NameLess>;
-
 std::string dialectName(const char* sqlName) {
     return engine::dialectFunctionName(QString::fromLatin1(sqlName)).toStdString();
-}
-
-/// The names of all functions of a connection.
-Names functionsOf(sqlite3* database) {
-    Names names;
-    sqlite3_stmt* statement = nullptr;
-    sqlite3_prepare_v2(database, "Select Distinct name From pragma_function_list", -1, &statement, nullptr);
-    const std::unique_ptr<sqlite3_stmt, decltype(&sqlite3_finalize)> owner(statement, &sqlite3_finalize);
-    while (sqlite3_step(statement) == SQLITE_ROW) {
-        names.emplace(reinterpret_cast<const char*>(sqlite3_column_text(statement, 0)));
-    }
-    return names;
 }
 
 void appendEntry(std::string& text, const FunctionRecord& record) {
@@ -53,29 +34,9 @@ void appendEntry(std::string& text, const FunctionRecord& record) {
     text += "\n\n";
 }
 
-void appendNames(std::string& text, const char* heading, const Names& names) {
-    text += std::string("## ") + heading + "\n\n";
-    for (const std::string& name : names) {
-        text += (&name == &*names.begin() ? "`" : ", `") + name + '`';
-    }
-    text += "\n\n";
-}
-
-/// SpatiaLite's functions are those that come with the libraries besides SQLite's own.
-bool isSpatial(const std::string& name) {
-    static const Names plain = [] {
-        sqlite3* database = nullptr;
-        sqlite3_open(":memory:", &database);
-        Names names = functionsOf(database);
-        sqlite3_close(database);
-        return names;
-    }();
-    return plain.count(name) == 0;
-}
-
 } // namespace
 
-std::string functionReference(sqlite3* database) {
+std::string functionReference() {
     std::string text =
         "# Functions\n\nWritten by the tests from the running engine (see `FunctionReferenceTest`); results "
         "are "
@@ -85,28 +46,28 @@ std::string functionReference(sqlite3* database) {
         "count "
         "as left out. Pictures of numbers and times and the reading of dates are\ndescribed in "
         "[formats.md](formats.md).\n\n";
-    Names described;
-    std::string group;
-    for (const FunctionRecord& record : allFunctionRecords()) {
-        if (group != record.group) {
-            group = record.group;
-            text += "## " + group + "\n\n";
-        }
-        for (const char* name : record.names()) {
-            described.insert(name);
-        }
-        appendEntry(text, record);
-    }
-    const Names available = functionsOf(database);
-    Names ofSqlite, ofSpatialite;
-    for (const sql::FunctionInfo& info : sql::functionInfos()) {
-        if (described.count(info.name) == 0 && available.count(info.name) != 0) {
-            (isSpatial(info.name) ? ofSpatialite : ofSqlite).insert(info.name);
+    const std::vector<FunctionRecord> records = allFunctionRecords();
+    std::vector<std::string> groups; // several tables may have functions of one group
+    for (const FunctionRecord& record : records) {
+        if (std::find(groups.begin(), groups.end(), record.group) == groups.end()) {
+            groups.emplace_back(record.group);
         }
     }
-    text += "The functions below are documented by the libraries that they come with.\n\n";
-    appendNames(text, "SQLite", ofSqlite);
-    appendNames(text, "SpatiaLite", ofSpatialite);
+    for (const std::string& group : groups) {
+        text += "## " + group + "\n\n";
+        for (const FunctionRecord& record : records) {
+            if (group == record.group) {
+                appendEntry(text, record);
+            }
+        }
+    }
+    text += "## Not supported\n\nThese names are known, and calls of them are errors that say what to use "
+            "instead.\n\n";
+    for (const RetiredFunction& function : retiredFunctions()) {
+        text += std::string("- `") + function.name + '`';
+        text += function.instead ? std::string(": `") + function.instead + "`\n" : "\n";
+    }
+    text += '\n';
     text.pop_back();
     return text;
 }
@@ -121,6 +82,11 @@ std::string functionHelp(std::string_view name) {
         }
         text += std::string(record.signature) + "\n  " + record.summary + "\n  " + record.example;
         text += record.result ? std::string(" -> ") + record.result + "\n" : "\n";
+    }
+    for (const RetiredFunction& function : retiredFunctions()) {
+        if (sqlite3_stricmp(function.name, asked.c_str()) == 0) {
+            text += refusal(function) + '\n';
+        }
     }
     return text;
 }

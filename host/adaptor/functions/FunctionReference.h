@@ -5,16 +5,14 @@
 #include <string>
 #include <string_view>
 
-struct sqlite3;
-
 namespace orvane::adaptor {
 
-/// The reference of all functions of a running engine as a Markdown text: those with records in full, those
-/// of SQLite and SpatiaLite that the dialect knows by name.
-ORVANE_ADAPTOR_EXPORT std::string functionReference(sqlite3* database);
+/// The reference of all functions as a Markdown text.
+ORVANE_ADAPTOR_EXPORT std::string functionReference();
 
 /// Signature, summary and example of the function of that name, letter case ignored, under the name that the
-/// dialect gives it; empty when no record has it.
+/// dialect gives it; empty when no record has it. What to use
+/// instead of a retired one.
 ORVANE_ADAPTOR_EXPORT std::string functionHelp(std::string_view name);
 
 } // namespace orvane::adaptor

@@ -52,6 +52,9 @@ int removeNamesakes(sqlite3* database) {
                        : sqlite3_create_function(database, name.c_str(), count, SQLITE_UTF8, nullptr, nullptr,
                                                  nullptr, nullptr);
     }
+    for (const RetiredFunction& function : retiredFunctions()) {
+        code = code == SQLITE_OK ? registerRetiredFunction(database, function, -1) : code;
+    }
     return code;
 }
 

@@ -1,7 +1,5 @@
 #include "host/adaptor/functions/RetiredFunctions.h"
 
-#include <string>
-
 namespace orvane::adaptor {
 
 namespace {
@@ -22,14 +20,18 @@ const RetiredFunction retired[] = {
 
 void refuse(sqlite3_context* context, int, sqlite3_value**) {
     const auto& function = *static_cast<const RetiredFunction*>(sqlite3_user_data(context));
+    sqlite3_result_error(context, refusal(function).c_str(), -1);
+}
+
+} // namespace
+
+std::string refusal(const RetiredFunction& function) {
     std::string message = std::string(function.name) + " is not supported";
     if (function.instead != nullptr) {
         message += std::string("; use ") + function.instead;
     }
-    sqlite3_result_error(context, message.c_str(), -1);
+    return message;
 }
-
-} // namespace
 
 std::span<const RetiredFunction> retiredFunctions() {
     return retired;

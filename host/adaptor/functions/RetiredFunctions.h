@@ -3,6 +3,7 @@
 #include <sqlite3.h>
 
 #include <span>
+#include <string>
 
 namespace orvane::adaptor {
 
@@ -13,6 +14,8 @@ struct RetiredFunction {
 };
 
 std::span<const RetiredFunction> retiredFunctions();
+/// What the error of a call says.
+std::string refusal(const RetiredFunction& function);
 
 /// Makes the calls of a retired function with a number of arguments, -1 for any, errors that say what to use
 /// instead. Returns SQLite's code.

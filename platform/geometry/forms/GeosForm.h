@@ -20,6 +20,10 @@ struct GeosGeometryDeleter {
 struct GeosPreparedDeleter {
     void operator()(const GEOSPreparedGeometry* prepared) const;
 };
+/// Of texts that GEOS has made.
+struct GeosTextDeleter {
+    void operator()(char* text) const { GEOSFree_r(geosContext(), text); }
+};
 using GeosPtr = std::unique_ptr<GEOSGeometry, GeosGeometryDeleter>;
 using GeosPreparedPtr = std::unique_ptr<const GEOSPreparedGeometry, GeosPreparedDeleter>;
 

@@ -203,6 +203,11 @@ bool askInOneSystem(const Geometry& a, const Geometry& b, const Ask& ask) {
     return !formA.pieces().empty() && !formB.pieces().empty() && ask(formA, formB);
 }
 
+/// Nine of those characters.
+bool isMatrixOf(const std::string& text, const char* characters) {
+    return text.size() == 9 && text.find_first_not_of(characters) == std::string::npos;
+}
+
 } // namespace
 
 bool isRuledOut(Relation relation, const Envelope& a, const Envelope& b) {
@@ -226,9 +231,34 @@ bool relates(Relation relation, const Geometry& a, const Geometry& b) {
     });
 }
 
+std::optional<std::string> relationMatrix(const Geometry& a, const Geometry& b) {
+    std::optional<std::string> matrix;
+    askInOneSystem(a, b, [&](RelationForm& formA, RelationForm& formB) {
+        if (formA.related() && formB.related()) {
+            const std::unique_ptr<char, GeosTextDeleter> text(
+                GEOSRelate_r(geosContext(), formA.related(), formB.related()));
+            if (!text) {
+                throwGeosError();
+            }
+            matrix = text.get();
+        }
+        return matrix.has_value();
+    });
+    return matrix;
+}
+
+std::optional<bool> matches(const std::string& matrix, const std::string& pattern) {
+    if (!isMatrixOf(matrix, "F012") || !isMatrixOf(pattern, "TF*012")) {
+        return std::nullopt;
+    }
+    return std::equal(matrix.begin(), matrix.end(), pattern.begin(), [](char cell, char asked) {
+        return asked == '*' || (asked == 'T' ? cell != 'F' : cell == asked);
+    });
+}
+
 std::optional<bool> matches(const Geometry& a, const Geometry& b, const std::string& pattern) {
     std::optional<bool> answer;
-    if (pattern.size() != 9 || pattern.find_first_not_of("TF*012") != std::string::npos) {
+    if (!isMatrixOf(pattern, "TF*012")) {
         return answer;
     }
     askInOneSystem(a, b, [&](RelationForm& formA, RelationForm& formB) {

@@ -37,6 +37,11 @@ ORVANE_PLATFORM_EXPORT bool isRuledOut(Relation relation, const Envelope& a, con
 ORVANE_PLATFORM_EXPORT std::optional<bool> matches(const Geometry& a, const Geometry& b,
                                                    const std::string& pattern);
 
+/// The matrix itself, nine of 0, 1, 2 and F; none as above.
+ORVANE_PLATFORM_EXPORT std::optional<std::string> relationMatrix(const Geometry& a, const Geometry& b);
+/// Whether a matrix matches a pattern; none for what is neither.
+ORVANE_PLATFORM_EXPORT std::optional<bool> matches(const std::string& matrix, const std::string& pattern);
+
 /// The two share a position, borders included.
 ORVANE_PLATFORM_EXPORT bool Intersects(const Geometry& a, const Geometry& b);
 /// Nothing of b is outside a, and their interiors meet: what lies on the border of a only is not contained.

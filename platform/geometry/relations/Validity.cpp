@@ -9,10 +9,6 @@ namespace orvane::geometry {
 
 namespace {
 
-struct GeosTextDeleter {
-    void operator()(char* text) const { GEOSFree_r(geosContext(), text); }
-};
-
 /// Rings that are closed and long enough, which the form for GEOS has silently, are what the geometry itself
 /// has. Else the first that is not.
 const CoordinateSequence* improperRing(const Geometry& geometry) {

@@ -69,6 +69,10 @@ ORVANE_ENGINE_EXPORT void crosses(sqlite3_context* context, int count, sqlite3_v
 ORVANE_ENGINE_EXPORT void overlaps(sqlite3_context* context, int count, sqlite3_value** values);
 /// geometry, geometry, pattern of nine: geometry::matches; NULL for a collection as well.
 ORVANE_ENGINE_EXPORT void matchesPattern(sqlite3_context* context, int count, sqlite3_value** values);
+/// geometry, geometry: geometry::relationMatrix; NULL for a collection as well. matrix, pattern: whether they
+/// match.
+ORVANE_ENGINE_EXPORT void relationMatrix(sqlite3_context* context, int count, sqlite3_value** values);
+ORVANE_ENGINE_EXPORT void matrixMatches(sqlite3_context* context, int count, sqlite3_value** values);
 
 /// Relations of the envelopes of two geometries in the system of the first; 1 or 0, NULL where one is no
 /// geometry or the second has no place in that system. The first also takes two corners as four numbers in
