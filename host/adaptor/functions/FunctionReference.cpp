@@ -45,7 +45,8 @@ std::string functionReference() {
         "NULL in gives NULL out unless a line says otherwise;\nunits and a coordinate system that are NULL "
         "count "
         "as left out. Pictures of numbers and times and the reading of dates are\ndescribed in "
-        "[formats.md](formats.md).\n\n";
+        "[formats.md](formats.md). What is no object counts as NULL for measures, relations and conversions; "
+        "for all other\nfunctions of objects it is an error.\n\n";
     const std::vector<FunctionRecord> records = allFunctionRecords();
     std::vector<std::string> groups; // several tables may have functions of one group
     for (const FunctionRecord& record : records) {

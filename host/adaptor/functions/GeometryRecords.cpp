@@ -13,10 +13,10 @@ constexpr const char* aggregates = "Geometry aggregates";
 
 const FunctionRecord records[] = {
     pureFunction("CentroidX", geometries, Arity::exactly(1), engine::centroidX,
-                 {"CentroidX(obj)", "The x coordinate of the centre of mass.",
+                 {"CentroidX(obj)", "The x coordinate of the centre of mass; NULL for an empty object.",
                   "CentroidX(GeomFromText('POLYGON((0 0,4 0,4 2,0 2,0 0))'))", "2"}),
     pureFunction("CentroidY", geometries, Arity::exactly(1), engine::centroidY,
-                 {"CentroidY(obj)", "The y coordinate of the centre of mass.",
+                 {"CentroidY(obj)", "The y coordinate of the centre of mass; NULL for an empty object.",
                   "CentroidY(GeomFromText('POLYGON((0 0,4 0,4 2,0 2,0 0))'))", "1"}),
     pureFunction("ContainsCentroid", relations, Arity::exactly(2), engine::containsCentroid,
                  {"a Contains b", "1 when the centre of mass of b lies inside a.",
@@ -88,7 +88,8 @@ const FunctionRecord records[] = {
     alsoNamed("ST_Relate", pureFunction("Relate", relations, Arity::exactly(3), engine::matchesPattern,
                                         {"Relate(a, b, pattern)",
                                          "1 when the intersections of inside, border and outside of the two "
-                                         "objects are as the pattern says.",
+                                         "objects are as the pattern says; NULL for empty objects, "
+                                         "collections of several kinds and other patterns.",
                                          "Relate(MakePoint(1, 1), BuildMbr(0, 0, 2, 2), 'T********')", "1"})),
     alsoNamed("ST_Relate",
               pureFunction("Relate", relations, Arity::exactly(2), engine::relationMatrix,
@@ -143,7 +144,8 @@ const FunctionRecord records[] = {
                    "AsText(FromOrvGeo(MakeValidGeo(GeomFromText('POLYGON((0 0,2 2,2 0,0 2,0 0))'))))",
                    "MULTIPOLYGON(((0 2, 1 1, 0 0, 0 2)), ((2 0, 1 1, 2 2, 2 0)))"})),
     pureFunction("Centroid", geometries, Arity::exactly(1), engine::centroid,
-                 {"Centroid(obj)", "A point that certainly lies on the object, near its middle.",
+                 {"Centroid(obj)",
+                  "A point that certainly lies on the object, near its middle; NULL for an empty object.",
                   "AsText(Centroid(GeomFromText('POLYGON((0 0,4 0,4 2,0 2,0 0))')))", "POINT(2 1)"}),
     environmentFunction("Resemblance", geometries, Arity::exactly(1), engine::resemblance,
                         {"Resemblance(obj)",
@@ -155,11 +157,13 @@ const FunctionRecord records[] = {
                   "RetrieveCS(ToOrvGeo(MakePoint(1, 2), 'epsg:3857'))", "epsg:3857"}),
     pureFunction("TransformToOrvGeo", geometries, Arity::between(0, 3), engine::transformToOrvGeo,
                  {"TransformToOrvGeo(obj, target [, default])",
-                  "The object in another coordinate system, in the engine's own form.",
+                  "The object in another coordinate system, in the engine's own form; NULL where a system or "
+                  "a position's image is missing.",
                   "RetrieveCS(TransformToOrvGeo(MakePoint(30, 60), 'epsg:3857', 'epsg:4326'))", "epsg:3857"}),
     pureFunction("TransformToSLGeo", geometries, Arity::between(0, 3), engine::transformToSLGeo,
                  {"TransformToSLGeo(obj, target [, default])",
-                  "The object in another coordinate system, as a SpatiaLite geometry.",
+                  "The object in another coordinate system, as a SpatiaLite geometry; NULL where a system or "
+                  "a position's image is missing.",
                   "AsText(TransformToSLGeo(MakePoint(0, 0, 4326), 'epsg:32631'))", "POINT(166021.443081 0)"}),
     alsoNamed(
         "ST_Transform",
@@ -171,13 +175,16 @@ const FunctionRecord records[] = {
              "names; the default is that of an object without one. NULL where a position has no image.",
              "AsText(Transform(MakePoint(30, 60, 4326), 3857))", "POINT(3339584.723798 8399737.889818)"})),
     pureFunction("FromOrvGeo", geometries, Arity::exactly(1), engine::fromOrvGeo,
-                 {"FromOrvGeo(obj)", "The object as a SpatiaLite geometry, curves approximated.",
+                 {"FromOrvGeo(obj)",
+                  "The object as a SpatiaLite geometry, curves approximated; NULL where there is none, as "
+                  "for an empty area.",
                   "AsText(FromOrvGeo(ToOrvGeo(MakePoint(1, 2))))", "POINT(1 2)"}),
     environmentFunction("RetrieveCS", systems, Arity::exactly(1), engine::retrieveCS,
-                        {"RetrieveCS(obj or table name)", "The coordinate system of an object or a table.",
+                        {"RetrieveCS(obj or table name)",
+                         "The coordinate system of an object or a table; NULL for none.",
                          "RetrieveCS(MakePoint(1, 2, 4326))", "epsg:4326"}),
     environmentFunction("RetrieveTableCS", systems, Arity::exactly(1), engine::retrieveTableCS,
-                        {"RetrieveTableCS(table name)", "The coordinate system of a table.",
+                        {"RetrieveTableCS(table name)", "The coordinate system of a table; NULL for none.",
                          "RetrieveTableCS('no such table')", "NULL"}),
     alsoNamed("ST_Collect",
               aggregateFunction<engine::Collect>(

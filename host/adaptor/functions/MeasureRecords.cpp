@@ -77,23 +77,26 @@ const FunctionRecord records[] = {
                   {"Distance(a, b [, units])",
                    "The shortest way between two objects: on the ellipsoid where the first one's system is "
                    "geographic, "
-                   "else in its plane; metres without units. A condition on it uses the spatial index.",
+                   "else in its plane; metres without units, NULL for an empty object. A condition on it "
+                   "uses the spatial index.",
                    "RoundBy(Distance(MakePoint(37.62, 55.75, 4326), MakePoint(30.31, 59.94, 4326), 'km'), 2)",
                    "636.66"})),
-    alsoNamed("PtDistWithin",
-              pureFunction("WithinDistance", distances, Arity::between(3, 4), engine::withinDistance,
-                           {"WithinDistance(a, b, distance [, units])",
-                            "1 when the distance of two objects is at most a number.",
-                            "WithinDistance(MakePoint(0, 0, 4326), MakePoint(0, 1, 4326), 111, 'km')", "1"})),
+    alsoNamed(
+        "PtDistWithin",
+        pureFunction("WithinDistance", distances, Arity::between(3, 4), engine::withinDistance,
+                     {"WithinDistance(a, b, distance [, units])",
+                      "1 when the distance of two objects is at most a number; NULL for an empty object.",
+                      "WithinDistance(MakePoint(0, 0, 4326), MakePoint(0, 1, 4326), 111, 'km')", "1"})),
     pureFunction("Nearness", distances, Arity::exactly(5), engine::nearness,
                  {"Nearness(obj, distance, units, kind, isFirst)",
                   "What IsNear compares an object with, NULL where the object or the distance is NULL; "
                   "translation makes it of a condition on a distance.",
                   "Nearness(NULL, 1, 'km', 0, 0)", "NULL"}),
-    pureFunction("IsNear", distances, Arity::exactly(2), engine::isNear,
-                 {"IsNear(obj, nearness)",
-                  "The part of a condition on a distance that a scan looks up in the spatial index; else 1.",
-                  "IsNear(MakePoint(1, 2), NULL)", "NULL"}),
+    pureFunction(
+        "IsNear", distances, Arity::exactly(2), engine::isNear,
+        {"IsNear(obj, nearness)",
+         "The part of a condition on a distance that a scan looks up in the spatial index; else 1, or NULL.",
+         "IsNear(MakePoint(1, 2), NULL)", "NULL"}),
     alsoNamed(
         "ST_MaxDistance",
         pureFunction("MaxDistance", distances, Arity::between(2, 3), engine::maxDistance,

@@ -7,7 +7,11 @@
 
 #include <gtest/gtest.h>
 
+#include <QRegularExpression>
+
 #include <sqlite3.h>
+
+#include <map>
 
 namespace orvane::tests {
 
@@ -153,6 +157,115 @@ TEST_F(GeometryFunctions, Curves) {
     EXPECT_EQ(value("GeometryType(FromOrvGeo(" + arc + "))"), "text LINESTRING");
     EXPECT_EQ(value("ToOrvGeo(" + arc + ")"), "blob " + blob.toHex().toStdString());
     EXPECT_EQ(value("GeometryType(Collect(" + arc + "))"), "text LINESTRING");
+}
+
+std::vector<adaptor::FunctionRecord> functionsOfGeometries() {
+    std::vector<adaptor::FunctionRecord> records;
+    for (const auto family : {adaptor::geometryRecords(), adaptor::measureRecords(),
+                              adaptor::overlayRecords(), adaptor::shapingRecords(), adaptor::makingRecords(),
+                              adaptor::lineRecords(), adaptor::constructorRecords(), adaptor::accessRecords(),
+                              adaptor::formRecords(), adaptor::editingRecords(), adaptor::systemRecords()}) {
+        records.insert(records.end(), family.begin(), family.end());
+    }
+    return records;
+}
+
+bool isNoGeometry(const std::string& value) {
+    return value.front() == '\'' || value.front() == 'x' || value.find('(') == value.npos;
+}
+
+/// The functions of old, for which what is no geometry is as good as NULL.
+bool hasMissingGeometries(const adaptor::FunctionRecord& record) {
+    const std::string group = record.group;
+    return group == "Measures" || group == "Distances" || group == "Relations" || group == "Geometries" ||
+           group == "Coordinate systems";
+}
+
+/// The arguments of the call in a record's example; none where it calls something else first.
+std::vector<std::string> exampleArguments(const adaptor::FunctionRecord& record) {
+    const QString example = QString::fromUtf8(record.example);
+    const QString name = QString::fromLatin1(record.name);
+    const QRegularExpression call(QStringLiteral("(?:^|\\W)%1\\(").arg(name),
+                                  QRegularExpression::CaseInsensitiveOption);
+    const auto found = call.match(example);
+    std::vector<std::string> arguments;
+    if (!found.hasMatch()) {
+        return arguments;
+    }
+    std::string argument;
+    int depth = 0;
+    bool isText = false;
+    for (const QChar letter : example.mid(found.capturedEnd())) {
+        isText = isText != (letter == QLatin1Char('\''));
+        const int change = isText ? 0 : letter == QLatin1Char('(') ? 1 : letter == QLatin1Char(')') ? -1 : 0;
+        depth += change;
+        if (depth < 0) {
+            break;
+        }
+        if (letter == QLatin1Char(',') && depth == 0 && !isText) {
+            arguments.push_back(argument);
+            argument.clear();
+        } else {
+            argument += QString(letter).toStdString();
+        }
+    }
+    if (!argument.empty()) {
+        arguments.push_back(argument);
+    }
+    return arguments;
+}
+
+/// Every function, each of its arguments in turn every kind of value, the others as in its example: nothing
+/// is -1, no number is not finite, errors name the function, and NULL is given for NULL and where the summary
+/// says so.
+TEST_F(GeometryFunctions, EveryFunctionWithEveryKindOfArgument) {
+    const std::vector<std::string> kinds = pieces(
+        "NULL|GeomFromText('POINT EMPTY')|GeomFromText('LINESTRING EMPTY', 4326)|GeomFromText('POLYGON "
+        "EMPTY')|"
+        "GeomFromText('MULTIPOINT EMPTY')|GeomFromText('GEOMETRYCOLLECTION "
+        "EMPTY')|GeomFromText('CURVEPOLYGON EMPTY')|"
+        "GeomFromText('CIRCULARSTRING(0 0,1 1,2 0)', 4326)|GeomFromText('CURVEPOLYGON(CIRCULARSTRING(0 0,2 "
+        "2,0 0))')|"
+        "GeomFromText('LINESTRING ZM(0 0 1 2,1 1 3 4,2 1 5 6)', 3857)|GeomFromText('POINT M(1 2 3)')|"
+        "MakePoint(1, 2, 3857)|MakePoint(1, 2, 32636)|SetSRID(MakePoint(1, 2), 'proj:+proj=sinu')|"
+        "GeomFromText('POLYGON((0 0,2 2,2 0,0 2,0 0))', 4326)|BuildMbr(0, 0, 3, 3)|"
+        "GeomFromText('GEOMETRYCOLLECTION(POINT(1 2),LINESTRING(0 0,3 3),POLYGON((0 0,1 0,1 1,0 0)))', 4326)|"
+        "'text'|7|-2.5|x'00'|x'0001E6100000FE'");
+    std::map<std::string, std::string> faults; // of a function and a kind of fault the first
+    for (const adaptor::FunctionRecord& record : functionsOfGeometries()) {
+        const std::vector<std::string> usual = exampleArguments(record);
+        for (std::size_t position = 0; record.scalar && position < usual.size(); ++position) {
+            for (const std::string& kind : kinds) {
+                std::string call = '"' + std::string(record.name) + "\"(";
+                for (std::size_t i = 0; i < usual.size(); ++i) {
+                    call += (i > 0 ? "," : "") + (i == position ? kind : usual[i]);
+                }
+                call += ')';
+                const std::string result = value(call);
+                const std::string summary = record.summary;
+                const auto says = [&summary](const char* word) { return summary.find(word) != summary.npos; };
+                const bool countsAsNull = isNoGeometry(kind) && hasMissingGeometries(record);
+                const bool isNamed = result.find(std::string(record.name) + ": ") != result.npos ||
+                                     result.starts_with("error Неизвестная единица") ||
+                                     result.starts_with("error Единица ");
+                const auto fault = [&](const char* what) {
+                    faults.emplace(std::string(record.name) + what, call + " => " + result.substr(0, 100));
+                };
+                if ((result == "integer -1" || result == "real -1.0") && !says("-1")) {
+                    fault(" is -1");
+                } else if (result == "real inf" || result == "real -inf" || result == "real nan") {
+                    fault(" is not finite");
+                } else if (result == "null" && kind != "NULL" && !says("NULL") && !countsAsNull) {
+                    fault(" is NULL");
+                } else if (result.starts_with("error") && !isNamed) {
+                    fault(" does not name itself");
+                }
+            }
+        }
+    }
+    for (const auto& [what, call] : faults) {
+        ADD_FAILURE() << what << ": " << call;
+    }
 }
 
 } // namespace
