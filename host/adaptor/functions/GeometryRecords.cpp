@@ -129,13 +129,12 @@ const FunctionRecord records[] = {
                            {"ST_EnvIntersects(a, b)",
                             "1 when the bounding boxes of the two objects share a position.",
                             "ST_EnvIntersects(BuildMbr(0, 0, 2, 2), MakePoint(2, 2))", "1"})),
-    alsoNamed(
-        "ST_EnvelopesIntersects",
-        pureFunction(
-            "ST_EnvIntersects", relations, Arity::exactly(5), engine::envelopesIntersect,
-            {"ST_EnvIntersects(a, x1, y1, x2, y2)",
-             "1 when the bounding box of the object and the window between two corners share a position.",
-             "ST_EnvIntersects(BuildMbr(0, 0, 2, 2), 1, 1, 5, 5)", "1"})),
+    alsoNamed("ST_EnvelopesIntersects",
+              pureFunction("ST_EnvIntersects", relations, Arity::exactly(5), engine::envelopesIntersect,
+                           {"ST_EnvIntersects(a, x1, y1, x2, y2)",
+                            "1 when the bounding box of the object and the window between two corners share "
+                            "a position; NULL where a corner is no number.",
+                            "ST_EnvIntersects(BuildMbr(0, 0, 2, 2), 1, 1, 5, 5)", "1"})),
     alsoNamed("MakeValid",
               pureFunction(
                   "MakeValidGeo",
