@@ -124,6 +124,17 @@ std::optional<SpatialRelation> spatialRelationOf(const char* functionName) {
     return std::nullopt;
 }
 
+bool countsInColumnsSystem(SpatialRelation relation) {
+    switch (relation) {
+    case SpatialRelation::Within:
+    case SpatialRelation::CentroidWithin:
+    case SpatialRelation::CoveredBy:
+    case SpatialRelation::MayMeet:
+    case SpatialRelation::Near: return false;
+    default: return true;
+    }
+}
+
 GeometryPtr decodeWkb(std::string_view wkb, const std::shared_ptr<cs::CoordSystem>& coordSystem) {
     try {
         return geometry::GeometryFactory::fromWkb(wkb, coordSystem);
@@ -266,6 +277,16 @@ void SpatialIndex::search(SpatialRelation relation, const GeometryPtr& b, dp::Ta
         if (relation == SpatialRelation::MayMeet || holds(relation, candidate, b, table)) {
             found.push_back(id(candidate));
         }
+    }
+}
+
+void SpatialIndex::searchEnvelope(const geometry::Envelope& envelope,
+                                  std::vector<dp::FeatureId>& found) const {
+    auto& nodes = tree_->found;
+    nodes.clear();
+    tree_->nodes.query(bg::index::intersects(boxOf(envelope)), std::back_inserter(nodes));
+    for (const Node& node : nodes) {
+        found.push_back(ids_[node.second]);
     }
 }
 

@@ -32,6 +32,11 @@ public:
     void search(SpatialRelation relation, const geometry::GeometryPtr& b, dp::Table& table,
                 std::vector<dp::FeatureId>& found);
 
+    /// Appends the features whose envelopes share a position with one.
+    void searchEnvelope(const geometry::Envelope& envelope, std::vector<dp::FeatureId>& found) const;
+    /// Whether all geometries are single positions.
+    bool arePositions() const { return arePositions_; }
+
     /// Appends the features that may be near the centre, all that are among them. False, with nothing
     /// appended, where any of them may be.
     bool searchNear(const geometry::Geometry& centre, const geometry::Nearness& nearness,

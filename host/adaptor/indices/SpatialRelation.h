@@ -24,6 +24,9 @@ enum class SpatialRelation : std::uint8_t {
     Near
 };
 
+/// Whether the coordinate system of the column counts where that of the value is another.
+bool countsInColumnsSystem(SpatialRelation relation);
+
 /// The relation that an SQL function asks for, letter case ignored.
 std::optional<SpatialRelation> spatialRelationOf(const char* functionName);
 

@@ -1,7 +1,5 @@
 #include "host/adaptor/scanning/NearestRows.h"
 
-#include <orvane/engine/functions/Converters.h>
-
 #include <algorithm>
 
 namespace orvane::adaptor {
@@ -36,7 +34,7 @@ bool NearestRows::IdLess::operator()(const dp::FeatureId& a, const dp::FeatureId
     constexpr int longLong = QMetaType::LongLong;
     const QVariant &x = a.value(), &y = b.value();
     return x.userType() == longLong && y.userType() == longLong ? x.toLongLong() < y.toLongLong()
-                                                                : engine::variantCompare(x, y);
+                                                                : x.toString() < y.toString();
 }
 
 NearestRows::NearestRows(VirtualTable& table, const dp::ScanRequest& request,

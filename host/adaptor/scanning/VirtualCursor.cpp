@@ -2,6 +2,7 @@
 
 #include "platform/cs/CoordSystem.h"
 #include "platform/dp/SqliteCell.h"
+#include "platform/geometry/measures/Neighbourhood.h"
 #include "platform/geometry/shapes/Shapes.h"
 #include <orvane/engine/EngineCache.h>
 #include <orvane/engine/NearnessBlob.h>
@@ -138,28 +139,52 @@ bool VirtualCursor::readRowNumbers(sqlite3_value* value) {
     return !ids.empty();
 }
 
-/// Looks the related features up in the spatial index. Where the coordinate systems differ there is no common
-/// plane to search in, so every row is tested.
 bool VirtualCursor::readRelation(sqlite3_value* value) {
     if (*plan_.relation == SpatialRelation::Near) {
         return readNearness(value);
     }
-    const GeometryPtr related = geometryOf(value, table_.cache());
+    GeometryPtr related = geometryOf(value, table_.cache());
     if (!related) {
         return false;
     }
     const auto other = related->coordSystem();
     if (coordSystem_ && other && coordSystem_ != other && !coordSystem_->equals(*other)) {
-        related_ = related;
-        auto& attributes = request_.attributes;
-        if (std::find(attributes.begin(), attributes.end(), geometryAttribute_) == attributes.end()) {
-            attributes.push_back(geometryAttribute_);
+        if (!countsInColumnsSystem(*plan_.relation)) {
+            return readElsewhere(related);
         }
-        return true;
+        related = related->transformed(coordSystem_);
+        if (!related) {
+            return false; // no relation to anything here
+        }
     }
     auto& ids = request_.ids.emplace();
     spatialIndex().search(*plan_.relation, related, table_.table(), ids);
     return !ids.empty();
+}
+
+/// A relation in the value's coordinate system, to be tested row by row: of the rows that can stand in it, as
+/// far as envelopes tell. An edge is straight in one of the two systems only, so that of what is more than a
+/// position only vertices can be told to lie in an envelope.
+bool VirtualCursor::readElsewhere(const GeometryPtr& related) {
+    related_ = related;
+    auto& attributes = request_.attributes;
+    if (std::find(attributes.begin(), attributes.end(), geometryAttribute_) == attributes.end()) {
+        attributes.push_back(geometryAttribute_);
+    }
+    const SpatialRelation relation = *plan_.relation;
+    const bool holdsVertices = relation == SpatialRelation::Within || relation == SpatialRelation::CoveredBy;
+    const geometry::Envelope envelope = related->envelope();
+    if (envelope.isEmpty()) {
+        return false;
+    }
+    if (holdsVertices || spatialIndex().arePositions()) {
+        if (const auto here = geometry::envelopeIn(*coordSystem_, envelope, *related->coordSystem())) {
+            auto& ids = request_.ids.emplace();
+            spatialIndex().searchEnvelope(*here, ids);
+            return !ids.empty();
+        }
+    }
+    return true;
 }
 
 GeometryPtr VirtualCursor::centreOf(const engine::NearnessBlob& nearness) {
@@ -384,7 +409,7 @@ void VirtualCursor::startOrdered() {
 void VirtualCursor::report() {
     ScanReport& report = *report_;
     const auto note = [&report](Access access) { ++report.scansBy(access); };
-    if (related_) {
+    if (related_ && !request_.ids) {
         note(Access::Relation);
     } else if (!rows_ && !request_.ids) {
         ++report.emptyScans;

@@ -45,6 +45,7 @@ private:
     bool readArguments(std::span<sqlite3_value*> arguments);
     bool readRowNumbers(sqlite3_value* value);
     bool readRelation(sqlite3_value* value);
+    bool readElsewhere(const geometry::GeometryPtr& related);
     bool readNearness(sqlite3_value* value);
     geometry::GeometryPtr centreOf(const engine::NearnessBlob& nearness);
     void readOrigin(sqlite3_value* value);

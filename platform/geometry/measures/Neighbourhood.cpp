@@ -157,6 +157,12 @@ double bulgeBetween(double x1, double y1, double x2, double y2) {
 
 } // namespace
 
+std::optional<Envelope> envelopeIn(const cs::CoordSystem& target, const Envelope& envelope,
+                                   const cs::CoordSystem& own) {
+    const auto windows = inOther({envelope}, own, target);
+    return windows ? std::optional(windows->front()) : std::nullopt;
+}
+
 double geodesicBulge(const Geometry& geometry) {
     double bulge = 0.0;
     const auto note = [&bulge](const double* positions, std::size_t count, Dimensions dimensions) {

@@ -33,6 +33,12 @@ struct OthersInPlace {
 ORVANE_PLATFORM_EXPORT std::optional<std::vector<Envelope>>
 neighbourhood(const Geometry& centre, const Nearness& nearness, const OthersInPlace& others);
 
+/// An envelope that holds the image of every position in one, in another system, with some room to spare.
+/// None where that cannot be said beforehand: near the poles and the 180th meridian, and where a position has
+/// no image.
+ORVANE_PLATFORM_EXPORT std::optional<Envelope>
+envelopeIn(const cs::CoordSystem& target, const Envelope& envelope, const cs::CoordSystem& own);
+
 /// By how many degrees the geodesics between the positions of a geometry in degrees can leave its envelope
 /// towards a pole. Infinite where they go round the other side of the Earth.
 ORVANE_PLATFORM_EXPORT double geodesicBulge(const Geometry& geometry);
