@@ -146,6 +146,9 @@ public:
         for (const GEOSGeometry* point : partsOf(form_.get(), 0)) {
             addEnds(point, points_);
         }
+        for (const GEOSGeometry* line : partsOf(lines_.get(), 1)) {
+            borders_.push_back(static_cast<const LineString&>(*fromGeos(line)).coordinates());
+        }
     }
 
     const GEOSGeometry* lines() const { return lines_.get(); }
@@ -174,9 +177,7 @@ public:
     bool hasOnLeft(const Place& place) const {
         double nearest = std::numeric_limits<double>::infinity();
         double side = 0.0;
-        for (const GEOSGeometry* line : partsOf(lines_.get(), 1)) {
-            const CoordinateSequence positions =
-                static_cast<const LineString&>(*fromGeos(line)).coordinates();
+        for (const CoordinateSequence& positions : borders_) {
             for (std::size_t i = 0; i + 1 < positions.size(); ++i) {
                 const double* const a = positions.position(i);
                 const double* const b = positions.position(i + 1);
@@ -202,6 +203,7 @@ private:
     GeosPtr lines_;
     bool hasLines_;
     std::vector<Place> points_;
+    std::vector<CoordinateSequence> borders_;
 };
 
 /// A position inside a piece, not on its ends or its border.

@@ -25,11 +25,10 @@ double metresPerDegree(const cs::CoordSystem& system) {
 }
 
 std::shared_ptr<Geometry> simplifiedForm(const Geometry& geometry, double tolerance, bool keepTopology) {
-    const GeosPtr form = finiteForm(geometry);
-    return madeFrom(
-        geometry, checked(keepTopology ? GEOSTopologyPreserveSimplify_r(geosContext(), form.get(), tolerance)
-                                       : GEOSSimplify_r(geosContext(), form.get(), tolerance))
-                      .get());
+    return computedFrom(geometry, [=](const GEOSGeometry* form) {
+        return keepTopology ? GEOSTopologyPreserveSimplify_r(geosContext(), form, tolerance)
+                            : GEOSSimplify_r(geosContext(), form, tolerance);
+    });
 }
 
 /// A geometry with the x of its positions made smaller, and back: which x a scaled position had is kept, so
