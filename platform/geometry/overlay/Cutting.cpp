@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <span>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -95,6 +96,12 @@ private:
 std::vector<CoordinateSequence> cutLine(const CoordinateSequence& line, const std::vector<Place>& places,
                                         const work::Cancellation& cancellation) {
     const double tolerance = toleranceOf(line.envelope());
+    const std::span<const double> values = line.values();
+    for (std::size_t i = 0; i < values.size(); i += line.stride()) {
+        if (!std::isfinite(values[i]) || !std::isfinite(values[i + 1])) {
+            throwNotFinite();
+        }
+    }
     LineCutter cutter(line);
     for (std::size_t i = 0; i + 1 < line.size(); ++i) {
         cancellation.check();
