@@ -5,6 +5,7 @@
 #include <orvane/engine/EngineCache.h>
 #include <orvane/engine/functions/Bounded.h>
 
+#include <algorithm>
 #include <map>
 #include <string>
 #include <utility>
@@ -19,19 +20,31 @@ struct NameLess {
     }
 };
 
-/// Takes what SpatiaLite has under the names of ours from the connection: one name has one meaning, whatever
-/// the number of its arguments. Returns SQLite's code.
-int removeNamesakes(sqlite3* database) {
-    std::map<std::string, const RetiredFunction*, NameLess> own;
-    for (const FunctionRecord& record : allFunctionRecords()) {
+/// What becomes of a name.
+struct Own {
+    const RetiredFunction* retired = nullptr;
+    std::vector<Arity> arities; ///< of what is registered under it
+
+    bool takes(int count) const {
+        return std::any_of(arities.begin(), arities.end(), [count](const Arity& arity) {
+            return arity.minimum <= count && count <= arity.maximum;
+        });
+    }
+};
+
+/// Takes what SpatiaLite has under the names of ours from the connection, as far as ours do not replace it:
+/// one name has one meaning, whatever the number of its arguments. Returns SQLite's code.
+int removeNamesakes(sqlite3* database, std::span<const FunctionRecord> records) {
+    std::map<std::string, Own, NameLess> own;
+    for (const FunctionRecord& record : records) {
         for (const char* name : record.names()) {
             if (record.isRegistered()) {
-                own.emplace(name, nullptr);
+                own[name].arities.push_back(record.arity);
             }
         }
     }
     for (const RetiredFunction& function : retiredFunctions()) {
-        own.emplace(function.name, &function);
+        own[function.name].retired = &function;
     }
     sqlite3_stmt* prepared = nullptr;
     sqlite3_prepare_v2(database, "Select name, narg From pragma_function_list Where Not builtin", -1,
@@ -39,14 +52,15 @@ int removeNamesakes(sqlite3* database) {
     std::vector<std::pair<std::string, int>> namesakes;
     while (sqlite3_step(prepared) == SQLITE_ROW) {
         std::string name = reinterpret_cast<const char*>(sqlite3_column_text(prepared, 0));
-        if (own.count(name) != 0) {
-            namesakes.emplace_back(std::move(name), sqlite3_column_int(prepared, 1));
+        const int count = sqlite3_column_int(prepared, 1);
+        if (const auto known = own.find(name); known != own.end() && !known->second.takes(count)) {
+            namesakes.emplace_back(std::move(name), count);
         }
     }
     int code = sqlite3_finalize(prepared);
     for (auto at = namesakes.begin(); at != namesakes.end() && code == SQLITE_OK; ++at) {
         const auto& [name, count] = *at;
-        const RetiredFunction* retired = own.find(name)->second;
+        const RetiredFunction* retired = own[name].retired;
         // A number of arguments that was taken away hides one for any number.
         code = retired ? registerRetiredFunction(database, *retired, count)
                        : sqlite3_create_function(database, name.c_str(), count, SQLITE_UTF8, nullptr, nullptr,
@@ -94,8 +108,9 @@ int registerFunctions(sqlite3* database, std::span<const FunctionRecord> records
 }
 
 int registerAllFunctions(sqlite3* database, engine::EngineCache* cache) {
-    int code = removeNamesakes(database);
-    code = code == SQLITE_OK ? registerFunctions(database, allFunctionRecords(), cache) : code;
+    const std::vector<FunctionRecord> records = allFunctionRecords();
+    int code = removeNamesakes(database, records);
+    code = code == SQLITE_OK ? registerFunctions(database, records, cache) : code;
     return code == SQLITE_OK ? engine::boundFunctions(database) : code;
 }
 
