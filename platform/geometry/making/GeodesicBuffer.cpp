@@ -174,7 +174,7 @@ private:
     }
 
     /// Of rings that each bound the smaller of their two areas.
-    GeosPtr areaOf(const std::vector<Track>& rings) {
+    static GeosPtr areaOf(const std::vector<Track>& rings) {
         GeosPtr shell = areaWithin(rings.front());
         for (std::size_t i = 1; i < rings.size(); ++i) {
             shell = checked(GEOSDifference_r(geosContext(), shell.get(), areaWithin(rings[i]).get()));
@@ -182,21 +182,12 @@ private:
         return shell;
     }
 
-    GeosPtr areaWithin(const Track& track) {
+    static GeosPtr areaWithin(const Track& track) {
         GlobeRing ring;
-        geod_polygon polygon;
-        geod_polygon_init(&polygon, 0);
         for (std::size_t i = 0; i + 1 < track.positions.size(); ++i) {
-            const Position& position = track.positions[i];
-            ring.push_back({position.longitude, position.latitude});
-            geod_polygon_addpoint(&shape_.ellipsoid, &polygon, position.latitude, position.longitude);
+            ring.push_back({track.positions[i].longitude, track.positions[i].latitude});
         }
-        double area = 0.0;
-        geod_polygon_compute(&shape_.ellipsoid, &polygon, 0, 1, &area, nullptr);
-        if (area < 0.0) {
-            std::reverse(ring.begin(), ring.end());
-        }
-        return globeAreaLeftOf(ring);
+        return globeAreaWithin(ring);
     }
 
     void bufferGroups(std::span<Atom> atoms, double distance, std::vector<GeosPtr>& areas) {

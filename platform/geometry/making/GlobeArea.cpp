@@ -170,6 +170,39 @@ double shareOf(const GEOSGeometry* ring) {
     return std::abs(sum) / (4.0 * turnAround);
 }
 
+double shareOfAreas(const GEOSGeometry* areas) {
+    double share = 0.0;
+    const int count = GEOSGetNumGeometries_r(geosContext(), areas);
+    for (int i = 0; i < count && GEOSisEmpty_r(geosContext(), areas) == 0; ++i) {
+        share += shareOf(GEOSGetExteriorRing_r(geosContext(), GEOSGetGeometryN_r(geosContext(), areas, i)));
+    }
+    return share;
+}
+
+GeosPtr restOfMap(const GEOSGeometry* area) {
+    return checked(GEOSDifference_r(geosContext(), rectangle(-edge, edge).get(), area));
+}
+
+/// Of a ring around a pole what lies to its left, else what it encloses on the map.
+GeosPtr areaOnMap(const Unrolled& ring) {
+    const GeosPtr map = rectangle(-edge, edge);
+    const auto cut = [&](double shift) {
+        return checked(GEOSIntersection_r(geosContext(), ring.area(shift).get(), map.get()));
+    };
+    std::vector<GeosPtr> parts;
+    if (ring.goesAround()) {
+        parts.push_back(cut(0.0));
+        return unitedAreas(std::move(parts));
+    }
+    const double first = -turnAround * std::floor((ring.west() + edge + rounding) / turnAround);
+    for (double shift = first; ring.east() + shift > -edge + rounding; shift -= turnAround) {
+        const bool isWithin =
+            ring.west() + shift >= -edge - rounding && ring.east() + shift <= edge + rounding;
+        parts.push_back(isWithin ? ring.area(shift) : cut(shift));
+    }
+    return unitedAreas(std::move(parts));
+}
+
 } // namespace
 
 GeosPtr lessThanHalves(GeosPtr areas) {
@@ -199,23 +232,17 @@ GeosPtr globeAreaLeftOf(const GlobeRing& ring) {
         return checked(GEOSGeom_createEmptyPolygon_r(geosContext()));
     }
     const Unrolled unrolled(ring);
-    const GeosPtr map = rectangle(-edge, edge);
-    const auto onMap = [&](double shift) {
-        return checked(GEOSIntersection_r(geosContext(), unrolled.area(shift).get(), map.get()));
-    };
-    if (unrolled.goesAround()) {
-        return onMap(0.0);
+    GeosPtr area = areaOnMap(unrolled);
+    return unrolled.isPositive() ? std::move(area) : restOfMap(area.get());
+}
+
+GeosPtr globeAreaWithin(const GlobeRing& ring) {
+    if (ring.size() < 3) {
+        return checked(GEOSGeom_createEmptyPolygon_r(geosContext()));
     }
-    std::vector<GeosPtr> parts;
-    const double first = -turnAround * std::floor((unrolled.west() + edge + rounding) / turnAround);
-    for (double shift = first; unrolled.east() + shift > -edge + rounding; shift -= turnAround) {
-        const bool isWithin =
-            unrolled.west() + shift >= -edge - rounding && unrolled.east() + shift <= edge + rounding;
-        parts.push_back(isWithin ? unrolled.area(shift) : onMap(shift));
-    }
-    GeosPtr area = unitedAreas(std::move(parts));
-    return unrolled.isPositive() ? std::move(area)
-                                 : checked(GEOSDifference_r(geosContext(), map.get(), area.get()));
+    const Unrolled unrolled(ring);
+    GeosPtr area = areaOnMap(unrolled);
+    return unrolled.goesAround() && shareOfAreas(area.get()) > 0.5 ? restOfMap(area.get()) : std::move(area);
 }
 
 GeosPtr unitedAreas(std::vector<GeosPtr> areas) {
