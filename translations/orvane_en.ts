@@ -870,11 +870,11 @@
     </message>
     <message>
         <source>нужно число больше нуля</source>
-        <translation>a number above zero is expected</translation>
+        <translation>expected a number above zero</translation>
     </message>
     <message>
         <source>нужно число от 0 до 1</source>
-        <translation>a number from 0 to 1 is expected</translation>
+        <translation>expected a number from 0 to 1</translation>
     </message>
     <message>
         <source>единицы есть только у координатных систем на плоскости</source>
@@ -898,31 +898,31 @@
     </message>
     <message>
         <source>нужно число, не меньшее нуля</source>
-        <translation>a number not below zero is expected</translation>
+        <translation>expected a number not below zero</translation>
     </message>
     <message>
         <source>нужны точки или линии</source>
-        <translation>points or lines are expected</translation>
+        <translation>expected points or lines</translation>
     </message>
     <message>
         <source>нужно целое число, не меньшее 5</source>
-        <translation>a whole number not below 5 is expected</translation>
+        <translation>expected a whole number not below 5</translation>
     </message>
     <message>
         <source>нужно 1 (точки), 2 (линии) или 3 (полигоны)</source>
-        <translation>1 (points), 2 (lines) or 3 (polygons) is expected</translation>
+        <translation>expected 1 (points), 2 (lines) or 3 (polygons)</translation>
     </message>
     <message>
         <source>нужно число больше нуля</source>
-        <translation>a number above zero is expected</translation>
+        <translation>expected a number above zero</translation>
     </message>
     <message>
         <source>нужна точка</source>
-        <translation>a point is expected</translation>
+        <translation>expected a point</translation>
     </message>
     <message>
         <source>нужно число от 0 до 1</source>
-        <translation>a number from 0 to 1 is expected</translation>
+        <translation>expected a number from 0 to 1</translation>
     </message>
     <message>
         <source>единицы есть только у координатных систем на плоскости</source>
@@ -973,6 +973,26 @@
     <message>
         <source>%0: аргумент %1: %2.</source>
         <translation>%0: argument %1: %2.</translation>
+    </message>
+    <message>
+        <source>нужна геометрия</source>
+        <translation>expected a geometry</translation>
+    </message>
+    <message>
+        <source>нужно целое число</source>
+        <translation>expected a whole number</translation>
+    </message>
+    <message>
+        <source>нужен текст</source>
+        <translation>expected a text</translation>
+    </message>
+    <message>
+        <source>нужны двоичные данные</source>
+        <translation>expected a blob</translation>
+    </message>
+    <message>
+        <source>геометрия не имеет места в координатной системе другой</source>
+        <translation>the geometry has no place in the coordinate system of the other</translation>
     </message>
 </context>
 <context>
