@@ -40,8 +40,9 @@ bool NearestRows::IdLess::operator()(const dp::FeatureId& a, const dp::FeatureId
 NearestRows::NearestRows(VirtualTable& table, const dp::ScanRequest& request,
                          const geometry::GeometryPtr& centre, geometry::Nearness asked, std::size_t wanted,
                          bool isLooked, const work::Cancellation& cancellation)
-    : table_(table), request_(request), centre_(placedIn(table.table().coordSystem(), centre)),
-      asked_(std::move(asked)), distanceAttribute_(table.table().schema()->numAttributes()),
+    : table_(table), attributes_(request.attributes), request_(request),
+      centre_(placedIn(table.table().coordSystem(), centre)), asked_(std::move(asked)),
+      distanceAttribute_(table.table().schema()->numAttributes()),
       geometryAttribute_(table.table().schema()->geometryIndex()), cancellation_(cancellation) {
     auto& attributes = request_.attributes;
     if (geometryAttribute_ >= 0 &&
@@ -67,7 +68,7 @@ bool NearestRows::fetch() {
         return false;
     }
     cancellation_.check();
-    rows_.emplace(request_.attributes,
+    rows_.emplace(attributes_,
                   std::vector<ArrangedRows::Key>{{distanceAttribute_, dp::TextCollation::Binary, false}});
     const auto found = search_ ? search_->next() : std::vector<NearestSearch::Found>();
     if (!found.empty()) {
@@ -83,7 +84,7 @@ bool NearestRows::fetch() {
 void NearestRows::readFound(const std::vector<NearestSearch::Found>& found) {
     Distances distances;
     dp::ScanRequest request;
-    request.attributes = request_.attributes;
+    request.attributes = attributes_;
     auto& ids = request.ids.emplace();
     for (const NearestSearch::Found& each : found) {
         distances.emplace(each.id, each.distance);

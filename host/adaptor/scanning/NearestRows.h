@@ -43,7 +43,8 @@ private:
     void readRest();
 
     VirtualTable& table_;
-    dp::ScanRequest request_;
+    const std::vector<int> attributes_; ///< that are read from here
+    dp::ScanRequest request_;           ///< with the geometry, to be measured
     const geometry::GeometryPtr centre_;
     const geometry::Nearness asked_;
     const int distanceAttribute_; ///< one beyond those of the table
