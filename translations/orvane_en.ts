@@ -853,10 +853,6 @@
         <translation>the geometry has no place in WGS 84</translation>
     </message>
     <message>
-        <source>нужна точка</source>
-        <translation>expected a point</translation>
-    </message>
-    <message>
         <source>нужны конечные координаты</source>
         <translation>expected finite coordinates</translation>
     </message>
@@ -913,18 +909,6 @@
         <translation>expected 1 (points), 2 (lines) or 3 (polygons)</translation>
     </message>
     <message>
-        <source>нужно число больше нуля</source>
-        <translation>expected a number above zero</translation>
-    </message>
-    <message>
-        <source>нужна точка</source>
-        <translation>expected a point</translation>
-    </message>
-    <message>
-        <source>нужно число от 0 до 1</source>
-        <translation>expected a number from 0 to 1</translation>
-    </message>
-    <message>
         <source>единицы есть только у координатных систем на плоскости</source>
         <translation>only coordinate systems of a plane have units here</translation>
         <source>Нужна линия.</source>
@@ -933,14 +917,6 @@
     <message>
         <source>У геометрии нет значений m.</source>
         <translation>The geometry has no values of m.</translation>
-    </message>
-    <message>
-        <source>нужна линия</source>
-        <translation>expected a line</translation>
-    </message>
-    <message>
-        <source>нужно число от 0 до 1</source>
-        <translation>expected a number from 0 to 1</translation>
     </message>
     <message>
         <source>нужно число от 0 до 1000000</source>
