@@ -5,6 +5,8 @@
 
 #include "platform/geometry/forms/GeometryFactory.h"
 #include "platform/geometry/forms/TextFormats.h"
+#include "platform/geometry/forms/TextReader.h"
+#include "platform/geometry/forms/TinyForms.h"
 #include "platform/geometry/measures/Measures.h"
 #include "platform/geometry/relations/Relations.h"
 #include "platform/geometry/shapes/Curves.h"
@@ -70,6 +72,11 @@ void use(const geometry::GeometryPtr& geometry, Cache& cache) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static Cache cache;
     const std::string_view bytes(reinterpret_cast<const char*>(data), size);
+    attempt([&] { geometry::fromWkt(bytes); });
+    attempt([&] { geometry::fromGeoJson(bytes); });
+    attempt([&] { geometry::fromGml(bytes); });
+    attempt([&] { geometry::fromTwkb(bytes); });
+    attempt([&] { geometry::fromEncodedPolyline(bytes, 5); });
     if (const auto geometry = cache.geometryInfo(data, static_cast<unsigned int>(size), false).geometry()) {
         use(geometry, cache);
     }
