@@ -23,8 +23,8 @@ install(DIRECTORY "${PROJECT_BINARY_DIR}/generated/orvane" DESTINATION "${CMAKE_
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/platform" DESTINATION "${header_dir}"
     FILES_MATCHING PATTERN "*.h" PATTERN "sqldriver" EXCLUDE PATTERN "GeosForm.h" EXCLUDE PATTERN "ProjContext.h" EXCLUDE
     PATTERN "CoordSystemImpl.h" EXCLUDE PATTERN "Geodesic*.h" EXCLUDE
-    PATTERN "RelationForm.h" EXCLUDE PATTERN "GeosOperation.h" EXCLUDE PATTERN "GlobeArea.h" EXCLUDE
-    PATTERN "LocalPlane.h" EXCLUDE)
+    PATTERN "RelationForm.h" EXCLUDE PATTERN "GeosOperation.h" EXCLUDE PATTERN "Globe*.h" EXCLUDE
+    PATTERN "LocalPlane.h" EXCLUDE PATTERN "PieceTree.h" EXCLUDE PATTERN "FarthestSearch.h" EXCLUDE)
 install(DIRECTORY "${PROJECT_BINARY_DIR}/generated/platform" "${PROJECT_BINARY_DIR}/generated/host"
     DESTINATION "${header_dir}" FILES_MATCHING PATTERN "*.h")
 foreach(header Adaptor FeatureExpression)
