@@ -43,10 +43,12 @@ struct FunctionRecord {
 
     /// False for what a library brings along, which is documented and tested only.
     bool isRegistered() const { return scalar != nullptr || step != nullptr; }
+    /// Takes no memory.
     bool isNamed(const char* asked) const {
-        const std::vector<const char*> all = names();
-        return std::any_of(all.begin(), all.end(),
-                           [asked](const char* each) { return sqlite3_stricmp(each, asked) == 0; });
+        return sqlite3_stricmp(name, asked) == 0 ||
+               std::any_of(otherNames.begin(), otherNames.end(), [asked](const char* each) {
+                   return each != nullptr && sqlite3_stricmp(each, asked) == 0;
+               });
     }
     /// The usual one, then the others.
     std::vector<const char*> names() const {
