@@ -3,6 +3,7 @@
 #include "platform/cs/CoordSystem.h"
 #include "platform/dp/SqliteCell.h"
 #include "platform/geometry/measures/Neighbourhood.h"
+#include "platform/geometry/relations/Relations.h"
 #include "platform/geometry/shapes/Shapes.h"
 #include <orvane/engine/EngineCache.h>
 #include <orvane/engine/NearnessBlob.h>
@@ -88,6 +89,15 @@ GeometryPtr geometryOf(sqlite3_value* value, engine::EngineCache& cache) {
     return cache.geometryInfo(data, static_cast<unsigned>(size), true).geometry();
 }
 
+/// In the geometry's coordinate system; null for an empty geometry.
+GeometryPtr centroidOf(const geometry::Geometry& geometry) {
+    const auto centroid = geometry::centroid(geometry);
+    if (centroid) {
+        centroid->setCoordSystem(geometry.coordSystem());
+    }
+    return centroid;
+}
+
 std::optional<engine::NearnessBlob> nearnessOf(sqlite3_value* value) {
     const auto* bytes = static_cast<const char*>(sqlite3_value_blob(value));
     return engine::readNearness({bytes, static_cast<std::size_t>(sqlite3_value_bytes(value))});
@@ -152,7 +162,8 @@ bool VirtualCursor::readRelation(sqlite3_value* value) {
         if (!countsInColumnsSystem(*plan_.relation)) {
             return readElsewhere(related);
         }
-        related = related->transformed(coordSystem_);
+        related = *plan_.relation == SpatialRelation::ContainsCentroid ? centroidOf(*related) : related;
+        related = related ? related->transformed(coordSystem_) : nullptr;
         if (!related) {
             return false; // no relation to anything here
         }
@@ -164,7 +175,7 @@ bool VirtualCursor::readRelation(sqlite3_value* value) {
 
 /// A relation in the value's coordinate system, to be tested row by row: of the rows that can stand in it, as
 /// far as envelopes tell. An edge is straight in one of the two systems only, so that of what is more than a
-/// position only vertices can be told to lie in an envelope.
+/// position only vertices, and the centroid, can be told to lie in an envelope.
 bool VirtualCursor::readElsewhere(const GeometryPtr& related) {
     related_ = related;
     auto& attributes = request_.attributes;
@@ -172,7 +183,9 @@ bool VirtualCursor::readElsewhere(const GeometryPtr& related) {
         attributes.push_back(geometryAttribute_);
     }
     const SpatialRelation relation = *plan_.relation;
-    const bool holdsVertices = relation == SpatialRelation::Within || relation == SpatialRelation::CoveredBy;
+    const bool holdsVertices = relation == SpatialRelation::Within ||
+                               relation == SpatialRelation::CoveredBy ||
+                               relation == SpatialRelation::CentroidWithin;
     const geometry::Envelope envelope = related->envelope();
     if (envelope.isEmpty()) {
         return false;
