@@ -127,7 +127,7 @@ void locateAlong(sqlite3_context* context, int count, sqlite3_value** values) {
 void locateBetween(sqlite3_context* context, int count, sqlite3_value** values) {
     along("ST_LocateBetween", 3, context, count, values,
           [](const GeometryCall& call, const LinePath& path) -> GeometryPtr {
-              const auto [least, most] = std::minmax(call.number(1), call.number(2));
+              const auto [least, most] = std::minmax({call.number(1), call.number(2)});
               return path.whereMBetween(least, most);
           });
 }

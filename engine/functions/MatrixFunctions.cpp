@@ -142,7 +142,8 @@ void isMatrix(sqlite3_context* context, int count, sqlite3_value** values) {
 void matrixAsText(sqlite3_context* context, int count, sqlite3_value** values) {
     evaluate("ATM_AsText", 1, context, count, values, [](const GeometryCall& call) {
         std::string text;
-        for (const auto& row : matrixOf(call, 0).rows()) {
+        const AffineMap::Rows rows = matrixOf(call, 0).rows();
+        for (const auto& row : rows) {
             for (std::size_t i = 0; i < row.size(); ++i) {
                 geometry::appendNumber(row[i], 10, text);
                 text += i + 1 < row.size() ? ' ' : '\n';
