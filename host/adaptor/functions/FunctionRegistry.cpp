@@ -6,6 +6,7 @@
 #include <orvane/engine/functions/Bounded.h>
 
 #include <algorithm>
+#include <array>
 #include <map>
 #include <string>
 #include <utility>
@@ -19,6 +20,15 @@ struct NameLess {
         return sqlite3_stricmp(a.c_str(), b.c_str()) < 0;
     }
 };
+
+/// In the order of the reference.
+auto families() {
+    return std::array{arithmeticRecords(), textRecords(),    dateTimeRecords(),    formatRecords(),
+                      geometryRecords(),   measureRecords(), overlayRecords(),     shapingRecords(),
+                      makingRecords(),     lineRecords(),    constructorRecords(), accessRecords(),
+                      formRecords(),       editingRecords(), systemRecords(),      libraryRecords(),
+                      sqliteRecords()};
+}
 
 /// What becomes of a name.
 struct Own {
@@ -76,14 +86,22 @@ int removeNamesakes(sqlite3* database, std::span<const FunctionRecord> records) 
 
 std::vector<FunctionRecord> allFunctionRecords() {
     std::vector<FunctionRecord> records;
-    for (const std::span<const FunctionRecord> family :
-         {arithmeticRecords(), textRecords(), dateTimeRecords(), formatRecords(), geometryRecords(),
-          measureRecords(), overlayRecords(), shapingRecords(), makingRecords(), lineRecords(),
-          constructorRecords(), accessRecords(), formRecords(), editingRecords(), systemRecords(),
-          libraryRecords(), sqliteRecords()}) {
+    for (const std::span<const FunctionRecord> family : families()) {
         records.insert(records.end(), family.begin(), family.end());
     }
     return records;
+}
+
+const FunctionRecord* findScalar(const char* name, int count) {
+    for (const std::span<const FunctionRecord> family : families()) {
+        for (const FunctionRecord& record : family) {
+            if (record.scalar != nullptr && record.arity.minimum <= count && count <= record.arity.maximum &&
+                record.isNamed(name)) {
+                return &record;
+            }
+        }
+    }
+    return nullptr;
 }
 
 int registerFunctions(sqlite3* database, std::span<const FunctionRecord> records,

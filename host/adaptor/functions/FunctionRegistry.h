@@ -17,6 +17,9 @@ namespace orvane::adaptor {
 /// The records of every family, in the order of the reference.
 ORVANE_ADAPTOR_EXPORT std::vector<FunctionRecord> allFunctionRecords();
 
+/// The record of the scalar function of a name that takes so many arguments; null for none. Takes no memory.
+const FunctionRecord* findScalar(const char* name, int count);
+
 /// Registers the functions of the records with the cache as their user data. Returns SQLite's code of the
 /// first registration that failed, else SQLITE_OK. The cache must outlive the connection's statements.
 ORVANE_ADAPTOR_EXPORT int registerFunctions(sqlite3* database, std::span<const FunctionRecord> records,

@@ -1,6 +1,6 @@
 #include "host/adaptor/module/VirtualTableModule.h"
 
-#include "host/adaptor/functions/FunctionRecord.h"
+#include "host/adaptor/functions/FunctionRegistry.h"
 #include "host/adaptor/module/TableEdit.h"
 #include "host/adaptor/planning/BestIndex.h"
 #include "host/adaptor/scanning/VirtualCursor.h"
@@ -295,14 +295,13 @@ int xFindFunction(sqlite3_vtab* table, int argc, const char* name,
                              .attribute < 0) {
         return 0;
     }
-    for (const FunctionRecord& record : geometryRecords()) {
-        if (record.isNamed(name) && record.arity.minimum <= 2 && record.arity.maximum >= 2) {
-            *function = record.scalar; // SQLite calls it wherever no scan takes the constraint over
-            *userData = &asked.cache();
-            return SQLITE_INDEX_CONSTRAINT_FUNCTION + static_cast<int>(*relation);
-        }
+    const FunctionRecord* const record = findScalar(name, argc);
+    if (!record) {
+        return 0;
     }
-    return 0;
+    *function = record->scalar; // SQLite calls it wherever no scan takes the constraint over
+    *userData = &asked.cache();
+    return SQLITE_INDEX_CONSTRAINT_FUNCTION + static_cast<int>(*relation);
 }
 
 int xRename(sqlite3_vtab* table, const char* newName) {
