@@ -53,7 +53,7 @@ private:
 
     bool isFit(const ast::Node& node, const std::set<std::wstring>& known) const {
         if (const auto* column = ast::nodeAs<ast::ColumnReference>(&node)) {
-            return column->qualifier.empty() ? known.count(toLowercase(column->name)) != 0
+            return column->qualifier.empty() ? known.contains(toLowercase(column->name))
                                              : toLowercase(column->qualifier) != qualifierOf(table_);
         }
         if (const auto* function = ast::nodeAs<ast::Function>(&node)) {

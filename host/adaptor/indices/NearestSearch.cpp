@@ -28,14 +28,14 @@ geometry::GeometryPtr placedIn(const std::shared_ptr<cs::CoordSystem>& coordSyst
     return geometry::fitGeometry(placed);
 }
 
-std::optional<double> measuredDistance(const geometry::GeometryPtr& geometry,
-                                       const geometry::Geometry& centre, const geometry::Nearness& asked) {
-    if (!geometry || geometry->isEmpty() || centre.isEmpty()) {
+std::optional<double> measuredDistance(const geometry::GeometryPtr& own, const geometry::Geometry& centre,
+                                       const geometry::Nearness& asked) {
+    if (!own || own->isEmpty() || centre.isEmpty()) {
         return std::nullopt;
     }
-    const geometry::GeometryPtr own = placedIn(centre.coordSystem(), geometry);
-    return asked.centreIsFirst ? geometry::distance(centre, *own, asked.units)
-                               : geometry::distance(*own, centre, asked.units);
+    const geometry::GeometryPtr placed = placedIn(centre.coordSystem(), own);
+    return asked.centreIsFirst ? geometry::distance(centre, *placed, asked.units)
+                               : geometry::distance(*placed, centre, asked.units);
 }
 
 NearestSearch::NearestSearch(SpatialIndex& index, dp::Table& table, const geometry::Geometry& centre,

@@ -32,7 +32,8 @@ private:
 
 bool NearestRows::IdLess::operator()(const dp::FeatureId& a, const dp::FeatureId& b) const {
     constexpr int longLong = QMetaType::LongLong;
-    const QVariant &x = a.value(), &y = b.value();
+    const QVariant& x = a.value();
+    const QVariant& y = b.value();
     return x.userType() == longLong && y.userType() == longLong ? x.toLongLong() < y.toLongLong()
                                                                 : x.toString() < y.toString();
 }
