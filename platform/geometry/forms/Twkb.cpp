@@ -7,7 +7,7 @@
 #include <cmath>
 #include <stdexcept>
 
-// https://github.com/TWKB/Specification: a byte of kind and digits, a byte of flags, what the flags announce,
+// Tiny well-known binary, version 0.23: a byte of kind and digits, a byte of flags, what the flags announce,
 // and the positions as differences from the one before, in numbers of as many bytes as they take.
 
 namespace orvane::geometry {
