@@ -865,7 +865,7 @@
         <translation>The geometries have too many vertices.</translation>
     </message>
     <message>
-        <source>нужно число больше нуля</source>
+        <source>нужно число больше 0</source>
         <translation>expected a number above zero</translation>
     </message>
     <message>
@@ -921,10 +921,6 @@
     <message>
         <source>нужно число от 0 до 1000000</source>
         <translation>expected a number from 0 to 1000000</translation>
-    </message>
-    <message>
-        <source>нужно число больше 0</source>
-        <translation>expected a number greater than 0</translation>
     </message>
     <message>
         <source>нужно число не меньше начала</source>

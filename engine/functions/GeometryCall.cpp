@@ -22,6 +22,9 @@ namespace {
 
 constexpr const char* geometryExpected = QT_TRANSLATE_NOOP("orvane::geometry", "нужна геометрия");
 constexpr const char* numberExpected = QT_TRANSLATE_NOOP("orvane::geometry", "нужно число");
+constexpr const char* notNegativeExpected =
+    QT_TRANSLATE_NOOP("orvane::geometry", "нужно число, не меньшее нуля");
+constexpr const char* positiveExpected = QT_TRANSLATE_NOOP("orvane::geometry", "нужно число больше 0");
 constexpr const char* integerExpected = QT_TRANSLATE_NOOP("orvane::geometry", "нужно целое число");
 constexpr const char* textExpected = QT_TRANSLATE_NOOP("orvane::geometry", "нужен текст");
 constexpr const char* blobExpected = QT_TRANSLATE_NOOP("orvane::geometry", "нужны двоичные данные");
@@ -104,6 +107,22 @@ double GeometryCall::number(int position) const {
     return number;
 }
 
+double GeometryCall::notNegative(int position) const {
+    const double number = this->number(position);
+    if (number < 0.0) {
+        reject(position, notNegativeExpected);
+    }
+    return number;
+}
+
+double GeometryCall::positive(int position) const {
+    const double number = this->number(position);
+    if (!(number > 0.0)) {
+        reject(position, positiveExpected);
+    }
+    return number;
+}
+
 std::int64_t GeometryCall::integer(int position) const {
     const double number = this->number(position);
     constexpr double limit = 9007199254740992.0; // 2^53, up to which reals know units
@@ -121,7 +140,16 @@ QString GeometryCall::text(int position) const {
     if (sqlite3_value_type(values_[position]) != SQLITE_TEXT) {
         reject(position, textExpected);
     }
-    return toQString(values_[position]);
+    QString text;
+    withPrepared<QString>(
+        context_, position, [](const QString&) { return true; }, [&] { return toQString(values_[position]); },
+        [&text](const QString& prepared) { text = prepared; });
+    return text;
+}
+
+QString GeometryCall::units(int position) const {
+    const int type = isGiven(position) ? sqlite3_value_type(values_[position]) : SQLITE_NULL;
+    return type == SQLITE_INTEGER || type == SQLITE_FLOAT ? QString() : text(position);
 }
 
 std::string_view GeometryCall::utf8(int position) const {

@@ -12,6 +12,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 namespace orvane::engine {
 
@@ -47,14 +48,24 @@ public:
     double number(int position, double otherwise) const {
         return isGiven(position) ? number(position) : otherwise;
     }
+    /// 0 and above.
+    double notNegative(int position) const;
+    double notNegative(int position, double otherwise) const {
+        return isGiven(position) ? notNegative(position) : otherwise;
+    }
+    /// Above 0.
+    double positive(int position) const;
     /// Any number without a fraction.
     std::int64_t integer(int position) const;
     std::int64_t integer(int position, std::int64_t otherwise) const {
         return isGiven(position) ? integer(position) : otherwise;
     }
-    /// Null where it is not given.
+    /// Null where it is not given. Read once per statement where it is constant.
     QString text(int position) const;
-    /// The same as its bytes.
+    /// The name of units; null, which asks for metres, for a number as well: with SpatiaLite that stands
+    /// there to choose between the ellipsoid and a sphere.
+    QString units(int position) const;
+    /// A text as its bytes.
     std::string_view utf8(int position) const;
     std::string_view blob(int position) const;
     /// By EPSG code or as a text (cs::CoordSysFactory); null where it is not given, and for codes of 0 and
@@ -106,6 +117,19 @@ void evaluate(const char* function, int required, sqlite3_context* context, int 
             }
         } catch (...) {
             call.rethrow();
+        }
+    });
+}
+
+/// A function of one geometry: what `make` makes of it, or of a pointer to it.
+template<typename Make>
+void madeOfOne(const char* function, sqlite3_context* context, int count, sqlite3_value** values,
+               const Make& make) noexcept {
+    evaluate(function, 1, context, count, values, [&](const GeometryCall& call) {
+        if constexpr (std::is_invocable_v<Make, const GeometryPtr&>) {
+            return make(call.geometry(0));
+        } else {
+            return make(*call.geometry(0));
         }
     });
 }

@@ -85,14 +85,6 @@ std::shared_ptr<geometry::Geometry> rectangle(const Envelope& sides) {
         Dimensions::XY, std::vector{geometry::CoordinateSequence(Dimensions::XY, corners)});
 }
 
-double positive(const GeometryCall& call, int position) {
-    const double number = call.number(position);
-    if (!(number > 0.0)) {
-        call.reject(position, QT_TRANSLATE_NOOP("orvane::geometry", "нужно число больше 0"));
-    }
-    return number;
-}
-
 double angle(const GeometryCall& call, int position) {
     constexpr double largest = 1e6;
     const double degrees = call.number(position);
@@ -105,7 +97,7 @@ double angle(const GeometryCall& call, int position) {
 
 /// x, y, one or two radii, and, so many arguments behind, the system and the step.
 RoundShape roundShape(const GeometryCall& call, int radii, int system) {
-    RoundShape shape{call.number(0), call.number(1), positive(call, 2), positive(call, 1 + radii)};
+    RoundShape shape{call.number(0), call.number(1), call.positive(2), call.positive(1 + radii)};
     shape.step = call.number(system + 1, shape.step);
     if (!(shape.step >= RoundShape::leastStep && shape.step <= RoundShape::mostStep)) {
         call.reject(system + 1, QT_TRANSLATE_NOOP("orvane::geometry", "нужно число от 0.001 до 120"));
@@ -163,7 +155,7 @@ void buildCircleMbr(sqlite3_context* context, int count, sqlite3_value** values)
     evaluate("BuildCircleMbr", 3, context, count, values, [](const GeometryCall& call) {
         const double x = call.number(0);
         const double y = call.number(1);
-        const double radius = positive(call, 2);
+        const double radius = call.positive(2);
         return inSystem(rectangle({x - radius, y - radius, x + radius, y + radius}), call, 3);
     });
 }

@@ -18,14 +18,6 @@ namespace {
 
 constexpr std::string_view mark = "ORVNEAR";
 
-/// A number in the place of the units asks for metres, as with SpatiaLite, where it chooses between the
-/// ellipsoid and a sphere.
-QString unitsOf(const GeometryCall& call, int position) {
-    return call.isGiven(position) && sqlite3_value_type(call.value(position)) == SQLITE_TEXT
-               ? call.text(position)
-               : QString();
-}
-
 std::string_view bytesOf(sqlite3_value* value) {
     const auto* bytes = static_cast<const char*>(sqlite3_value_blob(value));
     return {bytes, static_cast<std::size_t>(sqlite3_value_bytes(value))};
@@ -105,13 +97,13 @@ void cartesianObjectDistance(sqlite3_context* context, int count, sqlite3_value*
 
 void objectDistance(sqlite3_context* context, int count, sqlite3_value** values) {
     evaluate("Distance", 2, context, count, values,
-             [](const GeometryCall& call) { return distanceOf(call, unitsOf(call, 2)); });
+             [](const GeometryCall& call) { return distanceOf(call, call.units(2)); });
 }
 
 void withinDistance(sqlite3_context* context, int count, sqlite3_value** values) {
     evaluate("WithinDistance", 3, context, count, values, [](const GeometryCall& call) {
         const double limit = call.number(2);
-        const auto distance = distanceOf(call, unitsOf(call, 3));
+        const auto distance = distanceOf(call, call.units(3));
         return distance ? std::optional(*distance <= limit) : std::nullopt;
     });
 }
@@ -135,7 +127,7 @@ void nearness(sqlite3_context* context, int count, sqlite3_value** values) {
                                   : std::numeric_limits<double>::infinity();
         made.asked.kind = static_cast<geometry::DistanceKind>(sqlite3_value_int(values[3]));
         made.asked.units =
-            made.asked.kind == geometry::DistanceKind::General ? unitsOf(call, 2) : toQString(values[2]);
+            made.asked.kind == geometry::DistanceKind::General ? call.units(2) : toQString(values[2]);
         made.asked.centreIsFirst = sqlite3_value_int(values[4]) != 0;
         const std::string bytes = writeNearness(made);
         sqlite3_result_blob64(context, bytes.data(), bytes.size(), SQLITE_TRANSIENT);

@@ -20,11 +20,6 @@ bool isNumber(const GeometryCall& call, int position) {
            sqlite3_value_type(call.value(position)) != SQLITE_BLOB;
 }
 
-/// A number asks for metres, as a measure on the ellipsoid is asked for elsewhere.
-QString unitsOf(const GeometryCall& call, int position) {
-    return isNumber(call, position) ? QString() : call.text(position);
-}
-
 /// A length of the geometry's own in units.
 double inUnits(double length, const geometry::Geometry& geometry, const QString& units) {
     return geometry::namedLength(length, geometry.coordSystem().get(), units);
@@ -36,7 +31,7 @@ void between(const char* name, sqlite3_context* context, int count, sqlite3_valu
              const Measure& measure) {
     evaluate(name, 2, context, count, values, [&measure](const GeometryCall& call) {
         const GeometryPair pair = call.geometries(0, 1);
-        const QString units = unitsOf(call, 2);
+        const QString units = call.units(2);
         return pair.first->isEmpty() || pair.second->isEmpty()
                    ? std::nullopt
                    : std::optional(inUnits(measure(*pair.first, *pair.second), *pair.first, units));
@@ -78,7 +73,7 @@ GeometryPtr lineBetween(const GeometryCall& call) {
 void ofArc(const char* name, sqlite3_context* context, int count, sqlite3_value** values,
            double (*measure)(const geometry::GeodesicArc&), bool isArea = false) {
     evaluate(name, 2, context, count, values, [measure, isArea](const GeometryCall& call) {
-        const QString units = unitsOf(call, 2);
+        const QString units = call.units(2);
         return ofPoints(call, [&](const geometry::Point& a, const geometry::Point& b) {
             const double factor = units.trimmed().isEmpty() ? 1.0
                                   : isArea                  ? geometry::areaUnit(units).factor
@@ -143,7 +138,7 @@ void maxDistanceInSpace(sqlite3_context* context, int count, sqlite3_value** val
 void lengthInSpace(sqlite3_context* context, int count, sqlite3_value** values) {
     evaluate("ST_3dLength", 1, context, count, values, [](const GeometryCall& call) {
         const GeometryPtr geometry = call.geometry(0);
-        return inUnits(geometry::lengthInSpace(*geometry), *geometry, unitsOf(call, 1));
+        return inUnits(geometry::lengthInSpace(*geometry), *geometry, call.units(1));
     });
 }
 
@@ -165,7 +160,7 @@ void project(sqlite3_context* context, int count, sqlite3_value** values) {
 
 void greatCircleLength(sqlite3_context* context, int count, sqlite3_value** values) {
     evaluate("GreatCircleLength", 1, context, count, values, [](const GeometryCall& call) {
-        const QString units = unitsOf(call, 1);
+        const QString units = call.units(1);
         const double factor = units.trimmed().isEmpty() ? 1.0 : geometry::lengthUnit(units).factor;
         return geometry::greatCircleLength(*call.geometry(0)) / factor;
     });
@@ -174,7 +169,7 @@ void greatCircleLength(sqlite3_context* context, int count, sqlite3_value** valu
 void geodesicLength(sqlite3_context* context, int count, sqlite3_value** values) {
     evaluate("GeodesicLength", 1, context, count, values, [](const GeometryCall& call) {
         const GeometryPtr geometry = call.geometry(0);
-        const QString units = unitsOf(call, 1);
+        const QString units = call.units(1);
         return geometry::sphericalLength(*geometry, units) + geometry::sphericalPerimeter(*geometry, units);
     });
 }

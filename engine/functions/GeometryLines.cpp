@@ -57,10 +57,9 @@ void ofEdges(const char* name, sqlite3_context* context, int count, sqlite3_valu
     along(name, 1, context, count, values,
           [&choose](const GeometryCall& call, const LinePath& path) -> std::optional<double> {
               const std::vector<double> lengths = path.edgeLengths(call.integer(1, 1) == 0);
-              return lengths.empty()
-                         ? std::nullopt
-                         : std::optional(geometry::namedLength(
-                               choose(lengths), call.geometry(0)->coordSystem().get(), call.text(2)));
+              return lengths.empty() ? std::nullopt
+                                     : std::optional(geometry::namedLength(
+                                           choose(lengths), path.coordSystem().get(), call.text(2)));
           });
 }
 
@@ -84,12 +83,8 @@ void lineInterpolatePoint(sqlite3_context* context, int count, sqlite3_value** v
 void lineInterpolateEquidistantPoints(sqlite3_context* context, int count, sqlite3_value** values) {
     along("Line_Interpolate_Equidistant_Points", 2, context, count, values,
           [](const GeometryCall& call, const LinePath& path) -> GeometryPtr {
-              const double distance = call.number(1);
-              if (!(distance > 0.0)) {
-                  call.reject(1, QT_TRANSLATE_NOOP("orvane::geometry", "нужно число больше 0"));
-              }
-              const double step =
-                  geometry::ownLength(distance, call.geometry(0)->coordSystem().get(), call.text(2));
+              const double distance = call.positive(1);
+              const double step = geometry::ownLength(distance, path.coordSystem().get(), call.text(2));
               return path.everyStep(step, step / distance);
           });
 }

@@ -17,18 +17,6 @@ using geometry::Overlay;
 using geometry::Side;
 using Made = std::shared_ptr<geometry::Geometry>;
 
-constexpr const char* toleranceExpected =
-    QT_TRANSLATE_NOOP("orvane::geometry", "нужно число, не меньшее нуля");
-
-/// Not negative.
-double toleranceOf(const GeometryCall& call, int position) {
-    const double tolerance = call.number(position);
-    if (tolerance < 0.0) {
-        call.reject(position, toleranceExpected);
-    }
-    return tolerance;
-}
-
 void overlayOfTwo(const char* name, Overlay kind, sqlite3_context* context, int count,
                   sqlite3_value** values) {
     evaluate(name, 2, context, count, values, [kind](const GeometryCall& call) {
@@ -42,18 +30,6 @@ void splitOfTwo(const char* name, Side side, sqlite3_context* context, int count
         const GeometryPair pair = call.geometries(0, 1);
         return geometry::split(pair.first, *pair.second, side);
     });
-}
-
-void madeOfOne(const char* name, sqlite3_context* context, int count, sqlite3_value** values,
-               Made (*make)(const geometry::Geometry&)) {
-    evaluate(name, 1, context, count, values,
-             [make](const GeometryCall& call) { return make(*call.geometry(0)); });
-}
-
-void partsOfOne(const char* name, sqlite3_context* context, int count, sqlite3_value** values,
-                Made (*make)(const GeometryPtr&)) {
-    evaluate(name, 1, context, count, values,
-             [make](const GeometryCall& call) { return make(call.geometry(0)); });
 }
 
 void partsOfDimension(const char* name, int dimension, sqlite3_context* context, int count,
@@ -130,14 +106,14 @@ void splitRight(sqlite3_context* context, int count, sqlite3_value** values) {
 void snap(sqlite3_context* context, int count, sqlite3_value** values) {
     evaluate("Snap", 3, context, count, values, [](const GeometryCall& call) {
         const GeometryPair pair = call.geometries(0, 1);
-        return geometry::snapped(*pair.first, *pair.second, toleranceOf(call, 2));
+        return geometry::snapped(*pair.first, *pair.second, call.notNegative(2));
     });
 }
 
 void snapAndSplit(sqlite3_context* context, int count, sqlite3_value** values) {
     evaluate("SnapAndSplit", 3, context, count, values, [](const GeometryCall& call) {
         const GeometryPair pair = call.geometries(0, 1);
-        return geometry::split(geometry::snapped(*pair.first, *pair.second, toleranceOf(call, 2)),
+        return geometry::split(geometry::snapped(*pair.first, *pair.second, call.notNegative(2)),
                                *pair.second);
     });
 }
@@ -218,11 +194,11 @@ void linesFromRings(sqlite3_context* context, int count, sqlite3_value** values)
 }
 
 void dissolveSegments(sqlite3_context* context, int count, sqlite3_value** values) {
-    partsOfOne("DissolveSegments", context, count, values, geometry::segmentsOf);
+    madeOfOne("DissolveSegments", context, count, values, geometry::segmentsOf);
 }
 
 void dissolvePoints(sqlite3_context* context, int count, sqlite3_value** values) {
-    partsOfOne("DissolvePoints", context, count, values, geometry::positionsOf);
+    madeOfOne("DissolvePoints", context, count, values, geometry::positionsOf);
 }
 
 void collectTwo(sqlite3_context* context, int count, sqlite3_value** values) {

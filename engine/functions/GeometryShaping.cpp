@@ -17,25 +17,6 @@ namespace {
 
 using Made = std::shared_ptr<geometry::Geometry>;
 
-constexpr const char* notNegative = QT_TRANSLATE_NOOP("orvane::geometry", "нужно число, не меньшее нуля");
-constexpr const char* positive = QT_TRANSLATE_NOOP("orvane::geometry", "нужно число больше нуля");
-
-double notNegativeNumber(const GeometryCall& call, int position, double otherwise = 0.0) {
-    const double number = call.number(position, otherwise);
-    if (number < 0.0) {
-        call.reject(position, notNegative);
-    }
-    return number;
-}
-
-double positiveNumber(const GeometryCall& call, int position) {
-    const double number = call.number(position);
-    if (number <= 0.0) {
-        call.reject(position, positive);
-    }
-    return number;
-}
-
 bool flag(const GeometryCall& call, int position) {
     return call.integer(position, std::int64_t(0)) != 0;
 }
@@ -45,24 +26,10 @@ bool isGeographic(const geometry::Geometry& geometry) {
     return system && system->isGeographic();
 }
 
-/// `make` takes a geometry, or a pointer to one.
-template<typename Make>
-void madeOfOne(const char* name, sqlite3_context* context, int count, sqlite3_value** values,
-               const Make& make) {
-    evaluate(name, 1, context, count, values, [&](const GeometryCall& call) {
-        if constexpr (std::is_invocable_v<Make, const GeometryPtr&>) {
-            return make(call.geometry(0));
-        } else {
-            return make(*call.geometry(0));
-        }
-    });
-}
-
 void simplifyWith(const char* name, bool keepTopology, sqlite3_context* context, int count,
                   sqlite3_value** values) {
     evaluate(name, 2, context, count, values, [keepTopology](const GeometryCall& call) {
-        return geometry::simplified(*call.geometry(0), notNegativeNumber(call, 1), call.text(2),
-                                    keepTopology);
+        return geometry::simplified(*call.geometry(0), call.notNegative(1), call.text(2), keepTopology);
     });
 }
 
@@ -84,7 +51,7 @@ void gridOf(const char* name, geometry::CellShape shape, sqlite3_context* contex
         }
         const std::int64_t mode = call.integer(2, std::int64_t(0));
         const CellPart part = mode == 0 ? CellPart::Areas : mode > 0 ? CellPart::Edges : CellPart::Corners;
-        return geometry::gridOver(*pair.first, shape, positiveNumber(call, 1), part, x, y);
+        return geometry::gridOver(*pair.first, shape, call.positive(1), part, x, y);
     });
 }
 
@@ -110,7 +77,7 @@ geometry::Grid gridOf(const GeometryCall& call) {
         position = 2;
     }
     for (; position < call.count(); ++position, ++steps) {
-        grid.step[steps] = notNegativeNumber(call, position);
+        grid.step[steps] = call.notNegative(position);
     }
     if (call.count() == 2) {
         grid.step[1] = grid.step[0];
@@ -196,14 +163,14 @@ void ensureClosedRings(sqlite3_context* context, int count, sqlite3_value** valu
 void voronoiDiagram(sqlite3_context* context, int count, sqlite3_value** values) {
     evaluate("VoronojDiagram", 1, context, count, values, [](const GeometryCall& call) {
         constexpr double usualFrame = 5.0;
-        return geometry::voronoiDiagram(*call.geometry(0), flag(call, 1),
-                                        notNegativeNumber(call, 2, usualFrame), notNegativeNumber(call, 3));
+        return geometry::voronoiDiagram(*call.geometry(0), flag(call, 1), call.notNegative(2, usualFrame),
+                                        call.notNegative(3, 0.0));
     });
 }
 
 void delaunayTriangulation(sqlite3_context* context, int count, sqlite3_value** values) {
     evaluate("DelaunayTriangulation", 1, context, count, values, [](const GeometryCall& call) {
-        return geometry::delaunayTriangulation(*call.geometry(0), flag(call, 1), notNegativeNumber(call, 2));
+        return geometry::delaunayTriangulation(*call.geometry(0), flag(call, 1), call.notNegative(2, 0.0));
     });
 }
 
@@ -245,7 +212,7 @@ void simplifyPreserveTopology(sqlite3_context* context, int count, sqlite3_value
 void segmentize(sqlite3_context* context, int count, sqlite3_value** values) {
     evaluate("Segmentize", 2, context, count, values, [](const GeometryCall& call) {
         const GeometryPtr geometry = call.geometry(0);
-        const double longest = positiveNumber(call, 1);
+        const double longest = call.positive(1);
         const QString units = call.text(2);
         if (units.isEmpty()) {
             return geometry::segmentized(geometry, longest);
@@ -264,7 +231,7 @@ void snapToGrid(sqlite3_context* context, int count, sqlite3_value** values) {
 
 void removeRepeatedPoints(sqlite3_context* context, int count, sqlite3_value** values) {
     evaluate("RemoveRepeatedPoints", 1, context, count, values, [](const GeometryCall& call) {
-        return geometry::withoutRepeatedPoints(call.geometry(0), notNegativeNumber(call, 1));
+        return geometry::withoutRepeatedPoints(call.geometry(0), call.notNegative(1, 0.0));
     });
 }
 

@@ -1,6 +1,6 @@
 #include "engine/translation/NearestFirst.h"
 
-#include "engine/translation/FixedColumns.h"
+#include "engine/translation/QueryParts.h"
 #include "platform/sql/lexing/SqlStrings.h"
 #include "platform/sql/tree/Expressions.h"
 #include "platform/sql/tree/FunctionInfo.h"
@@ -17,14 +17,9 @@ namespace {
 using namespace sql;
 using TableColumns = std::function<std::vector<std::wstring>(const std::wstring&)>;
 
-std::wstring qualifierOf(const ast::TablePrimary& table) {
-    return toLowercase(table.alias.empty() ? table.name : table.alias);
-}
-
 bool isGeometryOf(const ast::NodePtr& node, const ast::TablePrimary& table) {
-    const auto* column = ast::nodeAs<ast::ColumnReference>(node);
-    return column && fixedColumnName(column->name) == &geometryColumnName() &&
-           (column->qualifier.empty() || toLowercase(column->qualifier) == qualifierOf(table));
+    const auto* column = geometryReference(node);
+    return column && (column->qualifier.empty() || toLowercase(column->qualifier) == qualifierOf(&table));
 }
 
 /// Whether a value does not depend on the rows of the table, and is one value: so that a scan can be told of
@@ -34,7 +29,7 @@ public:
     Independence(const ast::TablePrimary& table, const TableColumns& tableColumns)
         : table_(table), tableColumns_(tableColumns) {}
 
-    bool holds(const ast::NodePtr& value) { return holds(*value, {}); }
+    bool holds(const ast::NodePtr& value) { return !hasNamelessParameter(*value) && holds(*value, {}); }
 
 private:
     /// `known` are the names, in lower case, that a query around has columns of.
@@ -54,21 +49,19 @@ private:
     bool isFit(const ast::Node& node, const std::set<std::wstring>& known) const {
         if (const auto* column = ast::nodeAs<ast::ColumnReference>(&node)) {
             return column->qualifier.empty() ? known.contains(toLowercase(column->name))
-                                             : toLowercase(column->qualifier) != qualifierOf(table_);
+                                             : toLowercase(column->qualifier) != qualifierOf(&table_);
         }
         if (const auto* function = ast::nodeAs<ast::Function>(&node)) {
             const std::wstring name = toLowercase(function->name);
             return !function->over && name != L"rownum" && !name.starts_with(L"random");
         }
-        const auto* parameter = ast::nodeAs<ast::ContextuallyTypedValueSpecification>(&node);
-        return !(parameter && parameter->parameter == L"?") && node.kind != ast::NodeKind::QueryOperation &&
-               node.kind != ast::NodeKind::ExplicitTable;
+        return node.kind != ast::NodeKind::QueryOperation && node.kind != ast::NodeKind::ExplicitTable;
     }
 
     /// A query of one table whose columns are known.
     bool holdsWithin(const ast::QuerySpecification& query) {
         const auto* source = ast::nodeAs<ast::TablePrimary>(ast::onlySource(query));
-        if (inside_ || !source || !tableColumns_ || qualifierOf(*source) == qualifierOf(table_)) {
+        if (inside_ || !source || !tableColumns_ || qualifierOf(source) == qualifierOf(&table_)) {
             return false;
         }
         std::set<std::wstring> names{L"obj", L"object", L"style", L"tr$$_rendition", L"rowid"};
@@ -124,13 +117,8 @@ std::shared_ptr<const ast::QuerySpecification> withNearestFirst(const ast::Query
                                                                 const ast::NodePtr& distance,
                                                                 const TableColumns& tableColumns) {
     const auto* key = ast::nodeAs<ast::SortSpecification>(query.orderBy.front());
-    const auto* call = ast::nodeAs<ast::Function>(distance);
-    const std::wstring name = call ? toLowercase(call->name) : std::wstring();
-    const bool isDistance = call && (name == L"distance" || name == L"st_distance") && !call->over &&
-                            !call->filter && !call->distinct &&
-                            (call->arguments.size() == 2 || call->arguments.size() == 3);
-    if (!isDistance || !query.limit || key->direction == ast::SortSpecification::Direction::Descending ||
-        key->nulls == ast::SortSpecification::Nulls::Last || !isOfRows(query)) {
+    const auto* call = distanceCall(distance);
+    if (!call || !query.limit || !isAscending(*key) || !isOfRows(query)) {
         return nullptr;
     }
     const bool isFirst = isGeometryOf(call->arguments[0], table);
@@ -149,8 +137,7 @@ std::shared_ptr<const ast::QuerySpecification> withNearestFirst(const ast::Query
         OperationCode::Is, std::make_shared<ast::ColumnReference>(std::wstring(), originColumnName()),
         origin);
     auto rewritten = std::make_shared<ast::QuerySpecification>(query);
-    rewritten->where =
-        query.where ? std::make_shared<ast::Operation>(OperationCode::And, query.where, isOrigin) : isOrigin;
+    rewritten->where = conjunction(query.where, isOrigin);
     auto order = std::make_shared<ast::SortSpecification>(
         std::make_shared<ast::ColumnReference>(std::wstring(), distanceColumnName()));
     order->direction = key->direction;

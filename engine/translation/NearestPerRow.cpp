@@ -1,10 +1,9 @@
 #include "engine/translation/NearestPerRow.h"
 
-#include "engine/translation/FixedColumns.h"
+#include "engine/translation/QueryParts.h"
 #include "platform/sql/lexing/SqlStrings.h"
 #include "platform/sql/tree/Expressions.h"
 #include "platform/sql/tree/NodeVisitor.h"
-#include <orvane/engine/ColumnNames.h>
 
 #include <algorithm>
 #include <optional>
@@ -15,15 +14,6 @@ namespace orvane::engine {
 namespace {
 
 using namespace sql;
-
-/// The name, in lower case, that columns of a table or of a query in From have before them. Empty for none.
-std::wstring qualifierOf(const ast::NodePtr& source) {
-    const auto* table = ast::nodeAs<ast::TablePrimary>(source);
-    const auto* derived = ast::nodeAs<ast::DerivedTable>(source);
-    return toLowercase(table     ? table->alias.empty() ? table->name : table->alias
-                       : derived ? derived->alias
-                                 : std::wstring());
-}
 
 std::optional<long> wholeNumber(const ast::NodePtr& node) {
     constexpr std::size_t mostDigits = 8;
@@ -97,22 +87,12 @@ std::optional<Join> joinOf(const ast::NodePtr& from) {
     return !first.empty() && !second.empty() && first != second ? std::optional(join) : std::nullopt;
 }
 
-const ast::ColumnReference* geometry(const ast::NodePtr& node) {
-    const auto* column = ast::nodeAs<ast::ColumnReference>(node);
-    return column && fixedColumnName(column->name) == &geometryColumnName() ? column : nullptr;
-}
-
 /// The measure of an order by one distance, between a geometry of each of two tables.
 const ast::Function* distanceOf(const ast::NodeList& order) {
     const auto* key = order.size() == 1 ? ast::nodeAs<ast::SortSpecification>(order.front()) : nullptr;
-    const auto* call = key ? ast::nodeAs<ast::Function>(key->key) : nullptr;
-    const std::wstring name = call ? toLowercase(call->name) : std::wstring();
-    const bool isOrdered = key && key->direction != ast::SortSpecification::Direction::Descending &&
-                           key->nulls != ast::SortSpecification::Nulls::Last;
-    return isOrdered && (name == L"distance" || name == L"st_distance") && call->arguments.size() >= 2 &&
-                   geometry(call->arguments[0]) && geometry(call->arguments[1])
-               ? call
-               : nullptr;
+    const auto* call = key && isAscending(*key) ? distanceCall(key->key) : nullptr;
+    return call && geometryReference(call->arguments[0]) && geometryReference(call->arguments[1]) ? call
+                                                                                                  : nullptr;
 }
 
 /// Whether all columns of a value are those of one source, named in full.
@@ -145,20 +125,6 @@ const ast::DerivedColumn* numberColumn(const ast::QuerySpecification& query) {
         });
     }
     return numWindows == 1 ? found : nullptr;
-}
-
-bool hasNamelessParameter(const ast::NodePtr& condition) {
-    bool has = false;
-    ast::forEachNode(*condition, [&has](const ast::Node& node) {
-        const auto* parameter = ast::nodeAs<ast::ContextuallyTypedValueSpecification>(&node);
-        has = has || (parameter && parameter->parameter == L"?");
-        return !has;
-    });
-    return has;
-}
-
-ast::NodePtr both(const ast::NodePtr& a, const ast::NodePtr& b) {
-    return a && b ? std::make_shared<ast::Operation>(OperationCode::And, a, b) : a ? a : b;
 }
 
 /// The condition that a row of the second table is among the nearest to that of the first.
@@ -195,7 +161,7 @@ withNearestPerRow(const ast::QuerySpecification& query,
     if (!most || !distance || !join) {
         return nullptr;
     }
-    const ast::NodePtr condition = both(join->condition, inner->where);
+    const ast::NodePtr condition = conjunction(join->condition, inner->where);
     const auto isOfGroup = [&](const ast::NodePtr& source) {
         return std::all_of(window.partitionBy.begin(), window.partitionBy.end(),
                            [&source](const ast::NodePtr& key) { return isOf(source, key); });
@@ -209,12 +175,13 @@ withNearestPerRow(const ast::QuerySpecification& query,
                                : nullptr;
     const bool isBetween = measures(join->first, join->second) || measures(join->second, join->first);
     if (!searched || !isBetween || !readsByDistance(*searched) ||
-        (condition && hasNamelessParameter(condition))) {
+        (condition && hasNamelessParameter(*condition))) {
         return nullptr;
     }
     auto narrowed = std::make_shared<ast::QuerySpecification>(*inner);
-    narrowed->where = both(inner->where, isAmongNearest(*searched, condition,
-                                                        std::make_shared<ast::Function>(*distance), *most));
+    narrowed->where =
+        conjunction(inner->where,
+                    isAmongNearest(*searched, condition, std::make_shared<ast::Function>(*distance), *most));
     auto rewritten = std::make_shared<ast::QuerySpecification>(query);
     rewritten->from = std::make_shared<ast::FromSource>(
         ast::NodeList{std::make_shared<ast::DerivedTable>(std::move(narrowed), derived->alias)});

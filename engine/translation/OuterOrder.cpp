@@ -1,5 +1,6 @@
 #include "engine/translation/OuterOrder.h"
 
+#include "engine/translation/QueryParts.h"
 #include "platform/sql/lexing/SqlStrings.h"
 #include "platform/sql/tree/Expressions.h"
 #include "platform/sql/tree/NodeVisitor.h"
@@ -13,21 +14,6 @@ namespace orvane::engine {
 namespace {
 
 using namespace sql;
-
-void addNames(const ast::NodePtr& source, std::set<std::wstring>& names) {
-    if (const auto* all = ast::nodeAs<ast::FromSource>(source)) {
-        for (const ast::NodePtr& each : all->sources) {
-            addNames(each, names);
-        }
-    } else if (const auto* join = ast::nodeAs<ast::JoinNode>(source)) {
-        addNames(join->left, names);
-        addNames(join->right, names);
-    } else if (const auto* table = ast::nodeAs<ast::TablePrimary>(source)) {
-        names.insert(toLowercase(table->alias.empty() ? table->name : table->alias));
-    } else if (const auto* derived = ast::nodeAs<ast::DerivedTable>(source)) {
-        names.insert(toLowercase(derived->alias));
-    }
-}
 
 /// Whether a key names a column of none of the sources.
 bool namesOuter(const ast::NodePtr& key, const std::set<std::wstring>& own) {
@@ -60,7 +46,7 @@ std::wstring numbered(wchar_t letter, std::size_t number) {
 
 std::shared_ptr<const ast::QuerySpecification> withOrderFurtherIn(const ast::QuerySpecification& query) {
     std::set<std::wstring> own;
-    addNames(query.from, own);
+    forEachSource(query.from, [&own](const ast::Node& source) { own.insert(qualifierOf(&source)); });
     const bool hasOuter =
         std::any_of(query.orderBy.begin(), query.orderBy.end(), [&own](const ast::NodePtr& term) {
             const auto* key = ast::nodeAs<ast::SortSpecification>(term);

@@ -1,11 +1,10 @@
 #include "engine/translation/SpatialConditions.h"
 
-#include "engine/translation/FixedColumns.h"
+#include "engine/translation/QueryParts.h"
 #include "platform/sql/lexing/SqlStrings.h"
 #include "platform/sql/tree/Expressions.h"
 #include "platform/sql/tree/NodeVisitor.h"
 #include "platform/sql/tree/Queries.h"
-#include <orvane/engine/ColumnNames.h>
 
 #include <algorithm>
 #include <optional>
@@ -97,12 +96,10 @@ std::optional<DistanceTerm> termOf(const ast::NodePtr& condition) {
 /// Whether a value may be written a second time: not where it is numbered by its place, dear, or another one
 /// each time.
 bool isRepeatable(const ast::NodePtr& value) {
-    bool isFit = true;
+    bool isFit = !hasNamelessParameter(*value);
     ast::forEachNode(*value, [&isFit](const ast::Node& node) {
-        const auto* parameter = ast::nodeAs<ast::ContextuallyTypedValueSpecification>(&node);
         const auto* function = ast::nodeAs<ast::Function>(&node);
         const bool isUnfit =
-            (parameter && parameter->parameter == L"?") ||
             (function && (function->over || toLowercase(function->name).starts_with(L"random"))) ||
             node.kind == ast::NodeKind::QuerySpecification || node.kind == ast::NodeKind::QueryOperation ||
             node.kind == ast::NodeKind::ExplicitTable;
@@ -114,10 +111,6 @@ bool isRepeatable(const ast::NodePtr& value) {
 
 ast::NodePtr number(const wchar_t* digits) {
     return std::make_shared<ast::Number>(digits);
-}
-
-ast::NodePtr both(const ast::NodePtr& a, const ast::NodePtr& b) {
-    return std::make_shared<ast::Operation>(OperationCode::And, a, b);
 }
 
 ast::NodePtr withNearness(const ast::NodePtr& condition, const DistanceTerm& term,
@@ -141,9 +134,8 @@ ast::NodePtr withNearness(const ast::NodePtr& condition, const DistanceTerm& ter
         auto value = std::make_shared<ast::Function>(
             nearness, ast::NodeList{centre, term.most, units, number(term.function->kind),
                                     number(centreIsFirst ? L"1" : L"0")});
-        whole =
-            both(whole,
-                 std::make_shared<ast::Function>(isNear, ast::NodeList{arguments[column], std::move(value)}));
+        whole = conjunction(whole, std::make_shared<ast::Function>(
+                                       isNear, ast::NodeList{arguments[column], std::move(value)}));
     }
     return whole;
 }
@@ -214,7 +206,7 @@ ast::NodePtr turned(const ast::NodePtr& condition, const ScannedTables& tables) 
     if (relation->converse) {
         return std::make_shared<ast::Function>(relation->converse, operands);
     }
-    return isRepeatable(first) ? both(condition, std::make_shared<ast::Function>(mayMeet, operands))
+    return isRepeatable(first) ? conjunction(condition, std::make_shared<ast::Function>(mayMeet, operands))
                                : condition;
 }
 
@@ -226,28 +218,17 @@ ast::NodePtr lookedUp(const ast::NodePtr& condition, const ScannedTables& tables
 } // namespace
 
 ScannedTables::ScannedTables(const ast::NodePtr& from) : isQuery_(true) {
-    add(from);
-}
-
-void ScannedTables::add(const ast::NodePtr& source) {
-    if (const auto* join = ast::nodeAs<ast::JoinNode>(source)) {
-        add(join->left);
-        add(join->right);
-    } else if (const auto* all = ast::nodeAs<ast::FromSource>(source)) {
-        for (const ast::NodePtr& each : all->sources) {
-            add(each);
-        }
-    } else if (source) {
+    forEachSource(from, [this](const ast::Node& source) {
         ++sources_;
-        if (const auto* table = ast::nodeAs<ast::TablePrimary>(source)) {
-            names_.insert(toLowercase(table->alias.empty() ? table->name : table->alias));
+        if (source.kind == ast::NodeKind::TablePrimary) {
+            names_.insert(qualifierOf(&source));
         }
-    }
+    });
 }
 
 bool ScannedTables::haveGeometry(const ast::NodePtr& node) const {
-    const auto* column = ast::nodeAs<ast::ColumnReference>(node);
-    if (!column || fixedColumnName(column->name) != &geometryColumnName()) {
+    const auto* column = geometryReference(node);
+    if (!column) {
         return false;
     }
     return !isQuery_ || (column->qualifier.empty() ? sources_ == 1 && !names_.empty()
@@ -255,14 +236,14 @@ bool ScannedTables::haveGeometry(const ast::NodePtr& node) const {
 }
 
 ast::NodePtr withLookups(const ast::NodePtr& condition, const ScannedTables& tables) {
-    const auto conjunction = [](const ast::NodePtr& node) {
+    const auto asConjunction = [](const ast::NodePtr& node) {
         const auto* operation = ast::nodeAs<ast::Operation>(node);
         return operation && operation->code() == OperationCode::And && operation->right() ? operation
                                                                                           : nullptr;
     };
     // Long chains of And go deep to the left.
     std::vector<ast::NodePtr> chain{condition};
-    while (const auto* operation = conjunction(chain.back())) {
+    while (const auto* operation = asConjunction(chain.back())) {
         chain.push_back(operation->left());
     }
     ast::NodePtr whole = chain.back();
@@ -270,10 +251,10 @@ ast::NodePtr withLookups(const ast::NodePtr& condition, const ScannedTables& tab
         whole = lookedUp(whole, tables);
     }
     for (std::size_t i = chain.size() - 1; i-- > 0;) {
-        const auto* operation = conjunction(chain[i]);
+        const auto* operation = asConjunction(chain[i]);
         const ast::NodePtr right = withLookups(operation->right(), tables);
         const bool isSame = whole == operation->left() && right == operation->right();
-        whole = isSame ? chain[i] : both(whole, right);
+        whole = isSame ? chain[i] : conjunction(whole, right);
     }
     return whole;
 }

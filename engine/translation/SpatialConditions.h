@@ -19,8 +19,6 @@ public:
     bool haveGeometry(const sql::ast::NodePtr& node) const;
 
 private:
-    void add(const sql::ast::NodePtr& source);
-
     bool isQuery_ = false;
     std::size_t sources_ = 0;
     std::set<std::wstring> names_; ///< in lower case, under which columns name them

@@ -23,6 +23,7 @@ public:
     static bool isLine(const Geometry& geometry);
 
     double length() const { return length_; }
+    const std::shared_ptr<cs::CoordSystem>& coordSystem() const { return system_; }
     Dimensions dimensions() const { return dimensions_; }
     /// Of each edge, in their order; edges without length only when asked for.
     std::vector<double> edgeLengths(bool withEmpty) const;
