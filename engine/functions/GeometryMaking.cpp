@@ -1,6 +1,7 @@
 #include <orvane/engine/functions/GeometryMaking.h>
 
 #include "GeometryCall.h"
+#include "PreparedArgument.h"
 #include "platform/geometry/making/Buffer.h"
 
 #include <new>
@@ -20,16 +21,7 @@ bool isNumber(sqlite3_value* value) {
 /// compared with.
 class LastBuffer {
 public:
-    static LastBuffer& ofStatement(sqlite3_context* context) {
-        constexpr int number = -20262; // as for RecentGeometries
-        if (auto* const kept = static_cast<LastBuffer*>(sqlite3_get_auxdata(context, number))) {
-            return *kept;
-        }
-        sqlite3_set_auxdata(context, number, new LastBuffer,
-                            [](void* kept) { delete static_cast<LastBuffer*>(kept); });
-        auto* const made = static_cast<LastBuffer*>(sqlite3_get_auxdata(context, number));
-        return made ? *made : throw std::bad_alloc();
-    }
+    static constexpr int numberInStatement = -20262;
 
     template<typename Make>
     GeometryPtr get(const GeometryCall& call, const Make& make) {
@@ -89,7 +81,7 @@ GeometryPtr makeBuffer(const GeometryCall& call) {
 
 void buffer(sqlite3_context* context, int count, sqlite3_value** values) {
     evaluate("Buffer", 2, context, count, values, [context](const GeometryCall& call) {
-        return LastBuffer::ofStatement(context).get(call, [&call] { return makeBuffer(call); });
+        return ofStatement<LastBuffer>(context).get(call, [&call] { return makeBuffer(call); });
     });
 }
 

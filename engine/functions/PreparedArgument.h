@@ -3,6 +3,7 @@
 #include <sqlite3.h>
 
 #include <memory>
+#include <new>
 #include <utility>
 
 namespace orvane::engine {
@@ -22,6 +23,21 @@ void withPrepared(sqlite3_context* context, int argument, IsCurrent isCurrent, M
     // Last of all: SQLite may drop it at once.
     sqlite3_set_auxdata(context, argument, made.release(),
                         [](void* prepared) { delete static_cast<Prepared*>(prepared); });
+}
+
+/// An object of the statement that calls a function, made when first asked for: one for each class. Throws
+/// std::bad_alloc.
+template<typename Object>
+Object& ofStatement(sqlite3_context* context) {
+    // Under a negative number SQLite keeps an object for the whole statement, whichever function asks; it
+    // does so for its own JSON functions. Were it let go at once, every row would begin anew.
+    constexpr int number = Object::numberInStatement;
+    if (auto* const kept = static_cast<Object*>(sqlite3_get_auxdata(context, number))) {
+        return *kept;
+    }
+    sqlite3_set_auxdata(context, number, new Object, [](void* kept) { delete static_cast<Object*>(kept); });
+    auto* const made = static_cast<Object*>(sqlite3_get_auxdata(context, number));
+    return made ? *made : throw std::bad_alloc();
 }
 
 } // namespace orvane::engine

@@ -1,11 +1,11 @@
 #include "RecentGeometries.h"
 
+#include "PreparedArgument.h"
 #include "platform/cs/CoordSystem.h"
 #include "platform/geometry/shapes/Geometry.h"
 #include <orvane/engine/EngineCache.h>
 
 #include <functional>
-#include <new>
 
 namespace orvane::engine {
 
@@ -26,16 +26,7 @@ std::uint64_t hashOf(std::string_view blob) {
 } // namespace
 
 RecentGeometries& RecentGeometries::ofStatement(sqlite3_context* context) {
-    // Under a negative number SQLite keeps an object for the whole statement, whichever function asks; it
-    // does so for its own JSON functions. Were it let go at once, every row would begin anew.
-    constexpr int number = -20261;
-    if (auto* const kept = static_cast<RecentGeometries*>(sqlite3_get_auxdata(context, number))) {
-        return *kept;
-    }
-    sqlite3_set_auxdata(context, number, new RecentGeometries,
-                        [](void* kept) { delete static_cast<RecentGeometries*>(kept); });
-    auto* const made = static_cast<RecentGeometries*>(sqlite3_get_auxdata(context, number));
-    return made ? *made : throw std::bad_alloc();
+    return engine::ofStatement<RecentGeometries>(context);
 }
 
 void RecentGeometries::clear() {

@@ -19,6 +19,8 @@ class EngineCache;
 /// on, so that a scan of different ones costs no copies. Bounded, and gone with the statement.
 class RecentGeometries {
 public:
+    static constexpr int numberInStatement = -20261;
+
     /// Those of the statement that calls a function. Throws std::bad_alloc.
     static RecentGeometries& ofStatement(sqlite3_context* context);
 

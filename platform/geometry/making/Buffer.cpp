@@ -35,17 +35,9 @@ void checkSize(const Geometry& geometry, const BufferOptions& options) {
     }
 }
 
-/// Longitudes and latitudes are degrees so far.
 GeometryPtr inSystem(std::shared_ptr<Geometry> geometry, const std::shared_ptr<cs::CoordSystem>& system) {
-    if (system && system->isGeographic() && degreesPerUnit(*system) != 1.0) {
-        const double factor = degreesPerUnit(*system);
-        geometry = geometry->mapped([factor](double* positions, std::size_t count, Dimensions dimensions) {
-            for (std::size_t i = 0; i < count; ++i) {
-                positions[i * strideOf(dimensions)] /= factor;
-                positions[i * strideOf(dimensions) + 1] /= factor;
-            }
-            return true;
-        });
+    if (system && system->isGeographic()) {
+        return fromDegrees(std::move(geometry), system);
     }
     geometry->setCoordSystem(system);
     return geometry;

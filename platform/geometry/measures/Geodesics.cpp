@@ -143,4 +143,19 @@ double geodesicArea(const GeographicShape& shape) {
     });
 }
 
+std::shared_ptr<Geometry> fromDegrees(std::shared_ptr<Geometry> geometry,
+                                      const std::shared_ptr<cs::CoordSystem>& system) {
+    if (const double degrees = degreesPerUnit(*system); degrees != 1.0) {
+        geometry = geometry->mapped([degrees](double* positions, std::size_t count, Dimensions dimensions) {
+            for (std::size_t i = 0; i < count; ++i) {
+                positions[i * strideOf(dimensions)] /= degrees;
+                positions[i * strideOf(dimensions) + 1] /= degrees;
+            }
+            return true;
+        });
+    }
+    geometry->setCoordSystem(system);
+    return geometry;
+}
+
 } // namespace orvane::geometry

@@ -41,5 +41,8 @@ GeodesicNearest geodesicNearest(const Geometry& a, const Geometry& b);
 const geod_geodesic& ellipsoidOf(const cs::CoordSystem& system);
 /// Degrees in one unit of a geographic system.
 double degreesPerUnit(const cs::CoordSystem& system);
+/// A geometry in degrees put into a geographic system, in its units.
+std::shared_ptr<Geometry> fromDegrees(std::shared_ptr<Geometry> geometry,
+                                      const std::shared_ptr<cs::CoordSystem>& system);
 
 } // namespace orvane::geometry

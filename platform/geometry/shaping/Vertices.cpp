@@ -156,22 +156,11 @@ std::shared_ptr<Geometry> segmentized(const GeometryPtr& geometry, double longes
 std::shared_ptr<Geometry> geodesicallySegmentized(const Geometry& geometry, double longest) {
     const GeographicShape shape = onEllipsoid(geometry);
     Densifier densifier;
-    std::shared_ptr<Geometry> result =
-        withSequences(*shape.geometry, [&](const CoordinateSequence& positions, Role) {
-            return segmentizedOn(shape.ellipsoid, positions, longest, densifier);
-        });
-    const auto system = geometry.coordSystem();
-    if (const double degrees = degreesPerUnit(*system); degrees != 1.0) {
-        result = result->mapped([degrees](double* positions, std::size_t count, Dimensions dimensions) {
-            for (std::size_t i = 0; i < count; ++i) {
-                positions[i * strideOf(dimensions)] /= degrees;
-                positions[i * strideOf(dimensions) + 1] /= degrees;
-            }
-            return true;
-        });
-    }
-    result->setCoordSystem(system);
-    return result;
+    return fromDegrees(withSequences(*shape.geometry,
+                                     [&](const CoordinateSequence& positions, Role) {
+                                         return segmentizedOn(shape.ellipsoid, positions, longest, densifier);
+                                     }),
+                       geometry.coordSystem());
 }
 
 CoordinateSequence withoutRepetition(const CoordinateSequence& positions, double tolerance) {
