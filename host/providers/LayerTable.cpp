@@ -33,6 +33,11 @@ std::unique_ptr<dp::Cursor> LayerTable::openCursor(const dp::ScanRequest& reques
     return reader().openCursor(request);
 }
 
+std::unique_ptr<dp::SampleCursor> LayerTable::openSample(const std::vector<int>& attributes,
+                                                         std::int64_t rows) {
+    return reader().openSample(attributes, rows);
+}
+
 std::optional<std::int64_t> LayerTable::featureCount() const {
     return reader().featureCount();
 }

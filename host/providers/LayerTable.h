@@ -32,6 +32,8 @@ public:
 
     /// Throws std::runtime_error also when the file lost a field that it had when it was opened.
     std::unique_ptr<dp::Cursor> openCursor(const dp::ScanRequest& request) override;
+    std::unique_ptr<dp::SampleCursor> openSample(const std::vector<int>& attributes,
+                                                 std::int64_t rows) override;
     std::optional<std::int64_t> featureCount() const override;
     std::uint64_t revision() const override;
     bool usesTerm(int attribute, dp::Comparison comparison, dp::TextCollation collation) const override;

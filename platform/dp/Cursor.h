@@ -71,4 +71,12 @@ public:
     virtual FeatureId featureId() = 0;
 };
 
+/// Reads a sample of a table: runs of rows that follow each other in it, from all over it.
+class ORVANE_PLATFORM_EXPORT SampleCursor : public Cursor {
+public:
+    /// Of the current row, ascending. What rows of one run have in common tells how the table is sorted, not
+    /// how frequent it is.
+    virtual std::int64_t run() const = 0;
+};
+
 } // namespace orvane::dp

@@ -21,6 +21,10 @@ namespace {
 
 Cursor::~Cursor() = default;
 
+std::unique_ptr<SampleCursor> Table::openSample(const std::vector<int>&, std::int64_t) {
+    return nullptr;
+}
+
 bool Table::usesTerm(int, Comparison, TextCollation) const {
     return false;
 }

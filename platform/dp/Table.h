@@ -30,6 +30,12 @@ public:
     /// Starts a scan. Throws std::runtime_error when the source cannot be read.
     virtual std::unique_ptr<Cursor> openCursor(const ScanRequest& request) = 0;
 
+    /// Reads about so many rows, all of a smaller table, at a fraction of what a scan costs: each row is as
+    /// likely as the other where the format finds rows fast, else the first ones come. The same ones as long
+    /// as the table does not change. The geometry may be among the attributes. Null when the provider has no
+    /// such way. Throws as openCursor().
+    virtual std::unique_ptr<SampleCursor> openSample(const std::vector<int>& attributes, std::int64_t rows);
+
     /// Number of features where the provider knows it without a scan.
     virtual std::optional<std::int64_t> featureCount() const { return std::nullopt; }
 

@@ -12,12 +12,12 @@ bool BatchCursor::next() {
         return true;
     }
     row_ = 0;
-    return reader_->next(batch_);
+    return nextBatch();
 }
 
 bool BatchCursor::nextSelected() {
     while (nextSelected_ == selected_.size()) {
-        if (!reader_->next(batch_)) {
+        if (!nextBatch()) {
             return false;
         }
         filter_->select(batch_, selected_);

@@ -6,8 +6,8 @@ namespace orvane::files {
 
 class RowFilter;
 
-/// Walks over the rows of batches that pass a filter.
-class BatchCursor final : public dp::Cursor {
+/// Walks over the rows of batches that pass a filter. Each batch counts as a run.
+class BatchCursor final : public dp::SampleCursor {
 public:
     /// `slots` gives for each attribute of the table its column in the batches, -1 for none. `filter` may be
     /// null.
@@ -23,8 +23,13 @@ public:
     dp::FeatureId featureId() override {
         return dp::FeatureId(QVariant(static_cast<qlonglong>(batch_.fids.number<std::int64_t>(row_))));
     }
+    std::int64_t run() const override { return run_; }
 
 private:
+    bool nextBatch() {
+        ++run_;
+        return reader_->next(batch_);
+    }
     bool nextSelected();
 
     std::unique_ptr<BatchReader> reader_;
@@ -32,6 +37,7 @@ private:
     std::shared_ptr<const RowFilter> filter_;
     ColumnBatch batch_;
     std::int64_t row_ = -1;
+    std::int64_t run_ = -1;
     std::vector<std::int32_t> selected_; ///< rows of the batch that pass the filter
     std::size_t nextSelected_ = 0;
 };

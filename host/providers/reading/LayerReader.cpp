@@ -3,6 +3,7 @@
 #include "host/providers/conditions/RowFilter.h"
 #include "host/providers/reading/BatchCursor.h"
 #include "host/providers/reading/CountingCursor.h"
+#include "host/providers/reading/SampleReader.h"
 #include "platform/work/Cancellation.h"
 
 #include <algorithm>
@@ -130,13 +131,33 @@ std::unique_ptr<dp::Cursor> LayerReader::openForCounting(const dp::ScanRequest& 
     return rows && isExact ? std::make_unique<CountingCursor>(*rows, source_) : nullptr;
 }
 
-std::unique_ptr<dp::Cursor> LayerReader::makeCursor(const Query& query, std::unique_ptr<BatchReader> reader,
-                                                    std::shared_ptr<const RowFilter> filter) {
+std::unique_ptr<dp::SampleCursor> LayerReader::makeCursor(const Query& query,
+                                                          std::unique_ptr<BatchReader> reader,
+                                                          std::shared_ptr<const RowFilter> filter) {
     std::vector<int> slots(static_cast<std::size_t>(source_->schema()->numAttributes()), -1);
     for (std::size_t i = 0; i < query.requested.size(); ++i) {
         slots[static_cast<std::size_t>(query.requested[i])] = static_cast<int>(i);
     }
     return std::make_unique<BatchCursor>(std::move(reader), std::move(slots), std::move(filter));
+}
+
+std::unique_ptr<dp::SampleCursor> LayerReader::openSample(const std::vector<int>& attributes,
+                                                          std::int64_t rows) {
+    followFile();
+    loadWholeOnce();
+    Query query;
+    for (const int attribute : attributes) {
+        addDistinct(query.requested, attribute);
+    }
+    std::unique_ptr<BatchReader> reader;
+    if (auto cached = BatchCache::instance().find(*key_, query.requested)) {
+        reader = std::make_unique<RandomRowReader>(std::move(*cached), rows);
+    } else if (const auto count = featureCount(); count && *count <= rows) {
+        reader = startCollectedScan(query.requested);
+    } else {
+        reader = source_->sample(query.requested, rows);
+    }
+    return makeCursor(query, std::move(reader), nullptr);
 }
 
 std::unique_ptr<dp::Cursor> LayerReader::openById(const Query& query, std::vector<std::int64_t> ids) {

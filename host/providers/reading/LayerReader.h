@@ -22,6 +22,8 @@ public:
     const RowSource& source() const { return *source_; }
 
     std::unique_ptr<dp::Cursor> openCursor(const dp::ScanRequest& request);
+    /// As dp::Table::openSample().
+    std::unique_ptr<dp::SampleCursor> openSample(const std::vector<int>& attributes, std::int64_t rows);
     std::optional<std::int64_t> featureCount();
     BatchCache::TableKey revision();
     bool usesTerm(int attribute, dp::Comparison comparison, dp::TextCollation collation) const;
@@ -47,8 +49,8 @@ private:
     /// Tests these columns and looks the rows that pass up; reads the layer when they are many.
     std::unique_ptr<dp::Cursor> openByTestedColumns(const Query& query);
     std::unique_ptr<dp::Cursor> openFullScan(const Query& query);
-    std::unique_ptr<dp::Cursor> makeCursor(const Query& query, std::unique_ptr<BatchReader> reader,
-                                           std::shared_ptr<const RowFilter> filter);
+    std::unique_ptr<dp::SampleCursor> makeCursor(const Query& query, std::unique_ptr<BatchReader> reader,
+                                                 std::shared_ptr<const RowFilter> filter);
 
     /// Counts look-ups of features; true when keeping their columns in memory has become cheaper.
     bool lookupsCostMoreThanAScan(std::size_t count);

@@ -1,10 +1,13 @@
 #include "host/providers/reading/LayerSource.h"
 
 #include "host/providers/datasets/GdalErrors.h"
+#include "host/providers/reading/OccupiedIds.h"
+#include "platform/utils/Quoting.h"
 
 #include <cpl_string.h>
 #include <cpl_vsi.h>
 
+#include <algorithm>
 #include <limits>
 #include <stdexcept>
 
@@ -104,6 +107,55 @@ std::unique_ptr<BatchReader> LayerSource::scan(const std::vector<int>& attribute
 std::unique_ptr<BatchReader> LayerSource::lookUp(const std::vector<int>& attributes,
                                                  std::vector<std::int64_t> ids) {
     return startLookup(makeScan(attributes), std::move(ids));
+}
+
+std::unique_ptr<BatchReader> LayerSource::sample(const std::vector<int>& attributes, std::int64_t rows) {
+    if (sqlTraits().evaluatesSql) {
+        return sampleByRange(attributes, rows);
+    }
+    auto reader = sampleByNumber(attributes, rows);
+    return reader ? std::move(reader) : RowSource::sample(attributes, rows);
+}
+
+std::unique_ptr<BatchReader> LayerSource::sampleByRange(const std::vector<int>& attributes,
+                                                        std::int64_t rows) {
+    const auto& identifier = sqlTraits().identifier;
+    const auto inTable = std::max<std::int64_t>(1, rowCount().value_or(rows));
+    auto layer = makeScan();
+    const auto ids =
+        occupiedIds(layer.lease.dataset(), utils::sqlIdentifier(std::string_view(OGR_L_GetName(layer.layer))),
+                    identifier, inTable);
+    layer = makeScan(attributes);
+    constexpr double mostPerRow = 8; // where gaps are everywhere, fewer rows come
+    auto runs =
+        randomRuns(ids, rows, std::clamp(lengthOf(ids) / static_cast<double>(inTable), 1.0, mostPerRow));
+    layer.filter = runs.empty() ? "0" : std::string();
+    for (const auto& run : runs) {
+        layer.filter += (layer.filter.empty() ? "(" : " OR (") + identifier +
+                        " >= " + std::to_string(run.low) + " AND " + identifier +
+                        " <= " + std::to_string(run.high) + ")";
+    }
+    return std::make_unique<RunReader>(startScan(std::move(layer)), std::move(runs));
+}
+
+/// Null where the format does not number its rows, or the numbers are not those that were expected.
+std::unique_ptr<BatchReader> LayerSource::sampleByNumber(const std::vector<int>& attributes,
+                                                         std::int64_t rows) {
+    auto scan = makeScan(attributes);
+    const QByteArray driver(GDALGetDriverShortName(GDALGetDatasetDriver(scan.lease.dataset())));
+    const bool numbersRows = driver == "ESRI Shapefile" || driver == "FlatGeobuf" || driver == "MapInfo File";
+    const auto count = rowCount();
+    if (!numbersRows || !count || OGR_L_TestCapability(scan.layer, OLCRandomRead) == 0) {
+        return nullptr;
+    }
+    auto runs = randomRuns({{0, *count - 1}}, rows, 1);
+    std::vector<std::int64_t> ids;
+    for (const auto& run : runs) {
+        for (auto id = run.low; id <= run.high; ++id) {
+            ids.push_back(id);
+        }
+    }
+    return std::make_unique<RunReader>(startLookup(std::move(scan), std::move(ids)), std::move(runs));
 }
 
 void LayerSource::forget() {

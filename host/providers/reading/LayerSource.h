@@ -33,9 +33,14 @@ public:
                                       const std::string& filter) override;
     std::unique_ptr<BatchReader> lookUp(const std::vector<int>& attributes,
                                         std::vector<std::int64_t> ids) override;
+    /// Formats without identifiers or record numbers that are found fast (GeoJSON, GML, ...) give their first
+    /// rows.
+    std::unique_ptr<BatchReader> sample(const std::vector<int>& attributes, std::int64_t rows) override;
     void forget() override;
 
 private:
+    std::unique_ptr<BatchReader> sampleByRange(const std::vector<int>& attributes, std::int64_t rows);
+    std::unique_ptr<BatchReader> sampleByNumber(const std::vector<int>& attributes, std::int64_t rows);
     LayerScan makeScan(const std::vector<int>& attributes = {});
     const SqlTraits& sqlTraits();
 

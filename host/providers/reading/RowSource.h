@@ -59,6 +59,9 @@ public:
     /// Reads the rows with these identifiers, ascending; those that do not exist are left out.
     virtual std::unique_ptr<BatchReader> lookUp(const std::vector<int>& attributes,
                                                 std::vector<std::int64_t> ids) = 0;
+    /// Reads about so many rows, ascending, each as likely as the other where the format finds rows fast: a
+    /// batch for each run of rows that follow each other. Else the first ones.
+    virtual std::unique_ptr<BatchReader> sample(const std::vector<int>& attributes, std::int64_t rows);
     /// The file has changed, or is about to be.
     virtual void forget() = 0;
 };
