@@ -137,6 +137,10 @@
         <translation>R-tree of the geometry (%0)</translation>
     </message>
     <message>
+        <source>пространственный индекс файла</source>
+        <translation>spatial index of the file</translation>
+    </message>
+    <message>
         <source>просмотр всей таблицы: у геометрий разные системы координат</source>
         <translation>scan of the whole table: the geometries have different coordinate systems</translation>
     </message>

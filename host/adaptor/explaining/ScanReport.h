@@ -43,10 +43,11 @@ enum class Access : std::uint8_t {
     RowNumber,
     AttributeIndex,
     SpatialIndex,
+    SourceSpatialIndex,
     Relation,
     Memory ///< rows kept for a scan that is made again and again
 };
-constexpr std::size_t accessCount = 7;
+constexpr std::size_t accessCount = 8;
 
 /// How one table of a statement was answered. The inner table of a join is scanned many times.
 struct ScanReport {

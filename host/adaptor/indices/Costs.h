@@ -20,6 +20,13 @@ constexpr double patternTest = 200;
 /// Of a row that is compared with the first ones in order.
 constexpr double sortedRow = 100;
 
+/// Of looking up by place in a spatial index of the file, and of a row that comes from there: reading,
+/// decoding and testing it.
+constexpr double sourceLookup = 150'000;
+constexpr double testedRow = 2000;
+/// Of making the R-tree: each row.
+constexpr double treeRow = 400;
+
 /// Of making an index: the storage, and each row by the kind of the column.
 constexpr double storage = 1e6;
 constexpr double indexedNumber = 700;

@@ -100,6 +100,16 @@ std::optional<bool> holdsOnPosition(SpatialRelation relation, const geometry::Ge
     }
 }
 
+/// Of two in one coordinate system.
+bool holdsInPlace(SpatialRelation relation, const geometry::Geometry& a, const geometry::Geometry& b) {
+    if (const auto* position = dynamic_cast<const geometry::Point*>(&b); position && !position->isEmpty()) {
+        if (const auto known = holdsOnPosition(relation, a, position->x(), position->y())) {
+            return *known;
+        }
+    }
+    return adaptor::holds(relation, a, b);
+}
+
 Box boxOf(const geometry::Envelope& envelope) {
     return {Corner(envelope.minX, envelope.minY), Corner(envelope.maxX, envelope.maxY)};
 }
@@ -160,6 +170,18 @@ bool holds(SpatialRelation relation, const geometry::Geometry& a, const geometry
     case SpatialRelation::Near: return true;
     }
     return false;
+}
+
+bool holds(SpatialRelation relation, std::string_view wkb,
+           const std::shared_ptr<cs::CoordSystem>& coordSystem, const geometry::Geometry& b) {
+    double x = 0, y = 0;
+    if (readPosition(wkb, x, y)) {
+        if (const auto known = holdsForPosition(relation, x, y, b)) {
+            return *known;
+        }
+    }
+    const GeometryPtr a = decodeWkb(wkb, coordSystem);
+    return a && holdsInPlace(relation, *a, b);
 }
 
 SpatialIndex::~SpatialIndex() = default;
@@ -251,16 +273,7 @@ bool SpatialIndex::holds(SpatialRelation relation, const Candidate& candidate, c
         }
     }
     const GeometryPtr a = geometryOf(candidate, table);
-    if (!a) {
-        return false;
-    }
-    if (const auto* position = dynamic_cast<const geometry::Point*>(b.get());
-        position && !position->isEmpty()) {
-        if (const auto known = holdsOnPosition(relation, *a, position->x(), position->y())) {
-            return *known;
-        }
-    }
-    return adaptor::holds(relation, *a, *b);
+    return a && holdsInPlace(relation, *a, *b);
 }
 
 void SpatialIndex::search(SpatialRelation relation, const GeometryPtr& b, dp::Table& table,

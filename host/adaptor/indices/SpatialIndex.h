@@ -84,6 +84,10 @@ private:
 /// The geometry of a cell; null when the bytes are none.
 geometry::GeometryPtr decodeWkb(std::string_view wkb, const std::shared_ptr<cs::CoordSystem>& coordSystem);
 
+/// Whether relation(a, b) holds of the geometry of a cell, both in one coordinate system, or one without.
+bool holds(SpatialRelation relation, std::string_view wkb,
+           const std::shared_ptr<cs::CoordSystem>& coordSystem, const geometry::Geometry& b);
+
 /// Whether relation(a, b) holds, whatever the coordinate systems of the two.
 bool holds(SpatialRelation relation, const geometry::Geometry& a, const geometry::Geometry& b);
 

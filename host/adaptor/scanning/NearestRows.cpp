@@ -51,7 +51,8 @@ NearestRows::NearestRows(VirtualTable& table, const dp::ScanRequest& request,
         attributes.push_back(geometryAttribute_);
     }
     if (isLooked && !centre_->isEmpty()) { // to which no row has a distance
-        search_.emplace(table_.spatialIndex(cancellation_), table_.table(), *centre_, asked_, wanted);
+        search_.emplace(table_.spatialIndexing().tree(table_.table(), cancellation_), table_.table(),
+                        *centre_, asked_, wanted);
     }
 }
 

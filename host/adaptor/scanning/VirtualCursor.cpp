@@ -9,8 +9,6 @@
 #include <orvane/engine/NearnessBlob.h>
 #include <orvane/engine/SpatialiteBlob.h>
 
-#include <QElapsedTimer>
-
 #include <algorithm>
 #include <cmath>
 #include <optional>
@@ -168,20 +166,28 @@ bool VirtualCursor::readRelation(sqlite3_value* value) {
             return false; // no relation to anything here
         }
     }
-    auto& ids = request_.ids.emplace();
-    spatialIndex().search(*plan_.relation, related, table_.table(), ids);
-    return !ids.empty();
+    if (table_.spatialIndexing().find(*plan_.relation, related, table_.table(), request_, cancellation_)) {
+        return !request_.ids->empty();
+    }
+    testOnEachRow(related);
+    isInPlace_ = true;
+    return true;
+}
+
+void VirtualCursor::testOnEachRow(const GeometryPtr& related) {
+    related_ = related;
+    isInPlace_ = false;
+    auto& attributes = request_.attributes;
+    if (std::find(attributes.begin(), attributes.end(), geometryAttribute_) == attributes.end()) {
+        attributes.push_back(geometryAttribute_);
+    }
 }
 
 /// A relation in the value's coordinate system, to be tested row by row: of the rows that can stand in it, as
 /// far as envelopes tell. An edge is straight in one of the two systems only, so that of what is more than a
 /// position only vertices, and the centroid, can be told to lie in an envelope.
 bool VirtualCursor::readElsewhere(const GeometryPtr& related) {
-    related_ = related;
-    auto& attributes = request_.attributes;
-    if (std::find(attributes.begin(), attributes.end(), geometryAttribute_) == attributes.end()) {
-        attributes.push_back(geometryAttribute_);
-    }
+    testOnEachRow(related);
     const SpatialRelation relation = *plan_.relation;
     const bool holdsVertices = relation == SpatialRelation::Within ||
                                relation == SpatialRelation::CoveredBy ||
@@ -190,14 +196,13 @@ bool VirtualCursor::readElsewhere(const GeometryPtr& related) {
     if (envelope.isEmpty()) {
         return false;
     }
-    if (holdsVertices || spatialIndex().arePositions()) {
+    SpatialIndexing& indexing = table_.spatialIndexing();
+    if (holdsVertices || indexing.tree(table_.table(), cancellation_).arePositions()) {
         if (const auto here = geometry::envelopeIn(*coordSystem_, envelope, *related->coordSystem())) {
-            auto& ids = request_.ids.emplace();
-            spatialIndex().searchEnvelope(*here, ids);
-            return !ids.empty();
+            indexing.findInEnvelope(*here, table_.table(), request_, cancellation_);
         }
     }
-    return true;
+    return !request_.ids || !request_.ids->empty();
 }
 
 GeometryPtr VirtualCursor::centreOf(const engine::NearnessBlob& nearness) {
@@ -222,23 +227,8 @@ bool VirtualCursor::readNearness(sqlite3_value* value) {
     if (!centre) {
         return false; // has no distance to anything
     }
-    std::vector<dp::FeatureId> found;
-    if (spatialIndex().searchNear(*centre, asked->asked, table_.table(), found)) {
-        request_.ids = std::move(found);
-        return !request_.ids->empty();
-    }
-    return true;
-}
-
-SpatialIndex& VirtualCursor::spatialIndex() {
-    if (!report_ || table_.hasSpatialIndex()) {
-        return table_.spatialIndex(cancellation_);
-    }
-    QElapsedTimer timer;
-    timer.start();
-    SpatialIndex& index = table_.spatialIndex(cancellation_);
-    report_->makingMs = static_cast<double>(timer.nsecsElapsed()) / 1e6;
-    return index;
+    table_.spatialIndexing().findNear(*centre, asked->asked, table_.table(), request_, cancellation_);
+    return !request_.ids || !request_.ids->empty();
 }
 
 bool VirtualCursor::readOperands(sqlite3_value* value, dp::ScanTerm& term) {
@@ -255,6 +245,7 @@ bool VirtualCursor::readOperands(sqlite3_value* value, dp::ScanTerm& term) {
 
 bool VirtualCursor::readArguments(std::span<sqlite3_value*> arguments) {
     request_.ids.reset();
+    request_.window.reset();
     related_.reset();
     request_.limit = -1;
     std::size_t next = 0;
@@ -321,7 +312,7 @@ void VirtualCursor::openRows(std::span<sqlite3_value*> arguments) {
     }
     if (origin_ && plan_.byDistance != ScanPlan::ByDistance::None) {
         openByDistance();
-    } else if (request_.ids || related_) {
+    } else if (request_.ids || related_ || request_.window) {
         scan_ = table_.table().openCursor(request_);
         rows_ = scan_.get();
     } else {
@@ -357,9 +348,6 @@ void VirtualCursor::openByDistance() {
     const bool isLooked = plan_.byDistance == ScanPlan::ByDistance::Looked;
     const std::size_t wanted = request_.limit >= 0 ? static_cast<std::size_t>(request_.limit) : likelyWanted;
     request_.limit = -1;
-    if (isLooked) {
-        spatialIndex(); // tells the report
-    }
     auto nearest = std::make_unique<NearestRows>(table_, request_, origin_, originMeasure_, wanted, isLooked,
                                                  cancellation_);
     nearest_ = nearest.get();
@@ -422,14 +410,16 @@ void VirtualCursor::startOrdered() {
 void VirtualCursor::report() {
     ScanReport& report = *report_;
     const auto note = [&report](Access access) { ++report.scansBy(access); };
-    if (related_ && !request_.ids) {
+    if (related_ && !request_.ids && !request_.window) {
         note(Access::Relation);
     } else if (!rows_ && !request_.ids) {
         ++report.emptyScans;
     } else if (plan_.looksUpRowNumbers()) {
         note(Access::RowNumber);
     } else if (plan_.relation || (nearest_ && plan_.byDistance == ScanPlan::ByDistance::Looked)) {
-        note(Access::SpatialIndex);
+        const SpatialIndexing::Use& use = table_.spatialIndexing().lastUse();
+        note(use.isOfTable ? Access::SourceSpatialIndex : Access::SpatialIndex);
+        report.makingMs = use.makingMs ? use.makingMs : report.makingMs;
     } else if (rows_ && !scan_) {
         note(Access::Memory);
     } else if (isInIndexOrder_) {
@@ -447,6 +437,9 @@ void VirtualCursor::report() {
 }
 
 bool VirtualCursor::accepts() {
+    if (request_.window) {
+        table_.spatialIndexing().countRow();
+    }
     if (!filter_.isEmpty() && !filter_.accepts(*rows_)) {
         return false;
     }
@@ -454,6 +447,10 @@ bool VirtualCursor::accepts() {
         return true;
     }
     const dp::Cell cell = rows_->cell(geometryAttribute_);
+    if (isInPlace_) {
+        return cell.type() == dp::CellType::Wkb &&
+               holds(*plan_.relation, cell.view(), coordSystem_, *related_);
+    }
     const GeometryPtr own = cell.type() == dp::CellType::Wkb ? decodeWkb(cell.view(), coordSystem_) : nullptr;
     return own && holds(*plan_.relation, *own, *related_);
 }

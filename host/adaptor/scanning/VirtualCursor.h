@@ -49,7 +49,8 @@ private:
     bool readNearness(sqlite3_value* value);
     geometry::GeometryPtr centreOf(const engine::NearnessBlob& nearness);
     void readOrigin(sqlite3_value* value);
-    SpatialIndex& spatialIndex();
+    /// Has the plan's relation to a geometry tested on each row.
+    void testOnEachRow(const geometry::GeometryPtr& related);
     bool accepts();
     /// Opens the rows that can match, if there can be any.
     void openRows(std::span<sqlite3_value*> arguments);
@@ -69,6 +70,7 @@ private:
     dp::ScanRequest request_;
     TermFilter filter_;
     geometry::GeometryPtr related_; ///< set when each row's relation to it has to be tested
+    bool isInPlace_ = false;        ///< it is in the table's coordinate system
     geometry::GeometryPtr origin_;  ///< of distances; null where they are all NULL
     geometry::Nearness originMeasure_;
     NearestRows* nearest_ = nullptr; ///< scan_, where its rows come by their distance

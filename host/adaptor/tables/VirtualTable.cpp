@@ -32,15 +32,6 @@ dp::Table& VirtualTable::table() const {
     return *table_;
 }
 
-SpatialIndex& VirtualTable::spatialIndex(const work::Cancellation& cancellation) {
-    if (!hasSpatialIndex()) {
-        const std::uint64_t revision = table().revision();
-        spatialIndex_ = std::make_unique<SpatialIndex>(table(), cancellation);
-        spatialIndexRevision_ = revision;
-    }
-    return *spatialIndex_;
-}
-
 void VirtualTable::numberRows(const work::Cancellation& cancellation) {
     const std::uint64_t revision = table().revision();
     if (numberedRevision_ == revision) {

@@ -2,7 +2,7 @@
 
 #include "host/adaptor/declaration/TableDeclaration.h"
 #include "host/adaptor/indices/AttributeIndexing.h"
-#include "host/adaptor/indices/SpatialIndex.h"
+#include "host/adaptor/indices/SpatialIndexing.h"
 
 #include "platform/dp/Table.h"
 #include <orvane/engine/TableManagement.h>
@@ -41,11 +41,6 @@ public:
     /// they read from.
     void detach();
 
-    /// Whether the spatial index of the table as it is now is there already.
-    bool hasSpatialIndex() const { return spatialIndex_ && spatialIndexRevision_ == table().revision(); }
-    /// The spatial index of the table as it is now, made when first asked for.
-    SpatialIndex& spatialIndex(const work::Cancellation& cancellation);
-
     /// Gives every row of the table as it is now its row number, in the table's order.
     void numberRows(const work::Cancellation& cancellation);
     /// The row of that number; invalid when none has it once all rows are numbered.
@@ -54,6 +49,9 @@ public:
     /// The attribute indices of the table.
     AttributeIndexing& indexing() { return indexing_; }
     const AttributeIndexing& indexing() const { return indexing_; }
+    /// What finds its rows by the place of their geometries.
+    SpatialIndexing& spatialIndexing() { return spatialIndexing_; }
+    const SpatialIndexing& spatialIndexing() const { return spatialIndexing_; }
 
 private:
     QString name_;
@@ -61,8 +59,7 @@ private:
     TableDeclaration declaration_;
     engine::EngineCache& cache_;
     AttributeIndexing indexing_;
-    std::unique_ptr<SpatialIndex> spatialIndex_;
-    std::uint64_t spatialIndexRevision_ = 0;
+    SpatialIndexing spatialIndexing_;
     std::optional<std::uint64_t> numberedRevision_; ///< of the table when all its rows were numbered
 };
 

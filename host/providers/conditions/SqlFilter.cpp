@@ -1,5 +1,6 @@
 #include "host/providers/conditions/SqlFilter.h"
 
+#include "host/providers/conditions/SqlNumber.h"
 #include "host/providers/datasets/GdalErrors.h"
 #include "host/providers/datasets/GdalHandles.h"
 #include "platform/utils/Quoting.h"
@@ -8,7 +9,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 
 namespace orvane::files {
 
@@ -16,21 +16,6 @@ namespace {
 
 /// Longer lists are replaced by the range they span; the cursor tests the values anyway.
 constexpr std::size_t mostRanges = 64;
-
-std::string sqlNumber(std::int64_t value) {
-    // The least integer has no literal of its own: 9223372036854775808 would be read as a real.
-    return value == std::numeric_limits<std::int64_t>::min() ? "(-9223372036854775807 - 1)"
-                                                             : std::to_string(value);
-}
-
-std::string sqlNumber(double value) {
-    if (std::isinf(value)) {
-        return value > 0 ? "9e999" : "-9e999";
-    }
-    char text[40];
-    std::snprintf(text, sizeof text, "%.17e", value);
-    return text;
-}
 
 /// Stored fractions in a column of integers are read without their fraction: 5.7 counts as 5, -0.3 as 0.
 std::string sqlRange(const std::string& name, dp::Range<std::int64_t> range) {
@@ -140,13 +125,6 @@ SqlTraits sqlTraitsOf(GDALDatasetH dataset, OGRLayerH layer, const LayerSchema& 
         traits.isIndexed[i] = column.source == LayerColumn::Source::FeatureId ||
                               indexed.contains(QByteArray::fromStdString(column.name));
     }
-    if (driver == "GPKG" && OGR_L_TestCapability(layer, OLCFastSpatialFilter)) {
-        const std::string rtree = "rtree_" + table + "_" + OGR_L_GetGeometryColumn(layer);
-        if (!queryColumn(dataset, "SELECT 1 FROM sqlite_master WHERE name = " + utils::sqlText(rtree))
-                 .isEmpty()) {
-            traits.spatialIndex = utils::sqlIdentifier(rtree);
-        }
-    }
     return traits;
 }
 
@@ -177,12 +155,6 @@ std::optional<std::string> sqlOfCondition(const LayerColumn& column, ValueClass 
         *text += " OR " + name + " IS NULL";
     }
     return text ? std::optional("(" + *text + ")") : std::nullopt;
-}
-
-std::string sqlOfWindow(const SqlTraits& traits, const geometry::Envelope& window) {
-    return traits.identifier + " IN (SELECT id FROM " + traits.spatialIndex +
-           " WHERE maxx >= " + sqlNumber(window.minX) + " AND minx <= " + sqlNumber(window.maxX) +
-           " AND maxy >= " + sqlNumber(window.minY) + " AND miny <= " + sqlNumber(window.maxY) + ")";
 }
 
 } // namespace orvane::files

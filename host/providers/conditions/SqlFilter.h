@@ -17,7 +17,6 @@ namespace orvane::files {
 struct SqlTraits {
     bool evaluatesSql = false;
     std::string identifier;      ///< name of the identifier column
-    std::string spatialIndex;    ///< name of the R-tree, empty for none
     std::vector<bool> isIndexed; ///< per attribute: an index of the file begins with it
 };
 
@@ -28,9 +27,5 @@ SqlTraits sqlTraitsOf(GDALDatasetH dataset, OGRLayerH layer, const LayerSchema& 
 /// let through, as the driver turns them into something.
 std::optional<std::string> sqlOfCondition(const LayerColumn& column, ValueClass valueClass,
                                           const dp::Condition& condition);
-
-/// Rows whose bounding box in the R-tree meets the window. (OGR's own spatial filter tests the exact shape:
-/// it would leave out the U around a window, whose bounding box meets it.)
-std::string sqlOfWindow(const SqlTraits& traits, const geometry::Envelope& window);
 
 } // namespace orvane::files

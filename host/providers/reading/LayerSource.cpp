@@ -73,7 +73,17 @@ bool LayerSource::findsRows() {
 }
 
 bool LayerSource::hasSpatialIndex() {
-    return schema_->schema->geometryIndex() >= 0 && !sqlTraits().spatialIndex.empty();
+    return schema_->schema->geometryIndex() >= 0 && spatialIndex().has_value();
+}
+
+/// None while edits have not been written: what drivers put off until then, its triggers cannot tell.
+const std::optional<SqlSpatialIndex>& LayerSource::spatialIndex() {
+    if (!spatialIndex_) {
+        const auto scan = makeScan();
+        spatialIndex_ =
+            scan.lease.isShared() ? std::nullopt : spatialIndexOf(scan.lease.dataset(), scan.layer);
+    }
+    return *spatialIndex_;
 }
 
 std::optional<RowSource::Filter> LayerSource::filterOf(const std::vector<Test>& tests,
@@ -82,7 +92,8 @@ std::optional<RowSource::Filter> LayerSource::filterOf(const std::vector<Test>& 
     if ((!asksWindow && tests.empty()) || !sqlTraits().evaluatesSql) {
         return std::nullopt;
     }
-    Filter filter{asksWindow ? sqlOfWindow(sqlTraits(), *window) : std::string(), asksWindow};
+    Filter filter{asksWindow ? sqlOfWindow(*spatialIndex(), sqlTraits().identifier, *window) : std::string(),
+                  asksWindow};
     for (const auto& test : tests) {
         const auto position = static_cast<std::size_t>(test.attribute);
         const auto text =
@@ -161,6 +172,7 @@ std::unique_ptr<BatchReader> LayerSource::sampleByNumber(const std::vector<int>&
 void LayerSource::forget() {
     pool_->discardHandles();
     sqlTraits_.reset();
+    spatialIndex_.reset();
     rowCount_.reset();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/providers/conditions/SqlFilter.h"
+#include "host/providers/conditions/SqlSpatialIndex.h"
 #include "host/providers/datasets/DatasetPool.h"
 #include "host/providers/reading/LayerScan.h"
 #include "host/providers/reading/RowSource.h"
@@ -43,13 +44,15 @@ private:
     std::unique_ptr<BatchReader> sampleByNumber(const std::vector<int>& attributes, std::int64_t rows);
     LayerScan makeScan(const std::vector<int>& attributes = {});
     const SqlTraits& sqlTraits();
+    const std::optional<SqlSpatialIndex>& spatialIndex();
 
     const std::shared_ptr<DatasetPool> pool_;
     const int layerIndex_;
     const QByteArray layerName_;
     const std::shared_ptr<const LayerSchema> schema_;
     std::optional<SqlTraits> sqlTraits_;
-    std::optional<std::int64_t> rowCount_; ///< -1 when the driver does not know
+    std::optional<std::optional<SqlSpatialIndex>> spatialIndex_; ///< once it was looked for
+    std::optional<std::int64_t> rowCount_;                       ///< -1 when the driver does not know
 };
 
 } // namespace orvane::files
