@@ -40,16 +40,44 @@ CoordSystemPtr coordSystemArgument(sqlite3_context* context, sqlite3_value** val
     return named;
 }
 
-/// What transformBlob did last on this thread: where a statement uses a column of a derived table in several
-/// places, SQLite asks for the same value there, one after another.
+/// What transformBlob did last in a statement: rows have the systems of the row before, and where a column of
+/// a derived table is used in several places, SQLite asks for the same value there, one after another.
 struct LastTransformation {
+    static constexpr int numberInStatement = -20263;
     static constexpr std::size_t longestInput = std::size_t(1) << 20;
 
     CoordSystemPtr source;
+    int sourceCode = 0; ///< 0 where no code of the blob told the source
     CoordSystemPtr target;
+    std::shared_ptr<const cs::Transformer> transformer; ///< null: none is needed, or there is none
     std::string input;
     std::string output; ///< empty where a position has no image
 };
+
+/// The systems of a blob and the way between them; false where the source is not known.
+template<typename Systems>
+bool prepareTransformation(LastTransformation& last, EngineCache& cache, const SpatialiteHeader& header,
+                           const CoordSystemPtr& target, bool hasDefault, const Systems& systems) {
+    if (last.sourceCode > 0 && last.sourceCode == header.srid && last.target == target) {
+        return true;
+    }
+    CoordSystemPtr source = header.srid > 0 ? cache.get(header.srid) : nullptr;
+    const int sourceCode = source ? header.srid : 0;
+    if (!source && hasDefault) {
+        source = systems(2);
+    }
+    if (!source) {
+        return false;
+    }
+    if (last.source != source || last.target != target) {
+        last = {};
+        last.transformer = source->equals(*target) ? nullptr : cs::Transformer::between(*source, *target);
+        last.source = std::move(source);
+        last.target = target;
+    }
+    last.sourceCode = sourceCode;
+    return true;
+}
 
 /// Reprojects the coordinates of a SpatiaLite blob where they stand, without a geometry object. False when
 /// this way does not apply. `systems(position)`: the systems that the arguments name, the target and that of
@@ -67,25 +95,17 @@ bool transformBlob(sqlite3_context* context, int count, sqlite3_value** values, 
     if (!target) {
         return false;
     }
-    CoordSystemPtr source = header->srid > 0 ? cache->get(header->srid) : nullptr;
-    if (!source && count > 2) {
-        source = systems(2);
-    }
-    if (!source) {
+    auto& last = ofStatement<LastTransformation>(context);
+    if (!prepareTransformation(last, *cache, *header, target, count > 2, systems) || !last.transformer) {
         return false;
     }
-    thread_local LastTransformation last;
-    if (last.input != blob || last.target != target || last.source != source) {
+    if (last.input != blob) {
         last.input.clear();
         last.output.clear();
-        const auto transformer =
-            source->equals(*target) ? nullptr : cs::Transformer::between(*source, *target);
-        if (!transformer || appendTransformedBlob(*header, *transformer, target->epsg(), last.output) ==
-                                BlobTransformation::NotLinear) {
+        if (appendTransformedBlob(*header, *last.transformer, target->epsg(), last.output) ==
+            BlobTransformation::NotLinear) {
             return false;
         }
-        last.source = source;
-        last.target = target;
         last.input = blob.size() <= LastTransformation::longestInput ? blob : std::string_view();
     }
     if (!last.output.empty()) {

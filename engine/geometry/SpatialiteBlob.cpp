@@ -30,9 +30,18 @@ struct PartsVisitor : geometry::GeometryVisitor {
     bool isInside = false;
 };
 
+bool isPoint(const SpatialiteHeader& header) {
+    const auto dimensions = dimensionsOf(header.kind);
+    return header.kind % 1000 == Point && dimensions &&
+           header.content.size() == strideOf(*dimensions) * sizeof(double);
+}
+
 /// Whether the content of a plain kind is sound; `visit(const PositionRun&)` may end it.
 template<typename Visit>
 bool walk(const SpatialiteHeader& header, Visit visit) {
+    if (isPoint(header)) { // a short way for the usual rows
+        return visit({header.content.data(), 1, *dimensionsOf(header.kind), header.littleEndian, false});
+    }
     PartsVisitor<Visit> visitor(std::move(visit));
     geometry::GeometryWalker<geometry::Framing::Spatialite, PartsVisitor<Visit>> walker(
         header.content, visitor, header.littleEndian);
@@ -104,21 +113,17 @@ std::optional<SpatialiteHeader> readSpatialiteHeader(std::string_view blob) {
     SpatialiteHeader header;
     header.littleEndian = order == 1;
     header.srid = readNumber<qint32>(blob.data() + 2, header.littleEndian);
-    double* const sides[4] = {&header.envelope.minX, &header.envelope.minY, &header.envelope.maxX,
-                              &header.envelope.maxY};
-    for (std::size_t i = 0; i < 4; ++i) {
-        *sides[i] =
-            readNumber<double>(blob.data() + envelopeOffset + i * sizeof(double), header.littleEndian);
-    }
+    double sides[4];
+    header.littleEndian ? qFromLittleEndian<double>(blob.data() + envelopeOffset, 4, sides)
+                        : qFromBigEndian<double>(blob.data() + envelopeOffset, 4, sides);
+    header.envelope = {sides[0], sides[1], sides[2], sides[3]};
     header.kind = readNumber<quint32>(blob.data() + bodyOffset, header.littleEndian);
     header.content = blob.substr(bodyOffset + kindSize, blob.size() - bodyOffset - kindSize - 1);
     return header;
 }
 
 bool spatialiteBlobPoint(const SpatialiteHeader& header, double& x, double& y) {
-    const auto dimensions = dimensionsOf(header.kind);
-    if (header.kind % 1000 != Point || !dimensions ||
-        header.content.size() != strideOf(*dimensions) * sizeof(double)) {
+    if (!isPoint(header)) {
         return false;
     }
     x = readNumber<double>(header.content.data(), header.littleEndian);

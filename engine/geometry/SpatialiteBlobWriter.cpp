@@ -139,7 +139,33 @@ void spatialite::putHeader(char* target, int srid, const Envelope& envelope) {
     target[bodyOffset - 1] = envelopeMark;
 }
 
+namespace {
+
+/// A short way for the usual rows of tables: a point of x and y in the byte order of blobs, whose kind and
+/// position stand in the blob as they are.
+bool appendPoint(std::string_view wkb, int srid, std::string& out) {
+    constexpr std::string_view head("\1\1\0\0\0", 1 + kindSize);
+    constexpr std::size_t positionSize = 2 * sizeof(double);
+    if (wkb.size() != head.size() + positionSize || wkb.substr(0, head.size()) != head) {
+        return false;
+    }
+    const std::size_t start = out.size();
+    out.resize(start + sizeBeyondWkb + wkb.size());
+    char* const target = out.data() + start;
+    std::memcpy(target + bodyOffset, wkb.data() + 1, wkb.size() - 1);
+    out.back() = endMark;
+    Envelope envelope;
+    geometry::PositionRun{wkb.data() + head.size(), 1, Dimensions::XY, true, false}.addTo(envelope);
+    putHeader(target, srid, envelope);
+    return true;
+}
+
+} // namespace
+
 bool appendSpatialiteBlob(std::string_view isoWkb, int srid, std::string& out) {
+    if (appendPoint(isoWkb, srid, out)) {
+        return true;
+    }
     const std::size_t start = out.size();
     if (isoWkb.size() > static_cast<std::size_t>(std::numeric_limits<int>::max()) - sizeBeyondWkb) {
         return false;

@@ -2,6 +2,7 @@
 
 #include "platform/cs/CoordSystemImpl.h"
 
+#include <algorithm>
 #include <cmath>
 #include <map>
 #include <numbers>
@@ -94,9 +95,16 @@ Transformer::Transformer(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {}
 Transformer::~Transformer() = default;
 
 bool Transformer::transform(double* positions, std::size_t count, std::size_t stride, bool hasZ) const {
-    const std::size_t step = stride * sizeof(double);
-    proj_trans_generic(impl_->operation.get(), PJ_FWD, positions, step, count, positions + 1, step, count,
-                       hasZ ? positions + 2 : nullptr, hasZ ? step : 0, hasZ ? count : 0, nullptr, 0, 0);
+    PJ* const operation = impl_->operation.get();
+    if (count == 1) { // what the other call does, without its strides
+        const PJ_COORD image = proj_trans(
+            operation, PJ_FWD, proj_coord(positions[0], positions[1], hasZ ? positions[2] : 0.0, 0.0));
+        std::copy_n(image.v, hasZ ? 3 : 2, positions);
+    } else {
+        const std::size_t step = stride * sizeof(double);
+        proj_trans_generic(operation, PJ_FWD, positions, step, count, positions + 1, step, count,
+                           hasZ ? positions + 2 : nullptr, hasZ ? step : 0, hasZ ? count : 0, nullptr, 0, 0);
+    }
     bool complete = true;
     for (std::size_t i = 0; i < count; ++i) {
         double* position = positions + i * stride;

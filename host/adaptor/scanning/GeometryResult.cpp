@@ -20,8 +20,11 @@ GeometryResult::GeometryResult(std::shared_ptr<cs::CoordSystem> coordSystem, eng
 }
 
 void GeometryResult::set(sqlite3_context* context, std::string_view wkb) {
-    blob_.clear();
-    if (spatialite_ && engine::appendSpatialiteBlob(wkb, srid_, blob_)) {
+    if (!isMade_) {
+        blob_.clear();
+        isMade_ = spatialite_ && engine::appendSpatialiteBlob(wkb, srid_, blob_);
+    }
+    if (isMade_) {
         sqlite3_result_blob64(context, blob_.data(), blob_.size(), SQLITE_TRANSIENT);
         return;
     }

@@ -21,7 +21,10 @@ class GeometryResult {
 public:
     GeometryResult(std::shared_ptr<cs::CoordSystem> coordSystem, engine::EngineCache& cache);
 
-    /// Sets the result to the blob, or to NULL when the bytes are no geometry.
+    /// For another row: its geometry is another one.
+    void forgetRow() { isMade_ = false; }
+    /// Sets the result to the blob, or to NULL when the bytes are no geometry. Asked again for the row, as by
+    /// every function of the statement that takes the geometry, it makes nothing anew.
     void set(sqlite3_context* context, std::string_view wkb);
 
 private:
@@ -29,6 +32,7 @@ private:
     engine::EngineCache& cache_;
     int srid_ = 0;           ///< of the SpatiaLite blobs
     bool spatialite_ = true; ///< the coordinate system has a code, or there is none
+    bool isMade_ = false;    ///< blob_ is the row's
     std::string blob_;       ///< reused from row to row
 };
 

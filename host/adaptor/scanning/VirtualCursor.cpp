@@ -456,6 +456,7 @@ bool VirtualCursor::accepts() {
 }
 
 int VirtualCursor::next() {
+    geometry_.forgetRow();
     if (ordered_) {
         rows_ = rows_->next() ? rows_ : nullptr;
         return SQLITE_OK;
