@@ -6,6 +6,8 @@
 
 #include <QtEndian>
 
+#include <boost/sort/spreadsort/integer_sort.hpp>
+
 #include <algorithm>
 #include <bit>
 #include <functional>
@@ -154,7 +156,7 @@ std::size_t ValueRanks::slotOf(const Cell& value) const {
 
 void ValueRanks::growSlots() {
     constexpr std::size_t fewestSlots = 64;
-    slots_.assign(std::max(fewestSlots, slots_.size() * 2), 0);
+    slots_.assign(std::max(fewestSlots, std::bit_ceil(values_.size() * 2 + 1)), 0);
     for (Code code = 1; code < values_.size(); ++code) {
         slots_[slotOf(normalForm(values_[code]))] = code;
     }
@@ -163,6 +165,13 @@ void ValueRanks::growSlots() {
 ValueRanks::Code ValueRanks::add(const Cell& value, ByteArena& texts) {
     if (isNull(value)) {
         return 0;
+    }
+    if (areIntegers_) {
+        if (value.type() == CellType::Integer) {
+            integers_.push_back(value.integer());
+            return static_cast<Code>(integers_.size());
+        }
+        hashIntegers();
     }
     if (values_.size() * 2 > slots_.size()) {
         growSlots();
@@ -179,13 +188,24 @@ ValueRanks::Code ValueRanks::add(const Cell& value, ByteArena& texts) {
     return code;
 }
 
+void ValueRanks::hashIntegers() {
+    areIntegers_ = false;
+    hasTwins_ = !integers_.empty();
+    std::transform(integers_.begin(), integers_.end(), std::back_inserter(values_), Cell::ofInteger);
+    integers_ = {};
+    growSlots();
+}
+
 /// One of them is a text.
 bool ValueRanks::isLess(const Cell& a, const Cell& b) const {
     return kindOf(a) == kindOf(b) ? compareTexts(a.view(), b.view()) < 0 : kindOf(a) < kindOf(b);
 }
 
-/// Whether different values are equal under the collation.
+/// Whether the values of different codes are equal under the collation.
 bool ValueRanks::isSame(const Cell& a, const Cell& b) const {
+    if (isNumber(a) && isNumber(b)) {
+        return hasTwins_ && isIdentical(normalForm(a), normalForm(b));
+    }
     return a.type() == CellType::Text && b.type() == CellType::Text &&
            collation_ != dp::TextCollation::Binary && compareTexts(a.view(), b.view()) == 0;
 }
@@ -258,14 +278,47 @@ std::vector<ValueRanks::Code> ValueRanks::sortedByComparing(std::vector<Code> te
 }
 
 void ValueRanks::finishForLookups(const work::Cancellation& cancellation) {
-    if (hasTexts_ && collation_ != dp::TextCollation::Binary) {
+    if (areIntegers_ || hasTwins_ || (hasTexts_ && collation_ != dp::TextCollation::Binary)) {
         finishInOrder(cancellation);
     } else {
         rankEnd_ = static_cast<Rank>(values_.size());
     }
 }
 
+void ValueRanks::rankIntegers(const work::Cancellation& cancellation) {
+    const std::size_t count = integers_.size();
+    rankEnd_ = static_cast<Rank>(count + 1);
+    if (std::adjacent_find(integers_.begin(), integers_.end(), std::greater_equal()) == integers_.end()) {
+        return; // each code is its rank, as with numbers of rows
+    }
+    struct Item {
+        std::int64_t value;
+        Code code;
+    };
+    std::vector<Item> items;
+    items.reserve(count);
+    for (const std::int64_t value : integers_) {
+        items.push_back({value, static_cast<Code>(items.size() + 1)});
+    }
+    boost::sort::spreadsort::integer_sort(
+        items.begin(), items.end(), [](const Item& item, unsigned bits) { return item.value >> bits; },
+        work::cancellable(cancellation, [](const Item& a, const Item& b) { return a.value < b.value; }));
+    integers_.clear();
+    ranks_.resize(count + 1);
+    for (const Item& item : items) {
+        if (integers_.empty() || integers_.back() != item.value) {
+            integers_.push_back(item.value);
+        }
+        ranks_[item.code] = static_cast<Rank>(integers_.size());
+    }
+    rankEnd_ = static_cast<Rank>(integers_.size() + 1);
+}
+
 void ValueRanks::finishInOrder(const work::Cancellation& cancellation) {
+    if (areIntegers_) {
+        rankIntegers(cancellation);
+        return;
+    }
     sorted_ = sorted(cancellation);
     ranks_.assign(values_.size(), 0);
     rankEnd_ = 1;
@@ -280,6 +333,14 @@ std::optional<ValueRanks::Rank> ValueRanks::find(const Cell& operand) const {
     const Cell wanted = normalForm(operand);
     if (isNull(wanted)) {
         return 0;
+    }
+    if (areIntegers_) {
+        const auto found = wanted.type() == CellType::Integer
+                               ? std::lower_bound(integers_.begin(), integers_.end(), wanted.integer())
+                               : integers_.end();
+        return found != integers_.end() && *found == wanted.integer()
+                   ? std::optional(static_cast<Rank>(found - integers_.begin() + 1))
+                   : std::nullopt;
     }
     if (const Code code = slots_.empty() ? 0 : slots_[slotOf(wanted)]; code != 0) {
         return rank(code);

@@ -59,15 +59,14 @@ ArrangedRows::ArrangedRows(const std::vector<int>& attributes, const std::vector
 double ArrangedRows::expectedBytes(double rows, std::size_t attributes, std::size_t keys) {
     constexpr double guessedText = 16;
     const auto plain = static_cast<double>(attributes > keys ? attributes - keys : 0);
-    const double perRow = sizeof(dp::FeatureId) + 2 * sizeof(std::uint32_t) +
+    const double perRow = sizeof(std::int64_t) + 2 * sizeof(std::uint32_t) +
                           static_cast<double>(keys) * (RowOrder::bytesPerValue + guessedText) +
                           plain * (sizeof(Value) + guessedText);
     return rows * perRow;
 }
 
 std::size_t ArrangedRows::bytes() const {
-    return ids_.size() * sizeof(dp::FeatureId) + order_.bytes() + values_.size() * sizeof(Value) +
-           bytes_.size();
+    return ids_.bytes() + order_.bytes() + values_.size() * sizeof(Value) + bytes_.size();
 }
 
 ArrangedRows::Value ArrangedRows::kept(const Cell& cell) {
@@ -88,6 +87,12 @@ ArrangedRows::Value ArrangedRows::kept(const Cell& cell) {
     return value;
 }
 
+void ArrangedRows::reserve(std::size_t rows) {
+    order_.reserve(rows);
+    values_.reserve(rows * plain_.size());
+    ids_.reserve(rows);
+}
+
 void ArrangedRows::add(dp::Cursor& row) {
     for (std::size_t key = 0; key < keys_.size(); ++key) {
         order_.add(key, row.cell(keys_[key]), bytes_);
@@ -95,7 +100,29 @@ void ArrangedRows::add(dp::Cursor& row) {
     for (const int attribute : plain_) {
         values_.push_back(kept(row.cell(attribute)));
     }
-    ids_.push_back(row.featureId());
+    ids_.add(row.featureId());
+}
+
+/// Rows in order lie anywhere in memory: without this, every value is waited for.
+void ArrangedRows::fetchAhead(std::uint32_t place, std::uint32_t end) const {
+    constexpr std::uint32_t farPlaces = 16;
+    constexpr std::uint32_t nearPlaces = 8;
+    constexpr std::size_t valuesPerLine = 64 / sizeof(Value);
+    if (end - place <= farPlaces) {
+        return;
+    }
+    const std::size_t width = plain_.size();
+    const std::uint32_t farRow = order_.row(place + farPlaces);
+    order_.fetch(farRow);
+    for (std::size_t i = 0; i < width; i += valuesPerLine) {
+        __builtin_prefetch(values_.data() + farRow * width + i);
+    }
+    const Value* const near = values_.data() + order_.row(place + nearPlaces) * width;
+    for (std::size_t i = 0; i < width; ++i) {
+        if (near[i].type >= CellType::Text) {
+            __builtin_prefetch(near[i].data);
+        }
+    }
 }
 
 Cell ArrangedRows::cell(std::uint32_t place, int attribute) const {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "host/adaptor/rows/RowIds.h"
+
 #include "platform/dp/Cursor.h"
 #include "platform/work/Cancellation.h"
 #include <orvane/engine/rows/ByteArena.h>
@@ -11,7 +13,7 @@
 namespace orvane::adaptor {
 
 /// Rows of a table in memory, arranged by some of their attributes, the keys: in order, or so that the rows
-/// with one value are found at once. Takes for each row 16 bytes and 4 for each key, 16 for each other
+/// with one value are found at once. Takes for each row 12 bytes and 4 for each key, 16 for each other
 /// attribute, besides what texts and geometries take and once the different values of the keys.
 class ArrangedRows {
 public:
@@ -29,6 +31,8 @@ public:
     /// guessed.
     static double expectedBytes(double rows, std::size_t attributes, std::size_t keys);
 
+    /// Takes memory for so many rows at once.
+    void reserve(std::size_t rows);
     /// Copies the current row of a cursor.
     void add(dp::Cursor& row);
     std::size_t rowCount() const { return ids_.size(); }
@@ -44,8 +48,10 @@ public:
     Range all() const { return order_.all(); }
     Range find(const dp::Cell& operand) const { return order_.find(operand); }
 
+    /// Has memory fetch, in two steps, what `cell` will read of places a little further on, before `end`.
+    void fetchAhead(std::uint32_t place, std::uint32_t end) const;
     dp::Cell cell(std::uint32_t place, int attribute) const;
-    const dp::FeatureId& featureId(std::uint32_t place) const { return ids_[order_.row(place)]; }
+    dp::FeatureId featureId(std::uint32_t place) const { return ids_.at(order_.row(place)); }
 
 private:
     /// A value that is no key.
@@ -68,7 +74,7 @@ private:
     std::vector<int> keyOf_;    ///< by attribute: position in keys_
     std::vector<int> plainOf_;  ///< by attribute: position in plain_
     std::vector<Value> values_; ///< row by row
-    std::vector<dp::FeatureId> ids_;
+    RowIds ids_;
     engine::ByteArena bytes_;
     engine::RowOrder order_;
 };
@@ -83,7 +89,12 @@ public:
     }
     bool next() override {
         place_ = next_;
-        return next_ < end_ && ++next_ > 0;
+        if (next_ == end_) {
+            return false;
+        }
+        rows_->fetchAhead(next_, end_);
+        ++next_;
+        return true;
     }
     dp::Cell cell(int attribute) override { return rows_->cell(place_, attribute); }
     dp::FeatureId featureId() override { return rows_->featureId(place_); }

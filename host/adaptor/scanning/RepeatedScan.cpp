@@ -83,6 +83,7 @@ bool RepeatedScan::keep(dp::Table& table, const dp::ScanRequest& request,
         return false;
     }
     ArrangedRows rows(whole.attributes, keys);
+    rows.reserve(static_cast<std::size_t>(count)); // a number that a file can hold, and below the bound
     const auto source = table.openCursor(whole);
     while (source->next()) {
         rows.add(*source);

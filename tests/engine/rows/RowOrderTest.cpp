@@ -60,7 +60,16 @@ public:
         }
     }
 
+    /// The value of a row: of a column that has integers alone in its first rows.
+    Cell ofRow(int row, int integerRows) {
+        return row >= integerRows ? any() : row % 50 == 0 ? Cell() : Cell::ofInteger(integer());
+    }
+
 private:
+    std::int64_t integer() {
+        const auto value = static_cast<std::int64_t>(random_());
+        return value % 3 == 0 ? value % 200 - 100 : value % 3 == 1 ? -value : value << 30;
+    }
     std::string_view text() { return texts_[random_() % texts_.size()]; }
 
     std::mt19937 random_;
@@ -79,23 +88,32 @@ private:
 
 class RowOrderTest : public testing::TestWithParam<const char*> {
 protected:
-    static std::vector<TextCollation> collations() {
-        return GetParam() == std::string_view("C")
-                   ? std::vector{TextCollation::Locale, TextCollation::NoCase, TextCollation::Binary}
-                   : std::vector{TextCollation::Locale};
+    struct Case {
+        TextCollation collation;
+        int integerRows; ///< the first ones
+    };
+    static std::vector<Case> casesOf(int rows) {
+        std::vector<Case> cases{{TextCollation::Locale, 0}, {TextCollation::Locale, rows / 2}};
+        if (GetParam() == std::string_view("C")) {
+            cases.insert(cases.end(), {{TextCollation::NoCase, 0},
+                                       {TextCollation::Binary, 0},
+                                       {TextCollation::Binary, rows / 2},
+                                       {TextCollation::Binary, rows}});
+        }
+        return cases;
     }
 };
 
 TEST_P(RowOrderTest, PutsRowsInTheOrderOfTheirValues) {
     const tests::DefaultLocale guard(GetParam());
-    for (const TextCollation collation : collations()) {
+    for (const auto& [collation, integerRows] : casesOf(6000)) {
         Values values(3);
         const std::vector<RowOrder::Key> keys = {{collation, true}, {collation, false}};
         RowOrder order(keys, LocaleOrder::current());
         ByteArena memory;
         std::vector<std::vector<Cell>> rows;
         for (int row = 0; row < 6000; ++row) {
-            rows.push_back({values.any(), values.any()});
+            rows.push_back({values.ofRow(row, integerRows), values.ofRow(row, integerRows)});
             for (std::size_t key = 0; key < keys.size(); ++key) {
                 order.add(key, rows.back()[key], memory);
             }
@@ -127,18 +145,18 @@ TEST_P(RowOrderTest, PutsRowsInTheOrderOfTheirValues) {
 
 TEST_P(RowOrderTest, FindsWhatIsEqual) {
     const tests::DefaultLocale guard(GetParam());
-    for (const TextCollation collation : collations()) {
+    for (const auto& [collation, integerRows] : casesOf(1000)) {
         Values values(4);
         RowOrder order({{collation, false}}, LocaleOrder::current());
         ByteArena memory;
         std::vector<Cell> rows;
         for (int row = 0; row < 1000; ++row) {
-            rows.push_back(values.any());
+            rows.push_back(values.ofRow(row, integerRows));
             order.add(0, rows.back(), memory);
         }
         EXPECT_EQ(order.arrangeForLookups({}), 0U);
         for (int i = 0; i < 100; ++i) {
-            const Cell wanted = values.any();
+            const Cell wanted = i % 2 == 0 ? values.any() : rows[static_cast<std::size_t>(i) * 9];
             const RowOrder::Range found = order.find(wanted);
             const auto count = std::count_if(rows.begin(), rows.end(), [&](const Cell& cell) {
                 return compare(cell, wanted, collation) == 0;

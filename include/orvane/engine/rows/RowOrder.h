@@ -28,6 +28,12 @@ public:
     /// Texts under Locale are ordered by `locale`.
     RowOrder(const std::vector<Key>& keys, const std::shared_ptr<const LocaleOrder>& locale);
 
+    /// Takes memory for so many rows at once.
+    void reserve(std::size_t rows) {
+        for (Column& column : keys_) {
+            column.codes.reserve(rows);
+        }
+    }
     /// Appends a row; each of its values by a call, key by key. The memory has to stay.
     void add(std::size_t key, const dp::Cell& value, ByteArena& memory);
     std::size_t keyCount() const { return keys_.size(); }
@@ -53,7 +59,13 @@ public:
 
     Range all() const { return {0, static_cast<std::uint32_t>(order_.size())}; }
     std::uint32_t row(std::uint32_t place) const { return order_[place]; }
-    const dp::Cell& value(std::uint32_t row, std::size_t key) const {
+    /// Has memory fetch what `value` will read.
+    void fetch(std::uint32_t row) const {
+        for (const Column& column : keys_) {
+            __builtin_prefetch(column.codes.data() + row);
+        }
+    }
+    dp::Cell value(std::uint32_t row, std::size_t key) const {
         return keys_[key].ranks.value(keys_[key].codes[row]);
     }
 

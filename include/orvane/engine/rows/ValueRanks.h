@@ -16,7 +16,8 @@ namespace orvane::engine {
 
 /// The different values of a column, and their order as SQLite has it: NULL, numbers, texts, bytes. Each
 /// value gets a code when it is added and, once all are there, a rank, which is the same for values that are
-/// equal under the collation.
+/// equal under the collation. Values that are equal have one code, found by hashing; integers alone are
+/// sorted, which is faster.
 class ValueRanks {
 public:
     using Code = std::uint32_t;
@@ -39,7 +40,10 @@ public:
     /// The same with ranks that tell only which values are equal; costs less where these have one code.
     void finishForLookups(const work::Cancellation& cancellation);
 
-    const dp::Cell& value(Code code) const { return values_[code]; }
+    /// Once the ranks are given.
+    dp::Cell value(Code code) const {
+        return areIntegers_ && code != 0 ? dp::Cell::ofInteger(integers_[rank(code) - 1]) : values_[code];
+    }
     Rank rank(Code code) const { return ranks_.empty() ? code : ranks_[code]; }
     /// Ranks go from 0, which is for NULL, to below this.
     Rank rankEnd() const { return rankEnd_; }
@@ -48,7 +52,10 @@ public:
     std::optional<Rank> find(const dp::Cell& operand) const;
 
     /// Bytes taken, about, besides the texts.
-    std::size_t bytes() const { return values_.size() * sizeof(dp::Cell) + slots_.size() * sizeof(Code); }
+    std::size_t bytes() const {
+        return values_.size() * sizeof(dp::Cell) + slots_.size() * sizeof(Code) +
+               integers_.size() * sizeof(std::int64_t);
+    }
 
 private:
     bool isLess(const dp::Cell& a, const dp::Cell& b) const;
@@ -56,6 +63,9 @@ private:
     int compareTexts(std::string_view a, std::string_view b) const {
         return dp::compareTexts(a, b, collation_, locale_.get());
     }
+    /// For a column with other values: hashes the integers as well.
+    void hashIntegers();
+    void rankIntegers(const work::Cancellation& cancellation);
     bool appendKey(const dp::Cell& value, std::string& key) const;
     std::vector<Code> sorted(const work::Cancellation& cancellation) const;
     std::vector<Code> sortedByComparing(std::vector<Code> texts,
@@ -67,6 +77,9 @@ private:
     dp::TextCollation collation_;
     std::shared_ptr<const LocaleOrder> locale_;
     bool hasTexts_ = false;
+    bool areIntegers_ = true;                  ///< all values; they have no slots
+    bool hasTwins_ = false;                    ///< codes with equal values
+    std::vector<std::int64_t> integers_;       ///< by code, from 1 on; once ranks are given, by rank
     std::vector<dp::Cell> values_{dp::Cell()}; ///< by code
     std::vector<Code> slots_;  ///< a hash table of the codes by value, 0 for a free slot; a power of two
     std::vector<Rank> ranks_;  ///< by code; empty when each code is its rank
