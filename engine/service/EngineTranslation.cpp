@@ -77,8 +77,8 @@ bool Engine::tryToTranslate(const sql::ParseResult& statement, engine::SqliteStr
             builder.setTableColumns(
                 [this](const std::wstring& table) { return joinableColumns(internal_->database(), table); });
         }
-        builder.setReadsByDistance([this](const std::wstring& table) {
-            return hasColumn(internal_->database(), table, engine::distanceColumnName());
+        builder.setHasHiddenColumns([this](const std::wstring& table) {
+            return hasColumn(internal_->database(), table, engine::secondOperandColumnName());
         });
         builder.setSpellings(engine::nameSpellings(
             *statement.node(),
@@ -90,7 +90,7 @@ bool Engine::tryToTranslate(const sql::ParseResult& statement, engine::SqliteStr
             },
             builder.tableColumns()));
         std::wstring query = builder.buildString(*statement.node());
-        builder.setReadsByDistance(nullptr);
+        builder.setHasHiddenColumns(nullptr);
         if (isLent) {
             builder.setTableColumns(nullptr);
         }

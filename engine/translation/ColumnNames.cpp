@@ -24,4 +24,14 @@ const std::wstring& distanceColumnName() {
     return name;
 }
 
+const std::wstring& firstOperandColumnName() {
+    static const std::wstring name = sql::toSqlString(FirstOperandColumnUuid.toString(QUuid::Id128));
+    return name;
+}
+
+const std::wstring& secondOperandColumnName() {
+    static const std::wstring name = sql::toSqlString(SecondOperandColumnUuid.toString(QUuid::Id128));
+    return name;
+}
+
 } // namespace orvane::engine

@@ -146,7 +146,7 @@ ast::NodePtr isAmongNearest(const ast::TablePrimary& table, const ast::NodePtr& 
 
 std::shared_ptr<const ast::QuerySpecification>
 withNearestPerRow(const ast::QuerySpecification& query,
-                  const std::function<bool(const ast::TablePrimary&)>& readsByDistance) {
+                  const std::function<bool(const ast::TablePrimary&)>& hasHiddenColumns) {
     const auto* derived = ast::nodeAs<ast::DerivedTable>(ast::onlySource(query));
     const auto* inner = derived ? ast::nodeAs<ast::QuerySpecification>(derived->query) : nullptr;
     const auto* numbered = inner && query.where ? numberColumn(*inner) : nullptr;
@@ -174,7 +174,7 @@ withNearestPerRow(const ast::QuerySpecification& query,
                                ? ast::nodeAs<ast::TablePrimary>(isSecond ? join->second : join->first)
                                : nullptr;
     const bool isBetween = measures(join->first, join->second) || measures(join->second, join->first);
-    if (!searched || !isBetween || !readsByDistance(*searched) ||
+    if (!searched || !isBetween || !hasHiddenColumns(*searched) ||
         (condition && hasNamelessParameter(*condition))) {
         return nullptr;
     }

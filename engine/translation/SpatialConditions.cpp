@@ -5,6 +5,8 @@
 #include "platform/sql/tree/Expressions.h"
 #include "platform/sql/tree/NodeVisitor.h"
 #include "platform/sql/tree/Queries.h"
+#include <orvane/engine/ColumnNames.h>
+#include <orvane/engine/RelationName.h>
 
 #include <algorithm>
 #include <optional>
@@ -184,7 +186,13 @@ std::wstring_view relationName(OperationCode code) {
     }
 }
 
-ast::NodePtr turned(const ast::NodePtr& condition, const ScannedTables& tables) {
+/// What a condition says of two geometries.
+struct RelationTerm {
+    const Relation* relation;
+    ast::NodePtr first, second;
+};
+
+std::optional<RelationTerm> relationTermOf(const ast::NodePtr& condition) {
     std::wstring name;
     ast::NodePtr first, second;
     if (const auto* operation = ast::nodeAs<ast::Operation>(condition)) {
@@ -199,29 +207,63 @@ ast::NodePtr turned(const ast::NodePtr& condition, const ScannedTables& tables) 
     }
     const auto* relation = std::find_if(std::begin(relations), std::end(relations),
                                         [&name](const Relation& each) { return each.name == name; });
-    if (relation == std::end(relations) || tables.haveGeometry(first) || !tables.haveGeometry(second)) {
+    return relation == std::end(relations) ? std::nullopt
+                                           : std::optional(RelationTerm{relation, first, second});
+}
+
+/// `a.first = b.second Collate "Within 1 a b"`; null unless both are geometries of tables that have these
+/// columns, and of two.
+ast::NodePtr betweenTables(const RelationTerm& term, const ScannedTables& tables) {
+    const ast::TablePrimary* const first = tables.tableWithOperands(term.first);
+    const ast::TablePrimary* const second = tables.tableWithOperands(term.second);
+    if (!first || !second || first == second) {
+        return nullptr;
+    }
+    const auto utf8 = [](std::wstring_view text) { return fromSqlString(std::wstring(text)).toStdString(); };
+    const std::string collation =
+        toCollationName({utf8(term.relation->name), utf8(first->name), utf8(second->name)});
+    const auto operand = [](const ast::TablePrimary& table, const std::wstring& name) {
+        return std::make_shared<ast::ColumnReference>(table.alias.empty() ? table.name : table.alias, name);
+    };
+    return std::make_shared<ast::Operation>(
+        OperationCode::Equal, operand(*first, firstOperandColumnName()),
+        std::make_shared<ast::Operation>(OperationCode::Collate, operand(*second, secondOperandColumnName()),
+                                         toSqlString(QString::fromStdString(collation))));
+}
+
+ast::NodePtr withRelation(const ast::NodePtr& condition, const RelationTerm& term,
+                          const ScannedTables& tables) {
+    if (const ast::NodePtr equality = betweenTables(term, tables)) {
+        return equality;
+    }
+    if (tables.haveGeometry(term.first) || !tables.haveGeometry(term.second)) {
         return condition;
     }
-    const ast::NodeList operands{second, first};
-    if (relation->converse) {
-        return std::make_shared<ast::Function>(relation->converse, operands);
+    const ast::NodeList operands{term.second, term.first};
+    if (term.relation->converse) {
+        return std::make_shared<ast::Function>(term.relation->converse, operands);
     }
-    return isRepeatable(first) ? conjunction(condition, std::make_shared<ast::Function>(mayMeet, operands))
-                               : condition;
+    return isRepeatable(term.first)
+               ? conjunction(condition, std::make_shared<ast::Function>(mayMeet, operands))
+               : condition;
 }
 
 ast::NodePtr lookedUp(const ast::NodePtr& condition, const ScannedTables& tables) {
-    const auto term = termOf(condition);
-    return term ? withNearness(condition, *term, tables) : turned(condition, tables);
+    if (const auto distance = termOf(condition)) {
+        return withNearness(condition, *distance, tables);
+    }
+    const auto relation = relationTermOf(condition);
+    return relation ? withRelation(condition, *relation, tables) : condition;
 }
 
 } // namespace
 
-ScannedTables::ScannedTables(const ast::NodePtr& from) : isQuery_(true) {
+ScannedTables::ScannedTables(const ast::NodePtr& from, HasHiddenColumns hasHiddenColumns)
+    : isQuery_(true), hasHiddenColumns_(std::move(hasHiddenColumns)) {
     forEachSource(from, [this](const ast::Node& source) {
         ++sources_;
-        if (source.kind == ast::NodeKind::TablePrimary) {
-            names_.insert(qualifierOf(&source));
+        if (const auto* table = ast::nodeAs<ast::TablePrimary>(&source)) {
+            tables_.emplace(qualifierOf(&source), table);
         }
     });
 }
@@ -231,8 +273,14 @@ bool ScannedTables::haveGeometry(const ast::NodePtr& node) const {
     if (!column) {
         return false;
     }
-    return !isQuery_ || (column->qualifier.empty() ? sources_ == 1 && !names_.empty()
-                                                   : names_.count(toLowercase(column->qualifier)) != 0);
+    return !isQuery_ || (column->qualifier.empty() ? sources_ == 1 && !tables_.empty()
+                                                   : tables_.contains(toLowercase(column->qualifier)));
+}
+
+const ast::TablePrimary* ScannedTables::tableWithOperands(const ast::NodePtr& node) const {
+    const auto* column = geometryReference(node);
+    const auto found = column ? tables_.find(toLowercase(column->qualifier)) : tables_.end();
+    return found != tables_.end() && hasHiddenColumns_(*found->second) ? found->second : nullptr;
 }
 
 ast::NodePtr withLookups(const ast::NodePtr& condition, const ScannedTables& tables) {

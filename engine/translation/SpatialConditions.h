@@ -1,8 +1,9 @@
 #pragma once
 
-#include "platform/sql/tree/Node.h"
+#include "platform/sql/tree/Queries.h"
 
-#include <set>
+#include <functional>
+#include <map>
 #include <string>
 
 namespace orvane::engine {
@@ -12,24 +13,31 @@ class ScannedTables {
 public:
     /// Outside of queries: every column counts.
     ScannedTables() = default;
-    /// Null for none.
-    explicit ScannedTables(const sql::ast::NodePtr& from);
+    using HasHiddenColumns = std::function<bool(const sql::ast::TablePrimary&)>;
+    /// The From may be null. `hasHiddenColumns` tells of which tables have the operand columns of
+    /// ColumnNames.h.
+    ScannedTables(const sql::ast::NodePtr& from, HasHiddenColumns hasHiddenColumns);
 
     /// Whether the node is the geometry of one of them.
     bool haveGeometry(const sql::ast::NodePtr& node) const;
+    /// The table with operand columns whose geometry the node is; null for none.
+    const sql::ast::TablePrimary* tableWithOperands(const sql::ast::NodePtr& node) const;
 
 private:
     bool isQuery_ = false;
     std::size_t sources_ = 0;
-    std::set<std::wstring> names_; ///< in lower case, under which columns name them
+    HasHiddenColumns hasHiddenColumns_;
+    /// By the names, in lower case, under which columns name them.
+    std::map<std::wstring, const sql::ast::TablePrimary*> tables_;
 };
 
 /// A condition of Where or On such that a scan of one of the tables can look up what it says of a geometry. A
 /// term about a distance is followed by what is looked up of it: `Distance(a.obj, b.obj, 'km') < 5` by
-/// `IsNear(a.obj, Nearness(b.obj, 5, 'km', 0, 0))`, and the same for b. SQLite asks a table about first
-/// operands only, so that a relation whose second operand alone is a geometry of the tables is turned round
-/// where it has a converse, else followed by `MayMeet(second, first)`. Any other condition is given back as
-/// it is.
+/// `IsNear(a.obj, Nearness(b.obj, 5, 'km', 0, 0))`, and the same for b. A relation between two of the tables
+/// becomes an equality of their operand columns, which SQLite offers to either. Of a function SQLite asks a
+/// table about first operands only, so that a relation whose second operand alone is a geometry of the tables
+/// is turned round where it has a converse, else followed by `MayMeet(second, first)`. Any other condition is
+/// given back as it is.
 sql::ast::NodePtr withLookups(const sql::ast::NodePtr& condition, const ScannedTables& tables);
 
 } // namespace orvane::engine

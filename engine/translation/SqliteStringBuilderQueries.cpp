@@ -65,7 +65,7 @@ void SqliteStringBuilder::visit(const ast::QuerySpecification& node) {
     auto rewritten = nearestFirst(node);
     if (!rewritten) {
         rewritten = withNearestPerRow(
-            node, [&](const ast::TablePrimary& table) { return readsByDistance(table, node.with); });
+            node, [&](const ast::TablePrimary& table) { return hasHiddenColumns(table, node.with); });
     }
     if (!rewritten && !frames_.empty()) {
         rewritten = withOrderFurtherIn(node);
@@ -74,12 +74,12 @@ void SqliteStringBuilder::visit(const ast::QuerySpecification& node) {
 }
 
 /// Whether a name in From is one of a table whose rows can be had in the order of a distance.
-bool SqliteStringBuilder::readsByDistance(const ast::TablePrimary& table, const NamedQueries& named) const {
+bool SqliteStringBuilder::hasHiddenColumns(const ast::TablePrimary& table, const NamedQueries& named) const {
     const auto isNamed = [&table](const ast::CommonTable& each) {
         return toLowercase(each.name) == toLowercase(table.name);
     };
-    return readsByDistance_ && whiteList_.empty() && !namedQuery(table.name) &&
-           std::none_of(named.begin(), named.end(), isNamed) && readsByDistance_(table.name);
+    return hasHiddenColumns_ && whiteList_.empty() && !namedQuery(table.name) &&
+           std::none_of(named.begin(), named.end(), isNamed) && hasHiddenColumns_(table.name);
 }
 
 /// Null where the rows cannot be had in the order of a distance.
@@ -94,14 +94,17 @@ SqliteStringBuilder::nearestFirst(const ast::QuerySpecification& node) const {
     const Referred referred = referredColumn(key->key, node.columns);
     const ast::NodePtr distance = referred.column ? referred.column->expression : key->key;
     auto rewritten = withNearestFirst(node, *table, distance, tableColumns_);
-    return rewritten && readsByDistance(*table, node.with) ? rewritten : nullptr;
+    return rewritten && hasHiddenColumns(*table, node.with) ? rewritten : nullptr;
 }
 
 void SqliteStringBuilder::visitSpecification(const ast::QuerySpecification& node) {
     const bool outer = std::exchange(isCompared_, false);
     frames_.emplace_back();
     frames_.back().columns = &node.columns;
-    frames_.back().tables = std::make_shared<ScannedTables>(node.from);
+    frames_.back().tables =
+        std::make_shared<ScannedTables>(node.from, [this, &node](const ast::TablePrimary& table) {
+            return hasHiddenColumns(table, node.with);
+        });
     frames_.back().isCompared = outer || node.quantifier == ast::SetQuantifier::Distinct;
     if (frames_.size() == 1 && !node.groupBy.empty()) {
         isAggregate_ = true;

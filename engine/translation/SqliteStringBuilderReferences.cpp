@@ -134,7 +134,9 @@ void SqliteStringBuilder::visitImpl(const ast::ColumnReference& node) {
     const std::wstring key = spellings_.empty() ? std::wstring() : node.qualifier + L'.' + node.name;
     SqlStringBuilder::visit(ast::ColumnReference(node.qualifier, spelling(key, node.name)));
     if (needColumns_ && node.name != originColumnName() && node.name != distanceColumnName()) {
-        columns_.push_back({node.qualifier, node.name});
+        const bool isOperand =
+            node.name == firstOperandColumnName() || node.name == secondOperandColumnName();
+        columns_.push_back({node.qualifier, isOperand ? geometryColumnName() : node.name});
     }
 }
 

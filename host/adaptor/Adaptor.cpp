@@ -1,6 +1,7 @@
 #include "host/adaptor/Adaptor.h"
 
 #include "host/adaptor/functions/FunctionRegistry.h"
+#include "host/adaptor/module/RelationCollations.h"
 #include "host/adaptor/module/VirtualTableModule.h"
 #include "platform/core/Core.h"
 #include <orvane/Engine.h>
@@ -35,6 +36,9 @@ int initialise(sqlite3* database, char** errorMessage, Core* core, engine::Engin
     if (code == SQLITE_OK) {
         code = registerAllFunctions(database, cache);
         allowFunctions(*core);
+    }
+    if (code == SQLITE_OK) {
+        code = offerRelations(database, *cache);
     }
     if (code == SQLITE_OK) {
         code = registerModule(database, moduleName(), *core, *cache);

@@ -65,11 +65,15 @@ TableDeclaration::TableDeclaration(const dp::TableSchema& schema) {
     sql_ += asciiName(engine::geometryColumnName()) + " Blob" + (geometry < 0 ? " Hidden," : ",");
     sql_ += asciiName(engine::styleColumnName()) + " Text" + (style < 0 ? " Hidden," : ",");
     sql_ += asciiName(engine::originColumnName()) + " Blob Hidden,";
-    sql_ += asciiName(engine::distanceColumnName()) + " Real Hidden)";
+    sql_ += asciiName(engine::distanceColumnName()) + " Real Hidden,";
+    sql_ += asciiName(engine::firstOperandColumnName()) + " Blob Hidden,";
+    sql_ += asciiName(engine::secondOperandColumnName()) + " Blob Hidden)";
     columns_.push_back({geometry, Kind::Geometry});
     columns_.push_back({style, Kind::Style});
     columns_.push_back({-1, Kind::Origin});
     columns_.push_back({-1, Kind::Distance});
+    columns_.push_back({-1, Kind::Operand});
+    columns_.push_back({-1, Kind::Operand});
 }
 
 } // namespace orvane::adaptor

@@ -12,10 +12,11 @@ namespace orvane::adaptor {
 /// How a table's schema appears as the columns of its virtual table: the plain attributes under their names,
 /// then the geometry column and the style column under their fixed names. A table without geometry or style
 /// has these two all the same, always NULL and hidden, so that a query may name them but `*` does not show
-/// them. Two more hidden ones give the rows in the order of a distance (engine/ColumnNames.h).
+/// them. Four more hidden ones give the rows in the order of a distance, and by a relation to those of
+/// another table (engine/ColumnNames.h).
 class TableDeclaration {
 public:
-    enum class Kind : std::uint8_t { Number, Text, Other, Geometry, Style, Origin, Distance };
+    enum class Kind : std::uint8_t { Number, Text, Other, Geometry, Style, Origin, Distance, Operand };
 
     struct Column {
         int attribute = -1; ///< position in the schema, -1 for a column that the table does not have
@@ -37,9 +38,11 @@ public:
     /// The statement for sqlite3_declare_vtab.
     const std::string& sql() const { return sql_; }
     const std::vector<Column>& columns() const { return columns_; }
-    int geometryColumn() const { return static_cast<int>(columns_.size()) - 4; }
+    int geometryColumn() const { return static_cast<int>(columns_.size()) - 6; }
     int originColumn() const { return geometryColumn() + 2; }
     int distanceColumn() const { return geometryColumn() + 3; }
+    int firstOperandColumn() const { return geometryColumn() + 4; }
+    int secondOperandColumn() const { return geometryColumn() + 5; }
 
 private:
     std::string sql_;

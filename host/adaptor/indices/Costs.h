@@ -24,6 +24,9 @@ constexpr double sortedRow = 100;
 /// decoding and testing it.
 constexpr double sourceLookup = 150'000;
 constexpr double testedRow = 2000;
+/// Of testing a relation between two geometries that are prepared for it, and between their envelopes.
+constexpr double relation = 300;
+constexpr double boxTest = 30;
 /// Of making the R-tree: each row.
 constexpr double treeRow = 400;
 

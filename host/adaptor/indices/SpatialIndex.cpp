@@ -134,7 +134,7 @@ std::optional<SpatialRelation> spatialRelationOf(const char* functionName) {
     return std::nullopt;
 }
 
-bool countsInColumnsSystem(SpatialRelation relation) {
+bool countsInFirstSystem(SpatialRelation relation) {
     switch (relation) {
     case SpatialRelation::Within:
     case SpatialRelation::CentroidWithin:
@@ -142,6 +142,18 @@ bool countsInColumnsSystem(SpatialRelation relation) {
     case SpatialRelation::MayMeet:
     case SpatialRelation::Near: return false;
     default: return true;
+    }
+}
+
+SpatialRelation converseOf(SpatialRelation relation) {
+    switch (relation) {
+    case SpatialRelation::Contains: return SpatialRelation::Within;
+    case SpatialRelation::Within: return SpatialRelation::Contains;
+    case SpatialRelation::ContainsCentroid: return SpatialRelation::CentroidWithin;
+    case SpatialRelation::CentroidWithin: return SpatialRelation::ContainsCentroid;
+    case SpatialRelation::Covers: return SpatialRelation::CoveredBy;
+    case SpatialRelation::CoveredBy: return SpatialRelation::Covers;
+    default: return relation;
     }
 }
 

@@ -5,9 +5,8 @@
 
 namespace orvane::adaptor {
 
-/// The relations f(column, value) that a scan can answer from a spatial index. Near is one to an
-/// engine::NearnessBlob, and finds all that are near and some more. IntersectedBy is Intersects in the
-/// value's coordinate system.
+/// The relations that a scan can answer from a spatial index, of its geometries to a value. Near is one to an
+/// engine::NearnessBlob, and finds all that are near and some more.
 enum class SpatialRelation : std::uint8_t {
     Intersects,
     Contains,
@@ -24,8 +23,11 @@ enum class SpatialRelation : std::uint8_t {
     Near
 };
 
-/// Whether the coordinate system of the column counts where that of the value is another.
-bool countsInColumnsSystem(SpatialRelation relation);
+/// Whether the coordinate system of the first operand counts where that of the second is another.
+bool countsInFirstSystem(SpatialRelation relation);
+
+/// The relation from the second operand to the first.
+SpatialRelation converseOf(SpatialRelation relation);
 
 /// The relation that an SQL function asks for, letter case ignored.
 std::optional<SpatialRelation> spatialRelationOf(const char* functionName);

@@ -64,7 +64,7 @@ public:
           context_(context) {}
 
     /// A table that is dropped before the transaction ends takes its edits along.
-    ~ModuleTable() { endGroup(&dp::Table::rollbackEdits); }
+    ~ModuleTable() override { endGroup(&dp::Table::rollbackEdits); }
 
     void announce() {
         if (Engine* engine = context_.engine()) {
@@ -74,12 +74,13 @@ public:
     /// Leaves alone what another table has registered under the name: SQLite may connect a table anew before
     /// it lets go of the old connection.
     void withdraw() {
-        Engine* engine = context_.engine();
-        const auto* registered =
-            engine ? dynamic_cast<VirtualTableManagement*>(engine->findManagement(name())) : nullptr;
-        if (registered && registered->isOf(*this)) {
-            engine->unRegisterManagement(name());
+        if (registered(name()) == this) {
+            context_.engine()->unRegisterManagement(name());
         }
+    }
+    VirtualTable* otherTable(const QString& other) const override {
+        VirtualTable* const found = registered(other);
+        return found && found->tableOrNull() ? found : nullptr;
     }
     void rename(const QString& newName) {
         withdraw();
@@ -119,6 +120,12 @@ public:
     }
 
 private:
+    VirtualTable* registered(const QString& tableName) const {
+        Engine* engine = context_.engine();
+        const auto* management =
+            engine ? dynamic_cast<VirtualTableManagement*>(engine->findManagement(tableName)) : nullptr;
+        return management ? &management->table() : nullptr;
+    }
     static AttributeIndexing::Stores indexStores(const ModuleContext& context) {
         const auto settings = serviceLocator().find<TypedSettings>();
         if (settings && settings->value(DefaultSettingsList::NoAttributeIndices).toBool()) {

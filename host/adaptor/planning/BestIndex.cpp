@@ -2,6 +2,7 @@
 
 #include "host/adaptor/explaining/ScanReport.h"
 #include "host/adaptor/indices/Costs.h"
+#include "host/adaptor/planning/RelationTerms.h"
 #include "host/adaptor/planning/ScanEstimate.h"
 #include "host/adaptor/planning/ScanPlan.h"
 #include "host/adaptor/rows/ArrangedRows.h"
@@ -91,9 +92,9 @@ dp::Cell cellOf(sqlite3_value* value) {
 /// Fills the answer to one xBestIndex call.
 class Planner {
 public:
-    Planner(const VirtualTable& table, sqlite3_index_info& info)
+    Planner(VirtualTable& table, sqlite3_index_info& info)
         : virtual_(table), indexing_(table.indexing()), table_(table.table()),
-          declaration_(table.declaration()), info_(info), estimate_(table_, indexing_) {
+          declaration_(table.declaration()), info_(info), estimate_(table_, indexing_), relations_(table) {
         plan_.columnsUsed = info.colUsed;
     }
 
@@ -154,10 +155,15 @@ private:
             offset_ = i;
         } else if (column == declaration_.originColumn()) {
             return;
+        } else if (column == declaration_.firstOperandColumn() ||
+                   column == declaration_.secondOperandColumn()) {
+            relations_.addEquality(info_, i);
         } else if (column < 0) {
             rowNumber_ = comparison && ScanEstimate::isEquality(*comparison) ? i : rowNumber_;
         } else if (constraint(i).op >= SQLITE_INDEX_CONSTRAINT_FUNCTION) {
-            relation_ = column == declaration_.geometryColumn() ? i : relation_;
+            if (column == declaration_.geometryColumn()) {
+                relations_.addFunction(info_, i);
+            }
         } else if (column >= 0 && comparison) {
             takeTerm(i, declaration_.columns()[static_cast<std::size_t>(column)], *comparison);
         }
@@ -297,16 +303,31 @@ private:
         hasOpenOperand_ = true;
     }
 
-    /// The cursor tests the relation exactly as the function would, so that SQLite need not call it.
+    /// The cursor tests the relation exactly as SQLite would, so that it need not. Of several the one that
+    /// finds the fewest.
     void takeRelation() {
-        if (relation_ < 0 || rowNumber_ >= 0 || origin_ >= 0) {
+        if (relations_.isEmpty() || rowNumber_ >= 0 || origin_ >= 0) {
             return;
         }
-        plan_.relation =
-            static_cast<SpatialRelation>(constraint(relation_).op - SQLITE_INDEX_CONSTRAINT_FUNCTION);
-        hand(relation_, true);
+        const auto [term, estimate] = relations_.best();
+        plan_.relation = term.relation;
+        plan_.isSecondOperand = term.isSecondOperand;
+        hand(term.constraint, true);
+        leaveOutOperand(constraint(term.constraint).iColumn);
         hasOpenOperand_ = true;
-        estimate_.takeRelation();
+        estimate_.takeRelation(estimate, virtual_.hasSpatialIndex() || table_.usesWindow());
+    }
+
+    /// An operand column that nothing but the condition taken over names is not read.
+    void leaveOutOperand(int column) {
+        constexpr int lastOfMask = 63;
+        int uses = 0;
+        for (int i = 0; i < info_.nConstraint; ++i) {
+            uses += constraint(i).iColumn == column;
+        }
+        if (column != declaration_.geometryColumn() && uses == 1 && column < lastOfMask) {
+            plan_.columnsUsed &= ~(std::uint64_t{1} << column);
+        }
     }
 
     /// A limit counts rows of the result. They are rows of the scan only when nothing sorts or drops rows
@@ -423,7 +444,7 @@ private:
         info_.idxFlags = estimate_.isUnique() ? SQLITE_INDEX_SCAN_UNIQUE : 0;
     }
 
-    const VirtualTable& virtual_;
+    VirtualTable& virtual_;
     const AttributeIndexing& indexing_;
     dp::Table& table_;
     const TableDeclaration& declaration_;
@@ -438,13 +459,13 @@ private:
     int limit_ = -1;
     int offset_ = -1;
     int rowNumber_ = -1;
-    int relation_ = -1;
+    RelationTerms relations_;
     int origin_ = -1;
 };
 
 } // namespace
 
-bool planScan(const VirtualTable& table, sqlite3_index_info& info) {
+bool planScan(VirtualTable& table, sqlite3_index_info& info) {
     return Planner(table, info).run();
 }
 

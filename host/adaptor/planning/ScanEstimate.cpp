@@ -18,8 +18,6 @@ constexpr double assumedLookups = 10'000;
 constexpr std::size_t mostCounted = 1000;
 /// Rows that share one value, in a table of any size.
 constexpr double assumedGroup = 25;
-/// The share of a layer that stands in a relation to one geometry.
-constexpr double relatedShare = 0.01;
 
 /// The share of rows that a term lets pass, as far as nothing is known of the values.
 double selectivity(Comparison comparison) {
@@ -86,9 +84,17 @@ void ScanEstimate::takeRowNumbers(bool isList) {
     isUnique_ = isUnique_ || !isList;
 }
 
-void ScanEstimate::takeRelation() {
-    passing_ = std::max(1.0, passing_ * relatedShare);
+void ScanEstimate::takeRelation(const RelationEstimate& relation, bool isReady) {
+    passing_ *= std::min(1.0, relation.found / rows_);
+    if (relation.isElsewhere) {
+        relationCost_ = rows_ * (cost::handedRow + cost::relation);
+        return;
+    }
     fetches_ = true;
+    // One tree serves all scans; without, each would have to look at all envelopes.
+    const double scans = std::clamp(relation.scans, 1.0, assumedLookups);
+    const double making = rows_ * std::min(cost::boxTest, cost::treeRow / scans);
+    relationCost_ = relation.candidates * cost::relation + (isReady ? 0 : making);
 }
 
 void ScanEstimate::expectLookups(const TableDeclaration::Column& column) {
@@ -125,9 +131,9 @@ double ScanEstimate::shareOf(const TableDeclaration::Column& column, Comparison 
 
 double ScanEstimate::findingCost() const {
     const double fetching = passing_ * (cost::foundRow - cost::handedRow);
-    const double scanning = scanned_ * filterCost_;
+    const double scanning = scanned_ * filterCost_ + relationCost_;
     if (fetches_) {
-        return fetching;
+        return fetching + relationCost_;
     }
     const double making = hasIndex_ ? 0 : rows_ * makingCost_ / assumedLookups;
     return looksUp_ ? std::min(scanning, fetching + making) : scanning;

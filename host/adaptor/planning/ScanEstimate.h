@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/adaptor/indices/AttributeIndexing.h"
+#include "host/adaptor/planning/RelationTerms.h"
 
 #include "platform/dp/Table.h"
 
@@ -29,7 +30,8 @@ public:
                      const Operand& pattern);
     void takeUnservedPattern(dp::Comparison comparison);
     void takeRowNumbers(bool isList);
-    void takeRelation();
+    /// `isReady`: without an R-tree that would have to be made first.
+    void takeRelation(const RelationEstimate& relation, bool isReady);
 
     /// Rows of the table.
     double tableRows() const { return rows_; }
@@ -56,6 +58,7 @@ private:
     bool fetches_ = false;  ///< the rows are known by their identifiers
     double makingCost_ = 0; ///< of an index, for each row
     double filterCost_ = 0; ///< of each row that is scanned
+    double relationCost_ = 0;
 };
 
 } // namespace orvane::adaptor

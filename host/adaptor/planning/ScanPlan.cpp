@@ -30,6 +30,7 @@ std::string ScanPlan::toText() const {
     appendNumber(text, columnsUsed);
     appendNumber(text, static_cast<std::uint64_t>(rowNumber));
     appendNumber(text, relation ? 1 + static_cast<std::uint64_t>(*relation) : 0);
+    appendNumber(text, isSecondOperand);
     appendNumber(text, static_cast<std::uint64_t>(byDistance));
     appendNumber(text, limit);
     appendNumber(text, offset);
@@ -55,6 +56,7 @@ ScanPlan ScanPlan::fromText(std::string_view text) {
     if (const std::uint64_t relation = takeNumber(text); relation > 0) {
         plan.relation = static_cast<SpatialRelation>(relation - 1);
     }
+    plan.isSecondOperand = takeNumber(text) != 0;
     plan.byDistance = static_cast<ByDistance>(takeNumber(text));
     plan.limit = takeNumber(text) != 0;
     plan.offset = takeNumber(text) != 0;

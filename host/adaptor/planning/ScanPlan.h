@@ -50,7 +50,9 @@ struct ScanPlan {
     std::uint64_t columnsUsed = 0; ///< SQLite's mask: bit 63 stands for every column from 63 on
     std::vector<Term> terms;
     RowNumber rowNumber = RowNumber::None;
-    std::optional<SpatialRelation> relation; ///< of the geometry column to the value
+    /// Between the geometry column and the value; the column is the first operand, or the second.
+    std::optional<SpatialRelation> relation;
+    bool isSecondOperand = false;
     ByDistance byDistance = ByDistance::None;
     Ordering ordering = Ordering::None;
     std::vector<Order> order; ///< first column first

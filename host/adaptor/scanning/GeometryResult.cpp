@@ -19,17 +19,34 @@ GeometryResult::GeometryResult(std::shared_ptr<cs::CoordSystem> coordSystem, eng
     }
 }
 
-void GeometryResult::set(sqlite3_context* context, std::string_view wkb) {
-    if (!isMade_) {
-        blob_.clear();
-        isMade_ = spatialite_ && engine::appendSpatialiteBlob(wkb, srid_, blob_);
-    }
+void GeometryResult::makeBlob(std::string_view wkb) {
     if (isMade_) {
-        sqlite3_result_blob64(context, blob_.data(), blob_.size(), SQLITE_TRANSIENT);
         return;
     }
-    const auto geometry = decodeWkb(wkb, coordSystem_);
-    engine::toOrvGeo(geometry, context, &cache_, false);
+    isMade_ = true;
+    blob_.clear();
+    if (spatialite_ && engine::appendSpatialiteBlob(wkb, srid_, blob_)) {
+        return;
+    }
+    blob_.clear();
+    if (const auto geometry = decodeWkb(wkb, coordSystem_)) {
+        const QByteArray blob = engine::toOrvGeo(geometry, &cache_);
+        blob_.assign(blob.constData(), static_cast<std::size_t>(blob.size()));
+    }
+}
+
+void GeometryResult::set(sqlite3_context* context, std::string_view wkb) {
+    makeBlob(wkb);
+    if (!blob_.empty()) {
+        sqlite3_result_blob64(context, blob_.data(), blob_.size(), SQLITE_TRANSIENT);
+    }
+}
+
+void GeometryResult::setOperand(sqlite3_context* context, std::string_view wkb) {
+    makeBlob(wkb);
+    if (!blob_.empty()) {
+        sqlite3_result_text64(context, blob_.data(), blob_.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+    }
 }
 
 } // namespace orvane::adaptor

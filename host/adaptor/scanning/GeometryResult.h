@@ -26,8 +26,13 @@ public:
     /// Sets the result to the blob, or to NULL when the bytes are no geometry. Asked again for the row, as by
     /// every function of the statement that takes the geometry, it makes nothing anew.
     void set(sqlite3_context* context, std::string_view wkb);
+    /// The same with the bytes of the blob as a text: an operand of a relation.
+    void setOperand(sqlite3_context* context, std::string_view wkb);
 
 private:
+    /// Leaves blob_ empty where the bytes are no geometry.
+    void makeBlob(std::string_view wkb);
+
     std::shared_ptr<cs::CoordSystem> coordSystem_;
     engine::EngineCache& cache_;
     int srid_ = 0;           ///< of the SpatiaLite blobs

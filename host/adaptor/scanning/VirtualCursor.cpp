@@ -69,9 +69,10 @@ std::optional<qint64> rowNumberOf(sqlite3_value* value) {
     }
 }
 
-/// The geometry of a value; null for anything that is none.
+/// The geometry of a blob, or of an operand column; null for anything else.
 GeometryPtr geometryOf(sqlite3_value* value, engine::EngineCache& cache) {
-    if (sqlite3_value_type(value) != SQLITE_BLOB) {
+    const int type = sqlite3_value_type(value);
+    if (type != SQLITE_BLOB && type != SQLITE_TEXT) {
         return nullptr;
     }
     const auto* data = static_cast<const char*>(sqlite3_value_blob(value));
@@ -117,8 +118,10 @@ void VirtualCursor::readPlan(const char* planText) {
     request_ = {};
     const auto& columns = table_.declaration().columns();
     for (std::size_t i = 0; i < columns.size(); ++i) {
-        if (columns[i].attribute >= 0 && plan_.usesColumn(static_cast<int>(i))) {
-            request_.attributes.push_back(columns[i].attribute);
+        const bool isOperand = columns[i].kind == TableDeclaration::Kind::Operand;
+        const int attribute = isOperand ? geometryAttribute_ : columns[i].attribute;
+        if (attribute >= 0 && plan_.usesColumn(static_cast<int>(i))) {
+            request_.attributes.push_back(attribute);
         }
     }
     for (const ScanPlan::Term& planned : plan_.terms) {
@@ -155,18 +158,19 @@ bool VirtualCursor::readRelation(sqlite3_value* value) {
     if (!related) {
         return false;
     }
+    const SpatialRelation ofColumn = relationOfColumn();
     const auto other = related->coordSystem();
     if (coordSystem_ && other && coordSystem_ != other && !coordSystem_->equals(*other)) {
-        if (!countsInColumnsSystem(*plan_.relation)) {
+        if (countsInFirstSystem(*plan_.relation) == plan_.isSecondOperand) {
             return readElsewhere(related);
         }
-        related = *plan_.relation == SpatialRelation::ContainsCentroid ? centroidOf(*related) : related;
+        related = ofColumn == SpatialRelation::ContainsCentroid ? centroidOf(*related) : related;
         related = related ? related->transformed(coordSystem_) : nullptr;
         if (!related) {
             return false; // no relation to anything here
         }
     }
-    if (table_.spatialIndexing().find(*plan_.relation, related, table_.table(), request_, cancellation_)) {
+    if (table_.spatialIndexing().find(ofColumn, related, table_.table(), request_, cancellation_)) {
         return !request_.ids->empty();
     }
     testOnEachRow(related);
@@ -183,12 +187,16 @@ void VirtualCursor::testOnEachRow(const GeometryPtr& related) {
     }
 }
 
+SpatialRelation VirtualCursor::relationOfColumn() const {
+    return plan_.isSecondOperand ? converseOf(*plan_.relation) : *plan_.relation;
+}
+
 /// A relation in the value's coordinate system, to be tested row by row: of the rows that can stand in it, as
 /// far as envelopes tell. An edge is straight in one of the two systems only, so that of what is more than a
 /// position only vertices, and the centroid, can be told to lie in an envelope.
 bool VirtualCursor::readElsewhere(const GeometryPtr& related) {
     testOnEachRow(related);
-    const SpatialRelation relation = *plan_.relation;
+    const SpatialRelation relation = relationOfColumn();
     const bool holdsVertices = relation == SpatialRelation::Within ||
                                relation == SpatialRelation::CoveredBy ||
                                relation == SpatialRelation::CentroidWithin;
@@ -449,10 +457,11 @@ bool VirtualCursor::accepts() {
     const dp::Cell cell = rows_->cell(geometryAttribute_);
     if (isInPlace_) {
         return cell.type() == dp::CellType::Wkb &&
-               holds(*plan_.relation, cell.view(), coordSystem_, *related_);
+               holds(relationOfColumn(), cell.view(), coordSystem_, *related_);
     }
     const GeometryPtr own = cell.type() == dp::CellType::Wkb ? decodeWkb(cell.view(), coordSystem_) : nullptr;
-    return own && holds(*plan_.relation, *own, *related_);
+    return own && (plan_.isSecondOperand ? holds(*plan_.relation, *related_, *own)
+                                         : holds(*plan_.relation, *own, *related_));
 }
 
 int VirtualCursor::next() {
@@ -486,6 +495,13 @@ void VirtualCursor::column(sqlite3_context* context, int column) {
         table_.declaration().columns()[static_cast<std::size_t>(column)];
     if (declared.kind == TableDeclaration::Kind::Distance && nearest_) {
         dp::setResult(context, nearest_->distance());
+        return;
+    }
+    if (declared.kind == TableDeclaration::Kind::Operand && geometryAttribute_ >= 0) {
+        const dp::Cell cell = rows_->cell(geometryAttribute_);
+        if (cell.type() == dp::CellType::Wkb) {
+            geometry_.setOperand(context, cell.view());
+        }
         return;
     }
     if (declared.attribute < 0 || sqlite3_vtab_nochange(context)) {

@@ -45,6 +45,8 @@ private:
     bool readArguments(std::span<sqlite3_value*> arguments);
     bool readRowNumbers(sqlite3_value* value);
     bool readRelation(sqlite3_value* value);
+    /// The relation of the plan from the geometry column to the value.
+    SpatialRelation relationOfColumn() const;
     bool readElsewhere(const geometry::GeometryPtr& related);
     bool readNearness(sqlite3_value* value);
     geometry::GeometryPtr centreOf(const engine::NearnessBlob& nearness);

@@ -3,6 +3,7 @@
 #include "host/adaptor/declaration/TableDeclaration.h"
 #include "host/adaptor/indices/AttributeIndexing.h"
 #include "host/adaptor/indices/SpatialIndexing.h"
+#include "host/adaptor/statistics/TableSpace.h"
 
 #include "platform/dp/Table.h"
 #include <orvane/engine/TableManagement.h>
@@ -27,6 +28,9 @@ public:
     /// A null table is one that was closed already.
     VirtualTable(QString name, std::shared_ptr<dp::Table> table, const dp::TableSchema& schema,
                  engine::EngineCache& cache, AttributeIndexing::Stores indices);
+    virtual ~VirtualTable() = default;
+    VirtualTable(const VirtualTable&) = delete;
+    VirtualTable& operator=(const VirtualTable&) = delete;
 
     const QString& name() const { return name_; }
     void setName(QString name) { name_ = std::move(name); }
@@ -53,6 +57,11 @@ public:
     SpatialIndexing& spatialIndexing() { return spatialIndexing_; }
     const SpatialIndexing& spatialIndexing() const { return spatialIndexing_; }
 
+    /// Where the table's geometries lie.
+    TableSpace& space() { return space_; }
+    /// Another table of the same database that is open; null when there is none of that name.
+    virtual VirtualTable* otherTable(const QString& name) const = 0;
+
 private:
     QString name_;
     std::shared_ptr<dp::Table> table_;
@@ -60,6 +69,7 @@ private:
     engine::EngineCache& cache_;
     AttributeIndexing indexing_;
     SpatialIndexing spatialIndexing_;
+    TableSpace space_;
     std::optional<std::uint64_t> numberedRevision_; ///< of the table when all its rows were numbered
 };
 
@@ -68,7 +78,7 @@ class VirtualTableManagement : public engine::TableManagement {
 public:
     explicit VirtualTableManagement(VirtualTable& table) : table_(table) {}
 
-    bool isOf(const VirtualTable& table) const { return &table_ == &table; }
+    VirtualTable& table() const { return table_; }
     void detach() override { table_.detach(); }
     QString tableName() const override { return table_.name(); }
     void indicesCleared() override { table_.indexing().forget(); }

@@ -20,10 +20,21 @@ constexpr QUuid OriginColumnUuid(0xad1f3c86, 0x20b7, 0x4e9a, 0x8f, 0x42, 0x6b, 0
 constexpr QUuid DistanceColumnUuid(0xb7c4e0b2, 0x6a35, 0x4d18, 0xb3, 0x7e, 0x04, 0xf8, 0x2c, 0x61, 0x9d,
                                    0x5b);
 
+/// Two hidden columns that have a row's geometry as the first and as the second operand of a relation:
+/// `a.first = b.second` under the collation of a RelationName says that the relation holds, and can be looked
+/// up in either table. The values are the bytes of the geometry's blob as a text: SQLite compares nothing
+/// else by a collation.
+constexpr QUuid FirstOperandColumnUuid(0xe2a91d57, 0x43c0, 0x4f6b, 0x91, 0x0d, 0x7a, 0x5e, 0x1c, 0xb8, 0x26,
+                                       0xf3);
+constexpr QUuid SecondOperandColumnUuid(0xe3b02c68, 0x54d1, 0x407c, 0xa2, 0x1e, 0x8b, 0x6f, 0x2d, 0xc9, 0x37,
+                                        0x04);
+
 /// The column names, made once.
 ORVANE_ENGINE_EXPORT const std::wstring& geometryColumnName();
 ORVANE_ENGINE_EXPORT const std::wstring& styleColumnName();
 ORVANE_ENGINE_EXPORT const std::wstring& originColumnName();
 ORVANE_ENGINE_EXPORT const std::wstring& distanceColumnName();
+ORVANE_ENGINE_EXPORT const std::wstring& firstOperandColumnName();
+ORVANE_ENGINE_EXPORT const std::wstring& secondOperandColumnName();
 
 } // namespace orvane::engine

@@ -73,9 +73,10 @@ public:
     void setTableColumns(TableColumns columns) { tableColumns_ = std::move(columns); }
     const TableColumns& tableColumns() const { return tableColumns_; }
     /// Tells whether a table has the hidden columns of ColumnNames.h. With it a query for the rows of one
-    /// such table that are the nearest to something reads them in the order of their distance.
-    using ReadsByDistance = std::function<bool(const std::wstring& table)>;
-    void setReadsByDistance(ReadsByDistance reads) { readsByDistance_ = std::move(reads); }
+    /// such table that are the nearest to something reads them in the order of their distance, and relations
+    /// between the geometries of two are looked up in whichever SQLite chooses.
+    using HasHiddenColumns = std::function<bool(const std::wstring& table)>;
+    void setHasHiddenColumns(HasHiddenColumns has) { hasHiddenColumns_ = std::move(has); }
     /// Names by their lower case, columns of tables also as `qualifier.column`, each in the spellings that
     /// are declared. A name that differs from all of them in letter case only is rendered as the first.
     using Spellings = std::map<std::wstring, std::vector<std::wstring>>;
@@ -171,7 +172,7 @@ private:
     };
 
     void visitSpecification(const sql::ast::QuerySpecification& node);
-    bool readsByDistance(const sql::ast::TablePrimary& table, const NamedQueries& named) const;
+    bool hasHiddenColumns(const sql::ast::TablePrimary& table, const NamedQueries& named) const;
     std::shared_ptr<const sql::ast::QuerySpecification>
     nearestFirst(const sql::ast::QuerySpecification& node) const;
     void visitCorrectedColumn(const sql::ast::ColumnReference& node);
@@ -215,7 +216,7 @@ private:
     bool isAggregate_ = false;
     bool isIdUsed_ = false;
     TableColumns tableColumns_;
-    ReadsByDistance readsByDistance_;
+    HasHiddenColumns hasHiddenColumns_;
     Spellings spellings_;
     std::wstring intoTable_;
     std::wstring intoFile_;

@@ -1,0 +1,137 @@
+#include "host/adaptor/planning/RelationTerms.h"
+
+#include "platform/cs/CoordSystem.h"
+#include "platform/geometry/shapes/Geometry.h"
+#include <orvane/engine/EngineCache.h>
+#include <orvane/engine/RelationName.h>
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace orvane::adaptor {
+
+namespace {
+
+using Match = SpaceStatistics::Match;
+
+/// Rows of a table whose size nobody knows.
+constexpr std::int64_t unknownSize = 100'000;
+/// The share of a layer that stands in a relation to one geometry, as far as nothing is known of either.
+constexpr double assumedShare = 0.01;
+
+/// Which envelopes match where the relation holds, and for how many of those it does: shapes fill about half
+/// of their envelopes.
+struct Likelihood {
+    Match match;
+    double share;
+};
+
+Likelihood likelihoodOf(SpatialRelation relation) {
+    switch (relation) {
+    case SpatialRelation::Intersects: return {Match::Meet, 0.7};
+    case SpatialRelation::Contains:
+    case SpatialRelation::Covers: return {Match::SecondWithin, 0.6};
+    case SpatialRelation::Within:
+    case SpatialRelation::CoveredBy: return {Match::FirstWithin, 0.6};
+    case SpatialRelation::ContainsCentroid: return {Match::WithinCentre, 0.6};
+    case SpatialRelation::CentroidWithin: return {Match::CentreWithin, 0.6};
+    case SpatialRelation::Touches:
+    case SpatialRelation::Crosses:
+    case SpatialRelation::Overlaps: return {Match::Meet, 0.2};
+    case SpatialRelation::Equals:
+    case SpatialRelation::MayMeet:
+    case SpatialRelation::Near: break;
+    }
+    return {Match::Meet, 1.0};
+}
+
+double sizeOf(const VirtualTable& table) {
+    return std::max(1.0, static_cast<double>(table.table().featureCount().value_or(unknownSize)));
+}
+
+} // namespace
+
+void RelationTerms::addFunction(sqlite3_index_info& info, int constraint) {
+    const int operation = info.aConstraint[constraint].op - SQLITE_INDEX_CONSTRAINT_FUNCTION;
+    RelationTerm& term = terms_.emplace_back(constraint, static_cast<SpatialRelation>(operation));
+    sqlite3_value* operand = nullptr;
+    if (term.relation != SpatialRelation::Near &&
+        sqlite3_vtab_rhs_value(&info, constraint, &operand) == SQLITE_OK) {
+        term.operand = envelopeOf(operand);
+    }
+}
+
+void RelationTerms::addEquality(sqlite3_index_info& info, int constraint) {
+    const auto name = engine::relationNameOf(sqlite3_vtab_collation(&info, constraint));
+    const auto relation = name ? spatialRelationOf(name->relation.c_str()) : std::nullopt;
+    if (!relation || info.aConstraint[constraint].op != SQLITE_INDEX_CONSTRAINT_EQ) {
+        return;
+    }
+    const bool isSecond = info.aConstraint[constraint].iColumn == table_.declaration().secondOperandColumn();
+    terms_.emplace_back(constraint, *relation, isSecond,
+                        table_.otherTable(QString::fromStdString(isSecond ? name->first : name->second)));
+}
+
+/// None of what is no geometry.
+std::optional<geometry::Envelope> RelationTerms::envelopeOf(sqlite3_value* value) const try {
+    if (sqlite3_value_type(value) != SQLITE_BLOB) {
+        return std::nullopt;
+    }
+    const void* bytes = sqlite3_value_blob(value);
+    const auto size = static_cast<unsigned>(sqlite3_value_bytes(value));
+    auto geometry = table_.cache().geometryInfo(bytes, size, true).geometry();
+    const auto system = table_.table().coordSystem();
+    const auto other = geometry ? geometry->coordSystem() : nullptr;
+    if (system && other && !system->equals(*other)) {
+        geometry = geometry->transformed(system);
+    }
+    return geometry && !geometry->isEmpty() ? std::optional(geometry->envelope()) : std::nullopt;
+} catch (const std::runtime_error&) {
+    return std::nullopt;
+}
+
+/// Matching envelopes of the table for one operand.
+std::optional<double> RelationTerms::countMatching(const RelationTerm& term, Match match) const {
+    if (term.other) {
+        const auto pairs = table_.space().countPairs(term.other->space(), match);
+        const auto* others = pairs ? term.other->space().statistics() : nullptr;
+        return others ? std::optional(*pairs / std::max(1.0, others->rows())) : std::nullopt;
+    }
+    const auto* own = term.operand ? table_.space().statistics() : nullptr;
+    return own ? std::optional(own->countMatching(*term.operand, match)) : std::nullopt;
+}
+
+bool RelationTerms::isElsewhere(const RelationTerm& term) const {
+    const auto own = table_.table().coordSystem();
+    const auto other = term.other ? term.other->table().coordSystem() : nullptr;
+    return own && other && countsInFirstSystem(term.relation) == term.isSecondOperand && own != other &&
+           !own->equals(*other);
+}
+
+RelationEstimate RelationTerms::estimate(const RelationTerm& term) const {
+    const auto [match, share] =
+        likelihoodOf(term.isSecondOperand ? converseOf(term.relation) : term.relation);
+    RelationEstimate estimate{};
+    estimate.candidates = countMatching(term, Match::Meet).value_or(sizeOf(table_) * assumedShare);
+    const auto matching = match == Match::Meet ? std::nullopt : countMatching(term, match);
+    estimate.found = matching.value_or(estimate.candidates) * share;
+    if (term.relation == SpatialRelation::Equals) {
+        estimate.found = std::min(estimate.found, 1.0);
+    }
+    estimate.scans = term.other ? sizeOf(*term.other) : 1.0;
+    estimate.isElsewhere = isElsewhere(term);
+    return estimate;
+}
+
+std::pair<RelationTerm, RelationEstimate> RelationTerms::best() const {
+    std::pair<RelationTerm, RelationEstimate> best{terms_.front(), estimate(terms_.front())};
+    for (std::size_t i = 1; i < terms_.size(); ++i) {
+        const RelationEstimate other = estimate(terms_[i]);
+        if (std::pair(other.isElsewhere, other.found) < std::pair(best.second.isElsewhere, best.second.found)) {
+            best = {terms_[i], other};
+        }
+    }
+    return best;
+}
+
+} // namespace orvane::adaptor

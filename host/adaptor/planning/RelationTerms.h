@@ -1,0 +1,56 @@
+#pragma once
+
+#include "host/adaptor/indices/SpatialRelation.h"
+#include "host/adaptor/statistics/SpaceStatistics.h"
+#include "host/adaptor/tables/VirtualTable.h"
+
+#include <sqlite3.h>
+
+#include <optional>
+#include <utility>
+#include <vector>
+
+namespace orvane::adaptor {
+
+/// A condition on a relation between the geometries of a table and an operand.
+struct RelationTerm {
+    int constraint; ///< of xBestIndex
+    SpatialRelation relation;
+    bool isSecondOperand = false;                   ///< the table's geometry
+    VirtualTable* other = nullptr;                  ///< of the operand; null where that is not known
+    std::optional<geometry::Envelope> operand = {}; ///< in the system of the table, if it is known
+};
+
+/// What a scan that looks a relation up finds, as far as statistics tell.
+struct RelationEstimate {
+    double found;      ///< rows for which the relation holds
+    double candidates; ///< rows whose envelope is such that it may
+    double scans;      ///< at most so many: one for each row of the operand's table
+    bool isElsewhere;  ///< decided in another system, row by row
+};
+
+/// The relations that a scan of a table may look up one of.
+class RelationTerms {
+public:
+    explicit RelationTerms(VirtualTable& table) : table_(table) {}
+
+    bool isEmpty() const { return terms_.empty(); }
+    /// A function of the geometry and a value.
+    void addFunction(sqlite3_index_info& info, int constraint);
+    /// An equality of an operand column, if it is a relation.
+    void addEquality(sqlite3_index_info& info, int constraint);
+
+    /// The one that finds the fewest rows.
+    std::pair<RelationTerm, RelationEstimate> best() const;
+
+private:
+    RelationEstimate estimate(const RelationTerm& term) const;
+    std::optional<double> countMatching(const RelationTerm& term, SpaceStatistics::Match match) const;
+    std::optional<geometry::Envelope> envelopeOf(sqlite3_value* value) const;
+    bool isElsewhere(const RelationTerm& term) const;
+
+    VirtualTable& table_;
+    std::vector<RelationTerm> terms_;
+};
+
+} // namespace orvane::adaptor
