@@ -19,7 +19,8 @@ std::optional<RelationName> relationNameOf(const char* collation) {
     const char* const end = text.data() + text.size();
     const auto [behind, error] = std::from_chars(text.data() + blank + 1, end, length);
     const auto left = static_cast<std::size_t>(end - behind);
-    if (error != std::errc() || left < 2 || *behind != ' ' || length > left - 2 || behind[1 + length] != ' ') {
+    if (error != std::errc() || left < 2 || *behind != ' ' || length > left - 2 ||
+        behind[1 + length] != ' ') {
         return std::nullopt;
     }
     return RelationName{std::string(text.substr(0, blank)), std::string(behind + 1, length),

@@ -127,7 +127,8 @@ std::pair<RelationTerm, RelationEstimate> RelationTerms::best() const {
     std::pair<RelationTerm, RelationEstimate> best{terms_.front(), estimate(terms_.front())};
     for (std::size_t i = 1; i < terms_.size(); ++i) {
         const RelationEstimate other = estimate(terms_[i]);
-        if (std::pair(other.isElsewhere, other.found) < std::pair(best.second.isElsewhere, best.second.found)) {
+        if (std::pair(other.isElsewhere, other.found) <
+            std::pair(best.second.isElsewhere, best.second.found)) {
             best = {terms_[i], other};
         }
     }

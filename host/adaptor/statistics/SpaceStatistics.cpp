@@ -13,6 +13,9 @@ using geometry::Envelope;
 
 /// Envelopes of the sample in a cell: 256 cells of 4096.
 constexpr std::size_t cellSize = 16;
+/// Envelopes that differ in size by more are counted in cells of their own: a few large ones meet as much as
+/// many small ones.
+constexpr double sizeRatio = 8;
 
 double centreX(const Envelope& envelope) {
     return envelope.minX / 2 + envelope.maxX / 2;
@@ -22,21 +25,29 @@ double centreY(const Envelope& envelope) {
     return envelope.minY / 2 + envelope.maxY / 2;
 }
 
+double sizeOf(const Envelope& envelope) {
+    return std::max(envelope.maxX - envelope.minX, envelope.maxY - envelope.minY);
+}
+
 /// A side of an extent, from low to high.
 struct Interval {
     double low;
     double high;
 };
 
-/// How likely a place in one interval is less than `reach` from one in the other, both spread evenly: the
-/// share of the rectangle of all pairs that lies in the band |a - b| < reach. Of it the pairs with a - b < t
+/// How likely a place in one interval is no more than `reach` from one in the other, both spread evenly: the
+/// share of the rectangle of all pairs that lies in the band |a - b| <= reach. Of it the pairs with a - b < t
 /// are a triangle less the corners that the rectangle has not.
 double likelihoodWithin(double reach, Interval a, Interval b) {
     if (reach < 0 || a.low - b.high > reach || b.low - a.high > reach) {
         return 0;
     }
-    const double least = std::max({std::abs(a.low), std::abs(a.high), std::abs(b.low), std::abs(b.high), 1.0}) * 1e-9;
-    const auto widened = [least](Interval side) { // a line or a point has a width here
+    const double extent = std::max(a.high, b.high) - std::min(a.low, b.low);
+    if (extent <= reach) {
+        return 1;
+    }
+    const double least = extent * 1e-6; // a place has a width here
+    const auto widened = [least](Interval side) {
         return side.high - side.low < least ? Interval{side.low - least, side.high + least} : side;
     };
     a = widened(a);
@@ -53,9 +64,13 @@ double likelihoodWithin(double reach, Interval a, Interval b) {
 /// How far the centres of two envelopes may be apart along one axis where they match.
 double reachOf(SpaceStatistics::Match match, double first, double second) {
     using Match = SpaceStatistics::Match;
+    // Of envelopes that are alike on average some are the smaller ones, and some the same.
+    const auto within = [](double inner, double outer) {
+        return std::max((outer - inner) / 2, inner <= 2 * outer ? std::min(inner, outer) / 4 : -1.0);
+    };
     switch (match) {
-    case Match::FirstWithin: return (second - first) / 2;
-    case Match::SecondWithin: return (first - second) / 2;
+    case Match::FirstWithin: return within(first, second);
+    case Match::SecondWithin: return within(second, first);
     case Match::CentreWithin: return second / 2;
     case Match::WithinCentre: return first / 2;
     case Match::Meet: break;
@@ -66,8 +81,15 @@ double reachOf(SpaceStatistics::Match match, double first, double second) {
 } // namespace
 
 SpaceStatistics::SpaceStatistics(std::span<Envelope> sample, double rows) : rows_(rows) {
-    if (!sample.empty()) {
-        divide(sample, rows / static_cast<double>(sample.size()));
+    std::sort(sample.begin(), sample.end(),
+              [](const Envelope& a, const Envelope& b) { return sizeOf(a) < sizeOf(b); });
+    const double rowsPerEnvelope = rows / static_cast<double>(std::max<std::size_t>(sample.size(), 1));
+    for (auto first = sample.begin(); first != sample.end();) {
+        const double most = sizeOf(*first) * sizeRatio;
+        const auto last =
+            std::find_if(first, sample.end(), [most](const Envelope& each) { return sizeOf(each) > most; });
+        divide({first, last}, rowsPerEnvelope);
+        first = last;
     }
 }
 
@@ -85,22 +107,25 @@ void SpaceStatistics::divide(std::span<Envelope> sample, double rowsPerEnvelope)
         cell.rows = size * rowsPerEnvelope;
         cell.width /= size;
         cell.height /= size;
+        // Features lie beyond the outermost ones of the sample, too.
+        const double x = wide / static_cast<double>(cellSize), y = high / static_cast<double>(cellSize);
+        cell.centres = {cell.centres.minX - x, cell.centres.minY - y, cell.centres.maxX + x,
+                        cell.centres.maxY + y};
         cells_.push_back(cell);
         return;
     }
     const auto half = sample.begin() + static_cast<std::ptrdiff_t>(sample.size() / 2);
     const auto centre = wide >= high ? centreX : centreY;
-    std::nth_element(sample.begin(), half, sample.end(), [centre](const Envelope& a, const Envelope& b) {
-        return centre(a) < centre(b);
-    });
+    std::nth_element(sample.begin(), half, sample.end(),
+                     [centre](const Envelope& a, const Envelope& b) { return centre(a) < centre(b); });
     divide({sample.begin(), half}, rowsPerEnvelope);
     divide({half, sample.end()}, rowsPerEnvelope);
 }
 
 double SpaceStatistics::countPairs(const Cell& first, const Cell& second, Match match) {
-    const double x = likelihoodWithin(reachOf(match, first.width, second.width),
-                                      {first.centres.minX, first.centres.maxX},
-                                      {second.centres.minX, second.centres.maxX});
+    const double x =
+        likelihoodWithin(reachOf(match, first.width, second.width), {first.centres.minX, first.centres.maxX},
+                         {second.centres.minX, second.centres.maxX});
     return x == 0 ? 0
                   : first.rows * second.rows * x *
                         likelihoodWithin(reachOf(match, first.height, second.height),
@@ -108,7 +133,10 @@ double SpaceStatistics::countPairs(const Cell& first, const Cell& second, Match 
                                          {second.centres.minY, second.centres.maxY});
 }
 
-double SpaceStatistics::countMatching(const Envelope& envelope, Match match) const {
+double SpaceStatistics::countMatching(const Envelope& window, Match match) const {
+    const auto bounded = [](double ordinate) { return std::clamp(ordinate, -largest, largest); };
+    const Envelope envelope{bounded(window.minX), bounded(window.minY), bounded(window.maxX),
+                            bounded(window.maxY)};
     Cell other;
     other.rows = 1;
     other.centres.add(centreX(envelope), centreY(envelope));
@@ -134,9 +162,8 @@ double SpaceStatistics::countPairs(const SpaceStatistics& first, const SpaceStat
 SpaceStatistics SpaceStatistics::inSystem(const cs::CoordSystem& target, const cs::CoordSystem& own) const {
     SpaceStatistics moved;
     for (const Cell& cell : cells_) {
-        const Envelope whole{
-            cell.centres.minX - cell.width / 2, cell.centres.minY - cell.height / 2,
-            cell.centres.maxX + cell.width / 2, cell.centres.maxY + cell.height / 2};
+        const Envelope whole{cell.centres.minX - cell.width / 2, cell.centres.minY - cell.height / 2,
+                             cell.centres.maxX + cell.width / 2, cell.centres.maxY + cell.height / 2};
         const auto image = geometry::envelopeIn(target, whole, own);
         if (!image) {
             continue;

@@ -26,14 +26,17 @@ public:
         WithinCentre, ///< the centre of the second lies in the first
     };
 
-    /// `rows` is the number of envelopes of the whole table that have a position. The sample is put into
-    /// another order.
+    /// Coordinates beyond are no places, and cannot be reckoned with.
+    static constexpr double largest = 1e100;
+
+    /// `rows` is the number of envelopes of the whole table that have a position. The sample, of coordinates
+    /// up to the largest, is put into another order.
     SpaceStatistics(std::span<geometry::Envelope> sample, double rows);
 
     /// Geometries of the table that have a position.
     double rows() const { return rows_; }
     /// How many of the envelopes match one, which is the second of each pair.
-    double countMatching(const geometry::Envelope& envelope, Match match) const;
+    double countMatching(const geometry::Envelope& window, Match match) const;
     /// How many pairs match, one of each table.
     static double countPairs(const SpaceStatistics& first, const SpaceStatistics& second, Match match);
 

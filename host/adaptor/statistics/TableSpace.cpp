@@ -3,7 +3,6 @@
 #include "platform/cs/CoordSystem.h"
 #include "platform/geometry/forms/GeometryFactory.h"
 
-#include <cmath>
 #include <exception>
 #include <vector>
 
@@ -34,18 +33,19 @@ std::shared_ptr<const SpaceStatistics> TableSpace::shared() {
 /// A table that cannot be read fails when it is scanned, not here.
 std::shared_ptr<const SpaceStatistics> TableSpace::sample() const try {
     const int attribute = table_->schema()->geometryIndex();
-    const auto rows = attribute < 0 ? nullptr : [&]{dp::ScanRequest r; r.attributes={attribute}; r.limit=sampledRows; return table_->openCursor(r);}(); // TEMP
+    const auto rows = attribute < 0 ? nullptr : table_->openSample({attribute}, sampledRows);
     if (!rows) {
         return nullptr;
     }
     std::vector<geometry::Envelope> envelopes;
     std::int64_t numRows = 0;
+    constexpr double largest = SpaceStatistics::largest;
+    const geometry::Envelope reckonable{-largest, -largest, largest, largest};
     for (; rows->next(); ++numRows) {
         const dp::Cell cell = rows->cell(attribute);
         const auto envelope =
             cell.type() == dp::CellType::Wkb ? geometry::envelopeOfWkb(cell.view()) : std::nullopt;
-        if (envelope && !envelope->isEmpty() && std::isfinite(envelope->maxX - envelope->minX) &&
-            std::isfinite(envelope->maxY - envelope->minY)) {
+        if (envelope && !envelope->isEmpty() && reckonable.contains(*envelope)) {
             envelopes.push_back(*envelope);
         }
     }

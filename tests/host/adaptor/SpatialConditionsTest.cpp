@@ -148,8 +148,16 @@ TEST_F(SpatialConditions, RelationsFindWhatTheFunctionsFind) {
         "Select a.id From % a, (Select id, MakeValid(obj) As object From $) b Where @ Order By 1",
         "Select a.id From % a Where Exists (Select 1 From $ b Where @) Order By 1",
         "Select b.id From $ b Where (Select Count(*) From % a Where @) > 0 Order By 1",
-        "Select a.id, b.id From % a Left Join $ b On @ Order By 1, 2"};
-    for (int round = 0; round < 120; ++round) {
+        "Select a.id, b.id From % a Left Join $ b On @ Order By 1, 2",
+        "Select a.id, b.id From % a Left Join $ b On a.id < b.id Where @ Order By 1, 2",
+        "Select a.id, b.id From % a Left Join $ b On a.id = b.id Where @ Or b.id < 9 Order By 1, 2",
+        "Select a.id, b.id From % a Right Join $ b On @ Order By 1, 2",
+        "Select a.id, b.id From % a Full Join $ b On @ And a.id > b.id Order By 1, 2",
+        "Select a.id, b.id From % a, $ b Where @ And b.obj Intersects a.obj Order By 1, 2",
+        "Select a.id, b.id, c.id From % a, $ b, points c Where @ And c.obj Intersects a.obj Order By 1, 2, 3",
+        "Select a.id, b.id From % a, $ b Where @ And a.rowid = 7 Order By 1, 2",
+        "Select a.id, b.id From % a, $ b Where @ And (a.id < 20 Or b.id = a.id) Order By 1, 2"};
+    for (int round = 0; round < 240; ++round) {
         std::string form = forms[random_() % std::size(forms)];
         const std::string a = tables[random_() % 4], b = tables[random_() % 4];
         const std::string relation = relations[random_() % std::size(relations)];
@@ -199,7 +207,7 @@ TEST_F(SpatialConditions, TheNearestComeFirst) {
         return ask(engine().translate(text).toStdString());
     };
     std::size_t numRead = 0;
-    for (int round = 0; round < 120; ++round) {
+    for (int round = 0; round < 240; ++round) {
         const std::string table = tables[random_() % std::size(tables)];
         const bool isPlace = random_() % 12 != 0;
         const std::string place =
