@@ -145,6 +145,11 @@ bool countsInFirstSystem(SpatialRelation relation) {
     }
 }
 
+bool holdsVertices(SpatialRelation relation) {
+    return relation == SpatialRelation::Within || relation == SpatialRelation::CoveredBy ||
+           relation == SpatialRelation::CentroidWithin;
+}
+
 SpatialRelation converseOf(SpatialRelation relation) {
     switch (relation) {
     case SpatialRelation::Contains: return SpatialRelation::Within;

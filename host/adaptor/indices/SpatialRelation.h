@@ -29,6 +29,9 @@ bool countsInFirstSystem(SpatialRelation relation);
 /// The relation from the second operand to the first.
 SpatialRelation converseOf(SpatialRelation relation);
 
+/// Whether the relation says only that vertices of the first operand, or its centroid, lie in the second.
+bool holdsVertices(SpatialRelation relation);
+
 /// The relation that an SQL function asks for, letter case ignored.
 std::optional<SpatialRelation> spatialRelationOf(const char* functionName);
 

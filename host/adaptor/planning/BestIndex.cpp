@@ -315,7 +315,7 @@ private:
         hand(term.constraint, true);
         leaveOutOperand(constraint(term.constraint).iColumn);
         hasOpenOperand_ = true;
-        estimate_.takeRelation(estimate, virtual_.hasSpatialIndex() || table_.usesWindow());
+        estimate_.takeRelation(estimate, virtual_.spatialIndexing().hasTree(table_) || table_.usesWindow());
     }
 
     /// An operand column that nothing but the condition taken over names is not read.

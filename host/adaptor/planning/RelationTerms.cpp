@@ -101,11 +101,17 @@ std::optional<double> RelationTerms::countMatching(const RelationTerm& term, Mat
     return own ? std::optional(own->countMatching(*term.operand, match)) : std::nullopt;
 }
 
+/// Not where only vertices, or the centroid, have to lie in something: these have an image in the table.
 bool RelationTerms::isElsewhere(const RelationTerm& term) const {
+    const SpatialRelation ofColumn = term.isSecondOperand ? converseOf(term.relation) : term.relation;
     const auto own = table_.table().coordSystem();
     const auto other = term.other ? term.other->table().coordSystem() : nullptr;
-    return own && other && countsInFirstSystem(term.relation) == term.isSecondOperand && own != other &&
-           !own->equals(*other);
+    if (countsInFirstSystem(term.relation) != term.isSecondOperand || !own || !other || own->equals(*other) ||
+        holdsVertices(ofColumn)) {
+        return false;
+    }
+    const SpaceStatistics* statistics = table_.space().statistics();
+    return !statistics || !statistics->arePositions();
 }
 
 RelationEstimate RelationTerms::estimate(const RelationTerm& term) const {

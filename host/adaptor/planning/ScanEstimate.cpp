@@ -87,14 +87,16 @@ void ScanEstimate::takeRowNumbers(bool isList) {
 void ScanEstimate::takeRelation(const RelationEstimate& relation, bool isReady) {
     passing_ *= std::min(1.0, relation.found / rows_);
     if (relation.isElsewhere) {
-        relationCost_ = rows_ * (cost::handedRow + cost::relation);
+        relationCost_ = rows_ * (cost::handedRow + cost::testedRow);
         return;
     }
     fetches_ = true;
     // One tree serves all scans; without, each would have to look at all envelopes.
     const double scans = std::clamp(relation.scans, 1.0, assumedLookups);
-    const double making = rows_ * std::min(cost::boxTest, cost::treeRow / scans);
-    relationCost_ = relation.candidates * cost::relation + (isReady ? 0 : making);
+    const double making = isReady ? 0 : rows_ * std::min(cost::boxTest, cost::treeRow / scans);
+    // A function that nobody took over SQLite would call for each pair of rows, and take for free.
+    const double opening = relation.scans > 1 ? cost::opening : 0;
+    relationCost_ = opening + relation.candidates * cost::relation + making;
 }
 
 void ScanEstimate::expectLookups(const TableDeclaration::Column& column) {

@@ -196,16 +196,12 @@ SpatialRelation VirtualCursor::relationOfColumn() const {
 /// position only vertices, and the centroid, can be told to lie in an envelope.
 bool VirtualCursor::readElsewhere(const GeometryPtr& related) {
     testOnEachRow(related);
-    const SpatialRelation relation = relationOfColumn();
-    const bool holdsVertices = relation == SpatialRelation::Within ||
-                               relation == SpatialRelation::CoveredBy ||
-                               relation == SpatialRelation::CentroidWithin;
     const geometry::Envelope envelope = related->envelope();
     if (envelope.isEmpty()) {
         return false;
     }
     SpatialIndexing& indexing = table_.spatialIndexing();
-    if (holdsVertices || indexing.tree(table_.table(), cancellation_).arePositions()) {
+    if (holdsVertices(relationOfColumn()) || indexing.tree(table_.table(), cancellation_).arePositions()) {
         if (const auto here = geometry::envelopeIn(*coordSystem_, envelope, *related->coordSystem())) {
             indexing.findInEnvelope(*here, table_.table(), request_, cancellation_);
         }

@@ -93,6 +93,11 @@ SpaceStatistics::SpaceStatistics(std::span<Envelope> sample, double rows) : rows
     }
 }
 
+bool SpaceStatistics::arePositions() const {
+    return std::all_of(cells_.begin(), cells_.end(),
+                       [](const Cell& cell) { return cell.width == 0 && cell.height == 0; });
+}
+
 void SpaceStatistics::divide(std::span<Envelope> sample, double rowsPerEnvelope) {
     Cell cell;
     for (const Envelope& each : sample) {

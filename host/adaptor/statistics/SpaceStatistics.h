@@ -35,6 +35,8 @@ public:
 
     /// Geometries of the table that have a position.
     double rows() const { return rows_; }
+    /// Whether the envelopes of the sample are all of no size.
+    bool arePositions() const;
     /// How many of the envelopes match one, which is the second of each pair.
     double countMatching(const geometry::Envelope& window, Match match) const;
     /// How many pairs match, one of each table.

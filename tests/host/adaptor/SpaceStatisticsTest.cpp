@@ -26,17 +26,17 @@ protected:
     Envelope feature(int kind, int row) {
         const auto side = [this](double typical) { return typical * std::exp(number(-2, 2)); };
         switch (kind) {
-        case 0: return box(number(0, 1000), number(0, 1000), 0, 0);                                // places
-        case 1: return box((row % 70) * 14.0, (row / 70) * 14.0, 14, 14);                          // parcels
-        case 2: return box(number(0, 1000), number(0, 1000), side(20), side(1));                   // roads
-        case 3: {                                                                                  // towns
+        case 0: return box(number(0, 1000), number(0, 1000), 0, 0);              // places
+        case 1: return box((row % 70) * 14.0, (row / 70) * 14.0, 14, 14);        // parcels
+        case 2: return box(number(0, 1000), number(0, 1000), side(20), side(1)); // roads
+        case 3: {                                                                // towns
             const double x = (row % 40) * 25.0, y = ((row * 7) % 40) * 25.0;
             return box(x + number(-1, 1), y + number(-1, 1), 0, 0);
         }
-        case 4: return row % 100 == 0 ? box(500, 500, 900, 900) : box(number(0, 100), 3, 1, 1);    // skewed
-        case 5: return box(7, 7, 0, 0);                                                            // one place
-        case 6: return box(number(0, 1000), 500, 0, 0);                                            // a line
-        default: return box(number(300, 400), number(300, 900), side(60), side(60));               // districts
+        case 4: return row % 100 == 0 ? box(500, 500, 900, 900) : box(number(0, 100), 3, 1, 1); // skewed
+        case 5: return box(7, 7, 0, 0);                                                         // one place
+        case 6: return box(number(0, 1000), 500, 0, 0);                                         // a line
+        default: return box(number(300, 400), number(300, 900), side(60), side(60));            // districts
         }
     }
     static constexpr int kinds = 8;
@@ -73,7 +73,8 @@ protected:
     }
 
     /// Counts a wrong estimate: by more than ten times, where more than a few are found.
-    void expect(double estimate, double truth, double few, const char* what, int kind, int other, Match match) {
+    void expect(double estimate, double truth, double few, const char* what, int kind, int other,
+                Match match) {
         ++numCases_;
         if (estimate > 10 * std::max(truth, few) || truth > 10 * std::max(estimate, few)) {
             ++numWrong_;
@@ -140,7 +141,8 @@ TEST_F(SpaceStatisticsTest, OfNothingAndOfEdges) {
     Envelopes none;
     const SpaceStatistics empty(none, 0);
     EXPECT_EQ(empty.countMatching(Envelope::everything(), Match::Meet), 0);
-    Envelopes edges{{-1e100, -1e100, 1e100, 1e100}, {0, 0, 0, 0}, {1e-300, 1e-300, 2e-300, 2e-300}, {1e99, 0, 1e99, 0}};
+    Envelopes edges{
+        {-1e100, -1e100, 1e100, 1e100}, {0, 0, 0, 0}, {1e-300, 1e-300, 2e-300, 2e-300}, {1e99, 0, 1e99, 0}};
     const SpaceStatistics odd(edges, 4);
     for (const Match match : allMatches) {
         const double count = odd.countMatching({-1e308, 0, 1, 1e308}, match);

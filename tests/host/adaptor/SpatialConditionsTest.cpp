@@ -207,7 +207,7 @@ TEST_F(SpatialConditions, TheNearestComeFirst) {
         return ask(engine().translate(text).toStdString());
     };
     std::size_t numRead = 0;
-    for (int round = 0; round < 240; ++round) {
+    for (int round = 0; round < 120; ++round) {
         const std::string table = tables[random_() % std::size(tables)];
         const bool isPlace = random_() % 12 != 0;
         const std::string place =
