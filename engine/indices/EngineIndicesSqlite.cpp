@@ -54,6 +54,13 @@ struct EngineIndicesSqlite::Internal {
         return found == indices.end() ? nullptr : &found->second;
     }
 
+    /// Most statements need none, and making it takes as long as looking a row up in a file.
+    void requireOrder() {
+        if (!options.order) {
+            options.order = LocaleOrder::current();
+        }
+    }
+
     void closeStorage() {
         indices.clear();
         lookups.reset();
@@ -67,6 +74,7 @@ struct EngineIndicesSqlite::Internal {
     void openStorage() {
         closeStorage();
         fileName = makeStorageFile();
+        requireOrder();
         database = openStorageDatabase(fileName, options);
         lookups = std::make_shared<LookupStatements>(database);
     }
@@ -95,6 +103,7 @@ struct EngineIndicesSqlite::Internal {
     }
     PatternRanges& patterns() {
         if (!patternRanges) {
+            requireOrder();
             patternRanges = std::make_shared<PatternRanges>(options.order);
         }
         return *patternRanges;
@@ -147,7 +156,6 @@ EngineIndicesSqlite::EngineIndicesSqlite(const EngineIndicesSetup& setup, Engine
     internal_->options.caseInsensitiveGlob = setup.value("UseCaseInsensitiveGlob", false).toBool();
     internal_->options.caseInsensitiveLike = setup.value("UseCaseInsensitiveLike", false).toBool();
     internal_->options.collate = setup.value("Collate", QString()).toString();
-    internal_->options.order = LocaleOrder::current();
 }
 
 EngineIndicesSqlite::~EngineIndicesSqlite() {

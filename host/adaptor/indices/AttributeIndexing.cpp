@@ -330,7 +330,7 @@ bool AttributeIndexing::collect(EngineIndices::RowLookup& rowLookup, const Terms
 }
 
 int AttributeIndexing::indexOn(int attribute) const {
-    const EngineIndices* indices = store();
+    const EngineIndices* indices = known_ ? store() : nullptr;
     return indices && indices == known_ ? findIndex({attribute}, *indices) : -1;
 }
 

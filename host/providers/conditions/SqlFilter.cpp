@@ -17,23 +17,33 @@ namespace {
 /// Longer lists are replaced by the range they span; the cursor tests the values anyway.
 constexpr std::size_t mostRanges = 64;
 
-/// Stored fractions in a column of integers are read without their fraction: 5.7 counts as 5, -0.3 as 0.
+/// Up to here all integers are reals, and reals have fractions.
+constexpr std::int64_t mostFractional = std::int64_t{1} << 52;
+
+/// The end of a range for what is stored with a fraction in a column of integers and read without it: 5.7
+/// counts as 5, -0.3 as 0.
+std::string withFractions(std::int64_t end, bool isLow) {
+    if (isLow && end == std::numeric_limits<std::int64_t>::min()) {
+        return sqlNumber(-std::numeric_limits<double>::infinity()); // read as the least integer
+    }
+    const bool isInwards = isLow ? end > 0 : end < 0;
+    if (isInwards || end <= -mostFractional || end >= mostFractional) {
+        return sqlNumber(end);
+    }
+    const double next = static_cast<double>(end) + (isLow ? -1.0 : 1.0);
+    return sqlNumber(std::nextafter(next, 0.0));
+}
+
+/// One comparison where SQLite computes the column once: it counts where every row is looked at.
 std::string sqlRange(const std::string& name, dp::Range<std::int64_t> range) {
-    std::string text;
-    if (range.low != std::numeric_limits<std::int64_t>::min()) {
-        text = name + " > " + sqlNumber(range.low - 1);
-    }
-    if (range.high != std::numeric_limits<std::int64_t>::max()) {
-        text += (text.empty() ? "" : " AND ") + name + " < " + sqlNumber(range.high + 1);
-    }
-    return text.empty() ? name + " IS NOT NULL" : text;
+    return name + " BETWEEN " + withFractions(range.low, true) + " AND " + withFractions(range.high, false);
 }
 
 /// Stored integers beyond 2^53 are read as the nearest real: the range is widened by one real at each end.
 std::string sqlRange(const std::string& name, dp::Range<double> range) {
     const double infinite = std::numeric_limits<double>::infinity();
-    return name + " >= " + sqlNumber(std::nextafter(range.low, -infinite)) + " AND " + name +
-           " <= " + sqlNumber(std::nextafter(range.high, infinite));
+    return name + " BETWEEN " + sqlNumber(std::nextafter(range.low, -infinite)) + " AND " +
+           sqlNumber(std::nextafter(range.high, infinite));
 }
 
 /// Texts and blobs compare greater than every number.
@@ -118,8 +128,11 @@ SqlTraits sqlTraitsOf(GDALDatasetH dataset, OGRLayerH layer, const LayerSchema& 
 
     const std::string table = OGR_L_GetName(layer);
     const auto indexed = queryColumn(
-        dataset, "SELECT c.name FROM pragma_index_list(" + utils::sqlText(table) +
-                     ") AS i, pragma_index_info(i.name) AS c WHERE c.seqno = 0 AND NOT i.partial");
+        dataset,
+        "SELECT c.name FROM pragma_index_list(" + utils::sqlText(table) +
+            ") AS i, pragma_index_xinfo(i.name) AS c WHERE c.seqno = 0 AND NOT i.partial AND (c.coll = "
+            "'BINARY' OR c.name IN (SELECT name FROM pragma_table_info(" +
+            utils::sqlText(table) + ") WHERE type NOT LIKE '%TEXT%' AND type NOT LIKE '%CHAR%'))");
     for (std::size_t i = 0; i < schema.columns.size(); ++i) {
         const auto& column = schema.columns[i];
         traits.isIndexed[i] = column.source == LayerColumn::Source::FeatureId ||
