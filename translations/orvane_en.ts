@@ -141,6 +141,14 @@
         <translation>spatial index of the file</translation>
     </message>
     <message>
+        <source>индекс файла по %0</source>
+        <translation>index of the file on %0</translation>
+    </message>
+    <message>
+        <source>просмотр рамок геометрии</source>
+        <translation>scan of the bounding boxes of the geometry</translation>
+    </message>
+    <message>
         <source>просмотр всей таблицы: у геометрий разные системы координат</source>
         <translation>scan of the whole table: the geometries have different coordinate systems</translation>
     </message>

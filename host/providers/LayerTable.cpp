@@ -50,6 +50,10 @@ bool LayerTable::usesTerm(int attribute, dp::Comparison comparison, dp::TextColl
     return reader_->usesTerm(attribute, comparison, collation);
 }
 
+bool LayerTable::looksUp(int attribute, dp::Comparison comparison, dp::TextCollation collation) const {
+    return reader().looksUp(attribute, comparison, collation);
+}
+
 bool LayerTable::usesWindow() const {
     return reader().usesWindow();
 }

@@ -37,6 +37,7 @@ public:
     std::optional<std::int64_t> featureCount() const override;
     std::uint64_t revision() const override;
     bool usesTerm(int attribute, dp::Comparison comparison, dp::TextCollation collation) const override;
+    bool looksUp(int attribute, dp::Comparison comparison, dp::TextCollation collation) const override;
     /// True for layers of GeoPackage and SpatiaLite files with a spatial index that can be trusted.
     bool usesWindow() const override;
 

@@ -69,6 +69,9 @@ public:
 
     /// The identifier of the current row.
     virtual FeatureId featureId() = 0;
+
+    /// Whether an index of the source's own finds the rows: for who wants to know how a query is answered.
+    virtual bool isLookedUp() const { return false; }
 };
 
 /// Reads a sample of a table: runs of rows that follow each other in it, from all over it.

@@ -29,6 +29,10 @@ bool Table::usesTerm(int, Comparison, TextCollation) const {
     return false;
 }
 
+bool Table::looksUp(int, Comparison, TextCollation) const {
+    return false;
+}
+
 FeaturePtr Table::feature(const FeatureId& id) {
     const std::shared_ptr<const TableSchema> attributes = schema();
     ScanRequest request;

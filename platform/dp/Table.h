@@ -44,6 +44,8 @@ public:
 
     /// Whether openCursor makes use of a term of this kind, so that offering it saves rows.
     virtual bool usesTerm(int attribute, Comparison comparison, TextCollation collation) const;
+    /// Whether an index of the source's own finds the rows of a term of this kind.
+    virtual bool looksUp(int attribute, Comparison comparison, TextCollation collation) const;
     /// Whether openCursor makes use of a window: the table has a spatial index.
     virtual bool usesWindow() const { return false; }
 

@@ -61,7 +61,10 @@ QString describe(Access access, const ScanReport& report) {
     case Access::AttributeIndex:
         return Words::tr("индекс по %0 (%1)").arg(indexedConditions(report), origin(report));
     case Access::SpatialIndex: return Words::tr("R-дерево по геометрии (%0)").arg(origin(report));
+    case Access::SourceIndex:
+        return Words::tr("индекс файла по %0").arg(report.sourceIndexColumns.join(QStringLiteral(", ")));
     case Access::SourceSpatialIndex: return Words::tr("пространственный индекс файла");
+    case Access::SourceBoxes: return Words::tr("просмотр рамок геометрии");
     case Access::Memory: return Words::tr("строки в памяти");
     case Access::Relation: return Words::tr("просмотр всей таблицы: у геометрий разные системы координат");
     }

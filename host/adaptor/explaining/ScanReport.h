@@ -42,12 +42,14 @@ enum class Access : std::uint8_t {
     SourceFilter,
     RowNumber,
     AttributeIndex,
+    SourceIndex, ///< of the file
     SpatialIndex,
-    SourceSpatialIndex,
+    SourceSpatialIndex, ///< of the file
+    SourceBoxes,        ///< those of the geometries in memory
     Relation,
     Memory ///< rows kept for a scan that is made again and again
 };
-constexpr std::size_t accessCount = 8;
+constexpr std::size_t accessCount = 10;
 
 /// How one table of a statement was answered. The inner table of a join is scanned many times.
 struct ScanReport {
@@ -62,6 +64,7 @@ struct ScanReport {
     IndexUse lastIndexUse;
     std::vector<int> indexAttributes; ///< of the index asked last
     QStringList indexColumns;         ///< their names
+    QStringList sourceIndexColumns;   ///< that an index of the file finds
     std::optional<double> makingMs;   ///< of the attribute index or R-tree, when it was made meanwhile
 
     /// Takes down what came of asking for an attribute index of a table with that schema.

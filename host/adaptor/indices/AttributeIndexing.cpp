@@ -69,6 +69,14 @@ double AttributeIndexing::scanCost(const Terms& terms, double rows) const {
     return cost::opening + rows * perRow;
 }
 
+/// What an index would save, which is little where the source has one of its own.
+double AttributeIndexing::savedCost(const Terms& terms, double scanning) const {
+    const bool isLookedUp = std::any_of(terms.begin(), terms.end(), [this](const dp::ScanTerm* term) {
+        return table_->looksUp(term->attribute, term->comparison, term->collation);
+    });
+    return isLookedUp ? std::min(scanning, cost::sourceLookup) : scanning;
+}
+
 double AttributeIndexing::buildCost(const Attributes& attributes, double rows) const {
     double perRow = 0;
     for (const int attribute : attributes) {
@@ -206,8 +214,8 @@ std::optional<std::vector<dp::FeatureId>> AttributeIndexing::find(std::span<cons
         }
     }
     use_.attributes = &search.attributes;
-    const double savedCost = scanCost(chosen, static_cast<double>(*rows));
-    if (!prepare(search, conditions, savedCost, *indices, cancellation)) {
+    const double scanning = scanCost(chosen, static_cast<double>(*rows));
+    if (!prepare(search, conditions, savedCost(chosen, scanning), *indices, cancellation)) {
         return std::nullopt;
     }
     use_.outcome = Outcome::FindsMuch;
@@ -215,7 +223,7 @@ std::optional<std::vector<dp::FeatureId>> AttributeIndexing::find(std::span<cons
     if (search.failures >= mostFailures) {
         return std::nullopt;
     }
-    if (!collect(*search.rows, chosen, static_cast<std::size_t>(savedCost / cost::foundRow), found)) {
+    if (!collect(*search.rows, chosen, static_cast<std::size_t>(scanning / cost::foundRow), found)) {
         ++search.failures;
         return std::nullopt;
     }

@@ -104,6 +104,7 @@ private:
     bool isServed(const dp::ScanTerm& term, const engine::EngineIndices& store) const;
     Terms chooseTerms(std::span<const dp::ScanTerm> terms, const engine::EngineIndices& store) const;
     double scanCost(const Terms& terms, double rows) const;
+    double savedCost(const Terms& terms, double scanning) const;
     double buildCost(const Attributes& attributes, double rows) const;
     /// Prepares the search for an index that serves it; false when there is none.
     bool prepare(Search& search, const Conditions& conditions, double savedCost, engine::EngineIndices& store,

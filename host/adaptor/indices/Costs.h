@@ -20,9 +20,9 @@ constexpr double patternTest = 200;
 /// Of a row that is compared with the first ones in order.
 constexpr double sortedRow = 100;
 
-/// Of looking up by place in a spatial index of the file, and of a row that comes from there: reading,
-/// decoding and testing it.
-constexpr double sourceLookup = 150'000;
+/// Of looking up in an index of the file, and of a row that comes from there by place: reading, decoding and
+/// testing it.
+constexpr double sourceLookup = 120'000;
 constexpr double testedRow = 2000;
 /// Of testing a relation between two geometries that are prepared for it, and between their envelopes.
 constexpr double relation = 300;

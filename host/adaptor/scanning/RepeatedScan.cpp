@@ -24,9 +24,10 @@ void RepeatedScan::restart() {
     rows_.reset();
 }
 
-void RepeatedScan::countScan(const dp::Table& table, IndexUse::Outcome index) {
+void RepeatedScan::countScan(const dp::Table& table, IndexUse::Outcome index, bool isLookedUp) {
     mayBeLarge_ = index != IndexUse::Outcome::ScansCheaper && index != IndexUse::Outcome::Used;
-    spent_ += cost::opening + cost::textTest * static_cast<double>(table.featureCount().value_or(0));
+    const double scanning = cost::textTest * static_cast<double>(table.featureCount().value_or(0));
+    spent_ += cost::opening + (isLookedUp ? std::min(scanning, cost::sourceLookup) : scanning);
 }
 
 void RepeatedScan::countLookup(std::size_t rows) {

@@ -29,8 +29,9 @@ public:
     dp::Cursor* find(dp::Table& table, const dp::ScanRequest& request,
                      const work::Cancellation& cancellation);
 
-    /// Counts a scan over the table, or a look-up that found so many rows.
-    void countScan(const dp::Table& table, IndexUse::Outcome index);
+    /// Counts a scan over the table, which the source's own index may have shortened, or a look-up that found
+    /// so many rows.
+    void countScan(const dp::Table& table, IndexUse::Outcome index, bool isLookedUp);
     void countLookup(std::size_t rows);
 
     /// Whether the rows are in memory.

@@ -336,14 +336,14 @@ void VirtualCursor::openTerms() {
         return;
     }
     request_.ids = table_.indexing().find(request_.terms, cancellation_);
-    if (request_.ids) {
-        repeated_.countLookup(request_.ids->size());
-    } else {
-        repeated_.countScan(table, table_.indexing().lastUse().outcome);
-    }
     if (!request_.ids || !request_.ids->empty()) {
         scan_ = table.openCursor(request_);
         rows_ = scan_.get();
+    }
+    if (request_.ids) {
+        repeated_.countLookup(request_.ids->size());
+    } else {
+        repeated_.countScan(table, table_.indexing().lastUse().outcome, scan_->isLookedUp());
     }
 }
 
@@ -422,13 +422,18 @@ void VirtualCursor::report() {
         note(Access::RowNumber);
     } else if (plan_.relation || (nearest_ && plan_.byDistance == ScanPlan::ByDistance::Looked)) {
         const SpatialIndexing::Use& use = table_.spatialIndexing().lastUse();
-        note(use.isOfTable ? Access::SourceSpatialIndex : Access::SpatialIndex);
+        note(!use.isOfTable        ? Access::SpatialIndex
+             : scan_->isLookedUp() ? Access::SourceSpatialIndex
+                                   : Access::SourceBoxes);
         report.makingMs = use.makingMs ? use.makingMs : report.makingMs;
     } else if (rows_ && !scan_) {
         note(Access::Memory);
     } else if (isInIndexOrder_) {
         note(Access::AttributeIndex);
         report.take(table_.indexing().lastUse(), *table_.table().schema());
+    } else if (!request_.ids && scan_->isLookedUp()) {
+        note(Access::SourceIndex);
+        noteSourceIndices();
     } else {
         const bool isFiltered =
             std::any_of(report.planned.conditions.begin(), report.planned.conditions.end(),
@@ -436,6 +441,17 @@ void VirtualCursor::report() {
         note(request_.ids ? Access::AttributeIndex : isFiltered ? Access::SourceFilter : Access::WholeTable);
         if (!request_.terms.empty()) {
             report.take(table_.indexing().lastUse(), *table_.table().schema());
+        }
+    }
+}
+
+void VirtualCursor::noteSourceIndices() {
+    const dp::Table& table = table_.table();
+    for (const dp::ScanTerm& term : request_.terms) {
+        const QString name = table.schema()->at(term.attribute)->name();
+        if (table.looksUp(term.attribute, term.comparison, term.collation) &&
+            !report_->sourceIndexColumns.contains(name)) {
+            report_->sourceIndexColumns += name;
         }
     }
 }

@@ -65,6 +65,7 @@ private:
     void startOrdered();
     /// Tells the report how the scan that was just started gets its rows.
     void report();
+    void noteSourceIndices();
 
     VirtualTable& table_;
     const char* planText_ = nullptr; ///< the text of plan_; SQLite keeps it as long as the statement

@@ -12,8 +12,9 @@ public:
     /// `slots` gives for each attribute of the table its column in the batches, -1 for none. `filter` may be
     /// null.
     BatchCursor(std::unique_ptr<BatchReader> reader, std::vector<int> slots,
-                std::shared_ptr<const RowFilter> filter)
-        : reader_(std::move(reader)), slots_(std::move(slots)), filter_(std::move(filter)) {}
+                std::shared_ptr<const RowFilter> filter, bool isLookedUp = false)
+        : reader_(std::move(reader)), slots_(std::move(slots)), filter_(std::move(filter)),
+          isLookedUp_(isLookedUp) {}
 
     bool next() override;
     dp::Cell cell(int attribute) override {
@@ -24,6 +25,7 @@ public:
         return dp::FeatureId(QVariant(static_cast<qlonglong>(batch_.fids.number<std::int64_t>(row_))));
     }
     std::int64_t run() const override { return run_; }
+    bool isLookedUp() const override { return isLookedUp_; }
 
 private:
     bool nextBatch() {
@@ -35,6 +37,7 @@ private:
     std::unique_ptr<BatchReader> reader_;
     std::vector<int> slots_;
     std::shared_ptr<const RowFilter> filter_;
+    const bool isLookedUp_;
     ColumnBatch batch_;
     std::int64_t row_ = -1;
     std::int64_t run_ = -1;

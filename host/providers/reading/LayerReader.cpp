@@ -133,12 +133,13 @@ std::unique_ptr<dp::Cursor> LayerReader::openForCounting(const dp::ScanRequest& 
 
 std::unique_ptr<dp::SampleCursor> LayerReader::makeCursor(const Query& query,
                                                           std::unique_ptr<BatchReader> reader,
-                                                          std::shared_ptr<const RowFilter> filter) {
+                                                          std::shared_ptr<const RowFilter> filter,
+                                                          bool isLookedUp) {
     std::vector<int> slots(static_cast<std::size_t>(source_->schema()->numAttributes()), -1);
     for (std::size_t i = 0; i < query.requested.size(); ++i) {
         slots[static_cast<std::size_t>(query.requested[i])] = static_cast<int>(i);
     }
-    return std::make_unique<BatchCursor>(std::move(reader), std::move(slots), std::move(filter));
+    return std::make_unique<BatchCursor>(std::move(reader), std::move(slots), std::move(filter), isLookedUp);
 }
 
 std::unique_ptr<dp::SampleCursor> LayerReader::openSample(const std::vector<int>& attributes,
@@ -226,7 +227,7 @@ std::unique_ptr<dp::Cursor> LayerReader::openByDriver(const Query& query) {
     }
     auto filter = query.filter(query.requested.size());
     const auto shared = filter.isEmpty() ? nullptr : std::make_shared<const RowFilter>(std::move(filter));
-    return makeCursor(query, source_->scan(query.requested, rowsPerBatch, sql->text), shared);
+    return makeCursor(query, source_->scan(query.requested, rowsPerBatch, sql->text), shared, sql->usesIndex);
 }
 
 bool LayerReader::loadTestedColumns(const Query& query) {
@@ -303,6 +304,22 @@ bool LayerReader::usesTerm(int attribute, dp::Comparison comparison, dp::TextCol
     case ValueClass::Other: return comparison == Comparison::Is || comparison == Comparison::IsNot;
     }
     return false;
+}
+
+bool LayerReader::looksUp(int attribute, dp::Comparison comparison, dp::TextCollation collation) {
+    using dp::Comparison;
+    switch (comparison) {
+    case Comparison::Equal:
+    case Comparison::Is:
+    case Comparison::In:
+    case Comparison::Less:
+    case Comparison::LessOrEqual:
+    case Comparison::Greater:
+    case Comparison::GreaterOrEqual:
+        followFile();
+        return usesTerm(attribute, comparison, collation) && source_->isIndexed(attribute);
+    default: return false;
+    }
 }
 
 void LayerReader::invalidate() {

@@ -27,6 +27,7 @@ public:
     std::optional<std::int64_t> featureCount();
     BatchCache::TableKey revision();
     bool usesTerm(int attribute, dp::Comparison comparison, dp::TextCollation collation) const;
+    bool looksUp(int attribute, dp::Comparison comparison, dp::TextCollation collation);
     bool usesWindow() { return source_->hasSpatialIndex(); }
     /// Forgets everything that was read: the rows have changed.
     void invalidate();
@@ -50,7 +51,8 @@ private:
     std::unique_ptr<dp::Cursor> openByTestedColumns(const Query& query);
     std::unique_ptr<dp::Cursor> openFullScan(const Query& query);
     std::unique_ptr<dp::SampleCursor> makeCursor(const Query& query, std::unique_ptr<BatchReader> reader,
-                                                 std::shared_ptr<const RowFilter> filter);
+                                                 std::shared_ptr<const RowFilter> filter,
+                                                 bool isLookedUp = false);
 
     /// Counts look-ups of features; true when keeping their columns in memory has become cheaper.
     bool lookupsCostMoreThanAScan(std::size_t count);

@@ -72,6 +72,10 @@ bool LayerSource::findsRows() {
     return OGR_L_TestCapability(makeScan().layer, OLCRandomRead) != 0;
 }
 
+bool LayerSource::isIndexed(int attribute) {
+    return sqlTraits().isIndexed[static_cast<std::size_t>(attribute)];
+}
+
 bool LayerSource::hasSpatialIndex() {
     return schema_->schema->geometryIndex() >= 0 && spatialIndex().has_value();
 }

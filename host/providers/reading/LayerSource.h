@@ -27,6 +27,7 @@ public:
     std::optional<std::int64_t> rowCount() override;
     bool countsExactly() override;
     bool findsRows() override;
+    bool isIndexed(int attribute) override;
     bool hasSpatialIndex() override;
     std::optional<Filter> filterOf(const std::vector<Test>& tests,
                                    const std::optional<geometry::Envelope>& window) override;

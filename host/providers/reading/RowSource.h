@@ -46,6 +46,8 @@ public:
     virtual bool countsExactly() = 0;
     /// Whether finding a row by its identifier needs no scan.
     virtual bool findsRows() = 0;
+    /// Whether an index of the file begins with the attribute, so that a filter on it reads few rows.
+    virtual bool isIndexed(int) { return false; }
     virtual bool hasSpatialIndex() { return false; }
     /// A filter that lets every row pass that passes the tests, and whose box meets the window; nothing where
     /// reading all rows is as good.
