@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/geometry/shapes/Coordinates.h"
+#include "platform/dp/ScanRequest.h"
 
 #include <gdal.h>
 
