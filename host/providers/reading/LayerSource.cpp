@@ -136,30 +136,32 @@ std::unique_ptr<BatchReader> LayerSource::sampleByRange(const std::vector<int>& 
                                                         std::int64_t rows) {
     const auto& identifier = sqlTraits().identifier;
     const auto inTable = std::max<std::int64_t>(1, rowCount().value_or(rows));
-    auto layer = makeScan();
-    const auto ids =
-        occupiedIds(layer.lease.dataset(), utils::sqlIdentifier(std::string_view(OGR_L_GetName(layer.layer))),
-                    identifier, inTable);
-    layer = makeScan(attributes);
+    auto scan = makeScan(attributes);
+    const auto table = utils::sqlIdentifier(std::string_view(OGR_L_GetName(scan.layer)));
+    const auto ids = occupiedIds(scan.lease.dataset(), table, identifier, inTable);
     constexpr double mostPerRow = 8; // where gaps are everywhere, fewer rows come
     auto runs =
         randomRuns(ids, rows, std::clamp(lengthOf(ids) / static_cast<double>(inTable), 1.0, mostPerRow));
-    layer.filter = runs.empty() ? "0" : std::string();
+    std::string ends;
     for (const auto& run : runs) {
-        layer.filter += (layer.filter.empty() ? "(" : " OR (") + identifier +
-                        " >= " + std::to_string(run.low) + " AND " + identifier +
-                        " <= " + std::to_string(run.high) + ")";
+        ends +=
+            (ends.empty() ? "(" : ", (") + std::to_string(run.low) + ", " + std::to_string(run.high) + ")";
     }
-    return std::make_unique<RunReader>(startScan(std::move(layer)), std::move(runs));
+    // Planning hundreds of ranges one by one would take longer than reading them.
+    scan.filter = ends.empty() ? "0"
+                               : identifier + " IN (SELECT t." + identifier + " FROM (VALUES " + ends +
+                                     ") CROSS JOIN " + table + " AS t WHERE t." + identifier +
+                                     " BETWEEN column1 AND column2)";
+    return std::make_unique<RunReader>(startScan(std::move(scan)), std::move(runs));
 }
 
 /// Null where the format does not number its rows, or the numbers are not those that were expected.
 std::unique_ptr<BatchReader> LayerSource::sampleByNumber(const std::vector<int>& attributes,
                                                          std::int64_t rows) {
+    const auto count = rowCount();
     auto scan = makeScan(attributes);
     const QByteArray driver(GDALGetDriverShortName(GDALGetDatasetDriver(scan.lease.dataset())));
     const bool numbersRows = driver == "ESRI Shapefile" || driver == "FlatGeobuf" || driver == "MapInfo File";
-    const auto count = rowCount();
     if (!numbersRows || !count || OGR_L_TestCapability(scan.layer, OLCRandomRead) == 0) {
         return nullptr;
     }
