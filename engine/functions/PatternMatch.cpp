@@ -1,4 +1,4 @@
-#include "engine/functions/PatternMatch.h"
+#include <orvane/engine/functions/PatternMatch.h>
 
 #include "engine/functions/LetterCase.h"
 #include "platform/utils/Utf8.h"

@@ -1,11 +1,11 @@
 #include <orvane/engine/functions/Text.h>
 
 #include "Barrier.h"
-#include "PatternMatch.h"
 #include "PreparedArgument.h"
 #include "TextArguments.h"
 #include "platform/utils/Utf8.h"
 #include <orvane/engine/functions/Converters.h>
+#include <orvane/engine/functions/PatternMatch.h>
 
 #include <cstring>
 #include <optional>

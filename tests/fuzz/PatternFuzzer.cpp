@@ -2,7 +2,7 @@
 // alike.
 #include "support/PatternExpression.h"
 
-#include "engine/functions/PatternMatch.h"
+#include <orvane/engine/functions/PatternMatch.h>
 
 #include <cstdlib>
 

@@ -94,7 +94,8 @@ class Planner {
 public:
     Planner(VirtualTable& table, sqlite3_index_info& info)
         : virtual_(table), indexing_(table.indexing()), table_(table.table()),
-          declaration_(table.declaration()), info_(info), estimate_(table_, indexing_), relations_(table) {
+          declaration_(table.declaration()), info_(info), estimate_(table_, indexing_, table.values()),
+          relations_(table) {
         plan_.columnsUsed = info.colUsed;
     }
 
@@ -109,6 +110,7 @@ public:
         if (!noteOrigin()) {
             return false;
         }
+        readStatistics();
         // Terms are checked in this order: texts, which are slow to compare, only where the numbers agree.
         for (const bool numbers : {true, false}) {
             for (int i = 0; i < info_.nConstraint; ++i) {
@@ -134,6 +136,31 @@ private:
     void hand(int i, bool omit) {
         info_.aConstraintUsage[i].argvIndex = ++arguments_;
         info_.aConstraintUsage[i].omit = omit;
+    }
+
+    /// What the values of the columns are like matters where several tables can be put in order: where a
+    /// constraint waits for another table, or has a value that is not known yet. A scan by itself is not
+    /// worth a look at the table first, unless somebody wants to know.
+    void readStatistics() {
+        bool isJoined = recorder_ != nullptr;
+        std::vector<int> attributes;
+        for (int i = 0; i < info_.nConstraint; ++i) {
+            const auto comparison = comparisonOf(constraint(i).op);
+            isJoined = isJoined || !constraint(i).usable;
+            if (!comparison || constraint(i).iColumn < 0) {
+                continue;
+            }
+            const auto& column = declaration_.columns()[static_cast<std::size_t>(constraint(i).iColumn)];
+            if (column.attribute < 0 || (column.kind != Kind::Number && column.kind != Kind::Text)) {
+                continue;
+            }
+            attributes.push_back(column.attribute);
+            const bool hasOperand = *comparison != Comparison::IsNull && *comparison != Comparison::IsNotNull;
+            isJoined = isJoined || (hasOperand && !constantOperand(i) && sqlite3_vtab_in(&info_, i, -1) == 0);
+        }
+        if (isJoined) {
+            virtual_.values().read(std::move(attributes));
+        }
     }
 
     bool isOnNumber(int i) const {
@@ -242,7 +269,7 @@ private:
         const auto operand = constantOperand(i);
         const bool isText = operand && operand->type() == dp::CellType::Text;
         if (!column.isLocaleText() || (isText && !isLookedUp(comparison, *operand))) {
-            estimate_.takeUnservedPattern(comparison);
+            estimate_.takeUnservedPattern(column, comparison, operand);
             return;
         }
         hand(i, false);

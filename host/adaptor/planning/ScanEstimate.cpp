@@ -2,6 +2,10 @@
 
 #include "host/adaptor/indices/Costs.h"
 
+#include <charconv>
+#include <string>
+#include <utility>
+
 namespace orvane::adaptor {
 
 namespace {
@@ -16,8 +20,10 @@ constexpr std::int64_t assumedRows = 100'000;
 constexpr double assumedLookups = 10'000;
 /// Up to so many rows an index is asked how many a condition finds.
 constexpr std::size_t mostCounted = 1000;
-/// Rows that share one value, in a table of any size.
+/// Rows that share one value, in a table of any size of whose values nothing is known.
 constexpr double assumedGroup = 25;
+/// Values of an In list, which are known only when the scan starts.
+constexpr double assumedList = 25;
 
 /// The share of rows that a term lets pass, as far as nothing is known of the values.
 double selectivity(Comparison comparison) {
@@ -35,22 +41,60 @@ double selectivity(Comparison comparison) {
     }
 }
 
+bool isNullTest(Comparison comparison) {
+    return comparison == Comparison::IsNull || comparison == Comparison::IsNotNull;
+}
+
+bool excludesValue(Comparison comparison) {
+    return comparison == Comparison::NotEqual || comparison == Comparison::IsNot;
+}
+
+std::optional<dp::ScanValue> numberIn(std::string_view text) {
+    const char* const end = text.data() + text.size();
+    std::int64_t integer = 0;
+    if (const auto read = std::from_chars(text.data(), end, integer);
+        read.ec == std::errc() && read.ptr == end) {
+        return integer;
+    }
+    double real = 0;
+    const auto read = std::from_chars(text.data(), end, real);
+    return read.ec == std::errc() && read.ptr == end ? std::optional<dp::ScanValue>(real) : std::nullopt;
+}
+
+/// The operand as SQLite converts it before it compares the column with it; nothing where that is not known
+/// to be one of the column's kind.
+std::optional<dp::ScanValue> asKindOf(const TableDeclaration::Column& column, const dp::Cell& operand) {
+    const bool isNumber = column.kind == Kind::Number;
+    switch (operand.type()) {
+    case dp::CellType::Integer:
+        return isNumber ? dp::ScanValue(operand.integer()) : dp::ScanValue(std::to_string(operand.integer()));
+    case dp::CellType::Real: return isNumber ? std::optional<dp::ScanValue>(operand.real()) : std::nullopt;
+    case dp::CellType::Text:
+        return isNumber ? numberIn(operand.view()) : dp::ScanValue(std::string(operand.view()));
+    default: return std::nullopt;
+    }
+}
+
 } // namespace
 
-ScanEstimate::ScanEstimate(const dp::Table& table, const AttributeIndexing& indexing)
-    : table_(table), indexing_(indexing),
+ScanEstimate::ScanEstimate(const dp::Table& table, const AttributeIndexing& indexing,
+                           const ValueStatistics& values)
+    : table_(table), indexing_(indexing), values_(values),
       rows_(std::max(1.0, static_cast<double>(table.featureCount().value_or(assumedRows)))), passing_(rows_),
       scanned_(rows_) {}
 
 void ScanEstimate::takeTerm(const TableDeclaration::Column& column, Comparison comparison,
                             dp::TextCollation collation, const Operand& operand) {
     const bool isServed = indexing_.isOn() && AttributeIndexing::serves(column, collation, rows_);
-    const bool isOwnKind = operand && column.comparesAsIs(operand->type());
     // Texts that a file keeps apart may be equal under the collation, so only numbers are known to be unique.
     const bool findsOne = isEquality(comparison) && column.unique && column.kind == Kind::Number;
-    const double share = findsOne                ? 1 / rows_
-                         : isServed && isOwnKind ? shareByIndex(column, comparison, *operand)
-                                                 : shareOf(column, comparison);
+    const bool isKnown = operand && column.comparesAsIs(operand->type()) && isServed;
+    const auto counted = isKnown && !findsOne && !excludesValue(comparison)
+                             ? countByIndex(column, comparison, *operand)
+                             : std::nullopt;
+    const double share = findsOne  ? 1 / rows_
+                         : counted ? *counted / rows_
+                                   : shareOf(column, comparison, collation, operand);
     passing_ *= share;
     isUnique_ = isUnique_ || findsOne;
     if (isEquality(comparison) && isServed && (!operand || indexing_.averageGroup(column.attribute))) {
@@ -66,15 +110,17 @@ void ScanEstimate::takePattern(const TableDeclaration::Column& column, Compariso
                                const Operand& pattern) {
     const bool isServed = indexing_.isOn() && AttributeIndexing::serves(column, column.collation, rows_);
     const bool isText = pattern && pattern->type() == dp::CellType::Text;
-    passing_ *= isServed && isText ? shareByIndex(column, comparison, *pattern) : selectivity(comparison);
+    const auto counted = isServed && isText ? countByIndex(column, comparison, *pattern) : std::nullopt;
+    passing_ *= counted ? *counted / rows_ : shareOfPattern(column, comparison, pattern);
     if (isServed && !pattern) {
         expectLookups(column);
     }
     filterCost_ = cost::patternTest;
 }
 
-void ScanEstimate::takeUnservedPattern(Comparison comparison) {
-    passing_ *= selectivity(comparison);
+void ScanEstimate::takeUnservedPattern(const TableDeclaration::Column& column, Comparison comparison,
+                                       const Operand& pattern) {
+    passing_ *= shareOfPattern(column, comparison, pattern);
     filterCost_ = cost::patternTest;
 }
 
@@ -106,29 +152,66 @@ void ScanEstimate::expectLookups(const TableDeclaration::Column& column) {
         std::max(makingCost_, column.kind == Kind::Number ? cost::indexedNumber : cost::indexedText);
 }
 
-/// The share of rows that a term lets pass whose operand is known.
-double ScanEstimate::shareByIndex(const TableDeclaration::Column& column, Comparison comparison,
-                                  const dp::Cell& operand) {
-    if (isEquality(comparison) || comparison == Comparison::NotEqual || comparison == Comparison::IsNot) {
-        return shareOf(column, comparison);
-    }
+/// Rows that a comparison with a known value finds, if there is an index and they are not many.
+std::optional<double> ScanEstimate::countByIndex(const TableDeclaration::Column& column,
+                                                 Comparison comparison, const dp::Cell& operand) {
     const auto count = indexing_.countRows(column.attribute, comparison, operand, mostCounted);
     if (!count || *count >= mostCounted) {
-        return selectivity(comparison);
+        return std::nullopt;
     }
     expectLookups(column);
-    return std::max(*count, 1.0) / rows_;
+    return std::max(*count, 1.0);
 }
 
-/// What an attribute index knows of the values, else a guess.
-double ScanEstimate::shareOf(const TableDeclaration::Column& column, Comparison comparison) const {
-    if (!isEquality(comparison)) {
-        return selectivity(comparison);
+/// The share of rows that a term lets pass: what is known of the values, else a guess.
+double ScanEstimate::shareOf(const TableDeclaration::Column& column, Comparison comparison,
+                             dp::TextCollation collation, const Operand& operand) {
+    const ColumnStatistics* const values = values_.find(column.attribute);
+    if (!values) {
+        return isEquality(comparison) ? shareOfOneValue(column) : selectivity(comparison);
     }
+    if (isNullTest(comparison)) {
+        return comparison == Comparison::IsNull ? values->shareOfNulls() : values->shareOfOthers();
+    }
+    if (comparison == Comparison::In) {
+        return std::min(assumedList * shareOfOneValue(column), selectivity(comparison));
+    }
+    if (operand && operand->isNull() && isEquality(comparison)) {
+        return comparison == Comparison::Is ? values->shareOfNulls() : 1 / rows_;
+    }
+    auto value = operand ? asKindOf(column, *operand) : std::nullopt;
+    if (isEquality(comparison)) {
+        return value ? values->shareOfValue(dp::cellOf(*value)) : shareOfOneValue(column);
+    }
+    return value ? narrow(*values, {column.attribute, comparison, collation, {std::move(*value)}})
+                 : selectivity(comparison);
+}
+
+/// What a range or exclusion leaves of the rows that those before on the same column let pass.
+double ScanEstimate::narrow(const ColumnStatistics& values, const dp::ScanTerm& term) {
+    Bounds& bounds = bounds_[term.attribute];
+    bounds.conditions.push_back(values.conditionOf(term));
+    const double share = values.shareOf(bounds.conditions);
+    return share / std::exchange(bounds.share, share);
+}
+
+/// The share of rows with one value of which nothing is known.
+double ScanEstimate::shareOfOneValue(const TableDeclaration::Column& column) const {
     if (const auto group = indexing_.averageGroup(column.attribute)) {
         return *group / rows_;
     }
-    return std::min(selectivity(comparison), assumedGroup / rows_);
+    const ColumnStatistics* const values = values_.find(column.attribute);
+    return values ? values->shareOfOneValue()
+                  : std::min(selectivity(Comparison::Equal), assumedGroup / rows_);
+}
+
+double ScanEstimate::shareOfPattern(const TableDeclaration::Column& column, Comparison comparison,
+                                    const Operand& pattern) const {
+    const ColumnStatistics* const values = values_.find(column.attribute);
+    if (!values || !pattern || pattern->type() != dp::CellType::Text || column.kind != Kind::Text) {
+        return selectivity(comparison);
+    }
+    return values->shareOfPattern(comparison, std::string(pattern->view()).c_str());
 }
 
 double ScanEstimate::findingCost() const {

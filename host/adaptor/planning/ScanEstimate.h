@@ -2,16 +2,19 @@
 
 #include "host/adaptor/indices/AttributeIndexing.h"
 #include "host/adaptor/planning/RelationTerms.h"
+#include "host/adaptor/statistics/ValueStatistics.h"
 
 #include "platform/dp/Table.h"
 
 #include <algorithm>
+#include <map>
 #include <optional>
+#include <vector>
 
 namespace orvane::adaptor {
 
 /// How many rows a scan finds and what finding them costs, as one condition after the other is taken over.
-/// Conditions count as independent of each other.
+/// Conditions on different columns count as independent of each other.
 class ScanEstimate {
 public:
     using Operand = std::optional<dp::Cell>; ///< nothing where it is known only when the scan starts
@@ -21,14 +24,15 @@ public:
         return comparison == dp::Comparison::Equal || comparison == dp::Comparison::Is;
     }
 
-    ScanEstimate(const dp::Table& table, const AttributeIndexing& indexing);
+    ScanEstimate(const dp::Table& table, const AttributeIndexing& indexing, const ValueStatistics& values);
 
     void takeTerm(const TableDeclaration::Column& column, dp::Comparison comparison,
                   dp::TextCollation collation, const Operand& operand);
     /// A pattern that an attribute index may look up, or that SQLite alone matches.
     void takePattern(const TableDeclaration::Column& column, dp::Comparison comparison,
                      const Operand& pattern);
-    void takeUnservedPattern(dp::Comparison comparison);
+    void takeUnservedPattern(const TableDeclaration::Column& column, dp::Comparison comparison,
+                             const Operand& pattern);
     void takeRowNumbers(bool isList);
     /// `isReady`: without an R-tree that would have to be made first.
     void takeRelation(const RelationEstimate& relation, bool isReady);
@@ -42,13 +46,25 @@ public:
     double findingCost() const;
 
 private:
-    double shareByIndex(const TableDeclaration::Column& column, dp::Comparison comparison,
-                        const dp::Cell& operand);
-    double shareOf(const TableDeclaration::Column& column, dp::Comparison comparison) const;
+    /// Ranges and exclusions of one column.
+    struct Bounds {
+        std::vector<dp::Condition> conditions = {};
+        double share = 1; ///< that passes all of them
+    };
+
+    std::optional<double> countByIndex(const TableDeclaration::Column& column, dp::Comparison comparison,
+                                       const dp::Cell& operand);
+    double shareOf(const TableDeclaration::Column& column, dp::Comparison comparison,
+                   dp::TextCollation collation, const Operand& operand);
+    double shareOfOneValue(const TableDeclaration::Column& column) const;
+    double shareOfPattern(const TableDeclaration::Column& column, dp::Comparison comparison,
+                          const Operand& pattern) const;
+    double narrow(const ColumnStatistics& values, const dp::ScanTerm& term);
     void expectLookups(const TableDeclaration::Column& column);
 
     const dp::Table& table_;
     const AttributeIndexing& indexing_;
+    const ValueStatistics& values_;
     const double rows_;
     double passing_; ///< rows that the conditions let pass
     double scanned_; ///< rows that have to be read for it
@@ -59,6 +75,7 @@ private:
     double makingCost_ = 0; ///< of an index, for each row
     double filterCost_ = 0; ///< of each row that is scanned
     double relationCost_ = 0;
+    std::map<int, Bounds> bounds_; ///< by attribute
 };
 
 } // namespace orvane::adaptor

@@ -4,6 +4,7 @@
 #include "host/adaptor/indices/AttributeIndexing.h"
 #include "host/adaptor/indices/SpatialIndexing.h"
 #include "host/adaptor/statistics/TableSpace.h"
+#include "host/adaptor/statistics/ValueStatistics.h"
 
 #include "platform/dp/Table.h"
 #include <orvane/engine/TableManagement.h>
@@ -59,6 +60,8 @@ public:
 
     /// Where the table's geometries lie.
     TableSpace& space() { return space_; }
+    /// What its values are like.
+    ValueStatistics& values() { return values_; }
     /// Another table of the same database that is open; null when there is none of that name.
     virtual VirtualTable* otherTable(const QString& name) const = 0;
 
@@ -70,6 +73,7 @@ private:
     AttributeIndexing indexing_;
     SpatialIndexing spatialIndexing_;
     TableSpace space_;
+    ValueStatistics values_;
     std::optional<std::uint64_t> numberedRevision_; ///< of the table when all its rows were numbered
 };
 

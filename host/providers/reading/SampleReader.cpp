@@ -9,7 +9,8 @@ namespace orvane::files {
 
 namespace {
 
-constexpr std::int64_t mostRuns = 256;
+/// Of rows that follow each other, so that a page of a file is worth reading.
+constexpr std::int64_t rowsPerRun = 8;
 
 double lengthOf(IdRange range) {
     return static_cast<double>(range.high) - static_cast<double>(range.low) + 1;
@@ -49,8 +50,8 @@ double lengthOf(const std::vector<IdRange>& ranges) {
 
 std::vector<IdRange> randomRuns(const std::vector<IdRange>& ranges, std::int64_t rows, double perRow) {
     std::vector<IdRange> runs;
-    const auto count = std::clamp<std::int64_t>(rows, 1, mostRuns);
-    const auto width = static_cast<std::int64_t>(std::ceil(static_cast<double>(rows / count) * perRow));
+    const auto count = std::max<std::int64_t>(1, rows / rowsPerRun);
+    const auto width = static_cast<std::int64_t>(std::ceil(static_cast<double>(rowsPerRun) * perRow));
     double before = 0; // identifiers in earlier ranges
     auto range = ranges.begin();
     for (const double place :

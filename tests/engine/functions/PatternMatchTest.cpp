@@ -4,8 +4,8 @@
 #include "support/RandomText.h"
 #include "support/TextTable.h"
 
-#include "engine/functions/PatternMatch.h"
 #include "platform/dp/SqliteDatabaseAccess.h"
+#include <orvane/engine/functions/PatternMatch.h>
 
 #include <QRegularExpression>
 
