@@ -52,6 +52,21 @@ std::vector<std::wstring> joinableColumns(const QSqlDatabase& database, const st
     return columns;
 }
 
+/// None for other values, for an expression that fails, and for a blob too large to be repeated in a text.
+std::optional<std::wstring> blobOf(const QSqlDatabase& database, const std::wstring& expression) {
+    constexpr int largest = 1 << 16;
+    QSqlQuery query(database);
+    query.setForwardOnly(true);
+    if (!query.exec(QStringLiteral("Select ") + sql::fromSqlString(expression)) || !query.next() ||
+        query.value(0).type() != QVariant::ByteArray) {
+        return std::nullopt;
+    }
+    const QByteArray blob = query.value(0).toByteArray();
+    return blob.isEmpty() || blob.size() > largest
+               ? std::nullopt
+               : std::optional(sql::toSqlString(QString::fromLatin1(blob.toHex())));
+}
+
 } // namespace
 
 bool Engine::tryToTranslate(const std::string& text, engine::SqliteStringBuilder& builder,
@@ -80,6 +95,8 @@ bool Engine::tryToTranslate(const sql::ParseResult& statement, engine::SqliteStr
         builder.setHasHiddenColumns([this](const std::wstring& table) {
             return hasColumn(internal_->database(), table, engine::secondOperandColumnName());
         });
+        builder.setBlobOf(
+            [this](const std::wstring& expression) { return blobOf(internal_->database(), expression); });
         builder.setSpellings(engine::nameSpellings(
             *statement.node(),
             [this] {
@@ -91,6 +108,7 @@ bool Engine::tryToTranslate(const sql::ParseResult& statement, engine::SqliteStr
             builder.tableColumns()));
         std::wstring query = builder.buildString(*statement.node());
         builder.setHasHiddenColumns(nullptr);
+        builder.setBlobOf(nullptr);
         if (isLent) {
             builder.setTableColumns(nullptr);
         }

@@ -111,12 +111,31 @@ bool isRepeatable(const ast::NodePtr& value) {
     return isFit;
 }
 
+/// Whether a call depends on no row and on nothing that is bound later.
+bool isConstant(const ast::NodePtr& value) {
+    bool isFit = value->kind == ast::NodeKind::Function && isRepeatable(value);
+    ast::forEachNode(*value, [&isFit](const ast::Node& node) {
+        const auto* parameter = ast::nodeAs<ast::ContextuallyTypedValueSpecification>(&node);
+        isFit = isFit && node.kind != ast::NodeKind::ColumnReference &&
+                !(parameter && !parameter->parameter.empty());
+        return isFit;
+    });
+    return isFit;
+}
+
 ast::NodePtr number(const wchar_t* digits) {
     return std::make_shared<ast::Number>(digits);
 }
 
+/// The value as the planner of a join can see it.
+ast::NodePtr known(const ast::NodePtr& value, const ScannedTables& tables, const LiteralOf& literalOf) {
+    const ast::NodePtr literal =
+        literalOf && tables.areSeveral() && isConstant(value) ? literalOf(value) : nullptr;
+    return literal ? literal : value;
+}
+
 ast::NodePtr withNearness(const ast::NodePtr& condition, const DistanceTerm& term,
-                          const ScannedTables& tables) {
+                          const ScannedTables& tables, const LiteralOf& literalOf) {
     const ast::NodeList& arguments = term.call->arguments;
     const std::size_t unitsPosition = term.function->isTest ? 3 : 2;
     const ast::NodePtr units = arguments.size() > unitsPosition
@@ -133,11 +152,12 @@ ast::NodePtr withNearness(const ast::NodePtr& condition, const DistanceTerm& ter
         }
         const ast::NodePtr centre = arguments[1 - column];
         const bool centreIsFirst = column == 1;
-        auto value = std::make_shared<ast::Function>(
+        const auto value = std::make_shared<ast::Function>(
             nearness, ast::NodeList{centre, term.most, units, number(term.function->kind),
                                     number(centreIsFirst ? L"1" : L"0")});
-        whole = conjunction(whole, std::make_shared<ast::Function>(
-                                       isNear, ast::NodeList{arguments[column], std::move(value)}));
+        whole = conjunction(whole,
+                            std::make_shared<ast::Function>(
+                                isNear, ast::NodeList{arguments[column], known(value, tables, literalOf)}));
     }
     return whole;
 }
@@ -231,29 +251,48 @@ ast::NodePtr betweenTables(const RelationTerm& term, const ScannedTables& tables
                                          toSqlString(QString::fromStdString(collation))));
 }
 
+/// The same condition with other operands.
+ast::NodePtr withOperands(const ast::NodePtr& condition, const ast::NodePtr& first,
+                          const ast::NodePtr& second) {
+    if (const auto* operation = ast::nodeAs<ast::Operation>(condition)) {
+        return std::make_shared<ast::Operation>(operation->code(), first, second);
+    }
+    auto call = std::make_shared<ast::Function>(static_cast<const ast::Function&>(*condition));
+    call->arguments = {first, second};
+    return call;
+}
+
 ast::NodePtr withRelation(const ast::NodePtr& condition, const RelationTerm& term,
-                          const ScannedTables& tables) {
+                          const ScannedTables& tables, const LiteralOf& literalOf) {
     if (const ast::NodePtr equality = betweenTables(term, tables)) {
         return equality;
     }
-    if (tables.haveGeometry(term.first) || !tables.haveGeometry(term.second)) {
+    const bool isOfFirst = tables.haveGeometry(term.first);
+    if (isOfFirst == tables.haveGeometry(term.second)) {
         return condition;
     }
-    const ast::NodeList operands{term.second, term.first};
+    if (isOfFirst) {
+        const ast::NodePtr value = known(term.second, tables, literalOf);
+        return value == term.second ? condition : withOperands(condition, term.first, value);
+    }
+    const ast::NodePtr value = known(term.first, tables, literalOf);
+    const ast::NodeList operands{term.second, value};
     if (term.relation->converse) {
         return std::make_shared<ast::Function>(term.relation->converse, operands);
     }
-    return isRepeatable(term.first)
-               ? conjunction(condition, std::make_shared<ast::Function>(mayMeet, operands))
+    return isRepeatable(value)
+               ? conjunction(value == term.first ? condition : withOperands(condition, value, term.second),
+                             std::make_shared<ast::Function>(mayMeet, operands))
                : condition;
 }
 
-ast::NodePtr lookedUp(const ast::NodePtr& condition, const ScannedTables& tables) {
+ast::NodePtr lookedUp(const ast::NodePtr& condition, const ScannedTables& tables,
+                      const LiteralOf& literalOf) {
     if (const auto distance = termOf(condition)) {
-        return withNearness(condition, *distance, tables);
+        return withNearness(condition, *distance, tables, literalOf);
     }
     const auto relation = relationTermOf(condition);
-    return relation ? withRelation(condition, *relation, tables) : condition;
+    return relation ? withRelation(condition, *relation, tables, literalOf) : condition;
 }
 
 } // namespace
@@ -283,7 +322,8 @@ const ast::TablePrimary* ScannedTables::tableWithOperands(const ast::NodePtr& no
     return found != tables_.end() && hasHiddenColumns_(*found->second) ? found->second : nullptr;
 }
 
-ast::NodePtr withLookups(const ast::NodePtr& condition, const ScannedTables& tables) {
+ast::NodePtr withLookups(const ast::NodePtr& condition, const ScannedTables& tables,
+                         const LiteralOf& literalOf) {
     const auto asConjunction = [](const ast::NodePtr& node) {
         const auto* operation = ast::nodeAs<ast::Operation>(node);
         return operation && operation->code() == OperationCode::And && operation->right() ? operation
@@ -296,11 +336,11 @@ ast::NodePtr withLookups(const ast::NodePtr& condition, const ScannedTables& tab
     }
     ast::NodePtr whole = chain.back();
     if (whole) {
-        whole = lookedUp(whole, tables);
+        whole = lookedUp(whole, tables, literalOf);
     }
     for (std::size_t i = chain.size() - 1; i-- > 0;) {
         const auto* operation = asConjunction(chain[i]);
-        const ast::NodePtr right = withLookups(operation->right(), tables);
+        const ast::NodePtr right = withLookups(operation->right(), tables, literalOf);
         const bool isSame = whole == operation->left() && right == operation->right();
         whole = isSame ? chain[i] : conjunction(whole, right);
     }

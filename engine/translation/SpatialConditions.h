@@ -18,6 +18,7 @@ public:
     /// ColumnNames.h.
     ScannedTables(const sql::ast::NodePtr& from, HasHiddenColumns hasHiddenColumns);
 
+    bool areSeveral() const { return sources_ > 1; }
     /// Whether the node is the geometry of one of them.
     bool haveGeometry(const sql::ast::NodePtr& node) const;
     /// The table with operand columns whose geometry the node is; null for none.
@@ -38,6 +39,11 @@ private:
 /// table about first operands only, so that a relation whose second operand alone is a geometry of the tables
 /// is turned round where it has a converse, else followed by `MayMeet(second, first)`. Any other condition is
 /// given back as it is.
-sql::ast::NodePtr withLookups(const sql::ast::NodePtr& condition, const ScannedTables& tables);
+///
+/// `literalOf` gives the value of an expression without columns as a literal, null where it cannot. With it a
+/// join is planned by what is near to or in relation to the value: SQLite tells a table of literals only.
+using LiteralOf = std::function<sql::ast::NodePtr(const sql::ast::NodePtr&)>;
+sql::ast::NodePtr withLookups(const sql::ast::NodePtr& condition, const ScannedTables& tables,
+                              const LiteralOf& literalOf);
 
 } // namespace orvane::engine

@@ -144,8 +144,12 @@ std::wstring SqliteStringBuilder::renderCondition(const ast::NodePtr& condition)
         return SqlStringBuilder::renderCondition(condition);
     }
     const bool isOfQuery = !frames_.empty() && frames_.back().tables;
+    const auto literalOf = [this](const ast::NodePtr& value) -> ast::NodePtr {
+        const auto digits = blobOf_ ? blobOf_(render(value)) : std::nullopt;
+        return digits ? std::make_shared<ast::String>(*digits, ast::String::Content::Hexadecimal) : nullptr;
+    };
     return SqlStringBuilder::renderCondition(
-        withLookups(condition, isOfQuery ? *frames_.back().tables : ScannedTables()));
+        withLookups(condition, isOfQuery ? *frames_.back().tables : ScannedTables(), literalOf));
 }
 
 std::wstring SqliteStringBuilder::operationToString(OperationCode code) const {

@@ -1,14 +1,18 @@
 #include "host/adaptor/planning/RelationTerms.h"
 
 #include "platform/cs/CoordSystem.h"
+#include "platform/geometry/measures/Neighbourhood.h"
 #include "platform/geometry/shapes/Geometry.h"
 #include <orvane/engine/EngineCache.h>
+#include <orvane/engine/NearnessBlob.h>
 #include <orvane/engine/RelationName.h>
 
 #include <algorithm>
 #include <stdexcept>
 
 namespace orvane::adaptor {
+
+using geometry::GeometryPtr;
 
 namespace {
 
@@ -45,6 +49,15 @@ Likelihood likelihoodOf(SpatialRelation relation) {
     return {Match::Meet, 1.0};
 }
 
+/// Empty for other values.
+std::string_view blobOf(sqlite3_value* value) {
+    if (sqlite3_value_type(value) != SQLITE_BLOB) {
+        return {};
+    }
+    const auto* bytes = static_cast<const char*>(sqlite3_value_blob(value));
+    return {bytes, static_cast<std::size_t>(sqlite3_value_bytes(value))};
+}
+
 double sizeOf(const VirtualTable& table) {
     return std::max(1.0, static_cast<double>(table.table().featureCount().value_or(unknownSize)));
 }
@@ -55,9 +68,9 @@ void RelationTerms::addFunction(sqlite3_index_info& info, int constraint) {
     const int operation = info.aConstraint[constraint].op - SQLITE_INDEX_CONSTRAINT_FUNCTION;
     RelationTerm& term = terms_.emplace_back(constraint, static_cast<SpatialRelation>(operation));
     sqlite3_value* operand = nullptr;
-    if (term.relation != SpatialRelation::Near &&
-        sqlite3_vtab_rhs_value(&info, constraint, &operand) == SQLITE_OK) {
-        term.operand = envelopeOf(operand);
+    if (sqlite3_vtab_rhs_value(&info, constraint, &operand) == SQLITE_OK) {
+        term.operand =
+            term.relation == SpatialRelation::Near ? neighbourhoodOf(operand) : envelopeOf(operand);
     }
 }
 
@@ -72,20 +85,32 @@ void RelationTerms::addEquality(sqlite3_index_info& info, int constraint) {
                         table_.otherTable(QString::fromStdString(isSecond ? name->first : name->second)));
 }
 
+GeometryPtr RelationTerms::geometryOf(std::string_view blob) const {
+    return table_.cache().geometryInfo(blob.data(), static_cast<unsigned>(blob.size()), true).geometry();
+}
+
 /// None of what is no geometry.
 std::optional<geometry::Envelope> RelationTerms::envelopeOf(sqlite3_value* value) const try {
-    if (sqlite3_value_type(value) != SQLITE_BLOB) {
-        return std::nullopt;
-    }
-    const void* bytes = sqlite3_value_blob(value);
-    const auto size = static_cast<unsigned>(sqlite3_value_bytes(value));
-    auto geometry = table_.cache().geometryInfo(bytes, size, true).geometry();
+    auto geometry = geometryOf(blobOf(value));
     const auto system = table_.table().coordSystem();
     const auto other = geometry ? geometry->coordSystem() : nullptr;
     if (system && other && !system->equals(*other)) {
         geometry = geometry->transformed(system);
     }
     return geometry && !geometry->isEmpty() ? std::optional(geometry->envelope()) : std::nullopt;
+} catch (const std::runtime_error&) {
+    return std::nullopt;
+}
+
+/// The first of the windows that hold what is near; the others are the same elsewhere, over the 180th
+/// meridian.
+std::optional<geometry::Envelope> RelationTerms::neighbourhoodOf(sqlite3_value* value) const try {
+    const auto asked = engine::readNearness(blobOf(value));
+    const auto centre = asked ? geometryOf(asked->centre) : nullptr;
+    const auto windows =
+        centre ? geometry::neighbourhood(*centre, asked->asked, {table_.table().coordSystem(), true, 0.0})
+               : std::nullopt;
+    return windows && !windows->empty() ? std::optional(windows->front()) : std::nullopt;
 } catch (const std::runtime_error&) {
     return std::nullopt;
 }

@@ -7,6 +7,7 @@
 #include <sqlite3.h>
 
 #include <optional>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -16,9 +17,10 @@ namespace orvane::adaptor {
 struct RelationTerm {
     int constraint; ///< of xBestIndex
     SpatialRelation relation;
-    bool isSecondOperand = false;                   ///< the table's geometry
-    VirtualTable* other = nullptr;                  ///< of the operand; null where that is not known
-    std::optional<geometry::Envelope> operand = {}; ///< in the system of the table, if it is known
+    bool isSecondOperand = false;  ///< the table's geometry
+    VirtualTable* other = nullptr; ///< of the operand; null where that is not known
+    std::optional<geometry::Envelope> operand =
+        {}; ///< or of what is near it, in the table's system, if known
 };
 
 /// What a scan that looks a relation up finds, as far as statistics tell.
@@ -46,7 +48,9 @@ public:
 private:
     RelationEstimate estimate(const RelationTerm& term) const;
     std::optional<double> countMatching(const RelationTerm& term, SpaceStatistics::Match match) const;
+    geometry::GeometryPtr geometryOf(std::string_view blob) const;
     std::optional<geometry::Envelope> envelopeOf(sqlite3_value* value) const;
+    std::optional<geometry::Envelope> neighbourhoodOf(sqlite3_value* value) const;
     bool isElsewhere(const RelationTerm& term) const;
 
     VirtualTable& table_;

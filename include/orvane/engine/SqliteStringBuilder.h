@@ -77,6 +77,11 @@ public:
     /// between the geometries of two are looked up in whichever SQLite chooses.
     using HasHiddenColumns = std::function<bool(const std::wstring& table)>;
     void setHasHiddenColumns(HasHiddenColumns has) { hasHiddenColumns_ = std::move(has); }
+    /// Gives the blob that an SQL expression without columns stands for, as hexadecimal digits; none for
+    /// other values. With it the geometries that joins are restricted by are literals, by which they are
+    /// planned.
+    using BlobOf = std::function<std::optional<std::wstring>(const std::wstring& expression)>;
+    void setBlobOf(BlobOf blobOf) { blobOf_ = std::move(blobOf); }
     /// Names by their lower case, columns of tables also as `qualifier.column`, each in the spellings that
     /// are declared. A name that differs from all of them in letter case only is rendered as the first.
     using Spellings = std::map<std::wstring, std::vector<std::wstring>>;
@@ -217,6 +222,7 @@ private:
     bool isIdUsed_ = false;
     TableColumns tableColumns_;
     HasHiddenColumns hasHiddenColumns_;
+    BlobOf blobOf_;
     Spellings spellings_;
     std::wstring intoTable_;
     std::wstring intoFile_;
