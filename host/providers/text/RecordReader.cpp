@@ -13,7 +13,6 @@ namespace orvane::files {
 
 namespace {
 
-constexpr std::size_t chunkSize = std::size_t{1} << 20;
 /// SQLite takes no longer text.
 constexpr std::size_t longestRecord = 1'000'000'000;
 constexpr std::string_view utf8Mark = "\xef\xbb\xbf";
@@ -79,7 +78,7 @@ RecordReader::RecordReader(const QByteArray& path, const QByteArray& encoding, c
     file_ = openTextFile(path);
     VSIStatBufL found;
     if (VSIStatL(path.constData(), &found) == 0) {
-        bytesLeft_ = static_cast<qint64>(found.st_size);
+        fileSize_ = bytesLeft_ = static_cast<qint64>(found.st_size);
     }
     if (!encoding.isEmpty()) {
         decoder_.reset(codecNamed(encoding)->makeDecoder());
@@ -202,12 +201,26 @@ std::string_view RecordReader::value(std::size_t field) {
     return unquoted_;
 }
 
+void RecordReader::jumpTo(std::int64_t offset) {
+    if (VSIFSeekL(file_.get(), static_cast<vsi_l_offset>(offset), SEEK_SET) != 0) {
+        raise(tr("ошибка чтения данных"));
+    }
+    chunkSize_ = 4096; // a page
+    bytesLeft_ = fileSize_ - offset;
+    base_ = offset;
+    buffer_.clear();
+    data_ = buffer_.data();
+    size_ = checked_ = before_ = record_ = recordEnd_ = next_ = mark_ = 0;
+    isAtEnd_ = false;
+}
+
 void RecordReader::fill() {
+    base_ += static_cast<std::int64_t>(next_);
     buffer_.erase(0, next_);
     checked_ -= std::min(checked_, next_);
     before_ = record_ = recordEnd_ = next_ = 0;
     // What is read at once grows with the record, which is looked at anew each time.
-    const std::size_t wanted = std::max(chunkSize, buffer_.size());
+    const std::size_t wanted = std::max(chunkSize_, buffer_.size());
     for (std::size_t read = 0; read < wanted && !isAtEnd_;) {
         if (buffer_.size() > longestRecord) {
             raise(tr("запись в строке %1 длиннее %2 байт").arg(line_).arg(longestRecord));
@@ -230,10 +243,10 @@ void RecordReader::fill() {
 }
 
 QByteArray RecordReader::readChunk() {
-    QByteArray bytes(static_cast<int>(chunkSize), Qt::Uninitialized);
-    bytes.truncate(static_cast<int>(VSIFReadL(bytes.data(), 1, chunkSize, file_.get())));
+    QByteArray bytes(static_cast<int>(chunkSize_), Qt::Uninitialized);
+    bytes.truncate(static_cast<int>(VSIFReadL(bytes.data(), 1, chunkSize_, file_.get())));
     bytesLeft_ -= bytes.size();
-    if (bytes.size() < static_cast<int>(chunkSize) && bytesLeft_ > 0) {
+    if (bytes.size() < static_cast<int>(chunkSize_) && bytesLeft_ > 0) {
         raise(tr("ошибка чтения данных"));
     }
     if (decoder_) {

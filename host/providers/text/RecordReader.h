@@ -31,6 +31,10 @@ public:
 
     /// The views on a record end with the next one.
     bool next();
+    /// Where the next record begins in a file in UTF-8. Lines are not counted after a jump, and little is
+    /// read at once.
+    std::int64_t offset() const { return base_ + static_cast<std::int64_t>(next_); }
+    void jumpTo(std::int64_t offset);
     std::size_t size() const { return fields_.size(); }
     std::string_view raw(std::size_t field) const { return fields_[field].text; }
     bool isQuoted(std::size_t field) const { return fields_[field].isQuoted; }
@@ -63,7 +67,10 @@ private:
 
     QByteArray path_;
     VsiHandle file_;
+    qint64 fileSize_ = 0;
     qint64 bytesLeft_ = 0;
+    std::int64_t base_ = 0; ///< place of the buffer in the file
+    std::size_t chunkSize_ = std::size_t{1} << 20;
     std::unique_ptr<QTextDecoder> decoder_; ///< null for UTF-8
     bool isNew_ = false;
     std::size_t checked_ = 0; ///< up to here the buffer is in UTF-8

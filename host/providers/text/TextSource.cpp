@@ -1,6 +1,7 @@
 #include "host/providers/text/TextSource.h"
 
 #include "host/providers/datasets/GdalErrors.h"
+#include "host/providers/reading/SampleReader.h"
 #include "host/providers/text/RecordReader.h"
 
 #include <algorithm>
@@ -58,11 +59,11 @@ void appendGeometry(const std::string& text, ColumnBuilder& builder) {
 
 class TextReader final : public BatchReader {
 public:
-    /// All rows, or those with these numbers.
+    /// All rows, or those with these numbers, or some from each of these places on.
     TextReader(std::shared_ptr<const TextTable> table, std::vector<int> attributes, std::int64_t batchRows,
-               std::optional<std::vector<std::int64_t>> ids)
+               std::optional<std::vector<std::int64_t>> ids, std::vector<TextPlace> places = {})
         : table_(std::move(table)), attributes_(std::move(attributes)), batchRows_(batchRows),
-          ids_(std::move(ids)),
+          ids_(std::move(ids)), places_(std::move(places)),
           records_(table_->currentPath(), table_->form().encoding, table_->form().separator) {
         if (table_->form().hasNames) {
             records_.next();
@@ -90,7 +91,24 @@ private:
         return table_->columns()[static_cast<std::size_t>(attribute)];
     }
 
+    /// Of a sample.
+    bool nextOfPlace() {
+        while (row_ == endOfPlace_ || !records_.next()) {
+            if (nextPlace_ == places_.size()) {
+                return false;
+            }
+            records_.jumpTo(places_[nextPlace_].offset);
+            row_ = places_[nextPlace_++].row - 1;
+            endOfPlace_ = row_ + TextTable::rowsBetweenPlaces;
+        }
+        ++row_;
+        return true;
+    }
+
     bool nextRecord() {
+        if (!places_.empty()) {
+            return nextOfPlace();
+        }
         if (ids_ && nextId_ == ids_->size()) {
             return false;
         }
@@ -139,9 +157,12 @@ private:
     const std::vector<int> attributes_;
     const std::int64_t batchRows_;
     const std::optional<std::vector<std::int64_t>> ids_;
+    const std::vector<TextPlace> places_;
     RecordReader records_;
     std::int64_t row_ = 0;
     std::size_t nextId_ = 0;
+    std::size_t nextPlace_ = 0;
+    std::int64_t endOfPlace_ = 0; ///< its last row
     std::string text_;
 };
 
@@ -168,6 +189,26 @@ std::unique_ptr<BatchReader> TextSource::lookUp(const std::vector<int>& attribut
                                                 std::vector<std::int64_t> ids) {
     table_->rowCount();
     return std::make_unique<TextReader>(table_, attributes, rowsPerBatch, std::move(ids));
+}
+
+std::unique_ptr<BatchReader> TextSource::sample(const std::vector<int>& attributes, std::int64_t rows) {
+    table_->rowCount();
+    auto places = table_->places();
+    if (places.empty()) {
+        return RowSource::sample(attributes, rows);
+    }
+    const auto wanted = static_cast<double>(rows / TextTable::rowsBetweenPlaces);
+    const double step = std::max(1.0, static_cast<double>(places.size()) / wanted);
+    std::vector<TextPlace> chosen;
+    std::vector<IdRange> runs;
+    for (double at = 0; at < static_cast<double>(places.size()); at += step) {
+        const auto& place = places[static_cast<std::size_t>(at)];
+        chosen.push_back(place);
+        runs.push_back({place.row, place.row + TextTable::rowsBetweenPlaces - 1});
+    }
+    return std::make_unique<RunReader>(
+        std::make_unique<TextReader>(table_, attributes, rowsPerBatch, std::nullopt, std::move(chosen)),
+        std::move(runs));
 }
 
 } // namespace orvane::files

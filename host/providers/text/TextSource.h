@@ -21,6 +21,8 @@ public:
                                       const std::string& filter) override;
     std::unique_ptr<BatchReader> lookUp(const std::vector<int>& attributes,
                                         std::vector<std::int64_t> ids) override;
+    /// From places all over a file in UTF-8, unless it is packed in an archive.
+    std::unique_ptr<BatchReader> sample(const std::vector<int>& attributes, std::int64_t rows) override;
     void forget() override {}
 
 private:

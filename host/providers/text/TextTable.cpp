@@ -85,6 +85,39 @@ std::optional<TextType> typeNamed(const QByteArray& word) {
     return std::nullopt;
 }
 
+/// Picks places among more and more rows.
+class PlaceCollector {
+public:
+    /// After each row, by its number.
+    void pass(std::int64_t row, const RecordReader& records) {
+        if (row % distance_ != 0) {
+            return;
+        }
+        constexpr std::size_t most = 1024;
+        if (places_.size() == most) {
+            for (std::size_t i = 0; i < most / 2; ++i) {
+                places_[i] = places_[2 * i + 1]; // those that the doubled distance would have picked
+            }
+            places_.resize(most / 2);
+            distance_ *= 2;
+        }
+        if (row % distance_ == 0) {
+            places_.push_back({row + 1, records.offset()});
+        }
+    }
+    /// Without the end of the file, behind the last row.
+    std::vector<TextPlace> finish(std::int64_t rows) && {
+        if (!places_.empty() && places_.back().row > rows) {
+            places_.pop_back();
+        }
+        return std::move(places_);
+    }
+
+private:
+    std::int64_t distance_ = TextTable::rowsBetweenPlaces;
+    std::vector<TextPlace> places_;
+};
+
 } // namespace
 
 TextTable::TextTable(QByteArray path, const QByteArray& encoding)
@@ -102,6 +135,7 @@ TextTable::TextTable(QByteArray path, const QByteArray& encoding)
     Content content = look();
     names_ = content.names;
     rows_ = content.rows;
+    places_ = std::move(content.places);
     declared_.resize(names_.size());
     readTypesBeside();
     for (std::size_t i = 0; i < names_.size(); ++i) {
@@ -175,6 +209,7 @@ TextTable::Content TextTable::look() {
             content.names[i] = "field_" + std::to_string(i + 1);
         }
     }
+    PlaceCollector places;
     for (bool hasRecord = !hasNames || records.next(); hasRecord; hasRecord = records.next()) {
         const std::size_t count = std::min(records.size(), content.finders.size());
         for (std::size_t i = 0; i < count; ++i) {
@@ -183,8 +218,17 @@ TextTable::Content TextTable::look() {
             }
         }
         ++content.rows;
+        places.pass(content.rows, records);
+    }
+    if (form_.encoding.isEmpty() && !isInArchive(QString::fromUtf8(currentPath_))) {
+        content.places = std::move(places).finish(content.rows);
     }
     return content;
+}
+
+std::vector<TextPlace> TextTable::places() {
+    const std::lock_guard lock(mutex_);
+    return places_;
 }
 
 void TextTable::readTypesBeside() {
@@ -269,6 +313,7 @@ std::int64_t TextTable::rowCount() {
     stamp_ = now;
     ++revision_;
     rows_ = content.rows;
+    places_ = std::move(content.places);
     return rows_;
 }
 

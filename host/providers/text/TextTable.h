@@ -28,6 +28,12 @@ struct TextGeometry {
     bool exists() const { return x >= 0 || text >= 0; }
 };
 
+/// Where a row of a text file begins.
+struct TextPlace {
+    std::int64_t row = 0;    ///< from 1
+    std::int64_t offset = 0; ///< in bytes
+};
+
 /// What a text file holds as a table, found out from all of it: columns in the order of the file, then the
 /// geometry. The first record gives the names unless one of its values is a number.
 ///
@@ -56,6 +62,10 @@ public:
     /// Looks at the file again when it was written since; throws std::runtime_error when it is another table
     /// now, or cannot be read.
     std::int64_t rowCount();
+    /// Places all over the file as rowCount() has seen it last, each so many rows behind the one before; none
+    /// where reading from the middle is not possible, or slow.
+    std::vector<TextPlace> places();
+    static constexpr std::int64_t rowsBetweenPlaces = 8; ///< or twice, four times, ... as many
     /// Changes when rowCount() has found another file.
     std::uint64_t revision() const { return revision_; }
 
@@ -64,6 +74,7 @@ private:
         std::vector<std::string> names;
         std::vector<FormFinder> finders;
         std::int64_t rows = 0;
+        std::vector<TextPlace> places;
     };
     struct Stamp {
         std::uintmax_t size = 0;
@@ -92,6 +103,7 @@ private:
     std::mutex mutex_;
     Stamp stamp_;
     std::int64_t rows_ = 0;
+    std::vector<TextPlace> places_;
     std::atomic<std::uint64_t> revision_{0};
 };
 

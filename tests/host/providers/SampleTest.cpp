@@ -104,6 +104,7 @@ TEST_F(SampleTest, comesFromAllOverTheTable) {
         {"SpatiaLite", {"SQLite", "sqlite"}},
         {"Shapefile", {"ESRI Shapefile", "shp"}},
         {"FlatGeobuf", {"FlatGeobuf", "fgb"}},
+        {"CSV", {"CSV", "csv"}},
         {"every third identifier", {"GPKG", "gpkg"}, [](int n) { return std::int64_t{n} * 3 + 1; }},
         {"identifiers in two far places",
          {"GPKG", "gpkg"},
@@ -137,16 +138,14 @@ TEST_F(SampleTest, ofColumnsInMemoryHasSingleRows) {
 }
 
 TEST_F(SampleTest, ofFormatsWithoutRowNumbersHasTheFirstRows) {
-    for (const Format& format : {Format{"GeoJSON", "geojson"}, Format{"CSV", "csv"}}) {
-        SCOPED_TRACE(format.driver);
-        const auto numbers = sample(*tableOf(format, tableRows)).numbers;
-        ASSERT_EQ(numbers.size(), std::size_t{wantedRows});
-        EXPECT_EQ(numbers.back(), wantedRows - 1);
-    }
+    const auto numbers = sample(*tableOf({"GeoJSON", "geojson"}, tableRows)).numbers;
+    ASSERT_EQ(numbers.size(), std::size_t{wantedRows});
+    EXPECT_EQ(numbers.back(), wantedRows - 1);
 }
 
 TEST_F(SampleTest, ofSmallTablesHasAllRows) {
-    for (const Format& format : {Format{"GPKG", "gpkg"}, Format{"ESRI Shapefile", "shp"}}) {
+    for (const Format& format :
+         {Format{"GPKG", "gpkg"}, Format{"ESRI Shapefile", "shp"}, Format{"CSV", "csv"}}) {
         for (const int rows : {0, 1, static_cast<int>(wantedRows)}) {
             const auto table = tableOf(format, rows);
             EXPECT_EQ(sample(*table).numbers.size(), static_cast<std::size_t>(rows)) << format.driver;
@@ -158,7 +157,8 @@ TEST_F(SampleTest, ofSmallTablesHasAllRows) {
 }
 
 TEST_F(SampleTest, showsTheEditsOfATransaction) {
-    for (const Format& format : {Format{"GPKG", "gpkg"}, Format{"ESRI Shapefile", "shp"}}) {
+    for (const Format& format :
+         {Format{"GPKG", "gpkg"}, Format{"ESRI Shapefile", "shp"}, Format{"CSV", "csv"}}) {
         SCOPED_TRACE(format.driver);
         const auto table = tableOf(format, tableRows);
         const auto before = sample(*table).numbers;
