@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/providers/Export.h"
 #include "platform/dp/Cursor.h"
 #include "platform/geometry/shapes/Coordinates.h"
 
@@ -82,8 +83,8 @@ struct ColumnBatch {
 /// The boxes of a column of geometries.
 std::shared_ptr<const BatchBoxes> boxesOf(const ColumnChunk& geometries, std::int64_t rows);
 
-/// A source of batches. Used from one thread at a time.
-class BatchReader {
+/// A source of batches. Used from one thread at a time, but for stop().
+class ORVANE_FILES_EXPORT BatchReader {
 public:
     BatchReader() = default;
     virtual ~BatchReader();
@@ -93,6 +94,8 @@ public:
     /// Fills in the next batch, which has at least one row; false at the end. Throws std::runtime_error when
     /// the source cannot be read.
     virtual bool next(ColumnBatch& batch) = 0;
+    /// Nothing more is wanted: the batch under way may end early. From any thread.
+    virtual void stop() {}
 };
 
 /// Rows per batch: large enough that the work per batch vanishes, small enough that the first row comes soon.

@@ -81,6 +81,8 @@ public:
     DatasetHandle open(unsigned flags, const QByteArray& path) const;
     /// Throws std::runtime_error for a virtual dataset: who changes it would change the files that it names.
     void requireOwnRows(GDALDatasetH dataset) const;
+    /// Whether a group of edits has changes, which readers see.
+    bool isEdited() const { return editWithChanges() != nullptr; }
     /// The group of edits under way, or else a new one. Throws std::runtime_error.
     std::shared_ptr<DatasetEdit> edit();
     /// Forgets every handle, for the file has changed: idle ones now, the others when they come back.

@@ -136,7 +136,7 @@ bool FeatureReader::next(ColumnBatch& batch) {
         kinds.push_back(builtKind(*column));
     }
     BatchBuilder builder(kinds);
-    while (builder.takesRow(scan_.batchRows)) {
+    while (!isStopped_ && builder.takesRow(scan_.batchRows)) {
         const auto feature = nextFeature(errors);
         if (!feature) {
             isAtEnd_ = true;

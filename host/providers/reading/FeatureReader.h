@@ -2,6 +2,8 @@
 
 #include "host/providers/reading/LayerScan.h"
 
+#include <atomic>
+
 namespace orvane::files {
 
 /// Reads a layer feature by feature into batches: for drivers without a fast Arrow stream, for columns that
@@ -13,6 +15,7 @@ public:
     ~FeatureReader() override;
 
     bool next(ColumnBatch& batch) override;
+    void stop() override { isStopped_ = true; }
 
 private:
     FeatureHandle nextFeature(const GdalErrorScope& errors);
@@ -22,6 +25,7 @@ private:
     std::vector<std::int64_t> ids_;
     std::size_t nextId_ = 0;
     bool isAtEnd_ = false;
+    std::atomic<bool> isStopped_ = false;
 };
 
 } // namespace orvane::files

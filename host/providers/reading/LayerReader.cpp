@@ -3,11 +3,13 @@
 #include "host/providers/conditions/RowFilter.h"
 #include "host/providers/reading/BatchCursor.h"
 #include "host/providers/reading/CountingCursor.h"
+#include "host/providers/reading/ReadAhead.h"
 #include "host/providers/reading/SampleReader.h"
 #include "platform/work/Cancellation.h"
 
 #include <algorithm>
 #include <numeric>
+#include <thread>
 
 namespace orvane::files {
 
@@ -356,7 +358,11 @@ std::unique_ptr<BatchReader> LayerReader::startCollectedScan(const std::vector<i
     const auto geometry = std::find(attributes.begin(), attributes.end(), geometry_);
     auto scan = std::make_shared<CachedScan>(
         attributes, geometry == attributes.end() ? -1 : static_cast<int>(geometry - attributes.begin()));
-    return std::make_unique<ScanCollector>(source_->scan(attributes), *key_, key_, std::move(scan));
+    auto reader = source_->scan(attributes);
+    if (!source_->isEdited() && std::thread::hardware_concurrency() > 1) {
+        reader = std::make_unique<ReadAhead>(std::move(reader));
+    }
+    return std::make_unique<ScanCollector>(std::move(reader), *key_, key_, std::move(scan));
 }
 
 void LayerReader::load(const std::vector<int>& attributes) {

@@ -31,6 +31,7 @@ public:
     bool hasSpatialIndex() override;
     std::optional<Filter> filterOf(const std::vector<Test>& tests,
                                    const std::optional<geometry::Envelope>& window) override;
+    bool isEdited() const override { return pool_->isEdited(); }
     std::unique_ptr<BatchReader> scan(const std::vector<int>& attributes, std::int64_t batchRows,
                                       const std::string& filter) override;
     std::unique_ptr<BatchReader> lookUp(const std::vector<int>& attributes,

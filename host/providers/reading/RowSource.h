@@ -54,6 +54,9 @@ public:
     virtual std::optional<Filter> filterOf(const std::vector<Test>& tests,
                                            const std::optional<geometry::Envelope>& window);
 
+    /// Whether a group of edits changes the rows while readers look at them.
+    virtual bool isEdited() const = 0;
+
     /// Reads rows whole or as far as these attributes go.
     virtual std::unique_ptr<BatchReader> scan(const std::vector<int>& attributes,
                                               std::int64_t batchRows = rowsPerBatch,

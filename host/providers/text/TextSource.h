@@ -17,6 +17,7 @@ public:
     std::optional<std::int64_t> rowCount() override { return table_->rowCount(); }
     bool countsExactly() override { return true; }
     bool findsRows() override { return false; }
+    bool isEdited() const override { return table_->currentPath() != table_->path(); }
     std::unique_ptr<BatchReader> scan(const std::vector<int>& attributes, std::int64_t batchRows,
                                       const std::string& filter) override;
     std::unique_ptr<BatchReader> lookUp(const std::vector<int>& attributes,
