@@ -146,7 +146,7 @@ private:
         std::vector<int> attributes;
         for (int i = 0; i < info_.nConstraint; ++i) {
             const auto comparison = comparisonOf(constraint(i).op);
-            isJoined = isJoined || !constraint(i).usable;
+            isJoined = isJoined || !constraint(i).usable || isOfOperand(i);
             if (!comparison || constraint(i).iColumn < 0) {
                 continue;
             }
@@ -161,6 +161,12 @@ private:
         if (isJoined) {
             virtual_.values().read(std::move(attributes));
         }
+    }
+
+    /// Whether it is about a relation with the geometries of another table.
+    bool isOfOperand(int i) const {
+        return constraint(i).iColumn == declaration_.firstOperandColumn() ||
+               constraint(i).iColumn == declaration_.secondOperandColumn();
     }
 
     bool isOnNumber(int i) const {
@@ -182,8 +188,7 @@ private:
             offset_ = i;
         } else if (column == declaration_.originColumn()) {
             return;
-        } else if (column == declaration_.firstOperandColumn() ||
-                   column == declaration_.secondOperandColumn()) {
+        } else if (isOfOperand(i)) {
             relations_.addEquality(info_, i);
         } else if (column < 0) {
             rowNumber_ = comparison && ScanEstimate::isEquality(*comparison) ? i : rowNumber_;

@@ -5,7 +5,7 @@
 #include <orvane/engine/functions/PatternMatch.h>
 
 #include <cmath>
-#include <cstring>
+#include <functional>
 #include <limits>
 #include <numeric>
 
@@ -40,21 +40,15 @@ ColumnStatistics::ColumnStatistics(const TableDeclaration::Column& column)
       locale_(column.isLocaleText() ? engine::LocaleOrder::current() : nullptr) {}
 
 /// Texts that only the collator can tell to be equal count as different.
-std::string ColumnStatistics::keyOf(const dp::Cell& value) const {
-    std::string key;
-    if (value.type() == dp::CellType::Text) {
-        if (!locale_ || !locale_->plainKey(value.view(), key)) {
-            key.assign(1, '\0').append(value.view());
-        }
-        return key;
+std::size_t ColumnStatistics::keyOf(const dp::Cell& value) const {
+    if (value.type() != dp::CellType::Text) {
+        const dp::Cell number = plainNumber(value);
+        return number.type() == dp::CellType::Integer ? std::hash<std::int64_t>()(number.integer())
+                                                      : std::hash<double>()(number.real());
     }
-    const dp::Cell number = plainNumber(value);
-    char bytes[9] = {static_cast<char>(number.type())};
-    const auto integer = number.integer();
-    const double real = number.real();
-    std::memcpy(bytes + 1,
-                number.type() == dp::CellType::Integer ? static_cast<const void*>(&integer) : &real, 8);
-    return {bytes, sizeof bytes};
+    std::string key;
+    const bool hasKey = locale_ && locale_->plainKey(value.view(), key);
+    return std::hash<std::string_view>()(hasKey ? std::string_view(key) : value.view());
 }
 
 void ColumnStatistics::add(const dp::Cell& value, std::int64_t run) {

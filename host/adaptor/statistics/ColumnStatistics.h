@@ -60,7 +60,8 @@ private:
     double sampleRows() const { return std::max(1.0, static_cast<double>(rows_)); }
     bool isWholeTable() const { return static_cast<double>(rows_) >= tableRows_; }
     double atLeastOneRow(double share) const { return std::clamp(share, 1 / tableRows_, 1.0); }
-    std::string keyOf(const dp::Cell& value) const;
+    /// A hash that equal values share, and others hardly ever.
+    std::size_t keyOf(const dp::Cell& value) const;
     bool isRare(const Value& value) const { return value.runs <= static_cast<std::int64_t>(mostRare); }
     double estimateDistinct();
     double shareOfRare(const Value& value) const;
@@ -74,7 +75,7 @@ private:
     std::int64_t rows_ = 0;
     std::int64_t nulls_ = 0;
     std::vector<Value> values_;                              ///< numbers ascend when the sample is at its end
-    std::unordered_map<std::string, std::size_t> positions_; ///< of the values, by what equal ones share
+    std::unordered_map<std::size_t, std::size_t> positions_; ///< of the values, by what equal ones share
     std::optional<std::size_t> last_;                        ///< value of the last row, unless NULL
     std::int64_t lastRun_ = -1;
     std::int64_t neighbours_ = 0;                    ///< pairs of rows that follow each other
