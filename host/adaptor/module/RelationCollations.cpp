@@ -6,6 +6,7 @@
 
 #include <exception>
 #include <memory>
+#include <new>
 
 namespace orvane::adaptor {
 
@@ -14,6 +15,7 @@ namespace {
 struct Collation {
     SpatialRelation relation;
     engine::EngineCache& cache;
+    sqlite3* database;
 
     geometry::GeometryPtr geometryOf(const void* bytes, int size) const {
         return cache.geometryInfo(bytes, static_cast<unsigned>(size), true).geometry();
@@ -27,6 +29,9 @@ int compare(void* context, int firstSize, const void* first, int secondSize, con
         const auto a = collation.geometryOf(first, firstSize);
         const auto b = collation.geometryOf(second, secondSize);
         return a && b && holds(collation.relation, *a, *b) ? 0 : 1;
+    } catch (const std::bad_alloc&) {
+        sqlite3_interrupt(static_cast<const Collation*>(context)->database); // there is no other way to fail
+        return 1;
     } catch (const std::exception&) {
         return 1; // as where the relation is looked up
     }
@@ -36,8 +41,8 @@ void define(void* context, sqlite3* database, int /*encoding*/, const char* name
     const auto parsed = engine::relationNameOf(name);
     const auto relation = parsed ? spatialRelationOf(parsed->relation.c_str()) : std::nullopt;
     if (relation) {
-        auto collation =
-            std::make_unique<Collation>(Collation{*relation, *static_cast<engine::EngineCache*>(context)});
+        auto collation = std::make_unique<Collation>(
+            Collation{*relation, *static_cast<engine::EngineCache*>(context), database});
         const int code =
             sqlite3_create_collation_v2(database, name, SQLITE_UTF8, collation.get(), compare,
                                         [](void* kept) { delete static_cast<Collation*>(kept); });

@@ -120,7 +120,7 @@ public:
             }
         }
         takeRowNumber();
-        takeRelation();
+        takeRelations();
         takeOrigin();
         takeLimit();
         takeOrder();
@@ -335,29 +335,39 @@ private:
         hasOpenOperand_ = true;
     }
 
-    /// The cursor tests the relation exactly as SQLite would, so that it need not. Of several the one that
-    /// finds the fewest.
-    void takeRelation() {
+    /// The cursor tests relations exactly as SQLite would, so that it need not. Of several the one that finds
+    /// the fewest is looked up; of the others it tests the equalities, for which SQLite would decode both
+    /// geometries for every pair of rows.
+    void takeRelations() {
         if (relations_.isEmpty() || rowNumber_ >= 0 || origin_ >= 0) {
             return;
         }
-        const auto [term, estimate] = relations_.best();
-        plan_.relation = term.relation;
-        plan_.isSecondOperand = term.isSecondOperand;
-        hand(term.constraint, true);
-        leaveOutOperand(constraint(term.constraint).iColumn);
+        const auto [best, estimate] = relations_.best();
+        takeRelation(best);
+        for (const RelationTerm& other : relations_.equalities()) {
+            if (other.constraint != best.constraint) {
+                takeRelation(other);
+            }
+        }
         hasOpenOperand_ = true;
         estimate_.takeRelation(estimate, virtual_.spatialIndexing().hasTree(table_) || table_.usesWindow());
     }
 
-    /// An operand column that nothing but the condition taken over names is not read.
+    void takeRelation(const RelationTerm& term) {
+        plan_.relations.push_back(term.relation);
+        hand(term.constraint, true);
+        leaveOutOperand(constraint(term.constraint).iColumn);
+    }
+
+    /// An operand column that nothing but conditions taken over name is not read.
     void leaveOutOperand(int column) {
         constexpr int lastOfMask = 63;
-        int uses = 0;
+        bool isNamed = column == declaration_.geometryColumn() || column >= lastOfMask;
         for (int i = 0; i < info_.nConstraint; ++i) {
-            uses += constraint(i).iColumn == column;
+            isNamed =
+                isNamed || (constraint(i).iColumn == column && info_.aConstraintUsage[i].argvIndex == 0);
         }
-        if (column != declaration_.geometryColumn() && uses == 1 && column < lastOfMask) {
+        if (!isNamed) {
             plan_.columnsUsed &= ~(std::uint64_t{1} << column);
         }
     }

@@ -8,6 +8,7 @@
 #include <orvane/engine/RelationName.h>
 
 #include <algorithm>
+#include <iterator>
 #include <stdexcept>
 
 namespace orvane::adaptor {
@@ -66,11 +67,12 @@ double sizeOf(const VirtualTable& table) {
 
 void RelationTerms::addFunction(sqlite3_index_info& info, int constraint) {
     const int operation = info.aConstraint[constraint].op - SQLITE_INDEX_CONSTRAINT_FUNCTION;
-    RelationTerm& term = terms_.emplace_back(constraint, static_cast<SpatialRelation>(operation));
+    RelationTerm& term =
+        terms_.emplace_back(constraint, ScanPlan::Relation{static_cast<SpatialRelation>(operation)}, false);
     sqlite3_value* operand = nullptr;
     if (sqlite3_vtab_rhs_value(&info, constraint, &operand) == SQLITE_OK) {
         term.operand =
-            term.relation == SpatialRelation::Near ? neighbourhoodOf(operand) : envelopeOf(operand);
+            term.relation.relation == SpatialRelation::Near ? neighbourhoodOf(operand) : envelopeOf(operand);
     }
 }
 
@@ -81,7 +83,7 @@ void RelationTerms::addEquality(sqlite3_index_info& info, int constraint) {
         return;
     }
     const bool isSecond = info.aConstraint[constraint].iColumn == table_.declaration().secondOperandColumn();
-    terms_.emplace_back(constraint, *relation, isSecond,
+    terms_.emplace_back(constraint, ScanPlan::Relation{*relation, isSecond}, true,
                         table_.otherTable(QString::fromStdString(isSecond ? name->first : name->second)));
 }
 
@@ -128,11 +130,10 @@ std::optional<double> RelationTerms::countMatching(const RelationTerm& term, Mat
 
 /// Not where only vertices, or the centroid, have to lie in something: these have an image in the table.
 bool RelationTerms::isElsewhere(const RelationTerm& term) const {
-    const SpatialRelation ofColumn = term.isSecondOperand ? converseOf(term.relation) : term.relation;
     const auto own = table_.table().coordSystem();
     const auto other = term.other ? term.other->table().coordSystem() : nullptr;
-    if (countsInFirstSystem(term.relation) != term.isSecondOperand || !own || !other || own->equals(*other) ||
-        holdsVertices(ofColumn)) {
+    if (!term.relation.countsElsewhere() || !own || !other || own->equals(*other) ||
+        holdsVertices(term.relation.ofColumn())) {
         return false;
     }
     const SpaceStatistics* statistics = table_.space().statistics();
@@ -140,13 +141,12 @@ bool RelationTerms::isElsewhere(const RelationTerm& term) const {
 }
 
 RelationEstimate RelationTerms::estimate(const RelationTerm& term) const {
-    const auto [match, share] =
-        likelihoodOf(term.isSecondOperand ? converseOf(term.relation) : term.relation);
+    const auto [match, share] = likelihoodOf(term.relation.ofColumn());
     RelationEstimate estimate{};
     estimate.candidates = countMatching(term, Match::Meet).value_or(sizeOf(table_) * assumedShare);
     const auto matching = match == Match::Meet ? std::nullopt : countMatching(term, match);
     estimate.found = matching.value_or(estimate.candidates) * share;
-    if (term.relation == SpatialRelation::Equals) {
+    if (term.relation.relation == SpatialRelation::Equals) {
         estimate.found = std::min(estimate.found, 1.0);
     }
     estimate.scans = term.other ? sizeOf(*term.other) : 1.0;
@@ -164,6 +164,13 @@ std::pair<RelationTerm, RelationEstimate> RelationTerms::best() const {
         }
     }
     return best;
+}
+
+std::vector<RelationTerm> RelationTerms::equalities() const {
+    std::vector<RelationTerm> equalities;
+    std::copy_if(terms_.begin(), terms_.end(), std::back_inserter(equalities),
+                 [](const RelationTerm& term) { return term.isEquality; });
+    return equalities;
 }
 
 } // namespace orvane::adaptor

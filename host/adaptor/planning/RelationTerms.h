@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/adaptor/indices/SpatialRelation.h"
+#include "host/adaptor/planning/ScanPlan.h"
 #include "host/adaptor/statistics/SpaceStatistics.h"
 #include "host/adaptor/tables/VirtualTable.h"
 
@@ -16,8 +16,8 @@ namespace orvane::adaptor {
 /// A condition on a relation between the geometries of a table and an operand.
 struct RelationTerm {
     int constraint; ///< of xBestIndex
-    SpatialRelation relation;
-    bool isSecondOperand = false;  ///< the table's geometry
+    ScanPlan::Relation relation;
+    bool isEquality;               ///< of operand columns, else a function
     VirtualTable* other = nullptr; ///< of the operand; null where that is not known
     std::optional<geometry::Envelope> operand =
         {}; ///< or of what is near it, in the table's system, if known
@@ -44,6 +44,8 @@ public:
 
     /// The one that finds the fewest rows.
     std::pair<RelationTerm, RelationEstimate> best() const;
+    /// Those that no SQL function tests.
+    std::vector<RelationTerm> equalities() const;
 
 private:
     RelationEstimate estimate(const RelationTerm& term) const;

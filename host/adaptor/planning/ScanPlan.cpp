@@ -29,8 +29,11 @@ std::string ScanPlan::toText() const {
     appendNumber(text, number);
     appendNumber(text, columnsUsed);
     appendNumber(text, static_cast<std::uint64_t>(rowNumber));
-    appendNumber(text, relation ? 1 + static_cast<std::uint64_t>(*relation) : 0);
-    appendNumber(text, isSecondOperand);
+    appendNumber(text, relations.size());
+    for (const Relation& each : relations) {
+        appendNumber(text, static_cast<std::uint64_t>(each.relation));
+        appendNumber(text, each.isSecondOperand);
+    }
     appendNumber(text, static_cast<std::uint64_t>(byDistance));
     appendNumber(text, limit);
     appendNumber(text, offset);
@@ -53,10 +56,11 @@ ScanPlan ScanPlan::fromText(std::string_view text) {
     plan.number = takeNumber(text);
     plan.columnsUsed = takeNumber(text);
     plan.rowNumber = static_cast<RowNumber>(takeNumber(text));
-    if (const std::uint64_t relation = takeNumber(text); relation > 0) {
-        plan.relation = static_cast<SpatialRelation>(relation - 1);
+    for (std::uint64_t left = takeNumber(text); left > 0 && !text.empty(); --left) {
+        Relation& each = plan.relations.emplace_back();
+        each.relation = static_cast<SpatialRelation>(takeNumber(text));
+        each.isSecondOperand = takeNumber(text) != 0;
     }
-    plan.isSecondOperand = takeNumber(text) != 0;
     plan.byDistance = static_cast<ByDistance>(takeNumber(text));
     plan.limit = takeNumber(text) != 0;
     plan.offset = takeNumber(text) != 0;

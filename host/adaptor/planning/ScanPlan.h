@@ -5,7 +5,6 @@
 #include "platform/dp/ScanRequest.h"
 
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,13 +13,24 @@ namespace orvane::adaptor {
 
 /// What xBestIndex decides about one scan and xFilter carries out. Travels through SQLite as a text, so that
 /// no state is kept between the two. Each item below takes one value of xFilter's arguments, in this order:
-/// the terms, the row number, the relation, the origin of distances, the limit, the offset.
+/// the terms, the row number, the relations, the origin of distances, the limit, the offset.
 struct ScanPlan {
     struct Term {
         int column = 0; ///< position in the virtual table's declaration
         dp::Comparison comparison = dp::Comparison::Equal;
         dp::TextCollation collation = dp::TextCollation::Binary;
         bool operator==(const Term&) const = default;
+    };
+    /// Between the geometry column and a value; the column is the first operand, or the second.
+    struct Relation {
+        SpatialRelation relation = SpatialRelation::Intersects;
+        bool isSecondOperand = false;
+
+        /// The relation from the column to the value.
+        SpatialRelation ofColumn() const { return isSecondOperand ? converseOf(relation) : relation; }
+        /// Whether the coordinate system of the value counts where that of the column is another.
+        bool countsElsewhere() const { return countsInFirstSystem(relation) == isSecondOperand; }
+        bool operator==(const Relation&) const = default;
     };
     struct Order {
         int column = 0; ///< position in the virtual table's declaration
@@ -50,9 +60,7 @@ struct ScanPlan {
     std::uint64_t columnsUsed = 0; ///< SQLite's mask: bit 63 stands for every column from 63 on
     std::vector<Term> terms;
     RowNumber rowNumber = RowNumber::None;
-    /// Between the geometry column and the value; the column is the first operand, or the second.
-    std::optional<SpatialRelation> relation;
-    bool isSecondOperand = false;
+    std::vector<Relation> relations; ///< the first is looked up, the others are tested on each row
     ByDistance byDistance = ByDistance::None;
     Ordering ordering = Ordering::None;
     std::vector<Order> order; ///< first column first

@@ -106,8 +106,8 @@ std::optional<engine::NearnessBlob> nearnessOf(sqlite3_value* value) {
 
 VirtualCursor::VirtualCursor(VirtualTable& table)
     : sqlite3_vtab_cursor{}, table_(table), coordSystem_(table.table().coordSystem()),
-      geometryAttribute_(table.table().schema()->geometryIndex()), repeated_(table.declaration()),
-      geometry_(coordSystem_, table.cache()) {}
+      geometryAttribute_(table.table().schema()->geometryIndex()), relations_(coordSystem_),
+      repeated_(table.declaration()), geometry_(coordSystem_, table.cache()) {}
 
 void VirtualCursor::readPlan(const char* planText) {
     plan_ = ScanPlan::fromText(planText);
@@ -150,59 +150,47 @@ bool VirtualCursor::readRowNumbers(sqlite3_value* value) {
     return !ids.empty();
 }
 
-bool VirtualCursor::readRelation(sqlite3_value* value) {
-    if (*plan_.relation == SpatialRelation::Near) {
+/// False when no row can stand in the relation. What is not looked up is tested on each row.
+bool VirtualCursor::readRelation(const ScanPlan::Relation& relation, sqlite3_value* value, bool isLookedUp) {
+    if (relation.relation == SpatialRelation::Near) {
         return readNearness(value);
     }
     GeometryPtr related = geometryOf(value, table_.cache());
     if (!related) {
         return false;
     }
-    const SpatialRelation ofColumn = relationOfColumn();
     const auto other = related->coordSystem();
-    if (coordSystem_ && other && coordSystem_ != other && !coordSystem_->equals(*other)) {
-        if (countsInFirstSystem(*plan_.relation) == plan_.isSecondOperand) {
-            return readElsewhere(related);
-        }
-        related = ofColumn == SpatialRelation::ContainsCentroid ? centroidOf(*related) : related;
+    const bool isElsewhere = coordSystem_ && other && coordSystem_ != other && !coordSystem_->equals(*other);
+    if (isElsewhere && relation.countsElsewhere()) {
+        relations_.add(relation, related, false);
+        return !isLookedUp || lookUpElsewhere(relation, *related);
+    }
+    if (isElsewhere) {
+        related = relation.ofColumn() == SpatialRelation::ContainsCentroid ? centroidOf(*related) : related;
         related = related ? related->transformed(coordSystem_) : nullptr;
         if (!related) {
             return false; // no relation to anything here
         }
     }
-    if (table_.spatialIndexing().find(ofColumn, related, table_.table(), request_, cancellation_)) {
+    if (isLookedUp && table_.spatialIndexing().find(relation.ofColumn(), related, table_.table(), request_,
+                                                    cancellation_)) {
         return !request_.ids->empty();
     }
-    testOnEachRow(related);
-    isInPlace_ = true;
+    relations_.add(relation, related, true);
     return true;
 }
 
-void VirtualCursor::testOnEachRow(const GeometryPtr& related) {
-    related_ = related;
-    isInPlace_ = false;
-    auto& attributes = request_.attributes;
-    if (std::find(attributes.begin(), attributes.end(), geometryAttribute_) == attributes.end()) {
-        attributes.push_back(geometryAttribute_);
-    }
-}
-
-SpatialRelation VirtualCursor::relationOfColumn() const {
-    return plan_.isSecondOperand ? converseOf(*plan_.relation) : *plan_.relation;
-}
-
-/// A relation in the value's coordinate system, to be tested row by row: of the rows that can stand in it, as
-/// far as envelopes tell. An edge is straight in one of the two systems only, so that of what is more than a
-/// position only vertices, and the centroid, can be told to lie in an envelope.
-bool VirtualCursor::readElsewhere(const GeometryPtr& related) {
-    testOnEachRow(related);
-    const geometry::Envelope envelope = related->envelope();
+/// A relation in the value's coordinate system, which is tested row by row: of the rows that can stand in it,
+/// as far as envelopes tell. An edge is straight in one of the two systems only, so that of what is more than
+/// a position only vertices, and the centroid, can be told to lie in an envelope.
+bool VirtualCursor::lookUpElsewhere(const ScanPlan::Relation& relation, const geometry::Geometry& value) {
+    const geometry::Envelope envelope = value.envelope();
     if (envelope.isEmpty()) {
         return false;
     }
     SpatialIndexing& indexing = table_.spatialIndexing();
-    if (holdsVertices(relationOfColumn()) || indexing.tree(table_.table(), cancellation_).arePositions()) {
-        if (const auto here = geometry::envelopeIn(*coordSystem_, envelope, *related->coordSystem())) {
+    if (holdsVertices(relation.ofColumn()) || indexing.tree(table_.table(), cancellation_).arePositions()) {
+        if (const auto here = geometry::envelopeIn(*coordSystem_, envelope, *value.coordSystem())) {
             indexing.findInEnvelope(*here, table_.table(), request_, cancellation_);
         }
     }
@@ -250,7 +238,7 @@ bool VirtualCursor::readOperands(sqlite3_value* value, dp::ScanTerm& term) {
 bool VirtualCursor::readArguments(std::span<sqlite3_value*> arguments) {
     request_.ids.reset();
     request_.window.reset();
-    related_.reset();
+    relations_.clear();
     request_.limit = -1;
     std::size_t next = 0;
     for (std::size_t term = 0; next < plan_.terms.size(); ++next) {
@@ -267,8 +255,15 @@ bool VirtualCursor::readArguments(std::span<sqlite3_value*> arguments) {
     if (plan_.rowNumber == ScanPlan::RowNumber::Other) {
         table_.numberRows(cancellation_);
     }
-    if (plan_.relation && !readRelation(arguments[next++])) {
-        return false;
+    for (std::size_t i = 0; i < plan_.relations.size(); ++i) {
+        if (!readRelation(plan_.relations[i], arguments[next++], i == 0)) {
+            return false;
+        }
+    }
+    if (auto& attributes = request_.attributes;
+        !relations_.isEmpty() &&
+        std::find(attributes.begin(), attributes.end(), geometryAttribute_) == attributes.end()) {
+        attributes.push_back(geometryAttribute_);
     }
     if (plan_.byDistance != ScanPlan::ByDistance::None) {
         readOrigin(arguments[next++]);
@@ -316,7 +311,7 @@ void VirtualCursor::openRows(std::span<sqlite3_value*> arguments) {
     }
     if (origin_ && plan_.byDistance != ScanPlan::ByDistance::None) {
         openByDistance();
-    } else if (request_.ids || related_ || request_.window) {
+    } else if (request_.ids || !relations_.isEmpty() || request_.window) {
         scan_ = table_.table().openCursor(request_);
         rows_ = scan_.get();
     } else {
@@ -414,13 +409,13 @@ void VirtualCursor::startOrdered() {
 void VirtualCursor::report() {
     ScanReport& report = *report_;
     const auto note = [&report](Access access) { ++report.scansBy(access); };
-    if (related_ && !request_.ids && !request_.window) {
+    if (!relations_.isEmpty() && !request_.ids && !request_.window) {
         note(Access::Relation);
     } else if (!rows_ && !request_.ids) {
         ++report.emptyScans;
     } else if (plan_.looksUpRowNumbers()) {
         note(Access::RowNumber);
-    } else if (plan_.relation || (nearest_ && plan_.byDistance == ScanPlan::ByDistance::Looked)) {
+    } else if (!plan_.relations.empty() || (nearest_ && plan_.byDistance == ScanPlan::ByDistance::Looked)) {
         const SpatialIndexing::Use& use = table_.spatialIndexing().lastUse();
         note(!use.isOfTable        ? Access::SpatialIndex
              : scan_->isLookedUp() ? Access::SourceSpatialIndex
@@ -463,17 +458,7 @@ bool VirtualCursor::accepts() {
     if (!filter_.isEmpty() && !filter_.accepts(*rows_)) {
         return false;
     }
-    if (!related_) {
-        return true;
-    }
-    const dp::Cell cell = rows_->cell(geometryAttribute_);
-    if (isInPlace_) {
-        return cell.type() == dp::CellType::Wkb &&
-               holds(relationOfColumn(), cell.view(), coordSystem_, *related_);
-    }
-    const GeometryPtr own = cell.type() == dp::CellType::Wkb ? decodeWkb(cell.view(), coordSystem_) : nullptr;
-    return own && (plan_.isSecondOperand ? holds(*plan_.relation, *related_, *own)
-                                         : holds(*plan_.relation, *own, *related_));
+    return relations_.isEmpty() || relations_.accepts(rows_->cell(geometryAttribute_));
 }
 
 int VirtualCursor::next() {

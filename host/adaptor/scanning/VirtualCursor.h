@@ -5,6 +5,7 @@
 #include "host/adaptor/rows/ArrangedRows.h"
 #include "host/adaptor/scanning/GeometryResult.h"
 #include "host/adaptor/scanning/NearestRows.h"
+#include "host/adaptor/scanning/RelationFilter.h"
 #include "host/adaptor/scanning/RepeatedScan.h"
 #include "host/adaptor/scanning/TermFilter.h"
 #include "host/adaptor/tables/VirtualTable.h"
@@ -44,15 +45,11 @@ private:
     /// Turns the arguments into the terms, identifiers and limit of the request; false when no row can match.
     bool readArguments(std::span<sqlite3_value*> arguments);
     bool readRowNumbers(sqlite3_value* value);
-    bool readRelation(sqlite3_value* value);
-    /// The relation of the plan from the geometry column to the value.
-    SpatialRelation relationOfColumn() const;
-    bool readElsewhere(const geometry::GeometryPtr& related);
+    bool readRelation(const ScanPlan::Relation& relation, sqlite3_value* value, bool isLookedUp);
+    bool lookUpElsewhere(const ScanPlan::Relation& relation, const geometry::Geometry& value);
     bool readNearness(sqlite3_value* value);
     geometry::GeometryPtr centreOf(const engine::NearnessBlob& nearness);
     void readOrigin(sqlite3_value* value);
-    /// Has the plan's relation to a geometry tested on each row.
-    void testOnEachRow(const geometry::GeometryPtr& related);
     bool accepts();
     /// Opens the rows that can match, if there can be any.
     void openRows(std::span<sqlite3_value*> arguments);
@@ -72,13 +69,12 @@ private:
     ScanPlan plan_;
     dp::ScanRequest request_;
     TermFilter filter_;
-    geometry::GeometryPtr related_; ///< set when each row's relation to it has to be tested
-    bool isInPlace_ = false;        ///< it is in the table's coordinate system
-    geometry::GeometryPtr origin_;  ///< of distances; null where they are all NULL
+    geometry::GeometryPtr origin_; ///< of distances; null where they are all NULL
     geometry::Nearness originMeasure_;
     NearestRows* nearest_ = nullptr; ///< scan_, where its rows come by their distance
     const std::shared_ptr<cs::CoordSystem> coordSystem_;
     const int geometryAttribute_;
+    RelationFilter relations_;
     dp::Cursor* rows_ = nullptr; ///< one of those below; null at the end
     std::unique_ptr<dp::Cursor> scan_;
     RepeatedScan repeated_;

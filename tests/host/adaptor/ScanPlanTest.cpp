@@ -11,7 +11,8 @@ TEST(ScanPlan, SurvivesTheWayThroughSqlite) {
     EXPECT_EQ(ScanPlan::fromText(plan.toText()), plan);
     plan.columnsUsed = ~std::uint64_t{0};
     plan.rowNumber = ScanPlan::RowNumber::In;
-    plan.relation = orvane::adaptor::SpatialRelation::Intersects;
+    plan.relations = {{orvane::adaptor::SpatialRelation::Within, true},
+                      {orvane::adaptor::SpatialRelation::Intersects, false}};
     plan.limit = plan.offset = true;
     plan.ordering = ScanPlan::Ordering::ByIndex;
     plan.order = {{3, true}, {70, false}};
