@@ -221,7 +221,7 @@ double ScanEstimate::findingCost() const {
         return fetching + relationCost_;
     }
     const double making = hasIndex_ ? 0 : rows_ * makingCost_ / assumedLookups;
-    return looksUp_ ? std::min(scanning, fetching + making) : scanning;
+    return looksUp_ ? std::min(scanning, cost::opening + fetching + making) : scanning;
 }
 
 } // namespace orvane::adaptor
