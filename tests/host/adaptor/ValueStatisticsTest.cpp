@@ -5,7 +5,6 @@
 #include <QString>
 
 #include <functional>
-#include <map>
 #include <random>
 #include <set>
 
@@ -21,21 +20,21 @@ constexpr int runs = 128;
 constexpr int rowsOfRun = 8;
 
 using Random = std::mt19937;
-using Column = std::vector<ScanValue>;
 
-/// The values of a column with a rank for each: how often a rank occurs is decided by `ranks`.
-Column column(Random& random, const std::function<int(Random&)>& ranks,
-              const std::function<ScanValue(int)>& valueOf, bool isSorted) {
-    std::vector<int> drawn(tableRows);
-    std::generate(drawn.begin(), drawn.end(), [&] { return ranks(random); });
+/// A number for each row, and the value that it stands for.
+struct Column {
+    std::vector<int> ranks;
+    std::function<ScanValue(int)> valueOf;
+};
+
+Column column(Random& random, const std::function<int(Random&)>& ranks, std::function<ScanValue(int)> valueOf,
+              bool isSorted) {
+    Column result{std::vector<int>(tableRows), std::move(valueOf)};
+    std::generate(result.ranks.begin(), result.ranks.end(), [&] { return ranks(random); });
     if (isSorted) {
-        std::sort(drawn.begin(), drawn.end());
+        std::sort(result.ranks.begin(), result.ranks.end());
     }
-    Column values;
-    for (const int rank : drawn) {
-        values.push_back(valueOf(rank));
-    }
-    return values;
+    return result;
 }
 
 std::function<int(Random&)> uniform(int values) {
@@ -76,16 +75,9 @@ ScanValue orNull(ScanValue value, bool isNull) {
     return isNull ? ScanValue() : std::move(value);
 }
 
-TableDeclaration::Column declared(const Column& values) {
-    const bool isText = std::any_of(values.begin(), values.end(), [](const ScanValue& v) {
-        return std::holds_alternative<std::string>(v);
-    });
-    return {0, isText ? Kind::Text : Kind::Number,
-            isText ? dp::TextCollation::Locale : dp::TextCollation::Binary};
-}
-
-ColumnStatistics sampled(Random& random, const Column& values, int length) {
-    ColumnStatistics statistics(declared(values));
+ColumnStatistics sampled(Random& random, const Column& values, const TableDeclaration::Column& declared,
+                         int length) {
+    ColumnStatistics statistics(declared);
     std::set<int> starts;
     while (starts.size() < std::size_t{runs} * rowsOfRun / static_cast<std::size_t>(length)) {
         starts.insert(uniform(tableRows / length)(random) * length);
@@ -93,7 +85,8 @@ ColumnStatistics sampled(Random& random, const Column& values, int length) {
     std::int64_t run = 0;
     for (const int start : starts) {
         for (int row = start; row < start + length; ++row) {
-            statistics.add(dp::cellOf(values[static_cast<std::size_t>(row)]), run);
+            const auto value = values.valueOf(values.ranks[static_cast<std::size_t>(row)]);
+            statistics.add(dp::cellOf(value), run);
         }
         ++run;
     }
@@ -134,21 +127,33 @@ std::string described(const ScanValue& value) {
 
 /// What there is to find.
 struct Truth {
+    using Group = std::pair<ScanValue, int>; ///< a value, and how many rows have it
+
     explicit Truth(const Column& column) {
-        std::map<ScanValue, int> counted;
-        for (const auto& value : column) {
-            ++counted[value];
+        std::vector<int> rows(
+            1 + static_cast<std::size_t>(*std::max_element(column.ranks.begin(), column.ranks.end())));
+        for (const int rank : column.ranks) {
+            ++rows[static_cast<std::size_t>(rank)];
         }
-        nulls = counted[ScanValue()];
-        counted.erase(ScanValue());
-        counts.assign(counted.begin(), counted.end());
-        std::copy_if(column.begin(), column.end(), std::back_inserter(known),
-                     [](const ScanValue& value) { return value.index() != 0; });
+        for (std::size_t rank = 0; rank < rows.size(); ++rank) {
+            const auto value = column.valueOf(static_cast<int>(rank));
+            if (value.index() == 0) {
+                nulls += rows[rank];
+            } else if (rows[rank] > 0) {
+                known.insert(known.end(), static_cast<std::size_t>(rows[rank]),
+                             static_cast<int>(groups.size()));
+                groups.emplace_back(value, rows[rank]);
+            }
+        }
+        const bool isText = std::holds_alternative<std::string>(groups.front().first);
+        declared = {0, isText ? Kind::Text : Kind::Number,
+                    isText ? dp::TextCollation::Locale : dp::TextCollation::Binary};
     }
 
-    int nulls;
-    std::vector<std::pair<ScanValue, int>> counts; ///< different values with their rows
-    Column known;                                  ///< all but NULL
+    int nulls = 0;
+    std::vector<Group> groups;
+    std::vector<int> known; ///< the group of each row, but NULL
+    TableDeclaration::Column declared;
 };
 
 template<class Item>
@@ -156,30 +161,31 @@ const Item& anyOf(const std::vector<Item>& items, Random& random) {
     return items[static_cast<std::size_t>(uniform(static_cast<int>(items.size()))(random))];
 }
 
-Score score(const std::vector<ColumnStatistics>& samples, const TableDeclaration::Column& column,
-            const Truth& truth, Random& random) {
+Score score(const std::vector<ColumnStatistics>& samples, const Truth& truth, Random& random) {
     Score result;
     const auto count = [&](const auto& share, double rows, const std::string& what) {
         for (const auto& statistics : samples) {
             result.count(share(statistics), rows, what);
         }
     };
-    const auto& counts = truth.counts;
+    const auto& groups = truth.groups;
     count([&](const ColumnStatistics& of) { return of.shareOfNulls(); }, truth.nulls, "Is Null");
     count([&](const ColumnStatistics& of) { return of.distinctValues() / tableRows; },
-          static_cast<double>(counts.size()), "distinct values");
-    const auto anyKnown = [&] { return anyOf(truth.known, random); };
+          static_cast<double>(groups.size()), "distinct values");
+    const auto anyKnown = [&]() -> const Truth::Group& {
+        return groups[static_cast<std::size_t>(anyOf(truth.known, random))];
+    };
     for (int i = 0; i < 20; ++i) {
         // Each row, or each different value, as likely as the other.
-        const auto value = i % 2 == 0 ? anyKnown() : anyOf(counts, random).first;
-        const auto found = std::lower_bound(counts.begin(), counts.end(), std::pair(value, 0));
-        count([&](const ColumnStatistics& of) { return of.shareOfValue(dp::cellOf(value)); }, found->second,
+        const auto& [value, rows] = i % 2 == 0 ? anyKnown() : anyOf(groups, random);
+        const auto cell = dp::cellOf(value);
+        count([&](const ColumnStatistics& of) { return of.shareOfValue(cell); }, rows,
               "= " + described(value));
     }
-    const bool isText = column.kind == Kind::Text;
+    const bool isText = truth.declared.kind == Kind::Text;
     for (int i = 0; i < (isText ? 6 : 20); ++i) {
-        auto low = anyKnown();
-        auto high = anyKnown();
+        auto low = anyKnown().first;
+        auto high = anyKnown().first;
         if (i % 2 == 0 && !isText) { // a narrow one
             const double start = dp::cellOf(low).type() == dp::CellType::Integer
                                      ? static_cast<double>(dp::cellOf(low).integer())
@@ -187,14 +193,14 @@ Score score(const std::vector<ColumnStatistics>& samples, const TableDeclaration
             high = start + std::exp(std::uniform_real_distribution(0.0, 10.0)(random));
         }
         const dp::ScanTerm terms[] = {
-            {0, Comparison::GreaterOrEqual, column.collation, {low}},
-            {0, i % 3 == 0 ? Comparison::LessOrEqual : Comparison::Less, column.collation, {high}}};
+            {0, Comparison::GreaterOrEqual, truth.declared.collation, {low}},
+            {0, i % 3 == 0 ? Comparison::LessOrEqual : Comparison::Less, truth.declared.collation, {high}}};
         std::vector<dp::Condition> conditions;
         for (const auto& term : terms) {
             conditions.push_back(samples.front().conditionOf(term));
         }
         double rows = 0;
-        for (const auto& [value, numRows] : counts) {
+        for (const auto& [value, numRows] : groups) {
             rows += conditions[0].accepts(dp::cellOf(value)) && conditions[1].accepts(dp::cellOf(value))
                         ? numRows
                         : 0;
@@ -203,13 +209,13 @@ Score score(const std::vector<ColumnStatistics>& samples, const TableDeclaration
               described(low) + " to " + described(high));
     }
     for (int i = 0; isText && i < 6; ++i) {
-        const auto text = QString::fromStdString(std::get<std::string>(anyKnown()));
+        const auto text = QString::fromStdString(std::get<std::string>(anyKnown().first));
         const auto part = i % 2 == 0 ? text.left(2 + i / 2) : text.mid(text.size() / 2);
         const auto pattern =
             ((i % 2 == 0 ? QString() : QStringLiteral("%")) + part.toUpper() + QStringLiteral("%"))
                 .toStdString();
         double rows = 0;
-        for (const auto& [value, numRows] : counts) {
+        for (const auto& [value, numRows] : groups) {
             const auto candidate = QString::fromStdString(std::get<std::string>(value));
             rows += (i % 2 == 0 ? candidate.startsWith(part, Qt::CaseInsensitive)
                                 : candidate.contains(part, Qt::CaseInsensitive))
@@ -227,22 +233,26 @@ TEST(Statistics, AreWithinTenTimesTheTruth) {
     Random random(20'240'607); // NOLINT: the same tables in every run
     const auto road = [](int rank) {
         constexpr const char* classes[] = {"motorway", "primary", "residential", "service"};
-        return ScanValue(std::string(classes[std::min(rank / 20, 1) + rank % 3 * std::min(rank / 20, 1)]));
+        return ScanValue(std::string(classes[rank]));
     };
+    const auto roads = [n = 0](Random&) mutable { return n++ < 20 ? 0 : 1 + n % 3; };
+    const auto shuffled = [n = 0](Random&) mutable {
+        return static_cast<int>(std::int64_t{n++} * 77'773 % tableRows);
+    };
+    const auto normal = [](Random& r) {
+        return std::max(0, static_cast<int>(std::normal_distribution(1e6, 2e5)(r)));
+    };
+    const auto mostlyFirst = [](Random& r) {
+        return std::max(0, uniform(tableRows)(r) - tableRows * 99 / 100);
+    };
+    const auto halfFirst = [](Random& r) { return std::max(0, uniform(2 * tableRows)(r) - tableRows); };
+    const auto someNumbers = [](int n) { return orNull(number(n), n % 10 != 0); };
+    const auto mostTowns = [](int n) { return orNull(town(n), n == 77); };
     const std::pair<const char*, Column> columns[] = {
         {"a key", column(random, everyRow(), number, false)},
-        {"a shuffled key", column(
-                               random,
-                               [](Random&) {
-                                   static int n = 0;
-                                   return static_cast<int>(std::int64_t{n++} * 77'773 % tableRows);
-                               },
-                               number, false)},
+        {"a shuffled key", column(random, shuffled, number, false)},
         {"a text key", column(random, everyRow(), town, false)},
-        {"reals",
-         column(
-             random, [](Random& r) { return static_cast<int>(std::normal_distribution(0.0, 1e6)(r)); }, real,
-             false)},
+        {"reals", column(random, normal, real, false)},
         {"few numbers", column(random, uniform(5), number, false)},
         {"1000 groups", column(random, uniform(1000), number, false)},
         {"1000 groups, sorted", column(random, uniform(1000), number, true)},
@@ -256,27 +266,19 @@ TEST(Statistics, AreWithinTenTimesTheTruth) {
         {"days", column(random, uniform(7400), date, false)},
         {"days, sorted", column(random, uniform(7400), date, true)},
         {"a constant", column(random, uniform(1), town, false)},
-        {"a constant and some others",
-         column(
-             random, [](Random& r) { return std::max(0, uniform(tableRows)(r) - tableRows * 99 / 100); },
-             number, false)},
-        {"half empty, half unique",
-         column(
-             random, [](Random& r) { return std::max(0, uniform(2 * tableRows)(r) - tableRows); }, town,
-             false)},
-        {"20 rows of a class at the start", column(random, everyRow(), road, false)},
-        {"mostly NULL", column(
-                            random, everyRow(), [](int n) { return orNull(number(n), n % 10 != 0); }, false)},
-        {"hardly ever NULL",
-         column(
-             random, uniform(100'000), [](int n) { return orNull(town(n % 3000), n % 3000 == 77); }, false)},
+        {"a constant and some others", column(random, mostlyFirst, number, false)},
+        {"half empty, half unique", column(random, halfFirst, town, false)},
+        {"20 rows of a class at the start", column(random, roads, road, false)},
+        {"mostly NULL", column(random, everyRow(), someNumbers, false)},
+        {"hardly ever NULL", column(random, uniform(3000), mostTowns, false)},
     };
     Score all;
     for (const auto& [name, values] : columns) {
         std::vector<ColumnStatistics> samples;
-        samples.push_back(sampled(random, values, rowsOfRun));
-        samples.push_back(sampled(random, values, 1));
-        const auto one = score(samples, declared(values), Truth(values), random);
+        const Truth truth(values);
+        samples.push_back(sampled(random, values, truth.declared, rowsOfRun));
+        samples.push_back(sampled(random, values, truth.declared, 1));
+        const auto one = score(samples, truth, random);
         all.add(one);
         EXPECT_GE(one.good, one.asked * 0.8) << name << ", worst " << one.worst;
     }
