@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 #include <numeric>
+#include <utility>
 
 namespace orvane::engine {
 
@@ -58,6 +59,21 @@ void RowOrder::arrangeInOrder(const work::Cancellation& cancellation, std::span<
         cancellation.check();
         sortBy(*column);
     }
+}
+
+std::vector<std::uint32_t> RowOrder::renumber() {
+    std::vector<std::uint32_t> places(order_.size());
+    for (std::uint32_t place = 0; place < places.size(); ++place) {
+        places[std::exchange(order_[place], place)] = place;
+    }
+    for (Column& column : keys_) {
+        std::vector<ValueRanks::Code> codes(places.size());
+        for (std::size_t row = 0; row < places.size(); ++row) {
+            codes[places[row]] = column.codes[row];
+        }
+        column.codes = std::move(codes);
+    }
+    return places;
 }
 
 std::uint32_t RowOrder::lastGroup() const {

@@ -3,6 +3,7 @@
 #include <orvane/engine/LocaleOrder.h>
 
 #include <algorithm>
+#include <cstring>
 
 namespace orvane::adaptor {
 
@@ -30,6 +31,18 @@ std::vector<engine::RowOrder::Key> orderKeys(const std::vector<ArrangedRows::Key
         result.push_back({key.collation, key.isDescending});
     }
     return result;
+}
+
+template<typename Part>
+void put(Part part, char* bytes) {
+    std::memcpy(bytes, &part, sizeof part);
+}
+
+template<typename Part>
+Part taken(const char* bytes) {
+    Part part;
+    std::memcpy(&part, bytes, sizeof part);
+    return part;
 }
 
 std::shared_ptr<const LocaleOrder> localeOf(const std::vector<ArrangedRows::Key>& keys) {
@@ -70,19 +83,24 @@ std::size_t ArrangedRows::bytes() const {
 }
 
 ArrangedRows::Value ArrangedRows::kept(const Cell& cell) {
-    Value value{{0}, 0, cell.type()};
+    Value value;
+    value.type = cell.type();
+    value.size = 0;
     switch (cell.type()) {
     case CellType::Null: break;
-    case CellType::Integer: value.integer = cell.integer(); break;
-    case CellType::Real: value.real = cell.real(); break;
+    case CellType::Integer: put(cell.integer(), value.bytes.data()); break;
+    case CellType::Real: put(cell.real(), value.bytes.data()); break;
     case CellType::Text:
     case CellType::Bytes:
-    case CellType::Wkb: {
-        const std::string_view copy = bytes_.copy(cell.view());
-        value.data = copy.data();
-        value.size = static_cast<std::uint32_t>(copy.size());
-        break;
-    }
+    case CellType::Wkb:
+        if (const std::string_view view = cell.view(); view.size() <= value.bytes.size()) {
+            view.copy(value.bytes.data(), view.size());
+            value.size = static_cast<std::uint8_t>(view.size());
+        } else {
+            put(bytes_.copy(view).data(), value.bytes.data());
+            put(static_cast<std::uint32_t>(view.size()), value.bytes.data() + sizeof(const char*));
+            value.size = Value::isElsewhere;
+        }
     }
     return value;
 }
@@ -103,26 +121,18 @@ void ArrangedRows::add(dp::Cursor& row) {
     ids_.add(row.featureId());
 }
 
-/// Rows in order lie anywhere in memory: without this, every value is waited for.
-void ArrangedRows::fetchAhead(std::uint32_t place, std::uint32_t end) const {
-    constexpr std::uint32_t farPlaces = 16;
-    constexpr std::uint32_t nearPlaces = 8;
-    constexpr std::size_t valuesPerLine = 64 / sizeof(Value);
-    if (end - place <= farPlaces) {
-        return;
-    }
+void ArrangedRows::arrangeInOrder(const work::Cancellation& cancellation) {
+    order_.arrangeInOrder(cancellation);
+    cancellation.check();
+    const std::vector<std::uint32_t> places = order_.renumber();
+    // Each group fills up from its front: far fewer places at a time than reading by the order would jump to.
     const std::size_t width = plain_.size();
-    const std::uint32_t farRow = order_.row(place + farPlaces);
-    order_.fetch(farRow);
-    for (std::size_t i = 0; i < width; i += valuesPerLine) {
-        __builtin_prefetch(values_.data() + farRow * width + i);
+    std::vector<Value> values(values_.size());
+    for (std::size_t row = 0; row < places.size(); ++row) {
+        std::copy_n(values_.data() + row * width, width, values.data() + places[row] * width);
     }
-    const Value* const near = values_.data() + order_.row(place + nearPlaces) * width;
-    for (std::size_t i = 0; i < width; ++i) {
-        if (near[i].type >= CellType::Text) {
-            __builtin_prefetch(near[i].data);
-        }
-    }
+    values_ = std::move(values);
+    ids_.move(places);
 }
 
 Cell ArrangedRows::cell(std::uint32_t place, int attribute) const {
@@ -132,15 +142,20 @@ Cell ArrangedRows::cell(std::uint32_t place, int attribute) const {
         return order_.value(row, static_cast<std::size_t>(key));
     }
     const Value& value = values_[row * plain_.size() + static_cast<std::size_t>(plainOf_[position])];
+    const char* const bytes = value.bytes.data();
     switch (value.type) {
     case CellType::Null: return {};
-    case CellType::Integer: return Cell::ofInteger(value.integer);
-    case CellType::Real: return Cell::ofReal(value.real);
-    case CellType::Text: return Cell::ofText({value.data, value.size});
-    case CellType::Bytes: return Cell::ofBytes({value.data, value.size});
-    case CellType::Wkb: return Cell::ofWkb({value.data, value.size});
+    case CellType::Integer: return Cell::ofInteger(taken<std::int64_t>(bytes));
+    case CellType::Real: return Cell::ofReal(taken<double>(bytes));
+    default: break;
     }
-    return {};
+    const std::string_view view =
+        value.size == Value::isElsewhere
+            ? std::string_view(taken<const char*>(bytes), taken<std::uint32_t>(bytes + sizeof(const char*)))
+            : std::string_view(bytes, value.size);
+    return value.type == CellType::Text    ? Cell::ofText(view)
+           : value.type == CellType::Bytes ? Cell::ofBytes(view)
+                                           : Cell::ofWkb(view);
 }
 
 } // namespace orvane::adaptor

@@ -7,6 +7,7 @@
 #include <orvane/engine/rows/ByteArena.h>
 #include <orvane/engine/rows/RowOrder.h>
 
+#include <array>
 #include <cstdint>
 #include <vector>
 
@@ -14,7 +15,8 @@ namespace orvane::adaptor {
 
 /// Rows of a table in memory, arranged by some of their attributes, the keys: in order, or so that the rows
 /// with one value are found at once. Takes for each row 12 bytes and 4 for each key, 16 for each other
-/// attribute, besides what texts and geometries take and once the different values of the keys.
+/// attribute (twice while they are put in order), besides what longer texts and geometries take and once the
+/// different values of the keys.
 class ArrangedRows {
 public:
     struct Key {
@@ -39,8 +41,8 @@ public:
     /// Bytes taken, about.
     std::size_t bytes() const;
 
-    /// As the functions of RowOrder.
-    void arrangeInOrder(const work::Cancellation& cancellation) { order_.arrangeInOrder(cancellation); }
+    /// As the functions of RowOrder. The rows in order lie in memory as they will be read.
+    void arrangeInOrder(const work::Cancellation& cancellation);
     std::uint32_t lastGroup() const { return order_.lastGroup(); }
     std::size_t arrangeForLookups(const work::Cancellation& cancellation) {
         return order_.arrangeForLookups(cancellation);
@@ -48,20 +50,16 @@ public:
     Range all() const { return order_.all(); }
     Range find(const dp::Cell& operand) const { return order_.find(operand); }
 
-    /// Has memory fetch, in two steps, what `cell` will read of places a little further on, before `end`.
-    void fetchAhead(std::uint32_t place, std::uint32_t end) const;
     dp::Cell cell(std::uint32_t place, int attribute) const;
     dp::FeatureId featureId(std::uint32_t place) const { return ids_.at(order_.row(place)); }
 
 private:
-    /// A value that is no key.
+    /// A value that is no key: a number, or a text or bytes, which are short or else in `bytes_`.
     struct Value {
-        union {
-            std::int64_t integer;
-            double real;
-            const char* data;
-        };
-        std::uint32_t size;
+        static constexpr std::uint8_t isElsewhere = 255;
+
+        alignas(8) std::array<char, 14> bytes; ///< of the value, or of a pointer and a 32-bit size
+        std::uint8_t size;
         dp::CellType type;
     };
 
@@ -89,12 +87,7 @@ public:
     }
     bool next() override {
         place_ = next_;
-        if (next_ == end_) {
-            return false;
-        }
-        rows_->fetchAhead(next_, end_);
-        ++next_;
-        return true;
+        return next_ < end_ && ++next_ > 0;
     }
     dp::Cell cell(int attribute) override { return rows_->cell(place_, attribute); }
     dp::FeatureId featureId() override { return rows_->featureId(place_); }

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 namespace orvane::adaptor {
@@ -32,7 +33,21 @@ public:
         return others_.empty() ? ofNumber(numbers_[row]) : others_[row];
     }
 
+    /// Gives each row the number that stands for it.
+    void move(std::span<const std::uint32_t> places) {
+        moveIn(numbers_, places);
+        moveIn(others_, places);
+    }
+
 private:
+    template<typename Id>
+    static void moveIn(std::vector<Id>& ids, std::span<const std::uint32_t> places) {
+        std::vector<Id> moved(ids.size());
+        for (std::size_t row = 0; row < ids.size(); ++row) {
+            moved[places[row]] = std::move(ids[row]);
+        }
+        ids = std::move(moved);
+    }
     static dp::FeatureId ofNumber(std::int64_t number) {
         return dp::FeatureId(QVariant(static_cast<qlonglong>(number)));
     }

@@ -19,9 +19,28 @@ using testing::MemoryTable;
 class RowsInMemoryTest : public testing::AdaptorTest {
 protected:
     static MemoryTable::Row anyRow(std::mt19937& random) {
-        static const char* const words[] = {
-            "Alpha", "ALPHA",  "alpha", "beta", "Вода", "ВОДА", "вода",    "Ёж",  "ёж",          "еж",
-            "Ель",   "résumé", "😀",     "",     "Й",    "И",    "и\u0306", "a b", "\u0001Alpha", "Žena"};
+        static const char* const words[] = {"Alpha",
+                                            "ALPHA",
+                                            "alpha",
+                                            "beta",
+                                            "Вода",
+                                            "ВОДА",
+                                            "вода",
+                                            "Ёж",
+                                            "ёж",
+                                            "еж",
+                                            "Ель",
+                                            "résumé",
+                                            "😀",
+                                            "",
+                                            "Й",
+                                            "И",
+                                            "и\u0306",
+                                            "a b",
+                                            "\u0001Alpha",
+                                            "Žena",
+                                            "fourteen bytes",
+                                            "fifteen bytes!!"};
         const auto orNull = [&random](QVariant value) { return random() % 9 == 0 ? QVariant() : value; };
         const auto number = static_cast<qlonglong>(random() % 12) - 4;
         const double size = static_cast<double>(random() % 16) / 2 - 2;
@@ -75,7 +94,8 @@ protected:
 
 TEST_F(RowsInMemoryTest, GroupsAreThoseOfSqlite) {
     openPair("things", 3000, 1);
-    const std::string sums = "Count(*), Sum(number), Min(size), Max(day)";
+    const std::string sums = "Count(*), Sum(number), Min(size), Max(day), Sum(Length(word)), "
+                             "Sum(word = 'fourteen bytes'), Sum(word = 'fifteen bytes!!')";
     for (const char* keys :
          {"word", "number", "size", "day", "word, number", "day Desc, word", "number, size, word"}) {
         for (const char* where : {"", " Where number > 1", " Where word = 'ВОДА'", " Where word Is Null",

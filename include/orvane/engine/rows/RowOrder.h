@@ -45,6 +45,8 @@ public:
     /// in all are ordered by their identifiers if these are given, one for each row, else they stay in the
     /// order in which they came. Throws work::Cancelled.
     void arrangeInOrder(const work::Cancellation& cancellation, std::span<const std::int64_t> ids = {});
+    /// Numbers the rows by their places from now on, and answers the place of each by its number so far.
+    std::vector<std::uint32_t> renumber();
     /// The place of the first of those rows that agree with the last one in the first key, when there are
     /// rows and they are in order.
     std::uint32_t lastGroup() const;
@@ -59,12 +61,6 @@ public:
 
     Range all() const { return {0, static_cast<std::uint32_t>(order_.size())}; }
     std::uint32_t row(std::uint32_t place) const { return order_[place]; }
-    /// Has memory fetch what `value` will read.
-    void fetch(std::uint32_t row) const {
-        for (const Column& column : keys_) {
-            __builtin_prefetch(column.codes.data() + row);
-        }
-    }
     dp::Cell value(std::uint32_t row, std::size_t key) const {
         return keys_[key].ranks.value(keys_[key].codes[row]);
     }
