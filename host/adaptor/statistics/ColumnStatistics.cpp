@@ -8,6 +8,8 @@
 #include <functional>
 #include <limits>
 #include <numeric>
+#include <string_view>
+#include <utility>
 
 namespace orvane::adaptor {
 
@@ -92,8 +94,8 @@ void ColumnStatistics::finish(double tableRows) {
             rareRuns_ += static_cast<double>(value.runs);
         }
     }
-    distinct_ = std::clamp(estimateDistinct(), std::max(1.0, static_cast<double>(values_.size())),
-                           std::max(1.0, tableRows_ * shareOfOthers()));
+    const double known = std::max(1.0, static_cast<double>(values_.size()));
+    distinct_ = std::clamp(estimateDistinct(), known, std::max(known, tableRows_ * shareOfOthers()));
 }
 
 /// Common values are all known. Of the rare ones there are as many as the estimator Duj1 says (Haas, Stokes:

@@ -1,6 +1,8 @@
 #include "host/adaptor/statistics/ValueStatistics.h"
 
-#include <stdexcept>
+#include <algorithm>
+#include <exception>
+#include <utility>
 
 namespace orvane::adaptor {
 

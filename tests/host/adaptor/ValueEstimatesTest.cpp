@@ -7,6 +7,7 @@
 #include <QSqlDriver>
 #include <QSqlQuery>
 
+#include <memory>
 #include <random>
 
 namespace orvane {

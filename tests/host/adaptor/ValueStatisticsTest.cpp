@@ -4,9 +4,15 @@
 
 #include <QString>
 
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
 #include <functional>
 #include <random>
 #include <set>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace orvane::adaptor {
 namespace {

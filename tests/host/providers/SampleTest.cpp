@@ -7,6 +7,9 @@
 
 #include <QTemporaryDir>
 
+#include <algorithm>
+#include <array>
+#include <limits>
 #include <map>
 #include <set>
 
