@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QFile>
 #include <QTemporaryDir>
 
 #include <algorithm>
@@ -128,6 +129,28 @@ TEST_F(SampleTest, comesFromAllOverTheTable) {
         }
         EXPECT_GT(sampled.runs.size(), 100U);
         EXPECT_EQ(sample(*table).numbers, sampled.numbers) << "the same as long as the table is the same";
+    }
+}
+
+TEST_F(SampleTest, ofTextsBeginsEveryRowWhereItBegins) {
+    const auto path = directory_.filePath(QStringLiteral("quoted.csv"));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("\xef\xbb\xbfn,text\r\n");
+    for (int n = 0; n < tableRows; ++n) {
+        const QByteArray ends = n % 5 == 0 ? "\r\n\r\n" : "\n";
+        file.write(QByteArray::number(n) + ",\"две\nстроки, \"\"" + QByteArray(n % 300, 'x') + "\"\"\"" +
+                   ends);
+    }
+    file.close();
+    const auto table = openFile(path).front();
+    expectSpread(sample(*table));
+    const auto rows = table->openSample({0, 1}, wantedRows);
+    while (rows->next()) {
+        const auto n = rows->cell(0).integer();
+        ASSERT_EQ(rows->featureId().value().toLongLong(), n + 1);
+        ASSERT_EQ(rows->cell(1).view(),
+                  "две\nстроки, \"" + std::string(static_cast<std::size_t>(n % 300), 'x') + "\"");
     }
 }
 
