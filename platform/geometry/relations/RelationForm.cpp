@@ -18,6 +18,36 @@ Envelope envelopeOf(const GEOSGeometry* geometry) {
     return envelope;
 }
 
+/// Whether the only ring of a polygon goes from corner to corner of its envelope.
+bool isBox(const GEOSGeometry* polygon, const Envelope& envelope) {
+    constexpr unsigned cornersAndEnd = 5;
+    const GEOSContextHandle_t context = geosContext();
+    const GEOSGeometry* ring =
+        GEOSGeomTypeId_r(context, polygon) == GEOS_POLYGON && GEOSGetNumInteriorRings_r(context, polygon) == 0
+            ? GEOSGetExteriorRing_r(context, polygon)
+            : nullptr;
+    const GEOSCoordSequence* positions = ring ? GEOSGeom_getCoordSeq_r(context, ring) : nullptr;
+    unsigned size = 0;
+    if (!positions || GEOSCoordSeq_getSize_r(context, positions, &size) == 0 || size != cornersAndEnd) {
+        return false;
+    }
+    unsigned corners = 0; // a bit for each
+    double lastX = 0, lastY = 0;
+    for (unsigned i = 0; i < cornersAndEnd; ++i) {
+        double x = 0, y = 0;
+        GEOSCoordSeq_getXY_r(context, positions, i, &x, &y);
+        const bool isOnCorner =
+            (x == envelope.minX || x == envelope.maxX) && (y == envelope.minY || y == envelope.maxY);
+        if (!isOnCorner || (i > 0 && (x == lastX) == (y == lastY))) {
+            return false;
+        }
+        corners |= 1U << ((x == envelope.maxX ? 1 : 0) + (y == envelope.maxY ? 2 : 0));
+        lastX = x;
+        lastY = y;
+    }
+    return corners == 0b1111;
+}
+
 bool isOnePosition(const Envelope& envelope) {
     return envelope.minX == envelope.maxX && envelope.minY == envelope.maxY;
 }
@@ -136,7 +166,8 @@ void RelationForm::addPoint(const Envelope& place) {
 }
 
 void RelationForm::addPiece(const GEOSGeometry* geometry, int dimension) {
-    pieces_.push_back({geometry, dimension, envelopeOf(geometry), nullptr});
+    const Envelope envelope = envelopeOf(geometry);
+    pieces_.push_back({geometry, dimension, envelope, nullptr, dimension == 2 && isBox(geometry, envelope)});
     envelope_.add(pieces_.back().envelope);
 }
 

@@ -19,6 +19,7 @@ public:
         int dimension;
         Envelope envelope;
         GeosPreparedPtr preparedForm;
+        bool isBox; ///< the area of the whole envelope
 
         /// Made when first asked for. Throws std::runtime_error.
         const GEOSPreparedGeometry* prepared();

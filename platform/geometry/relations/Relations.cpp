@@ -28,6 +28,9 @@ bool meet(Piece& a, Piece& b) {
     if (!a.envelope.intersects(b.envelope)) {
         return false;
     }
+    if ((a.isBox && a.envelope.contains(b.envelope)) || (b.isBox && b.envelope.contains(a.envelope))) {
+        return true;
+    }
     // Areas and lines are asked rather than points, and what is prepared rather than what would have to be.
     const bool asksB = a.dimension == 0 || b.dimension == 0 ? b.dimension > a.dimension
                        : a.preparedForm || b.preparedForm   ? !a.preparedForm
