@@ -38,7 +38,7 @@ public:
     std::uint64_t revision() const override;
     bool usesTerm(int attribute, dp::Comparison comparison, dp::TextCollation collation) const override;
     bool looksUp(int attribute, dp::Comparison comparison, dp::TextCollation collation) const override;
-    /// True for layers of GeoPackage and SpatiaLite files with a spatial index that can be trusted.
+    /// True where the file has a spatial index of the layer that can be trusted.
     bool usesWindow() const override;
 
     /// True when the driver, or the permissions of the file, allow no edit at all.

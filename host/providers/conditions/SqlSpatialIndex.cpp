@@ -40,8 +40,7 @@ Layout layoutOf(std::string_view driver, const std::string& table, const std::st
                 "EXISTS (SELECT 1 FROM gpkg_extensions WHERE lower(table_name) = lower(" + sqlText(table) +
                     ") AND lower(column_name) = lower(" + sqlText(column) +
                     ") AND extension_name = 'gpkg_rtree_index')",
-                "lower(substr(name, 1, " + std::to_string(prefix.size()) + ")) = lower(" + sqlText(prefix) +
-                    ")",
+                "lower(substr(name, 1, length(" + sqlText(prefix) + "))) = lower(" + sqlText(prefix) + ")",
                 6, // of version 1.3; 1.4 has one more
                 "id",
                 "minx",

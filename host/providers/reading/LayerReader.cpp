@@ -21,6 +21,8 @@ constexpr std::uint64_t smallFile = std::uint64_t{4} << 20;
 constexpr std::int64_t mostBoxRows = 200'000;
 /// Up to this many rows found in memory, the other columns are read feature by feature.
 constexpr std::size_t mostLookups = 4096;
+/// Reading one of the rows that a tree of the file finds, in the order of the file, likewise.
+constexpr std::int64_t rowsPerFoundRow = 3;
 /// Finding a feature by its identifier costs as much as scanning about so many rows.
 constexpr std::int64_t rowsPerLookup = 64;
 
@@ -118,6 +120,9 @@ std::unique_ptr<dp::Cursor> LayerReader::openCursor(const dp::ScanRequest& reque
     if (auto cursor = openFromCache(query)) {
         return cursor;
     }
+    if (auto cursor = openByTree(query)) {
+        return cursor;
+    }
     if (auto cursor = openByDriver(query)) {
         return cursor;
     }
@@ -210,6 +215,18 @@ std::unique_ptr<dp::Cursor> LayerReader::openFromCache(const Query& query) {
     const auto shared = filter.isEmpty() ? nullptr : std::make_shared<const RowFilter>(std::move(filter));
     return makeCursor(query, std::make_unique<CachedReader>(std::move(*cached), shared, std::move(boxes)),
                       shared);
+}
+
+std::unique_ptr<dp::Cursor> LayerReader::openByTree(const Query& query) {
+    const auto rows = query.window ? featureCount() : std::nullopt;
+    auto ids = rows ? source_->rowsIn(*query.window, static_cast<std::size_t>(*rows / rowsPerFoundRow))
+                    : std::nullopt;
+    if (!ids) {
+        return nullptr;
+    }
+    auto filter = query.filter(query.needed.size());
+    const auto shared = filter.isEmpty() ? nullptr : std::make_shared<const RowFilter>(std::move(filter));
+    return makeCursor(query, source_->lookUp(query.needed, std::move(*ids)), shared, true);
 }
 
 std::unique_ptr<dp::Cursor> LayerReader::openByDriver(const Query& query) {

@@ -44,6 +44,7 @@ private:
     std::unique_ptr<dp::Cursor> openForCounting(const dp::ScanRequest& request);
     std::unique_ptr<dp::Cursor> openById(const Query& query, std::vector<std::int64_t> ids);
     std::unique_ptr<dp::Cursor> openFromCache(const Query& query);
+    std::unique_ptr<dp::Cursor> openByTree(const Query& query);
     std::unique_ptr<dp::Cursor> openByDriver(const Query& query);
     /// Whether the columns of the conditions are in memory, or could be read into it whole.
     bool loadTestedColumns(const Query& query);

@@ -77,26 +77,36 @@ bool LayerSource::isIndexed(int attribute) {
 }
 
 bool LayerSource::hasSpatialIndex() {
-    return schema_->schema->geometryIndex() >= 0 && spatialIndex().has_value();
+    return schema_->schema->geometryIndex() >= 0 && (placeIndex().ofSql || placeIndex().tree);
 }
 
 /// None while edits have not been written: what drivers put off until then, its triggers cannot tell.
-const std::optional<SqlSpatialIndex>& LayerSource::spatialIndex() {
-    if (!spatialIndex_) {
+const LayerSource::PlaceIndex& LayerSource::placeIndex() {
+    if (!placeIndex_) {
         const auto scan = makeScan();
-        spatialIndex_ =
-            scan.lease.isShared() ? std::nullopt : spatialIndexOf(scan.lease.dataset(), scan.layer);
+        placeIndex_.emplace();
+        if (!scan.lease.isShared()) {
+            placeIndex_->ofSql = spatialIndexOf(scan.lease.dataset(), scan.layer);
+            placeIndex_->tree = TreeFile::of(scan.lease.dataset(), scan.layer);
+        }
     }
-    return *spatialIndex_;
+    return *placeIndex_;
+}
+
+std::optional<std::vector<std::int64_t>> LayerSource::rowsIn(const geometry::Envelope& window,
+                                                             std::size_t most) {
+    const auto& tree = placeIndex().tree;
+    return tree ? tree->search(window, most) : std::nullopt;
 }
 
 std::optional<RowSource::Filter> LayerSource::filterOf(const std::vector<Test>& tests,
                                                        const std::optional<geometry::Envelope>& window) {
-    const bool asksWindow = window && hasSpatialIndex();
+    const bool asksWindow = window && schema_->schema->geometryIndex() >= 0 && placeIndex().ofSql;
     if ((!asksWindow && tests.empty()) || !sqlTraits().evaluatesSql) {
         return std::nullopt;
     }
-    Filter filter{asksWindow ? sqlOfWindow(*spatialIndex(), sqlTraits().identifier, *window) : std::string(),
+    Filter filter{asksWindow ? sqlOfWindow(*placeIndex().ofSql, sqlTraits().identifier, *window)
+                             : std::string(),
                   asksWindow};
     for (const auto& test : tests) {
         const auto position = static_cast<std::size_t>(test.attribute);
@@ -178,7 +188,7 @@ std::unique_ptr<BatchReader> LayerSource::sampleByNumber(const std::vector<int>&
 void LayerSource::forget() {
     pool_->discardHandles();
     sqlTraits_.reset();
-    spatialIndex_.reset();
+    placeIndex_.reset();
     rowCount_.reset();
 }
 

@@ -2,6 +2,7 @@
 
 #include "host/providers/conditions/SqlFilter.h"
 #include "host/providers/conditions/SqlSpatialIndex.h"
+#include "host/providers/conditions/TreeFile.h"
 #include "host/providers/datasets/DatasetPool.h"
 #include "host/providers/reading/LayerScan.h"
 #include "host/providers/reading/RowSource.h"
@@ -29,6 +30,8 @@ public:
     bool findsRows() override;
     bool isIndexed(int attribute) override;
     bool hasSpatialIndex() override;
+    std::optional<std::vector<std::int64_t>> rowsIn(const geometry::Envelope& window,
+                                                    std::size_t most) override;
     std::optional<Filter> filterOf(const std::vector<Test>& tests,
                                    const std::optional<geometry::Envelope>& window) override;
     bool isEdited() const override { return pool_->isEdited(); }
@@ -46,15 +49,20 @@ private:
     std::unique_ptr<BatchReader> sampleByNumber(const std::vector<int>& attributes, std::int64_t rows);
     LayerScan makeScan(const std::vector<int>& attributes = {});
     const SqlTraits& sqlTraits();
-    const std::optional<SqlSpatialIndex>& spatialIndex();
+    /// What the layer has of indices by place; at most one of the two.
+    struct PlaceIndex {
+        std::optional<SqlSpatialIndex> ofSql;
+        std::unique_ptr<const TreeFile> tree;
+    };
+    const PlaceIndex& placeIndex();
 
     const std::shared_ptr<DatasetPool> pool_;
     const int layerIndex_;
     const QByteArray layerName_;
     const std::shared_ptr<const LayerSchema> schema_;
     std::optional<SqlTraits> sqlTraits_;
-    std::optional<std::optional<SqlSpatialIndex>> spatialIndex_; ///< once it was looked for
-    std::optional<std::int64_t> rowCount_;                       ///< -1 when the driver does not know
+    std::optional<PlaceIndex> placeIndex_; ///< once it was looked for
+    std::optional<std::int64_t> rowCount_; ///< -1 when the driver does not know
 };
 
 } // namespace orvane::files

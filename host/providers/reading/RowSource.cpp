@@ -6,6 +6,10 @@ namespace orvane::files {
 
 RowSource::~RowSource() = default;
 
+std::optional<std::vector<std::int64_t>> RowSource::rowsIn(const geometry::Envelope&, std::size_t) {
+    return std::nullopt;
+}
+
 std::optional<RowSource::Filter> RowSource::filterOf(const std::vector<Test>&,
                                                      const std::optional<geometry::Envelope>&) {
     return std::nullopt;

@@ -49,6 +49,10 @@ public:
     /// Whether an index of the file begins with the attribute, so that a filter on it reads few rows.
     virtual bool isIndexed(int) { return false; }
     virtual bool hasSpatialIndex() { return false; }
+    /// The identifiers, ascending, of the rows whose box meets the window, and perhaps of others; nothing
+    /// where they are not known or more than `most`.
+    virtual std::optional<std::vector<std::int64_t>> rowsIn(const geometry::Envelope& window,
+                                                            std::size_t most);
     /// A filter that lets every row pass that passes the tests, and whose box meets the window; nothing where
     /// reading all rows is as good.
     virtual std::optional<Filter> filterOf(const std::vector<Test>& tests,

@@ -14,7 +14,9 @@
 
 #include <orvane/Engine.h>
 
+#include <QDateTime>
 #include <QDir>
+#include <QFile>
 #include <QSqlDriver>
 #include <QThread>
 
@@ -45,8 +47,8 @@ const IndexedFormat indexedFormats[] = {
      {"SPATIAL_INDEX=YES", "GEOMETRY_NAME=geom"},
      true},
     {"spatiaLiteWithout", {"SQLite", "sqlite"}, {"SPATIALITE=YES"}, {"SPATIAL_INDEX=NO"}, false},
-    {"shapefile", {"ESRI Shapefile", "shp"}, {}, {"SPATIAL_INDEX=YES"}, false},
-    {"flatGeobuf", {"FlatGeobuf", "fgb"}, {}, {"SPATIAL_INDEX=YES"}, false},
+    {"shapefile", {"ESRI Shapefile", "shp"}, {}, {"SPATIAL_INDEX=YES"}, true},
+    {"flatGeobuf", {"FlatGeobuf", "fgb"}, {}, {"SPATIAL_INDEX=YES"}, true},
 };
 
 std::vector<char*> optionsOf(const std::vector<const char*>& texts) {
@@ -58,8 +60,9 @@ std::vector<char*> optionsOf(const std::vector<const char*>& texts) {
     return options;
 }
 
-/// Random polygons: boxes, U-shapes open to the right, and slivers; some far out, some without geometry.
-std::vector<std::string> randomShapes(int count, std::mt19937& random) {
+/// Random polygons: boxes, U-shapes open to the right, and slivers; some without geometry, some far out
+/// unless they lie close together.
+std::vector<std::string> randomShapes(int count, std::mt19937& random, bool isClose = false) {
     const auto number = [&random](int most) { return static_cast<double>(random() % most); };
     std::vector<std::string> shapes;
     for (int i = 0; i < count; ++i) {
@@ -80,7 +83,7 @@ std::vector<std::string> randomShapes(int count, std::mt19937& random) {
         case 2:
             std::snprintf(text, sizeof text, "POLYGON ((%g %g,%g %g,%g %g,%g %g))", -1e39 - x, y, -1e39, y, x,
                           y + h, -1e39 - x, y);
-            if (random() % 8 != 0) {
+            if (isClose || random() % 8 != 0) {
                 text[0] = 0; // few are that large
             }
             break;
@@ -179,8 +182,9 @@ class SourceWindows : public SourceIndex, public ::testing::WithParamInterface<I
 TEST_P(SourceWindows, FindWhatATableWithoutIndexFinds) {
     constexpr int shapesCount = 3000;
     std::mt19937 random(11);
-    const auto shapes = randomShapes(shapesCount, random);
     const QByteArray driver(GetParam().format.driver);
+    // A quadtree over shapes far out has all others in one node.
+    const auto shapes = randomShapes(shapesCount, random, driver == "ESRI Shapefile");
     const char* const layerName = driver == "ESRI Shapefile" ? "t"
                                   : driver == "SQLite"       ? "o'т.x"
                                                              : "o'т.\"x\"";
@@ -223,6 +227,13 @@ TEST_P(SourceWindows, FindWhatATableWithoutIndexFinds) {
             value = QStringLiteral("GeomFromText('POINT(%0 %1)', 3857)")
                         .arg(x + 0.1, 0, 'g', 17)
                         .arg(y + 0.1, 0, 'g', 17);
+        }
+        if (round == 6) {
+            const std::string explanation =
+                explain(QStringLiteral("Select k From t Where t.obj Intersects %0").arg(value));
+            EXPECT_EQ(explanation.find("пространственный индекс файла") != std::string::npos,
+                      GetParam().isIndexed)
+                << explanation;
         }
         for (const char* condition : conditions) {
             const auto query = [&](const char* table) {
@@ -306,6 +317,53 @@ TEST_F(SourceIndex, IsTrustedAsFarAsItCanBeTold) {
     }
 }
 
+TEST_F(SourceIndex, OfAShapefileIsReadAsFarAsItIsWhole) {
+    const IndexedFormat& shapefile = indexedFormats[4];
+    std::mt19937 random(5);
+    auto shapes = randomShapes(2000, random, true);
+    const QString path = directory_.filePath(QStringLiteral("whole.shp"));
+    ASSERT_NO_FATAL_FAILURE(writeFile(shapefile, path, "t", shapes));
+    shapes.resize(1000);
+    const QString fewer = directory_.filePath(QStringLiteral("fewer.shp"));
+    ASSERT_NO_FATAL_FAILURE(writeFile(shapefile, fewer, "t", shapes));
+    const auto bytesOf = [](const QString& file) {
+        QFile opened(QString(file).replace(QLatin1String(".shp"), QLatin1String(".qix")));
+        EXPECT_TRUE(opened.open(QIODevice::ReadOnly));
+        return opened.readAll();
+    };
+    const QByteArray whole = bytesOf(path);
+    const QString condition =
+        QStringLiteral("(obj, GeomFromText('POLYGON((90 90,120 90,120 120,90 120,90 90))', 3857))");
+    struct Case {
+        QByteArray tree;
+        bool isOld;
+        bool isUsed;
+    };
+    readFromMemory(false);
+    for (const Case& each :
+         {Case{whole, false, true}, Case{whole, true, false}, Case{bytesOf(fewer), false, false},
+          Case{whole.left(whole.size() / 2), false, false}, Case{whole.left(9), false, false},
+          Case{QByteArray(whole.size(), 'x'), false, false}}) {
+        QFile tree(directory_.filePath(QStringLiteral("whole.qix")));
+        ASSERT_TRUE(tree.open(QIODevice::WriteOnly));
+        tree.write(each.tree);
+        tree.flush();
+        const auto now = QDateTime::currentDateTime();
+        ASSERT_TRUE(tree.setFileTime(each.isOld ? now.addDays(-1) : now, QFileDevice::FileModificationTime));
+        tree.close();
+        open(path, "t");
+        const QString query = QStringLiteral("Select k From t Where Intersects%0 Order By k").arg(condition);
+        const std::string explanation = explain(query);
+        EXPECT_EQ(explanation.find("пространственный индекс файла") != std::string::npos, each.isUsed)
+            << explanation;
+        EXPECT_EQ(
+            host_.ask(query),
+            host_.ask(
+                QStringLiteral("Select k From t Where Intersects%0 + 0 > 0 Order By k").arg(condition)));
+        close("t");
+    }
+}
+
 TEST_F(SourceIndex, FollowsEdits) {
     std::vector<std::string> shapes;
     for (int i = 0; i < 3000; ++i) {
@@ -350,7 +408,7 @@ TEST_F(SourceIndex, FollowsEdits) {
         open(path, "t"); // as the format has it now
         EXPECT_EQ(at(7), "") << format.name;
         EXPECT_EQ(at(40), "7\n40") << format.name;
-        if (format.isIndexed) { // another program
+        if (format.layerOptions.size() > 1) { // another program
             change(path, {"UPDATE edits SET geom = (SELECT geom FROM edits WHERE k = 50) WHERE k = 60"});
             QThread::msleep(150);
             EXPECT_EQ(at(50), "50\n60") << format.name;
