@@ -163,7 +163,9 @@ std::optional<std::vector<std::int64_t>> TreeFile::search(const geometry::Envelo
         !(levels_.empty() ? searchQuadtree(search, 0) : searchPackedTree(search))) {
         return std::nullopt;
     }
-    std::sort(search.found.begin(), search.found.end());
+    auto& found = search.found;
+    std::sort(found.begin(), found.end());
+    found.erase(std::unique(found.begin(), found.end()), found.end());
     return std::move(search.found);
 }
 
@@ -204,14 +206,16 @@ bool TreeFile::searchPackedTree(Search& search) const {
     static_assert(sizeof(Node) == 40);
     std::vector<std::pair<std::uint64_t, std::size_t>> open{{0, levels_.size() - 1}};
     std::vector<Node> nodes;
+    std::uint64_t visited = 0;
     while (!open.empty()) {
         const auto [first, level] = open.back();
         open.pop_back();
         const auto [begin, end] = levels_[level];
-        if (first < begin || first >= end) {
-            return false;
+        if (first < begin || first >= end || visited > levels_.front().second) {
+            return false; // nodes that lead to others' children
         }
         nodes.resize(std::min(nodeSize_, end - first));
+        visited += nodes.size();
         if (VSIFSeekL(search.file.get(), start_ + first * sizeof(Node), SEEK_SET) != 0 ||
             !read(search.file.get(), nodes.data(), nodes.size())) {
             return false;
