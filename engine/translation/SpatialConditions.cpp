@@ -322,6 +322,17 @@ const ast::TablePrimary* ScannedTables::tableWithOperands(const ast::NodePtr& no
     return found != tables_.end() && hasHiddenColumns_(*found->second) ? found->second : nullptr;
 }
 
+std::pair<const ast::ColumnReference*, const ast::ColumnReference*>
+relatedGeometries(const ast::NodePtr& condition) {
+    if (const auto distance = termOf(condition); distance && distance->most) {
+        return {geometryReference(distance->call->arguments[0]),
+                geometryReference(distance->call->arguments[1])};
+    }
+    const auto relation = relationTermOf(condition);
+    return relation ? std::pair(geometryReference(relation->first), geometryReference(relation->second))
+                    : std::pair<const ast::ColumnReference*, const ast::ColumnReference*>();
+}
+
 ast::NodePtr withLookups(const ast::NodePtr& condition, const ScannedTables& tables,
                          const LiteralOf& literalOf) {
     const auto asConjunction = [](const ast::NodePtr& node) {

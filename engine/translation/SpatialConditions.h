@@ -1,10 +1,12 @@
 #pragma once
 
+#include "platform/sql/tree/Expressions.h"
 #include "platform/sql/tree/Queries.h"
 
 #include <functional>
 #include <map>
 #include <string>
+#include <utility>
 
 namespace orvane::engine {
 
@@ -31,6 +33,10 @@ private:
     /// By the names, in lower case, under which columns name them.
     std::map<std::wstring, const sql::ast::TablePrimary*> tables_;
 };
+
+/// The geometries of tables that a relation, or a bound on a distance, is between; null for other conditions.
+std::pair<const sql::ast::ColumnReference*, const sql::ast::ColumnReference*>
+relatedGeometries(const sql::ast::NodePtr& condition);
 
 /// A condition of Where or On such that a scan of one of the tables can look up what it says of a geometry. A
 /// term about a distance is followed by what is looked up of it: `Distance(a.obj, b.obj, 'km') < 5` by

@@ -5,6 +5,7 @@
 #include "engine/translation/NearestFirst.h"
 #include "engine/translation/NearestPerRow.h"
 #include "engine/translation/OuterOrder.h"
+#include "engine/translation/SemiJoins.h"
 #include "engine/translation/SpatialConditions.h"
 #include "platform/sql/lexing/SqlStrings.h"
 
@@ -69,6 +70,11 @@ void SqliteStringBuilder::visit(const ast::QuerySpecification& node) {
     }
     if (!rewritten && !frames_.empty()) {
         rewritten = withOrderFurtherIn(node);
+    }
+    if (!rewritten) {
+        rewritten = withSemiJoins(
+            node, [&](const ast::TablePrimary& table) { return hasHiddenColumns(table, node.with); },
+            tableColumns_);
     }
     visitSpecification(rewritten ? *rewritten : node);
 }

@@ -148,6 +148,13 @@ TEST_F(SpatialConditions, RelationsFindWhatTheFunctionsFind) {
         "Select a.id From % a, (Select id, MakeValid(obj) As object From $) b Where @ Order By 1",
         "Select a.id From % a Where Exists (Select 1 From $ b Where @) Order By 1",
         "Select b.id From $ b Where (Select Count(*) From % a Where @) > 0 Order By 1",
+        "Select a.id From % a Where a.id > 5 And Exists (Select b.id From $ b Where b.id < 30 And @) Order "
+        "By 1",
+        "Select a.id From % a Where Not Exists (Select * From $ b Where @) And a.id <> 7 Order By 1",
+        "Select a.id From % a Where Exists (Select 1 From $ b Where @) And Not Exists (Select 1 From $ b "
+        "Where "
+        "b.id = a.id + 1 And @) Order By 1",
+        "Select a.id From % a Where Exists (Select 1 From points c, $ b Where c.id = b.id And @) Order By 1",
         "Select a.id, b.id From % a Left Join $ b On @ Order By 1, 2",
         "Select a.id, b.id From % a Left Join $ b On a.id < b.id Where @ Order By 1, 2",
         "Select a.id, b.id From % a Left Join $ b On a.id = b.id Where @ Or b.id < 9 Order By 1, 2",
@@ -166,8 +173,9 @@ TEST_F(SpatialConditions, RelationsFindWhatTheFunctionsFind) {
             for (const auto& [mark, value] : {std::pair<char, std::string>{'@', condition},
                                               {'%', text.find('$') == text.npos ? a + " a, " + b + " b" : a},
                                               {'$', b}}) {
-                const std::size_t at = text.find(mark);
-                at == text.npos ? text : text.replace(at, 1, value);
+                for (std::size_t at = text.find(mark); at != text.npos; at = text.find(mark)) {
+                    text.replace(at, 1, value);
+                }
             }
             return ask(engine().translate(text).toStdString());
         };
