@@ -27,6 +27,8 @@ constexpr double testedRow = 2000;
 /// Of testing a relation between two geometries that are prepared for it, and between their envelopes.
 constexpr double relation = 300;
 constexpr double boxTest = 30;
+/// Of a search in the R-tree: each time that its rows are halved.
+constexpr double treeLevel = 150;
 /// Of making the R-tree: each row.
 constexpr double treeRow = 400;
 

@@ -3,6 +3,7 @@
 #include "host/adaptor/indices/Costs.h"
 
 #include <charconv>
+#include <cmath>
 #include <string>
 #include <utility>
 
@@ -133,7 +134,8 @@ void ScanEstimate::takeRowNumbers(bool isList) {
 void ScanEstimate::takeRelation(const RelationEstimate& relation, bool isReady) {
     passing_ *= std::min(1.0, relation.found / rows_);
     if (relation.isElsewhere) {
-        relationCost_ = rows_ * (cost::handedRow + cost::testedRow);
+        // More than a scan, and SQLite would test the relation itself, which it takes for free.
+        relationCost_ = rows_ * cost::handedRow * 0.9;
         return;
     }
     fetches_ = true;
@@ -141,7 +143,7 @@ void ScanEstimate::takeRelation(const RelationEstimate& relation, bool isReady) 
     const double scans = std::clamp(relation.scans, 1.0, assumedLookups);
     const double making = isReady ? 0 : rows_ * std::min(cost::boxTest, cost::treeRow / scans);
     // A function that nobody took over SQLite would call for each pair of rows, and take for free.
-    const double opening = relation.scans > 1 ? cost::opening : 0;
+    const double opening = relation.scans > 1 ? cost::treeLevel * std::log2(rows_ + 1) : 0;
     relationCost_ = opening + relation.candidates * cost::relation + making;
 }
 

@@ -11,8 +11,10 @@ namespace {
 
 using geometry::Envelope;
 
-/// Envelopes of the sample in a cell: 256 cells of 4096.
-constexpr std::size_t cellSize = 16;
+/// So many cells, as long as no more than so many envelopes of the sample are in one: those of a small table
+/// count each by itself.
+constexpr std::size_t mostCells = 256;
+constexpr std::size_t mostInCell = 16;
 /// Envelopes that differ in size by more are counted in cells of their own: a few large ones meet as much as
 /// many small ones.
 constexpr double sizeRatio = 8;
@@ -83,6 +85,7 @@ double reachOf(SpaceStatistics::Match match, double first, double second) {
 SpaceStatistics::SpaceStatistics(std::span<Envelope> sample, double rows) : rows_(rows) {
     std::sort(sample.begin(), sample.end(),
               [](const Envelope& a, const Envelope& b) { return sizeOf(a) < sizeOf(b); });
+    cellSize_ = std::clamp<std::size_t>(sample.size() / mostCells, 1, mostInCell);
     const double rowsPerEnvelope = rows / static_cast<double>(std::max<std::size_t>(sample.size(), 1));
     for (auto first = sample.begin(); first != sample.end();) {
         const double most = sizeOf(*first) * sizeRatio;
@@ -107,13 +110,13 @@ void SpaceStatistics::divide(std::span<Envelope> sample, double rowsPerEnvelope)
     }
     const double wide = cell.centres.maxX - cell.centres.minX;
     const double high = cell.centres.maxY - cell.centres.minY;
-    if (sample.size() <= cellSize || !(wide + high > 0)) {
+    if (sample.size() <= cellSize_ || !(wide + high > 0)) {
         const auto size = static_cast<double>(sample.size());
         cell.rows = size * rowsPerEnvelope;
         cell.width /= size;
         cell.height /= size;
         // Features lie beyond the outermost ones of the sample, too.
-        const double x = wide / static_cast<double>(cellSize), y = high / static_cast<double>(cellSize);
+        const double x = wide / static_cast<double>(cellSize_), y = high / static_cast<double>(cellSize_);
         cell.centres = {cell.centres.minX - x, cell.centres.minY - y, cell.centres.maxX + x,
                         cell.centres.maxY + y};
         cells_.push_back(cell);

@@ -59,6 +59,7 @@ private:
     static double countPairs(const Cell& first, const Cell& second, Match match);
 
     std::vector<Cell> cells_;
+    std::size_t cellSize_ = 1; ///< envelopes of the sample in one
     double rows_ = 0;
 };
 
