@@ -286,8 +286,29 @@ ast::NodePtr withRelation(const ast::NodePtr& condition, const RelationTerm& ter
                : condition;
 }
 
+/// Of alternatives SQLite looks each up by itself: only equalities are as good where it does not.
+ast::NodePtr withEqualities(const ast::NodePtr& condition, const ScannedTables& tables, int depth = 0) {
+    constexpr int deepest = 50; // of more alternatives SQLite looks none up
+    const auto* operation = ast::nodeAs<ast::Operation>(condition);
+    if (operation && operation->right() && depth < deepest &&
+        (operation->code() == OperationCode::Or || operation->code() == OperationCode::And)) {
+        const ast::NodePtr left = withEqualities(operation->left(), tables, depth + 1);
+        const ast::NodePtr right = withEqualities(operation->right(), tables, depth + 1);
+        return left == operation->left() && right == operation->right()
+                   ? condition
+                   : std::make_shared<ast::Operation>(operation->code(), left, right);
+    }
+    const auto relation = relationTermOf(condition);
+    const ast::NodePtr equality = relation ? betweenTables(*relation, tables) : nullptr;
+    return equality ? equality : condition;
+}
+
 ast::NodePtr lookedUp(const ast::NodePtr& condition, const ScannedTables& tables,
                       const LiteralOf& literalOf) {
+    if (const auto* operation = ast::nodeAs<ast::Operation>(condition);
+        operation && operation->code() == OperationCode::Or) {
+        return withEqualities(condition, tables);
+    }
     if (const auto distance = termOf(condition)) {
         return withNearness(condition, *distance, tables, literalOf);
     }

@@ -41,10 +41,10 @@ relatedGeometries(const sql::ast::NodePtr& condition);
 /// A condition of Where or On such that a scan of one of the tables can look up what it says of a geometry. A
 /// term about a distance is followed by what is looked up of it: `Distance(a.obj, b.obj, 'km') < 5` by
 /// `IsNear(a.obj, Nearness(b.obj, 5, 'km', 0, 0))`, and the same for b. A relation between two of the tables
-/// becomes an equality of their operand columns, which SQLite offers to either. Of a function SQLite asks a
-/// table about first operands only, so that a relation whose second operand alone is a geometry of the tables
-/// is turned round where it has a converse, else followed by `MayMeet(second, first)`. Any other condition is
-/// given back as it is.
+/// becomes an equality of their operand columns, which SQLite offers to either, also among alternatives. Of a
+/// function SQLite asks a table about first operands only, so that a relation whose second operand alone is a
+/// geometry of the tables is turned round where it has a converse, else followed by `MayMeet(second, first)`.
+/// Any other condition is given back as it is.
 ///
 /// `literalOf` gives the value of an expression without columns as a literal, null where it cannot. With it a
 /// join is planned by what is near to or in relation to the value: SQLite tells a table of literals only.

@@ -59,18 +59,23 @@ bool ReadAhead::start() {
 
 void ReadAhead::run() {
     for (bool goesOn = true; goesOn;) {
-        ColumnBatch batch;
         std::exception_ptr failure;
+        std::unique_lock lock(mutex_, std::defer_lock);
         try {
+            ColumnBatch batch;
             goesOn = reader_->next(batch);
+            lock.lock();
+            if (goesOn) {
+                ready_.push_back(std::move(batch));
+            }
         } catch (...) {
             goesOn = false;
             failure = std::current_exception();
         }
-        std::unique_lock lock(mutex_);
-        if (goesOn) {
-            ready_.push_back(std::move(batch));
-        } else {
+        if (!lock.owns_lock()) {
+            lock.lock();
+        }
+        if (!goesOn) {
             isAtEnd_ = true;
             failure_ = std::move(failure);
         }

@@ -163,6 +163,8 @@ TEST_F(SpatialConditions, RelationsFindWhatTheFunctionsFind) {
         "Select a.id, b.id From % a, $ b Where @ And b.obj Intersects a.obj Order By 1, 2",
         "Select a.id, b.id, c.id From % a, $ b, points c Where @ And c.obj Intersects a.obj Order By 1, 2, 3",
         "Select a.id, b.id From % a, $ b Where @ And a.rowid = 7 Order By 1, 2",
+        "Select a.id, b.id From % a, $ b Where @ Or b.id = a.id Or a.id = 3 And b.id < 9 Order By 1, 2",
+        "Select a.id, b.id From % a, $ b Where (@ Or a.obj Intersects b.obj) And a.id < 30 Order By 1, 2",
         "Select a.id, b.id From % a, $ b Where @ And (a.id < 20 Or b.id = a.id) Order By 1, 2"};
     for (int round = 0; round < 240; ++round) {
         std::string form = forms[random_() % std::size(forms)];
