@@ -104,6 +104,9 @@ void ScanEstimate::takeTerm(const TableDeclaration::Column& column, Comparison c
     filterCost_ = std::max(filterCost_, column.kind == Kind::Text ? cost::textTest : cost::numberTest);
     if (table_.usesTerm(column.attribute, comparison, collation)) {
         scanned_ *= share;
+        sourceCost_ = std::max(sourceCost_, table_.looksUp(column.attribute, comparison, collation)
+                                                ? cost::sourceLookup
+                                                : rows_ * cost::numberTest);
     }
 }
 
@@ -218,7 +221,7 @@ double ScanEstimate::shareOfPattern(const TableDeclaration::Column& column, Comp
 
 double ScanEstimate::findingCost() const {
     const double fetching = passing_ * (cost::foundRow - cost::handedRow);
-    const double scanning = scanned_ * filterCost_ + relationCost_;
+    const double scanning = scanned_ * filterCost_ + sourceCost_ + relationCost_;
     if (fetches_) {
         return fetching + relationCost_;
     }

@@ -74,6 +74,7 @@ private:
     bool fetches_ = false;  ///< the rows are known by their identifiers
     double makingCost_ = 0; ///< of an index, for each row
     double filterCost_ = 0; ///< of each row that is scanned
+    double sourceCost_ = 0; ///< of what the source leaves out by itself
     double relationCost_ = 0;
     std::map<int, Bounds> bounds_; ///< by attribute
 };
