@@ -79,7 +79,7 @@ void SqliteStringBuilder::visit(const ast::QuerySpecification& node) {
     visitSpecification(rewritten ? *rewritten : node);
 }
 
-/// Whether a name in From is one of a table whose rows can be had in the order of a distance.
+/// Whether a name in From is one of a table with hidden columns.
 bool SqliteStringBuilder::hasHiddenColumns(const ast::TablePrimary& table, const NamedQueries& named) const {
     const auto isNamed = [&table](const ast::CommonTable& each) {
         return toLowercase(each.name) == toLowercase(table.name);

@@ -1,9 +1,14 @@
 #pragma once
 
+#include <cstdint>
+
 /// What the ways to the rows of a table cost, in nanoseconds, measured on large tables in memory and in
 /// files. Only their ratios decide: the order of the tables of a join, when an index or a copy in memory is
 /// made. So the constants are the same on every machine, and plans can be compared.
 namespace orvane::adaptor::cost {
+
+/// Rows of a table whose size nobody knows.
+constexpr std::int64_t assumedRows = 100'000;
 
 /// Of a scan or a look-up, whatever it finds.
 constexpr double opening = 2000;

@@ -1,5 +1,6 @@
 #include "host/adaptor/planning/RelationTerms.h"
 
+#include "host/adaptor/indices/Costs.h"
 #include "platform/cs/CoordSystem.h"
 #include "platform/geometry/measures/Neighbourhood.h"
 #include "platform/geometry/shapes/Geometry.h"
@@ -19,8 +20,6 @@ namespace {
 
 using Match = SpaceStatistics::Match;
 
-/// Rows of a table whose size nobody knows.
-constexpr std::int64_t unknownSize = 100'000;
 /// The share of a layer that stands in a relation to one geometry, as far as nothing is known of either.
 constexpr double assumedShare = 0.01;
 
@@ -60,7 +59,7 @@ std::string_view blobOf(sqlite3_value* value) {
 }
 
 double sizeOf(const VirtualTable& table) {
-    return std::max(1.0, static_cast<double>(table.table().featureCount().value_or(unknownSize)));
+    return std::max(1.0, static_cast<double>(table.table().featureCount().value_or(cost::assumedRows)));
 }
 
 } // namespace

@@ -14,8 +14,6 @@ namespace {
 using dp::Comparison;
 using Kind = TableDeclaration::Kind;
 
-/// Rows of a table whose size nobody knows.
-constexpr std::int64_t assumedRows = 100'000;
 /// The look-ups that share what making an index costs, while there is none yet: a few look-ups in a large
 /// table are dear, so what one scan of it finds comes first.
 constexpr double assumedLookups = 10'000;
@@ -81,8 +79,8 @@ std::optional<dp::ScanValue> asKindOf(const TableDeclaration::Column& column, co
 ScanEstimate::ScanEstimate(const dp::Table& table, const AttributeIndexing& indexing,
                            const ValueStatistics& values)
     : table_(table), indexing_(indexing), values_(values),
-      rows_(std::max(1.0, static_cast<double>(table.featureCount().value_or(assumedRows)))), passing_(rows_),
-      scanned_(rows_) {}
+      rows_(std::max(1.0, static_cast<double>(table.featureCount().value_or(cost::assumedRows)))),
+      passing_(rows_), scanned_(rows_) {}
 
 void ScanEstimate::takeTerm(const TableDeclaration::Column& column, Comparison comparison,
                             dp::TextCollation collation, const Operand& operand) {
