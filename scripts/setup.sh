@@ -4,7 +4,7 @@ set -eu
 
 packages="
 build-essential cmake ninja-build ccache git pkg-config
-qtbase5-dev libqt5sql5-sqlite qttools5-dev qttools5-dev-tools
+qtbase5-dev libqt5sql5-sqlite libqt5svg5-dev qttools5-dev qttools5-dev-tools fonts-dejavu-core
 libsqlite3-dev libspatialite-dev libgeos-dev libproj-dev proj-data libgdal-dev gdal-bin
 libintelrdfpmath-dev libboost-dev libcli11-dev libedit-dev
 libgtest-dev libgmock-dev libbenchmark-dev python3
