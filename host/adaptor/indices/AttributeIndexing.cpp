@@ -118,9 +118,16 @@ bool AttributeIndexing::isServed(const dp::ScanTerm& term, const EngineIndices& 
     });
 }
 
+bool AttributeIndexing::findsAboutOne(const dp::ScanTerm& term, double rows) const {
+    const ColumnStatistics* const values = values_.find(term.attribute);
+    constexpr double about = 2;
+    return values && rows * values->shareOfOneValue() < about;
+}
+
 /// The equalities, or else the patterns or ranges of one attribute: patterns first, which cost SQLite most.
+/// An equality that finds about one row by itself needs no others: so one index on a key serves them all.
 AttributeIndexing::Terms AttributeIndexing::chooseTerms(std::span<const dp::ScanTerm> terms,
-                                                        const EngineIndices& store) const {
+                                                        const EngineIndices& store, double rows) const {
     Terms equalities;
     Terms patterns;
     Terms ranges;
@@ -143,6 +150,11 @@ AttributeIndexing::Terms AttributeIndexing::chooseTerms(std::span<const dp::Scan
             combinations *= std::max<std::size_t>(term.operands.size(), 1);
             equalities.push_back(&term);
         }
+    }
+    if (const auto key = std::find_if(equalities.begin(), equalities.end(),
+                                      [&](const dp::ScanTerm* term) { return findsAboutOne(*term, rows); });
+        key != equalities.end()) {
+        equalities = {*key};
     }
     Terms& chosen = !equalities.empty() ? equalities : !patterns.empty() ? patterns : ranges;
     std::sort(chosen.begin(), chosen.end(),
@@ -188,14 +200,14 @@ std::optional<std::vector<dp::FeatureId>> AttributeIndexing::find(std::span<cons
         return std::nullopt;
     }
     use_ = {};
-    const Terms chosen = chooseTerms(terms, *indices);
+    const auto rows = table_->featureCount();
+    const Terms chosen = chooseTerms(terms, *indices, static_cast<double>(rows.value_or(0)));
     if (chosen.empty()) {
         const bool hasPattern = std::any_of(
             terms.begin(), terms.end(), [](const dp::ScanTerm& term) { return isPattern(term.comparison); });
         use_.outcome = hasPattern ? Outcome::Pattern : Outcome::Operand;
         return std::nullopt;
     }
-    const auto rows = table_->featureCount();
     if (!rows || *rows < fewestRows) {
         use_.outcome = rows ? Outcome::SmallTable : Outcome::UnknownSize;
         return std::nullopt;

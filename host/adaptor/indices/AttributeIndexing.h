@@ -3,6 +3,7 @@
 #include "host/adaptor/declaration/TableDeclaration.h"
 #include "host/adaptor/indices/IndexUse.h"
 #include "host/adaptor/rows/ArrangedRows.h"
+#include "host/adaptor/statistics/ValueStatistics.h"
 
 #include "platform/dp/Table.h"
 #include "platform/work/Cancellation.h"
@@ -37,8 +38,9 @@ public:
 
     /// `table` is null once it was closed.
     AttributeIndexing(const std::shared_ptr<dp::Table>& table, const TableDeclaration& declaration,
-                      engine::EngineCache& cache, Stores stores)
-        : table_(table), declaration_(declaration), cache_(cache), stores_(std::move(stores)) {}
+                      const ValueStatistics& values, engine::EngineCache& cache, Stores stores)
+        : table_(table), declaration_(declaration), values_(values), cache_(cache),
+          stores_(std::move(stores)) {}
 
     /// Whether indices are made when they pay. Where they are not, nothing below is found or known.
     bool isOn() const { return stores_ != nullptr; }
@@ -102,7 +104,9 @@ private:
 
     const TableDeclaration::Column& column(int attribute) const;
     bool isServed(const dp::ScanTerm& term, const engine::EngineIndices& store) const;
-    Terms chooseTerms(std::span<const dp::ScanTerm> terms, const engine::EngineIndices& store) const;
+    bool findsAboutOne(const dp::ScanTerm& term, double rows) const;
+    Terms chooseTerms(std::span<const dp::ScanTerm> terms, const engine::EngineIndices& store,
+                      double rows) const;
     double scanCost(const Terms& terms, double rows) const;
     double savedCost(const Terms& terms, double scanning) const;
     double buildCost(const Attributes& attributes, double rows) const;
@@ -125,6 +129,7 @@ private:
 
     const std::shared_ptr<dp::Table>& table_;
     const TableDeclaration& declaration_;
+    const ValueStatistics& values_;
     engine::EngineCache& cache_;
     const Stores stores_;
     std::map<Conditions, Search> searches_;

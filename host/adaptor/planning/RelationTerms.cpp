@@ -20,8 +20,10 @@ namespace {
 
 using Match = SpaceStatistics::Match;
 
-/// The share of a layer that stands in a relation to one geometry, as far as nothing is known of either.
+/// The envelopes of a layer that meet one geometry, as far as nothing is known of it: a share of a small
+/// layer, and what is around one place of a large one.
 constexpr double assumedShare = 0.01;
+constexpr double assumedNeighbours = 100;
 
 /// Which envelopes match where the relation holds, and for how many of those it does: shapes fill about half
 /// of their envelopes.
@@ -142,7 +144,8 @@ bool RelationTerms::isElsewhere(const RelationTerm& term) const {
 RelationEstimate RelationTerms::estimate(const RelationTerm& term) const {
     const auto [match, share] = likelihoodOf(term.relation.ofColumn());
     RelationEstimate estimate{};
-    estimate.candidates = countMatching(term, Match::Meet).value_or(sizeOf(table_) * assumedShare);
+    estimate.candidates =
+        countMatching(term, Match::Meet).value_or(std::min(sizeOf(table_) * assumedShare, assumedNeighbours));
     const auto matching = match == Match::Meet ? std::nullopt : countMatching(term, match);
     estimate.found = matching.value_or(estimate.candidates) * share;
     if (term.relation.relation == SpatialRelation::Equals) {

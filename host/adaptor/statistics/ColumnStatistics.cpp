@@ -166,7 +166,8 @@ double ColumnStatistics::shareOfUnseen() const {
         return 1 / tableRows_;
     }
     constexpr double enoughValues = 10;
-    const double once = std::max(frequencies_[1], 0.5);
+    constexpr double medianOfNone = 0.2275; // of the rate of what was not seen (Jeffreys)
+    const double once = std::max(frequencies_[1], medianOfNone);
     const double shareOfRun = rareRuns_ > 0 ? rareRows_ / sampleRows() / rareRuns_ : 1 / sampleRows();
     const double unseen = std::max(1.0, distinct_ - static_cast<double>(values_.size()));
     const double share = once * shareOfRun / unseen;
@@ -209,7 +210,8 @@ double ColumnStatistics::shareOf(std::span<const dp::Condition> conditions) cons
 }
 
 /// Of a range so narrow that few values of the sample are in it, or none: its part of a wider one around it,
-/// in which the values are taken to be spread evenly.
+/// in which the values are taken to be spread evenly. Beyond the least and the greatest value of the sample
+/// they become fewer: one more row at a gap's distance is as likely as the next one of the sample was.
 double ColumnStatistics::shareWithin(dp::Range<double> range) const {
     auto first = std::partition_point(values_.begin(), values_.end(),
                                       [&](const Value& value) { return asReal(value.number) < range.low; });
@@ -232,16 +234,21 @@ double ColumnStatistics::shareWithin(dp::Range<double> range) const {
             take(*last++);
         }
     }
-    double low = asReal(first->number);
-    double high = asReal((last - 1)->number);
+    const double low = asReal(first->number);
+    const double high = asReal((last - 1)->number);
     const double gap = (high - low) / static_cast<double>(last - first - 1);
-    low -= gap / 2; // up to the middle of the gaps at either end
-    high += gap / 2;
-    range.low = std::max(range.low, low);
-    range.high = std::min(range.high, high);
-    const double length =
-        areIntegers ? std::floor(range.high) - std::ceil(range.low) + 1 : range.high - range.low;
-    return atLeastOneRow(length > 0 ? rows / sampleRows() * std::min(1.0, length / (high - low)) : 0);
+    const auto gapsBelow = [&](double place) { // in which rows are, from one gap before the least value on
+        return place < low    ? std::exp((place - low) / gap)
+               : place > high ? 2 + (high - low) / gap - std::exp((high - place) / gap)
+                              : 1 + (place - low) / gap;
+    };
+    if (areIntegers) { // each stands for what is nearest to it
+        range.low = std::ceil(range.low) - 0.5;
+        range.high = std::floor(range.high) + 0.5;
+    }
+    const double gaps = range.low < range.high ? gapsBelow(range.high) - gapsBelow(range.low) : 0;
+    const double share = gaps * rows / static_cast<double>(last - first) / sampleRows();
+    return atLeastOneRow(std::isfinite(share) ? share : 0); // there may be infinite values
 }
 
 double ColumnStatistics::shareOfPattern(dp::Comparison comparison, const char* pattern) const {

@@ -17,8 +17,8 @@ constexpr unsigned rowsBetweenChecks = 1024;
 VirtualTable::VirtualTable(QString name, std::shared_ptr<dp::Table> table, const dp::TableSchema& schema,
                            engine::EngineCache& cache, AttributeIndexing::Stores indices)
     : sqlite3_vtab{}, name_(std::move(name)), table_(std::move(table)), declaration_(schema), cache_(cache),
-      indexing_(table_, declaration_, cache_, std::move(indices)), space_(table_),
-      values_(table_, declaration_) {}
+      values_(table_, declaration_), indexing_(table_, declaration_, values_, cache_, std::move(indices)),
+      space_(table_) {}
 
 void VirtualTable::detach() {
     indexing_.drop();

@@ -70,10 +70,10 @@ private:
     std::shared_ptr<dp::Table> table_;
     TableDeclaration declaration_;
     engine::EngineCache& cache_;
+    ValueStatistics values_;
     AttributeIndexing indexing_;
     SpatialIndexing spatialIndexing_;
     TableSpace space_;
-    ValueStatistics values_;
     std::optional<std::uint64_t> numberedRevision_; ///< of the table when all its rows were numbered
 };
 

@@ -146,6 +146,18 @@ TEST_F(ValueEstimatesTest, AreCloseToWhatIsFound) {
     }
 }
 
+TEST_F(ValueEstimatesTest, OneIndexOnAKeyServesWhateverElseIsAsked) {
+    const std::string join = "Select Count(*) From few f, things t Where t.code = f.word And ";
+    for (int round = 0; round < 3000 && !things_->lastRequest.ids; ++round) {
+        EXPECT_EQ(ask(join + "t.kind = 'автомагистраль'"), "3");
+    }
+    for (const char* other : {"t.number = 2", "t.kind = 'АВТОМАГИСТРАЛЬ' And t.number = 1", "True"}) {
+        things_->lastRequest.ids.reset();
+        ask(join + other);
+        EXPECT_TRUE(things_->lastRequest.ids) << other;
+    }
+}
+
 TEST_F(ValueEstimatesTest, AreMadeOnceWhereTablesAreJoined) {
     const auto samplesOf = [this](const char* sql) {
         QSqlQuery query(engine().engineDatabase());

@@ -197,6 +197,12 @@ Score score(const std::vector<ColumnStatistics>& samples, const Truth& truth, Ra
                                      ? static_cast<double>(dp::cellOf(low).integer())
                                      : dp::cellOf(low).real();
             high = start + std::exp(std::uniform_real_distribution(0.0, 10.0)(random));
+        } else if (i % 4 == 1 && !isText) { // the rows at one end, and perhaps none
+            const auto nearEnd =
+                std::min<std::size_t>(groups.size(), 1 + static_cast<std::size_t>(uniform(200)(random)));
+            const bool isUpper = i % 8 == 1;
+            low = isUpper ? groups[groups.size() - nearEnd].first : ScanValue(-1e300);
+            high = isUpper ? ScanValue(1e300) : groups[nearEnd - 1].first;
         }
         const dp::ScanTerm terms[] = {
             {0, Comparison::GreaterOrEqual, truth.declared.collation, {low}},
