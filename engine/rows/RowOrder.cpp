@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <iterator>
 #include <numeric>
-#include <utility>
 
 namespace orvane::engine {
 
@@ -39,7 +38,7 @@ void RowOrder::sortBy(const Column& column) {
     }
     std::partial_sum(starts_.begin(), starts_.end(), starts_.begin());
     std::vector<std::uint32_t> next(starts_.begin(), starts_.end() - 1);
-    std::vector<std::uint32_t> sorted(order_.size());
+    decltype(order_) sorted(order_.size());
     for (const std::uint32_t row : order_) {
         sorted[next[slot(row)]++] = row;
     }
@@ -59,21 +58,6 @@ void RowOrder::arrangeInOrder(const work::Cancellation& cancellation, std::span<
         cancellation.check();
         sortBy(*column);
     }
-}
-
-std::vector<std::uint32_t> RowOrder::renumber() {
-    std::vector<std::uint32_t> places(order_.size());
-    for (std::uint32_t place = 0; place < places.size(); ++place) {
-        places[std::exchange(order_[place], place)] = place;
-    }
-    for (Column& column : keys_) {
-        std::vector<ValueRanks::Code> codes(places.size());
-        for (std::size_t row = 0; row < places.size(); ++row) {
-            codes[places[row]] = column.codes[row];
-        }
-        column.codes = std::move(codes);
-    }
-    return places;
 }
 
 std::uint32_t RowOrder::lastGroup() const {

@@ -162,12 +162,23 @@ int LocaleOrder::compare(std::string_view a, std::string_view b) const {
     const char* atB = b.data();
     const char* const endA = atA + a.size();
     const char* const endB = atB + b.size();
+    if (a == b) {
+        return 0; // what rows that are grouped ask most
+    }
+    // The same plain character in both has the same rank.
+    const auto isPlainAscii = [this](char byte) {
+        return byte >= 0 && ranks_[static_cast<unsigned char>(byte)] != noRank;
+    };
+    while (atA != endA && atB != endB && *atA == *atB && isPlainAscii(*atA)) {
+        ++atA;
+        ++atB;
+    }
     std::uint8_t rankA = endRank, rankB = endRank;
     do {
         rankA = nextRank(ranks_, atA, endA);
         rankB = nextRank(ranks_, atB, endB);
         if (rankA == noRank || rankB == noRank) {
-            return a == b ? 0 : compareByCollator(a, b);
+            return compareByCollator(a, b);
         }
     } while (rankA == rankB && rankA != endRank);
     if (rankA == rankB) {

@@ -121,20 +121,6 @@ void ArrangedRows::add(dp::Cursor& row) {
     ids_.add(row.featureId());
 }
 
-void ArrangedRows::arrangeInOrder(const work::Cancellation& cancellation) {
-    order_.arrangeInOrder(cancellation);
-    cancellation.check();
-    const std::vector<std::uint32_t> places = order_.renumber();
-    // Each group fills up from its front: far fewer places at a time than reading by the order would jump to.
-    const std::size_t width = plain_.size();
-    std::vector<Value> values(values_.size());
-    for (std::size_t row = 0; row < places.size(); ++row) {
-        std::copy_n(values_.data() + row * width, width, values.data() + places[row] * width);
-    }
-    values_ = std::move(values);
-    ids_.move(places);
-}
-
 Cell ArrangedRows::cell(std::uint32_t place, int attribute) const {
     const std::uint32_t row = order_.row(place);
     const auto position = static_cast<std::size_t>(attribute);

@@ -3,6 +3,7 @@
 #include "host/adaptor/rows/RowIds.h"
 
 #include "platform/dp/Cursor.h"
+#include "platform/utils/LargePages.h"
 #include "platform/work/Cancellation.h"
 #include <orvane/engine/rows/ByteArena.h>
 #include <orvane/engine/rows/RowOrder.h>
@@ -15,8 +16,7 @@ namespace orvane::adaptor {
 
 /// Rows of a table in memory, arranged by some of their attributes, the keys: in order, or so that the rows
 /// with one value are found at once. Takes for each row 12 bytes and 4 for each key, 16 for each other
-/// attribute (twice while they are put in order), besides what longer texts and geometries take and once the
-/// different values of the keys.
+/// attribute, besides what longer texts and geometries take and once the different values of the keys.
 class ArrangedRows {
 public:
     struct Key {
@@ -41,8 +41,8 @@ public:
     /// Bytes taken, about.
     std::size_t bytes() const;
 
-    /// As the functions of RowOrder. The rows in order lie in memory as they will be read.
-    void arrangeInOrder(const work::Cancellation& cancellation);
+    /// As the functions of RowOrder.
+    void arrangeInOrder(const work::Cancellation& cancellation) { order_.arrangeInOrder(cancellation); }
     std::uint32_t lastGroup() const { return order_.lastGroup(); }
     std::size_t arrangeForLookups(const work::Cancellation& cancellation) {
         return order_.arrangeForLookups(cancellation);
@@ -51,6 +51,16 @@ public:
     Range find(const dp::Cell& operand) const { return order_.find(operand); }
 
     dp::Cell cell(std::uint32_t place, int attribute) const;
+    /// Brings what will be read of a row near to the processor. Inlined early: GCC drops calls of functions
+    /// that do no more than this.
+    [[gnu::always_inline]] void prefetch(std::uint32_t place) const {
+        const std::uint32_t row = order_.row(place);
+        const Value* const values = values_.data() + row * plain_.size();
+        __builtin_prefetch(values);
+        __builtin_prefetch(values +
+                           plain_.size()); // the row may begin in one line of the cache and end in the next
+        order_.prefetch(row);
+    }
     dp::FeatureId featureId(std::uint32_t place) const { return ids_.at(order_.row(place)); }
 
 private:
@@ -67,11 +77,11 @@ private:
 
     Value kept(const dp::Cell& cell);
 
-    std::vector<int> keys_;     ///< their attributes
-    std::vector<int> plain_;    ///< attributes that are no keys
-    std::vector<int> keyOf_;    ///< by attribute: position in keys_
-    std::vector<int> plainOf_;  ///< by attribute: position in plain_
-    std::vector<Value> values_; ///< row by row
+    std::vector<int> keys_;                               ///< their attributes
+    std::vector<int> plain_;                              ///< attributes that are no keys
+    std::vector<int> keyOf_;                              ///< by attribute: position in keys_
+    std::vector<int> plainOf_;                            ///< by attribute: position in plain_
+    std::vector<Value, utils::LargePages<Value>> values_; ///< row by row
     RowIds ids_;
     engine::ByteArena bytes_;
     engine::RowOrder order_;
@@ -86,6 +96,9 @@ public:
         end_ = range.end;
     }
     bool next() override {
+        if (end_ - next_ > ahead) {
+            rows_->prefetch(next_ + ahead);
+        }
         place_ = next_;
         return next_ < end_ && ++next_ > 0;
     }
@@ -93,6 +106,8 @@ public:
     dp::FeatureId featureId() override { return rows_->featureId(place_); }
 
 private:
+    static constexpr std::uint32_t ahead = 8; ///< about what the memory takes, in rows through SQLite
+
     const ArrangedRows* rows_ = nullptr;
     std::uint32_t place_ = 0;
     std::uint32_t next_ = 0;

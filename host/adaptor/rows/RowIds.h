@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/dp/FeatureId.h"
+#include "platform/utils/LargePages.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -33,26 +34,12 @@ public:
         return others_.empty() ? ofNumber(numbers_[row]) : others_[row];
     }
 
-    /// Gives each row the number that stands for it.
-    void move(std::span<const std::uint32_t> places) {
-        moveIn(numbers_, places);
-        moveIn(others_, places);
-    }
-
 private:
-    template<typename Id>
-    static void moveIn(std::vector<Id>& ids, std::span<const std::uint32_t> places) {
-        std::vector<Id> moved(ids.size());
-        for (std::size_t row = 0; row < ids.size(); ++row) {
-            moved[places[row]] = std::move(ids[row]);
-        }
-        ids = std::move(moved);
-    }
     static dp::FeatureId ofNumber(std::int64_t number) {
         return dp::FeatureId(QVariant(static_cast<qlonglong>(number)));
     }
 
-    std::vector<std::int64_t> numbers_; ///< empty once there are others
+    std::vector<std::int64_t, utils::LargePages<std::int64_t>> numbers_; ///< empty once there are others
     std::vector<dp::FeatureId> others_;
 };
 

@@ -386,6 +386,11 @@ int VirtualCursor::arrange() {
         report_->isArranged = true;
     }
     ArrangedRows ordered(request_.attributes, orderKeys());
+    if (request_.terms.empty() && relations_.isEmpty() && !request_.ids) {
+        constexpr std::int64_t mostReserved = std::int64_t{1} << 22; // a file may tell any number
+        const std::int64_t count = table_.table().featureCount().value_or(0);
+        ordered.reserve(static_cast<std::size_t>(std::clamp(count, std::int64_t{0}, mostReserved)));
+    }
     for (int code = next(); rows_ || code != SQLITE_OK; code = next()) {
         if (code != SQLITE_OK) {
             return code;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/utils/LargePages.h"
 #include <orvane/engine/rows/ValueRanks.h>
 
 #include <cstdint>
@@ -45,8 +46,6 @@ public:
     /// in all are ordered by their identifiers if these are given, one for each row, else they stay in the
     /// order in which they came. Throws work::Cancelled.
     void arrangeInOrder(const work::Cancellation& cancellation, std::span<const std::int64_t> ids = {});
-    /// Numbers the rows by their places from now on, and answers the place of each by its number so far.
-    std::vector<std::uint32_t> renumber();
     /// The place of the first of those rows that agree with the last one in the first key, when there are
     /// rows and they are in order.
     std::uint32_t lastGroup() const;
@@ -61,6 +60,12 @@ public:
 
     Range all() const { return {0, static_cast<std::uint32_t>(order_.size())}; }
     std::uint32_t row(std::uint32_t place) const { return order_[place]; }
+    /// Brings the keys of a row near to the processor.
+    [[gnu::always_inline]] void prefetch(std::uint32_t row) const {
+        for (const Column& column : keys_) {
+            __builtin_prefetch(column.codes.data() + row);
+        }
+    }
     dp::Cell value(std::uint32_t row, std::size_t key) const {
         return keys_[key].ranks.value(keys_[key].codes[row]);
     }
@@ -69,13 +74,13 @@ private:
     struct Column {
         bool isDescending = false;
         ValueRanks ranks;
-        std::vector<ValueRanks::Code> codes; ///< by row
+        std::vector<ValueRanks::Code, utils::LargePages<ValueRanks::Code>> codes; ///< by row
     };
 
     void sortBy(const Column& column);
 
     std::vector<Column> keys_;
-    std::vector<std::uint32_t> order_;  ///< rows by place
+    std::vector<std::uint32_t, utils::LargePages<std::uint32_t>> order_; ///< rows by place
     std::vector<std::uint32_t> starts_; ///< places by the rank of the key that was sorted by last
     std::size_t lookupKey_ = 0;
 };
