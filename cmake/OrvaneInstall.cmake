@@ -9,7 +9,7 @@ set(ORVANE_TRANSLATION_DIR "${CMAKE_INSTALL_DATADIR}/orvane/translations")
 set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/Orvane")
 set(header_dir "${CMAKE_INSTALL_INCLUDEDIR}/orvane")
 
-foreach(component Platform Engine Adaptor Files)
+foreach(component Platform Engine Adaptor Files Maps)
     string(TOLOWER "orvane_${component}" target)
     set_target_properties(${target} PROPERTIES EXPORT_NAME ${component})
     list(APPEND targets ${target})
@@ -37,6 +37,8 @@ endforeach()
 foreach(header FilesExtension FileSource LayerTable)
     install(FILES "${PROJECT_SOURCE_DIR}/host/providers/${header}.h" DESTINATION "${header_dir}/host/providers")
 endforeach()
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/host/maps" DESTINATION "${header_dir}/host"
+    FILES_MATCHING PATTERN "*.h" PATTERN "FeatureStore.h" EXCLUDE)
 
 configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/OrvaneConfig.cmake.in"
     "${PROJECT_BINARY_DIR}/OrvaneConfig.cmake" INSTALL_DESTINATION "${package_dir}"

@@ -27,6 +27,7 @@ struct Arc {
 std::size_t segmentCount(double sweep, double radius, QSizeF tolerance);
 
 /// Appends the approximation of the arcs of a circular string to `out`, without its first position.
-void appendArcs(const CoordinateSequence& arcs, QSizeF tolerance, std::vector<double>& out);
+ORVANE_PLATFORM_EXPORT void appendArcs(const CoordinateSequence& arcs, QSizeF tolerance,
+                                       std::vector<double>& out);
 
 } // namespace orvane::geometry
