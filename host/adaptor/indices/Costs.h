@@ -34,8 +34,9 @@ constexpr double relation = 300;
 constexpr double boxTest = 30;
 /// Of a search in the R-tree: each time that its rows are halved.
 constexpr double treeLevel = 150;
-/// Of making the R-tree: each row.
+/// Of making the R-tree: each row, and each row of one in another coordinate system.
 constexpr double treeRow = 400;
+constexpr double transformedRow = 2500;
 
 /// Of making an index: the storage, and each row by the kind of the column.
 constexpr double storage = 1e6;

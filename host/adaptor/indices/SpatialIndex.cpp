@@ -203,13 +203,24 @@ bool holds(SpatialRelation relation, std::string_view wkb,
 
 SpatialIndex::~SpatialIndex() = default;
 
-SpatialIndex::SpatialIndex(dp::Table& table, const work::Cancellation& cancellation)
-    : tree_(std::make_unique<Tree>()) {
+/// In the coordinate system of the index; null for what is no geometry, or has no image there.
+GeometryPtr SpatialIndex::decode(const dp::Cell& cell, const dp::Table& table) const {
+    if (cell.type() != dp::CellType::Wkb) {
+        return nullptr;
+    }
+    const auto own = table.coordSystem();
+    const GeometryPtr decoded = decodeWkb(cell.view(), own);
+    return !decoded || own == system_ ? decoded : decoded->transformed(system_);
+}
+
+SpatialIndex::SpatialIndex(dp::Table& table, std::shared_ptr<cs::CoordSystem> system,
+                           const work::Cancellation& cancellation)
+    : system_(std::move(system)), tree_(std::make_unique<Tree>()) {
     const int attribute = table.schema()->geometryIndex();
-    const auto coordSystem = table.coordSystem();
     dp::ScanRequest request;
     request.attributes = {attribute};
-    const bool mayBeDegrees = !coordSystem || coordSystem->isGeographic();
+    const bool isInPlace = system_ == table.coordSystem();
+    const bool mayBeDegrees = !system_ || system_->isGeographic();
     const auto rows = table.openCursor(request);
     work::Progress progress(
         QCoreApplication::translate("orvane::adaptor", "R-дерево таблицы %0").arg(table.name()),
@@ -221,18 +232,14 @@ SpatialIndex::SpatialIndex(dp::Table& table, const work::Cancellation& cancellat
             progress.advance(rowsBetweenChecks);
         }
         const dp::Cell cell = rows->cell(attribute);
-        if (cell.type() != dp::CellType::Wkb) {
-            missing_.push_back(rows->featureId());
-            continue;
-        }
         geometry::Envelope envelope;
         double x = 0, y = 0;
-        const bool position = readPosition(cell.view(), x, y);
-        if (position) {
+        const bool position = cell.type() == dp::CellType::Wkb && readPosition(cell.view(), x, y);
+        if (position && isInPlace) {
             envelope.add(x, y);
-        } else if (const GeometryPtr decoded = decodeWkb(cell.view(), coordSystem)) {
+        } else if (const GeometryPtr decoded = decode(cell, table)) {
             envelope = decoded->envelope();
-            arePositions_ = false;
+            arePositions_ = arePositions_ && position;
             if (mayBeDegrees) {
                 bulge_ = std::max(bulge_, geometry::geodesicBulge(*decoded));
             }
@@ -255,7 +262,7 @@ GeometryPtr SpatialIndex::geometryOf(const Candidate& candidate, dp::Table& tabl
     const std::uint32_t entry = candidate.position;
     if (isPosition_[entry]) {
         auto point = std::make_shared<geometry::Point>(candidate.x, candidate.y);
-        point->setCoordSystem(table.coordSystem());
+        point->setCoordSystem(system_);
         return point;
     }
     if (geometries_.empty()) {
@@ -272,9 +279,7 @@ GeometryPtr SpatialIndex::geometryOf(const Candidate& candidate, dp::Table& tabl
     if (!rows->next()) {
         return nullptr;
     }
-    const dp::Cell cell = rows->cell(attribute);
-    GeometryPtr decoded =
-        cell.type() == dp::CellType::Wkb ? decodeWkb(cell.view(), table.coordSystem()) : nullptr;
+    const GeometryPtr decoded = decode(rows->cell(attribute), table);
     if (decoded && keptWeight_ + decoded->weight() <= mostWeight) {
         keptWeight_ += decoded->weight();
         geometries_[entry] = decoded;

@@ -19,16 +19,18 @@ namespace orvane::adaptor {
 /// made; used from one thread.
 class SpatialIndex {
 public:
-    /// Reads the geometry of every feature, with a work::Progress. Throws std::runtime_error when the table
-    /// cannot be read, work::Cancelled when the work is cancelled.
-    SpatialIndex(dp::Table& table, const work::Cancellation& cancellation);
+    /// Reads the geometry of every feature, with a work::Progress, as it is in a coordinate system, which may
+    /// be the table's own or null like that; what has no image there counts as none. Throws
+    /// std::runtime_error when the table cannot be read, work::Cancelled when the work is cancelled.
+    SpatialIndex(dp::Table& table, std::shared_ptr<cs::CoordSystem> system,
+                 const work::Cancellation& cancellation);
 
     ~SpatialIndex();
     SpatialIndex(const SpatialIndex&) = delete;
     SpatialIndex& operator=(const SpatialIndex&) = delete;
 
-    /// Appends the features a for which the relation(a, b) holds. Both in one coordinate system, or one
-    /// without.
+    /// Appends the features a for which the relation(a, b) holds; b in the coordinate system of the index, or
+    /// one of the two without.
     void search(SpatialRelation relation, const geometry::GeometryPtr& b, dp::Table& table,
                 std::vector<dp::FeatureId>& found);
 
@@ -67,9 +69,11 @@ public:
 private:
     struct Tree;
 
+    geometry::GeometryPtr decode(const dp::Cell& cell, const dp::Table& table) const;
     bool holds(SpatialRelation relation, const Candidate& candidate, const geometry::GeometryPtr& b,
                dp::Table& table);
 
+    const std::shared_ptr<cs::CoordSystem> system_;
     std::unique_ptr<Tree> tree_;
     std::vector<dp::FeatureId> ids_; ///< by position
     std::vector<dp::FeatureId> empty_;

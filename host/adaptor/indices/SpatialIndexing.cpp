@@ -4,9 +4,30 @@
 
 #include <QElapsedTimer>
 
+#include <algorithm>
 #include <utility>
 
 namespace orvane::adaptor {
+
+namespace {
+
+/// Coordinate systems that a table is looked at in.
+constexpr std::size_t mostElsewhere = 4;
+
+double rowsOf(const dp::Table& table) {
+    return static_cast<double>(table.featureCount().value_or(cost::assumedRows));
+}
+
+} // namespace
+
+void SpatialIndexing::follow(const dp::Table& table) {
+    if (const std::uint64_t revision = table.revision(); revision_ != revision) {
+        tree_.reset();
+        elsewhere_.clear();
+        spent_ = 0;
+        revision_ = revision;
+    }
+}
 
 SpatialIndex& SpatialIndexing::tree(dp::Table& table, const work::Cancellation& cancellation) {
     use_ = {};
@@ -14,24 +35,26 @@ SpatialIndex& SpatialIndexing::tree(dp::Table& table, const work::Cancellation& 
 }
 
 SpatialIndex& SpatialIndexing::makeTree(dp::Table& table, const work::Cancellation& cancellation) {
-    if (!hasTree(table)) {
-        const std::uint64_t revision = table.revision();
-        QElapsedTimer timer;
-        timer.start();
-        tree_ = std::make_unique<SpatialIndex>(table, cancellation);
-        revision_ = revision;
-        use_.makingMs = static_cast<double>(timer.nsecsElapsed()) / 1e6;
+    follow(table);
+    if (!tree_) {
+        tree_ = make(table, table.coordSystem(), cancellation);
     }
     return *tree_;
 }
 
+std::unique_ptr<SpatialIndex> SpatialIndexing::make(dp::Table& table,
+                                                    const std::shared_ptr<cs::CoordSystem>& system,
+                                                    const work::Cancellation& cancellation) {
+    QElapsedTimer timer;
+    timer.start();
+    auto tree = std::make_unique<SpatialIndex>(table, system, cancellation);
+    use_.makingMs = static_cast<double>(timer.nsecsElapsed()) / 1e6;
+    return tree;
+}
+
 bool SpatialIndexing::looksUpInTable(const dp::Table& table) {
     use_ = {};
-    if (const std::uint64_t revision = table.revision(); revision_ != revision) {
-        tree_.reset();
-        spent_ = 0;
-        revision_ = revision;
-    }
+    follow(table);
     const double making = cost::treeRow * static_cast<double>(table.featureCount().value_or(0));
     if (tree_ || spent_ + cost::sourceLookup > making || !table.usesWindow()) {
         return false;
@@ -53,6 +76,44 @@ bool SpatialIndexing::find(SpatialRelation relation, const geometry::GeometryPtr
         return false;
     }
     makeTree(table, cancellation).search(relation, b, table, request.ids.emplace());
+    return true;
+}
+
+SpatialIndexing::Elsewhere& SpatialIndexing::elsewhere(const std::shared_ptr<cs::CoordSystem>& system) {
+    const auto found = std::find_if(elsewhere_.begin(), elsewhere_.end(), [&](const Elsewhere& each) {
+        return each.system == system || each.system->equals(*system);
+    });
+    if (found != elsewhere_.end()) {
+        return *found;
+    }
+    if (elsewhere_.size() == mostElsewhere) {
+        elsewhere_.erase(elsewhere_.begin());
+    }
+    return elsewhere_.emplace_back(system);
+}
+
+bool SpatialIndexing::hasTreeIn(const cs::CoordSystem& system, const dp::Table& table) const {
+    return revision_ == table.revision() &&
+           std::any_of(elsewhere_.begin(), elsewhere_.end(), [&](const Elsewhere& each) {
+               return each.tree && (each.system.get() == &system || each.system->equals(system));
+           });
+}
+
+bool SpatialIndexing::findElsewhere(SpatialRelation relation, const geometry::GeometryPtr& b, bool isRepeated,
+                                    dp::Table& table, dp::ScanRequest& request,
+                                    const work::Cancellation& cancellation) {
+    use_ = {};
+    follow(table);
+    Elsewhere& there = elsewhere(b->coordSystem());
+    if (!there.tree) {
+        if (const double testing = rowsOf(table) * cost::transformedRow;
+            !isRepeated && there.spent < testing) {
+            there.spent += testing;
+            return false;
+        }
+        there.tree = make(table, there.system, cancellation);
+    }
+    there.tree->search(relation, b, table, request.ids.emplace());
     return true;
 }
 

@@ -350,7 +350,7 @@ private:
             }
         }
         hasOpenOperand_ = true;
-        estimate_.takeRelation(estimate, virtual_.spatialIndexing().hasTree(table_) || table_.usesWindow());
+        estimate_.takeRelation(estimate);
     }
 
     void takeRelation(const RelationTerm& term) {

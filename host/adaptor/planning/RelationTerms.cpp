@@ -84,7 +84,7 @@ void RelationTerms::addEquality(sqlite3_index_info& info, int constraint) {
         return;
     }
     const bool isSecond = info.aConstraint[constraint].iColumn == table_.declaration().secondOperandColumn();
-    terms_.emplace_back(constraint, ScanPlan::Relation{*relation, isSecond}, true,
+    terms_.emplace_back(constraint, ScanPlan::Relation{*relation, isSecond, true}, true,
                         table_.otherTable(QString::fromStdString(isSecond ? name->first : name->second)));
 }
 
@@ -153,6 +153,10 @@ RelationEstimate RelationTerms::estimate(const RelationTerm& term) const {
     }
     estimate.scans = term.other ? sizeOf(*term.other) : 1.0;
     estimate.isElsewhere = isElsewhere(term);
+    const SpatialIndexing& indexing = table_.spatialIndexing();
+    estimate.isReady = estimate.isElsewhere
+                           ? indexing.hasTreeIn(*term.other->table().coordSystem(), table_.table())
+                           : indexing.hasTree(table_.table()) || table_.table().usesWindow();
     return estimate;
 }
 

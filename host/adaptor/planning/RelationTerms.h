@@ -28,7 +28,8 @@ struct RelationEstimate {
     double found;      ///< rows for which the relation holds
     double candidates; ///< rows whose envelope is such that it may
     double scans;      ///< at most so many: one for each row of the operand's table
-    bool isElsewhere;  ///< decided in another system, row by row
+    bool isElsewhere;  ///< decided in another system
+    bool isReady;      ///< without an R-tree that would have to be made first
 };
 
 /// The relations that a scan of a table may look up one of.

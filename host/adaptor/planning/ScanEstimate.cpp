@@ -132,17 +132,15 @@ void ScanEstimate::takeRowNumbers(bool isList) {
     isUnique_ = isUnique_ || !isList;
 }
 
-void ScanEstimate::takeRelation(const RelationEstimate& relation, bool isReady) {
+void ScanEstimate::takeRelation(const RelationEstimate& relation) {
     passing_ *= std::min(1.0, relation.found / rows_);
-    if (relation.isElsewhere) {
-        // More than a scan, and SQLite would test the relation itself, which it takes for free.
-        relationCost_ = rows_ * cost::handedRow * 0.9;
-        return;
-    }
     fetches_ = true;
-    // One tree serves all scans; without, each would have to look at all envelopes.
+    // One tree serves all scans; without, each would have to look at all envelopes, and in another coordinate
+    // system at all geometries, which must not cost more than SQLite takes its own tests for.
     const double scans = std::clamp(relation.scans, 1.0, assumedLookups);
-    const double making = isReady ? 0 : rows_ * std::min(cost::boxTest, cost::treeRow / scans);
+    const double scanning = relation.isElsewhere ? cost::handedRow * 0.9 : cost::boxTest;
+    const double treeRow = relation.isElsewhere ? cost::transformedRow : cost::treeRow;
+    const double making = relation.isReady ? 0 : rows_ * std::min(scanning, treeRow / scans);
     // A function that nobody took over SQLite would call for each pair of rows, and take for free.
     const double opening = relation.scans > 1 ? cost::treeLevel * std::log2(rows_ + 1) : 0;
     relationCost_ = opening + relation.candidates * cost::relation + making;

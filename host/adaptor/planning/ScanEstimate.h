@@ -34,8 +34,7 @@ public:
     void takeUnservedPattern(const TableDeclaration::Column& column, dp::Comparison comparison,
                              const Operand& pattern);
     void takeRowNumbers(bool isList);
-    /// `isReady`: without an R-tree that would have to be made first.
-    void takeRelation(const RelationEstimate& relation, bool isReady);
+    void takeRelation(const RelationEstimate& relation);
 
     /// Rows of the table.
     double tableRows() const { return rows_; }

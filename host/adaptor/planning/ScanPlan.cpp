@@ -33,6 +33,7 @@ std::string ScanPlan::toText() const {
     for (const Relation& each : relations) {
         appendNumber(text, static_cast<std::uint64_t>(each.relation));
         appendNumber(text, each.isSecondOperand);
+        appendNumber(text, each.isRepeated);
     }
     appendNumber(text, static_cast<std::uint64_t>(byDistance));
     appendNumber(text, limit);
@@ -60,6 +61,7 @@ ScanPlan ScanPlan::fromText(std::string_view text) {
         Relation& each = plan.relations.emplace_back();
         each.relation = static_cast<SpatialRelation>(takeNumber(text));
         each.isSecondOperand = takeNumber(text) != 0;
+        each.isRepeated = takeNumber(text) != 0;
     }
     plan.byDistance = static_cast<ByDistance>(takeNumber(text));
     plan.limit = takeNumber(text) != 0;

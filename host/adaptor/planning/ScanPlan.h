@@ -25,6 +25,7 @@ struct ScanPlan {
     struct Relation {
         SpatialRelation relation = SpatialRelation::Intersects;
         bool isSecondOperand = false;
+        bool isRepeated = false; ///< for the rows of another table
 
         /// The relation from the column to the value.
         SpatialRelation ofColumn() const { return isSecondOperand ? converseOf(relation) : relation; }

@@ -162,8 +162,11 @@ bool VirtualCursor::readRelation(const ScanPlan::Relation& relation, sqlite3_val
     const auto other = related->coordSystem();
     const bool isElsewhere = coordSystem_ && other && coordSystem_ != other && !coordSystem_->equals(*other);
     if (isElsewhere && relation.countsElsewhere()) {
+        if (isLookedUp && lookUpElsewhere(relation, related)) {
+            return !request_.ids->empty();
+        }
         relations_.add(relation, related, false);
-        return !isLookedUp || lookUpElsewhere(relation, *related);
+        return !request_.ids || !request_.ids->empty();
     }
     if (isElsewhere) {
         related = relation.ofColumn() == SpatialRelation::ContainsCentroid ? centroidOf(*related) : related;
@@ -180,21 +183,26 @@ bool VirtualCursor::readRelation(const ScanPlan::Relation& relation, sqlite3_val
     return true;
 }
 
-/// A relation in the value's coordinate system, which is tested row by row: of the rows that can stand in it,
-/// as far as envelopes tell. An edge is straight in one of the two systems only, so that of what is more than
-/// a position only vertices, and the centroid, can be told to lie in an envelope.
-bool VirtualCursor::lookUpElsewhere(const ScanPlan::Relation& relation, const geometry::Geometry& value) {
-    const geometry::Envelope envelope = value.envelope();
+/// A relation in the value's coordinate system: true when the rows that stand in it are known. An edge is
+/// straight in one of the two systems only, so that of what is more than a position only vertices, and the
+/// centroid, can be told to lie in an envelope of the table's system; those rows are tested.
+bool VirtualCursor::lookUpElsewhere(const ScanPlan::Relation& relation, const GeometryPtr& value) {
+    const geometry::Envelope envelope = value->envelope();
     if (envelope.isEmpty()) {
-        return false;
+        request_.ids.emplace();
+        return true;
     }
     SpatialIndexing& indexing = table_.spatialIndexing();
-    if (holdsVertices(relation.ofColumn()) || indexing.tree(table_.table(), cancellation_).arePositions()) {
-        if (const auto here = geometry::envelopeIn(*coordSystem_, envelope, *value.coordSystem())) {
+    const SpaceStatistics* const sample = table_.space().statistics();
+    if (holdsVertices(relation.ofColumn()) ||
+        (sample && sample->arePositions() && indexing.tree(table_.table(), cancellation_).arePositions())) {
+        if (const auto here = geometry::envelopeIn(*coordSystem_, envelope, *value->coordSystem())) {
             indexing.findInEnvelope(*here, table_.table(), request_, cancellation_);
         }
+        return false;
     }
-    return !request_.ids || !request_.ids->empty();
+    return indexing.findElsewhere(relation.ofColumn(), value, relation.isRepeated, table_.table(), request_,
+                                  cancellation_);
 }
 
 GeometryPtr VirtualCursor::centreOf(const engine::NearnessBlob& nearness) {

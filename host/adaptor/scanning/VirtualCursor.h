@@ -46,7 +46,7 @@ private:
     bool readArguments(std::span<sqlite3_value*> arguments);
     bool readRowNumbers(sqlite3_value* value);
     bool readRelation(const ScanPlan::Relation& relation, sqlite3_value* value, bool isLookedUp);
-    bool lookUpElsewhere(const ScanPlan::Relation& relation, const geometry::Geometry& value);
+    bool lookUpElsewhere(const ScanPlan::Relation& relation, const geometry::GeometryPtr& value);
     bool readNearness(sqlite3_value* value);
     geometry::GeometryPtr centreOf(const engine::NearnessBlob& nearness);
     void readOrigin(sqlite3_value* value);

@@ -3,6 +3,7 @@
 #include "host/providers/datasets/DriverQuery.h"
 #include "host/providers/datasets/GdalHandles.h"
 
+#include <cstdlib>
 #include <utility>
 
 namespace orvane::files {
@@ -11,14 +12,19 @@ namespace {
 
 using IdPair = std::pair<std::int64_t, std::int64_t>;
 
-/// The rows of a query of two integers, but those with a NULL.
-std::vector<IdPair> queryPairs(GDALDatasetH dataset, const std::string& sql) {
+/// The rows of a query of two integers, but those with a NULL. They come as texts: GDAL takes a column of
+/// numbers for one of 32 bits when the first one is.
+std::vector<IdPair> queryPairs(GDALDatasetH dataset, const std::string& first, const std::string& second,
+                               const std::string& from) {
     std::vector<IdPair> pairs;
-    const DriverQuery query(dataset, sql);
+    const DriverQuery query(dataset,
+                            "SELECT CAST((" + first + ") AS TEXT), CAST((" + second + ") AS TEXT)" + from);
     while (const FeatureHandle row{OGR_L_GetNextFeature(query.layer())}) {
         if (OGR_F_IsFieldSetAndNotNull(row.get(), 0) && OGR_F_IsFieldSetAndNotNull(row.get(), 1)) {
-            pairs.emplace_back(OGR_F_GetFieldAsInteger64(row.get(), 0),
-                               OGR_F_GetFieldAsInteger64(row.get(), 1));
+            const auto number = [&row](int field) {
+                return std::strtoll(OGR_F_GetFieldAsString(row.get(), field), nullptr, 10);
+            };
+            pairs.emplace_back(number(0), number(1));
         }
     }
     return pairs;
@@ -45,8 +51,9 @@ std::vector<IdRange> without(const std::vector<IdPair>& gaps, const std::vector<
 std::vector<IdRange> occupiedIds(GDALDatasetH dataset, const std::string& table,
                                  const std::string& identifier, std::int64_t rows) {
     const std::string from = " FROM " + table;
-    const auto ends = queryPairs(dataset, "SELECT (SELECT min(" + identifier + ")" + from +
-                                              "), (SELECT max(" + identifier + ")" + from + ")");
+    const auto least = "SELECT min(" + identifier + ")" + from;
+    const auto greatest = "SELECT max(" + identifier + ")" + from;
+    const auto ends = queryPairs(dataset, least, greatest, {});
     if (ends.empty()) {
         return {};
     }
@@ -60,9 +67,8 @@ std::vector<IdRange> occupiedIds(GDALDatasetH dataset, const std::string& table,
             places += (places.empty() ? "(" : ", (") + std::to_string(place.low) + ")";
         }
         const auto gaps =
-            queryPairs(dataset, "SELECT (SELECT max(" + identifier + ")" + from + " WHERE " + identifier +
-                                    " < column1), (SELECT min(" + identifier + ")" + from + " WHERE " +
-                                    identifier + " >= column1) FROM (VALUES " + places + ")");
+            queryPairs(dataset, greatest + " WHERE " + identifier + " < column1",
+                       least + " WHERE " + identifier + " >= column1", " FROM (VALUES " + places + ")");
         auto narrowed = without(gaps, ranges);
         if (lengthOf(narrowed) > lengthOf(ranges) * worthAnotherLook) {
             break; // small gaps everywhere

@@ -66,7 +66,8 @@ std::vector<IdRange> randomRuns(const std::vector<IdRange>& ranges, std::int64_t
         IdRange run;
         run.low = std::clamp(static_cast<std::int64_t>(static_cast<std::uint64_t>(range->low) + offset),
                              range->low, range->high);
-        run.high = range->high - run.low < width ? range->high : run.low + width - 1;
+        const auto behind = static_cast<std::uint64_t>(range->high) - static_cast<std::uint64_t>(run.low);
+        run.high = behind < static_cast<std::uint64_t>(width) ? range->high : run.low + width - 1;
         if (!runs.empty() && run.low <= runs.back().high) {
             runs.back().high = std::max(runs.back().high, run.high);
         } else {

@@ -11,7 +11,7 @@ TEST(ScanPlan, SurvivesTheWayThroughSqlite) {
     EXPECT_EQ(ScanPlan::fromText(plan.toText()), plan);
     plan.columnsUsed = ~std::uint64_t{0};
     plan.rowNumber = ScanPlan::RowNumber::In;
-    plan.relations = {{orvane::adaptor::SpatialRelation::Within, true},
+    plan.relations = {{orvane::adaptor::SpatialRelation::Within, true, true},
                       {orvane::adaptor::SpatialRelation::Intersects, false}};
     plan.limit = plan.offset = true;
     plan.ordering = ScanPlan::Ordering::ByIndex;

@@ -111,6 +111,9 @@ void* operator new(std::size_t size) {
 void* operator new[](std::size_t size) {
     return allocate(size, __builtin_return_address(0));
 }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return std::malloc(size == 0 ? 1 : size); // of who can do without
+}
 void operator delete(void* piece) noexcept {
     std::free(piece);
 }
