@@ -1,6 +1,7 @@
 #include <orvane/engine/functions/GeometryAccess.h>
 
 #include "GeometryCall.h"
+#include "engine/geometry/SpatialiteLayout.h"
 #include "platform/cs/CoordSystem.h"
 #include "platform/geometry/editing/Access.h"
 #include "platform/geometry/forms/TextFormats.h"
@@ -89,6 +90,24 @@ std::optional<double> ordinateOf(const GeometryCall& call, Ordinate ordinate) {
     return finite(only.type() == GeometryType::Point && index
                       ? std::optional(static_cast<const geometry::Point&>(only).ordinates()[*index])
                       : std::nullopt);
+}
+
+/// A short way for the usual rows: gives x, the first, or y, the second, of the usual blob of a point.
+bool givePosition(sqlite3_context* context, sqlite3_value* value, std::size_t index) {
+    if (sqlite3_value_type(value) != SQLITE_BLOB) {
+        return false;
+    }
+    const auto* const bytes = static_cast<const char*>(sqlite3_value_blob(value));
+    const char* const position =
+        spatialite::usualPoint({bytes, static_cast<std::size_t>(sqlite3_value_bytes(value))});
+    if (!position) {
+        return false;
+    }
+    if (const auto ordinate = qFromLittleEndian<double>(position + index * sizeof(double));
+        std::isfinite(ordinate)) {
+        sqlite3_result_double(context, ordinate);
+    }
+    return true;
 }
 
 std::optional<double> side(const GeometryCall& call, double geometry::Envelope::*which) {
@@ -208,13 +227,17 @@ void test(const char* name, sqlite3_context* context, int count, sqlite3_value**
 } // namespace
 
 void pointX(sqlite3_context* context, int count, sqlite3_value** values) {
-    evaluate("X", 1, context, count, values,
-             [](const GeometryCall& call) { return ordinateOf(call, Ordinate::X); });
+    if (!givePosition(context, values[0], 0)) {
+        evaluate("X", 1, context, count, values,
+                 [](const GeometryCall& call) { return ordinateOf(call, Ordinate::X); });
+    }
 }
 
 void pointY(sqlite3_context* context, int count, sqlite3_value** values) {
-    evaluate("Y", 1, context, count, values,
-             [](const GeometryCall& call) { return ordinateOf(call, Ordinate::Y); });
+    if (!givePosition(context, values[0], 1)) {
+        evaluate("Y", 1, context, count, values,
+                 [](const GeometryCall& call) { return ordinateOf(call, Ordinate::Y); });
+    }
 }
 
 void pointZ(sqlite3_context* context, int count, sqlite3_value** values) {

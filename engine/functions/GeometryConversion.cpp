@@ -79,6 +79,13 @@ bool prepareTransformation(LastTransformation& last, EngineCache& cache, const S
     return true;
 }
 
+void giveOutput(sqlite3_context* context, const LastTransformation& last) {
+    if (!last.output.empty()) {
+        sqlite3_result_blob(context, last.output.data(), static_cast<int>(last.output.size()),
+                            SQLITE_TRANSIENT);
+    }
+}
+
 /// Reprojects the coordinates of a SpatiaLite blob where they stand, without a geometry object. False when
 /// this way does not apply. `systems(position)`: the systems that the arguments name, the target and that of
 /// a geometry without one.
@@ -90,13 +97,16 @@ bool transformBlob(sqlite3_context* context, int count, sqlite3_value** values, 
     }
     const std::string_view blob(static_cast<const char*>(sqlite3_value_blob(values[0])),
                                 static_cast<std::size_t>(sqlite3_value_bytes(values[0])));
+    auto& last = ofStatement<LastTransformation>(context);
+    const bool isRepeated = !blob.empty() && last.input == blob;
+    if (isRepeated && last.sourceCode > 0 && last.target == systems(1)) {
+        giveOutput(context, last);
+        return true;
+    }
     const auto header = readSpatialiteHeader(blob);
     const CoordSystemPtr target = header ? systems(1) : nullptr;
-    if (!target) {
-        return false;
-    }
-    auto& last = ofStatement<LastTransformation>(context);
-    if (!prepareTransformation(last, *cache, *header, target, count > 2, systems) || !last.transformer) {
+    if (!target || !prepareTransformation(last, *cache, *header, target, count > 2, systems) ||
+        !last.transformer) {
         return false;
     }
     if (last.input != blob) {
@@ -108,10 +118,7 @@ bool transformBlob(sqlite3_context* context, int count, sqlite3_value** values, 
         }
         last.input = blob.size() <= LastTransformation::longestInput ? blob : std::string_view();
     }
-    if (!last.output.empty()) {
-        sqlite3_result_blob(context, last.output.data(), static_cast<int>(last.output.size()),
-                            SQLITE_TRANSIENT);
-    }
+    giveOutput(context, last);
     return true;
 }
 

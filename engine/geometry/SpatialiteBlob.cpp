@@ -4,6 +4,7 @@
 #include "platform/cs/Transformer.h"
 #include "platform/geometry/forms/GeometryWalker.h"
 
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <vector>
@@ -97,6 +98,27 @@ std::optional<SpatialiteHeader> readTinyPoint(std::string_view blob) {
     return header;
 }
 
+/// A short way for the usual rows: a point of x and y.
+BlobTransformation appendTransformedPoint(const SpatialiteHeader& header, const cs::Transformer& transformer,
+                                          int srid, std::string& out) {
+    std::array<double, 2> position;
+    std::memcpy(position.data(), header.content.data(), sizeof position);
+    const bool isEmpty = std::isnan(position[0]) && std::isnan(position[1]);
+    if (!isEmpty && !transformer.transform(position.data(), 1, position.size(), false)) {
+        return BlobTransformation::NoImage;
+    }
+    constexpr std::size_t contentOffset = bodyOffset + kindSize;
+    std::array<char, contentOffset + sizeof position + 1> blob;
+    Envelope envelope;
+    envelope.add(position[0], position[1]);
+    putHeader(blob.data(), srid, envelope);
+    qToLittleEndian<quint32>(Point, blob.data() + bodyOffset);
+    std::memcpy(blob.data() + contentOffset, position.data(), sizeof position);
+    blob.back() = endMark;
+    out.append(blob.data(), blob.size());
+    return BlobTransformation::Done;
+}
+
 } // namespace
 
 std::optional<SpatialiteHeader> readSpatialiteHeader(std::string_view blob) {
@@ -141,6 +163,9 @@ BlobTransformation appendTransformedBlob(const SpatialiteHeader& header, const c
     const std::size_t start = out.size();
     if (!header.littleEndian || QSysInfo::ByteOrder != QSysInfo::LittleEndian) {
         return BlobTransformation::NotLinear;
+    }
+    if (header.kind == Point && isPoint(header)) {
+        return appendTransformedPoint(header, transformer, srid, out);
     }
     out.resize(start + bodyOffset + kindSize + header.content.size() + 1);
     qToLittleEndian<quint32>(header.kind, out.data() + start + bodyOffset);

@@ -51,6 +51,17 @@ inline std::optional<Dimensions> dimensionsOf(std::uint32_t kind) {
     return kind < 4000 ? std::optional(static_cast<Dimensions>(kind / 1000)) : std::nullopt;
 }
 
+/// The position in the usual blob of a point: x and y in little-endian, not tiny. Null for any other blob.
+inline const char* usualPoint(std::string_view blob) {
+    constexpr std::size_t contentOffset = bodyOffset + kindSize;
+    constexpr std::size_t size = contentOffset + 2 * sizeof(double) + 1;
+    const bool isUsual = blob.size() == size && blob.front() == startMark && blob[1] == 1 &&
+                         blob[bodyOffset - 1] == envelopeMark &&
+                         readNumber<quint32>(blob.data() + bodyOffset, true) == Point &&
+                         blob.back() == endMark;
+    return isUsual ? blob.data() + contentOffset : nullptr;
+}
+
 /// Bytes read from front to back; false once they do not suffice.
 class Bytes {
 public:
