@@ -921,8 +921,6 @@
         <translation>expected 1 (points), 2 (lines) or 3 (polygons)</translation>
     </message>
     <message>
-        <source>единицы есть только у координатных систем на плоскости</source>
-        <translation>only coordinate systems of a plane have units here</translation>
         <source>Нужна линия.</source>
         <translation>A line is needed.</translation>
     </message>
@@ -1779,6 +1777,33 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
     <message>
         <source>файл «%1» тем временем изменила другая программа</source>
         <translation>another program has changed the file "%1" meanwhile</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::maps</name>
+    <message>
+        <source>временный файл карты: %0</source>
+        <translation>temporary file of the map: %0</translation>
+    </message>
+    <message>
+        <source>нет данных</source>
+        <translation>no data</translation>
+    </message>
+    <message>
+        <source>прочие</source>
+        <translation>others</translation>
+    </message>
+    <message>
+        <source>%0 км</source>
+        <translation>%0 km</translation>
+    </message>
+    <message>
+        <source>%0 м</source>
+        <translation>%0 m</translation>
+    </message>
+    <message>
+        <source>координаты не переводятся из системы «%0» в систему «%1»</source>
+        <translation>coordinates cannot be transformed from the system "%0" to the system "%1"</translation>
     </message>
 </context>
 </TS>
