@@ -1462,8 +1462,8 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
         <translation>a data file takes one result only</translation>
     </message>
     <message>
-        <source>записать ответ в файл, который появится, когда выполнены все запросы; «-» значит стандартный вывод. Без --format окончания %0 дают файл данных с типами и системой координат</source>
-        <translation>write the result to a file, which appears when all statements are done; &quot;-&quot; is standard output. Without --format the endings %0 give a data file with types and coordinate system</translation>
+        <source>записать ответ в файл, который появится, когда выполнены все запросы; «-» значит стандартный вывод. Без --format окончания %0 дают файл данных с типами и системой координат, окончания %1 — карту</source>
+        <translation>write the result to a file, which appears when all statements are done; &quot;-&quot; is standard output. Without --format the endings %0 give a data file with types and coordinate system, endings %1 a map</translation>
     </message>
     <message>
         <source>заменять файлы данных, которые уже есть, в --output и Into</source>
@@ -1576,6 +1576,114 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
     <message>
         <source>файл уже есть; с --overwrite он заменяется</source>
         <translation>the file exists; --overwrite replaces it</translation>
+    </message>
+    <message>
+        <source>для карты не хватает памяти</source>
+        <translation>not enough memory for the map</translation>
+    </message>
+    <message>
+        <source>карты здесь не рисуются, нет модуля: %0</source>
+        <translation>maps are not drawn here, there is no module: %0</translation>
+    </message>
+    <message>
+        <source>%0: %1; столбцы ответа: %2</source>
+        <translation>%0: %1; columns of the result: %2</translation>
+    </message>
+    <message>
+        <source>--map-background: в таблице «%0» нет геометрии</source>
+        <translation>--map-background: the table "%0" has no geometry</translation>
+    </message>
+    <message>
+        <source>ответ пуст, на карте нечего показать</source>
+        <translation>the result is empty, there is nothing to show on a map</translation>
+    </message>
+    <message>
+        <source>в ответе нет геометрии, на карте нечего показать; столбцы: %0</source>
+        <translation>the result has no geometry, there is nothing to show on a map; columns: %0</translation>
+    </message>
+    <message>
+        <source>в ответе нет непустых геометрий, на карте нечего показать</source>
+        <translation>all geometries of the result are empty, there is nothing to show on a map</translation>
+    </message>
+    <message>
+        <source>на карте рисуется только один ответ</source>
+        <translation>a map shows only one result</translation>
+    </message>
+    <message>
+        <source>, точек: %0</source>
+        <translation>, %0 points</translation>
+    </message>
+    <message>
+        <source>геометрии в table; на терминале short, вид и число точек</source>
+        <translation>geometries in table; short on a terminal: kind and number of points</translation>
+    </message>
+    <message>
+        <source>размер карты в точках, 1600x1200</source>
+        <translation>size of a map in pixels, 1600x1200</translation>
+    </message>
+    <message>
+        <source>система координат карты; без неё такая, что подходит к месту</source>
+        <translation>coordinate system of a map; by default one that suits the place</translation>
+    </message>
+    <message>
+        <source>цвет по значению: столбец ответа или выражение</source>
+        <translation>colour by value: a column of the result or an expression</translation>
+    </message>
+    <message>
+        <source>как делить числа на классы и на сколько, до 9; quantiles:5</source>
+        <translation>how numbers are put into classes, and how many, up to 9; quantiles:5</translation>
+    </message>
+    <message>
+        <source>подписи: столбец ответа или выражение</source>
+        <translation>labels: a column of the result or an expression</translation>
+    </message>
+    <message>
+        <source>таблица, которая видна под ответом</source>
+        <translation>a table that is seen below the result</translation>
+    </message>
+    <message>
+        <source>заголовок карты</source>
+        <translation>title of a map</translation>
+    </message>
+    <message>
+        <source>сетка параллелей и меридианов</source>
+        <translation>grid of parallels and meridians</translation>
+    </message>
+    <message>
+        <source>%0 касается карт: --output с окончанием %1 или --format map</source>
+        <translation>%0 is for maps: --output with an ending %1, or --format map</translation>
+    </message>
+    <message>
+        <source>--map-size: ожидается ШИРИНАxВЫСОТА от %0 до %1, не больше %2 млн точек, а не «%3»</source>
+        <translation>--map-size: expected WIDTHxHEIGHT from %0 to %1, of at most %2 million pixels, not "%3"</translation>
+    </message>
+    <message>
+        <source>--map-crs: неизвестная система координат «%0»; ожидается epsg:КОД, proj:+proj=... или wkt:...</source>
+        <translation>--map-crs: unknown coordinate system "%0"; expected epsg:CODE, proj:+proj=... or wkt:...</translation>
+    </message>
+    <message>
+        <source>--map-classes: ожидается quantiles, equal или natural и число от 2 до %0 после двоеточия, а не «%1»</source>
+        <translation>--map-classes: expected quantiles, equal or natural, and a number from 2 to %0 behind a colon, not "%1"</translation>
+    </message>
+    <message>
+        <source>--map-background: нет таблицы «%0»</source>
+        <translation>--map-background: there is no table "%0"</translation>
+    </message>
+    <message>
+        <source>--map-background: нет таблицы «%0»; возможно, имелось в виду «%1»</source>
+        <translation>--map-background: there is no table "%0"; did you mean "%1"?</translation>
+    </message>
+    <message>
+        <source>карта того, что находит запрос, этот или прошлый</source>
+        <translation>a map of what a query finds, this one or the last</translation>
+    </message>
+    <message>
+        <source>как показывать геометрии в таблицах</source>
+        <translation>how tables show geometries</translation>
+    </message>
+    <message>
+        <source>запроса ещё не было: .map ЗАПРОС</source>
+        <translation>there was no query yet: .map STATEMENT</translation>
     </message>
 </context>
 <context>

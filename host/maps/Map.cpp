@@ -224,20 +224,41 @@ void Map::settle() {
         system_ = known->isGeographic() ? suitableSystem(ground_) : known;
     }
     top_ = settings_.title.isEmpty() || !settings_.hasTexts ? 0 : 2.0 * 1.6 * fontSize(settings_.size);
-    geometry::Envelope extent;
+    extent_ = {};
     double radius = 0;
     for (const auto& layer : layers_) {
         if (!layer->settings.isBackground) {
             layer->settings.system = layer->settings.system ? layer->settings.system : known;
-            extent.add(extentInPlane(*layer));
+            extent_.add(extentInPlane(*layer));
             radius = std::max(radius, layer->kinds[2] != 0 ? 2 * layer->settings.style.pointRadius : 0.0);
         }
     }
     const QSizeF size(settings_.size.width(), std::max(1.0, settings_.size.height() - top_));
-    const double margin = 0.025 * std::min(size.width(), size.height()) + radius;
+    const double margin = settings_.isSmooth ? 0.025 * std::min(size.width(), size.height()) + radius : 0;
     const double metresAround = 1000; // of a single point
     const double unit = system_ && !system_->isGeographic() ? system_->unitFactor() : 111000;
-    view_ = View::fitting(extent, size, margin, system_ ? metresAround / unit : 1);
+    view_ = View::fitting(extent_, size, margin, system_ ? metresAround / unit : 1);
+}
+
+void Map::setSize(QSizeF size) {
+    settings_.size = size;
+    isSettled_ = false;
+}
+
+geometry::Envelope Map::extent() {
+    settle();
+    return extent_;
+}
+
+std::vector<std::pair<QString, std::shared_ptr<const Classes>>> Map::classes() {
+    std::vector<std::pair<QString, std::shared_ptr<const Classes>>> all;
+    for (const auto& layer : layers_) {
+        classify(*layer);
+        if (layer->settings.style.classes) {
+            all.emplace_back(layer->settings.title, layer->settings.style.classes);
+        }
+    }
+    return all;
 }
 
 void Map::classify(Layer& layer) const {
@@ -247,15 +268,17 @@ void Map::classify(Layer& layer) const {
     }
 }
 
-void Map::draw(QPainter& painter) {
+void Map::draw(QPainter& painter, Pass pass) {
     settle();
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing, settings_.isSmooth);
     const bool isGlobe = showsGlobe(system_, view_);
-    painter.fillRect(QRectF(QPointF(0, 0), settings_.size), Qt::white);
+    if (pass == Pass::Everything) {
+        painter.fillRect(QRectF(QPointF(0, 0), settings_.size), Qt::white);
+    }
     painter.translate(0, top_);
     painter.setClipRect(view_.rect());
-    if (isGlobe && settings_.isSmooth) {
+    if (isGlobe && pass == Pass::Everything) {
         drawGlobe(painter, system_, view_, sea, globeOutline);
     }
     if (settings_.hasGraticule) {
@@ -266,7 +289,7 @@ void Map::draw(QPainter& painter) {
         labels = std::make_unique<LabelPlacer>(mapFont(settings_.size), view_.rect());
     }
     Coverage coverage(view_.size());
-    drawLayers(painter, labels.get(), coverage);
+    drawLayers(painter, pass, labels.get(), coverage);
     drawDecorations(painter, labels.get(), coverage);
     if (labels) {
         labels->draw(painter, settings_.isCancelled);
@@ -282,16 +305,17 @@ void Map::draw(QPainter& painter) {
     }
 }
 
-void Map::drawLayers(QPainter& painter, LabelPlacer* labels, Coverage& coverage) {
+void Map::drawLayers(QPainter& painter, Pass pass, LabelPlacer* labels, Coverage& coverage) {
     for (const bool isBackground : {true, false}) {
         for (const auto& layer : layers_) {
             if (layer->settings.isBackground != isBackground) {
                 continue;
             }
             classify(*layer);
-            LayerPainter layerPainter(
-                painter, layer->settings.style, LayerProjection(layer->settings.system, system_, view_),
-                {isBackground ? nullptr : labels, isBackground ? nullptr : &coverage, settings_.isCancelled});
+            LayerPainter layerPainter(painter, layer->settings.style,
+                                      LayerProjection(layer->settings.system, system_, view_),
+                                      {isBackground ? nullptr : labels, isBackground ? nullptr : &coverage,
+                                       settings_.isCancelled, pass != Pass::Lines, pass != Pass::Areas});
             layer->store.forEach(
                 [&layerPainter](FlatShape& shape, const Value& value, std::string_view label) {
                     return layerPainter.add(shape, value, label);

@@ -76,8 +76,16 @@ public:
     /// Whether no feature has a position.
     bool isEmpty() const;
 
+    /// What is drawn: all of it, or areas apart from outlines, lines and points, for pictures of few dots.
+    enum class Pass { Everything, Areas, Lines };
     /// Draws the picture from 0, 0 on. May be called again.
-    void draw(QPainter& painter);
+    void draw(QPainter& painter, Pass pass = Pass::Everything);
+    /// Of the picture; not larger than the one for which features were added.
+    void setSize(QSizeF size);
+    /// What the features take of the plane of the map.
+    geometry::Envelope extent();
+    /// The classes of the layers that have some, with the layer's title, in their order.
+    std::vector<std::pair<QString, std::shared_ptr<const Classes>>> classes();
     /// The system and the view of the map as it is drawn; the system is null where none is known.
     std::shared_ptr<cs::CoordSystem> system();
     View view();
@@ -89,7 +97,7 @@ private:
     void classify(Layer& layer) const;
     geometry::Envelope extentInPlane(Layer& layer) const;
     double tolerance() const;
-    void drawLayers(QPainter& painter, LabelPlacer* labels, Coverage& coverage);
+    void drawLayers(QPainter& painter, Pass pass, LabelPlacer* labels, Coverage& coverage);
     void drawDecorations(QPainter& painter, LabelPlacer* labels, const Coverage& coverage) const;
 
     MapSettings settings_;
@@ -97,7 +105,7 @@ private:
     ShapeReader reader_;
     FlatShape shape_;
     GroundExtent ground_;       ///< of geographic layers
-    geometry::Envelope extent_; ///< of the first layer's units, of layers that have a say
+    geometry::Envelope extent_; ///< in the plane of the map
     bool isSettled_ = false;    ///< system and view are known
     std::shared_ptr<cs::CoordSystem> system_;
     View view_;

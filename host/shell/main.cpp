@@ -1,4 +1,6 @@
+#include "host/shell/maps/MapCanvas.h"
 #include "host/shell/messages/Language.h"
+#include "host/shell/messages/NearestName.h"
 #include "host/shell/messages/Shell.h"
 #include "host/shell/messages/StandardError.h"
 #include "host/shell/prompt/Prompt.h"
@@ -112,10 +114,28 @@ std::shared_ptr<files::ResultFile> makeDataFile(const Options& options) {
     }
 }
 
+void requireTables(const Session& session, const QStringList& names) {
+    const QStringList known = session.names().tables();
+    for (const QString& name : names) {
+        if (!known.contains(name, Qt::CaseInsensitive)) {
+            const QString nearest = nearestName(name, known);
+            throw UsageError(
+                nearest.isEmpty()
+                    ? Shell::tr("--map-background: нет таблицы «%0»").arg(name)
+                    : Shell::tr("--map-background: нет таблицы «%0»; возможно, имелось в виду «%1»")
+                          .arg(name, nearest));
+        }
+    }
+}
+
 StatementRunner::Settings runnerSettings(const Options& options, const Output& output) {
     StatementRunner::Settings settings;
+    const bool isOnTerminal = !options.outputPath && ::isatty(STDOUT_FILENO);
     settings.writer = {options.format, options.header, options.nullText,
-                       output.isLive() ? terminalWidth() : 0};
+                       output.isLive() ? terminalWidth() : 0,
+                       options.geometry.value_or(isOnTerminal ? GeometryForm::Short : GeometryForm::Wkt)};
+    settings.map = {options.map,     options.picture,  terminalSpace(!options.outputPath),
+                    options.mapFill, options.mapLabel, options.mapBackground};
     settings.translateOnly = options.translateOnly;
     settings.sqlite = options.sqlite;
     settings.timing = options.timing;
@@ -170,6 +190,7 @@ ExitStatus runInputs(const Options& options, const std::vector<Input>& inputs, I
     Session session;
     const Cancelling cancelling(interrupt, session.engine());
     session.open(options);
+    requireTables(session, options.mapBackground);
     StatementRunner runner(session, runnerSettings(options, *output), *output, interrupt);
     if (isPrompt) {
         runPrompt(session, runner, *output, interrupt);
@@ -213,7 +234,14 @@ int main(int argc, char** argv) {
     Interrupt interrupt;
     // Counting the memory in use would take a lock for every text of every row.
     sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
-    QCoreApplication application(argc, argv);
+    // What draws is loaded only for those who want a picture; without it they are told later.
+    std::unique_ptr<QCoreApplication> application;
+    if (wantsPicture(argc, argv)) {
+        application = makeDrawingApplication(argc, argv);
+    }
+    if (!application) {
+        application = std::make_unique<QCoreApplication>(argc, argv);
+    }
     // Qt has taken the locale of the environment; numbers are written and read the same everywhere, and texts
     // are UTF-8.
     std::setlocale(LC_NUMERIC, "C");

@@ -121,7 +121,9 @@ bool LayerPainter::add(FlatShape& shape, const Value& value, std::string_view la
     const int numbered = style_.classes ? style_.classes->classOf(value) : -1;
     const Pens& pens = numbered >= 0 ? pens_[static_cast<std::size_t>(numbered)] : pens_.back();
     drawAreas(shape, pens);
-    drawOthers(shape, pens);
+    if (extras_.hasLines) {
+        drawOthers(shape, pens);
+    }
     if (extras_.labels && !label.empty()) {
         addLabel(shape, label, pens);
     }
@@ -152,7 +154,7 @@ void LayerPainter::drawAreas(const FlatShape& shape, const Pens& pens) {
     const bool isOutlined =
         std::max(envelope.maxX - envelope.minX, envelope.maxY - envelope.minY) >= leastOutlined;
     setPen(isOutlined && areAllRings ? pens.outline : noPen);
-    setBrush(pens.fill);
+    setBrush(extras_.hasAreas ? pens.fill : noBrush);
     if (rings == 1) {
         painter_.drawPolygon(pointsOf(shape, *single), static_cast<int>(single->count), Qt::OddEvenFill);
         return;
@@ -184,7 +186,7 @@ void LayerPainter::drawAreas(const FlatShape& shape, const Pens& pens) {
 }
 
 void LayerPainter::drawSpeck(QPointF position, const QColor& colour) {
-    constexpr double side = 0.8;
+    const double side = painter_.testRenderHint(QPainter::Antialiasing) ? 0.8 : 1;
     painter_.fillRect(QRectF(position.x() - side / 2, position.y() - side / 2, side, side), colour);
 }
 
@@ -193,6 +195,10 @@ void LayerPainter::drawOthers(const FlatShape& shape, const Pens& pens) {
         const QPointF* points = pointsOf(shape, part);
         switch (part.kind) {
         case PartKind::Point:
+            if (pens.pointRadius < 1) {
+                drawSpeck(*points, pens.point.color());
+                break;
+            }
             setPen(pens.pointOutline);
             setBrush(pens.point);
             painter_.drawEllipse(*points, pens.pointRadius, pens.pointRadius);

@@ -32,6 +32,8 @@ public:
         Coverage* coverage = nullptr;
         /// Asked now and then; once it says so, nothing more is drawn.
         std::function<bool()> isCancelled;
+        bool hasAreas = true; ///< areas are filled
+        bool hasLines = true; ///< outlines, lines and points are drawn
     };
 
     LayerPainter(QPainter& painter, const LayerStyle& style, LayerProjection projection, Extras extras);

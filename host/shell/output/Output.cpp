@@ -114,6 +114,11 @@ void TerminalOutput::takeText() {
     text_.clear();
 }
 
+void TerminalOutput::addDrawing(const std::string& drawing) {
+    takeText();
+    writeAll(descriptor_, drawing);
+}
+
 int terminalWidth(int descriptor) {
     return terminalSize(descriptor).ws_col;
 }
@@ -166,6 +171,11 @@ void HeldOutput::discard() {
     text_.clear();
 }
 
+void PagedOutput::discard() {
+    HeldOutput::discard();
+    drawing_.clear();
+}
+
 void PagedOutput::takeText() {
     utils::makeLinesVisible(text_);
     HeldOutput::takeText();
@@ -173,6 +183,7 @@ void PagedOutput::takeText() {
 
 void PagedOutput::commit() {
     utils::makeLinesVisible(text_);
+    const std::string drawing = std::exchange(drawing_, {});
     const char* const chosen = std::getenv("PAGER");
     const std::string command = chosen ? chosen : "less -S";
     const bool wantsPager = command.find_first_not_of(" \t") != std::string::npos;
@@ -181,6 +192,8 @@ void PagedOutput::commit() {
     } else {
         HeldOutput::commit();
     }
+    text_ = drawing;
+    HeldOutput::commit();
 }
 
 bool PagedOutput::isLongerThanScreen() {

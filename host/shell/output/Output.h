@@ -35,6 +35,12 @@ public:
             takeText();
         }
     }
+    /// Appends a drawing of the program's own, which is no text that others wrote: it is shown as it is, and
+    /// not paged.
+    virtual void addDrawing(const std::string& drawing) {
+        text_ += drawing;
+        rowDone();
+    }
     /// The statement has succeeded.
     virtual void commit() = 0;
     /// The statement has failed.
@@ -62,6 +68,7 @@ public:
     explicit TerminalOutput(int descriptor);
     void commit() override;
     void discard() override;
+    void addDrawing(const std::string& drawing) override;
     bool isLive() const override { return true; }
 
 protected:
@@ -110,6 +117,8 @@ public:
     PagedOutput(int descriptor, std::function<void(bool)> pagerRuns)
         : HeldOutput(descriptor), pagerRuns_(std::move(pagerRuns)) {}
     void commit() override;
+    void discard() override;
+    void addDrawing(const std::string& drawing) override { drawing_ += drawing; }
 
 protected:
     void takeText() override;
@@ -120,6 +129,7 @@ private:
     bool page(const std::string& command);
 
     std::function<void(bool)> pagerRuns_;
+    std::string drawing_; ///< shown behind the text
 };
 
 /// A file that takes its place, in one step, when all statements have succeeded; until then, and after a

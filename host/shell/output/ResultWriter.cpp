@@ -5,7 +5,11 @@
 #include "host/shell/output/NumberText.h"
 #include "host/shell/output/TableWriter.h"
 
+#include "host/shell/messages/Shell.h"
+
+#include "platform/geometry/editing/Access.h"
 #include "platform/geometry/forms/TextFormats.h"
+#include "platform/geometry/shapes/GeoSqlType.h"
 
 namespace orvane::shell {
 
@@ -14,9 +18,28 @@ std::unique_ptr<ResultWriter> makeResultWriter(const WriterSettings& settings, O
     case Format::Csv: return std::make_unique<CsvWriter>(settings, output);
     case Format::Json: return std::make_unique<JsonWriter>(output);
     case Format::GeoJson: return std::make_unique<GeoJsonWriter>(output);
-    case Format::Table: break;
+    case Format::Table:
+    case Format::Map: break;
     }
     return std::make_unique<TableWriter>(settings, output);
+}
+
+void appendGeometry(std::string& text, const geometry::Geometry& geometry, GeometryForm form) {
+    if (form == GeometryForm::GeoJson) {
+        geometry::appendGeoJson(geometry, text);
+        return;
+    }
+    if (form == GeometryForm::Wkt || geometry.type() == geometry::GeometryType::Point || geometry.isEmpty()) {
+        geometry::appendWkt(geometry, text);
+        return;
+    }
+    text += sql::geoSqlType(geometry).toStdString();
+    std::size_t positions = 0;
+    if (geometry.type() < geometry::GeometryType::Ellipse) {
+        geometry::visitPositions(geometry, [&positions](const double*, std::size_t count,
+                                                        geometry::Dimensions) { positions += count; });
+        text += Shell::tr(", точек: %0").arg(positions).toStdString();
+    }
 }
 
 void appendPlain(std::string& text, const ResultValue& value) {

@@ -30,7 +30,14 @@ protected:
     Output& output_;
 };
 
-enum class Format { Table, Csv, Json, GeoJson };
+enum class Format { Table, Csv, Json, GeoJson, Map };
+
+/// How a table shows geometries.
+enum class GeometryForm {
+    Wkt,
+    Short, ///< kind and number of positions
+    GeoJson
+};
 
 /// How a format shows what it leaves open.
 struct WriterSettings {
@@ -38,10 +45,14 @@ struct WriterSettings {
     bool header = true;
     std::optional<std::string> nullText; ///< default: NULL in table, nothing in csv
     int terminalWidth = 0;               ///< columns that a line of a table may take, 0 for any number
+    GeometryForm geometry = GeometryForm::Wkt;
 };
 
-/// The output is not owned.
+/// The output is not owned. Not for maps.
 std::unique_ptr<ResultWriter> makeResultWriter(const WriterSettings& settings, Output& output);
+
+/// The geometry in a form; points and what is empty as WKT in the short one, too.
+void appendGeometry(std::string& text, const geometry::Geometry& geometry, GeometryForm form);
 
 /// The value as table and csv show it: numbers as NumberText says, geometries as WKT, other bytes as X'0A1B';
 /// nothing for NULL.

@@ -33,7 +33,7 @@ int settleText(std::string& text) {
 
 TableWriter::TableWriter(const WriterSettings& settings, Output& output)
     : ResultWriter(output), header_(settings.header), nullText_(settings.nullText.value_or("NULL")),
-      terminalWidth_(settings.terminalWidth) {}
+      geometry_(settings.geometry), terminalWidth_(settings.terminalWidth) {}
 
 void TableWriter::begin(const std::vector<std::string>& columns) {
     for (const std::string& name : columns) {
@@ -70,6 +70,8 @@ void TableWriter::readCell(Cell& cell, const ResultValue& value) const {
     cell.isNull = value.kind == ResultValue::Null;
     if (cell.isNull) {
         cell.text = nullText_;
+    } else if (value.kind == ResultValue::Geometry && geometry_ != GeometryForm::Wkt) {
+        appendGeometry(cell.text, *value.geometry, geometry_);
     } else {
         appendPlain(cell.text, value);
     }

@@ -40,6 +40,7 @@ private:
 
     bool header_;
     std::string nullText_;
+    GeometryForm geometry_;
     int terminalWidth_;
     std::vector<Column> columns_;
     std::vector<Cell> kept_; ///< row after row, until the widths are settled

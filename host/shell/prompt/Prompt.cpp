@@ -65,6 +65,7 @@ void runPrompt(Session& session, StatementRunner& runner, Output& output, Interr
         editor.remember(historyEntry(text));
         runner.settings().writer.terminalWidth = terminalWidth(); // the user may have changed it
         runner.run({QString(), text});
+        commands.setLast(text);
         interrupt.reset();
         text.clear();
     }

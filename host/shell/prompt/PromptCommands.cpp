@@ -2,6 +2,7 @@
 
 #include "host/adaptor/functions/FunctionReference.h"
 #include "host/adaptor/functions/FunctionRegistry.h"
+#include "host/shell/maps/MapWriter.h"
 #include "host/shell/messages/NearestName.h"
 #include "host/shell/messages/Shell.h"
 #include "host/shell/messages/StandardError.h"
@@ -70,6 +71,12 @@ const std::vector<PromptCommands::Command>& PromptCommands::commands() {
         {".explain", Argument::Statement, "STATEMENT",
          QT_TRANSLATE_NOOP("orvane::shell::Shell", "выполнить запрос и показать, чем получен ответ"),
          &PromptCommands::explain},
+        {".map", Argument::Statement, "[STATEMENT]",
+         QT_TRANSLATE_NOOP("orvane::shell::Shell", "карта того, что находит запрос, этот или прошлый"),
+         &PromptCommands::drawMap},
+        {".geometry", Argument::Text, "wkt|short|geojson",
+         QT_TRANSLATE_NOOP("orvane::shell::Shell", "как показывать геометрии в таблицах"),
+         &PromptCommands::setGeometryForm},
         {".open", Argument::File, "FILE | NAME=FILE[|LAYER]",
          QT_TRANSLATE_NOOP("orvane::shell::Shell", "открыть слои файла"), &PromptCommands::open},
         {".close", Argument::Table, "TABLE", QT_TRANSLATE_NOOP("orvane::shell::Shell", "закрыть таблицу"),
@@ -203,6 +210,28 @@ void PromptCommands::explain(const QString& statement) {
     const std::string text = statement.toStdString();
     runner_.run({QString(), text});
     settings.explain = always;
+}
+
+void PromptCommands::drawMap(const QString& statement) {
+    const std::string text = statement.isEmpty() ? last_ : statement.toStdString();
+    if (text.empty()) {
+        printMessage(Shell::tr("запроса ещё не было: .map ЗАПРОС"));
+        return;
+    }
+    last_ = text;
+    StatementRunner::Settings& settings = runner_.settings();
+    const Format format = std::exchange(settings.writer.format, Format::Map);
+    settings.map.terminal = terminalSpace(true);
+    runner_.run({QString(), text});
+    settings.writer.format = format;
+}
+
+void PromptCommands::setGeometryForm(const QString& form) {
+    try {
+        runner_.settings().writer.geometry = parseGeometryForm(form.toLower().toStdString());
+    } catch (const UsageError& error) {
+        printMessage(QString::fromUtf8(error.what()));
+    }
 }
 
 void PromptCommands::open(const QString& source) {

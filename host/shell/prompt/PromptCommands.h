@@ -14,6 +14,9 @@ public:
     /// What stands behind the name of a command.
     enum class Argument { None, Table, Function, Text, File, Statement };
 
+    /// The statements that ran last, which a map without a query shows.
+    void setLast(const std::string& text) { last_ = text; }
+
     /// Their names with the dot.
     static QStringList names();
     /// None for what is no command.
@@ -33,6 +36,8 @@ private:
     void showHelp(const QString& topic);
     void showTranslation(const QString& statement);
     void explain(const QString& statement);
+    void drawMap(const QString& statement);
+    void setGeometryForm(const QString& form);
     void open(const QString& source);
     void close(const QString& table);
 
@@ -41,6 +46,7 @@ private:
     Session& session_;
     StatementRunner& runner_;
     Output& output_;
+    std::string last_;
 };
 
 } // namespace orvane::shell

@@ -5,6 +5,7 @@
 #include "host/providers/results/ResultFile.h"
 #include "host/shell/messages/NearestName.h"
 #include "host/shell/messages/Shell.h"
+#include "host/shell/session/MapArguments.h"
 
 #include <CLI/CLI.hpp>
 
@@ -24,13 +25,19 @@ namespace {
 struct RawOptions {
     std::vector<std::string> files, tables, commands, scripts;
     std::string format = "table", memo = "off", log = "warning", locale, output, null, selection, function,
-                indexDirectory;
+                indexDirectory, geometry, mapSize, mapSystem, mapFill, mapLabel, mapTitle, mapClasses;
+    std::vector<std::string> mapBackground;
     bool overwrite = false, noHeader = false, translate = false, sqlite = false, timing = false,
-         explain = false, noIndices = false, trustReferences = false;
+         explain = false, noIndices = false, trustReferences = false, mapGraticule = false;
 };
 
-const std::map<std::string, Format> formats{
-    {"table", Format::Table}, {"csv", Format::Csv}, {"json", Format::Json}, {"geojson", Format::GeoJson}};
+const std::map<std::string, Format> formats{{"table", Format::Table},
+                                            {"csv", Format::Csv},
+                                            {"json", Format::Json},
+                                            {"geojson", Format::GeoJson},
+                                            {"map", Format::Map}};
+const std::map<std::string, GeometryForm> geometryForms{
+    {"wkt", GeometryForm::Wkt}, {"short", GeometryForm::Short}, {"geojson", GeometryForm::GeoJson}};
 const std::map<std::string, engine::EngineCache::GaiaCache> memoModes{
     {"off", engine::EngineCache::NoMemo},
     {"always", engine::EngineCache::AlwaysMemo},
@@ -129,6 +136,7 @@ UsageError usageError(const CLI::ParseError& error) {
 void requireFittingEnding(const QString& path, const std::string& format) {
     static const std::map<std::string, QStringList> endings{
         {"table", {}},
+        {"map", {}},
         {"csv", {QStringLiteral("csv")}},
         {"json", {QStringLiteral("json")}},
         {"geojson", {QStringLiteral("geojson"), QStringLiteral("json")}}};
@@ -142,7 +150,7 @@ void requireFittingEnding(const QString& path, const std::string& format) {
             .split(QLatin1Char(' '));
     const QString ending = QFileInfo(path).suffix().toLower();
     const auto chosen = endings.find(format);
-    const bool fits = format.empty() ? files::ResultFile::isKnown(path)
+    const bool fits = format.empty() ? files::ResultFile::isKnown(path) || pictureFormatOf(path)
                                      : chosen != endings.end() && chosen->second.contains(ending);
     if (fits || !otherFormats.contains(ending)) {
         return;
@@ -152,6 +160,7 @@ void requireFittingEnding(const QString& path, const std::string& format) {
                              .arg(QString::fromStdString(format), ending));
     }
     QStringList known = files::ResultFile::endings();
+    known += pictureEndings();
     for (const auto& [name, own] : endings) {
         for (const QString& each : own) {
             known += QStringLiteral(".%0 (--format %1)").arg(each, QString::fromStdString(name));
@@ -194,6 +203,25 @@ QString localeOption(int argc, const char* const* argv) {
     return {};
 }
 
+bool wantsPicture(int argc, const char* const* argv) {
+    QString path;
+    for (int i = 1; i < argc; ++i) {
+        const std::string_view argument = argv[i];
+        if ((argument == "-o" || argument == "--output") && i + 1 < argc) {
+            path = QString::fromUtf8(argv[++i]);
+        } else if (argument.substr(0, 9) == "--output=") {
+            path = QString::fromUtf8(argv[i] + 9);
+        } else if (argument.substr(0, 2) == "-o" && argument.size() > 2) {
+            path = QString::fromUtf8(argv[i] + 2);
+        }
+    }
+    return pictureFormatOf(path).has_value();
+}
+
+GeometryForm parseGeometryForm(const std::string& word) {
+    return oneOf(geometryForms, word, "geometry");
+}
+
 TableSource parseTable(const std::string& argument) {
     const QString whole = QString::fromStdString(argument);
     const int equals = whole.indexOf(QLatin1Char('='));
@@ -233,18 +261,36 @@ std::optional<Options> parseOptions(int argc, const char* const* argv) {
         text(Shell::tr("открывать и то, на что файлы ссылаются вне своей папки: другие файлы, сеть")));
     const auto* command = list("-c,--command", raw.commands, Shell::tr("выполнить запрос"), "TEXT");
     const auto* script = list("-f,--script", raw.scripts, Shell::tr("выполнить запросы из файла"), "FILE");
-    const auto* format = value("-F,--format", raw.format, Shell::tr("вид ответа"), "table|csv|json|geojson");
+    const auto* format =
+        value("-F,--format", raw.format, Shell::tr("вид ответа"), "table|csv|json|geojson|map");
     const auto* output =
         value("-o,--output", raw.output,
               Shell::tr("записать ответ в файл, который появится, когда выполнены все запросы; «-» значит "
                         "стандартный вывод. Без --format окончания %0 дают файл данных с типами и "
-                        "системой координат")
-                  .arg(files::ResultFile::endings().join(QStringLiteral(", "))),
+                        "системой координат, окончания %1 — карту")
+                  .arg(files::ResultFile::endings().join(QStringLiteral(", ")),
+                       pictureEndings().join(QStringLiteral(", "))),
               "FILE");
     app.add_flag("--overwrite", raw.overwrite,
                  text(Shell::tr("заменять файлы данных, которые уже есть, в --output и Into")));
     app.add_flag("--no-header", raw.noHeader, text(Shell::tr("без строки заголовков")));
     const auto* null = value("--null", raw.null, Shell::tr("чем обозначить NULL в table и csv"), "TEXT");
+    const auto* geometry =
+        value("--geometry", raw.geometry,
+              Shell::tr("геометрии в table; на терминале short, вид и число точек"), "wkt|short|geojson");
+    const std::vector<const CLI::Option*> mapOptions{
+        value("--map-size", raw.mapSize, Shell::tr("размер карты в точках, 1600x1200"), "WIDTHxHEIGHT"),
+        value("--map-crs", raw.mapSystem,
+              Shell::tr("система координат карты; без неё такая, что подходит к месту"),
+              "EPSG:CODE|proj:TEXT"),
+        value("--map-fill", raw.mapFill, Shell::tr("цвет по значению: столбец ответа или выражение"), "TEXT"),
+        value("--map-classes", raw.mapClasses,
+              Shell::tr("как делить числа на классы и на сколько, до 9; quantiles:5"),
+              "quantiles|equal|natural[:COUNT]"),
+        value("--map-label", raw.mapLabel, Shell::tr("подписи: столбец ответа или выражение"), "TEXT"),
+        list("--map-background", raw.mapBackground, Shell::tr("таблица, которая видна под ответом"), "TABLE"),
+        value("--map-title", raw.mapTitle, Shell::tr("заголовок карты"), "TEXT"),
+        app.add_flag("--map-graticule", raw.mapGraticule, text(Shell::tr("сетка параллелей и меридианов")))};
     app.add_flag("--translate", raw.translate,
                  text(Shell::tr("показать текст для SQLite, а не выполнять его")));
     app.add_flag("--sqlite", raw.sqlite, text(Shell::tr("запросы уже написаны для SQLite")));
@@ -300,6 +346,29 @@ std::optional<Options> parseOptions(int argc, const char* const* argv) {
     options.outputIsData = options.outputPath && format->count() == 0 && !raw.translate &&
                            files::ResultFile::isKnown(QString::fromStdString(raw.output)) &&
                            !raw.output.starts_with("/dev/");
+    if (options.outputPath && format->count() == 0 && !raw.translate) {
+        options.picture = pictureFormatOf(QString::fromStdString(raw.output));
+    }
+    for (const CLI::Option* each : mapOptions) {
+        // At the prompt a map may still be asked for.
+        const bool mayBeMap = options.picture || options.format == Format::Map || options.statements.empty();
+        if (each->count() != 0 && !mayBeMap) {
+            throw UsageError(Shell::tr("%0 касается карт: --output с окончанием %1 или --format map")
+                                 .arg(QString::fromStdString(each->get_name()),
+                                      pictureEndings().join(QStringLiteral(", "))));
+        }
+    }
+    options.map = parseMapOptions({raw.mapSize, raw.mapSystem, raw.mapClasses});
+    options.map.title = QString::fromStdString(raw.mapTitle);
+    options.map.hasGraticule = raw.mapGraticule;
+    options.mapFill = QString::fromStdString(raw.mapFill);
+    options.mapLabel = QString::fromStdString(raw.mapLabel);
+    for (const std::string& table : raw.mapBackground) {
+        options.mapBackground += QString::fromStdString(table);
+    }
+    if (geometry->count() != 0) {
+        options.geometry = oneOf(geometryForms, raw.geometry, "--geometry");
+    }
     if (null->count() != 0) {
         options.nullText = raw.null;
     }

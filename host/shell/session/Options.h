@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/shell/maps/MapCanvas.h"
 #include "host/shell/output/ResultWriter.h"
 
 #include "platform/log/Logger.h"
@@ -44,7 +45,14 @@ struct Options {
     std::optional<std::string> outputPath;
     /// The output is a table or layer in a format of GDAL's, told by its ending, not text.
     bool outputIsData = false;
-    bool overwrite = false; ///< data files that exist may be replaced
+    /// The output is a picture of a map, told by its ending.
+    std::optional<PictureFormat> picture;
+    MapOptions map;
+    QString mapFill; ///< expressions; empty for none
+    QString mapLabel;
+    QStringList mapBackground;            ///< names of tables
+    std::optional<GeometryForm> geometry; ///< default: short on a terminal
+    bool overwrite = false;               ///< data files that exist may be replaced
     std::optional<std::string> nullText;
     bool header = true;
     bool translateOnly = false;
@@ -60,6 +68,12 @@ struct Options {
 
 /// The value of --locale, which the language of everything else depends on; empty when it is not given.
 QString localeOption(int argc, const char* const* argv);
+
+/// Whether the command line asks for a picture, which needs another application; known before all else.
+bool wantsPicture(int argc, const char* const* argv);
+
+/// "wkt", "short" or "geojson". Throws UsageError.
+GeometryForm parseGeometryForm(const std::string& word);
 
 /// NAME=FILE or NAME=FILE|LAYER in UTF-8. Throws UsageError.
 TableSource parseTable(const std::string& argument);

@@ -174,10 +174,15 @@ std::unique_ptr<ResultWriter> StatementRunner::makeWriter(const Statement& state
             session_.addResult(name, rows);
         };
     } else if (settings_.dataFile) {
-        if (std::exchange(dataFileIsTaken_, true)) {
+        if (std::exchange(fileIsTaken_, true)) {
             throw DataError(Shell::tr("в файл данных записывается только один ответ").toStdString());
         }
         target = [this](files::ResultRows& rows) { printNotes(settings_.dataFile->write(rows)); };
+    } else if (settings_.map.picture || settings_.writer.format == Format::Map) {
+        if (settings_.map.picture && std::exchange(fileIsTaken_, true)) {
+            throw DataError(Shell::tr("на карте рисуется только один ответ").toStdString());
+        }
+        return std::make_unique<MapWriter>(settings_.map, prepared, session_.engine(), output_);
     } else {
         return makeResultWriter(settings_.writer, output_);
     }

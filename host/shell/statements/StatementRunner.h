@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/shell/maps/MapWriter.h"
 #include "host/shell/messages/Problem.h"
 #include "host/shell/output/ResultWriter.h"
 #include "host/shell/session/Session.h"
@@ -34,6 +35,7 @@ public:
         bool overwrite = false; ///< Into may replace a file
         /// Takes the result instead of the output; only one result fits. Null for none.
         std::shared_ptr<files::ResultFile> dataFile;
+        MapRequest map;       ///< of a picture, or where the format asks for a map
         bool explain = false; ///< tell how each statement was answered
     };
 
@@ -96,7 +98,7 @@ private:
     Settings settings_;
     Output& output_;
     Interrupt& interrupt_;
-    bool dataFileIsTaken_ = false;
+    bool fileIsTaken_ = false;
 };
 
 } // namespace orvane::shell
