@@ -2,6 +2,7 @@
 
 #include "host/adaptor/explaining/ScanReport.h"
 #include "host/adaptor/indices/Costs.h"
+#include "host/adaptor/planning/Constraints.h"
 #include "host/adaptor/planning/RelationTerms.h"
 #include "host/adaptor/planning/ScanEstimate.h"
 #include "host/adaptor/planning/ScanPlan.h"
@@ -27,84 +28,20 @@ constexpr double mostOrderedBytes = 256 << 20;
 /// A geometry, as far as nothing is known of it.
 constexpr double wideValueBytes = 256;
 
-std::optional<Comparison> comparisonOf(unsigned char operation) {
-    switch (operation) {
-    case SQLITE_INDEX_CONSTRAINT_EQ: return Comparison::Equal;
-    case SQLITE_INDEX_CONSTRAINT_GT: return Comparison::Greater;
-    case SQLITE_INDEX_CONSTRAINT_LE: return Comparison::LessOrEqual;
-    case SQLITE_INDEX_CONSTRAINT_LT: return Comparison::Less;
-    case SQLITE_INDEX_CONSTRAINT_GE: return Comparison::GreaterOrEqual;
-    case SQLITE_INDEX_CONSTRAINT_NE: return Comparison::NotEqual;
-    case SQLITE_INDEX_CONSTRAINT_IS: return Comparison::Is;
-    case SQLITE_INDEX_CONSTRAINT_ISNOT: return Comparison::IsNot;
-    case SQLITE_INDEX_CONSTRAINT_ISNULL: return Comparison::IsNull;
-    case SQLITE_INDEX_CONSTRAINT_ISNOTNULL: return Comparison::IsNotNull;
-    case SQLITE_INDEX_CONSTRAINT_LIKE: return Comparison::Like;
-    case SQLITE_INDEX_CONSTRAINT_GLOB: return Comparison::Glob;
-    default: return std::nullopt;
-    }
-}
-
-std::optional<dp::TextCollation> collationOf(const char* name) {
-    if (sqlite3_stricmp(name, "BINARY") == 0) {
-        return dp::TextCollation::Binary;
-    }
-    if (sqlite3_stricmp(name, "NOCASE") == 0) {
-        return dp::TextCollation::NoCase;
-    }
-    if (sqlite3_stricmp(name, "Locale") == 0) {
-        return dp::TextCollation::Locale;
-    }
-    return std::nullopt;
-}
-
-const char* operatorText(unsigned char operation) {
-    switch (operation) {
-    case SQLITE_INDEX_CONSTRAINT_EQ: return "=";
-    case SQLITE_INDEX_CONSTRAINT_GT: return ">";
-    case SQLITE_INDEX_CONSTRAINT_LE: return "<=";
-    case SQLITE_INDEX_CONSTRAINT_LT: return "<";
-    case SQLITE_INDEX_CONSTRAINT_GE: return ">=";
-    case SQLITE_INDEX_CONSTRAINT_NE: return "<>";
-    case SQLITE_INDEX_CONSTRAINT_IS: return "Is";
-    case SQLITE_INDEX_CONSTRAINT_ISNOT: return "Is Not";
-    case SQLITE_INDEX_CONSTRAINT_ISNULL: return "Is Null";
-    case SQLITE_INDEX_CONSTRAINT_ISNOTNULL: return "Is Not Null";
-    case SQLITE_INDEX_CONSTRAINT_LIKE: return "Like";
-    case SQLITE_INDEX_CONSTRAINT_GLOB: return "Glob";
-    default: return "?";
-    }
-}
-
-/// The value as a cell that shows it.
-dp::Cell cellOf(sqlite3_value* value) {
-    switch (sqlite3_value_type(value)) {
-    case SQLITE_INTEGER: return dp::Cell::ofInteger(sqlite3_value_int64(value));
-    case SQLITE_FLOAT: return dp::Cell::ofReal(sqlite3_value_double(value));
-    case SQLITE_TEXT: {
-        const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(value));
-        return dp::Cell::ofText({text, static_cast<std::size_t>(sqlite3_value_bytes(value))});
-    }
-    default: return {};
-    }
-}
-
 /// Fills the answer to one xBestIndex call.
 class Planner {
 public:
     Planner(VirtualTable& table, sqlite3_index_info& info)
         : virtual_(table), indexing_(table.indexing()), table_(table.table()),
-          declaration_(table.declaration()), info_(info), estimate_(table_, indexing_, table.values()),
+          declaration_(table.declaration()), info_(info), constraints_(info), estimate_(table_, indexing_, table.values()),
           relations_(table) {
         plan_.columnsUsed = info.colUsed;
     }
 
     /// False where SQLite may not make the scan as it asks: the distance of its rows would be unknown.
     bool run() {
-        for (int i = 0; i < info_.nConstraint; ++i) {
-            const unsigned char operation = constraint(i).op;
-            conditions_ +=
-                operation != SQLITE_INDEX_CONSTRAINT_LIMIT && operation != SQLITE_INDEX_CONSTRAINT_OFFSET;
+        for (int i = 0; i < constraints_.count(); ++i) {
+            conditions_ += !constraints_.isLimit(i) && !constraints_.isOffset(i);
         }
         noteRowNumbers();
         if (!noteOrigin()) {
@@ -113,8 +50,8 @@ public:
         readStatistics();
         // Terms are checked in this order: texts, which are slow to compare, only where the numbers agree.
         for (const bool numbers : {true, false}) {
-            for (int i = 0; i < info_.nConstraint; ++i) {
-                if (constraint(i).usable && isOnNumber(i) == numbers) {
+            for (int i = 0; i < constraints_.count(); ++i) {
+                if (constraints_.isUsable(i) && isOnNumber(i) == numbers) {
                     take(i);
                 }
             }
@@ -129,10 +66,6 @@ public:
     }
 
 private:
-    const sqlite3_index_info::sqlite3_index_constraint& constraint(int i) const {
-        return info_.aConstraint[i];
-    }
-
     void hand(int i, bool omit) {
         info_.aConstraintUsage[i].argvIndex = ++arguments_;
         info_.aConstraintUsage[i].omit = omit;
@@ -144,19 +77,19 @@ private:
     void readStatistics() {
         bool isJoined = recorder_ != nullptr;
         std::vector<int> attributes;
-        for (int i = 0; i < info_.nConstraint; ++i) {
-            const auto comparison = comparisonOf(constraint(i).op);
-            isJoined = isJoined || !constraint(i).usable || isOfOperand(i);
-            if (!comparison || constraint(i).iColumn < 0) {
+        for (int i = 0; i < constraints_.count(); ++i) {
+            const auto comparison = constraints_.comparison(i);
+            isJoined = isJoined || !constraints_.isUsable(i) || isOfOperand(i);
+            if (!comparison || constraints_.column(i) < 0) {
                 continue;
             }
-            const auto& column = declaration_.columns()[static_cast<std::size_t>(constraint(i).iColumn)];
+            const auto& column = declaration_.columns()[static_cast<std::size_t>(constraints_.column(i))];
             if (column.attribute < 0 || (column.kind != Kind::Number && column.kind != Kind::Text)) {
                 continue;
             }
             attributes.push_back(column.attribute);
             const bool hasOperand = *comparison != Comparison::IsNull && *comparison != Comparison::IsNotNull;
-            isJoined = isJoined || (hasOperand && !constantOperand(i) && sqlite3_vtab_in(&info_, i, -1) == 0);
+            isJoined = isJoined || (hasOperand && !constraints_.constantOperand(i) && !constraints_.isList(i));
         }
         if (isJoined) {
             virtual_.values().read(std::move(attributes));
@@ -165,26 +98,24 @@ private:
 
     /// Whether it is about a relation with the geometries of another table.
     bool isOfOperand(int i) const {
-        return constraint(i).iColumn == declaration_.firstOperandColumn() ||
-               constraint(i).iColumn == declaration_.secondOperandColumn();
+        return constraints_.column(i) == declaration_.firstOperandColumn() ||
+               constraints_.column(i) == declaration_.secondOperandColumn();
     }
 
     bool isOnNumber(int i) const {
-        const int column = constraint(i).iColumn;
+        const int column = constraints_.column(i);
         return column >= 0 && declaration_.columns()[static_cast<std::size_t>(column)].kind == Kind::Number;
     }
 
     void take(int i) {
-        const int column = constraint(i).iColumn;
-        const std::optional<Comparison> comparison = comparisonOf(constraint(i).op);
-        const bool isLimit = constraint(i).op == SQLITE_INDEX_CONSTRAINT_LIMIT ||
-                             constraint(i).op == SQLITE_INDEX_CONSTRAINT_OFFSET;
-        if (recorder_ && column >= 0 && !isLimit) {
+        const int column = constraints_.column(i);
+        const std::optional<Comparison> comparison = constraints_.comparison(i);
+        if (recorder_ && column >= 0 && !constraints_.isLimit(i) && !constraints_.isOffset(i)) {
             takeDown(i, declaration_.columns()[static_cast<std::size_t>(column)], comparison);
         }
-        if (constraint(i).op == SQLITE_INDEX_CONSTRAINT_LIMIT) {
+        if (constraints_.isLimit(i)) {
             limit_ = i;
-        } else if (constraint(i).op == SQLITE_INDEX_CONSTRAINT_OFFSET) {
+        } else if (constraints_.isOffset(i)) {
             offset_ = i;
         } else if (column == declaration_.originColumn()) {
             return;
@@ -192,7 +123,7 @@ private:
             relations_.addEquality(info_, i);
         } else if (column < 0) {
             rowNumber_ = comparison && ScanEstimate::isEquality(*comparison) ? i : rowNumber_;
-        } else if (constraint(i).op >= SQLITE_INDEX_CONSTRAINT_FUNCTION) {
+        } else if (constraints_.isFunction(i)) {
             if (column == declaration_.geometryColumn()) {
                 relations_.addFunction(info_, i);
             }
@@ -206,12 +137,11 @@ private:
         if (column.attribute < 0 || column.kind == Kind::Geometry || column.kind == Kind::Style) {
             return;
         }
-        const char* text = sqlite3_vtab_in(&info_, i, -1) ? "In" : operatorText(constraint(i).op);
         PlannedCondition& noted = planned_.conditions.emplace_back();
         noted.attribute = column.attribute;
         noted.column = table_.schema()->at(column.attribute)->name();
-        noted.comparison = QLatin1String(text);
-        const auto collation = collationOf(sqlite3_vtab_collation(&info_, i));
+        noted.comparison = QLatin1String(constraints_.operatorText(i));
+        const auto collation = constraints_.collation(i);
         if (!comparison || !collation) {
             noted.index = comparison ? IndexUse::Outcome::Collation : IndexUse::Outcome::Comparison;
             return;
@@ -219,20 +149,13 @@ private:
         noted.index = AttributeIndexing::judge(column, *comparison, *collation);
         noted.isForSource = table_.usesTerm(column.attribute, *comparison, *collation);
         noted.isPattern = AttributeIndexing::isPattern(*comparison);
-        const dp::Cell operand = noted.isPattern ? constantOperand(i).value_or(dp::Cell()) : dp::Cell();
+        const dp::Cell operand = noted.isPattern ? constraints_.constantOperand(i).value_or(dp::Cell()) : dp::Cell();
         if (operand.type() == dp::CellType::Text) {
             noted.comparison += QLatin1Char(' ') + QString::fromStdString(utils::sqlText(operand.view()));
             if (noted.index == IndexUse::Outcome::Used && !isLookedUp(*comparison, operand)) {
                 noted.index = IndexUse::Outcome::Pattern;
             }
         }
-    }
-
-    /// What a column is compared with, if that is known by now. NULL for bytes, too.
-    std::optional<dp::Cell> constantOperand(int i) const {
-        sqlite3_value* operand = nullptr;
-        return sqlite3_vtab_rhs_value(&info_, i, &operand) == SQLITE_OK ? std::optional(cellOf(operand))
-                                                                        : std::nullopt;
     }
 
     /// Whether an index could answer the pattern; true also where none is to be made.
@@ -249,11 +172,11 @@ private:
             takePattern(i, column, comparison);
             return;
         }
-        const auto collation = collationOf(sqlite3_vtab_collation(&info_, i));
+        const auto collation = constraints_.collation(i);
         if (!collation) {
             return;
         }
-        if (comparison == Comparison::Equal && sqlite3_vtab_in(&info_, i, 1)) {
+        if (comparison == Comparison::Equal && constraints_.takeList(i)) {
             comparison = Comparison::In;
         }
         // SQLite does not say under which collation <> and Is Not compare texts. Binary lets too many rows
@@ -261,43 +184,43 @@ private:
         const bool knownCollation = column.kind == Kind::Number ||
                                     (comparison != Comparison::NotEqual && comparison != Comparison::IsNot);
         const bool hasOperand = !nullTest && comparison != Comparison::In;
-        const auto operand = hasOperand ? constantOperand(i) : std::nullopt;
+        const auto operand = hasOperand ? constraints_.constantOperand(i) : std::nullopt;
         const bool isOwnKind = operand && column.comparesAsIs(operand->type());
         hasOpenOperand_ = hasOpenOperand_ || (hasOperand && !operand);
         hand(i, nullTest || (isOwnKind && knownCollation));
-        plan_.terms.push_back({constraint(i).iColumn, comparison, *collation});
+        plan_.terms.push_back({constraints_.column(i), comparison, *collation});
         estimate_.takeTerm(column, comparison, *collation, operand);
     }
 
     /// SQLite matches the pattern once more; the scan only finds the rows that begin as it does.
     void takePattern(int i, const TableDeclaration::Column& column, Comparison comparison) {
-        const auto operand = constantOperand(i);
+        const auto operand = constraints_.constantOperand(i);
         const bool isText = operand && operand->type() == dp::CellType::Text;
         if (!column.isLocaleText() || (isText && !isLookedUp(comparison, *operand))) {
             estimate_.takeUnservedPattern(column, comparison, operand);
             return;
         }
         hand(i, false);
-        plan_.terms.push_back({constraint(i).iColumn, comparison, column.collation});
+        plan_.terms.push_back({constraints_.column(i), comparison, column.collation});
         hasOpenOperand_ = hasOpenOperand_ || !operand;
         estimate_.takePattern(column, comparison, operand);
     }
 
     /// A scan that leaves rows out would number those that it reads before the others.
     void noteRowNumbers() {
-        for (int i = 0; i < info_.nConstraint; ++i) {
-            const auto comparison = comparisonOf(constraint(i).op);
-            if (constraint(i).iColumn < 0 && comparison && !ScanEstimate::isEquality(*comparison)) {
+        for (int i = 0; i < constraints_.count(); ++i) {
+            const auto comparison = constraints_.comparison(i);
+            if (constraints_.column(i) < 0 && comparison && !ScanEstimate::isEquality(*comparison)) {
                 plan_.rowNumber = ScanPlan::RowNumber::Other;
             }
         }
     }
 
     bool noteOrigin() {
-        for (int i = 0; i < info_.nConstraint; ++i) {
-            if (constraint(i).iColumn == declaration_.originColumn()) {
+        for (int i = 0; i < constraints_.count(); ++i) {
+            if (constraints_.column(i) == declaration_.originColumn()) {
                 origin_ = i;
-                return constraint(i).usable && constraint(i).op == SQLITE_INDEX_CONSTRAINT_IS;
+                return constraints_.isUsable(i) && constraints_.operation(i) == SQLITE_INDEX_CONSTRAINT_IS;
             }
         }
         return true;
@@ -327,7 +250,7 @@ private:
             plan_.rowNumber = ScanPlan::RowNumber::Other;
             return;
         }
-        const bool list = sqlite3_vtab_in(&info_, rowNumber_, 1) != 0;
+        const bool list = constraints_.takeList(rowNumber_);
         hand(rowNumber_,
              true); // the scan finds just those rows: a list may be a query that is dear to repeat
         plan_.rowNumber = list ? ScanPlan::RowNumber::In : ScanPlan::RowNumber::Equal;
@@ -356,16 +279,16 @@ private:
     void takeRelation(const RelationTerm& term) {
         plan_.relations.push_back(term.relation);
         hand(term.constraint, true);
-        leaveOutOperand(constraint(term.constraint).iColumn);
+        leaveOutOperand(constraints_.column(term.constraint));
     }
 
     /// An operand column that nothing but conditions taken over name is not read.
     void leaveOutOperand(int column) {
         constexpr int lastOfMask = 63;
         bool isNamed = column == declaration_.geometryColumn() || column >= lastOfMask;
-        for (int i = 0; i < info_.nConstraint; ++i) {
+        for (int i = 0; i < constraints_.count(); ++i) {
             isNamed =
-                isNamed || (constraint(i).iColumn == column && info_.aConstraintUsage[i].argvIndex == 0);
+                isNamed || (constraints_.column(i) == column && info_.aConstraintUsage[i].argvIndex == 0);
         }
         if (!isNamed) {
             plan_.columnsUsed &= ~(std::uint64_t{1} << column);
@@ -441,7 +364,7 @@ private:
 
     /// 0 where the value is not known yet.
     double constantNumber(int i) const {
-        const auto value = i < 0 ? std::nullopt : constantOperand(i);
+        const auto value = i < 0 ? std::nullopt : constraints_.constantOperand(i);
         return value && value->type() == dp::CellType::Integer ? static_cast<double>(value->integer()) : 0;
     }
 
@@ -491,6 +414,7 @@ private:
     dp::Table& table_;
     const TableDeclaration& declaration_;
     sqlite3_index_info& info_;
+    const Constraints constraints_;
     ScanPlan plan_;
     ScanRecorder* const recorder_ = ScanRecorder::current();
     PlannedScan planned_; ///< kept for the recorder only
