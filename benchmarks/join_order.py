@@ -2,8 +2,8 @@
 """Thirty joins in which the wrong order of the tables costs many times the right one. Each runs as it is written, in
 every order of its tables, and then with each order forced, so that the best and the worst are known. Prints a line
 for each join: the order chosen, its time against the best forced one, what the worst one costs, and the estimates
-that were off by more than ten times. Times are those of a second run in one process, with all indices made, and the
-first ones beside them.
+that were off by more than ten times. Times are those of later runs in one process, when all indices are made, and the
+first one beside them.
 
 Use: benchmarks/join_order.py --orvane build/release/bin/orvane [--rows N] [--only NAME] [--data DIRECTORY]
 The tables are made in the directory (a temporary one unless named), in some ten seconds for a million rows.
@@ -120,7 +120,7 @@ class Runner:
     def run(self, text, seconds, *options):
         """Seconds of the first and of the last run, the count, what --explain says; None where it took too long."""
         try:
-            result = subprocess.run([*self.command, "--timing", "--explain", *options, *["-c", text] * 3],
+            result = subprocess.run([*self.command, "--timing", "--explain", *options, *["-c", text] * 6],
                                     capture_output=True, text=True, timeout=seconds)
         except subprocess.TimeoutExpired:
             return None

@@ -308,6 +308,15 @@ std::unique_ptr<dp::Cursor> AttributeIndexing::openInOrder(const std::vector<int
 }
 
 void AttributeIndexing::countSort(int attribute, const work::Cancellation& cancellation) {
+    countSaved(attribute, cost::sortedRow, cancellation);
+}
+
+void AttributeIndexing::countJoin(int attribute, const work::Cancellation& cancellation) {
+    const bool isNumber = column(attribute).kind == Kind::Number;
+    countSaved(attribute, cost::handedRow + (isNumber ? cost::keptNumber : cost::keptText), cancellation);
+}
+
+void AttributeIndexing::countSaved(int attribute, double perRow, const work::Cancellation& cancellation) {
     EngineIndices* indices = store();
     const auto rows = indices ? table_->featureCount().value_or(0) : 0;
     if (rows < fewestRows) {
@@ -316,7 +325,7 @@ void AttributeIndexing::countSort(int attribute, const work::Cancellation& cance
     use_ = {};
     follow(*indices);
     if (findIndex({attribute}, *indices) < 0) {
-        make({attribute}, cost::sortedRow * static_cast<double>(rows), *indices, cancellation);
+        make({attribute}, perRow * static_cast<double>(rows), *indices, cancellation);
     }
 }
 

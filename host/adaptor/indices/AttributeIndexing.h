@@ -68,9 +68,10 @@ public:
     std::unique_ptr<dp::Cursor> openInOrder(const std::vector<int>& attributes,
                                             std::vector<ArrangedRows::Key> keys,
                                             const work::Cancellation& cancellation);
-    /// Counts a sort that an index on the attribute would have saved, and makes the index once that pays.
-    /// Throws work::Cancelled.
+    /// Counts a sort, or a scan in a join, that an index on the attribute would have saved, and makes the
+    /// index once that pays. Throws work::Cancelled.
     void countSort(int attribute, const work::Cancellation& cancellation);
+    void countJoin(int attribute, const work::Cancellation& cancellation);
 
     /// What came of the last find.
     IndexUse lastUse() const { return isOn() ? use_ : IndexUse{IndexUse::Outcome::SwitchedOff}; }
@@ -119,6 +120,7 @@ private:
     /// The table's store; null when no index is made, and for a closed table.
     engine::EngineIndices* store() const { return table_ && stores_ ? stores_(table_) : nullptr; }
     void follow(engine::EngineIndices& store);
+    void countSaved(int attribute, double perRow, const work::Cancellation& cancellation);
     /// The index that begins with the attribute, of the table as it was when it was asked last; -1 when there
     /// is none.
     int indexOn(int attribute) const;

@@ -43,8 +43,13 @@ constexpr double storage = 1e6;
 constexpr double indexedNumber = 700;
 constexpr double indexedText = 2000;
 
-/// Of keeping a row in memory: reading it, and each of its values.
+/// Of keeping a row in memory: reading it, and each of its values; and of looking rows up there by a number
+/// or a text.
 constexpr double keptRow = 40;
 constexpr double keptValue = 20;
+constexpr double keptNumber = 150;
+constexpr double keptText = 600;
+/// Above this, keeping the rows anew for each statement costs more than an index does in the long run.
+constexpr double mostRowsBeforeIndex = 200'000;
 
 } // namespace orvane::adaptor::cost

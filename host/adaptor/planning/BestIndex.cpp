@@ -33,8 +33,8 @@ class Planner {
 public:
     Planner(VirtualTable& table, sqlite3_index_info& info)
         : virtual_(table), indexing_(table.indexing()), table_(table.table()),
-          declaration_(table.declaration()), info_(info), constraints_(info), estimate_(table_, indexing_, table.values()),
-          relations_(table) {
+          declaration_(table.declaration()), info_(info), constraints_(info),
+          estimate_(table_, indexing_, table.values()), relations_(table) {
         plan_.columnsUsed = info.colUsed;
     }
 
@@ -61,6 +61,7 @@ public:
         takeOrigin();
         takeLimit();
         takeOrder();
+        noteJoined();
         store();
         return true;
     }
@@ -89,7 +90,8 @@ private:
             }
             attributes.push_back(column.attribute);
             const bool hasOperand = *comparison != Comparison::IsNull && *comparison != Comparison::IsNotNull;
-            isJoined = isJoined || (hasOperand && !constraints_.constantOperand(i) && !constraints_.isList(i));
+            isJoined =
+                isJoined || (hasOperand && !constraints_.constantOperand(i) && !constraints_.isList(i));
         }
         if (isJoined) {
             virtual_.values().read(std::move(attributes));
@@ -149,7 +151,8 @@ private:
         noted.index = AttributeIndexing::judge(column, *comparison, *collation);
         noted.isForSource = table_.usesTerm(column.attribute, *comparison, *collation);
         noted.isPattern = AttributeIndexing::isPattern(*comparison);
-        const dp::Cell operand = noted.isPattern ? constraints_.constantOperand(i).value_or(dp::Cell()) : dp::Cell();
+        const dp::Cell operand =
+            noted.isPattern ? constraints_.constantOperand(i).value_or(dp::Cell()) : dp::Cell();
         if (operand.type() == dp::CellType::Text) {
             noted.comparison += QLatin1Char(' ') + QString::fromStdString(utils::sqlText(operand.view()));
             if (noted.index == IndexUse::Outcome::Used && !isLookedUp(*comparison, operand)) {
@@ -292,6 +295,26 @@ private:
         }
         if (!isNamed) {
             plan_.columnsUsed &= ~(std::uint64_t{1} << column);
+        }
+    }
+
+    /// Of a scan of the whole table.
+    void noteJoined() {
+        if (arguments_ > 0 || !indexing_.isOn()) {
+            return;
+        }
+        int joins = 0;
+        for (int i = 0; i < constraints_.count(); ++i) {
+            const int column = constraints_.column(i);
+            const auto comparison = constraints_.comparison(i);
+            const auto collation = constraints_.collation(i);
+            if (constraints_.isUsable(i) || column < 0 || comparison != Comparison::Equal || !collation) {
+                continue;
+            }
+            ++joins;
+            const auto& joined = declaration_.columns()[static_cast<std::size_t>(column)];
+            const bool isServed = AttributeIndexing::serves(joined, *collation, estimate_.tableRows());
+            plan_.joined = joins == 1 && isServed ? column : -1;
         }
     }
 

@@ -17,6 +17,8 @@ using Kind = TableDeclaration::Kind;
 /// The look-ups that share what making an index costs, while there is none yet: a few look-ups in a large
 /// table are dear, so what one scan of it finds comes first.
 constexpr double assumedLookups = 10'000;
+/// Those that share what making an R-tree costs, at the least: it stays for later joins.
+constexpr double fewestLookups = 500;
 /// Up to so many rows an index is asked how many a condition finds.
 constexpr std::size_t mostCounted = 1000;
 /// Rows that share one value, in a table of any size of whose values nothing is known.
@@ -99,6 +101,10 @@ void ScanEstimate::takeTerm(const TableDeclaration::Column& column, Comparison c
     if (isEquality(comparison) && isServed && (!operand || indexing_.averageGroup(column.attribute))) {
         expectLookups(column); // at once, or soon: a join that repeats the scan gets its index
     }
+    if (!operand && isEquality(comparison) && rows_ <= cost::mostRowsBeforeIndex) {
+        const double lookup = column.kind == Kind::Number ? cost::keptNumber : cost::keptText;
+        keptCost_ = keptCost_ > 0 ? std::min(keptCost_, lookup) : lookup;
+    }
     filterCost_ = std::max(filterCost_, column.kind == Kind::Text ? cost::textTest : cost::numberTest);
     if (table_.usesTerm(column.attribute, comparison, collation)) {
         scanned_ *= share;
@@ -137,7 +143,7 @@ void ScanEstimate::takeRelation(const RelationEstimate& relation) {
     fetches_ = true;
     // One tree serves all scans; without, each would have to look at all envelopes, and in another coordinate
     // system at all geometries, which must not cost more than SQLite takes its own tests for.
-    const double scans = std::clamp(relation.scans, 1.0, assumedLookups);
+    const double scans = relation.scans > 1 ? std::clamp(relation.scans, fewestLookups, assumedLookups) : 1.0;
     const double scanning = relation.isElsewhere ? cost::handedRow * 0.9 : cost::boxTest;
     const double treeRow = relation.isElsewhere ? cost::transformedRow : cost::treeRow;
     const double making = relation.isReady ? 0 : rows_ * std::min(scanning, treeRow / scans);
@@ -221,8 +227,16 @@ double ScanEstimate::findingCost() const {
     if (fetches_) {
         return fetching + relationCost_;
     }
-    const double making = hasIndex_ ? 0 : rows_ * makingCost_ / assumedLookups;
-    return looksUp_ ? std::min(scanning, cost::opening + fetching + making) : scanning;
+    double least = scanning;
+    if (looksUp_) {
+        const double making = hasIndex_ ? 0 : rows_ * makingCost_ / assumedLookups;
+        least = std::min(least, cost::opening + fetching + making);
+    }
+    if (keptCost_ > 0) {
+        const double keeping = rows_ * (cost::keptRow + 2 * cost::keptValue) / assumedLookups;
+        least = std::min(least, keptCost_ + keeping);
+    }
+    return least;
 }
 
 } // namespace orvane::adaptor

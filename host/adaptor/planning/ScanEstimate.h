@@ -70,6 +70,7 @@ private:
     bool isUnique_ = false;
     bool looksUp_ = false;  ///< an attribute index answers
     bool hasIndex_ = false; ///< and is there already
+    double keptCost_ = 0;   ///< of a look-up in memory, once the scan was repeated; 0 without
     bool fetches_ = false;  ///< the rows are known by their identifiers
     double makingCost_ = 0; ///< of an index, for each row
     double filterCost_ = 0; ///< of each row that is scanned

@@ -35,6 +35,7 @@ std::string ScanPlan::toText() const {
         appendNumber(text, each.isSecondOperand);
         appendNumber(text, each.isRepeated);
     }
+    appendNumber(text, static_cast<std::uint64_t>(joined + 1));
     appendNumber(text, static_cast<std::uint64_t>(byDistance));
     appendNumber(text, limit);
     appendNumber(text, offset);
@@ -63,6 +64,7 @@ ScanPlan ScanPlan::fromText(std::string_view text) {
         each.isSecondOperand = takeNumber(text) != 0;
         each.isRepeated = takeNumber(text) != 0;
     }
+    plan.joined = static_cast<int>(takeNumber(text)) - 1;
     plan.byDistance = static_cast<ByDistance>(takeNumber(text));
     plan.limit = takeNumber(text) != 0;
     plan.offset = takeNumber(text) != 0;

@@ -65,6 +65,9 @@ struct ScanPlan {
     ByDistance byDistance = ByDistance::None;
     Ordering ordering = Ordering::None;
     std::vector<Order> order; ///< first column first
+    /// Position of the column that a table within this scan is compared with: an index on it would have let
+    /// the other table come first. Negative where there is none, or several.
+    int joined = -1;
     bool limit = false;
     bool offset = false;
 

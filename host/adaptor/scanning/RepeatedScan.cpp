@@ -11,8 +11,6 @@ namespace {
 
 using dp::Comparison;
 
-/// Above this, keeping the rows anew for each statement costs more than an index does in the long run.
-constexpr double mostRowsBeforeIndex = 200'000;
 constexpr unsigned rowsBetweenChecks = 1024;
 
 } // namespace
@@ -75,7 +73,7 @@ bool RepeatedScan::keep(dp::Table& table, const dp::ScanRequest& request,
     }
     const auto count = static_cast<double>(table.featureCount().value_or(0));
     const auto values = static_cast<double>(whole.attributes.size());
-    if (keys.empty() || (count > mostRowsBeforeIndex && !mayBeLarge_) ||
+    if (keys.empty() || (count > cost::mostRowsBeforeIndex && !mayBeLarge_) ||
         spent_ < count * (cost::keptRow + cost::keptValue * values)) {
         return false;
     }

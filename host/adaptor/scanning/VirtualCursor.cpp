@@ -338,6 +338,10 @@ void VirtualCursor::openTerms() {
     if (rows_) {
         return;
     }
+    if (plan_.joined >= 0) {
+        const auto& joined = table_.declaration().columns()[static_cast<std::size_t>(plan_.joined)];
+        table_.indexing().countJoin(joined.attribute, cancellation_);
+    }
     request_.ids = table_.indexing().find(request_.terms, cancellation_);
     if (!request_.ids || !request_.ids->empty()) {
         scan_ = table.openCursor(request_);

@@ -157,6 +157,18 @@ TEST_F(IndexingTest, JoinsGetTheirIndexOnTheWay) {
               "3958");
 }
 
+TEST_F(IndexingTest, JoinsThatScanATableOftenGetAnIndexAndAnotherOrder) {
+    const auto items = openItems();
+    std::vector<MemoryTable::Row> rows;
+    for (int i = 0; i < 100; ++i) {
+        rows.push_back({i * 7});
+    }
+    open("few", {attribute("number", QMetaType::LongLong)}, std::move(rows));
+    EXPECT_EQ(
+        askUntilIndexed(*items, "Select Count(*), Sum(size) From items i, few f Where i.number = f.number"),
+        "197|34020.25");
+}
+
 TEST_F(IndexingTest, RelationsByIndexAreThoseOfTheFunctions) {
     std::mt19937 random(7);
     const auto coordinate = [&random] { return static_cast<double>(random() % 100) / 4; };

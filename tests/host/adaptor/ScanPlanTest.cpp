@@ -11,6 +11,7 @@ TEST(ScanPlan, SurvivesTheWayThroughSqlite) {
     EXPECT_EQ(ScanPlan::fromText(plan.toText()), plan);
     plan.columnsUsed = ~std::uint64_t{0};
     plan.rowNumber = ScanPlan::RowNumber::In;
+    plan.joined = 3;
     plan.relations = {{orvane::adaptor::SpatialRelation::Within, true, true},
                       {orvane::adaptor::SpatialRelation::Intersects, false}};
     plan.limit = plan.offset = true;
