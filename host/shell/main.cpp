@@ -248,7 +248,7 @@ int main(int argc, char** argv) {
     if (std::strcmp(::nl_langinfo(CODESET), "UTF-8") != 0) {
         std::setlocale(LC_CTYPE, "C.UTF-8");
     }
-    for (const char* directory : {"/../plugins", "/../" ORVANE_LIBDIR "/orvane/plugins"}) {
+    for (const char* directory : {"/../plugins", "/../" ORVANE_PLUGIN_DIR}) {
         QCoreApplication::addLibraryPath(QCoreApplication::applicationDirPath() +
                                          QString::fromLatin1(directory));
     }

@@ -1,4 +1,5 @@
-# Builds examples/embed against a fresh installation, and compares what its programs answer.
+# Builds examples/embed against a fresh installation, with CMake and with pkg-config, and compares what its programs answer.
+# Looks at what the libraries let out.
 
 set(prefix "${WORK_DIR}/prefix")
 set(build "${WORK_DIR}/embed")
@@ -35,8 +36,26 @@ run(log "${CMAKE_COMMAND}" -S "${SOURCE_DIR}/tests/package/headers" -B "${WORK_D
     "-DCMAKE_CXX_FLAGS=${flags}")
 run(log "${CMAKE_COMMAND}" --build "${WORK_DIR}/headers")
 
+# The same with pkg-config, as any other build would.
+file(GLOB pkgconfig_dir "${prefix}/lib*/pkgconfig" "${prefix}/lib/*/pkgconfig")
+set(ENV{PKG_CONFIG_PATH} "${pkgconfig_dir}")
+run(ours pkg-config --cflags --libs orvane-adaptor orvane-files orvane-maps)
+run(plugins pkg-config --variable=plugindir orvane-engine)
+run(translations pkg-config --variable=translationdir orvane-engine)
+foreach(text ours plugins translations)
+    string(STRIP "${${text}}" ${text})
+endforeach()
+file(GLOB libraries "${prefix}/lib*/liborvane_*.so" "${prefix}/lib/*/liborvane_*.so")
+list(GET libraries 0 library)
+cmake_path(GET library PARENT_PATH library_dir)
+separate_arguments(words UNIX_COMMAND "${flags} ${ours}")
+run(log "${COMPILER}" "${SOURCE_DIR}/examples/embed/main.cpp" "-DORVANE_PLUGIN_DIR=\"${plugins}\""
+    "-DORVANE_TRANSLATION_DIR=\"${translations}\"" ${words}
+    "-Wl,-rpath,${library_dir}" -o "${build}/embed_with_pkg_config")
+
 set(data "${SOURCE_DIR}/examples/data")
-expect(embed [[
+foreach(program embed embed_with_pkg_config)
+    expect(${program} [[
 Shanghai | 22315474
 Istanbul | 14804116
 Buenos Aires | 13076300
@@ -47,11 +66,24 @@ Qarchak 252.0k
 error: no such table: cities
 error: no such table: renamed table
 ]] "${data}/cities.shp" "Select name, population From cities Order By population Desc Limit 3"
-    "name & ' ' & Round(population / 1000, 1) & 'k'")
+        "name & ' ' & Round(population / 1000, 1) & 'k'")
+endforeach()
 expect(folders [[
 cities.cpg | 5
 cities.prj | 145
 ]] "${data}" "Select name, size From files Where name Like 'CITIES.%' And size < 1000 Order By size")
+
+# Only names of the project leave its libraries.
+set(own "(orvane::|QDecNumber|decNumberToString|operator..?\\(QDecNumber|QSharedDataPointer<orvane::)")
+set(prefixed "(vtable for |typeinfo for |typeinfo name for |VTT for |guard variable for |[a-z-]* ?thunk to )?")
+foreach(library ${libraries})
+    run(names nm -DC --defined-only "${library}")
+    string(REGEX REPLACE "(^|\n)[0-9a-f]* . ${prefixed}${own}[^\n]*" "" strange "${names}")
+    string(STRIP "${strange}" strange)
+    if(NOT names OR strange)
+        message(FATAL_ERROR "${library} lets out\n${strange}")
+    endif()
+endforeach()
 
 # The installed command finds its own libraries and plug-in.
 run(answer "${prefix}/bin/orvane" "${data}/cities.shp" -F csv --no-header -c "Select Count(*) From cities")
