@@ -85,6 +85,23 @@ foreach(library ${libraries})
     endif()
 endforeach()
 
+# What they ask for is named with its licence.
+if(NOT SANITIZE)
+    file(READ "${SOURCE_DIR}/docs/third-party.md" licences)
+    file(GLOB_RECURSE plugins "${prefix}/lib/*/plugins/*.so")
+    file(GLOB programs "${prefix}/bin/*")
+    foreach(binary ${libraries} ${plugins} ${programs})
+        run(entries readelf --dynamic "${binary}")
+        string(REGEX MATCHALL "(lib|ld-)[A-Za-z0-9_+-]+[.]so[.0-9]*" names "${entries}")
+        foreach(name ${names})
+            string(FIND "${licences}" "`${name}`" place)
+            if(place EQUAL -1 AND NOT name MATCHES "^liborvane_")
+                message(FATAL_ERROR "${binary} is linked to ${name}, which docs/third-party.md does not name")
+            endif()
+        endforeach()
+    endforeach()
+endif()
+
 # The installed command finds its own libraries and plug-in.
 run(answer "${prefix}/bin/orvane" "${data}/cities.shp" -F csv --no-header -c "Select Count(*) From cities")
 if(NOT answer STREQUAL "4442\n")
