@@ -1214,6 +1214,26 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
         <translation>division by zero</translation>
     </message>
     <message>
+        <source>регулярное выражение требует на одном тексте больше миллиона шагов: упростите его</source>
+        <translation>the regular expression takes more than a million steps on one text: make it simpler</translation>
+    </message>
+    <message>
+        <source>ошибка в регулярном выражении: %1</source>
+        <translation>fault in the regular expression: %1</translation>
+    </message>
+    <message>
+        <source>неизвестная часть даты: %1</source>
+        <translation>unknown part of a date: %1</translation>
+    </message>
+    <message>
+        <source>доля для Percentile лежит между 0 и 1: девяносто процентов пишутся 0.9</source>
+        <translation>the share for Percentile lies between 0 and 1: ninety percent are written 0.9</translation>
+    </message>
+    <message>
+        <source>доля для Percentile должна быть одной на всю группу</source>
+        <translation>the share for Percentile has to be the same within a group</translation>
+    </message>
+    <message>
         <source>частное не помещается в 64 бита</source>
         <translation>the quotient does not fit into 64 bits</translation>
     </message>
@@ -1699,6 +1719,10 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
     <message>
         <source>текст не закрыт апострофом</source>
         <translation>the text is not closed by an apostrophe</translation>
+    </message>
+    <message>
+        <source>порядок строк внутри функции знают только String_Agg и Group_Concat</source>
+        <translation>only String_Agg and Group_Concat know an order of rows within their parentheses</translation>
     </message>
     <message>
         <source>имя не закрыто кавычкой</source>

@@ -1,6 +1,8 @@
 #include <orvane/engine/functions/Arithmetic.h>
 
 #include "Barrier.h"
+#include "PreparedArgument.h"
+#include "StatementOrder.h"
 #include "TextArguments.h"
 #include "platform/utils/Numbers.h"
 #include <orvane/engine/functions/Converters.h>
@@ -11,6 +13,9 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <span>
+#include <stdexcept>
+#include <string>
 
 namespace orvane::engine {
 
@@ -87,6 +92,38 @@ void quotientOfIntegers(sqlite3_context* context, qint64 a, qint64 b) {
 }
 
 } // namespace
+
+namespace {
+
+/// `direction` is 1 for the greatest, -1 for the least.
+void extremeOf(sqlite3_context* context, const char* name, int direction, std::span<sqlite3_value*> values) {
+    barrier(context, [&] {
+        if (values.empty()) {
+            throw std::runtime_error("wrong number of arguments to function " + std::string(name) + "()");
+        }
+        const StatementOrder* order = nullptr;
+        sqlite3_value* best = values.front();
+        for (sqlite3_value* const value : values.subspan(1)) {
+            if (isNull(best) || isNull(value)) {
+                best = isNull(best) ? value : best;
+                continue;
+            }
+            order = order ? order : &ofStatement<StatementOrder>(context);
+            best = direction * order->compare(cellOf(value), cellOf(best)) > 0 ? value : best;
+        }
+        sqlite3_result_value(context, best);
+    });
+}
+
+} // namespace
+
+void greatest(sqlite3_context* context, int count, sqlite3_value** values) {
+    extremeOf(context, "Greatest", 1, {values, values + count});
+}
+
+void least(sqlite3_context* context, int count, sqlite3_value** values) {
+    extremeOf(context, "Least", -1, {values, values + count});
+}
 
 void concatUTF16(sqlite3_context* context, int, sqlite3_value** values) {
     barrier(context, [&] {

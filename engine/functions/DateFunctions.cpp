@@ -2,6 +2,7 @@
 
 #include "Barrier.h"
 #include "DateParser.h"
+#include "PreparedArgument.h"
 #include "TextArguments.h"
 #include <orvane/engine/functions/Converters.h>
 
@@ -56,6 +57,18 @@ QString dateOfFloat(double number) {
     return toString(QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(milliseconds)));
 }
 
+/// The moment at which a statement first asked for the time.
+class StatementClock {
+public:
+    static constexpr int numberInStatement = -20265;
+    const QDateTime now = QDateTime::currentDateTime();
+};
+
+template<typename Text>
+void tell(sqlite3_context* context, Text text) {
+    barrier(context, [&] { resultText(context, text(ofStatement<StatementClock>(context).now)); });
+}
+
 template<typename Part>
 void partOfDate(sqlite3_context* context, sqlite3_value** values, Part part) {
     barrier(context, [&] {
@@ -77,15 +90,28 @@ void partOfTime(sqlite3_context* context, sqlite3_value** values, Part part) {
 } // namespace
 
 void curDate(sqlite3_context* context, int, sqlite3_value**) {
-    barrier(context, [&] { resultText(context, toString(QDate::currentDate())); });
+    tell(context, [](const QDateTime& now) { return toString(now.date()); });
 }
 
 void curTime(sqlite3_context* context, int, sqlite3_value**) {
-    barrier(context, [&] { resultText(context, toString(QTime::currentTime())); });
+    tell(context, [](const QDateTime& now) { return toString(now.time()); });
 }
 
 void curDateTime(sqlite3_context* context, int, sqlite3_value**) {
-    barrier(context, [&] { resultText(context, toString(QDateTime::currentDateTime())); });
+    tell(context, [](const QDateTime& now) { return toString(now); });
+}
+
+void currentDate(sqlite3_context* context, int, sqlite3_value**) {
+    tell(context, [](const QDateTime& now) { return toString(now.toUTC().date()); });
+}
+
+void currentTime(sqlite3_context* context, int, sqlite3_value**) {
+    tell(context, [](const QDateTime& now) { return now.toUTC().toString(QStringLiteral("hh:mm:ss")); });
+}
+
+void currentTimestamp(sqlite3_context* context, int, sqlite3_value**) {
+    tell(context,
+         [](const QDateTime& now) { return now.toUTC().toString(QStringLiteral("yyyy-MM-dd hh:mm:ss")); });
 }
 
 void stringToDate(sqlite3_context* context, int, sqlite3_value** values) {

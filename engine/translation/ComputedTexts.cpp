@@ -16,13 +16,12 @@ using namespace sql;
 /// The usual functions that give numbers or geometries.
 bool neverGivesText(const std::wstring& function) {
     static constexpr std::wstring_view names[] = {
-        L"abs",         L"area",      L"avg",       L"buffer",     L"centroid",   L"centroidx",
-        L"centroidy",   L"count",     L"cume_dist", L"dense_rank", L"distance",   L"instr",
-        L"int",         L"len",       L"length",    L"makepoint",  L"ntile",      L"percent_rank",
-        L"perimeter",   L"rank",      L"round",     L"roundby",    L"row_number", L"rownum",
-        L"sign",        L"sqr",       L"sqrt",      L"st_area",    L"st_buffer",  L"st_centroid",
-        L"st_distance", L"st_length", L"st_x",      L"st_y",       L"sum",        L"total",
-        L"transform",   L"val",       L"x",         L"y"};
+        L"abs",    L"area",      L"avg",        L"buffer",      L"centroid",     L"centroidx",  L"centroidy",
+        L"count",  L"cume_dist", L"dense_rank", L"distance",    L"instr",        L"int",        L"len",
+        L"length", L"makepoint", L"median",     L"ntile",       L"percent_rank", L"percentile", L"perimeter",
+        L"rank",   L"round",     L"roundby",    L"row_number",  L"rownum",       L"sign",       L"sqr",
+        L"sqrt",   L"st_area",   L"st_buffer",  L"st_centroid", L"st_distance",  L"st_length",  L"st_x",
+        L"st_y",   L"sum",       L"total",      L"transform",   L"val",          L"x",          L"y"};
     return std::binary_search(std::begin(names), std::end(names), toLowercase(function));
 }
 

@@ -35,6 +35,7 @@ constexpr DistanceFunction functions[] = {
     {L"cartesianobjectdistance", L"2", false},
     {L"withindistance", L"0", true},
     {L"ptdistwithin", L"0", true},
+    {L"st_dwithin", L"0", true},
 };
 
 /// What a term says: the distance between two objects is at most a value.

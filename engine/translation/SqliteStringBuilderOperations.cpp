@@ -88,6 +88,51 @@ const wchar_t* conversionOf(const ast::Operation& node) {
                                          : nullptr;
 }
 
+ast::NodePtr textOf(std::wstring text) {
+    return std::make_shared<ast::String>(std::move(text));
+}
+
+/// The words by which engine::StringAgg knows how a key is ordered.
+std::wstring directionOf(const ast::SortSpecification& term, const ast::Operation* collation) {
+    using Sort = ast::SortSpecification;
+    std::wstring words = term.direction == Sort::Direction::Descending ? L"desc" : L"";
+    if (term.nulls != Sort::Nulls::Unstated) {
+        words += term.nulls == Sort::Nulls::First ? L" nulls first" : L" nulls last";
+    }
+    return collation ? words + L' ' + toLowercase(collation->name()) : words;
+}
+
+/// An aggregate of texts as SQLite can call it: Group_Concat, or String_Agg with what orders them among its
+/// arguments. Null for other functions, and for one that is that already.
+std::shared_ptr<const ast::Function> joinedTexts(const ast::Function& node) {
+    const std::wstring name = toLowercase(node.name);
+    const bool isOurs = name == L"string_agg" && node.arguments.size() <= 2;
+    if ((!isOurs && name != L"group_concat") || node.arguments.empty()) {
+        return nullptr;
+    }
+    auto call = std::make_shared<ast::Function>(node);
+    call->orderBy.clear();
+    if (node.orderBy.empty() && !(node.distinct && node.arguments.size() > 1)) {
+        call->name = isOurs ? L"Group_Concat" : node.name;
+        return isOurs ? call : nullptr;
+    }
+    call->name = L"String_Agg";
+    call->distinct = false;
+    if (call->arguments.size() == 1) {
+        call->arguments.push_back(textOf(L","));
+    }
+    call->arguments.push_back(textOf(node.distinct ? L"distinct" : L""));
+    for (const ast::NodePtr& each : node.orderBy) {
+        const auto* term = ast::nodeAs<ast::SortSpecification>(each);
+        const auto* operation = ast::nodeAs<ast::Operation>(term->key);
+        const auto* collation =
+            operation && operation->code() == OperationCode::Collate ? operation : nullptr;
+        call->arguments.push_back(collation ? collation->left() : term->key);
+        call->arguments.push_back(textOf(directionOf(*term, collation)));
+    }
+    return call;
+}
+
 /// Whether the function compares its arguments, and so wants their collation.
 bool comparesArguments(const std::wstring& lowercaseName) {
     return lowercaseName == L"max" || lowercaseName == L"min" || lowercaseName == L"nullif";
@@ -166,6 +211,9 @@ std::wstring SqliteStringBuilder::ternaryToString(TernaryLogic::Value value) {
 }
 
 void SqliteStringBuilder::visit(const ast::Function& node) {
+    if (const auto joined = joinedTexts(node)) {
+        return visit(*joined);
+    }
     const std::wstring lowercase = toLowercase(node.name);
     if (lowercase == L"rownum") {
         return push(L"row_number() Over (Order By 1)");
@@ -178,6 +226,7 @@ void SqliteStringBuilder::visit(const ast::Function& node) {
     }
     ast::Function call = node;
     call.name = sqlFunctionName(node.name);
+    call.form = node.form == ast::Function::Extraction ? ast::Function::Call : node.form;
     if (!collate_.isEmpty() && (node.distinct || comparesArguments(lowercase))) {
         for (ast::NodePtr& argument : call.arguments) {
             argument = isComputedText(argument) ? collated(argument) : argument;

@@ -1,5 +1,6 @@
 #include "host/adaptor/functions/ScalarRecord.h"
 
+#include <orvane/engine/functions/Aggregates.h>
 #include <orvane/engine/functions/Arithmetic.h>
 
 namespace orvane::adaptor {
@@ -33,6 +34,15 @@ const FunctionRecord records[] = {
     pureFunction(
         "Maximum", arithmetic, Arity::exactly(2), engine::maximum,
         {"Maximum(a, b)", "The larger of two numbers; NULL if either is no number.", "Maximum(3, 2.5)", "3"}),
+    environmentFunction(
+        "Greatest", arithmetic, Arity::any(), engine::greatest,
+        {"Greatest(x, y, ...)",
+         "The greatest of several values in the order of Order By. NULLs are left out: only where all "
+         "are NULL the answer is. (Max of several values is NULL where one is.)",
+         "Greatest(2, NULL, 10.5)", "10.5"}),
+    environmentFunction("Least", arithmetic, Arity::any(), engine::least,
+                        {"Least(x, y, ...)", "The least of several values likewise; NULLs are left out.",
+                         "Least('b', NULL, 'A')", "A"}),
     pureFunction(
         "Sign", arithmetic, Arity::exactly(1), engine::sign,
         {"Sign(x)", "-1 for a negative number, 0 for zero, 1 for a positive one.", "Sign(-2.5)", "-1"}),
@@ -66,6 +76,26 @@ const FunctionRecord records[] = {
         {"WtAvgSafe(value, weight)",
          "The same as WtAvg without a large intermediate sum; an error once the weights add up to zero.",
          "(Select WtAvgSafe(v, w) From (Select 10 As v, 1 As w Union All Select 20, 3) t)", "17.5"}),
+    windowFunction<engine::Median>(
+        "Median", aggregates, Arity::exactly(1),
+        {"Median(x)",
+         "The number in the middle of a group, the mean of two where there is none; rows that are NULL or no "
+         "number "
+         "are left out. May stand before Over.",
+         "(Select Median(x) From (Select 1 As x Union All Select 2 Union All Select 7) t)", "2"}),
+    windowFunction<engine::Percentile>(
+        "Percentile", aggregates, Arity::exactly(2),
+        {"Percentile(x, share)",
+         "The number below which a share of a group lies, 0.9 for nine tenths, interpolated between the two "
+         "next to "
+         "it; rows that are NULL or no number are left out. May stand before Over.",
+         "(Select Percentile(x, 0.75) From (Select 1 As x Union All Select 2) t)", "1.75"}),
+    aggregateFunction<engine::StringAgg>(
+        "String_Agg", aggregates, Arity::any(),
+        {"String_Agg([Distinct] x, separator [Order By y, ...])",
+         "The texts of a group in one, in an order; rows that are NULL are left out.",
+         "(Select String_Agg(x, '; ' Order By x Desc) From (Select 'a' As x Union All Select 'b') t)",
+         "b; a"}),
 };
 
 } // namespace

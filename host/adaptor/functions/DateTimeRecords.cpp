@@ -15,8 +15,19 @@ const FunctionRecord records[] = {
                         {"CurDate()", "Today's date.", "CurDate()", nullptr}),
     environmentFunction("CurTime", group, none, engine::curTime,
                         {"CurTime()", "The current local time.", "CurTime()", nullptr}),
-    environmentFunction("CurDateTime", group, none, engine::curDateTime,
-                        {"CurDateTime()", "The current local date and time.", "CurDateTime()", nullptr}),
+    alsoNamed("Now",
+              environmentFunction("CurDateTime", group, none, engine::curDateTime,
+                                  {"CurDateTime()",
+                                   "The current local date and time, the same in all rows of a statement.",
+                                   "CurDateTime()", nullptr})),
+    environmentFunction("Current_Date", group, none, engine::currentDate,
+                        {"Current_Date", "The date in UTC.", "Length(Current_Date)", "10"}),
+    environmentFunction("Current_Time", group, none, engine::currentTime,
+                        {"Current_Time", "The time in UTC.", "Length(Current_Time)", "8"}),
+    environmentFunction("Current_Timestamp", group, none, engine::currentTimestamp,
+                        {"Current_Timestamp",
+                         "The date and time in UTC, the same in all rows of a statement.",
+                         "Length(Current_Timestamp)", "19"}),
     environmentFunction(
         "StringToDate", group, one, engine::stringToDate,
         {"StringToDate(text)",
@@ -51,6 +62,22 @@ const FunctionRecord records[] = {
     pureFunction("GetTime", group, one, engine::getTime,
                  {"GetTime(dateTime)", "The time of a date and time.", "GetTime('2021-03-15 12:30:00')",
                   "12:30:00.000"}),
+    alsoNamed("Date_Part",
+              pureFunction(
+                  "Extract", group, Arity::exactly(2), engine::extract,
+                  {"Extract(part From date)",
+                   "A part of a date or time as a number: year, quarter, month, week and isoyear (ISO 8601), "
+                   "day, doy (day of the year), dow (0 for Sunday), isodow (7 for Sunday), hour, minute, "
+                   "second. NULL where there is none. Extract('year', date) is the same.",
+                   "Extract(quarter From '2021-05-15')", "2"})),
+    alsoNamed(
+        "DateTrunc",
+        pureFunction(
+            "Date_Trunc", group, Arity::exactly(2), engine::dateTrunc,
+            {"Date_Trunc(part, date)",
+             "The beginning of the year, quarter, month, week (a Monday), day, hour, minute or second "
+             "in which a date or time lies; a date stays a date. NULL for a part of the date of a time.",
+             "Date_Trunc('month', '2021-05-15')", "2021-05-01"})),
 };
 
 } // namespace

@@ -40,6 +40,9 @@ struct FunctionRecord {
     const char* result;    ///< its value as the shell prints it, "NULL" for none; null when it depends on the
                            ///< clock or the locale
     std::array<const char*, 7> otherNames{}; ///< of the same function; null behind the last
+    Scalar inverse =
+        nullptr; ///< takes a row out of a window; null where the aggregate may not stand before Over
+    Final value = nullptr; ///< what is so far in the window; set with `inverse`
 
     /// False for what a library brings along, which is documented and tested only.
     bool isRegistered() const { return scalar != nullptr || step != nullptr; }

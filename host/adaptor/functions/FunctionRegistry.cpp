@@ -114,8 +114,12 @@ int registerFunctions(sqlite3* database, std::span<const FunctionRecord> records
             record.encoding | (record.deterministic ? SQLITE_DETERMINISTIC : 0) | SQLITE_INNOCUOUS;
         for (const char* name : record.names()) {
             for (int arity = record.arity.minimum; arity <= record.arity.maximum; ++arity) {
-                const int code = sqlite3_create_function_v2(
-                    database, name, arity, flags, cache, record.scalar, record.step, record.final, nullptr);
+                const int code =
+                    record.inverse
+                        ? sqlite3_create_window_function(database, name, arity, flags, cache, record.step,
+                                                         record.final, record.value, record.inverse, nullptr)
+                        : sqlite3_create_function_v2(database, name, arity, flags, cache, record.scalar,
+                                                     record.step, record.final, nullptr);
                 if (code != SQLITE_OK) {
                     return code;
                 }

@@ -82,7 +82,7 @@ const FunctionRecord records[] = {
                    "RoundBy(Distance(MakePoint(37.62, 55.75, 4326), MakePoint(30.31, 59.94, 4326), 'km'), 2)",
                    "636.66"})),
     alsoNamed(
-        "PtDistWithin",
+        {"PtDistWithin", "ST_DWithin"},
         pureFunction("WithinDistance", distances, Arity::between(3, 4), engine::withinDistance,
                      {"WithinDistance(a, b, distance [, units])",
                       "1 when the distance of two objects is at most a number; NULL for an empty object.",

@@ -55,4 +55,14 @@ constexpr FunctionRecord aggregateFunction(const char* name, const char* group, 
             text.signature, text.summary, text.example,    text.result};
 }
 
+/// One that may stand before Over; it has inverse and value, too.
+template<typename Aggregate>
+constexpr FunctionRecord windowFunction(const char* name, const char* group, Arity arity,
+                                        Documentation text) {
+    FunctionRecord record = aggregateFunction<Aggregate>(name, group, arity, text);
+    record.inverse = Aggregate::inverse;
+    record.value = Aggregate::value;
+    return record;
+}
+
 } // namespace orvane::adaptor

@@ -67,16 +67,25 @@ const FunctionRecord records[] = {
                  {"Repeat(count, text)",
                   "The first character of a text, a number of times; of an empty text or NULL, blanks.",
                   "Repeat(3, 'xyz')", "xxx"}),
-    pureFunction("Like", patterns, two, engine::caseInsensitiveLike,
-                 {"text Like pattern",
-                  "1 when the text matches without regard to case: % is any run, _ one character.",
-                  "'МОСКВА' Like 'мос%'", "1"}),
+    alsoNamed("ILike",
+              pureFunction("Like", patterns, two, engine::caseInsensitiveLike,
+                           {"text Like pattern",
+                            "1 when the text matches without regard to case: % is any run, _ one character.",
+                            "'МОСКВА' Like 'мос%'", "1"})),
     pureFunction(
-        "Like", patterns, Arity::exactly(3), engine::caseInsensitiveLikeEscape,
-        {"text Like pattern Escape character",
-         "The same; the escape makes the next character literal. Of a longer one the first character "
-         "counts; an empty one and NULL mean none.",
-         "'100%' Like '1__!%' Escape '!'", "1"}),
+        "RegExp", patterns, two, engine::regExp,
+        {"text RegExp pattern",
+         "1 when a part of the text matches a Perl-compatible regular expression, without regard to case "
+         "unless the pattern begins with (?-i).",
+         "'ул. Мира, 12' RegExp '^ул.*\\d+$'", "1"}),
+    alsoNamed(
+        "ILike",
+        pureFunction(
+            "Like", patterns, Arity::exactly(3), engine::caseInsensitiveLikeEscape,
+            {"text Like pattern Escape character",
+             "The same; the escape makes the next character literal. Of a longer one the first character "
+             "counts; an empty one and NULL mean none.",
+             "'100%' Like '1__!%' Escape '!'", "1"})),
     pureFunction("Glob", patterns, two, engine::caseInsensitiveGlob,
                  {"text Glob pattern",
                   "1 when the text matches without regard to case: * is any run, ? one character, [a-z] one "

@@ -137,6 +137,19 @@ constexpr PlainMessage plainMessages[] = {
      QT_TRANSLATE_NOOP("orvane::shell::Shell", "место, с которого ищет InStr, должно быть не меньше 1")},
     {"^occurence must be >= 1$",
      QT_TRANSLATE_NOOP("orvane::shell::Shell", "номер вхождения для InStr должен быть не меньше 1")},
+    {"^RegExp: the pattern takes too many steps",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell",
+                       "регулярное выражение требует на одном тексте больше миллиона шагов: упростите его"),
+     sql::Keyword::RegExp},
+    {"^RegExp: (.*)$", QT_TRANSLATE_NOOP("orvane::shell::Shell", "ошибка в регулярном выражении: %1"),
+     sql::Keyword::RegExp},
+    {"^(?:Extract|Date_Trunc): unknown part (.*)$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "неизвестная часть даты: %1")},
+    {"^Percentile: the share has to lie",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell",
+                       "доля для Percentile лежит между 0 и 1: девяносто процентов пишутся 0.9")},
+    {"^Percentile: the share differs",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell", "доля для Percentile должна быть одной на всю группу")},
     {"^(?:Unexpected error|Unknown failure)$",
      QT_TRANSLATE_NOOP("orvane::shell::Shell", "функция не смогла вычислить значение")},
     {"^malformed JSON$", QT_TRANSLATE_NOOP("orvane::shell::Shell", "текст не является записью JSON")},
@@ -243,6 +256,9 @@ Problem SqliteErrors::explain(const QString& message) const {
         }
         if (!place) {
             place = placeOfKeyword(plain.keyword);
+        }
+        if (!place) {
+            place = placeOfNamedFunction(message);
         }
         return {text.contains(QLatin1String("%1")) ? text.arg(engine::dialectFunctionName(name)) : text,
                 place};

@@ -46,6 +46,7 @@ enum class Keyword : unsigned char {
     Group,
     Groups,
     Having,
+    ILike,
     In,
     Inner,
     Insert,
@@ -80,6 +81,7 @@ enum class Keyword : unsigned char {
     Preceding,
     Range,
     Recursive,
+    RegExp,
     Right,
     Row,
     Rows,
@@ -104,7 +106,7 @@ enum class Keyword : unsigned char {
     Xor
 };
 
-constexpr int keywordCount = 93;
+constexpr int keywordCount = 95;
 
 /// The keyword that a bare word is, letter case ignored; None when it is a plain name.
 ORVANE_PLATFORM_EXPORT Keyword findKeyword(std::wstring_view word);

@@ -109,7 +109,9 @@ OperationCode Parser::infixKeyword() const {
     case Keyword::Is: return OperationCode::Is;
     case Keyword::In: return OperationCode::In;
     case Keyword::Between: return OperationCode::Between;
+    case Keyword::ILike: // letter case makes no difference to Like
     case Keyword::Like: return OperationCode::Like;
+    case Keyword::RegExp: return OperationCode::RegExp;
     case Keyword::Glob: return OperationCode::Glob;
     case Keyword::Intersects: return OperationCode::Intersects;
     case Keyword::Within: return OperationCode::Within;
@@ -127,7 +129,9 @@ OperationCode Parser::infixKeyword() const {
         switch (peek(1).keyword) {
         case Keyword::In: return OperationCode::NotIn;
         case Keyword::Between: return OperationCode::NotBetween;
+        case Keyword::ILike:
         case Keyword::Like: return OperationCode::NotLike;
+        case Keyword::RegExp: return OperationCode::NotRegExp;
         case Keyword::Glob: return OperationCode::NotGlob;
         default: return OperationCode::None;
         }
@@ -141,6 +145,7 @@ void Parser::skipOperator(OperationCode code) {
     case OperationCode::NotBetween:
     case OperationCode::NotLike:
     case OperationCode::NotGlob:
+    case OperationCode::NotRegExp:
     case OperationCode::ContainsPart:
     case OperationCode::ContainsEntire:
     case OperationCode::PartlyWithin:

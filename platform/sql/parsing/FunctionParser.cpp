@@ -1,4 +1,7 @@
+#include "platform/sql/lexing/SqlStrings.h"
 #include "platform/sql/parsing/Parser.h"
+
+#include <QCoreApplication>
 
 #include <utility>
 
@@ -11,12 +14,28 @@ ast::NodePtr Parser::parseFunction(std::wstring name) {
     if (at(TokenKind::Asterisk)) {
         advance();
         function->arguments.push_back(std::make_shared<ast::QualifiedAsterisk>());
+    } else if (at(TokenKind::Word) && atAhead(1, Keyword::From) &&
+               toLowercase(function->name) == L"extract") {
+        function->form = ast::Function::Extraction;
+        const std::size_t first = pos_;
+        function->arguments.push_back(placed(first, std::make_shared<ast::String>(takeValue())));
+        expect(Keyword::From);
+        function->arguments.push_back(parseExpression());
     } else if (!at(TokenKind::RightParenthesis)) {
         function->distinct = accept(Keyword::Distinct);
         if (!function->distinct) {
             accept(Keyword::All);
         }
         function->arguments = parseExpressions();
+    }
+    if (at(Keyword::Order) && !function->arguments.empty()) {
+        const std::wstring lowercase = toLowercase(function->name);
+        if (lowercase != L"string_agg" && lowercase != L"group_concat") {
+            failAt(peek(), QCoreApplication::translate(
+                               "orvane::sql", "порядок строк внутри функции знают только String_Agg и "
+                                              "Group_Concat"));
+        }
+        function->orderBy = parseOrderBy();
     }
     expect(TokenKind::RightParenthesis);
     if (at(Keyword::Filter) && atAhead(1, TokenKind::LeftParenthesis)) {

@@ -28,10 +28,10 @@ const std::bitset<keywordCount>& statementKeywords() {
 
 /// Words that continue an expression; the parser does not ask for them one by one.
 const std::bitset<keywordCount>& operatorKeywords() {
-    static const auto set =
-        keywordSet(Keyword::And, Keyword::Or, Keyword::Xor, Keyword::Not, Keyword::In, Keyword::Is,
-                   Keyword::Between, Keyword::Like, Keyword::Glob, Keyword::Contains, Keyword::Intersects,
-                   Keyword::Within, Keyword::Entirely, Keyword::Partly, Keyword::Mod, Keyword::Collate);
+    static const auto set = keywordSet(
+        Keyword::And, Keyword::Or, Keyword::Xor, Keyword::Not, Keyword::In, Keyword::Is, Keyword::Between,
+        Keyword::Like, Keyword::ILike, Keyword::Glob, Keyword::RegExp, Keyword::Contains, Keyword::Intersects,
+        Keyword::Within, Keyword::Entirely, Keyword::Partly, Keyword::Mod, Keyword::Collate);
     return set;
 }
 

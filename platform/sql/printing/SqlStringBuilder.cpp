@@ -61,7 +61,9 @@ constexpr std::array<const wchar_t*, operationCodeCount> operatorTexts{L"",
                                                                        L"Within",
                                                                        L"Partly Within",
                                                                        L"Entirely Within",
-                                                                       L"Collate"};
+                                                                       L"Collate",
+                                                                       L"RegExp",
+                                                                       L"Not RegExp"};
 
 bool isSqliteKeyword(std::wstring_view name) {
     constexpr std::size_t longest = 32;
@@ -381,12 +383,22 @@ void SqlStringBuilder::visit(const ast::Function& node) {
         return;
     }
     appendName(text, node.name, NameUse::Call);
+    if (const auto* part = node.form == ast::Function::Extraction && node.arguments.size() == 2
+                               ? ast::nodeAs<ast::String>(node.arguments.front())
+                               : nullptr) {
+        text += L'(' + part->value + L" From " + renderValue(node.arguments.back()) + L')';
+        return push(std::move(text));
+    }
     text += node.distinct ? L"(Distinct " : L"(";
     const wchar_t* separator = L"";
     for (const ast::NodePtr& argument : node.arguments) {
         text += separator;
         text += renderValue(argument);
         separator = L",";
+    }
+    if (!node.orderBy.empty()) {
+        text += L" Order By ";
+        appendList(text, node.orderBy);
     }
     text.push_back(L')');
     if (node.filter) {

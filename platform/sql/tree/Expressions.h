@@ -134,8 +134,9 @@ struct Window {
 
 /// A call of a function.
 struct ORVANE_PLATFORM_EXPORT Function : NodeOfKind<NodeKind::Function> {
-    /// How the call is written: `f(…)`, or a bare word such as rownum or Current_Date.
-    enum Form : int { Call = 0, Bare = 1 };
+    /// How the call is written: `f(…)`, a bare word such as rownum or Current_Date, or `Extract(part From
+    /// value)`, whose first argument is the part as a String.
+    enum Form : int { Call = 0, Bare = 1, Extraction = 2 };
 
     explicit Function(std::wstring functionName, NodeList functionArguments = {}, int callForm = Call)
         : name(std::move(functionName)), form(callForm), arguments(std::move(functionArguments)) {}
@@ -144,6 +145,7 @@ struct ORVANE_PLATFORM_EXPORT Function : NodeOfKind<NodeKind::Function> {
     bool distinct = false;              ///< `f(Distinct x)`
     int form;                           ///< Form
     NodeList arguments;                 ///< a QualifiedAsterisk for `Count(*)`
+    NodeList orderBy;                   ///< SortSpecification, of an aggregate of texts: `f(x Order By y)`
     NodePtr filter;                     ///< condition of `Filter (Where …)`, or null
     std::shared_ptr<const Window> over; ///< null unless called as a window function
 };

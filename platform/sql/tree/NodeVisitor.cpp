@@ -24,7 +24,7 @@ public:
     }
     void visit(const FromSource& node) override { add(node.sources); }
     void visit(const Function& node) override {
-        add(node.arguments, node.filter);
+        add(node.arguments, node.orderBy, node.filter);
         if (node.over) {
             add(node.over->partitionBy, node.over->orderBy);
             if (node.over->frame) {

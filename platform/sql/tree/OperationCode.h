@@ -50,10 +50,12 @@ enum class OperationCode : int {
     Within = 41,
     PartlyWithin = 42,
     EntirelyWithin = 43,
-    Collate = 44
+    Collate = 44,
+    RegExp = 45,
+    NotRegExp = 46
 };
 
-constexpr int operationCodeCount = 45;
+constexpr int operationCodeCount = 47;
 
 /// How tightly operators bind, loosest first. `Primary` is what needs no parentheses anywhere.
 enum class Precedence : int {

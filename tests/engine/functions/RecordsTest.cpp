@@ -41,7 +41,8 @@ const std::vector<std::string> everyKindOfValue = orvane::tests::pieces(
 /// shell/errors.txt has it.
 const std::vector<std::string> knownErrors = orvane::tests::pieces(
     "Division by zero|Integer overflow|Power overflow|Sum overflow.|Square root from negative value|"
-    "start_at must be >= 1|occurence must be >= 1|Invalid argument count. Usage: |string or blob too big|"
+    "start_at must be >= 1|occurence must be >= 1|Invalid argument count. Usage: |wrong number of arguments "
+    "to function |string or blob too big|"
     "Неизвестная единица ");
 
 bool isKnownError(const FunctionRecord& record, const std::string& result) {

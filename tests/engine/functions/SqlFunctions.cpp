@@ -17,7 +17,7 @@ namespace orvane::tests {
 namespace {
 
 QString quoted(QString expression) {
-    static const QRegularExpression call(QStringLiteral("\\b(Left|Right|xor|Like|Glob)\\("));
+    static const QRegularExpression call(QStringLiteral("\\b(Left|Right|xor|Like|Glob|RegExp)\\("));
     expression.replace(call, QStringLiteral("\"\\1\"("));
     return expression;
 }

@@ -50,7 +50,7 @@ public:
              pieces("xor|concat|divide|quotient|involution|ContainsCentroid|CentroidWithin|ST_Within|ST_"
                     "Contains|ST_Intersects|ObjectArea|ObjectPerimeter|RoundTo|MakeValidGeo|GetDate|Left|"
                     "Right|Mod|"
-                    "Contains|Buffer|Centroid")) {
+                    "Contains|Buffer|Centroid|RegExp|ILike|Extract|Date_Part|String_Agg")) {
             const auto nothing = [](sqlite3_context*, int, sqlite3_value**) {};
             sqlite3_create_function(handle(), name.c_str(), -1, SQLITE_UTF8, nullptr, nothing, nullptr,
                                     nullptr);

@@ -117,6 +117,7 @@ TEST_F(SpatialConditions, AreLookedUpFromBothSidesAndInJoins) {
           "Select Count(*) From a Left Join b On Distance(b.obj, a.obj, 'km') < 30",
           "Select Count(*) From a Where Exists (Select 1 From b Where PtDistWithin(a.obj, b.obj, 30000))",
           "Select Count(*) From a Where Distance(obj, MakePoint(30, 60, 4326), 'km') < 30 And id > 3",
+          "Select Count(*) From a Where ST_DWithin(obj, MakePoint(30, 60, 4326), 30, 'km')",
           "Update a Set id = id Where Distance(obj, MakePoint(30, 60, 4326), 'km') < 30"}) {
         const std::string plan =
             ask("Explain Query Plan " + engine().translate(std::string(text)).toStdString());

@@ -26,6 +26,10 @@ ORVANE_ENGINE_EXPORT void xorLogical(sqlite3_context* context, int count, sqlite
 /// The smaller (larger) of two numbers, a float. The first one where neither is smaller (larger).
 ORVANE_ENGINE_EXPORT void minimum(sqlite3_context* context, int count, sqlite3_value** values);
 ORVANE_ENGINE_EXPORT void maximum(sqlite3_context* context, int count, sqlite3_value** values);
+/// The greatest (least) of any number of values in the order of Order By: numbers, texts under Locale, bytes.
+/// NULLs are left out; NULL where there is nothing else. An error without arguments.
+ORVANE_ENGINE_EXPORT void greatest(sqlite3_context* context, int count, sqlite3_value** values);
+ORVANE_ENGINE_EXPORT void least(sqlite3_context* context, int count, sqlite3_value** values);
 /// -1, 0 or 1.
 ORVANE_ENGINE_EXPORT void sign(sqlite3_context* context, int count, sqlite3_value** values);
 /// The integer towards zero; of a text its leading digits.

@@ -5,13 +5,19 @@
 #include <sqlite3.h>
 
 /// The date and time functions of the dialect. Dates and times are texts in the formats of Converters.h;
-/// local means the time zone of the process. None raises an SQL error. Reentrant.
+/// local means the time zone of the process. None raises an SQL error unless stated otherwise. Reentrant.
 namespace orvane::engine {
 
-/// The current local date, time, or both. The clock is read on each call.
+/// The current local date, time, or both. The clock is read once in a statement.
 ORVANE_ENGINE_EXPORT void curDate(sqlite3_context* context, int count, sqlite3_value** values);
 ORVANE_ENGINE_EXPORT void curTime(sqlite3_context* context, int count, sqlite3_value** values);
 ORVANE_ENGINE_EXPORT void curDateTime(sqlite3_context* context, int count, sqlite3_value** values);
+
+/// The same in UTC, to the second: what SQLite's keywords Current_Date, Current_Time and Current_Timestamp
+/// call.
+ORVANE_ENGINE_EXPORT void currentDate(sqlite3_context* context, int count, sqlite3_value** values);
+ORVANE_ENGINE_EXPORT void currentTime(sqlite3_context* context, int count, sqlite3_value** values);
+ORVANE_ENGINE_EXPORT void currentTimestamp(sqlite3_context* context, int count, sqlite3_value** values);
 
 /// Reads a date, a time or both out of free text: fields in any order, Russian and English names of months
 /// and days of the week, compact dates of eight digits, "today" and "now". What a date lacks comes from
@@ -36,5 +42,14 @@ ORVANE_ENGINE_EXPORT void second(sqlite3_context* context, int count, sqlite3_va
 /// The date (time) of a date-time text; NULL when it is none.
 ORVANE_ENGINE_EXPORT void getDate(sqlite3_context* context, int count, sqlite3_value** values);
 ORVANE_ENGINE_EXPORT void getTime(sqlite3_context* context, int count, sqlite3_value** values);
+
+/// `extract(part, value)`: the number of a part of a date or time text: year, quarter, month, week and
+/// isoyear (ISO 8601), day, doy, dow (0 for Sunday), isodow (7 for Sunday), hour, minute, second. NULL where
+/// the value has no such part; an error for an unknown one.
+ORVANE_ENGINE_EXPORT void extract(sqlite3_context* context, int count, sqlite3_value** values);
+/// `dateTrunc(part, value)`: the beginning of the year, quarter, month, week (a Monday), day, hour, minute or
+/// second in which a date or time lies, in the form of the value. NULL for what is none, and for a part of
+/// the date of a time; an error for an unknown part.
+ORVANE_ENGINE_EXPORT void dateTrunc(sqlite3_context* context, int count, sqlite3_value** values);
 
 } // namespace orvane::engine

@@ -55,6 +55,12 @@ ORVANE_ENGINE_EXPORT void caseInsensitiveLike(sqlite3_context* context, int coun
 ORVANE_ENGINE_EXPORT void caseInsensitiveLikeEscape(sqlite3_context* context, int count,
                                                     sqlite3_value** values);
 
+/// `regExp(pattern, text)`: 1 when a part of the text matches the Perl-compatible regular expression, without
+/// regard to case unless the pattern says `(?-i)`, else 0. Classes such as \\w know all alphabets. A pattern
+/// that is constant in a statement is compiled once. Errors for a faulty pattern, and for one that takes more
+/// than a million steps on a text.
+ORVANE_ENGINE_EXPORT void regExp(sqlite3_context* context, int count, sqlite3_value** values);
+
 /// Negative, zero or positive: by code units (by the rules of the system's locale).
 ORVANE_ENGINE_EXPORT void caseSensitiveCompare(sqlite3_context* context, int count, sqlite3_value** values);
 ORVANE_ENGINE_EXPORT void caseSensitiveLocaleCompare(sqlite3_context* context, int count,
