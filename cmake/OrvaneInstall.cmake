@@ -1,5 +1,5 @@
 # What a host application needs: the libraries, the shell, the driver plug-in, the English texts, the headers, and the package
-# for find_package(Orvane COMPONENTS Adaptor Files). Engine and Platform always come along.
+# for find_package(Orvane COMPONENTS Adaptor Files Postgres). Engine and Platform always come along.
 #
 # Headers lie below include/orvane as they do in the sources, so that they find each other; a host includes
 # <orvane/...>, <platform/...> and <host/...>. Of the adaptor and the providers those that are for hosts are installed.
@@ -7,6 +7,9 @@
 # Components: "runtime" is what a built host needs, "development" what building one needs, "shell" the command.
 
 set(ORVANE_COMPONENTS Platform Engine Adaptor Files Maps)
+if(ORVANE_WITH_POSTGRES)
+    list(APPEND ORVANE_COMPONENTS Postgres)
+endif()
 set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/Orvane")
 set(header_dir "${CMAKE_INSTALL_INCLUDEDIR}/orvane")
 set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME development)
@@ -67,6 +70,11 @@ foreach(header FilesExtension FileSource LayerTable)
 endforeach()
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/host/maps" DESTINATION "${header_dir}/host"
     FILES_MATCHING PATTERN "*.h" PATTERN "FeatureStore.h" EXCLUDE)
+if(ORVANE_WITH_POSTGRES)
+    foreach(header PostgresExtension PostgresSource PostgresTable)
+        install(FILES "${PROJECT_SOURCE_DIR}/host/postgres/${header}.h" DESTINATION "${header_dir}/host/postgres")
+    endforeach()
+endif()
 
 configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/OrvaneConfig.cmake.in"
     "${PROJECT_BINARY_DIR}/OrvaneConfig.cmake" INSTALL_DESTINATION "${package_dir}"

@@ -6,8 +6,8 @@ packages="
 build-essential cmake ninja-build ccache git pkg-config
 qtbase5-dev libqt5sql5-sqlite libqt5svg5-dev qttools5-dev qttools5-dev-tools fonts-dejavu-core
 libsqlite3-dev libspatialite-dev libgeos-dev libproj-dev proj-data libgdal-dev gdal-bin
-libintelrdfpmath-dev libboost-dev libcli11-dev libedit-dev
-libgtest-dev libgmock-dev libbenchmark-dev python3
+libintelrdfpmath-dev libboost-dev libcli11-dev libedit-dev libpq-dev
+libgtest-dev libgmock-dev libbenchmark-dev python3 postgresql postgresql-15-postgis-3
 clang clang-format clang-tidy libclang-rt-14-dev
 "
 

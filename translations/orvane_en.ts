@@ -980,6 +980,10 @@
 <context>
     <name>orvane::shell::Shell</name>
     <message>
+        <source>эта сборка не открывает базы PostgreSQL</source>
+        <translation>this build does not open PostgreSQL databases</translation>
+    </message>
+    <message>
         <source>геометрия не переводится в WGS 84 из %0, а geojson иных координат не знает</source>
         <translation>the geometry cannot be transformed from %0 into WGS 84, and geojson knows no other coordinates</translation>
     </message>
@@ -1936,6 +1940,33 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
     <message>
         <source>координаты не переводятся из системы «%0» в систему «%1»</source>
         <translation>coordinates cannot be transformed from the system "%0" to the system "%1"</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::postgres</name>
+    <message>
+        <source>Адрес базы PostgreSQL не разобрать; нужно «postgresql://узел:порт/база» или «PG:host=узел port=порт dbname=база», особые знаки в нём как %XX или в ''</source>
+        <translation>The address of the PostgreSQL database cannot be read; needed is "postgresql://host:port/database" or "PG:host=host port=port dbname=database", special characters in it as %XX or within ''</translation>
+    </message>
+    <message>
+        <source>%1: сервер не отвечает</source>
+        <translation>%1: the server does not answer</translation>
+    </message>
+    <message>
+        <source>%1: нет соединения с сервером</source>
+        <translation>%1: no connection to the server</translation>
+    </message>
+    <message>
+        <source>%1: нет соединения с сервером: %2</source>
+        <translation>%1: no connection to the server: %2</translation>
+    </message>
+    <message>
+        <source>В базе «%1» нет таблиц, которые можно читать</source>
+        <translation>The database "%1" has no tables that can be read</translation>
+    </message>
+    <message>
+        <source>В базе «%1» нет таблицы «%2», или её нельзя читать</source>
+        <translation>The database "%1" has no table "%2", or it cannot be read</translation>
     </message>
 </context>
 </TS>

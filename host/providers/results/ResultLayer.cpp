@@ -3,8 +3,8 @@
 #include "host/providers/datasets/CheckedFiles.h"
 #include "host/providers/datasets/GdalErrors.h"
 #include "host/providers/datasets/GdalHandles.h"
-#include "host/providers/datasets/LayerSchema.h"
 #include "platform/cs/CoordSystem.h"
+#include "platform/dp/AttributeNames.h"
 #include "platform/geometry/forms/GeometryFactory.h"
 #include "platform/geometry/forms/TextFormats.h"
 #include "platform/work/Cancellation.h"
@@ -162,7 +162,7 @@ void appendNumber(std::string& text, Number number) {
 
 void FieldWriter::setText(OGRFeatureH feature, std::string& text) {
     if (mostTextBytes != 0 && text.size() > static_cast<std::size_t>(mostTextBytes)) {
-        text.resize(bytesThatFit(text, mostTextBytes));
+        text.resize(dp::bytesThatFit(text, mostTextBytes));
         ++cutTexts;
     }
     OGR_F_SetFieldString(feature, field, text.c_str());
@@ -297,7 +297,7 @@ void LayerWriter::createFields() {
             names += rows_.columns()[i].name;
         }
     }
-    const QStringList distinct = distinctNames(names, format_.mostNameBytes);
+    const QStringList distinct = dp::distinctNames(names, format_.mostNameBytes);
     QStringList shortened;
     for (int i = 0; i < distinct.size(); ++i) {
         const std::size_t column = columns[static_cast<std::size_t>(i)];

@@ -4,6 +4,7 @@
 #include "host/providers/datasets/LayerSchema.h"
 #include "host/providers/text/RecordReader.h"
 #include "platform/cs/CoordSystem.h"
+#include "platform/dp/AttributeNames.h"
 #include "platform/log/Logger.h"
 
 #include <ogr_srs_api.h>
@@ -281,7 +282,7 @@ void TextTable::makeSchema(const std::vector<std::string>& names) {
     if (geometry_.exists()) {
         titles.append(QStringLiteral("geometry"));
     }
-    titles = distinctNames(titles);
+    titles = dp::distinctNames(titles);
     QVector<dp::AttributeDefinitionPointer> attributes;
     for (std::size_t i = 0; i < columns_.size(); ++i) {
         attributes.append(dp::AttributeDefinitionPointer(

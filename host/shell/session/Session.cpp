@@ -2,6 +2,10 @@
 
 #include "host/adaptor/Adaptor.h"
 #include "host/adaptor/QuerySelection.h"
+#ifdef ORVANE_WITH_POSTGRES
+#include "host/postgres/PostgresExtension.h"
+#include "host/postgres/PostgresSource.h"
+#endif
 #include "host/providers/FileSource.h"
 #include "host/providers/FilesExtension.h"
 #include "host/providers/results/ResultFile.h"
@@ -32,6 +36,36 @@ QString reason(const std::exception& failure) {
     return text;
 }
 
+template<class Base, class Derived>
+std::vector<std::shared_ptr<Base>> shared(const std::vector<std::shared_ptr<Derived>>& objects) {
+    return {objects.begin(), objects.end()};
+}
+
+#ifdef ORVANE_WITH_POSTGRES
+bool isServer(const QString& source) {
+    return postgres::isServerSource(source);
+}
+std::vector<std::shared_ptr<dp::Table>> openServer(const QString& source) {
+    return shared<dp::Table>(postgres::openServer(source));
+}
+/// Without a password.
+QString shownSource(const QString& source) {
+    return isServer(source) ? postgres::titleOfSource(source) : source;
+}
+#else
+bool isServer(const QString& source) {
+    return source.startsWith(QLatin1String("postgresql://")) ||
+           source.startsWith(QLatin1String("postgres://")) ||
+           source.startsWith(QLatin1String("PG:"), Qt::CaseInsensitive);
+}
+std::vector<std::shared_ptr<dp::Table>> openServer(const QString&) {
+    throw std::runtime_error(Shell::tr("эта сборка не открывает базы PostgreSQL").toStdString());
+}
+QString shownSource(const QString& source) {
+    return source;
+}
+#endif
+
 } // namespace
 
 Session::Session() {
@@ -40,9 +74,16 @@ Session::Session() {
     engine_ = Engine::load(&core_);
     engine_->loadTableAdapterModule(&core_, adaptor::initialise);
     database_ = *static_cast<sqlite3* const*>(engine_->engineDatabase().driver()->handle().constData());
-    files_ = std::make_unique<files::FilesExtension>(nullptr);
-    core_.pluginManager()->registerExtension(files_.get());
-    files_->linkDataCatalog();
+    addProvider(std::make_unique<files::FilesExtension>(nullptr));
+#ifdef ORVANE_WITH_POSTGRES
+    addProvider(std::make_unique<postgres::PostgresExtension>(nullptr));
+#endif
+}
+
+void Session::addProvider(std::unique_ptr<EngineExtension> provider) {
+    core_.pluginManager()->registerExtension(provider.get());
+    provider->linkDataCatalog();
+    providers_.push_back(std::move(provider));
 }
 
 Session::~Session() {
@@ -72,19 +113,21 @@ void Session::apply(const Options& options) {
     trustsReferences_ = options.trustReferences;
 }
 
-std::vector<std::shared_ptr<files::LayerTable>> Session::openLayers(const QString& source) const {
+std::vector<std::shared_ptr<dp::Table>> Session::openLayers(const QString& source) const {
     files::OpenOptions options;
     options.trustReferences = trustsReferences_;
     try {
-        return files::openFile(source, options);
+        return isServer(source) ? openServer(source) : shared<dp::Table>(files::openFile(source, options));
     } catch (const std::exception& failure) {
         throw UsageError(reason(failure));
     }
 }
 
 void Session::openFile(const QString& path) {
-    const auto tables = openLayers(path);
-    files::addToCatalog(catalog_, tables);
+    for (const auto& table : openLayers(path)) {
+        table->setName(catalog_.freeName(table->name()));
+        catalog_.add(table);
+    }
     makeVirtualTables();
 }
 
@@ -97,8 +140,8 @@ void Session::openTable(const TableSource& source) {
         for (const auto& table : tables) {
             layers += table->name();
         }
-        throw UsageError(
-            Shell::tr("%0: выберите один из слоёв: %1").arg(source.path, layers.join(QStringLiteral(", "))));
+        throw UsageError(Shell::tr("%0: выберите один из слоёв: %1")
+                             .arg(shownSource(source.path), layers.join(QStringLiteral(", "))));
     }
     tables.front()->setName(source.name);
     if (!catalog_.add(tables.front())) {

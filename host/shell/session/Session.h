@@ -6,18 +6,18 @@
 #include "platform/core/Core.h"
 #include "platform/core/TypedSettings.h"
 #include "platform/dp/DataCatalogWithSelection.h"
+#include "platform/dp/Table.h"
 
 #include <memory>
 #include <vector>
 
 namespace orvane {
 class Engine;
-}
+class EngineExtension;
+} // namespace orvane
 namespace orvane::files {
-class FilesExtension;
-class LayerTable;
 class ResultRows;
-} // namespace orvane::files
+}
 
 namespace orvane::shell {
 
@@ -51,8 +51,9 @@ public:
     Names names() const { return {*engine_, catalog_}; }
 
 private:
+    void addProvider(std::unique_ptr<EngineExtension> provider);
     void apply(const Options& options);
-    std::vector<std::shared_ptr<files::LayerTable>> openLayers(const QString& source) const;
+    std::vector<std::shared_ptr<dp::Table>> openLayers(const QString& source) const;
     void makeVirtualTables();
 
     dp::DataCatalogWithSelection catalog_; ///< outlives the engine, whose tables look into it
@@ -61,7 +62,7 @@ private:
     Core core_;
     Engine* engine_ = nullptr; ///< a child of the core
     sqlite3* database_ = nullptr;
-    std::unique_ptr<files::FilesExtension> files_;
+    std::vector<std::unique_ptr<EngineExtension>> providers_;
     bool trustsReferences_ = false; ///< of the files to open
 };
 

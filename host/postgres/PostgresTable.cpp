@@ -1,0 +1,117 @@
+#include "host/postgres/PostgresTable.h"
+
+#include "host/postgres/conditions/ScanQuery.h"
+#include "host/postgres/connection/Server.h"
+#include "host/postgres/reading/CountingCursor.h"
+#include "host/postgres/reading/RowCursor.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <algorithm>
+
+namespace orvane::postgres {
+
+namespace {
+
+std::vector<int> distinct(std::vector<int> attributes) {
+    std::sort(attributes.begin(), attributes.end());
+    attributes.erase(std::unique(attributes.begin(), attributes.end()), attributes.end());
+    return attributes;
+}
+
+bool isRange(dp::Comparison comparison) {
+    return comparison == dp::Comparison::Less || comparison == dp::Comparison::LessOrEqual ||
+           comparison == dp::Comparison::Greater || comparison == dp::Comparison::GreaterOrEqual;
+}
+
+} // namespace
+
+PostgresTable::PostgresTable(QString name, std::shared_ptr<Server> server, TableDescription description)
+    : Table(std::move(name)), description_(std::make_shared<const TableDescription>(std::move(description))),
+      server_(std::move(server)) {}
+
+PostgresTable::~PostgresTable() = default;
+
+std::shared_ptr<const dp::TableSchema> PostgresTable::schema() const {
+    return description_->schema;
+}
+
+std::unique_ptr<dp::Cursor> PostgresTable::openCursor(const dp::ScanRequest& request) {
+    const ScanQuery query(*description_);
+    const auto open = [this, query](const dp::ScanRequest& wanted) {
+        RowCursor::Layout layout{distinct(wanted.attributes), query.keySize()};
+        layout.isLookedUp = (wanted.window && usesWindow()) ||
+                            std::any_of(wanted.terms.begin(), wanted.terms.end(), [this](const auto& term) {
+                                return looksUp(term.attribute, term.comparison, term.collation);
+                            });
+        const Command command = query.rows(wanted, layout.attributes);
+        return std::make_unique<RowCursor>(description_, server_, nullptr, command, std::move(layout));
+    };
+    const bool onlyCounts = request.attributes.empty() && request.terms.empty() && !request.window &&
+                            !request.ids && request.limit < 0;
+    if (!onlyCounts) {
+        return open(request);
+    }
+    const Result count = server_->ask(query.count());
+    return std::make_unique<CountingCursor>(QByteArray(PQgetvalue(count.get(), 0, 0)).toLongLong(),
+                                            [open] { return open({}); });
+}
+
+std::unique_ptr<dp::SampleCursor> PostgresTable::openSample(const std::vector<int>& attributes,
+                                                            std::int64_t rows) {
+    const auto count = featureCount();
+    if (!description_->isSampled || !count) {
+        return nullptr;
+    }
+    const ScanQuery query(*description_);
+    RowCursor::Layout layout{distinct(attributes), query.keySize(), true};
+    const Command command =
+        query.sample(layout.attributes, static_cast<double>(rows), static_cast<double>(*count));
+    return std::make_unique<RowCursor>(description_, server_, nullptr, command, std::move(layout));
+}
+
+std::optional<std::int64_t> PostgresTable::featureCount() const {
+    const std::uint64_t current = revision();
+    if (!count_ || countRevision_ != current) {
+        try {
+            const Result plan = server_->ask(ScanQuery(*description_).estimate());
+            const auto json = QJsonDocument::fromJson(QByteArray(PQgetvalue(plan.get(), 0, 0)));
+            const auto rows = json[0][QLatin1String("Plan")][QLatin1String("Plan Rows")];
+            count_ =
+                rows.isDouble() ? std::optional(static_cast<std::int64_t>(rows.toDouble())) : std::nullopt;
+        } catch (const std::runtime_error&) {
+            count_.reset(); // who reads the rows is told
+        }
+        countRevision_ = current;
+    }
+    return count_;
+}
+
+std::uint64_t PostgresTable::revision() const {
+    return server_->revision();
+}
+
+bool PostgresTable::usesTerm(int attribute, dp::Comparison comparison, dp::TextCollation collation) const {
+    return ScanQuery(*description_).usesTerm(attribute, comparison, collation);
+}
+
+bool PostgresTable::looksUp(int attribute, dp::Comparison comparison, dp::TextCollation collation) const {
+    using dp::Comparison;
+    const bool isEquality =
+        comparison == Comparison::Equal || comparison == Comparison::Is || comparison == Comparison::In;
+    return (isEquality || isRange(comparison)) && description_->key != RowKey::Number &&
+           description_->columns[static_cast<std::size_t>(attribute)].isIndexed &&
+           usesTerm(attribute, comparison, collation);
+}
+
+bool PostgresTable::usesWindow() const {
+    return ScanQuery(*description_).usesWindow();
+}
+
+std::int64_t PostgresTable::requests() const {
+    return server_->requests();
+}
+
+} // namespace orvane::postgres

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "host/postgres/Export.h"
+#include "platform/dp/Table.h"
+
+#include <memory>
+
+namespace orvane::postgres {
+
+class EditGroup;
+class Server;
+struct Command;
+struct TableDescription;
+
+/// A table or view of a PostgreSQL database. A cursor sees the rows as they were when it was opened; what
+/// others change afterwards is noticed by revision() a second later at the latest, by cursors at once. Each
+/// cursor that is not at its end has a connection of its own.
+class ORVANE_POSTGRES_EXPORT PostgresTable final : public dp::Table {
+    Q_OBJECT
+public:
+    PostgresTable(QString name, std::shared_ptr<Server> server, TableDescription description);
+    ~PostgresTable() override;
+
+    std::shared_ptr<const dp::TableSchema> schema() const override;
+
+    /// Throws std::runtime_error also when the server cannot be reached, work::Cancelled while it is waited
+    /// for.
+    std::unique_ptr<dp::Cursor> openCursor(const dp::ScanRequest& request) override;
+    std::unique_ptr<dp::SampleCursor> openSample(const std::vector<int>& attributes,
+                                                 std::int64_t rows) override;
+    /// As the server's planner expects.
+    std::optional<std::int64_t> featureCount() const override;
+    std::uint64_t revision() const override;
+    bool usesTerm(int attribute, dp::Comparison comparison, dp::TextCollation collation) const override;
+    bool looksUp(int attribute, dp::Comparison comparison, dp::TextCollation collation) const override;
+    bool usesWindow() const override;
+
+    /// Requests sent to the server so far, also for other tables of the same database.
+    std::int64_t requests() const;
+
+private:
+    const std::shared_ptr<const TableDescription> description_;
+    const std::shared_ptr<Server> server_;
+    mutable std::optional<std::int64_t> count_;
+    mutable std::uint64_t countRevision_ = 0; ///< at which the server was asked
+};
+
+} // namespace orvane::postgres
