@@ -68,6 +68,10 @@ endforeach()
 foreach(header FilesExtension FileSource LayerTable)
     install(FILES "${PROJECT_SOURCE_DIR}/host/providers/${header}.h" DESTINATION "${header_dir}/host/providers")
 endforeach()
+foreach(header ResultFile ResultRows)
+    install(FILES "${PROJECT_SOURCE_DIR}/host/providers/results/${header}.h"
+        DESTINATION "${header_dir}/host/providers/results")
+endforeach()
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/host/maps" DESTINATION "${header_dir}/host"
     FILES_MATCHING PATTERN "*.h" PATTERN "FeatureStore.h" EXCLUDE)
 if(ORVANE_WITH_POSTGRES)

@@ -66,3 +66,14 @@ function(orvane_test name)
     set_tests_properties(${name} PROPERTIES LABELS "${ARG_LABELS}" TIMEOUT 300
         ENVIRONMENT "QT_PLUGIN_PATH=${PROJECT_BINARY_DIR}/plugins;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp")
 endfunction()
+
+# orvane_embed_translations(program): makes the English texts part of a program, ":/translations/orvane_en.qm".
+function(orvane_embed_translations target)
+    set_source_files_properties("${PROJECT_SOURCE_DIR}/translations/orvane_en.ts" PROPERTIES
+        OUTPUT_LOCATION "${CMAKE_CURRENT_BINARY_DIR}/translations")
+    qt5_add_translation(translation_files "${PROJECT_SOURCE_DIR}/translations/orvane_en.ts")
+    file(CONFIGURE OUTPUT translations.qrc CONTENT
+        "<RCC><qresource prefix=\"/translations\"><file alias=\"orvane_en.qm\">translations/orvane_en.qm</file></qresource></RCC>\n")
+    qt5_add_resources(translation_resources "${CMAKE_CURRENT_BINARY_DIR}/translations.qrc")
+    target_sources(${target} PRIVATE ${translation_resources})
+endfunction()

@@ -1969,4 +1969,424 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
         <translation>The database "%1" has no table "%2", or it cannot be read</translation>
     </message>
 </context>
+<context>
+    <name>orvane::desk::LayerTree</name>
+    <message>
+        <source>Результат запроса</source>
+        <translation>Query result</translation>
+    </message>
+    <message>
+        <source>объектов: %0</source>
+        <translation>features: %0</translation>
+    </message>
+    <message>
+        <source>Подписи</source>
+        <translation>Labels</translation>
+    </message>
+    <message>
+        <source>Столбец, которым подписаны строки:</source>
+        <translation>Column that labels the rows:</translation>
+    </message>
+    <message>
+        <source>Выражение, например: name &amp; ' ' &amp; Round(population / 1000) &amp; ' тыс.'</source>
+        <translation>An expression, for example: name &amp; ' ' &amp; Round(population / 1000) &amp; 'k'</translation>
+    </message>
+    <message>
+        <source>Показать на карте</source>
+        <translation>Show on the map</translation>
+    </message>
+    <message>
+        <source>Подписи…</source>
+        <translation>Labels…</translation>
+    </message>
+    <message>
+        <source>Запросить все строки</source>
+        <translation>Query all rows</translation>
+    </message>
+    <message>
+        <source>Переименовать</source>
+        <translation>Rename</translation>
+    </message>
+    <message>
+        <source>Закрыть</source>
+        <translation>Close</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::desk::MapFile</name>
+    <message>
+        <source>карта записывается в файлы %0</source>
+        <translation>maps are written to files of the types %0</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::desk::MapView</name>
+    <message>
+        <source>Откройте файл с геометрией или перетащите его сюда</source>
+        <translation>Open a file with geometries, or drop it here</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::desk::ResultModel</name>
+    <message>
+        <source>Точка</source>
+        <translation>Point</translation>
+    </message>
+    <message>
+        <source>Линия</source>
+        <translation>Line</translation>
+    </message>
+    <message>
+        <source>Полигон</source>
+        <translation>Polygon</translation>
+    </message>
+    <message>
+        <source>Мультиточка</source>
+        <translation>Multipoint</translation>
+    </message>
+    <message>
+        <source>Мультилиния</source>
+        <translation>Multiline</translation>
+    </message>
+    <message>
+        <source>Мультиполигон</source>
+        <translation>Multipolygon</translation>
+    </message>
+    <message>
+        <source>Коллекция</source>
+        <translation>Collection</translation>
+    </message>
+    <message>
+        <source>Кривая</source>
+        <translation>Curve</translation>
+    </message>
+    <message>
+        <source>Криволинейный полигон</source>
+        <translation>Curve polygon</translation>
+    </message>
+    <message>
+        <source>%0, вершин: %1</source>
+        <translation>%0, vertices: %1</translation>
+    </message>
+    <message>
+        <source>байт: %0</source>
+        <translation>bytes: %0</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::desk::SqlEditor</name>
+    <message>
+        <source>Запрос, например: Select name, obj From cities Where population &gt; 1000000</source>
+        <translation>A query, for example: Select name, obj From cities Where population &gt; 1000000</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::desk::RowStore</name>
+    <message>
+        <source>временный файл не записывается: %0</source>
+        <translation>the temporary file cannot be written: %0</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::desk::EngineHost</name>
+    <message>
+        <source>да или нет</source>
+        <translation>yes or no</translation>
+    </message>
+    <message>
+        <source>целое</source>
+        <translation>integer</translation>
+    </message>
+    <message>
+        <source>число</source>
+        <translation>number</translation>
+    </message>
+    <message>
+        <source>дата</source>
+        <translation>date</translation>
+    </message>
+    <message>
+        <source>время</source>
+        <translation>time</translation>
+    </message>
+    <message>
+        <source>дата и время</source>
+        <translation>date and time</translation>
+    </message>
+    <message>
+        <source>байты</source>
+        <translation>bytes</translation>
+    </message>
+    <message>
+        <source>текст</source>
+        <translation>text</translation>
+    </message>
+    <message>
+        <source>геометрия</source>
+        <translation>geometry</translation>
+    </message>
+    <message>
+        <source>таблица уже закрыта</source>
+        <translation>the table is closed already</translation>
+    </message>
+    <message>
+        <source>таблица не может называться «%0»</source>
+        <translation>a table cannot be called "%0"</translation>
+    </message>
+    <message>
+        <source>имя «%0» уже занято</source>
+        <translation>the name "%0" is taken</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::desk::QueryFault</name>
+    <message>
+        <source>нет таблицы «%0»</source>
+        <translation>there is no table "%0"</translation>
+    </message>
+    <message>
+        <source>нет столбца «%0»</source>
+        <translation>there is no column "%0"</translation>
+    </message>
+    <message>
+        <source>нет функции «%0»</source>
+        <translation>there is no function "%0"</translation>
+    </message>
+    <message>
+        <source>столбец «%0» есть в нескольких таблицах</source>
+        <translation>several tables have a column "%0"</translation>
+    </message>
+    <message>
+        <source>у функции %0 другое число аргументов</source>
+        <translation>the function %0 takes another number of arguments</translation>
+    </message>
+    <message>
+        <source>функция %0 здесь недопустима: она считает по многим строкам</source>
+        <translation>the function %0 cannot be used here: it computes over many rows</translation>
+    </message>
+    <message>
+        <source>таблица «%0» только для чтения</source>
+        <translation>the table "%0" is read-only</translation>
+    </message>
+    <message>
+        <source>функция %0 недоступна запросам</source>
+        <translation>queries cannot use the function %0</translation>
+    </message>
+    <message>
+        <source>запросам недоступно: %0</source>
+        <translation>not open to queries: %0</translation>
+    </message>
+    <message>
+        <source>ничего не выбрано: выберите объекты на карте или строки в таблице</source>
+        <translation>nothing is selected: select features on the map or rows of the table</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::desk::Actions</name>
+    <message>
+        <source>Открыть…</source>
+        <translation>Open…</translation>
+    </message>
+    <message>
+        <source>Записать результат…</source>
+        <translation>Save result…</translation>
+    </message>
+    <message>
+        <source>Записать карту…</source>
+        <translation>Save map…</translation>
+    </message>
+    <message>
+        <source>Выйти</source>
+        <translation>Quit</translation>
+    </message>
+    <message>
+        <source>Выполнить</source>
+        <translation>Run</translation>
+    </message>
+    <message>
+        <source>Прервать</source>
+        <translation>Stop</translation>
+    </message>
+    <message>
+        <source>Переименовать</source>
+        <translation>Rename</translation>
+    </message>
+    <message>
+        <source>Подписи…</source>
+        <translation>Labels…</translation>
+    </message>
+    <message>
+        <source>Закрыть слой</source>
+        <translation>Close layer</translation>
+    </message>
+    <message>
+        <source>Показать всё</source>
+        <translation>Show all</translation>
+    </message>
+    <message>
+        <source>Ближе</source>
+        <translation>Zoom in</translation>
+    </message>
+    <message>
+        <source>Дальше</source>
+        <translation>Zoom out</translation>
+    </message>
+    <message>
+        <source>Сетка координат</source>
+        <translation>Graticule</translation>
+    </message>
+    <message>
+        <source>Система координат…</source>
+        <translation>Coordinate system…</translation>
+    </message>
+    <message>
+        <source>Снять выбор</source>
+        <translation>Select nothing</translation>
+    </message>
+    <message>
+        <source>Копировать строки</source>
+        <translation>Copy rows</translation>
+    </message>
+    <message>
+        <source>История</source>
+        <translation>History</translation>
+    </message>
+    <message>
+        <source>Файл</source>
+        <translation>File</translation>
+    </message>
+    <message>
+        <source>Запрос</source>
+        <translation>Query</translation>
+    </message>
+    <message>
+        <source>Слой</source>
+        <translation>Layer</translation>
+    </message>
+    <message>
+        <source>Карта</source>
+        <translation>Map</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::desk::MainWindow</name>
+    <message>
+        <source>Слои</source>
+        <translation>Layers</translation>
+    </message>
+    <message>
+        <source>Команды</source>
+        <translation>Commands</translation>
+    </message>
+    <message>
+        <source>Подписи слоя «%0»: %1</source>
+        <translation>Labels of the layer "%0": %1</translation>
+    </message>
+    <message>
+        <source>Записан файл %0</source>
+        <translation>The file %0 is written</translation>
+    </message>
+    <message>
+        <source>Selection: %0, объектов: %1</source>
+        <translation>Selection: %0, features: %1</translation>
+    </message>
+    <message>
+        <source>Ничего не выбрано</source>
+        <translation>Nothing is selected</translation>
+    </message>
+    <message>
+        <source>Открыть файлы</source>
+        <translation>Open files</translation>
+    </message>
+    <message>
+        <source>Записать результат</source>
+        <translation>Save result</translation>
+    </message>
+    <message>
+        <source>Таблицы (%0)</source>
+        <translation>Tables (%0)</translation>
+    </message>
+    <message>
+        <source>Записать карту</source>
+        <translation>Save map</translation>
+    </message>
+    <message>
+        <source>Карты (%0)</source>
+        <translation>Maps (%0)</translation>
+    </message>
+    <message>
+        <source>Система координат карты</source>
+        <translation>Coordinate system of the map</translation>
+    </message>
+    <message>
+        <source>Например, epsg:3857; пусто — подходящая для слоёв</source>
+        <translation>For example epsg:3857; empty for one that suits the layers</translation>
+    </message>
+    <message>
+        <source>Нет системы координат «%0»</source>
+        <translation>There is no coordinate system "%0"</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::desk::MessageBar</name>
+    <message>
+        <source>Скрыть сообщения</source>
+        <translation>Hide the messages</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::desk::QueryPane</name>
+    <message>
+        <source>Прервать</source>
+        <translation>Stop</translation>
+    </message>
+    <message>
+        <source>Прервать запрос (Esc)</source>
+        <translation>Stop the query (Esc)</translation>
+    </message>
+    <message>
+        <source>Выполняется…</source>
+        <translation>Running…</translation>
+    </message>
+    <message>
+        <source>Записан файл %0, строк: %1</source>
+        <translation>The file %0 is written, rows: %1</translation>
+    </message>
+    <message>
+        <source>История запросов не записывается</source>
+        <translation>The history of queries cannot be written</translation>
+    </message>
+    <message>
+        <source>Выполняется</source>
+        <translation>Running</translation>
+    </message>
+    <message>
+        <source>%0… %1 с, строк: %2</source>
+        <translation>%0… %1 s, rows: %2</translation>
+    </message>
+    <message>
+        <source>%0… %1 с</source>
+        <translation>%0… %1 s</translation>
+    </message>
+    <message>
+        <source>Прервано, строк: %0</source>
+        <translation>Stopped, rows: %0</translation>
+    </message>
+    <message>
+        <source>Прервано</source>
+        <translation>Stopped</translation>
+    </message>
+    <message>
+        <source>Строка %0, столбец %1: %2</source>
+        <translation>Line %0, column %1: %2</translation>
+    </message>
+    <message>
+        <source>Изменено строк: %0, %1 с</source>
+        <translation>Rows changed: %0, %1 s</translation>
+    </message>
+    <message>
+        <source>Строк: %0, %1 с</source>
+        <translation>Rows: %0, %1 s</translation>
+    </message>
+</context>
 </TS>

@@ -4,6 +4,7 @@
 #include "host/providers/datasets/FileExchange.h"
 #include "host/providers/datasets/GdalErrors.h"
 #include "host/providers/datasets/LayerSchema.h"
+#include "host/providers/datasets/ResultDirectory.h"
 #include "host/providers/results/ResultLayer.h"
 #include "platform/work/Cancellation.h"
 

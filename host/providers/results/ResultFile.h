@@ -1,7 +1,6 @@
 #pragma once
 
 #include "host/providers/LayerTable.h"
-#include "host/providers/datasets/ResultDirectory.h"
 #include "host/providers/results/ResultRows.h"
 #include "platform/dp/DataCatalog.h"
 
@@ -10,6 +9,8 @@
 #include <memory>
 
 namespace orvane::files {
+
+class ResultDirectory;
 
 /// A file that a result becomes. It is written in a directory of its own beside its place, which it takes at
 /// the end: until then, and after a failure, nothing is there, or what was there before. Throws
