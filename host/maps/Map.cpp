@@ -79,17 +79,19 @@ Map& Map::operator=(Map&&) noexcept = default;
 void Map::beginLayer(LayerSettings settings) {
     auto layer = std::make_unique<Layer>();
     layer->settings = std::move(settings);
-    if (layer->settings.isBackground) {
-        settle();
-        if (!layer->settings.system) {
-            layer->settings.system = system_;
-        }
-        const LayerProjection projection(layer->settings.system, system_, view_);
-        layer->tolerance = projection.tolerance();
-        layer->visible = projection.visible();
-    }
     layer->isGeographic = layer->settings.system && layer->settings.system->isGeographic();
     layers_.push_back(std::move(layer));
+}
+
+/// The view is known when a background comes: what it does not show need not be kept.
+void Map::beginBackground(Layer& layer) {
+    settle();
+    if (!layer.settings.system) {
+        layer.settings.system = layers_.front()->settings.system;
+    }
+    const LayerProjection projection(layer.settings.system, system_, view_);
+    layer.tolerance = projection.tolerance();
+    layer.visible = projection.visible();
 }
 
 /// Units of the layer that will not be seen. As its extent only grows, what is left out early is not missed
@@ -114,6 +116,9 @@ bool Map::add(const ShapeView& shape, const Value& value, std::string_view label
     if (system && !layer.settings.system) {
         layer.settings.system = system;
         layer.isGeographic = system->isGeographic();
+    }
+    if (layer.settings.isBackground && !layer.tolerance) {
+        beginBackground(layer);
     }
     const bool isForeign =
         system && system != layer.settings.system && !system->equals(*layer.settings.system);
@@ -230,7 +235,7 @@ void Map::settle() {
         if (!layer->settings.isBackground) {
             layer->settings.system = layer->settings.system ? layer->settings.system : known;
             extent_.add(extentInPlane(*layer));
-            radius = std::max(radius, layer->kinds[2] != 0 ? 2 * layer->settings.style.pointRadius : 0.0);
+            radius = std::max(radius, layer->kinds[2] != 0 ? 2 * styleOf(*layer).pointRadius : 0.0);
         }
     }
     const QSizeF size(settings_.size.width(), std::max(1.0, settings_.size.height() - top_));
@@ -263,9 +268,23 @@ std::vector<std::pair<QString, std::shared_ptr<const Classes>>> Map::classes() {
 
 void Map::classify(Layer& layer) const {
     if (layer.settings.classes && !layer.values.isEmpty()) {
-        layer.settings.style.classes =
-            std::make_shared<const Classes>(Classes::of(layer.values, *layer.settings.classes));
+        ClassSettings settings = *layer.settings.classes;
+        settings.isForAreas = layer.kinds[0] >= layer.kinds[1] + layer.kinds[2];
+        layer.settings.style.classes = std::make_shared<const Classes>(Classes::of(layer.values, settings));
     }
+}
+
+/// The style for the size of the picture: as it is in one of 800 pixels.
+LayerStyle Map::styleOf(const Layer& layer) const {
+    LayerStyle style = layer.settings.style;
+    if (settings_.isSmooth) {
+        const double factor =
+            std::clamp(std::min(settings_.size.width(), settings_.size.height()) / 800, 0.6, 5.0);
+        style.outlineWidth *= factor;
+        style.lineWidth *= factor;
+        style.pointRadius *= factor;
+    }
+    return style;
 }
 
 void Map::draw(QPainter& painter, Pass pass) {
@@ -343,7 +362,7 @@ void Map::drawDecorations(QPainter& painter, LabelPlacer* labels, const Coverage
             continue;
         }
         const auto most = std::max_element(layer->kinds.begin(), layer->kinds.end()) - layer->kinds.begin();
-        const Legend legend{layer->settings.title, static_cast<Legend::Symbol>(most), layer->settings.style};
+        const Legend legend{layer->settings.title, static_cast<Legend::Symbol>(most), styleOf(*layer)};
         const QSizeF size = sizeOf(legend, font);
         if (size.width() < 0.6 * view_.size().width() && size.height() < 0.8 * view_.size().height()) {
             drawLegend(painter, legend, placeBox(size), font);

@@ -39,7 +39,7 @@ struct MapSettings {
 
 struct LayerSettings {
     QString title; ///< of the legend
-    LayerStyle style;
+    LayerStyle style; ///< for a picture of 800 pixels; larger in larger ones
     /// Of features that do not tell theirs; null where it is not known, they are then taken to be in that of
     /// the other layers.
     std::shared_ptr<cs::CoordSystem> system;
@@ -94,7 +94,9 @@ private:
     struct Layer;
 
     void settle();
+    void beginBackground(Layer& layer);
     void classify(Layer& layer) const;
+    LayerStyle styleOf(const Layer& layer) const;
     geometry::Envelope extentInPlane(Layer& layer) const;
     double tolerance() const;
     void drawLayers(QPainter& painter, Pass pass, LabelPlacer* labels, Coverage& coverage);

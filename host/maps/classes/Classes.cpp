@@ -63,7 +63,7 @@ void Classes::makeNumberClasses(const ValueSummary& values, const ClassSettings&
     const auto numBelow =
         static_cast<int>(std::upper_bound(breaks_.begin(), breaks_.end(), 0.0) - breaks_.begin());
     const auto colours = isDiverging && !breaks_.empty() ? divergingColours(numBelow, numClasses - numBelow)
-                                                         : sequentialColours(numClasses);
+                                                         : sequentialColours(numClasses, settings.isForAreas);
     for (int i = 0; i < numClasses; ++i) {
         const auto at = static_cast<std::size_t>(i);
         const bool isFirst = i == 0;

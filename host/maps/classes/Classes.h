@@ -13,7 +13,8 @@ namespace orvane::maps {
 
 struct ClassSettings {
     ClassMethod method = ClassMethod::Quantiles;
-    int count = 5; ///< of numbers; as many as that where the values allow for it
+    int count = 5;          ///< of numbers; as many as that where the values allow for it
+    bool isForAreas = true; ///< of lines and points the lightest colours would not be seen
 };
 
 /// Which colour a value has: classes of numbers, or categories of texts, the most frequent ones. Immutable;

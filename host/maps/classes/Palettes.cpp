@@ -31,10 +31,10 @@ QColor between(const QRgb (&anchors)[size], double share) {
 
 } // namespace
 
-std::vector<QColor> sequentialColours(int count) {
+std::vector<QColor> sequentialColours(int count, bool isForAreas) {
     std::vector<QColor> colours;
     // The lightest anchor is not told from paper, the darkest hides labels.
-    constexpr double lightest = 0.1;
+    const double lightest = isForAreas ? 0.1 : 0.4;
     constexpr double darkest = 0.88;
     for (int i = 0; i < count; ++i) {
         const double share = count < 2 ? 0.5 : static_cast<double>(i) / (count - 1);

@@ -258,6 +258,8 @@ void LayerPainter::addLabel(const FlatShape& shape, std::string_view text, const
         candidate.anchor = *points;
         candidate.distance = pens.pointRadius + 2;
         candidate.priority = pens.pointRadius;
+        const QPointF corner(pens.pointRadius, pens.pointRadius);
+        extras_.labels->block(QRectF(*points - corner, *points + corner)); // no label hides another point
     }
     if (extras_.labels->takes(candidate.priority)) {
         candidate.text = QString::fromUtf8(text.data(), static_cast<int>(text.size()));

@@ -14,9 +14,9 @@ struct LayerStyle {
     QColor outline{0x4A, 0x5A, 0x66}; ///< of areas; those of a few pixels have none
     double outlineWidth = 0.7;
     QColor line{0x2A, 0x6F, 0x97};
-    double lineWidth = 1.4;
+    double lineWidth = 1.8;
     QColor point{0xC8, 0x50, 0x2A};
-    double pointRadius = 3;
+    double pointRadius = 3.5;
     /// Give areas, lines and points the colour of their value, points also its size; null for none.
     std::shared_ptr<const Classes> classes;
 };

@@ -33,8 +33,13 @@ public:
     LabelPlacer(QFont font, QRectF area);
 
     void setColours(const QColor& text, const QColor& halo);
-    /// Where no label may be.
-    void block(const QRectF& rect) { blocked_.push_back(rect); }
+    /// Where no label may be. Of very many places the later ones do not count.
+    void block(const QRectF& rect) {
+        constexpr std::size_t most = 50'000;
+        if (blocked_.size() < most) {
+            blocked_.push_back(rect);
+        }
+    }
     /// Of very many those of the highest priority are kept.
     void add(Candidate candidate);
     /// Whether a candidate of that priority would be kept for long: texts need not be made for others.

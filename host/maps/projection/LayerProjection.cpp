@@ -12,19 +12,23 @@ namespace {
 
 constexpr double almost = 1e-9; ///< degrees that rounding takes away
 
-/// A step in longitude that no straight segment takes, but one over the antimeridian.
+/// A step in longitude that no straight segment takes, but one over the antimeridian. One of 360 degrees goes
+/// around the globe, as the edges of data that are cut do along a pole.
 bool isOverAntimeridian(double step) {
-    return std::abs(step) > 270 && std::abs(step) < 360 - almost;
+    constexpr double around = 360 - 1e-4;
+    return std::abs(step) > 270 && std::abs(step) < around;
 }
 
+constexpr double near = 5e-5; ///< degrees within which data mean the antimeridian, or a pole: a few metres
+
 bool isOnAntimeridian(double longitude) {
-    return std::abs(std::remainder(longitude - 180, 360.0)) < almost;
+    return std::abs(std::remainder(longitude - 180, 360.0)) < near;
 }
 
 /// Where data are cut, not where things end: along the antimeridian, and along the poles.
 bool isSeam(const double* from, const double* to) {
     return (isOnAntimeridian(from[0]) && isOnAntimeridian(to[0])) ||
-           (std::abs(from[1]) > 90 - almost && std::abs(to[1]) > 90 - almost);
+           (std::abs(from[1]) > 90 - near && std::abs(to[1]) > 90 - near);
 }
 
 /// Pixels around the picture up to which shapes are drawn: more than any line is wide.

@@ -45,7 +45,7 @@ void Canvas::beginResult(const QString& fillTitle, bool hasFill) {
     maps::LayerSettings layer;
     layer.title = fillTitle;
     if (hasFill) {
-        layer.classes = maps::ClassSettings{options_.method, options_.classes};
+        layer.classes = maps::ClassSettings{options_.method, options_.classes, true};
     }
     if (!options_.isPicture) {
         layer.style.pointRadius = 0.4; // one dot

@@ -18,5 +18,10 @@ MapCanvas* orvaneMakeMapCanvas(const MapOptions& options) {
 /// Fonts need a platform; this one needs no display.
 QCoreApplication* orvaneMakeDrawingApplication(int& argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    return new QGuiApplication(argc, argv);
+    // What Qt has to say of a desktop that is not there concerns nobody.
+    const QtMessageHandler before =
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
+    auto* application = new QGuiApplication(argc, argv);
+    qInstallMessageHandler(before);
+    return application;
 }

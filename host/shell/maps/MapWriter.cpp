@@ -183,8 +183,10 @@ void MapWriter::prepare(Computed& computed, const QString& text) {
     }
     computed.expression = std::make_unique<adaptor::FeatureExpression>(engine_, *schema_);
     if (!computed.expression->setText(text)) {
+        QString reason = computed.expression->lastError();
+        reason.remove(QLatin1String(" Unable to execute statement")); // Qt's, and says nothing more
         raise(Shell::tr("%0: %1; столбцы ответа: %2")
-                  .arg(QString::fromLatin1(computed.option), computed.expression->lastError(),
+                  .arg(QString::fromLatin1(computed.option), reason.trimmed(),
                        columns_.join(QStringLiteral(", "))));
     }
 }
