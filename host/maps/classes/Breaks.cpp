@@ -46,6 +46,17 @@ std::vector<double> quantiles(const std::vector<double>& sorted, int classes) {
     return breaks;
 }
 
+/// Where most values are equal, the quantiles of the different ones.
+std::vector<double> quantilesOf(const std::vector<double>& sorted, int classes) {
+    std::vector<double> breaks = quantiles(sorted, classes);
+    if (std::all_of(breaks.begin(), breaks.end(), [&](double number) { return number <= sorted.front(); })) {
+        std::vector<double> different = sorted;
+        different.erase(std::unique(different.begin(), different.end()), different.end());
+        breaks = quantiles(different, classes);
+    }
+    return breaks;
+}
+
 std::vector<double> equalIntervals(const std::vector<double>& sorted, int classes) {
     std::vector<double> breaks;
     const double width = (sorted.back() - sorted.front()) / classes;
@@ -114,7 +125,7 @@ std::vector<double> classBreaks(const std::vector<double>& sorted, ClassMethod m
     }
     std::vector<double> breaks;
     switch (method) {
-    case ClassMethod::Quantiles: breaks = quantiles(sorted, classes); break;
+    case ClassMethod::Quantiles: breaks = quantilesOf(sorted, classes); break;
     case ClassMethod::EqualIntervals: breaks = equalIntervals(sorted, classes); break;
     case ClassMethod::NaturalBreaks: breaks = naturalBreaks(sorted, classes); break;
     }

@@ -64,7 +64,8 @@ LayerPainter::LayerPainter(QPainter& painter, const LayerStyle& style, LayerProj
 
 LayerPainter::LayerPainter(QPainter& painter, const LayerStyle& style, LayerProjection projection,
                            Extras extras)
-    : painter_(painter), style_(style), projection_(std::move(projection)), extras_(std::move(extras)) {
+    : painter_(painter), style_(style), projection_(std::move(projection)), extras_(std::move(extras)),
+      wantsSmooth_(painter.testRenderHint(QPainter::Antialiasing)), isSmooth_(wantsSmooth_) {
     if (style_.classes) {
         for (const Classes::Class& each : style_.classes->classes()) {
             pens_.push_back(pensOf(&each.colour, each.scale));
@@ -85,6 +86,13 @@ LayerPainter::Pens LayerPainter::pensOf(const QColor* colour, double scale) cons
         QBrush(colour ? *colour : style_.point),
         pen(colour ? QColor(0x40, 0x40, 0x40) : QColor(255, 255, 255), style_.pointRadius < 2 ? 0.3 : 0.6),
         style_.pointRadius * scale};
+}
+
+void LayerPainter::setSmooth(bool isSmooth) {
+    if (isSmooth_ != (isSmooth && wantsSmooth_)) {
+        isSmooth_ = isSmooth && wantsSmooth_;
+        painter_.setRenderHint(QPainter::Antialiasing, isSmooth_);
+    }
 }
 
 void LayerPainter::setPen(const QPen& pen) {
@@ -153,6 +161,10 @@ void LayerPainter::drawAreas(const FlatShape& shape, const Pens& pens) {
     }
     const bool isOutlined =
         std::max(envelope.maxX - envelope.minX, envelope.maxY - envelope.minY) >= leastOutlined;
+    // Small areas side by side have edges within most pixels, where smooth ones would let the paper through.
+    const bool isSmall =
+        std::max(envelope.maxX - envelope.minX, envelope.maxY - envelope.minY) < leastOutlined;
+    setSmooth(!isSmall);
     setPen(isOutlined && areAllRings ? pens.outline : noPen);
     setBrush(extras_.hasAreas ? pens.fill : noBrush);
     if (rings == 1) {
@@ -186,11 +198,15 @@ void LayerPainter::drawAreas(const FlatShape& shape, const Pens& pens) {
 }
 
 void LayerPainter::drawSpeck(QPointF position, const QColor& colour) {
-    const double side = painter_.testRenderHint(QPainter::Antialiasing) ? 0.8 : 1;
+    const double side = wantsSmooth_ ? 0.8 : 1;
     painter_.fillRect(QRectF(position.x() - side / 2, position.y() - side / 2, side, side), colour);
 }
 
 void LayerPainter::drawOthers(const FlatShape& shape, const Pens& pens) {
+    if (std::any_of(shape.parts.begin(), shape.parts.end(),
+                    [](const FlatShape::Part& part) { return !isFilled(part); })) {
+        setSmooth(true);
+    }
     for (const FlatShape::Part& part : shape.parts) {
         const QPointF* points = pointsOf(shape, part);
         switch (part.kind) {

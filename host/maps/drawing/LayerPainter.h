@@ -63,6 +63,7 @@ private:
     void drawOthers(const FlatShape& shape, const Pens& pens);
     void drawSpeck(QPointF position, const QColor& colour);
     void addLabel(const FlatShape& shape, std::string_view text, const Pens& pens);
+    void setSmooth(bool isSmooth);
     void setPen(const QPen& pen);
     void setBrush(const QBrush& brush);
 
@@ -77,6 +78,8 @@ private:
     const QPen* currentPen_ = nullptr;
     const QBrush* currentBrush_ = nullptr;
     std::uint32_t drawn_ = 0;
+    bool wantsSmooth_; ///< as the painter was given
+    bool isSmooth_;
     bool isCancelled_ = false;
 };
 

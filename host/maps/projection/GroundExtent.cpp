@@ -1,5 +1,7 @@
 #include "host/maps/projection/GroundExtent.h"
 
+#include "host/maps/projection/Antimeridian.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -16,8 +18,7 @@ void GroundExtent::add(const FlatShape& shape) {
         const double* before = shape.position(part.begin);
         for (std::uint32_t i = 0; i < part.count; ++i) {
             const double* position = shape.position(part.begin + i);
-            const double span = std::abs(position[0] - before[0]);
-            const bool isStep = span > 180;
+            const bool isStep = isOverAntimeridian(position[0] - before[0]);
             add(isStep ? position[0] : std::min(position[0], before[0]), std::min(position[1], before[1]),
                 isStep ? position[0] : std::max(position[0], before[0]), std::max(position[1], before[1]));
             before = position;

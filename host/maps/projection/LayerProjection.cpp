@@ -1,5 +1,7 @@
 #include "host/maps/projection/LayerProjection.h"
 
+#include "host/maps/projection/Antimeridian.h"
+
 #include <QCoreApplication>
 
 #include <algorithm>
@@ -12,13 +14,6 @@ namespace {
 
 constexpr double almost = 1e-9; ///< degrees that rounding takes away
 
-/// A step in longitude that no straight segment takes, but one over the antimeridian. One of 360 degrees goes
-/// around the globe, as the edges of data that are cut do along a pole.
-bool isOverAntimeridian(double step) {
-    constexpr double around = 360 - 1e-4;
-    return std::abs(step) > 270 && std::abs(step) < around;
-}
-
 constexpr double near = 5e-5; ///< degrees within which data mean the antimeridian, or a pole: a few metres
 
 bool isOnAntimeridian(double longitude) {
@@ -27,7 +22,7 @@ bool isOnAntimeridian(double longitude) {
 
 /// Where data are cut, not where things end: along the antimeridian, and along the poles.
 bool isSeam(const double* from, const double* to) {
-    return (isOnAntimeridian(from[0]) && isOnAntimeridian(to[0])) ||
+    return (isOnAntimeridian(from[0]) && isOnAntimeridian(to[0]) && std::abs(from[0] - to[0]) < 180) ||
            (std::abs(from[1]) > 90 - near && std::abs(to[1]) > 90 - near);
 }
 
@@ -307,7 +302,8 @@ void LayerProjection::addUnrolled(const FlatShape& shape, const FlatShape::Part&
         latitudes += position[1];
     };
     for (std::uint32_t i = part.begin; i < part.begin + part.count; ++i) {
-        if (std::isfinite(shape.position(i)[0]) && std::isfinite(shape.position(i)[1])) {
+        constexpr double farthest = 3600; // turns that are counted; beyond are no longitudes
+        if (std::abs(shape.position(i)[0]) <= farthest && std::isfinite(shape.position(i)[1])) {
             add(shape.position(i));
         }
     }

@@ -269,19 +269,23 @@ void MapWriter::addBackground(const QString& table) {
     sqlite3_stmt* prepared = nullptr;
     int code = sqlite3_prepare_v2(database, query.c_str(), -1, &prepared, nullptr);
     const std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt*)> statement(prepared, sqlite3_finalize);
-    if (code != SQLITE_OK) {
-        raise(Shell::tr("--map-background: в таблице «%0» нет геометрии").arg(table));
-    }
     canvas_->beginBackground();
-    while ((code = sqlite3_step(prepared)) == SQLITE_ROW) {
+    std::int64_t rows = 0;
+    std::int64_t shapes = 0;
+    while (prepared && (code = sqlite3_step(prepared)) == SQLITE_ROW) {
+        ++rows;
         const auto shape = sqlite3_column_type(prepared, 0) == SQLITE_BLOB ? shapes_.read(blobOf(prepared, 0))
                                                                            : std::nullopt;
         if (shape) {
+            ++shapes;
             canvas_->add(*shape, {}, {}, shapes_.system());
         }
     }
     if (code != SQLITE_DONE && code != SQLITE_INTERRUPT) {
         raise(QStringLiteral("--map-background: %0").arg(QString::fromUtf8(sqlite3_errmsg(database))));
+    }
+    if (rows != 0 && shapes == 0) {
+        raise(Shell::tr("--map-background: в таблице «%0» нет геометрии").arg(table));
     }
 }
 

@@ -9,6 +9,7 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
@@ -143,6 +144,24 @@ protected:
     Terminal terminal_{home_.path().toStdString(),
                        {ORVANE_EXAMPLE_DATA "/countries.gpkg", ORVANE_EXAMPLE_DATA "/cities.shp"}};
 };
+
+TEST_F(Prompt, drawsMapsAndShowsGeometriesShort) {
+    terminal_.type(".map\n");
+    terminal_.readUntil("there was no query yet");
+    terminal_.type("Select obj As shape From countries Where name_long = 'Chad';\n");
+    EXPECT_THAT(terminal_.readUntil("points\r\n"), HasSubstr("MultiPolygon, "));
+    terminal_.readUntil("orvane> ");
+    terminal_.type(".map\n");
+    terminal_.readUntil("\r\n");
+    const std::string map = terminal_.readUntil("orvane> ");
+    EXPECT_THAT(map, HasSubstr("\033[0;48;5;")) << "an area as the background of the characters";
+    EXPECT_THAT(map, HasSubstr("\xE2\xA0"));
+    EXPECT_LT(std::count(map.begin(), map.end(), '\n'), 24);
+    terminal_.type(".geometry wkt\nSelect obj As shape From countries Where name_long = 'Chad';\n");
+    terminal_.readUntil("MULTIPOLYGON(((");
+    terminal_.type(".geometry round\n");
+    terminal_.readUntil("geojson, short, wkt");
+}
 
 TEST_F(Prompt, runsStatementsOverSeveralLines) {
     terminal_.type("Select name_long As land\nFrom countries\nWhere pop > 1000000000 Order By pop;\n");
