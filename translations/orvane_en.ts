@@ -1382,8 +1382,33 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
         <translation>.help shows the commands, Ctrl-D leaves</translation>
     </message>
     <message>
-        <source>таблицы и число их строк</source>
-        <translation>the tables and their numbers of rows</translation>
+        <source>таблицы: число строк, геометрии, файл</source>
+        <translation>tables: number of rows, geometries, file</translation>
+    </message>
+    
+    <message>
+        <source>значение параметра :NAME, или все, какие есть</source>
+        <translation>value of a parameter :NAME, or all there are</translation>
+    </message>
+    <message>
+        <source>выполнить запросы и команды из файла</source>
+        <translation>run the statements and commands of a file</translation>
+    </message>
+    <message>
+        <source>значение параметра :NAME или, по порядку, ?</source>
+        <translation>value of a parameter :NAME or, in their order, of ?</translation>
+    </message>
+    <message>
+        <source>у параметра %0 нет значения: его задают --parameter %1=… или .set %1=…</source>
+        <translation>parameter %0 has no value: --parameter %1=… or .set %1=… gives it one</translation>
+    </message>
+    <message>
+        <source>.read: файлы читают друг друга без конца</source>
+        <translation>.read: the files read each other without end</translation>
+    </message>
+    <message>
+        <source>.set: ожидается ИМЯ=ЗНАЧЕНИЕ, а не «%0»</source>
+        <translation>.set: NAME=VALUE is expected, not "%0"</translation>
     </message>
     <message>
         <source>столбцы таблицы или всех таблиц</source>

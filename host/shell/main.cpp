@@ -3,6 +3,7 @@
 #include "host/shell/messages/NearestName.h"
 #include "host/shell/messages/Shell.h"
 #include "host/shell/messages/StandardError.h"
+#include "host/shell/prompt/Console.h"
 #include "host/shell/prompt/Prompt.h"
 #include "host/shell/session/Interrupt.h"
 #include "host/shell/session/Options.h"
@@ -15,10 +16,6 @@
 #include <clocale>
 #include <cstdio>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <iostream>
-#include <iterator>
 
 #include <fcntl.h>
 #include <langinfo.h>
@@ -36,37 +33,19 @@ struct Input {
     std::string text;
 };
 
-std::string readAll(std::istream& stream) {
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-Input readScript(const std::string& path) {
-    if (path == "-") {
-        return {QString(), readAll(std::cin)};
-    }
-    std::ifstream file(path, std::ios::binary);
-    // A stream opens a directory, too, and throws when it is read.
-    const bool opened = file.is_open() && !(std::filesystem::is_directory(path) && (errno = EISDIR));
-    std::string text = opened ? readAll(file) : std::string();
-    if (!opened || file.bad()) {
-        throw UsageError(QStringLiteral("%0: %1").arg(QString::fromStdString(path),
-                                                      QString::fromLocal8Bit(std::strerror(errno))));
-    }
-    if (text.rfind("\xEF\xBB\xBF", 0) == 0) {
-        text.erase(0, 3); // a byte order mark is no part of the first statement
-    }
-    return {QString::fromStdString(path), std::move(text)};
+Input scriptInput(const std::string& path) {
+    return {path == "-" ? QString() : QString::fromStdString(path), readScript(path)};
 }
 
 /// Everything to run, read before anything runs, so that a script that is missing stops all.
 std::vector<Input> readInputs(const Options& options) {
     std::vector<Input> inputs;
     for (const StatementSource& source : options.statements) {
-        inputs.push_back(source.kind == StatementSource::Script ? readScript(source.value)
+        inputs.push_back(source.kind == StatementSource::Script ? scriptInput(source.value)
                                                                 : Input{{}, source.value});
     }
     if (options.statements.empty() && !::isatty(STDIN_FILENO)) {
-        inputs.push_back(readScript("-"));
+        inputs.push_back(scriptInput("-"));
     }
     return inputs;
 }
@@ -136,6 +115,7 @@ StatementRunner::Settings runnerSettings(const Options& options, const Output& o
                        options.geometry.value_or(isOnTerminal ? GeometryForm::Short : GeometryForm::Wkt)};
     settings.map = {options.map,     options.picture,  terminalSpace(!options.outputPath),
                     options.mapFill, options.mapLabel, options.mapBackground};
+    settings.parameters = options.parameters;
     settings.translateOnly = options.translateOnly;
     settings.sqlite = options.sqlite;
     settings.timing = options.timing;
@@ -197,11 +177,15 @@ ExitStatus runInputs(const Options& options, const std::vector<Input>& inputs, I
         finishOutput(runner, *output);
         return Done;
     }
+    Console console(session, runner, *output);
     for (const Input& input : inputs) {
-        switch (runner.run({input.origin, input.text})) {
+        switch (console.run({input.origin, input.text})) {
         case Outcome::Done: break;
         case Outcome::Failed: return StatementFailed;
         case Outcome::Cancelled: return Interrupted;
+        }
+        if (console.isLeaving()) {
+            break;
         }
     }
     finishOutput(runner, *output);

@@ -170,7 +170,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     sqlite3_exec(world.database, "Begin", nullptr, nullptr, nullptr);
     bool hasEdits = false;
     int statements = 0;
-    for (const sql::ScriptStatement& part : sql::splitScript(text)) {
+    for (const sql::ScriptStatement& part : sql::splitScript(text).statements) {
         if (++statements > mostStatements) {
             break;
         }

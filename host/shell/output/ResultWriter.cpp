@@ -2,6 +2,7 @@
 
 #include "host/shell/output/CsvWriter.h"
 #include "host/shell/output/JsonWriter.h"
+#include "host/shell/output/LineWriter.h"
 #include "host/shell/output/NumberText.h"
 #include "host/shell/output/TableWriter.h"
 
@@ -18,6 +19,8 @@ std::unique_ptr<ResultWriter> makeResultWriter(const WriterSettings& settings, O
     case Format::Csv: return std::make_unique<CsvWriter>(settings, output);
     case Format::Json: return std::make_unique<JsonWriter>(output);
     case Format::GeoJson: return std::make_unique<GeoJsonWriter>(output);
+    case Format::Line: return std::make_unique<LineWriter>(settings, output);
+    case Format::Markdown: return std::make_unique<MarkdownWriter>(settings, output);
     case Format::Table:
     case Format::Map: break;
     }
@@ -54,6 +57,17 @@ void appendPlain(std::string& text, const ResultValue& value) {
         appendHex(text, value.view);
         text += '\'';
         break;
+    }
+}
+
+void appendShown(std::string& text, const ResultValue& value, GeometryForm geometry,
+                 std::string_view nullText) {
+    if (value.kind == ResultValue::Null) {
+        text += nullText;
+    } else if (value.kind == ResultValue::Geometry && geometry != GeometryForm::Wkt) {
+        appendGeometry(text, *value.geometry, geometry);
+    } else {
+        appendPlain(text, value);
     }
 }
 

@@ -30,7 +30,7 @@ protected:
     Output& output_;
 };
 
-enum class Format { Table, Csv, Json, GeoJson, Map };
+enum class Format { Table, Line, Markdown, Csv, Json, GeoJson, Map };
 
 /// How a table shows geometries.
 enum class GeometryForm {
@@ -57,5 +57,8 @@ void appendGeometry(std::string& text, const geometry::Geometry& geometry, Geome
 /// The value as table and csv show it: numbers as NumberText says, geometries as WKT, other bytes as X'0A1B';
 /// nothing for NULL.
 void appendPlain(std::string& text, const ResultValue& value);
+/// The same with geometries in a form, and a text for NULL.
+void appendShown(std::string& text, const ResultValue& value, GeometryForm geometry,
+                 std::string_view nullText);
 
 } // namespace orvane::shell

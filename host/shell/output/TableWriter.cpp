@@ -68,13 +68,7 @@ void TableWriter::readCell(Cell& cell, const ResultValue& value) const {
     cell.text.clear();
     cell.isNumber = value.kind == ResultValue::Integer || value.kind == ResultValue::Real;
     cell.isNull = value.kind == ResultValue::Null;
-    if (cell.isNull) {
-        cell.text = nullText_;
-    } else if (value.kind == ResultValue::Geometry && geometry_ != GeometryForm::Wkt) {
-        appendGeometry(cell.text, *value.geometry, geometry_);
-    } else {
-        appendPlain(cell.text, value);
-    }
+    appendShown(cell.text, value, geometry_, nullText_);
     cell.width = settleText(cell.text);
 }
 

@@ -3,12 +3,17 @@
 #include "host/adaptor/functions/FunctionReference.h"
 #include "host/adaptor/functions/FunctionRegistry.h"
 #include "host/shell/maps/MapWriter.h"
+#include "host/shell/messages/DisplayWidth.h"
 #include "host/shell/messages/NearestName.h"
 #include "host/shell/messages/Shell.h"
 #include "host/shell/messages/StandardError.h"
+#include "host/shell/output/NumberText.h"
 
 #include "platform/cs/CoordSystem.h"
 #include "platform/dp/Table.h"
+#include "platform/geometry/forms/GeometryFactory.h"
+#include "platform/geometry/shapes/GeoSqlType.h"
+#include "platform/utils/Quoting.h"
 #include "platform/utils/VisibleText.h"
 #include <orvane/engine/FunctionNames.h>
 
@@ -42,6 +47,49 @@ QString typeName(const dp::AttributeDefinition& attribute) {
     }
 }
 
+/// The kinds of the geometries that the first rows have; a number of rows that takes no time.
+QString geometryKinds(dp::Table& table) {
+    const int attribute = table.schema()->geometryIndex();
+    if (attribute < 0) {
+        return {};
+    }
+    constexpr int most = 100;
+    QStringList kinds;
+    dp::ScanRequest request;
+    request.attributes = {attribute};
+    request.limit = most;
+    try {
+        const auto rows = table.openCursor(request);
+        for (int row = 0; row < most && rows->next(); ++row) {
+            const dp::Cell cell = rows->cell(attribute);
+            const auto geometry = cell.type() == dp::CellType::Wkb
+                                      ? geometry::GeometryFactory::fromWkb(cell.view(), nullptr)
+                                      : nullptr;
+            if (const QString kind = geometry ? sql::geoSqlType(*geometry) : QString();
+                geometry && !kinds.contains(kind)) {
+                kinds += kind;
+            }
+        }
+    } catch (const std::runtime_error&) {
+        return QStringLiteral("Geometry"); // what is wrong, a query tells
+    }
+    return kinds.isEmpty() ? QStringLiteral("Geometry") : kinds.join(QStringLiteral(", "));
+}
+
+/// As a statement would write it.
+QString textOf(const ParameterValue& value) {
+    if (const auto* integer = std::get_if<std::int64_t>(&value)) {
+        return QString::number(*integer);
+    }
+    if (const auto* real = std::get_if<double>(&value)) {
+        std::string text;
+        appendReal(text, *real);
+        return QString::fromStdString(text);
+    }
+    const auto* text = std::get_if<std::string>(&value);
+    return text ? QString::fromStdString(utils::sqlText(*text)) : QStringLiteral("NULL");
+}
+
 } // namespace
 
 struct PromptCommands::Command {
@@ -49,12 +97,13 @@ struct PromptCommands::Command {
     Argument kind;
     const char* argument; ///< as the help shows it
     const char* summary;
-    void (PromptCommands::*run)(const QString& argument);
+    Outcome (PromptCommands::*run)(const QString& argument); ///< null for what the Console does
 };
 
 const std::vector<PromptCommands::Command>& PromptCommands::commands() {
     static const std::vector<Command> all{
-        {".tables", Argument::None, "", QT_TRANSLATE_NOOP("orvane::shell::Shell", "таблицы и число их строк"),
+        {".tables", Argument::None, "",
+         QT_TRANSLATE_NOOP("orvane::shell::Shell", "таблицы: число строк, геометрии, файл"),
          &PromptCommands::showTables},
         {".schema", Argument::Table, "[TABLE]",
          QT_TRANSLATE_NOOP("orvane::shell::Shell", "столбцы таблицы или всех таблиц"),
@@ -77,6 +126,13 @@ const std::vector<PromptCommands::Command>& PromptCommands::commands() {
         {".geometry", Argument::Text, "wkt|short|geojson",
          QT_TRANSLATE_NOOP("orvane::shell::Shell", "как показывать геометрии в таблицах"),
          &PromptCommands::setGeometryForm},
+        {".mode", Argument::Text, "table|line|markdown|csv|json|geojson",
+         QT_TRANSLATE_NOOP("orvane::shell::Shell", "вид ответа"), &PromptCommands::setFormat},
+        {".set", Argument::Text, "[NAME=VALUE]",
+         QT_TRANSLATE_NOOP("orvane::shell::Shell", "значение параметра :NAME, или все, какие есть"),
+         &PromptCommands::setParameter},
+        {".read", Argument::File, "FILE",
+         QT_TRANSLATE_NOOP("orvane::shell::Shell", "выполнить запросы и команды из файла"), nullptr},
         {".open", Argument::File, "FILE | NAME=FILE[|LAYER]",
          QT_TRANSLATE_NOOP("orvane::shell::Shell", "открыть слои файла"), &PromptCommands::open},
         {".close", Argument::Table, "TABLE", QT_TRANSLATE_NOOP("orvane::shell::Shell", "закрыть таблицу"),
@@ -102,24 +158,24 @@ PromptCommands::Argument PromptCommands::argumentOf(const QString& name) {
     return found == all.end() ? Argument::None : found->kind;
 }
 
-bool PromptCommands::run(const QString& line) {
+Outcome PromptCommands::run(const QString& line) {
     const QString name = line.section(QLatin1Char(' '), 0, 0);
     for (const Command& command : commands()) {
-        if (name.compare(QLatin1String(command.name), Qt::CaseInsensitive) != 0) {
-            continue;
+        if (command.run && name.compare(QLatin1String(command.name), Qt::CaseInsensitive) == 0) {
+            const Outcome outcome = (this->*command.run)(line.mid(name.size()).trimmed());
+            output_.commit();
+            return outcome;
         }
-        if (!command.run) {
-            return false;
-        }
-        (this->*command.run)(line.mid(name.size()).trimmed());
-        output_.commit();
-        return true;
     }
     const QString nearest = nearestName(name, names());
-    printMessage(nearest.isEmpty()
-                     ? Shell::tr("нет команды %0, все команды показывает .help").arg(name)
-                     : Shell::tr("нет команды %0; возможно, имелось в виду %1").arg(name, nearest));
-    return true;
+    return fail(nearest.isEmpty()
+                    ? Shell::tr("нет команды %0, все команды показывает .help").arg(name)
+                    : Shell::tr("нет команды %0; возможно, имелось в виду %1").arg(name, nearest));
+}
+
+Outcome PromptCommands::fail(const QString& message) {
+    printMessage(message);
+    return Outcome::Failed;
 }
 
 void PromptCommands::printLine(const QString& text) {
@@ -128,16 +184,47 @@ void PromptCommands::printLine(const QString& text) {
     output_.rowDone();
 }
 
-void PromptCommands::showTables(const QString&) {
-    for (const auto& object : session_.catalog().dataObjects()) {
-        const auto* table = qobject_cast<const dp::Table*>(object.get());
-        const auto count = table ? table->featureCount() : std::nullopt;
-        printLine(count ? QStringLiteral("%0  %1").arg(object->name(), QString::number(*count))
-                        : object->name());
+/// Lines of cells, each column as wide as it has to be; the second holds numbers.
+void PromptCommands::printColumns(const std::vector<QStringList>& lines) {
+    std::vector<int> widths;
+    const auto shown = [](const QString& cell) { return utils::visibleText(cell.toStdString()); };
+    for (const QStringList& line : lines) {
+        widths.resize(std::max(widths.size(), static_cast<std::size_t>(line.size())));
+        for (int i = 0; i < line.size(); ++i) {
+            int& width = widths[static_cast<std::size_t>(i)];
+            width = std::max(width, displayWidth(shown(line[i])));
+        }
+    }
+    for (const QStringList& line : lines) {
+        std::string text;
+        for (int i = 0; i < line.size(); ++i) {
+            const std::string cell = shown(line[i]);
+            const auto padding =
+                static_cast<std::size_t>(widths[static_cast<std::size_t>(i)] - displayWidth(cell));
+            text += i == 0 ? "" : "  ";
+            text += i == 1 ? std::string(padding, ' ') + cell : cell + std::string(padding, ' ');
+        }
+        text.erase(text.find_last_not_of(' ') + 1);
+        output_.text() += text + '\n';
+        output_.rowDone();
     }
 }
 
-void PromptCommands::showSchema(const QString& name) {
+Outcome PromptCommands::showTables(const QString&) {
+    std::vector<QStringList> lines;
+    for (const auto& object : session_.catalog().dataObjects()) {
+        auto* table = qobject_cast<dp::Table*>(object.get());
+        const auto count = table ? table->featureCount() : std::nullopt;
+        const auto system = table ? table->coordSystem() : nullptr;
+        lines.push_back({object->name(), count ? QString::number(*count) : QStringLiteral("?"),
+                         table ? geometryKinds(*table) : QString(),
+                         system ? system->taggedString() : QString(), Session::sourceOf(*object)});
+    }
+    printColumns(lines);
+    return Outcome::Done;
+}
+
+Outcome PromptCommands::showSchema(const QString& name) {
     bool found = false;
     for (const auto& object : session_.catalog().dataObjects()) {
         const auto* table = qobject_cast<const dp::Table*>(object.get());
@@ -153,12 +240,10 @@ void PromptCommands::showSchema(const QString& name) {
                           .arg(isGeometry ? QStringLiteral("obj") : attribute->name(), typeName(*attribute)));
         }
     }
-    if (!found && !name.isEmpty()) {
-        printMessage(Shell::tr("нет таблицы «%0»").arg(name));
-    }
+    return found || name.isEmpty() ? Outcome::Done : fail(Shell::tr("нет таблицы «%0»").arg(name));
 }
 
-void PromptCommands::showFunctions(const QString& pattern) {
+Outcome PromptCommands::showFunctions(const QString& pattern) {
     QString group;
     for (const adaptor::FunctionRecord& record : adaptor::allFunctionRecords()) {
         const QString signature = QString::fromUtf8(record.signature);
@@ -173,9 +258,10 @@ void PromptCommands::showFunctions(const QString& pattern) {
         }
         printLine(QStringLiteral("  %0  %1").arg(signature, summary));
     }
+    return Outcome::Done;
 }
 
-void PromptCommands::showHelp(const QString& topic) {
+Outcome PromptCommands::showHelp(const QString& topic) {
     if (topic.isEmpty()) {
         for (const Command& command : commands()) {
             printLine(QStringLiteral("%0 %1  %2")
@@ -185,56 +271,84 @@ void PromptCommands::showHelp(const QString& topic) {
         printLine(Shell::tr(
             "Запрос кончается точкой с запятой или пустой строкой. Tab дополняет слово, Ctrl-C прерывает "
             "запрос, Ctrl-D завершает работу."));
-        return;
+        return Outcome::Done;
     }
     const std::string help = adaptor::functionHelp(topic.toStdString());
     if (help.empty()) {
-        printMessage(Shell::tr("описания «%0» нет").arg(topic));
-    } else {
-        output_.text() += help;
-        output_.rowDone();
+        return fail(Shell::tr("описания «%0» нет").arg(topic));
     }
+    output_.text() += help;
+    output_.rowDone();
+    return Outcome::Done;
 }
 
-void PromptCommands::showTranslation(const QString& statement) {
+Outcome PromptCommands::showTranslation(const QString& statement) {
     const std::string text = statement.toStdString();
     StatementRunner::Settings& settings = runner_.settings();
     settings.translateOnly = true;
-    runner_.run({QString(), text});
+    const Outcome outcome = runner_.run({QString(), text});
     settings.translateOnly = false;
+    return outcome;
 }
 
-void PromptCommands::explain(const QString& statement) {
+Outcome PromptCommands::explain(const QString& statement) {
     StatementRunner::Settings& settings = runner_.settings();
     const bool always = std::exchange(settings.explain, true);
     const std::string text = statement.toStdString();
-    runner_.run({QString(), text});
+    const Outcome outcome = runner_.run({QString(), text});
     settings.explain = always;
+    return outcome;
 }
 
-void PromptCommands::drawMap(const QString& statement) {
+Outcome PromptCommands::drawMap(const QString& statement) {
     const std::string text = statement.isEmpty() ? last_ : statement.toStdString();
     if (text.empty()) {
-        printMessage(Shell::tr("запроса ещё не было: .map ЗАПРОС"));
-        return;
+        return fail(Shell::tr("запроса ещё не было: .map ЗАПРОС"));
     }
     last_ = text;
     StatementRunner::Settings& settings = runner_.settings();
     const Format format = std::exchange(settings.writer.format, Format::Map);
     settings.map.terminal = terminalSpace(true);
-    runner_.run({QString(), text});
+    const Outcome outcome = runner_.run({QString(), text});
     settings.writer.format = format;
+    return outcome;
 }
 
-void PromptCommands::setGeometryForm(const QString& form) {
+Outcome PromptCommands::setGeometryForm(const QString& form) {
     try {
         runner_.settings().writer.geometry = parseGeometryForm(form.toLower().toStdString());
     } catch (const UsageError& error) {
-        printMessage(QString::fromUtf8(error.what()));
+        return fail(QString::fromUtf8(error.what()));
     }
+    return Outcome::Done;
 }
 
-void PromptCommands::open(const QString& source) {
+Outcome PromptCommands::setFormat(const QString& format) {
+    try {
+        runner_.settings().writer.format = parseFormat(format.toLower().toStdString());
+    } catch (const UsageError& error) {
+        return fail(QString::fromUtf8(error.what()));
+    }
+    return Outcome::Done;
+}
+
+Outcome PromptCommands::setParameter(const QString& text) {
+    Parameters& parameters = runner_.settings().parameters;
+    if (!text.isEmpty()) {
+        const auto [name, value] = parseParameter(text.toStdString());
+        if (name.empty()) {
+            return fail(Shell::tr(".set: ожидается ИМЯ=ЗНАЧЕНИЕ, а не «%0»").arg(text));
+        }
+        parameters[name] = value;
+        return Outcome::Done;
+    }
+    for (const auto& [name, value] : parameters) {
+        printLine(QStringLiteral("%0=%1").arg(QString::fromStdString(name), textOf(value)));
+    }
+    return Outcome::Done;
+}
+
+Outcome PromptCommands::open(const QString& source) {
     try {
         if (source.contains(QLatin1Char('='))) {
             session_.openTable(parseTable(source.toStdString()));
@@ -242,14 +356,13 @@ void PromptCommands::open(const QString& source) {
             session_.openFile(source);
         }
     } catch (const UsageError& error) {
-        printMessage(QString::fromUtf8(error.what()));
+        return fail(QString::fromUtf8(error.what()));
     }
+    return Outcome::Done;
 }
 
-void PromptCommands::close(const QString& table) {
-    if (!session_.closeTable(table)) {
-        printMessage(Shell::tr("нет таблицы «%0»").arg(table));
-    }
+Outcome PromptCommands::close(const QString& table) {
+    return session_.closeTable(table) ? Outcome::Done : fail(Shell::tr("нет таблицы «%0»").arg(table));
 }
 
 } // namespace orvane::shell

@@ -22,26 +22,30 @@ public:
     /// None for what is no command.
     static Argument argumentOf(const QString& name);
 
-    /// Carries a line out; one that is no command, or whose file does not open, is answered with a message on
-    /// standard error. False when the user wants to leave.
-    bool run(const QString& line);
+    /// Carries a line out; one that is no command, or fails, is answered with a message on standard error.
+    /// Leaving and reading scripts are the Console's.
+    Outcome run(const QString& line);
 
 private:
     struct Command;
     static const std::vector<Command>& commands();
 
-    void showTables(const QString& argument);
-    void showSchema(const QString& table);
-    void showFunctions(const QString& pattern);
-    void showHelp(const QString& topic);
-    void showTranslation(const QString& statement);
-    void explain(const QString& statement);
-    void drawMap(const QString& statement);
-    void setGeometryForm(const QString& form);
-    void open(const QString& source);
-    void close(const QString& table);
+    Outcome showTables(const QString& argument);
+    Outcome showSchema(const QString& table);
+    Outcome showFunctions(const QString& pattern);
+    Outcome showHelp(const QString& topic);
+    Outcome showTranslation(const QString& statement);
+    Outcome explain(const QString& statement);
+    Outcome drawMap(const QString& statement);
+    Outcome setGeometryForm(const QString& form);
+    Outcome setFormat(const QString& format);
+    Outcome setParameter(const QString& text);
+    Outcome open(const QString& source);
+    Outcome close(const QString& table);
 
+    static Outcome fail(const QString& message);
     void printLine(const QString& text);
+    void printColumns(const std::vector<QStringList>& lines);
 
     Session& session_;
     StatementRunner& runner_;

@@ -125,7 +125,7 @@ Completion completeStatement(const std::string& statement, const Names& names) {
         return {word.size() + 1, beginningWith(L"." + word, PromptCommands::names())};
     }
     sql::SqlParser parsed(nullptr);
-    const std::vector<sql::ScriptStatement> script = sql::splitScript(statement);
+    const std::vector<sql::ScriptStatement> script = sql::splitScript(statement).statements;
     parsed.parse(script.empty() ? std::string() : script.back().text); // as far as it is written
     const StatementNames used(parsed.tables(), names);
     if (isQualified) {

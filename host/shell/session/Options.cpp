@@ -11,6 +11,7 @@
 
 #include <QFileInfo>
 #include <QLocale>
+#include <QRegularExpression>
 
 #include <charconv>
 #include <iostream>
@@ -23,7 +24,7 @@ namespace {
 
 /// What CLI11 fills in, before the texts are taken apart.
 struct RawOptions {
-    std::vector<std::string> files, tables, commands, scripts;
+    std::vector<std::string> files, tables, commands, scripts, parameters;
     std::string format = "table", memo = "off", log = "warning", locale, output, null, selection, function,
                 indexDirectory, geometry, mapSize, mapSystem, mapFill, mapLabel, mapTitle, mapClasses;
     std::vector<std::string> mapBackground;
@@ -31,11 +32,10 @@ struct RawOptions {
          explain = false, noIndices = false, trustReferences = false, mapGraticule = false;
 };
 
-const std::map<std::string, Format> formats{{"table", Format::Table},
-                                            {"csv", Format::Csv},
-                                            {"json", Format::Json},
-                                            {"geojson", Format::GeoJson},
-                                            {"map", Format::Map}};
+const std::map<std::string, Format> formats{
+    {"table", Format::Table}, {"line", Format::Line}, {"markdown", Format::Markdown},
+    {"csv", Format::Csv},     {"json", Format::Json}, {"geojson", Format::GeoJson},
+    {"map", Format::Map}};
 const std::map<std::string, GeometryForm> geometryForms{
     {"wkt", GeometryForm::Wkt}, {"short", GeometryForm::Short}, {"geojson", GeometryForm::GeoJson}};
 const std::map<std::string, engine::EngineCache::GaiaCache> memoModes{
@@ -136,6 +136,8 @@ UsageError usageError(const CLI::ParseError& error) {
 void requireFittingEnding(const QString& path, const std::string& format) {
     static const std::map<std::string, QStringList> endings{
         {"table", {}},
+        {"line", {}},
+        {"markdown", {QStringLiteral("md")}},
         {"map", {}},
         {"csv", {QStringLiteral("csv")}},
         {"json", {QStringLiteral("json")}},
@@ -218,8 +220,41 @@ bool wantsPicture(int argc, const char* const* argv) {
     return pictureFormatOf(path).has_value();
 }
 
+Format parseFormat(const std::string& word) {
+    return oneOf(formats, word, "format");
+}
+
 GeometryForm parseGeometryForm(const std::string& word) {
     return oneOf(geometryForms, word, "geometry");
+}
+
+std::pair<std::string, ParameterValue> parseParameter(const std::string& argument) {
+    // Of "a=b" the name is what could be one; else all is the value of a nameless parameter.
+    static const QRegularExpression named(QStringLiteral("^[:?]?([\\p{L}\\p{N}_]+)\\s*=\\s*(.*)$"),
+                                          QRegularExpression::DotMatchesEverythingOption);
+    const auto match = named.match(QString::fromStdString(argument));
+    const std::string name = match.hasMatch() ? match.captured(1).toLower().toStdString() : std::string();
+    const std::string text = match.hasMatch() ? match.captured(2).toStdString() : argument;
+    const char* const end = text.data() + text.size();
+    std::int64_t integer = 0;
+    if (const auto read = std::from_chars(text.data(), end, integer);
+        read.ec == std::errc() && read.ptr == end) {
+        return {name, integer};
+    }
+    double real = 0;
+    if (const auto read = std::from_chars(text.data(), end, real);
+        read.ec == std::errc() && read.ptr == end) {
+        return {name, real};
+    }
+    if (QString::fromStdString(text).compare(QLatin1String("null"), Qt::CaseInsensitive) == 0) {
+        return {name, std::monostate()};
+    }
+    if (text.size() >= 2 && text.front() == '\'' && text.back() == '\'') {
+        return {name, QString::fromStdString(text.substr(1, text.size() - 2))
+                          .replace(QLatin1String("''"), QLatin1String("'"))
+                          .toStdString()};
+    }
+    return {name, text};
 }
 
 TableSource parseTable(const std::string& argument) {
@@ -261,8 +296,10 @@ std::optional<Options> parseOptions(int argc, const char* const* argv) {
         text(Shell::tr("открывать и то, на что файлы ссылаются вне своей папки: другие файлы, сеть")));
     const auto* command = list("-c,--command", raw.commands, Shell::tr("выполнить запрос"), "TEXT");
     const auto* script = list("-f,--script", raw.scripts, Shell::tr("выполнить запросы из файла"), "FILE");
+    list("-p,--parameter", raw.parameters, Shell::tr("значение параметра :NAME или, по порядку, ?"),
+         "[NAME=]VALUE");
     const auto* format =
-        value("-F,--format", raw.format, Shell::tr("вид ответа"), "table|csv|json|geojson|map");
+        value("-F,--format", raw.format, Shell::tr("вид ответа"), "table|line|markdown|csv|json|geojson|map");
     const auto* output =
         value("-o,--output", raw.output,
               Shell::tr("записать ответ в файл, который появится, когда выполнены все запросы; «-» значит "
@@ -371,6 +408,11 @@ std::optional<Options> parseOptions(int argc, const char* const* argv) {
     }
     if (null->count() != 0) {
         options.nullText = raw.null;
+    }
+    int position = 0;
+    for (const std::string& parameter : raw.parameters) {
+        const auto [name, given] = parseParameter(parameter);
+        options.parameters[name.empty() ? std::to_string(++position) : name] = given;
     }
     options.header = !raw.noHeader;
     options.translateOnly = raw.translate;

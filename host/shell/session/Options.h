@@ -8,8 +8,12 @@
 
 #include <QString>
 
+#include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
+#include <utility>
+#include <variant>
 #include <vector>
 
 namespace orvane::shell {
@@ -35,6 +39,11 @@ struct SelectionSource {
     std::string query; ///< UTF-8, empty when rows are given
 };
 
+/// The value of a parameter of statements: NULL, a number or a UTF-8 text.
+using ParameterValue = std::variant<std::monostate, std::int64_t, double, std::string>;
+/// By their names in lower case, without the colon, or their numbers.
+using Parameters = std::map<std::string, ParameterValue>;
+
 /// What the command line asks for.
 struct Options {
     std::vector<QString> files;
@@ -54,6 +63,7 @@ struct Options {
     std::optional<GeometryForm> geometry; ///< default: short on a terminal
     bool overwrite = false;               ///< data files that exist may be replaced
     std::optional<std::string> nullText;
+    Parameters parameters;
     bool header = true;
     bool translateOnly = false;
     bool sqlite = false;
@@ -74,6 +84,11 @@ bool wantsPicture(int argc, const char* const* argv);
 
 /// "wkt", "short" or "geojson". Throws UsageError.
 GeometryForm parseGeometryForm(const std::string& word);
+
+/// "table", "csv", ... Throws UsageError.
+Format parseFormat(const std::string& word);
+/// NAME=VALUE or VALUE, whose name is empty. A number, NULL, or a text, which may stand in single quotes.
+std::pair<std::string, ParameterValue> parseParameter(const std::string& argument);
 
 /// NAME=FILE or NAME=FILE|LAYER in UTF-8. Throws UsageError.
 TableSource parseTable(const std::string& argument);

@@ -24,6 +24,8 @@ namespace orvane::shell {
 
 namespace {
 
+constexpr char sourceProperty[] = "source";
+
 /// What went wrong, from the outermost account to the cause.
 QString reason(const std::exception& failure) {
     QString text = QString::fromUtf8(failure.what());
@@ -126,9 +128,14 @@ std::vector<std::shared_ptr<dp::Table>> Session::openLayers(const QString& sourc
 void Session::openFile(const QString& path) {
     for (const auto& table : openLayers(path)) {
         table->setName(catalog_.freeName(table->name()));
+        table->setProperty(sourceProperty, shownSource(path));
         catalog_.add(table);
     }
     makeVirtualTables();
+}
+
+QString Session::sourceOf(const dp::DataObject& table) {
+    return table.property(sourceProperty).toString();
 }
 
 void Session::openTable(const TableSource& source) {
@@ -144,6 +151,7 @@ void Session::openTable(const TableSource& source) {
                              .arg(shownSource(source.path), layers.join(QStringLiteral(", "))));
     }
     tables.front()->setName(source.name);
+    tables.front()->setProperty(sourceProperty, shownSource(whole));
     if (!catalog_.add(tables.front())) {
         throw UsageError(Shell::tr("имя таблицы «%0» уже занято").arg(source.name));
     }

@@ -42,6 +42,8 @@ public:
     void select(const std::string& query);
     /// Makes a result an open table. Throws std::runtime_error: name taken, no room.
     void addResult(const QString& name, files::ResultRows& rows);
+    /// The file that a table comes from, as the user named it; empty for a result.
+    static QString sourceOf(const dp::DataObject& table);
     /// False when there is no such table.
     bool closeTable(const QString& name);
 

@@ -9,7 +9,6 @@
 #include "host/shell/session/Interrupt.h"
 #include "host/shell/statements/ColumnTitles.h"
 
-#include "platform/sql/lexing/Script.h"
 #include "platform/sql/lexing/SqlStrings.h"
 #include "platform/sql/tree/NodeVisitor.h"
 #include <orvane/Engine.h>
@@ -95,13 +94,17 @@ Outcome StatementRunner::run(const StatementText& text) {
         Statement statement{text, std::string(text.text), {}};
         return runSqlite(statement, statement.text);
     }
-    for (const sql::ScriptStatement& part : sql::splitScript(text.text)) {
-        Statement statement{text, part.text, {part.line, part.column, 1}};
-        if (const Outcome outcome = runDialect(statement); outcome != Outcome::Done) {
+    for (const sql::ScriptStatement& part : sql::splitScript(text.text).statements) {
+        if (const Outcome outcome = run(text, part); outcome != Outcome::Done) {
             return outcome;
         }
     }
     return Outcome::Done;
+}
+
+Outcome StatementRunner::run(const StatementText& text, const sql::ScriptStatement& part) {
+    Statement statement{text, part.text, {part.line, part.column, 1}};
+    return runDialect(statement);
 }
 
 Outcome StatementRunner::runDialect(Statement& statement) {
@@ -231,7 +234,49 @@ Outcome StatementRunner::runSqlite(Statement& statement, const std::string& sqli
     return settings_.sqlite ? Outcome::Done : finish(statement);
 }
 
+bool StatementRunner::bindParameters(Statement& statement, sqlite3_stmt* prepared) const {
+    const int count = sqlite3_bind_parameter_count(prepared);
+    bool hasNumbers = false; // SQLite then counts those between that no statement names, too
+    for (int i = 1; i <= count; ++i) {
+        const char* const text = sqlite3_bind_parameter_name(prepared, i);
+        hasNumbers = hasNumbers || (text && *text == '?');
+    }
+    int nameless = 0;
+    for (int i = 1; i <= count; ++i) {
+        const char* const text = sqlite3_bind_parameter_name(prepared, i);
+        const QString shown = text ? QString::fromUtf8(text) : QStringLiteral("?");
+        const QString name = text ? shown.mid(1).toLower() : QString::number(++nameless);
+        const auto value = settings_.parameters.find(name.toStdString());
+        if (value == settings_.parameters.end() && !text && hasNumbers) {
+            continue;
+        }
+        if (value == settings_.parameters.end()) {
+            statement.problem = {
+                Shell::tr("у параметра %0 нет значения: его задают --parameter %1=… или .set %1=…")
+                    .arg(shown, name),
+                std::nullopt};
+            return false;
+        }
+        std::visit(
+            [&](const auto& known) {
+                using Value = std::decay_t<decltype(known)>;
+                if constexpr (std::is_same_v<Value, std::int64_t>) {
+                    sqlite3_bind_int64(prepared, i, known);
+                } else if constexpr (std::is_same_v<Value, double>) {
+                    sqlite3_bind_double(prepared, i, known);
+                } else if constexpr (std::is_same_v<Value, std::string>) {
+                    sqlite3_bind_text64(prepared, i, known.data(), known.size(), SQLITE_STATIC, SQLITE_UTF8);
+                }
+            },
+            value->second);
+    }
+    return true;
+}
+
 Outcome StatementRunner::execute(Statement& statement, sqlite3_stmt* prepared) {
+    if (!bindParameters(statement, prepared)) {
+        return Outcome::Failed;
+    }
     int code = SQLITE_DONE;
     std::optional<PatientWork> patience;
     if (sqlite3_stmt_readonly(prepared) == 0) {

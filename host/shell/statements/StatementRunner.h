@@ -6,6 +6,7 @@
 #include "host/shell/session/Session.h"
 
 #include "host/providers/results/ResultFile.h"
+#include "platform/sql/lexing/Script.h"
 #include "platform/sql/parsing/SqlParser.h"
 
 #include <chrono>
@@ -29,6 +30,7 @@ class StatementRunner {
 public:
     struct Settings {
         WriterSettings writer;
+        Parameters parameters;
         bool translateOnly = false; ///< write the SQLite text instead of running it
         bool sqlite = false;        ///< the texts are SQLite's already
         bool timing = false;
@@ -44,6 +46,8 @@ public:
     Settings& settings() { return settings_; }
     /// Runs the statements of a text in turn, up to the first that does not succeed.
     Outcome run(const StatementText& text);
+    /// Runs one of them.
+    Outcome run(const StatementText& text, const sql::ScriptStatement& part);
 
 private:
     using Clock = std::chrono::steady_clock;
@@ -84,6 +88,8 @@ private:
     std::unique_ptr<ResultWriter> makeWriter(const Statement& statement, sqlite3_stmt* prepared);
     /// Runs the SQLite statements of a text. They count as one statement, unless the user wrote them.
     Outcome runSqlite(Statement& statement, const std::string& sqliteText);
+    /// Gives parameters their values; false, and a problem, where one has none.
+    bool bindParameters(Statement& statement, sqlite3_stmt* prepared) const;
     Outcome execute(Statement& statement, sqlite3_stmt* prepared);
     /// Steps to the end; answers SQLite's code.
     int writeRows(Statement& statement, sqlite3_stmt* prepared, ResultWriter* writer);

@@ -10,33 +10,44 @@ class Splitter {
 public:
     explicit Splitter(std::string_view script) : script_(script) {}
 
-    std::vector<ScriptStatement> run() {
+    Script run() {
         while (skipBlanks()) {
             ScriptStatement statement;
             countTo(pos_);
             statement.line = line_;
             statement.column = column_;
             const std::size_t start = pos_;
-            skipStatement();
+            statement.isCommand = isCommand();
+            if (statement.isCommand) {
+                pos_ = std::min(script_.find('\n', pos_), script_.size());
+            } else {
+                skipStatement();
+            }
             statement.text = script_.substr(start, pos_ - start);
-            statement.terminated = pos_ < script_.size();
-            if (statement.terminated) {
+            statement.terminated = statement.isCommand || pos_ < script_.size();
+            if (pos_ < script_.size()) {
                 ++pos_;
             }
             if (!statement.text.empty()) {
-                statements_.push_back(std::move(statement));
+                result_.statements.push_back(std::move(statement));
             }
         }
-        return std::move(statements_);
+        return std::move(result_);
     }
 
 private:
+    bool isCommand() const {
+        const char letter = pos_ + 1 < script_.size() ? script_[pos_ + 1] : ' ';
+        return at(".") && ((letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z'));
+    }
+
     bool at(std::string_view symbols) const { return script_.substr(pos_, symbols.size()) == symbols; }
 
-    /// Goes behind the next occurrence of `close`, or to the end.
-    void skipBeyond(std::string_view close) {
+    /// Goes behind the next occurrence of `close`; to the end, and false, without.
+    bool skipBeyond(std::string_view close) {
         const std::size_t found = script_.find(close, pos_);
         pos_ = found == std::string_view::npos ? script_.size() : found + close.size();
+        return found != std::string_view::npos;
     }
 
     bool skipComment() {
@@ -44,7 +55,7 @@ private:
             skipBeyond("\n");
         } else if (at("/*")) {
             pos_ += 2;
-            skipBeyond("*/");
+            result_.endsInComment = !skipBeyond("*/");
         } else {
             return false;
         }
@@ -93,12 +104,12 @@ private:
     std::size_t counted_ = 0;
     int line_ = 1;
     int column_ = 1;
-    std::vector<ScriptStatement> statements_;
+    Script result_;
 };
 
 } // namespace
 
-std::vector<ScriptStatement> splitScript(std::string_view utf8) {
+Script splitScript(std::string_view utf8) {
     return Splitter(utf8).run();
 }
 

@@ -40,6 +40,47 @@ TEST(Program, answersInTheFormThatIsAsked) {
     }
 }
 
+TEST(Program, obeysCommandsInScriptsAndPipesAndEndsAtTheFirstThatFails) {
+    QTemporaryDir directory;
+    const QString script = directory.filePath(QStringLiteral("часть.sql"));
+    const QString endless = directory.filePath(QStringLiteral("endless.sql"));
+    writeFile(script, "\xEF\xBB\xBF.mode markdown\nSelect 'a|b\\' As [x|y], Null As nothing, 2.5 As r");
+    writeFile(endless, ".read " + endless.toUtf8());
+    struct Case {
+        QByteArray input;
+        const char* output;
+        const char* error = "";
+        int status = 0;
+    };
+    const Case cases[] = {
+        {".tables", "cities  4442  Point  epsg:4326  "},
+        {".mode line\nSelect 1 As a, 'б' As long; Select 2 As a From cities Where False;",
+         "   a: 1\nlong: б\n"},
+        {".read " + script.toUtf8(),
+         "| x\\|y | nothing | r |\n| --- | --- | ---: |\n| a\\|b\\\\ |  | 2.5 |\n"},
+        {".read " + endless.toUtf8(), "", "without end", 1},
+        {".read /no/such", "", "/no/such", 1},
+        {"Select 1 As a;\n.nothing\nSelect 2 As a;", "a\n-\n1\n", "there is no command .nothing", 1},
+        {"Select 1 As a;\n.quit\nSelect 2 As a;", "a\n-\n1\n"},
+        {".close nothing", "", "nothing", 1},
+        {"Explain Select 5 As a", "a\n-\n5\n"},
+        {".set Год=2024\n.set t='it''s; 5'\n.set n=null\n.set\nSelect :год + 1 As y, :T As t, :n Is Null As "
+         "n",
+         "mark=5\nn=NULL\nt='it''s; 5'\nгод=2024\n   y | t       | n\n-----+---------+--\n2025 | it's; 5 | "
+         "1\n"},
+        {"Select :nowhere", "", "parameter :nowhere has no value", 1},
+        {"Select 1 As a, ?2 As b", "", "parameter ?2 has no value: --parameter 2=", 1},
+    };
+    for (const Case& each : cases) {
+        const Answer answer = runProgram({exampleFile("cities.shp"), QStringLiteral("-pmark=5")}, each.input);
+        EXPECT_THAT(answer.output, StartsWith(each.output)) << each.input.toStdString();
+        EXPECT_THAT(answer.errors, HasSubstr(each.error)) << each.input.toStdString();
+        EXPECT_EQ(answer.status, each.status) << each.input.toStdString();
+    }
+    const Answer given = ask("-F csv -p a=1.5 -p x -p :Б=NULL -p 7", "Select :A, ?, :б, ?, TypeOf(:a)");
+    EXPECT_THAT(given.output, HasSubstr("\n1.5,x,,7,real\n"));
+}
+
 TEST(Program, printsNothingOfAStatementThatFailsLate) {
     const Answer answer = ask("-F csv", "Select 10 \\ (geonameid - 2950159) From cities");
     EXPECT_THAT(answer.errors, HasSubstr("division by zero"));

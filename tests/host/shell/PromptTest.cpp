@@ -39,6 +39,7 @@ public:
             return;
         }
         ::setenv("XDG_DATA_HOME", home.c_str(), 1);
+        ::setenv("XDG_CONFIG_HOME", home.c_str(), 1);
         ::setenv("LC_ALL", "C.UTF-8", 1);
         ::setenv("TERM", "xterm", 1);
         ::setenv("PAGER", pager, 1);
@@ -182,7 +183,7 @@ TEST_F(Prompt, completesWords) {
     terminal_.type(".sche\tcountr\t\n");
     terminal_.readUntil("  lifeExp  Real\r\n");
     terminal_.type(".close cou\t\n.open " ORVANE_EXAMPLE_DATA "/coun\t\n.tables\n");
-    terminal_.readUntil("countries  177\r\n");
+    terminal_.readUntil("countries   177  MultiPolygon  epsg:4326");
     terminal_.type(".qui\t\n");
     EXPECT_EQ(terminal_.exitStatus(), 0);
 }
@@ -213,7 +214,7 @@ TEST_F(Prompt, survivesErrorsAndCancelledStatements) {
 
 TEST_F(Prompt, answersCommands) {
     terminal_.type(".tables\n");
-    terminal_.readUntil("countries  177\r\n");
+    terminal_.readUntil("countries   177  MultiPolygon  epsg:4326");
     terminal_.type(".schema cities\n");
     terminal_.readUntil("  obj  Geometry, epsg:4326\r\n");
     terminal_.type(".translate Select 'a' & 'b'\n");
@@ -230,6 +231,27 @@ TEST_F(Prompt, answersCommands) {
     terminal_.readUntil("Mid(text, start, count)");
     terminal_.type(".quit\n");
     EXPECT_EQ(terminal_.exitStatus(), 0);
+}
+
+TEST_F(Prompt, understandsTheHabitsOfOtherShellsAndTheStartFile) {
+    QDir(home_.path()).mkdir(QStringLiteral("orvane"));
+    QFile start(home_.filePath(QStringLiteral("orvane/orvanerc")));
+    ASSERT_TRUE(start.open(QIODevice::WriteOnly));
+    start.write(".set least=1000000000\n.mode csv\nSelect 'started' As word;\n");
+    start.close();
+    Terminal terminal(home_.path().toStdString(), {ORVANE_EXAMPLE_DATA "/countries.gpkg"});
+    terminal.readUntil("word\r\nstarted\r\n");
+    terminal.readUntil("orvane> ");
+    terminal.type("Select iso_a2 From countries Where pop > :least Order By pop;\n");
+    terminal.readUntil("iso_a2\r\nIN\r\nCN\r\n");
+    terminal.type("/* a comment;\n.tables */ show tables\n");
+    terminal.readUntil("countries  177  MultiPolygon");
+    terminal.type("Describe \"countries\";\n");
+    terminal.readUntil("  lifeExp  Real\r\n");
+    terminal.type("help mid\n");
+    terminal.readUntil("Mid(text, start, count)");
+    terminal.type("exit\n");
+    EXPECT_EQ(terminal.exitStatus(), 0);
 }
 
 TEST_F(Prompt, endsAtSignals) {
@@ -338,7 +360,7 @@ TEST_F(Prompt, showsNamesThatATerminalWouldObey) {
         EXPECT_THAT(text,
                     testing::AllOf(testing::Not(HasSubstr("\u202E")), testing::Not(HasSubstr("\u2066"))));
     };
-    shown(".tables\n", "a<U+202E>  1\r\n");
+    shown(".tables\n", "a<U+202E>  1  ");
     shown(".schema\n", "  na<U+202E>me  Integer\r\n  na<U+2066>  Integer\r\n");
     shown("Select Char(8238) & 'b' As t;\n", "\r\n<U+202E>b\r\n");
     shown("Select na\t", "na<U+202E>me  ");

@@ -67,8 +67,10 @@ TEST(Lexer, ZeroCharactersAreRefusedEverywhere) {
 }
 
 TEST(Script, StatementsAreCutOutsideTextsNamesAndComments) {
-    const auto statements = splitScript("\xEF\xBB\xBF-- first;\nSelect ';', \"a;b\", [c;d] /* ; */ From t;\n"
-                                        ";; /* nothing; */\n  Имя; Select 'it''s; fine' -- the end;\n");
+    const auto script = splitScript("\xEF\xBB\xBF-- first;\nSelect ';', \"a;b\", [c;d] /* ; */ From t;\n"
+                                    ";; /* nothing; */\n  Имя; Select 'it''s; fine' -- the end;\n");
+    const auto& statements = script.statements;
+    EXPECT_FALSE(script.endsInComment);
     ASSERT_EQ(statements.size(), 3u);
     EXPECT_EQ(statements[0].text, "Select ';', \"a;b\", [c;d] /* ; */ From t");
     EXPECT_EQ(statements[0].line, 2);
@@ -80,8 +82,26 @@ TEST(Script, StatementsAreCutOutsideTextsNamesAndComments) {
     EXPECT_EQ(statements[2].text, "Select 'it''s; fine' -- the end;\n");
     EXPECT_EQ(statements[2].column, 8) << "columns count characters";
     EXPECT_FALSE(statements[2].terminated);
-    EXPECT_TRUE(splitScript(" \n-- nothing").empty());
-    EXPECT_EQ(splitScript("Select 'open; text").size(), 1u);
+    EXPECT_TRUE(splitScript(" \n-- nothing").statements.empty());
+    EXPECT_EQ(splitScript("Select 'open; text").statements.size(), 1u);
+    for (const char* open : {"/*", "Select 1; /* what\n.tables\ncomes; next"}) {
+        EXPECT_TRUE(splitScript(open).endsInComment) << open;
+    }
+}
+
+TEST(Script, CommandsBeginWhereAStatementCouldAndEndWithTheirLine) {
+    const auto statements =
+        splitScript(".open a;b.csv\r\n  .tables\nSelect t\n.id From t; .5; .mode csv -- all\n.7").statements;
+    const std::pair<const char*, bool> expected[] = {{".open a;b.csv\r", true},       {".tables", true},
+                                                     {"Select t\n.id From t", false}, {".5", false},
+                                                     {".mode csv -- all", true},      {".7", false}};
+    ASSERT_EQ(statements.size(), std::size(expected));
+    for (std::size_t i = 0; i < statements.size(); ++i) {
+        EXPECT_EQ(statements[i].text, expected[i].first);
+        EXPECT_EQ(statements[i].isCommand, expected[i].second) << statements[i].text;
+        EXPECT_EQ(statements[i].terminated, i + 1 < statements.size()) << statements[i].text;
+    }
+    EXPECT_EQ(statements.back().line, 5);
 }
 
 TEST(Keywords, EveryKeywordIsFoundInAnyLetterCase) {
