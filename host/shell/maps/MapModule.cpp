@@ -13,7 +13,7 @@ namespace {
 QFunctionPointer resolve(const char* function, QString& failure) {
     // The application may not be there yet: its directory is read from the system.
     const QString directory = QFileInfo(QFileInfo(QStringLiteral("/proc/self/exe")).symLinkTarget()).path();
-    for (const char* plugins : {"/../plugins/", "/../" ORVANE_LIBDIR "/orvane/plugins/"}) {
+    for (const char* plugins : {"/../plugins/", "/../" ORVANE_PLUGIN_DIR "/"}) {
         const QString path = directory + QLatin1String(plugins) + QLatin1String(mapModuleName);
         if (!QFileInfo::exists(path)) {
             continue;
