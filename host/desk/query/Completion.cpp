@@ -31,11 +31,11 @@ struct UsedTable {
 /// Those of the statement around a position, as far as it can be read.
 std::vector<UsedTable> usedTables(const QString& query, int position) {
     const std::string before = query.left(position).toStdString();
-    const auto scriptBefore = sql::splitScript(before);
+    const auto scriptBefore = sql::splitScript(before).statements;
     const std::size_t index = scriptBefore.empty() || scriptBefore.back().terminated
                                   ? scriptBefore.size()
                                   : scriptBefore.size() - 1;
-    const auto script = sql::splitScript(query.toStdString());
+    const auto script = sql::splitScript(query.toStdString()).statements;
     std::vector<UsedTable> used;
     if (index < script.size()) {
         sql::SqlParser parser(nullptr);

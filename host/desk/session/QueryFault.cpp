@@ -105,7 +105,7 @@ QueryFault faultOf(const QString& sqliteMessage, const std::string& statement) {
 }
 
 std::optional<QueryFault> syntaxFault(const std::string& text) {
-    for (const sql::ScriptStatement& statement : sql::splitScript(text)) {
+    for (const sql::ScriptStatement& statement : sql::splitScript(text).statements) {
         sql::SqlParser parser(nullptr);
         if (!parser.parse(statement.text)) {
             QueryFault fault = faultOf(*parser.errors().front(), statement.text);

@@ -167,7 +167,7 @@ QueryOutcome QueryRunner::run(const std::string& text) {
     timer.start();
     const auto changesBefore = sqlite3_total_changes64(host_.database());
     QueryOutcome outcome;
-    for (const sql::ScriptStatement& statement : sql::splitScript(text)) {
+    for (const sql::ScriptStatement& statement : sql::splitScript(text).statements) {
         try {
             outcome = runStatement(statement.text);
         } catch (const StatementFailed& failed) {
