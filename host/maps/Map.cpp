@@ -282,7 +282,10 @@ LayerStyle Map::styleOf(const Layer& layer) const {
             std::clamp(std::min(settings_.size.width(), settings_.size.height()) / 800, 0.6, 5.0);
         style.outlineWidth *= factor;
         style.lineWidth *= factor;
-        style.pointRadius *= factor;
+        // Many points are drawn small, so that they stay apart.
+        constexpr double few = 500;
+        const double crowd = static_cast<double>(layer.kinds[2]);
+        style.pointRadius *= factor * (crowd > few ? std::max(0.4, std::pow(few / crowd, 0.25)) : 1.0);
     }
     return style;
 }

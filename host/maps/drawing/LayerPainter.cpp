@@ -79,13 +79,12 @@ LayerPainter::Pens LayerPainter::pensOf(const QColor* colour, double scale) cons
     const auto pen = [](const QColor& ink, double width) {
         return QPen(ink, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
     };
-    return {
-        QBrush(colour ? *colour : style_.fill),
-        style_.outlineWidth > 0 ? pen(style_.outline, style_.outlineWidth) : noPen,
-        pen(colour ? *colour : style_.line, style_.lineWidth),
-        QBrush(colour ? *colour : style_.point),
-        pen(colour ? QColor(0x40, 0x40, 0x40) : QColor(255, 255, 255), style_.pointRadius < 2 ? 0.3 : 0.6),
-        style_.pointRadius * scale};
+    return {QBrush(colour ? *colour : style_.fill),
+            style_.outlineWidth > 0 ? pen(style_.outline, style_.outlineWidth) : noPen,
+            pen(colour ? *colour : style_.line, style_.lineWidth),
+            QBrush(colour ? *colour : style_.point),
+            pen(colour ? QColor(0x40, 0x40, 0x40) : QColor(255, 255, 255), 0.17 * style_.pointRadius),
+            style_.pointRadius * scale};
 }
 
 void LayerPainter::setSmooth(bool isSmooth) {

@@ -91,7 +91,9 @@ std::optional<QPointF> PlaneProjection::toPlane(QPointF position) const {
     double ordinates[2] = {position.x(), position.y()};
     if (!isDirect_) {
         toDegrees(ordinates, 1);
-        if (ordinates[1] < plane_.south - almost || ordinates[1] > plane_.north + almost) {
+        const double fromCentre = std::abs(std::remainder(ordinates[0] - plane_.centralMeridian, 360.0));
+        if (ordinates[1] < plane_.south - almost || ordinates[1] > plane_.north + almost ||
+            fromCentre > plane_.halfWidth + almost) {
             return std::nullopt;
         }
         fromDegrees(ordinates, 1);

@@ -177,6 +177,19 @@ TEST(Map, keepsTheExtentOfTheResultAboveItsBackground) {
     EXPECT_NEAR(filled(drawn(map)), 0.5, 0.1) << "the near band, not what is around the pole";
 }
 
+TEST(Map, leavesOutWhatTheSystemOfTheUserCannotShow) {
+    MapSettings settings = pictureOf(200, 200);
+    settings.system = systemOf("epsg:32637"); // around 39 degrees east
+    Map map(settings);
+    map.beginLayer(layerIn("epsg:4326"));
+    for (const char* wkt :
+         {"POLYGON((37 55,41 55,41 57,37 57,37 55))", "POLYGON((179 65,180 65,180 66,179 65))",
+          "POLYGON((-140 -90,-141 -90,-141 -80,-140 -80,-140 -90))"}) {
+        EXPECT_TRUE(map.add(Wkb(wkt).view()));
+    }
+    EXPECT_GT(filled(drawn(map)), 0.6);
+}
+
 TEST(Map, holdsMoreThanMemoryTakes) {
     Map map(pictureOf(100, 100));
     map.beginLayer(layerIn("epsg:3857"));
