@@ -1411,6 +1411,34 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
         <translation>.set: NAME=VALUE is expected, not "%0"</translation>
     </message>
     <message>
+        <source>геометрии, их охват и сколько значений в столбцах</source>
+        <translation>geometries, their extent, and the number of values in the columns</translation>
+    </message>
+    <message>
+        <source>что в таблицах: геометрии, охват, столбцы, число значений; как -c .info</source>
+        <translation>what is in the tables: geometries, extent, columns, numbers of values; as -c .info</translation>
+    </message>
+    <message>
+        <source>файл</source>
+        <translation>file</translation>
+    </message>
+    <message>
+        <source>строк</source>
+        <translation>rows</translation>
+    </message>
+    <message>
+        <source>геометрии</source>
+        <translation>geometries</translation>
+    </message>
+    <message>
+        <source>система координат</source>
+        <translation>coordinate system</translation>
+    </message>
+    <message>
+        <source>охват</source>
+        <translation>extent</translation>
+    </message>
+    <message>
         <source>столбцы таблицы или всех таблиц</source>
         <translation>the columns of a table or of all</translation>
     </message>

@@ -38,7 +38,7 @@ struct MapSettings {
 };
 
 struct LayerSettings {
-    QString title; ///< of the legend
+    QString title;    ///< of the legend
     LayerStyle style; ///< for a picture of 800 pixels; larger in larger ones
     /// Of features that do not tell theirs; null where it is not known, they are then taken to be in that of
     /// the other layers.

@@ -8,11 +8,10 @@
 #include "host/shell/messages/Shell.h"
 #include "host/shell/messages/StandardError.h"
 #include "host/shell/output/NumberText.h"
+#include "host/shell/session/TableInfo.h"
 
 #include "platform/cs/CoordSystem.h"
 #include "platform/dp/Table.h"
-#include "platform/geometry/forms/GeometryFactory.h"
-#include "platform/geometry/shapes/GeoSqlType.h"
 #include "platform/utils/Quoting.h"
 #include "platform/utils/VisibleText.h"
 #include <orvane/engine/FunctionNames.h>
@@ -23,58 +22,6 @@
 namespace orvane::shell {
 
 namespace {
-
-/// What a column holds, in the words of SQL.
-QString typeName(const dp::AttributeDefinition& attribute) {
-    if (const auto* geometry = dynamic_cast<const dp::GeometryAttributeDefinition*>(&attribute)) {
-        const auto system = geometry->coordSystem();
-        return system ? QStringLiteral("Geometry, ") + system->taggedString() : QStringLiteral("Geometry");
-    }
-    switch (attribute.type()) {
-    case QMetaType::Bool: return QStringLiteral("Boolean");
-    case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::Short:
-    case QMetaType::LongLong:
-    case QMetaType::ULongLong: return QStringLiteral("Integer");
-    case QMetaType::Float:
-    case QMetaType::Double: return QStringLiteral("Real");
-    case QMetaType::QDate: return QStringLiteral("Date");
-    case QMetaType::QTime: return QStringLiteral("Time");
-    case QMetaType::QDateTime: return QStringLiteral("Timestamp");
-    case QMetaType::QByteArray: return QStringLiteral("Blob");
-    default: return QStringLiteral("Text");
-    }
-}
-
-/// The kinds of the geometries that the first rows have; a number of rows that takes no time.
-QString geometryKinds(dp::Table& table) {
-    const int attribute = table.schema()->geometryIndex();
-    if (attribute < 0) {
-        return {};
-    }
-    constexpr int most = 100;
-    QStringList kinds;
-    dp::ScanRequest request;
-    request.attributes = {attribute};
-    request.limit = most;
-    try {
-        const auto rows = table.openCursor(request);
-        for (int row = 0; row < most && rows->next(); ++row) {
-            const dp::Cell cell = rows->cell(attribute);
-            const auto geometry = cell.type() == dp::CellType::Wkb
-                                      ? geometry::GeometryFactory::fromWkb(cell.view(), nullptr)
-                                      : nullptr;
-            if (const QString kind = geometry ? sql::geoSqlType(*geometry) : QString();
-                geometry && !kinds.contains(kind)) {
-                kinds += kind;
-            }
-        }
-    } catch (const std::runtime_error&) {
-        return QStringLiteral("Geometry"); // what is wrong, a query tells
-    }
-    return kinds.isEmpty() ? QStringLiteral("Geometry") : kinds.join(QStringLiteral(", "));
-}
 
 /// As a statement would write it.
 QString textOf(const ParameterValue& value) {
@@ -108,6 +55,9 @@ const std::vector<PromptCommands::Command>& PromptCommands::commands() {
         {".schema", Argument::Table, "[TABLE]",
          QT_TRANSLATE_NOOP("orvane::shell::Shell", "столбцы таблицы или всех таблиц"),
          &PromptCommands::showSchema},
+        {".info", Argument::Table, "[TABLE]",
+         QT_TRANSLATE_NOOP("orvane::shell::Shell", "геометрии, их охват и сколько значений в столбцах"),
+         &PromptCommands::showInfo},
         {".functions", Argument::Text, "[TEXT]",
          QT_TRANSLATE_NOOP("orvane::shell::Shell", "функции, в имени или описании которых есть TEXT"),
          &PromptCommands::showFunctions},
@@ -217,7 +167,7 @@ Outcome PromptCommands::showTables(const QString&) {
         const auto count = table ? table->featureCount() : std::nullopt;
         const auto system = table ? table->coordSystem() : nullptr;
         lines.push_back({object->name(), count ? QString::number(*count) : QStringLiteral("?"),
-                         table ? geometryKinds(*table) : QString(),
+                         table ? firstGeometryKinds(*table).join(QStringLiteral(", ")) : QString(),
                          system ? system->taggedString() : QString(), Session::sourceOf(*object)});
     }
     printColumns(lines);
@@ -241,6 +191,70 @@ Outcome PromptCommands::showSchema(const QString& name) {
         }
     }
     return found || name.isEmpty() ? Outcome::Done : fail(Shell::tr("нет таблицы «%0»").arg(name));
+}
+
+Outcome PromptCommands::showInfo(const QString& name) {
+    bool isFound = false;
+    const bool isJson = runner_.settings().writer.format == Format::Json;
+    std::string json;
+    const work::Cancellation cancellation;
+    try {
+        for (const auto& object : session_.catalog().dataObjects()) {
+            auto* table = qobject_cast<dp::Table*>(object.get());
+            if (!table || (!name.isEmpty() && name.compare(table->name(), Qt::CaseInsensitive) != 0)) {
+                continue;
+            }
+            const TableInfo info = TableInfo::of(*table, Session::sourceOf(*table), cancellation);
+            if (isJson) {
+                json += (isFound ? ",\n" : "") + info.toJson();
+            } else {
+                printInfo(info);
+            }
+            isFound = true;
+        }
+    } catch (const std::runtime_error& failure) {
+        output_.discard();
+        return fail(QString::fromUtf8(failure.what()));
+    }
+    if (isJson) {
+        output_.text() += "[\n" + json + "\n]\n";
+        output_.rowDone();
+    }
+    return isFound || name.isEmpty() ? Outcome::Done : fail(Shell::tr("нет таблицы «%0»").arg(name));
+}
+
+void PromptCommands::printInfo(const TableInfo& info) {
+    const auto real = [](double number) {
+        std::string text;
+        appendReal(text, number);
+        return QString::fromStdString(text);
+    };
+    printLine(info.name);
+    std::vector<QStringList> lines;
+    const auto add = [&lines](const QString& title, const QString& text) {
+        if (!text.isEmpty()) {
+            lines.push_back({QStringLiteral("  ") + title, QString(), text});
+        }
+    };
+    add(Shell::tr("файл"), info.source);
+    add(Shell::tr("строк"), QString::number(info.rows));
+    QStringList kinds;
+    for (const auto& [kind, number] : info.kinds) {
+        kinds += QStringLiteral("%0 %1").arg(kind, QString::number(number));
+    }
+    add(Shell::tr("геометрии"), kinds.join(QStringLiteral(", ")));
+    add(Shell::tr("система координат"), info.system);
+    if (!info.extent.isEmpty()) {
+        add(Shell::tr("охват"), QStringLiteral("%0 %1, %2 %3")
+                                    .arg(real(info.extent.minX), real(info.extent.minY),
+                                         real(info.extent.maxX), real(info.extent.maxY)));
+    }
+    printColumns(lines);
+    lines.clear();
+    for (const TableInfo::Column& column : info.columns) {
+        lines.push_back({QStringLiteral("    ") + column.name, QString::number(column.values), column.type});
+    }
+    printColumns(lines);
 }
 
 Outcome PromptCommands::showFunctions(const QString& pattern) {

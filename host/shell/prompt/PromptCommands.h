@@ -4,6 +4,8 @@
 
 namespace orvane::shell {
 
+struct TableInfo;
+
 /// The commands of the prompt, which begin with a dot. What they show is one result of the output.
 class PromptCommands {
 public:
@@ -32,6 +34,7 @@ private:
 
     Outcome showTables(const QString& argument);
     Outcome showSchema(const QString& table);
+    Outcome showInfo(const QString& table);
     Outcome showFunctions(const QString& pattern);
     Outcome showHelp(const QString& topic);
     Outcome showTranslation(const QString& statement);
@@ -44,6 +47,7 @@ private:
     Outcome close(const QString& table);
 
     static Outcome fail(const QString& message);
+    void printInfo(const TableInfo& info);
     void printLine(const QString& text);
     void printColumns(const std::vector<QStringList>& lines);
 

@@ -29,7 +29,7 @@ struct RawOptions {
                 indexDirectory, geometry, mapSize, mapSystem, mapFill, mapLabel, mapTitle, mapClasses;
     std::vector<std::string> mapBackground;
     bool overwrite = false, noHeader = false, translate = false, sqlite = false, timing = false,
-         explain = false, noIndices = false, trustReferences = false, mapGraticule = false;
+         explain = false, noIndices = false, trustReferences = false, mapGraticule = false, info = false;
 };
 
 const std::map<std::string, Format> formats{
@@ -328,6 +328,8 @@ std::optional<Options> parseOptions(int argc, const char* const* argv) {
         list("--map-background", raw.mapBackground, Shell::tr("таблица, которая видна под ответом"), "TABLE"),
         value("--map-title", raw.mapTitle, Shell::tr("заголовок карты"), "TEXT"),
         app.add_flag("--map-graticule", raw.mapGraticule, text(Shell::tr("сетка параллелей и меридианов")))};
+    app.add_flag("--info", raw.info,
+                 text(Shell::tr("что в таблицах: геометрии, охват, столбцы, число значений; как -c .info")));
     app.add_flag("--translate", raw.translate,
                  text(Shell::tr("показать текст для SQLite, а не выполнять его")));
     app.add_flag("--sqlite", raw.sqlite, text(Shell::tr("запросы уже написаны для SQLite")));
@@ -369,6 +371,9 @@ std::optional<Options> parseOptions(int argc, const char* const* argv) {
         options.tables.push_back(parseTable(table));
     }
     options.statements = inOrder(app, command, script, raw);
+    if (raw.info) {
+        options.statements.insert(options.statements.begin(), {StatementSource::Command, ".info"});
+    }
     if (selection->count() != 0) {
         options.selection = parseSelection(raw.selection);
     }

@@ -56,6 +56,12 @@ TEST(Program, obeysCommandsInScriptsAndPipesAndEndsAtTheFirstThatFails) {
         {".tables", "cities  4442  Point  epsg:4326  "},
         {".mode line\nSelect 1 As a, 'б' As long; Select 2 As a From cities Where False;",
          "   a: 1\nlong: б\n"},
+        {"Select 1 As n, Null As e, MakePoint(1, 2, 4326) As obj Into t From cities Limit 2;\n.info t",
+         "t\n  rows                 2\n  geometries           Point 2\n  coordinate system    epsg:4326\n"
+         "  extent               1 2, 1 2\n    n    2  Integer\n    e    0  "},
+        {"Select 1 As n Into t;\n.mode json\n.info t",
+         "[\n{\"columns\":[{\"name\":\"n\",\"type\":\"Integer\",\"values\":1}],\"name\":\"t\",\"rows\":1}\n]"
+         "\n"},
         {".read " + script.toUtf8(),
          "| x\\|y | nothing | r |\n| --- | --- | ---: |\n| a\\|b\\\\ |  | 2.5 |\n"},
         {".read " + endless.toUtf8(), "", "without end", 1},
