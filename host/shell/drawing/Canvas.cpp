@@ -2,8 +2,6 @@
 
 #include "host/shell/drawing/TerminalMap.h"
 
-#include "platform/work/Cancellation.h"
-
 #include <QBuffer>
 #include <QCoreApplication>
 #include <QImage>
@@ -21,7 +19,7 @@ struct Texts {
     Q_DECLARE_TR_FUNCTIONS(orvane::shell::Shell)
 };
 
-maps::MapSettings settingsOf(const MapOptions& options) {
+maps::MapSettings settingsOf(const MapOptions& options, const work::Cancellation& cancellation) {
     maps::MapSettings settings;
     settings.size = QSizeF(options.width, options.height);
     settings.system = options.system;
@@ -29,7 +27,7 @@ maps::MapSettings settingsOf(const MapOptions& options) {
     settings.hasGraticule = options.hasGraticule;
     settings.hasTexts = options.isPicture;
     settings.isSmooth = options.isPicture;
-    settings.isCancelled = [cancellation = work::Cancellation()] { return cancellation.isRequested(); };
+    settings.isCancelled = [cancellation] { return cancellation.isRequested(); };
     return settings;
 }
 
@@ -39,7 +37,7 @@ std::string bytesOf(const QBuffer& buffer) {
 
 } // namespace
 
-Canvas::Canvas(const MapOptions& options) : options_(options), map_(settingsOf(options)) {}
+Canvas::Canvas(const MapOptions& options) : options_(options), map_(settingsOf(options, cancellation_)) {}
 
 void Canvas::beginResult(const QString& fillTitle, bool hasFill) {
     maps::LayerSettings layer;
@@ -80,14 +78,19 @@ std::string Canvas::picture(PictureFormat format) {
     return png();
 }
 
+void Canvas::draw(QPainter& painter) {
+    map_.draw(painter);
+    painter.end();
+    cancellation_.check();
+}
+
 std::string Canvas::png() {
     QImage image(options_.width, options_.height, QImage::Format_RGB32);
     if (image.isNull()) {
         throw std::runtime_error(Texts::tr("для карты не хватает памяти").toStdString());
     }
     QPainter painter(&image);
-    map_.draw(painter);
-    painter.end();
+    draw(painter);
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
     image.save(&buffer, "PNG");
@@ -102,8 +105,7 @@ std::string Canvas::svg() {
     generator.setViewBox(QRect(0, 0, options_.width, options_.height));
     generator.setTitle(options_.title);
     QPainter painter(&generator);
-    map_.draw(painter);
-    painter.end();
+    draw(painter);
     return bytesOf(buffer);
 }
 
@@ -118,8 +120,7 @@ std::string Canvas::pdf() {
     writer.setPageMargins(QMarginsF());
     writer.setTitle(options_.title);
     QPainter painter(&writer);
-    map_.draw(painter);
-    painter.end();
+    draw(painter);
     return bytesOf(buffer);
 }
 

@@ -3,6 +3,8 @@
 #include "host/maps/Map.h"
 #include "host/shell/maps/MapCanvas.h"
 
+#include "platform/work/Cancellation.h"
+
 namespace orvane::shell {
 
 /// Draws the shell's maps with a maps::Map.
@@ -19,10 +21,13 @@ public:
     std::string text(const TerminalSpace& space) override;
 
 private:
+    /// Throws work::Cancelled where that came in between: a picture that is not whole need not be written.
+    void draw(QPainter& painter);
     std::string png();
     std::string svg();
     std::string pdf();
 
+    work::Cancellation cancellation_;
     MapOptions options_;
     maps::Map map_;
 };
