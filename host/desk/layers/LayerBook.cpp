@@ -15,9 +15,9 @@ const QColor resultColour(0xE0, 0x6A, 0x1B);
 
 LayerBook::LayerBook(Session& session, QObject* parent) : QObject(parent), session_(session) {
     constexpr int pauseMs = 100;
-    changeTimer_.setSingleShot(true);
-    changeTimer_.setInterval(pauseMs);
-    connect(&changeTimer_, &QTimer::timeout, this, &LayerBook::changed);
+    growthTimer_.setSingleShot(true);
+    growthTimer_.setInterval(pauseMs);
+    connect(&growthTimer_, &QTimer::timeout, this, &LayerBook::grown);
     connect(&session_, &Session::tablesChanged, this, &LayerBook::follow);
     connect(&session_, &Session::selectionChanged, this, &LayerBook::changed);
     connect(&session_, &Session::layerRead, this,
@@ -26,7 +26,7 @@ LayerBook::LayerBook(Session& session, QObject* parent) : QObject(parent), sessi
                 if (state != states_.end()) {
                     state->second.features = features;
                     state->second.isWhole = isWhole;
-                    isWhole ? Q_EMIT changed() : changeTimer_.start();
+                    isWhole ? Q_EMIT changed() : growthTimer_.start();
                 }
             });
     connect(&session_, &Session::labelled, this,
@@ -120,6 +120,7 @@ QString LayerBook::label(quint64 table) const {
 void LayerBook::setResult(const ResultRowsInfo& result) {
     result_ = result;
     selectedRows_ = nullptr;
+    Q_EMIT resultChanged();
     Q_EMIT changed();
 }
 

@@ -42,6 +42,9 @@ public:
 
 Q_SIGNALS:
     void changed();
+    /// There are more features than before, and more to come.
+    void grown();
+    void resultChanged();
     /// Labels of a table cannot be computed.
     void labellingFailed(quint64 table, const QString& reason);
 
@@ -67,7 +70,7 @@ private:
     bool isResultVisible_ = true;
     QString resultLabel_;
     std::shared_ptr<const Numbers> selectedRows_;
-    QTimer changeTimer_; ///< several changes in a row are one
+    QTimer growthTimer_; ///< several portions in a row are one
 };
 
 } // namespace orvane::desk

@@ -34,7 +34,7 @@ LayerTree::LayerTree(Session& session, LayerBook& book, QWidget* parent)
     setUniformRowHeights(true);
     setIndentation(16);
     connect(&session_, &Session::tablesChanged, this, &LayerTree::follow);
-    connect(&session_, &Session::resultBegun, this, &LayerTree::follow);
+    connect(&book_, &LayerBook::resultChanged, this, &LayerTree::follow);
     connect(this, &QTreeWidget::itemChanged, this, &LayerTree::takeChange);
     connect(this, &QTreeWidget::itemDoubleClicked, this, [this](QTreeWidgetItem* item) {
         if (item->parent()) {
@@ -88,7 +88,7 @@ void LayerTree::follow() {
                     new QTreeWidgetItem(item, {QStringLiteral("%0: %1").arg(column.name, column.type)});
                 child->setData(0, tableRole, column.name);
                 child->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
-                child->setForeground(0, palette().color(QPalette::Disabled, QPalette::Text));
+                child->setForeground(0, palette().color(QPalette::PlaceholderText));
             }
             if (table.hasGeometry) {
                 item->setIcon(0, swatch(book_.colour(table.key)));

@@ -175,7 +175,7 @@ QVariant ResultModel::data(const QModelIndex& index, int role) const {
         const Value::Kind kind = value(index.row(), index.column()).kind;
         const bool isOwn =
             kind == Value::Kind::Integer || kind == Value::Kind::Real || kind == Value::Kind::Text;
-        return isOwn ? QVariant() : QVariant(QBrush(QPalette().color(QPalette::Disabled, QPalette::Text)));
+        return isOwn ? QVariant() : QVariant(QBrush(QPalette().color(QPalette::PlaceholderText)));
     }
     default: return {};
     }

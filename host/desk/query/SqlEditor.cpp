@@ -7,6 +7,7 @@
 #include <QAbstractItemView>
 #include <QCompleter>
 #include <QFontDatabase>
+#include <QFontInfo>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QScrollBar>
@@ -44,7 +45,11 @@ private:
 SqlEditor::SqlEditor(QueryHistory& history, QWidget* parent)
     : QPlainTextEdit(parent), history_(history), completer_(new QCompleter(this)),
       candidates_(new QStringListModel(this)), lineNumbers_(new LineNumbers(this)) {
-    setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    if (!QFontInfo(fixed).fixedPitch()) { // a system that knows no desktop
+        fixed.setFamily(QStringLiteral("monospace"));
+    }
+    setFont(fixed);
     setTabStopDistance(4 * fontMetrics().horizontalAdvance(QLatin1Char(' ')));
     setPlaceholderText(tr("Запрос, например: Select name, obj From cities Where population > 1000000"));
     new SqlHighlighter(document());

@@ -40,9 +40,12 @@ Session::Session(QObject* parent) : QObject(parent) {
     work::Progress::exchangeWatcher([this](const work::Progress::State& state) {
         queued(this, [this](const QString& text) { Q_EMIT progressed(text); })(progressText(state));
     });
-    thread_ = std::make_unique<EngineThread>(
-        [this] { return std::make_unique<EngineWork>(*thread_, events()); },
-        queued(this, [this](const QString& reason) { Q_EMIT failed(reason); }));
+    thread_ =
+        std::make_unique<EngineThread>([this] { return std::make_unique<EngineWork>(*thread_, events()); },
+                                       queued(this, [this](const QString& reason) {
+                                           failure_ = reason;
+                                           Q_EMIT failed(reason);
+                                       }));
     thread_->start();
 }
 
@@ -105,16 +108,18 @@ void Session::rename(quint64 table, const QString& name) {
 }
 
 void Session::run(const QString& text) {
-    cancel();
-    begin();
+    if (!begin()) {
+        return;
+    }
     post(EngineThread::When::BetweenQueries,
          [query = lastQuery_, text](EngineWork& work) { work.run(query, text); });
     Q_EMIT queryBegun();
 }
 
 void Session::exportResult(const QString& path) {
-    cancel();
-    begin();
+    if (!begin()) {
+        return;
+    }
     post(EngineThread::When::BetweenQueries,
          [query = lastQuery_, path](EngineWork& work) { work.exportResult(query, path); });
     Q_EMIT queryBegun();
@@ -128,9 +133,16 @@ void Session::cancel() {
     }
 }
 
-void Session::begin() {
+/// False where there is no engine, which nobody waits for then.
+bool Session::begin() {
+    if (!failure_.isEmpty()) {
+        Q_EMIT failed(failure_);
+        return false;
+    }
+    cancel();
     ++lastQuery_;
     ++running_;
+    return true;
 }
 
 void Session::end() {

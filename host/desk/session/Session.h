@@ -65,12 +65,13 @@ Q_SIGNALS:
 private:
     EngineEvents events();
     void post(EngineThread::When when, EngineThread::Task task) { thread_->post(when, std::move(task)); }
-    void begin();
+    bool begin();
     void end();
 
     TableInfos tables_;
     QStringList functions_;
     SelectedFeatures selection_;
+    QString failure_; ///< why there is no engine
     quint64 lastQuery_ = 0;
     quint64 cancelled_ = 0; ///< the last that was cancelled
     quint64 running_ = 0;   ///< how many queries have begun and not ended

@@ -131,8 +131,15 @@ void MainWindow::connectSession() {
         book_->refresh();
     });
     connect(&session_, &Session::exported, this, [this] { actions_->setRunning(session_.isRunning()); });
-    connect(result_, &ResultPane::rowsCame, book_, &LayerBook::refresh);
     connect(book_, &LayerBook::changed, this, [this] { map_->setLayers(book_->layers()); });
+    // What comes in portions ends no drawing: it is in the next one.
+    const auto showMore = [this] {
+        if (!map_->isDrawing()) {
+            map_->setLayers(book_->layers());
+        }
+    };
+    connect(book_, &LayerBook::grown, this, showMore);
+    connect(result_, &ResultPane::rowsCame, this, showMore);
     connect(map_, &MapView::labelsMissed, book_, &LayerBook::addLabels);
     connect(map_, &MapView::pointed, place_, &QLabel::setText);
     connect(tree_, &LayerTree::showRequested, map_, &MapView::showTable);

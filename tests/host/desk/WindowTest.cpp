@@ -30,6 +30,7 @@ TEST_F(DeskTest, OpensFilesAndAnswersQueries) {
                            QStringLiteral("Upper(k.name_long)"), QStringLiteral("obj")}));
     EXPECT_EQ(window.map().picture().layers.size(), 3u); // the result above all
     EXPECT_TRUE(window.map().picture().layers.back().isResult());
+    EXPECT_EQ(window.tree().topLevelItemCount(), 3);
     EXPECT_TRUE(window.messages().messages().isEmpty());
 }
 
