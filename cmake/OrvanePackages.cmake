@@ -7,6 +7,9 @@ set(CPACK_VERBATIM_VARIABLES ON)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_GENERATOR DEB)
 set(CPACK_COMPONENTS_ALL runtime development shell)
+if(TARGET orvane-desk)
+    list(APPEND CPACK_COMPONENTS_ALL desk)
+endif()
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION science)
@@ -21,6 +24,9 @@ set(same_version "${runtime_package} (= ${PROJECT_VERSION})")
 
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME "${runtime_package}")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
+# The driver of the engine's database stands on Qt's for SQLite, which it loads; maps are labelled.
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_DEPENDS "libqt5sql5-sqlite (>= 5.15)")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_RECOMMENDS "fonts-dejavu-core")
 set(CPACK_COMPONENT_RUNTIME_DESCRIPTION "${PROJECT_DESCRIPTION} (libraries)
 The engine, the adaptor with its functions, the tables of files and the maps, the Qt SQL driver that they use, and the
 English texts of the messages.")
@@ -37,6 +43,12 @@ set(CPACK_DEBIAN_SHELL_PACKAGE_DEPENDS "${same_version}")
 set(CPACK_COMPONENT_SHELL_DESCRIPTION "SQL over files of geographic data
 The command orvane queries shapefiles, GeoPackages, CSV files and what else GDAL reads together, in one readable dialect.")
 
+set(CPACK_DEBIAN_DESK_PACKAGE_NAME orvane-desk)
+set(CPACK_DEBIAN_DESK_PACKAGE_DEPENDS "${same_version}")
+set(CPACK_COMPONENT_DESK_DESCRIPTION "SQL over files of geographic data, in a window
+The window orvane-desk queries shapefiles, GeoPackages, CSV files and what else GDAL reads together, and shows results as tables
+and on a map.")
+
 # What is compiled in has to be named beside the binaries; the texts are those of the packages it was built from.
 set(copyright "Orvane Engine. The sources state no licence.\n")
 foreach(package libintelrdfpmath-dev libcli11-dev)
@@ -46,7 +58,7 @@ foreach(package libintelrdfpmath-dev libcli11-dev)
     endif()
 endforeach()
 file(CONFIGURE OUTPUT copyright CONTENT "${copyright}" @ONLY)
-foreach(component runtime development shell)
+foreach(component ${CPACK_COMPONENTS_ALL})
     string(TOUPPER ${component} name)
     install(FILES "${PROJECT_BINARY_DIR}/copyright"
         DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/${CPACK_DEBIAN_${name}_PACKAGE_NAME}" COMPONENT ${component})
@@ -58,4 +70,9 @@ install(FILES "${PROJECT_SOURCE_DIR}/README.md" "${PROJECT_SOURCE_DIR}/CHANGELOG
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs" DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/orvane" COMPONENT shell
     FILES_MATCHING PATTERN "*.md" PATTERN "decisions" EXCLUDE PATTERN "architecture.md" EXCLUDE PATTERN "embedding.md" EXCLUDE)
 
+get_cmake_property(components COMPONENTS)
+list(REMOVE_ITEM components ${CPACK_COMPONENTS_ALL})
+if(components)
+    message(FATAL_ERROR "No package takes what is installed as ${components}: name a COMPONENT")
+endif()
 include(CPack)

@@ -63,7 +63,11 @@ function(orvane_test name)
     target_compile_definitions(${name} PRIVATE ORVANE_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data"
         ORVANE_EXAMPLE_DATA="${PROJECT_SOURCE_DIR}/examples/data")
     add_test(NAME ${name} COMMAND ${name})
-    set_tests_properties(${name} PROPERTIES LABELS "${ARG_LABELS}" TIMEOUT 300
+    set(seconds 300)
+    if(ORVANE_COVERAGE)
+        set(seconds 1500) # counting takes its time
+    endif()
+    set_tests_properties(${name} PROPERTIES LABELS "${ARG_LABELS}" TIMEOUT ${seconds}
         ENVIRONMENT "QT_PLUGIN_PATH=${PROJECT_BINARY_DIR}/plugins;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp")
 endfunction()
 

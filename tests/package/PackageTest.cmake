@@ -102,8 +102,9 @@ if(NOT SANITIZE)
     endforeach()
 endif()
 
-# The installed command finds its own libraries and plug-in.
+# The installed command finds its own libraries and plug-ins.
 run(answer "${prefix}/bin/orvane" "${data}/cities.shp" -F csv --no-header -c "Select Count(*) From cities")
 if(NOT answer STREQUAL "4442\n")
     message(FATAL_ERROR "the installed command answers ${answer}")
 endif()
+run(log "${prefix}/bin/orvane" "${data}/cities.shp" -c "Select * From cities" -o "${WORK_DIR}/prefix/map.png")
