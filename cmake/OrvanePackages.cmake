@@ -28,7 +28,7 @@ set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_DEPENDS "libqt5sql5-sqlite (>= 5.15)")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_RECOMMENDS "fonts-dejavu-core")
 set(CPACK_COMPONENT_RUNTIME_DESCRIPTION "${PROJECT_DESCRIPTION} (libraries)
-The engine, the adaptor with its functions, the tables of files and the maps, the Qt SQL driver that they use, and the
+The engine, the adaptor with its functions, the tables of files and of PostgreSQL, the maps, the Qt SQL driver that they use, and the
 English texts of the messages.")
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME liborvane-dev)
