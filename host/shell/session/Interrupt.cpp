@@ -64,6 +64,7 @@ void Interrupt::reset() {
         return;
     }
     requested_ = false;
+    isTold_ = false;
     eventfd_t requests = 0;
     ::eventfd_read(descriptor_, &requests);
 }
@@ -137,9 +138,11 @@ void Interrupt::exitNow() {
     if (terminal_ && ::tcgetpgrp(STDIN_FILENO) == ::getpgrp()) {
         ::tcsetattr(STDIN_FILENO, TCSANOW, &*terminal_);
     }
-    writeLastWords(patience_ == Patience::Short
-                       ? Shell::tr("прервано")
-                       : Shell::tr("прервано; работа не остановилась, поэтому программа завершена"));
+    if (patience_ != Patience::Short) {
+        writeLastWords(Shell::tr("прервано; работа не остановилась, поэтому программа завершена"));
+    } else if (!isTold_) { // else only what the statement held is still being given back
+        writeLastWords(Shell::tr("прервано"));
+    }
     ::_exit(status());
 }
 

@@ -49,6 +49,8 @@ public:
     ExitStatus status() const { return static_cast<ExitStatus>(128 + signal_); }
     /// Readable for as long as a request stands: to wait for input and for Ctrl-C at once.
     int descriptor() const { return descriptor_; }
+    /// The user has been told that the work stopped.
+    void setTold() { isTold_ = true; }
     /// The work has stopped.
     void reset();
 
@@ -65,6 +67,7 @@ private:
     std::atomic<Patience> patience_{Patience::Short};
     std::atomic<bool> requested_{false};
     std::atomic<bool> isFinal_{false};
+    std::atomic<bool> isTold_{false};
     std::atomic<bool> ignoresKeyboard_{false};
     std::atomic<bool> ending_{false};
     std::atomic<int> signal_{0};

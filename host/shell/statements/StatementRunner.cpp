@@ -367,6 +367,7 @@ Outcome StatementRunner::fail(const Statement& statement, Problem problem) {
 Outcome StatementRunner::cancel() {
     output_.discard();
     printMessage(Shell::tr("прервано"));
+    interrupt_.setTold();
     return Outcome::Cancelled;
 }
 
