@@ -73,6 +73,19 @@ cities.cpg | 5
 cities.prj | 145
 ]] "${data}" "Select name, size From files Where name Like 'CITIES.%' And size < 1000 Order By size")
 
+# The window is a host as any other: of what is not its own it includes what is installed.
+file(GLOB_RECURSE sources "${SOURCE_DIR}/host/desk/*.h" "${SOURCE_DIR}/host/desk/*.cpp")
+foreach(source ${sources})
+    file(STRINGS "${source}" includes REGEX "^#include [<\"](orvane|platform|host)/")
+    foreach(line ${includes})
+        string(REGEX REPLACE "^#include [<\"]([^>\"]*)[>\"].*" "\\1" header "${line}")
+        if(NOT header MATCHES "^host/desk/" AND NOT EXISTS "${prefix}/include/${header}"
+                AND NOT EXISTS "${prefix}/include/orvane/${header}")
+            message(FATAL_ERROR "${source} includes ${header}, which is not installed")
+        endif()
+    endforeach()
+endforeach()
+
 # Only names of the project leave its libraries.
 set(own "(orvane::|QDecNumber|decNumberToString|operator..?\\(QDecNumber|QSharedDataPointer<orvane::)")
 set(prefixed "(vtable for |typeinfo for |typeinfo name for |VTT for |guard variable for |[a-z-]* ?thunk to )?")
