@@ -1218,6 +1218,54 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
         <translation>division by zero</translation>
     </message>
     <message>
+        <source>нет именованного запроса «%1»</source>
+        <translation>there is no view &quot;%1&quot;</translation>
+    </message>
+    <message>
+        <source>нет точки возврата «%1»</source>
+        <translation>there is no savepoint &quot;%1&quot;</translation>
+    </message>
+    <message>
+        <source>транзакция уже начата: её завершает Commit или Rollback</source>
+        <translation>a transaction has begun already: Commit or Rollback ends it</translation>
+    </message>
+    <message>
+        <source>транзакция не начата: её начинает Begin</source>
+        <translation>no transaction has begun: Begin begins one</translation>
+    </message>
+    <message>
+        <source>в именованном запросе нет места параметрам</source>
+        <translation>a view has no room for parameters</translation>
+    </message>
+    <message>
+        <source>Generate_Series: нужны первое и последнее значение</source>
+        <translation>Generate_Series: expected the first and the last value</translation>
+    </message>
+    <message>
+        <source>Generate_Series: нужны конечные числа и шаг, отличный от нуля</source>
+        <translation>Generate_Series: expected finite numbers and a step that is not 0</translation>
+    </message>
+    <message>
+        <source>Generate_Series: нужны два числа или две даты</source>
+        <translation>Generate_Series: expected two numbers or two dates</translation>
+    </message>
+    <message>
+        <source>Generate_Series: нужен шаг вроде &apos;1 day&apos; или &apos;3 months&apos;</source>
+        <translation>Generate_Series: expected a step such as &apos;1 day&apos; or &apos;3 months&apos;</translation>
+    </message>
+    <message>
+        <source>Generate_Series: шаг равен нулю</source>
+        <translation>Generate_Series: the step is 0</translation>
+    </message>
+    <message>
+        <source>транзакция отменена: её изменения взяты назад</source>
+        <translation>the transaction is undone: its changes are taken back</translation>
+    </message>
+    <message>
+        <source>транзакция не завершена: без Commit её изменения не сохранены</source>
+        <translation>the transaction was not ended: without Commit its changes are not kept</translation>
+    </message>
+    <message>
         <source>регулярное выражение требует на одном тексте больше миллиона шагов: упростите его</source>
         <translation>the regular expression takes more than a million steps on one text: make it simpler</translation>
     </message>
@@ -1776,6 +1824,18 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
     <message>
         <source>текст не закрыт апострофом</source>
         <translation>the text is not closed by an apostrophe</translation>
+    </message>
+    <message>
+        <source>здесь нужно слово «%0»</source>
+        <translation>expected the word &quot;%0&quot; here</translation>
+    </message>
+    <message>
+        <source>таблица «%0» пишется без скобок: она не функция</source>
+        <translation>the table &quot;%0&quot; is written without parentheses: it is no function</translation>
+    </message>
+    <message>
+        <source>именованный запрос живёт только до конца сеанса: пишите Create Temporary View</source>
+        <translation>a view lives no longer than the session: write Create Temporary View</translation>
     </message>
     <message>
         <source>порядок строк внутри функции знают только String_Agg и Group_Concat</source>

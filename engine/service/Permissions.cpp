@@ -121,6 +121,8 @@ Permissions::Permissions(sqlite3* database) : database_(database) {
     sqlite3_db_config(database_, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
     sqlite3_db_config(database_, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
     sqlite3_db_config(database_, SQLITE_DBCONFIG_ENABLE_FTS3_TOKENIZER, 0, nullptr);
+    // A view whose tables are closed keeps no other table from being renamed.
+    sqlite3_db_config(database_, SQLITE_DBCONFIG_LEGACY_ALTER_TABLE, 1, nullptr);
     sqlite3_set_authorizer(database_, &Permissions::authorize, this);
 }
 

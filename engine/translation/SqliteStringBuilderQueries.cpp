@@ -62,7 +62,40 @@ ast::NodePtr SqliteStringBuilder::collated(const ast::NodePtr& value) const {
     return std::make_shared<ast::Operation>(OperationCode::Collate, value, toSqlString(collate_));
 }
 
+/// `Values (…), (…)`: SQLite takes the collations from the first row, and no order or limit behind it.
+void SqliteStringBuilder::visitRows(const ast::QuerySpecification& node) {
+    const bool outer = std::exchange(isCompared_, false);
+    const bool isCompared = outer && !collate_.isEmpty();
+    frames_.emplace_back();
+    frames_.back().columns = &node.columns;
+    frames_.back().isBehindWhere = true;
+    namedQueries_.push_back(&node.with);
+    const auto& rows = static_cast<const ast::RowValueExpressionList&>(*node.rows).elements;
+    std::wstring text;
+    for (const ast::NodePtr& row : rows) {
+        ast::RowValueExpression first = static_cast<const ast::RowValueExpression&>(*row);
+        for (ast::NodePtr& value : first.values) {
+            value = isCompared && row == rows.front() && isComputedText(value) ? collated(value) : value;
+        }
+        text += text.empty() ? L"Values " : L", ";
+        doVisit(first);
+        text += pop();
+    }
+    if (!node.orderBy.empty() || node.limit || node.offset) {
+        text = L"Select * From (" + text + L')';
+        appendResultClauses(text, node);
+    }
+    text = renderWith(node) + text;
+    namedQueries_.pop_back();
+    frames_.pop_back();
+    isCompared_ = outer;
+    push(std::move(text));
+}
+
 void SqliteStringBuilder::visit(const ast::QuerySpecification& node) {
+    if (node.rows) {
+        return visitRows(node);
+    }
     auto rewritten = nearestFirst(node);
     if (!rewritten) {
         rewritten = withNearestPerRow(
@@ -149,6 +182,15 @@ void SqliteStringBuilder::visit(const ast::ExplicitTable& node) {
     visit(query);
 }
 
+/// The query of a view is seen by the queries that name it, as one in From is.
+void SqliteStringBuilder::visit(const ast::SessionStatement& node) {
+    frames_.emplace_back();
+    isCompared_ = true;
+    SqlStringBuilder::visit(node);
+    isCompared_ = false;
+    frames_.pop_back();
+}
+
 /// SQLite has no Into.
 void SqliteStringBuilder::visit(const ast::IntoClause& node) {
     (node.target == ast::IntoClause::Target::File ? intoFile_ : intoTable_) = node.name;
@@ -164,7 +206,9 @@ void SqliteStringBuilder::visit(const ast::DerivedColumn& node) {
     std::wstring text = renderValue(node.expression);
     std::wstring alias = node.alias;
     const auto* reference = ast::nodeAs<ast::ColumnReference>(node.expression);
-    if (isOutermost && alias.empty() && reference && fixedColumnName(reference->name)) {
+    if (alias.empty() && reference && callOfColumn(*reference)) {
+        alias = reference->name;
+    } else if (isOutermost && alias.empty() && reference && fixedColumnName(reference->name)) {
         alias = reference->name;
     } else if (!isOutermost && fixedColumnName(alias)) {
         alias = *fixedColumnName(alias);
@@ -250,6 +294,10 @@ void SqliteStringBuilder::appendLimit(std::wstring& text, const ast::QueryExpres
 
 /// SQLite applies set operators strictly from left to right, and puts at most 500 queries together.
 bool SqliteStringBuilder::needsEnclosing(const ast::NodePtr& query, const ast::QueryOperation& parent) const {
+    const auto* select = ast::nodeAs<ast::QuerySpecification>(query);
+    if (select && select->rows) {
+        return true; // no order may stand behind Values
+    }
     constexpr std::size_t together = 400;
     std::size_t operands = 1;
     for (const auto* node = ast::nodeAs<ast::QueryOperation>(query); node;

@@ -77,6 +77,9 @@ void SqliteStringBuilder::visit(const ast::ColumnReference& node) {
     if (const std::wstring* alias = selectionAlias(node.qualifier)) {
         return visitCorrectedColumn(ast::ColumnReference(*alias, node.name));
     }
+    if (const ast::TablePrimary* call = callOfColumn(node)) {
+        return visitImpl(ast::ColumnReference(call->alias, L"value"));
+    }
     if (const ast::NodePtr value = resultColumnNamed(node)) {
         frames_.back().isBehindWhere = false; // the value itself is the table's
         std::wstring text = renderValue(value);
@@ -140,8 +143,44 @@ void SqliteStringBuilder::visitImpl(const ast::ColumnReference& node) {
     }
 }
 
+void SqliteStringBuilder::appendNames(std::wstring& text, const ast::NodeList& columns) {
+    isNaming_ = true;
+    SqlStringBuilder::appendNames(text, columns);
+    isNaming_ = false;
+}
+
+/// A function that gives a table is none that anybody depends on.
+void SqliteStringBuilder::visitCall(const ast::TablePrimary& node) {
+    ast::TablePrimary call = node;
+    call.columnName.clear(); // SQLite has no names for the columns of a table
+    SqlStringBuilder::visit(call);
+    if (!frames_.empty()) {
+        call.alias = node.alias.empty() ? node.name : node.alias;
+        call.columnName = node.columnName.empty() ? call.alias : node.columnName;
+        frames_.back().calls.push_back(std::move(call));
+    }
+}
+
+/// The function whose only column a reference means: by the name that is given to it, or else by that of the
+/// table. Null for other columns.
+const ast::TablePrimary* SqliteStringBuilder::callOfColumn(const ast::ColumnReference& node) const {
+    const auto isMeant = [&node](const ast::TablePrimary& call) {
+        return toLowercase(call.columnName) == toLowercase(node.name) &&
+               (node.qualifier.empty() || toLowercase(call.alias) == toLowercase(node.qualifier));
+    };
+    for (auto frame = frames_.rbegin(); !isNaming_ && frame != frames_.rend(); ++frame) {
+        const auto call = std::find_if(frame->calls.begin(), frame->calls.end(), isMeant);
+        if (call != frame->calls.end()) {
+            return &*call;
+        }
+    }
+    return nullptr;
+}
+
 void SqliteStringBuilder::visit(const ast::TablePrimary& node) {
-    if (node.name == selectionTableName()) {
+    if (node.isCall) {
+        visitCall(node);
+    } else if (node.name == selectionTableName()) {
         visitSelectionTable(node);
     } else {
         recordTable(node);

@@ -2,6 +2,7 @@
 
 #include "host/adaptor/functions/FunctionRegistry.h"
 #include "host/adaptor/module/RelationCollations.h"
+#include "host/adaptor/module/SeriesModule.h"
 #include "host/adaptor/module/VirtualTableModule.h"
 #include "platform/core/Core.h"
 #include <orvane/Engine.h>
@@ -39,6 +40,9 @@ int initialise(sqlite3* database, char** errorMessage, Core* core, engine::Engin
     }
     if (code == SQLITE_OK) {
         code = offerRelations(database, *cache);
+    }
+    if (code == SQLITE_OK) {
+        code = registerSeries(database);
     }
     if (code == SQLITE_OK) {
         code = registerModule(database, moduleName(), *core, *cache);

@@ -11,6 +11,7 @@ constexpr const char* choices = "Choices";
 constexpr const char* json = "JSON";
 constexpr const char* aggregates = "Aggregates";
 constexpr const char* windows = "Window functions";
+constexpr const char* tables = "Tables";
 
 constexpr FunctionRecord records[] = {
     libraryFunction(
@@ -223,6 +224,12 @@ constexpr FunctionRecord records[] = {
                     {"Json_Group_Object(name, value)", "A JSON object of all rows.",
                      "(Select Json_Group_Object(x, x * 2) From (Select 1 As x Union All Select 2) t)",
                      "{\"1\":2,\"2\":4}"}),
+    libraryFunction(
+        "Generate_Series", tables, Arity::between(2, 3),
+        {"From Generate_Series(first, last [, step]) As s",
+         "A table of the values from the first to the last in its column value, or under the name of the "
+         "table: whole numbers, reals, or dates with steps such as '1 day' or '3 months'. Empty for NULL.",
+         "(Select Group_Concat(s) From Generate_Series(1, 10, 3) As s)", "1,4,7,10"}),
     libraryFunction("Row_Number", windows, Arity::exactly(0),
                     {"Row_Number() Over (...)", "The number of the row in its window.",
                      "(Select Row_Number() Over (Order By x) From (Select 1 As x Union All Select 2) t Order "

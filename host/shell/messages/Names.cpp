@@ -29,6 +29,16 @@ QStringList Names::tables() const {
     for (const auto& object : catalog_.dataObjects()) {
         names += object->name();
     }
+    return names + views();
+}
+
+QStringList Names::views() const {
+    QSqlQuery query(engine_.engineDatabase());
+    QStringList names;
+    for (query.exec(QStringLiteral("Select name From sqlite_temp_master Where type = 'view' Order By rowid"));
+         query.next();) {
+        names += query.value(0).toString();
+    }
     return names;
 }
 

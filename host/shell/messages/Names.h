@@ -22,6 +22,8 @@ public:
     Names(const Engine& engine, const dp::DataCatalog& catalog) : engine_(engine), catalog_(catalog) {}
 
     QStringList tables() const;
+    /// The queries that have a name in this session.
+    QStringList views() const;
     /// Of a table, in their order; empty for one that does not exist.
     QStringList columns(const QString& table) const;
     QStringList functions() const;

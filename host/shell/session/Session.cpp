@@ -12,6 +12,7 @@
 #include "host/shell/messages/NearestName.h"
 #include "host/shell/messages/Shell.h"
 #include "host/shell/messages/SqliteErrors.h"
+#include "host/shell/messages/StandardError.h"
 #include "platform/di/ServiceLocator.h"
 #include "platform/sql/parsing/SqlParser.h"
 
@@ -89,6 +90,9 @@ void Session::addProvider(std::unique_ptr<EngineExtension> provider) {
 }
 
 Session::~Session() {
+    if (sqlite3_get_autocommit(database_) == 0) {
+        printMessage(Shell::tr("транзакция не завершена: без Commit её изменения не сохранены"));
+    }
     serviceLocator().exchange<TypedSettings>(nullptr);
 }
 

@@ -11,7 +11,9 @@
 
 #include "platform/sql/lexing/SqlStrings.h"
 #include "platform/sql/tree/NodeVisitor.h"
+#include "platform/utils/Quoting.h"
 #include <orvane/Engine.h>
+#include <orvane/engine/OwnStatements.h>
 #include <orvane/engine/SqliteStringBuilder.h>
 
 #include <QCoreApplication>
@@ -31,6 +33,8 @@ struct StatementFinalizer {
     void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
 };
 using PreparedStatement = std::unique_ptr<sqlite3_stmt, StatementFinalizer>;
+
+constexpr const char* transactionWords[] = {"begin", "commit", "rollback"};
 
 double millisecondsSince(std::chrono::steady_clock::time_point start) {
     return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
@@ -73,6 +77,14 @@ std::optional<TextPlace> placeOf(const sql::ParseResult& statement,
     return TextPlace{position.line, position.column, static_cast<int>(found->place.length)};
 }
 
+/// Whether a text is no more than a word that begins or ends a transaction. To the parser it is a column.
+bool isTransactionWord(const std::string& text) {
+    const QString word = QString::fromStdString(text).trimmed();
+    return std::any_of(std::begin(transactionWords), std::end(transactionWords), [&word](const char* each) {
+        return word.compare(QLatin1String(each), Qt::CaseInsensitive) == 0;
+    });
+}
+
 bool isInto(const sql::ast::Node& node) {
     return node.kind == sql::ast::NodeKind::IntoClause;
 }
@@ -103,8 +115,45 @@ Outcome StatementRunner::run(const StatementText& text) {
 }
 
 Outcome StatementRunner::run(const StatementText& text, const sql::ScriptStatement& part) {
+    const auto isInTransaction = [this] { return sqlite3_get_autocommit(session_.database()) == 0; };
+    const bool wasInTransaction = isInTransaction();
     Statement statement{text, part.text, {part.line, part.column, 1}};
-    return runDialect(statement);
+    const Outcome outcome = runDialect(statement);
+    if (outcome != Outcome::Done && wasInTransaction && !isInTransaction()) {
+        printMessage(Shell::tr("транзакция отменена: её изменения взяты назад"));
+    }
+    return outcome;
+}
+
+/// The engine's own statements may change the schema; what the view's query may do is seen when it is
+/// prepared as any other, by which its faults are found as well.
+Outcome StatementRunner::runView(Statement& statement, const std::string& sqliteText) {
+    const auto& view = static_cast<const sql::ast::SessionStatement&>(*statement.parsed.result().node());
+    const QString name = sql::fromSqlString(view.name);
+    const bool isMade = view.action == sql::ast::SessionStatement::Action::CreateView;
+    const QStringList taken = session_.names().tables();
+    if (isMade && taken.contains(name, Qt::CaseInsensitive)) {
+        return fail(statement, {Shell::tr("таблица «%1» уже есть").arg(name), std::nullopt});
+    }
+    sqlite3* const database = session_.database();
+    const auto runOwn = [database](const std::string& text) {
+        const engine::OwnStatements own;
+        return sqlite3_exec(database, text.c_str(), nullptr, nullptr, nullptr);
+    };
+    if (runOwn(sqliteText) != SQLITE_OK) {
+        return failSqlite(statement, sqliteText, 0);
+    }
+    sqlite3_stmt* handle = nullptr;
+    const std::string quoted = utils::sqlIdentifier(name).toStdString();
+    const bool isSound = !isMade || sqlite3_prepare_v2(database, ("Select * From temp." + quoted).c_str(), -1,
+                                                       &handle, nullptr) == SQLITE_OK;
+    sqlite3_finalize(handle);
+    if (isSound) {
+        return finish(statement);
+    }
+    const Outcome outcome = failSqlite(statement, sqliteText, 0);
+    runOwn("Drop View temp." + quoted);
+    return outcome;
 }
 
 Outcome StatementRunner::runDialect(Statement& statement) {
@@ -114,7 +163,9 @@ Outcome StatementRunner::runDialect(Statement& statement) {
         return Outcome::Failed;
     }
     if (!settings_.translateOnly) {
-        return runSqlite(statement, sqliteText);
+        const auto* session = sql::ast::nodeAs<sql::ast::SessionStatement>(statement.parsed.result().node());
+        return session && session->isOfView() ? runView(statement, sqliteText)
+                                              : runSqlite(statement, sqliteText);
     }
     output_.text() += sqliteText;
     output_.text() += '\n';
@@ -124,7 +175,8 @@ Outcome StatementRunner::runDialect(Statement& statement) {
 std::string StatementRunner::translate(Statement& statement) {
     engine::SqliteStringBuilder builder(QString(), nullptr);
     builder.setSelection(session_.catalog().selection(), session_.engine().cache());
-    if (!statement.parsed.parse(statement.text)) {
+    if (!statement.parsed.parse(isTransactionWord(statement.text) ? statement.text + " Transaction"
+                                                                  : statement.text)) {
         fail(statement, problemOf(*statement.parsed.errors().front()));
         return {};
     }

@@ -81,6 +81,8 @@ private:
     };
 
     Outcome runDialect(Statement& statement);
+    /// Gives a query its name, or takes it away.
+    Outcome runView(Statement& statement, const std::string& sqliteText);
     /// The SQLite text; empty, and the reason is reported, when there is none.
     std::string translate(Statement& statement);
     /// Notes what Into names, and whether it is free; otherwise reports that and answers false.

@@ -143,6 +143,7 @@ public:
     void visit(const sql::ast::QuerySpecification& node) override;
     void visit(const sql::ast::TablePrimary& node) override;
     void visit(const sql::ast::UpdateStatement& node) override;
+    void visit(const sql::ast::SessionStatement& node) override;
     std::wstring operationToString(sql::OperationCode code) const override;
     std::wstring ternaryToString(sql::TernaryLogic::Value value) override;
     std::wstring& onFrom(std::wstring& text) override;
@@ -153,6 +154,7 @@ public:
 protected:
     void appendName(std::wstring& text, const std::wstring& name,
                     NameUse use = NameUse::Plain) const override;
+    void appendNames(std::wstring& text, const sql::ast::NodeList& columns) override;
     std::wstring renderWith(const sql::ast::QueryExpression& query) override;
     std::wstring renderCondition(const sql::ast::NodePtr& condition) override;
     std::wstring renderKey(const sql::ast::NodePtr& key) override;
@@ -174,9 +176,13 @@ private:
         bool isBehindWhere = false; ///< where names and numbers of result columns are understood
         bool isCompound = false;    ///< of several queries put together: only their order is rendered in it
         std::shared_ptr<const ScannedTables> tables = {}; ///< of its From; null where it is no query
+        std::vector<sql::ast::TablePrimary> calls = {};   ///< of functions that give a table, in its From
     };
 
     void visitSpecification(const sql::ast::QuerySpecification& node);
+    void visitRows(const sql::ast::QuerySpecification& node);
+    void visitCall(const sql::ast::TablePrimary& node);
+    const sql::ast::TablePrimary* callOfColumn(const sql::ast::ColumnReference& node) const;
     bool hasHiddenColumns(const sql::ast::TablePrimary& table, const NamedQueries& named) const;
     std::shared_ptr<const sql::ast::QuerySpecification>
     nearestFirst(const sql::ast::QuerySpecification& node) const;
@@ -212,6 +218,7 @@ private:
     std::vector<const NamedQueries*> namedQueries_; ///< that can be referred to now
     int enclosing_ = 0;                             ///< queries around this one that the user has not written
     bool isInBound_ = false;                        ///< of a frame
+    bool isNaming_ = false;                         ///< columns have no values here
     bool isCompared_ = false; ///< the columns of a query that begins now are compared with others
     std::set<std::int64_t> selectionIds_;
     std::shared_ptr<dp::DataObject> selectionObject_;

@@ -32,6 +32,21 @@ bool beginsOperand(const Token& token) {
             (!isReserved(token.keyword) || isFunctionWord(token.keyword)));
 }
 
+/// The rows of a query that is nothing but Values, as a list; any other query as it is.
+ast::NodePtr listOf(ast::NodePtr query) {
+    const auto* values = ast::nodeAs<ast::QuerySpecification>(query);
+    if (!values || !values->rows || values->hasClauses()) {
+        return query;
+    }
+    ast::NodeList list;
+    for (const ast::NodePtr& element :
+         static_cast<const ast::RowValueExpressionList&>(*values->rows).elements) {
+        const auto& row = static_cast<const ast::RowValueExpression&>(*element);
+        list.push_back(row.values.size() == 1 ? row.values.front() : element);
+    }
+    return std::make_shared<ast::RowValueExpressionList>(std::move(list));
+}
+
 OperationCode symbolOperator(TokenKind kind) {
     switch (kind) {
     case TokenKind::Plus: return OperationCode::Add;
@@ -213,10 +228,7 @@ ast::NodePtr Parser::parseInOperand() {
     expect(TokenKind::LeftParenthesis);
     ast::NodePtr operand;
     if (startsQuery()) {
-        operand = parseQuery();
-    } else if (at(Keyword::Values) && atAhead(1, TokenKind::LeftParenthesis)) {
-        advance();
-        operand = std::make_shared<ast::RowValueExpressionList>(parseExpressions());
+        operand = listOf(parseQuery());
     } else if (at(TokenKind::RightParenthesis)) {
         operand = std::make_shared<ast::RowValueExpressionList>(ast::NodeList());
     } else {

@@ -53,6 +53,12 @@ private:
 
     // Statements
     ast::NodePtr parseStatement();
+    ast::NodePtr parseSessionStatement();
+    ast::NodePtr parseTransaction();
+    ast::NodePtr parseView();
+    bool atWord(std::size_t ahead, std::wstring_view lowercase) const;
+    bool acceptWord(std::wstring_view lowercase);
+    void expectWord(std::wstring_view lowercase);
     ast::NodePtr parseInsert();
     ast::NodePtr parseInsertSource();
     ast::NodePtr parseUpdate();
@@ -73,6 +79,8 @@ private:
                               ast::NodePtr (Parser::*parseRight)());
     ast::NodePtr parseQueryTerm();
     ast::NodePtr parseSelect();
+    ast::NodePtr parseValues();
+    ast::NodePtr parseRows();
     ast::NodePtr parseResultClauses(std::size_t first, ast::NodePtr query);
     void parseLimit(ast::QueryExpression& query);
     ast::NodePtr parseDerivedColumn();

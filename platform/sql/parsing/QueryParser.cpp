@@ -1,3 +1,4 @@
+#include "platform/sql/lexing/SqlStrings.h"
 #include "platform/sql/parsing/Parser.h"
 
 #include <QCoreApplication>
@@ -40,7 +41,8 @@ bool Parser::startsQuery() const {
         return atAhead(1, TokenKind::QuotedName) ||
                (atAhead(1, TokenKind::Word) && !isReserved(peek(1).keyword));
     };
-    return at(Keyword::Select) || ((at(Keyword::With) || at(Keyword::Table)) && nameFollows()) ||
+    return at(Keyword::Select) || (at(Keyword::Values) && atAhead(1, TokenKind::LeftParenthesis)) ||
+           ((at(Keyword::With) || at(Keyword::Table)) && nameFollows()) ||
            (at(TokenKind::LeftParenthesis) && startsParenthesizedQuery());
 }
 
@@ -50,8 +52,9 @@ bool Parser::startsParenthesizedQuery() const {
     while (depth <= nestingLimit && atAhead(depth, TokenKind::LeftParenthesis)) {
         ++depth;
     }
+    const bool isValues = atAhead(depth, Keyword::Values) && atAhead(depth + 1, TokenKind::LeftParenthesis);
     if (!atAhead(depth, Keyword::Select) && !atAhead(depth, Keyword::With) &&
-        !atAhead(depth, Keyword::Table)) {
+        !atAhead(depth, Keyword::Table) && !isValues) {
         return false;
     }
     std::size_t open = depth;
@@ -165,8 +168,44 @@ ast::NodePtr Parser::parseQueryTerm() {
         return parseExplicitTable();
     }
     const std::size_t first = pos_;
+    if (at(Keyword::Values) && atAhead(1, TokenKind::LeftParenthesis)) {
+        advance();
+        return placed(first, parseValues());
+    }
     expect(Keyword::Select);
     return placed(first, parseSelect());
+}
+
+// After "Values".
+ast::NodePtr Parser::parseValues() {
+    auto query = std::make_shared<ast::QuerySpecification>();
+    query->rows = parseRows();
+    const auto& rows = static_cast<const ast::RowValueExpressionList&>(*query->rows).elements;
+    for (const ast::NodePtr& value : static_cast<const ast::RowValueExpression&>(*rows.front()).values) {
+        query->columns.push_back(std::make_shared<ast::DerivedColumn>(
+            value, L"column" + std::to_wstring(query->columns.size() + 1)));
+    }
+    for (const ast::NodePtr& row : rows) {
+        if (ast::rowSize(row) != query->columns.size()) {
+            failAt({TokenKind::Number, Keyword::None, row->place.offset, row->place.length},
+                   QCoreApplication::translate("orvane::sql", "здесь нужно значений в скобках: %0")
+                       .arg(query->columns.size()));
+        }
+    }
+    return query;
+}
+
+/// `(…), (…)`.
+ast::NodePtr Parser::parseRows() {
+    ast::NodeList rows;
+    do {
+        const std::size_t first = pos_;
+        expect(TokenKind::LeftParenthesis);
+        const auto row = std::make_shared<ast::RowValueExpression>(parseExpressions());
+        expect(TokenKind::RightParenthesis);
+        rows.push_back(placed(first, row));
+    } while (accept(TokenKind::Comma));
+    return std::make_shared<ast::RowValueExpressionList>(std::move(rows));
 }
 
 // After "Select".
@@ -293,7 +332,24 @@ ast::NodePtr Parser::parseTablePrimary() {
         return joined;
     }
     const auto table = parseTableName();
+    if (at(TokenKind::LeftParenthesis)) {
+        if (toLowercase(table->name) !=
+            L"generate_series") { // SQLite would take arguments for any table's hidden columns
+            failAt(peek(), QCoreApplication::translate("orvane::sql",
+                                                       "таблица «%0» пишется без скобок: она не функция")
+                               .arg(fromSqlString(table->name)));
+        }
+        advance();
+        table->isCall = true;
+        table->arguments = at(TokenKind::RightParenthesis) ? ast::NodeList() : parseExpressions();
+        expect(TokenKind::RightParenthesis);
+    }
     table->alias = parseAlias();
+    if (table->isCall && !table->alias.empty() && at(TokenKind::LeftParenthesis)) {
+        advance();
+        table->columnName = expectName();
+        expect(TokenKind::RightParenthesis);
+    }
     return table;
 }
 

@@ -1,4 +1,5 @@
 #include "platform/sql/parsing/Parser.h"
+#include "platform/sql/tree/Queries.h"
 
 #include <QCoreApplication>
 
@@ -11,6 +12,9 @@ ast::NodePtr Parser::parseStatement() {
     if (startsQuery()) {
         intoAllowed_ = true;
         return parseQuery();
+    }
+    if (ast::NodePtr statement = parseSessionStatement()) {
+        return statement;
     }
     const bool wordFollows = atAhead(1, TokenKind::Word) || atAhead(1, TokenKind::QuotedName);
     if (wordFollows && at(Keyword::Insert)) {
@@ -44,21 +48,17 @@ ast::NodePtr Parser::parseInsertSource() {
         expect(Keyword::Values);
         return nullptr;
     }
-    if (!accept(Keyword::Values)) {
-        if (!startsQuery()) {
-            failExpecting(Noun::Query);
-        }
-        return parseQuery();
-    }
-    ast::NodeList rows;
-    do {
-        const std::size_t first = pos_;
+    if (at(Keyword::Values) && !atAhead(1, TokenKind::LeftParenthesis)) {
+        advance();
         expect(TokenKind::LeftParenthesis);
-        const auto row = std::make_shared<ast::RowValueExpression>(parseExpressions());
-        expect(TokenKind::RightParenthesis);
-        rows.push_back(placed(first, row));
-    } while (accept(TokenKind::Comma));
-    return std::make_shared<ast::RowValueExpressionList>(std::move(rows));
+    }
+    if (!startsQuery()) {
+        accept(Keyword::Values); // for the message
+        failExpecting(Noun::Query);
+    }
+    ast::NodePtr query = parseQuery();
+    const auto* values = ast::nodeAs<ast::QuerySpecification>(query);
+    return values && values->rows && !values->hasClauses() ? values->rows : query;
 }
 
 ast::NodePtr Parser::parseUpdate() {

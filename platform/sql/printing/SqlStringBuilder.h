@@ -63,6 +63,7 @@ public:
     void visit(const ast::UpdateStatement& node) override;
     /// Renders nothing, so that a faulty tree gives a faulty text rather than a crash.
     void faultAction() override;
+    void visit(const ast::SessionStatement& node) override;
 
     /// The operator between (or before, or after) its operands, without blanks.
     virtual std::wstring operationToString(OperationCode code) const;
@@ -103,6 +104,8 @@ protected:
     /// A name, quoted when it has to be.
     virtual void appendName(std::wstring& text, const std::wstring& name, NameUse use = NameUse::Plain) const;
     void appendList(std::wstring& text, const ast::NodeList& nodes);
+    /// Columns that are named rather than asked for their values.
+    virtual void appendNames(std::wstring& text, const ast::NodeList& columns) { appendList(text, columns); }
     /// A node as a value: a query in parentheses.
     std::wstring renderValue(const ast::NodePtr& node);
 

@@ -30,7 +30,17 @@ void SqlStringBuilder::appendAlias(std::wstring& text, const std::wstring& alias
 void SqlStringBuilder::visit(const ast::TablePrimary& node) {
     std::wstring text;
     appendName(text, node.name);
+    if (node.isCall) {
+        text.push_back(L'(');
+        appendList(text, node.arguments);
+        text.push_back(L')');
+    }
     appendAlias(text, node.alias);
+    if (!node.columnName.empty()) {
+        text.push_back(L'(');
+        appendName(text, node.columnName);
+        text.push_back(L')');
+    }
     push(std::move(text));
 }
 
@@ -39,7 +49,7 @@ void SqlStringBuilder::visit(const ast::DerivedTable& node) {
     appendAlias(text, node.alias);
     if (!node.columns.empty()) {
         text.push_back(L'(');
-        appendList(text, node.columns);
+        appendNames(text, node.columns);
         text.push_back(L')');
     }
     push(std::move(text));
@@ -68,7 +78,7 @@ void SqlStringBuilder::visit(const ast::JoinCondition& node) {
 
 void SqlStringBuilder::visit(const ast::NamedColumnsJoin& node) {
     std::wstring text = L"Using (";
-    appendList(text, node.columns);
+    appendNames(text, node.columns);
     text.push_back(L')');
     push(std::move(text));
 }
@@ -170,7 +180,7 @@ std::wstring SqlStringBuilder::renderWith(const ast::QueryExpression& query) {
         appendName(text, table.name);
         if (!table.columns.empty()) {
             text.push_back(L'(');
-            appendList(text, table.columns);
+            appendNames(text, table.columns);
             text.push_back(L')');
         }
         text += L" As (" + render(table.query) + L')';
@@ -180,6 +190,11 @@ std::wstring SqlStringBuilder::renderWith(const ast::QueryExpression& query) {
 
 /// From is rendered before the columns, which may refer to what it introduces.
 void SqlStringBuilder::visit(const ast::QuerySpecification& node) {
+    if (node.rows) {
+        std::wstring text = renderWith(node) + L"Values " + render(node.rows);
+        appendResultClauses(text, node);
+        return push(std::move(text));
+    }
     std::wstring select = renderWith(node) + L"Select";
     std::wstring quantifier;
     if (node.quantifier != ast::SetQuantifier::Unstated) {
@@ -274,7 +289,7 @@ void SqlStringBuilder::visit(const ast::InsertStatement& node) {
     std::wstring text = L"Insert Into " + renderTarget(node.table);
     if (!node.columns.empty()) {
         text += L" (";
-        appendList(text, node.columns);
+        appendNames(text, node.columns);
         text.push_back(L')');
     }
     if (!node.source) {
@@ -287,7 +302,8 @@ void SqlStringBuilder::visit(const ast::InsertStatement& node) {
 }
 
 void SqlStringBuilder::visit(const ast::SetClause& node) {
-    std::wstring text = render(node.target);
+    std::wstring text;
+    appendNames(text, {node.target});
     text += L" = ";
     text += renderValue(node.value);
     push(std::move(text));
@@ -302,6 +318,24 @@ void SqlStringBuilder::visit(const ast::UpdateStatement& node) {
     text += from;
     onFrom(text);
     appendWhere(text, node.where);
+    push(std::move(text));
+}
+
+void SqlStringBuilder::visit(const ast::SessionStatement& node) {
+    constexpr const wchar_t* words[] = {
+        L"Begin Transaction", L"Commit Transaction", L"Rollback Transaction",   L"Savepoint ",
+        L"Rollback To ",      L"Release ",           L"Create Temporary View ", L"Drop View "};
+    std::wstring text = words[static_cast<int>(node.action)];
+    text += node.ifExists ? L"If Exists " : L"";
+    if (!node.name.empty()) {
+        appendName(text, node.name);
+    }
+    if (!node.columns.empty()) {
+        text.push_back(L'(');
+        appendNames(text, node.columns);
+        text.push_back(L')');
+    }
+    text += node.query ? L" As " + render(node.query) : std::wstring();
     push(std::move(text));
 }
 

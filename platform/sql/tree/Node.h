@@ -35,7 +35,8 @@ enum class NodeKind {
     String,
     TablePrimary,
     TernaryLogicNode,
-    UpdateStatement
+    UpdateStatement,
+    SessionStatement
 };
 
 /// A stretch of a statement's text, in units of std::wstring.

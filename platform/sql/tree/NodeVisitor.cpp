@@ -47,6 +47,9 @@ public:
     }
     void visit(const QuerySpecification& node) override {
         addNamed(node);
+        if (node.rows) {
+            return add(node.rows, node.orderBy, node.limit, node.offset);
+        }
         add(node.columns, node.into, node.from, node.where, node.groupBy, node.having, node.orderBy,
             node.limit, node.offset);
     }
@@ -56,12 +59,13 @@ public:
     void visit(const SetClause& node) override { add(node.target, node.value); }
     void visit(const SortSpecification& node) override { add(node.key); }
     void visit(const String&) override {}
-    void visit(const TablePrimary&) override {}
+    void visit(const TablePrimary& node) override { add(node.arguments); }
     void visit(const TernaryLogicNode&) override {}
     void visit(const UpdateStatement& node) override {
         add(node.table, node.assignments, node.from, node.where);
     }
     void faultAction() override {}
+    void visit(const SessionStatement& node) override { add(node.columns, node.query); }
 
 private:
     void add(const NodePtr& child) {
@@ -131,6 +135,7 @@ void NodeVisitor::doVisit(const Node& node) {
     case NodeKind::TablePrimary: return visit(static_cast<const TablePrimary&>(node));
     case NodeKind::TernaryLogicNode: return visit(static_cast<const TernaryLogicNode&>(node));
     case NodeKind::UpdateStatement: return visit(static_cast<const UpdateStatement&>(node));
+    case NodeKind::SessionStatement: return visit(static_cast<const SessionStatement&>(node));
     }
     faultAction();
 }

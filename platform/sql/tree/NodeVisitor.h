@@ -43,6 +43,7 @@ public:
     /// Takes the place of `visit` where a tree that was put together by hand holds no node, or one of no
     /// known kind.
     virtual void faultAction() = 0;
+    virtual void visit(const SessionStatement& node) = 0;
 
     void doVisit(const Node& node);
     void doVisit(const NodePtr& node);

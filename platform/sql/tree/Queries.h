@@ -21,7 +21,10 @@ struct ORVANE_PLATFORM_EXPORT TablePrimary : NodeOfKind<NodeKind::TablePrimary> 
         : name(std::move(tableName)), alias(std::move(tableAlias)) {}
 
     std::wstring name;
-    std::wstring alias; ///< empty when there is none
+    std::wstring alias;  ///< empty when there is none
+    bool isCall = false; ///< `name(arguments)`: a function that gives a table
+    NodeList arguments = {};
+    std::wstring columnName = {}; ///< of such a function, given as `alias(name)`; empty when there is none
 };
 
 /// A query in From: `(query) alias (columns)`.
@@ -130,8 +133,12 @@ enum class SetQuantifier { Unstated, All, Distinct };
 struct ORVANE_PLATFORM_EXPORT QuerySpecification : NodeOfKind<NodeKind::QuerySpecification, QueryExpression> {
     SetQuantifier quantifier = SetQuantifier::Unstated;
     NodeList columns; ///< DerivedColumn
-    NodePtr into;     ///< IntoClause or null
-    NodePtr from;     ///< FromSource, or null for a query of constants
+    /// RowValueExpressionList: the query is `Values (…), (…)`, and nothing but what QueryExpression has
+    /// applies. Its columns are those of the first row under the names that SQLite gives them. Null for a
+    /// Select.
+    NodePtr rows;
+    NodePtr into; ///< IntoClause or null
+    NodePtr from; ///< FromSource, or null for a query of constants
     NodePtr where;
     NodeList groupBy;
     NodePtr having;

@@ -31,4 +31,20 @@ struct ORVANE_PLATFORM_EXPORT UpdateStatement : NodeOfKind<NodeKind::UpdateState
     NodePtr where;        ///< null: every row
 };
 
+/// What concerns the session rather than the rows of a table: transactions, and queries that are given a
+/// name.
+struct ORVANE_PLATFORM_EXPORT SessionStatement : NodeOfKind<NodeKind::SessionStatement> {
+    enum class Action { Begin, Commit, Rollback, SetSavepoint, RollbackTo, Release, CreateView, DropView };
+
+    explicit SessionStatement(Action statementAction) : action(statementAction) {}
+
+    Action action;
+    std::wstring name;     ///< of the savepoint or view
+    NodeList columns;      ///< ColumnReference: of the view; empty: named by the query
+    NodePtr query;         ///< of the view
+    bool ifExists = false; ///< no view to drop is no fault
+
+    bool isOfView() const { return action == Action::CreateView || action == Action::DropView; }
+};
+
 } // namespace orvane::sql::ast

@@ -55,6 +55,18 @@ public:
             sqlite3_create_function(handle(), name.c_str(), -1, SQLITE_UTF8, nullptr, nothing, nullptr,
                                     nullptr);
         }
+        series_.xConnect = [](sqlite3* database, void*, int, const char* const*, sqlite3_vtab** table,
+                              char**) {
+            *table = new sqlite3_vtab();
+            return sqlite3_declare_vtab(database,
+                                        "Create Table t(value, first Hidden, last Hidden, step Hidden)");
+        };
+        series_.xDisconnect = [](sqlite3_vtab* table) {
+            delete table;
+            return SQLITE_OK;
+        };
+        series_.xBestIndex = [](sqlite3_vtab*, sqlite3_index_info*) { return SQLITE_OK; };
+        sqlite3_create_module(handle(), "Generate_Series", &series_, nullptr);
         EXPECT_EQ(sqlite3_exec(handle(), schema, nullptr, nullptr, nullptr), SQLITE_OK);
     }
 
@@ -71,6 +83,7 @@ public:
 private:
     sqlite3* handle() const { return database_.handle(); }
 
+    sqlite3_module series_{}; ///< planned, never read
     dp::SqliteDatabaseAccess database_{QStringLiteral(":memory:")};
 };
 

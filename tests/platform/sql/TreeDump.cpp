@@ -35,6 +35,9 @@ public:
         addQuery(n, L"set", static_cast<int>(n.operation), n.left, n.right);
     }
     void visit(const QuerySpecification& n) override {
+        if (n.rows) {
+            return addQuery(n, L"values", n.rows);
+        }
         addQuery(n, L"select", static_cast<int>(n.quantifier), n.columns, n.into, n.from, n.where, n.groupBy,
                  n.having);
     }
@@ -46,11 +49,13 @@ public:
         add(L"sort", n.key, static_cast<int>(n.direction), static_cast<int>(n.nulls));
     }
     void visit(const String& n) override { add(L"string", n.value, static_cast<int>(n.content)); }
-    void visit(const TablePrimary& n) override { add(L"source", n.name, n.alias); }
+    void visit(const TablePrimary& n) override {
+        add(L"source", n.name, n.alias, n.isCall, n.arguments, n.columnName);
+    }
     void visit(const TernaryLogicNode& n) override { add(L"truth", static_cast<int>(n.value)); }
     void visit(const UpdateStatement& n) override { add(L"update", n.table, n.assignments, n.from, n.where); }
     void visit(const Function& n) override {
-        add(L"function", n.name, n.distinct, n.form, n.arguments, n.filter);
+        add(L"function", n.name, n.distinct, n.form, n.arguments, n.orderBy, n.filter);
         if (n.over) {
             add(L"over", n.over->partitionBy, n.over->orderBy);
             if (const auto& frame = n.over->frame) {
@@ -63,6 +68,9 @@ public:
         }
     }
     void faultAction() override { text += L"<none>"; }
+    void visit(const SessionStatement& n) override {
+        add(L"session", static_cast<int>(n.action), n.name, n.columns, n.query, n.ifExists);
+    }
 
 private:
     template<class... Fields>

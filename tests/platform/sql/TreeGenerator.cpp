@@ -97,7 +97,11 @@ NodePtr TreeGenerator::comparison(int depth) {
     }
     const Code code = either(Code::In, Code::NotIn);
     if (chance(40)) {
-        return std::make_shared<Operation>(code, expression(0), query(depth));
+        NodePtr asked = query(depth);
+        const auto* select = nodeAs<QuerySpecification>(asked); // after In, Values begins a list
+        return select && select->rows && !select->hasClauses()
+                   ? expression(0)
+                   : std::make_shared<Operation>(code, expression(0), std::move(asked));
     }
     const bool rows = chance(30);
     const auto value =
@@ -201,6 +205,18 @@ void TreeGenerator::finish(QueryExpression& query, int depth) {
 NodePtr TreeGenerator::select(int depth) {
     const int inner = depth > 0 ? depth - 1 : 0;
     auto node = std::make_shared<QuerySpecification>();
+    if (chance(10)) {
+        NodeList rows;
+        for (int i = below(3); i >= 0; --i) {
+            rows.push_back(
+                std::make_shared<RowValueExpression>(NodeList{expression(inner), expression(inner)}));
+        }
+        node->rows = std::make_shared<RowValueExpressionList>(std::move(rows));
+        node->columns = {std::make_shared<DerivedColumn>(expression(0)),
+                         std::make_shared<DerivedColumn>(expression(0))};
+        finish(*node, depth);
+        return node;
+    }
     node->quantifier = static_cast<SetQuantifier>(below(3));
     for (int i = below(3); i >= 0; --i) {
         node->columns.push_back(
@@ -247,7 +263,14 @@ NodePtr TreeGenerator::source(int depth) {
         const bool isNamed = !alias.empty() && chance(30);
         return std::make_shared<DerivedTable>(query(depth - 1), alias, isNamed ? columns() : NodeList());
     }
-    return std::make_shared<TablePrimary>(name(), maybeName());
+    auto table = std::make_shared<TablePrimary>(name(), maybeName());
+    if (depth > 0 && chance(10)) {
+        table->name = L"Generate_Series";
+        table->isCall = true;
+        table->arguments = expressions(depth - 1, 0, 3);
+        table->columnName = table->alias.empty() ? std::wstring() : maybeName();
+    }
+    return table;
 }
 
 NodePtr TreeGenerator::insert() {
@@ -258,11 +281,15 @@ NodePtr TreeGenerator::insert() {
     if (kind == 1) {
         NodeList rows;
         for (int i = below(3); i >= 0; --i) {
-            rows.push_back(std::make_shared<RowValueExpression>(expressions(2, 1, 3)));
+            rows.push_back(std::make_shared<RowValueExpression>(expressions(2, 2, 2)));
         }
         node->source = std::make_shared<RowValueExpressionList>(std::move(rows));
     } else if (kind == 2) {
         node->source = query(2);
+        const auto* select = nodeAs<QuerySpecification>(node->source);
+        if (select && select->rows && !select->hasClauses()) {
+            node->source = select->rows;
+        }
     }
     return node;
 }
