@@ -33,10 +33,11 @@ QString titleOfSource(const QString& source) {
 std::vector<std::shared_ptr<PostgresTable>> openServer(const QString& source) {
     const ServerAddress address = parseServerAddress(source);
     const auto server = std::make_shared<Server>(address);
+    const auto edits = std::make_shared<PostgresTable::Edits>();
     std::vector<std::shared_ptr<PostgresTable>> tables;
     for (TableDescription& description : readDatabase(*server, address.table)) {
         const QString name = dp::DataObject::makeValidObjectName(QString::fromStdString(description.name));
-        tables.push_back(std::make_shared<PostgresTable>(name, server, std::move(description)));
+        tables.push_back(std::make_shared<PostgresTable>(name, server, edits, std::move(description)));
     }
     if (tables.empty()) {
         throw std::runtime_error(

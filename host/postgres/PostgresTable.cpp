@@ -2,6 +2,8 @@
 
 #include "host/postgres/conditions/ScanQuery.h"
 #include "host/postgres/connection/Server.h"
+#include "host/postgres/editing/EditTransaction.h"
+#include "host/postgres/editing/RowEdit.h"
 #include "host/postgres/reading/CountingCursor.h"
 #include "host/postgres/reading/RowCursor.h"
 
@@ -10,6 +12,7 @@
 #include <QJsonObject>
 
 #include <algorithm>
+#include <numeric>
 
 namespace orvane::postgres {
 
@@ -28,9 +31,10 @@ bool isRange(dp::Comparison comparison) {
 
 } // namespace
 
-PostgresTable::PostgresTable(QString name, std::shared_ptr<Server> server, TableDescription description)
+PostgresTable::PostgresTable(QString name, std::shared_ptr<Server> server, std::shared_ptr<Edits> edits,
+                             TableDescription description)
     : Table(std::move(name)), description_(std::make_shared<const TableDescription>(std::move(description))),
-      server_(std::move(server)) {}
+      server_(std::move(server)), edits_(std::move(edits)) {}
 
 PostgresTable::~PostgresTable() = default;
 
@@ -47,14 +51,16 @@ std::unique_ptr<dp::Cursor> PostgresTable::openCursor(const dp::ScanRequest& req
                                 return looksUp(term.attribute, term.comparison, term.collation);
                             });
         const Command command = query.rows(wanted, layout.attributes);
-        return std::make_unique<RowCursor>(description_, server_, nullptr, command, std::move(layout));
+        return std::make_unique<RowCursor>(description_, server_, editedConnection(), command,
+                                           std::move(layout));
     };
     const bool onlyCounts = request.attributes.empty() && request.terms.empty() && !request.window &&
                             !request.ids && request.limit < 0;
     if (!onlyCounts) {
         return open(request);
     }
-    const Result count = server_->ask(query.count());
+    const auto edited = editedConnection();
+    const Result count = edited ? edited->run(query.count(), {}) : server_->ask(query.count());
     return std::make_unique<CountingCursor>(QByteArray(PQgetvalue(count.get(), 0, 0)).toLongLong(),
                                             [open] { return open({}); });
 }
@@ -69,7 +75,7 @@ std::unique_ptr<dp::SampleCursor> PostgresTable::openSample(const std::vector<in
     RowCursor::Layout layout{distinct(attributes), query.keySize(), true};
     const Command command =
         query.sample(layout.attributes, static_cast<double>(rows), static_cast<double>(*count));
-    return std::make_unique<RowCursor>(description_, server_, nullptr, command, std::move(layout));
+    return std::make_unique<RowCursor>(description_, server_, editedConnection(), command, std::move(layout));
 }
 
 std::optional<std::int64_t> PostgresTable::featureCount() const {
@@ -90,7 +96,7 @@ std::optional<std::int64_t> PostgresTable::featureCount() const {
 }
 
 std::uint64_t PostgresTable::revision() const {
-    return server_->revision();
+    return (edits_->changes << 32) + server_->revision();
 }
 
 bool PostgresTable::usesTerm(int attribute, dp::Comparison comparison, dp::TextCollation collation) const {
@@ -108,6 +114,101 @@ bool PostgresTable::looksUp(int attribute, dp::Comparison comparison, dp::TextCo
 
 bool PostgresTable::usesWindow() const {
     return ScanQuery(*description_).usesWindow();
+}
+
+bool PostgresTable::isReadOnly() const {
+    return !description_->isWritable;
+}
+
+std::shared_ptr<Connection> PostgresTable::editedConnection() const {
+    const auto current = edits_->current.lock();
+    return current && !current->isEnded() ? current->connection() : nullptr;
+}
+
+EditTransaction& PostgresTable::transaction() const {
+    if (!transaction_) {
+        throw dp::EditError(tr("правка вне группы правок").toStdString());
+    }
+    return *transaction_;
+}
+
+void PostgresTable::beginEdits() {
+    if (isReadOnly()) {
+        Table::beginEdits(); // refuses
+    }
+    transaction_ = edits_->current.lock();
+    if (!transaction_ || transaction_->isEnded()) {
+        transaction_ = std::make_shared<EditTransaction>(server_);
+        edits_->current = transaction_;
+    }
+}
+
+void PostgresTable::prepareEdits() {
+    ++edits_->changes;
+    transaction().prepare();
+}
+
+void PostgresTable::commitEdits() noexcept {
+    transaction_.reset();
+}
+
+void PostgresTable::rollbackEdits() noexcept {
+    ++edits_->changes;
+    if (transaction_) {
+        transaction_->rollback();
+        transaction_.reset();
+    }
+}
+
+void PostgresTable::setSavepoint(int number) {
+    transaction().setSavepoint(number);
+}
+
+void PostgresTable::releaseSavepoint(int number) {
+    transaction().releaseSavepoint(number);
+}
+
+void PostgresTable::rollbackToSavepoint(int number) {
+    ++edits_->changes;
+    transaction().rollbackTo(number);
+}
+
+dp::FeatureId PostgresTable::insertFeature(const dp::Feature& feature) {
+    ++edits_->changes;
+    const Result row = transaction().run(RowEdit(*description_).insertion(feature));
+    if (PQntuples(row.get()) != 1) {
+        throw dp::EditError(tr("сервер не добавил запись").toStdString()); // as a trigger may decide
+    }
+    if (description_->key == RowKey::Integer) {
+        return dp::FeatureId(QVariant(QByteArray(PQgetvalue(row.get(), 0, 0)).toLongLong()));
+    }
+    QStringList texts;
+    for (int i = 0; i < PQnfields(row.get()); ++i) {
+        texts += QString::fromUtf8(PQgetvalue(row.get(), 0, i));
+    }
+    return dp::FeatureId(QVariant(texts.join(QLatin1Char(keySeparator))));
+}
+
+void PostgresTable::change(const Command& command, const dp::FeatureId& id) {
+    ++edits_->changes;
+    const Result row = transaction().run(command);
+    if (PQntuples(row.get()) != 1) {
+        throw dp::EditError(tr("нет записи %0").arg(id.value().toString()).toStdString());
+    }
+}
+
+void PostgresTable::updateFeature(const dp::Feature& feature) {
+    std::vector<int> all(static_cast<std::size_t>(feature.numAttributes()));
+    std::iota(all.begin(), all.end(), 0);
+    updateAttributes(feature, all);
+}
+
+void PostgresTable::updateAttributes(const dp::Feature& changes, const std::vector<int>& positions) {
+    change(RowEdit(*description_).update(changes, positions), changes.id());
+}
+
+void PostgresTable::deleteFeature(const dp::FeatureId& id) {
+    change(RowEdit(*description_).removal(id), id);
 }
 
 std::int64_t PostgresTable::requests() const {

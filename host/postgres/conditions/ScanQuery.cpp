@@ -69,10 +69,15 @@ std::string ScanQuery::selected(const std::vector<int>& attributes) const {
         }
         text += ", ";
     }
+    return text + key();
+}
+
+std::string ScanQuery::key() const {
+    std::string text;
     switch (table_.key) {
-    case RowKey::Integer: return text + nameOf(table_.keyColumns.front()) + "::int8";
-    case RowKey::Place: return text + "t.ctid";
-    case RowKey::Number: return text + "t." + rowNumberName;
+    case RowKey::Integer: return nameOf(table_.keyColumns.front()) + "::int8";
+    case RowKey::Place: return "t.ctid";
+    case RowKey::Number: return std::string("t.") + rowNumberName;
     case RowKey::Values: break;
     }
     for (std::size_t i = 0; i < table_.keyColumns.size(); ++i) {
@@ -97,7 +102,7 @@ Command ScanQuery::rows(const dp::ScanRequest& request, const std::vector<int>& 
         conditions.push_back(windowText(*request.window));
     }
     if (request.ids) {
-        conditions.push_back(idsText(*request.ids, command.arguments));
+        conditions.push_back(condition(*request.ids, command.arguments));
     }
     command.sql = "Select " + selected(attributes) + " From " + source();
     for (std::size_t i = 0; i < conditions.size(); ++i) {
@@ -159,8 +164,8 @@ std::string ScanQuery::windowText(const geometry::Envelope& window) const {
            coordinate(window.maxY) + ", " + std::to_string(column(geometry).srid) + ")";
 }
 
-std::string ScanQuery::idsText(const std::vector<dp::FeatureId>& ids,
-                               std::vector<Argument>& arguments) const {
+std::string ScanQuery::condition(const std::vector<dp::FeatureId>& ids,
+                                 std::vector<Argument>& arguments) const {
     const auto numbers = [&ids] {
         ArrayText list;
         for (const dp::FeatureId& id : ids) {

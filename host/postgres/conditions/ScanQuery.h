@@ -28,6 +28,10 @@ public:
     /// The plan of a whole scan, in JSON, which tells how many rows the server expects.
     Command estimate() const;
 
+    /// Just the rows with these identifiers, of the table `t`.
+    std::string condition(const std::vector<dp::FeatureId>& ids, std::vector<Argument>& arguments) const;
+    /// What identifies a row of the table `t`.
+    std::string key() const;
     /// Columns behind those of the attributes.
     std::size_t keySize() const;
     /// Whether rows() leaves rows out by a term of this kind.
@@ -43,7 +47,6 @@ private:
     std::string source() const;
     std::optional<std::string> termText(const dp::ScanTerm& term, std::vector<Argument>& arguments) const;
     std::string windowText(const geometry::Envelope& window) const;
-    std::string idsText(const std::vector<dp::FeatureId>& ids, std::vector<Argument>& arguments) const;
 
     const TableDescription& table_;
 };

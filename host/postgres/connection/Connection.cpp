@@ -109,10 +109,9 @@ void Connection::send(std::span<const Command> commands, bool isBinary) {
         for (const Argument& argument : command.arguments) {
             values.push_back(argument ? argument->c_str() : nullptr);
         }
-        const bool isLast = &command == &commands.back();
         isSent =
             isSent && PQsendQueryParams(handle_.get(), command.sql.c_str(), static_cast<int>(values.size()),
-                                        nullptr, values.data(), nullptr, nullptr, isLast && isBinary) != 0;
+                                        nullptr, values.data(), nullptr, nullptr, isBinary) != 0;
     }
     if (!isSent || !PQpipelineSync(handle_.get())) {
         raiseLost();
@@ -135,7 +134,7 @@ Result Connection::receive(const work::Cancellation& cancellation) {
         switch (PQresultStatus(result.get())) {
         case PGRES_PIPELINE_SYNC: isDone = true; break;
         case PGRES_PIPELINE_ABORTED: break;
-        case PGRES_COMMAND_OK:
+        case PGRES_COMMAND_OK: last = last ? std::move(last) : std::move(result); break;
         case PGRES_TUPLES_OK: last = std::move(result); break;
         default: failed = failed ? std::move(failed) : std::move(result);
         }

@@ -45,7 +45,7 @@ public:
     /// Sends commands as one request; their results come with receive(). What is still to be received from
     /// before is dropped. After a command that fails the others are not carried out.
     void send(std::span<const Command> commands, bool isBinary);
-    /// The result of the last command sent.
+    /// The rows of the last command that has any, else the result of the first.
     Result receive(const work::Cancellation& cancellation);
     Result run(std::span<const Command> commands, const work::Cancellation& cancellation,
                bool isBinary = false) {
@@ -58,6 +58,11 @@ public:
 
     /// Ends what is under way; a server that is still at it costs the connection.
     void abandon();
+
+    /// Cursors of the server's that were opened before may be gone, with the transaction that they are of.
+    void forgetCursors() { ++generation_; }
+    /// Changes with forgetCursors().
+    int generation() const { return generation_; }
 
     /// Whether nothing more can come over the connection. Looks at it without a request.
     bool isLost();
@@ -75,6 +80,7 @@ private:
     ConnectionHandle handle_;
     bool isAwaiting_ = false;
     bool isClosed_ = false;
+    int generation_ = 0;
 };
 
 } // namespace orvane::postgres

@@ -37,12 +37,29 @@ RowCursor::RowCursor(std::shared_ptr<const TableDescription> table, std::shared_
     Command declaration = query;
     declaration.sql = "Declare " + name_ + " No Scroll Cursor For " + query.sql;
     if (shared_) {
-        take(shared_->run(std::array{declaration, fetch()}, cancellation_, true));
+        generation_ = shared_->generation();
+        take(openShared(declaration));
     } else {
         Result first;
         lease_ = server_->start(std::array{Command{"Begin Read Only"}, declaration, fetch()}, first,
                                 cancellation_, true);
         take(std::move(first));
+    }
+}
+
+/// A query that fails leaves the edits before it alone.
+Result RowCursor::openShared(const Command& declaration) {
+    try {
+        return shared_->run(std::array{Command{"Savepoint orvane_row"}, declaration, fetch(),
+                                       Command{"Release Savepoint orvane_row"}},
+                            cancellation_, true);
+    } catch (const ServerError& error) {
+        if (!error.isLost()) {
+            shared_->run(std::array{Command{"Rollback To Savepoint orvane_row"},
+                                    Command{"Release Savepoint orvane_row"}},
+                         {});
+        }
+        throw;
     }
 }
 
@@ -112,7 +129,8 @@ bool RowCursor::next() {
 /// The connection is free for others from here on; in a group only the cursor goes.
 void RowCursor::finish() {
     if (shared_) {
-        if (!shared_->isLost()) {
+        if (!isClosed_ && generation_ == shared_->generation() && !shared_->isLost()) {
+            isClosed_ = true;
             shared_->send(std::array{Command{"Close " + name_}}, false);
         }
     } else if (lease_) {

@@ -43,6 +43,7 @@ private:
 
     Connection& connection() const { return shared_ ? *shared_ : *lease_; }
     Command fetch() const;
+    Result openShared(const Command& declaration);
     bool nextBatch();
     void take(Result batch);
     void chooseBatch();
@@ -64,7 +65,9 @@ private:
     Result batch_;
     int row_ = -1;
     int rows_ = 0;
-    int wanted_; ///< rows of the batch under way
+    int wanted_;            ///< rows of the batch under way
+    int generation_ = 0;    ///< of the cursors of a shared connection
+    bool isClosed_ = false; ///< likewise
     bool isAtEnd_ = false;
     bool isReadingAhead_ = false;
     std::int64_t run_ = 0;

@@ -46,6 +46,10 @@ protected:
     static std::string ask(const char* statement) {
         return Host::instance().ask(QString::fromUtf8(statement));
     }
+    /// A statement about transactions, which the dialect leaves as it is.
+    static std::string run(const char* statement) {
+        return answer(Host::instance().engine->engineDatabase(), QString::fromUtf8(statement));
+    }
 };
 
 } // namespace orvane::testing

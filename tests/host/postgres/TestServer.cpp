@@ -24,10 +24,10 @@ trap '' INT TERM HUP
 "$programs/initdb" -D "$directory/data" -A trust -U postgres -E UTF8 --locale=C.UTF-8 -N >"$directory/log" 2>&1
 echo "$directory"
 server=
-stop() { if [ -n "$server" ]; then kill -QUIT "$server" 2>/dev/null || true; wait "$server" || true; server=; fi; }
+stop() { if [ -n "$server" ]; then kill -QUIT "$server" || true; wait "$server" || true; server=; fi; }
 while read -r word; do
     case $word in
-    start) "$programs/postgres" -D "$directory/data" -k "$directory" -c listen_addresses= -F >>"$directory/log" 2>&1 & server=$! ;;
+    start) "$programs/postgres" -D "$directory/data" -k "$directory" -c listen_addresses= -F <"$directory/log" >>"$directory/log" 2>&1 & server=$! ;;
     kill) stop; echo killed ;;
     esac
 done
