@@ -38,10 +38,10 @@ std::string ScanQuery::nameOf(int attribute) const {
 
 std::string ScanQuery::source() const {
     const std::string name = table_.sqlName();
-    return table_.key == RowKey::Number
-               ? "(Select s As " + std::string(wholeRowName) + ", pg_catalog.row_number() Over () As " +
-                     rowNumberName + " From " + name + " s) t"
-               : name + " t";
+    return table_.key == RowKey::Number ? "(Select \"orvane source\" As " + std::string(wholeRowName) +
+                                              ", pg_catalog.row_number() Over () As " + rowNumberName +
+                                              " From " + name + " As \"orvane source\") t"
+                                        : name + " t";
 }
 
 std::string ScanQuery::selected(const std::vector<int>& attributes) const {
