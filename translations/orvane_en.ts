@@ -2058,6 +2058,22 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
 <context>
     <name>orvane::postgres</name>
     <message>
+        <source>%1: правки отменены, соединение с сервером прервано</source>
+        <translation>%1: the changes are taken back, the connection to the server is lost</translation>
+    </message>
+    <message>
+        <source>%1: сервер отменил правки</source>
+        <translation>%1: the server has taken the changes back</translation>
+    </message>
+    <message>
+        <source>%1: соединение прервано, пока сервер сохранял правки; сохранены ли они, неизвестно</source>
+        <translation>%1: the connection was lost while the server committed the changes; whether they are kept is not known</translation>
+    </message>
+    <message>
+        <source>столбец %0: PostgreSQL не хранит текстов с нулевым знаком</source>
+        <translation>column %0: PostgreSQL keeps no texts with a zero character</translation>
+    </message>
+    <message>
         <source>Адрес базы PostgreSQL не разобрать; нужно «postgresql://узел:порт/база» или «PG:host=узел port=порт dbname=база», особые знаки в нём как %XX или в ''</source>
         <translation>The address of the PostgreSQL database cannot be read; needed is "postgresql://host:port/database" or "PG:host=host port=port dbname=database", special characters in it as %XX or within ''</translation>
     </message>
@@ -2500,6 +2516,21 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
     <message>
         <source>Строк: %0, %1 с</source>
         <translation>Rows: %0, %1 s</translation>
+    </message>
+</context>
+<context>
+    <name>orvane::postgres::PostgresTable</name>
+    <message>
+        <source>правка вне группы правок</source>
+        <translation>an edit outside a group of edits</translation>
+    </message>
+    <message>
+        <source>сервер не добавил запись</source>
+        <translation>the server has not added the record</translation>
+    </message>
+    <message>
+        <source>нет записи %0</source>
+        <translation>there is no record %0</translation>
     </message>
 </context>
 </TS>

@@ -22,7 +22,7 @@ public:
 
     /// The rows that a request asks for, perhaps more; each attribute once.
     Command rows(const dp::ScanRequest& request, const std::vector<int>& attributes) const;
-    /// About so many rows of a table that has `tableRows`: all of some pages at random.
+    /// About so many rows of a table that has `tableRows`: some of the rows of pages at random.
     Command sample(const std::vector<int>& attributes, double rows, double tableRows) const;
     Command count() const;
     /// The plan of a whole scan, in JSON, which tells how many rows the server expects.
