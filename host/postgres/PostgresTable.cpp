@@ -12,6 +12,7 @@
 #include <QJsonObject>
 
 #include <algorithm>
+#include <chrono>
 #include <numeric>
 
 namespace orvane::postgres {
@@ -96,7 +97,10 @@ std::optional<std::int64_t> PostgresTable::featureCount() const {
 }
 
 std::uint64_t PostgresTable::revision() const {
-    return (edits_->changes << 32) + server_->revision();
+    // Of rows that lie elsewhere the server knows nothing: they count as changed every second.
+    const auto now = std::chrono::steady_clock::now().time_since_epoch();
+    const auto second = static_cast<std::uint64_t>(std::chrono::floor<std::chrono::seconds>(now).count());
+    return (edits_->changes << 32) + server_->revision() + (description_->isElsewhere ? second : 0);
 }
 
 bool PostgresTable::usesTerm(int attribute, dp::Comparison comparison, dp::TextCollation collation) const {
