@@ -52,8 +52,9 @@ QueryPane::QueryPane(Session& session, QueryHistory& history, QWidget* parent)
     connect(&tick_, &QTimer::timeout, this, &QueryPane::showRunning);
     connect(editor_, &SqlEditor::runRequested, this, qOverload<>(&QueryPane::run));
     connect(editor_, &SqlEditor::syntaxChecked, this, [this](const QString& fault) {
-        if (!session_.isRunning() && (isFault_ || !fault.isEmpty())) {
+        if (!session_.isRunning() && (isWritten_ || !fault.isEmpty())) {
             setMessage(fault, !fault.isEmpty());
+            isWritten_ = isFault_;
         }
     });
     connect(&session_, &Session::tablesChanged, this,
@@ -90,6 +91,7 @@ void QueryPane::run() {
         return;
     }
     editor_->showFault(std::nullopt);
+    editor_->skipCheck();
     if (!history_.add(text)) {
         Q_EMIT reported(tr("История запросов не записывается"));
     }
@@ -145,6 +147,7 @@ void QueryPane::showOutcome(const QueryOutcome& outcome) {
 
 void QueryPane::setMessage(const QString& text, bool isFault) {
     isFault_ = isFault;
+    isWritten_ = false;
     message_->setStyleSheet(isFault ? QStringLiteral("color: #B71C1C;") : QString());
     message_->setText(text);
 }

@@ -43,6 +43,7 @@ private:
     QToolButton* cancel_;
     TextPlace start_; ///< of what runs, in the editor
     bool isFault_ = false;
+    bool isWritten_ = false;         ///< the fault was found while someone wrote, and goes when it is mended
     std::shared_ptr<RowStore> rows_; ///< of what runs
     QString work_;                   ///< within what runs
     QElapsedTimer since_;

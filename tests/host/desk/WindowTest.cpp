@@ -60,6 +60,18 @@ TEST_F(DeskTest, ShowsFaultsAtTheirPlace) {
         EXPECT_TRUE(window.query().message().startsWith(QString::fromUtf8(each.message)))
             << window.query().message().toStdString();
     }
+    // It stays until the next query; what is found while someone writes goes when it is mended.
+    EXPECT_EQ(ask(QStringLiteral("Select nme From cities")).kind, Kind::Failed);
+    SqlEditor& editor = window.query().editor();
+    QSignalSpy checked(&editor, &SqlEditor::syntaxChecked);
+    QTest::qWait(600); // longer than the editor waits for the next letter
+    EXPECT_TRUE(window.query().isFault());
+    editor.replaceText(QStringLiteral("Select ) From cities"));
+    ASSERT_TRUE(waitFor([&] { return checked.size() == 1; }));
+    EXPECT_TRUE(window.query().isFault());
+    editor.replaceText(QStringLiteral("Select name From cities"));
+    ASSERT_TRUE(waitFor([&] { return checked.size() == 2; }));
+    EXPECT_FALSE(window.query().isFault());
     EXPECT_EQ(ask(QStringLiteral("Select 1 + 1")).kind, Kind::Done);
     EXPECT_FALSE(window.query().isFault());
     EXPECT_EQ(window.query().editor().extraSelections().size(), 1);
