@@ -1218,6 +1218,14 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
         <translation>division by zero</translation>
     </message>
     <message>
+        <source>именованный запрос</source>
+        <translation>named query</translation>
+    </message>
+    <message>
+        <source>Round(x, 2) округляет до числа, кратного двум; до двух знаков — RoundBy(x, 2)</source>
+        <translation>Round(x, 2) rounds to a multiple of 2; RoundBy(x, 2) rounds to two decimal places</translation>
+    </message>
+    <message>
         <source>нет именованного запроса «%1»</source>
         <translation>there is no view &quot;%1&quot;</translation>
     </message>

@@ -2,6 +2,7 @@
 
 #include "host/adaptor/functions/FunctionRegistry.h"
 #include "host/shell/messages/NearestName.h"
+#include "host/shell/messages/PeerNames.h"
 #include "host/shell/messages/Shell.h"
 
 #include "platform/sql/lexing/SqlStrings.h"
@@ -390,8 +391,9 @@ Problem SqliteErrors::missingTargetColumn(const QString& tableAndColumn) const {
 }
 
 Problem SqliteErrors::missingFunction(const QString& name) const {
+    const QString here = nameHere(name);
     return {withSuggestion(Shell::tr("нет функции «%0»").arg(engine::dialectFunctionName(name)),
-                           nearestName(name, names_.functions())),
+                           here.isEmpty() ? nearestName(name, names_.functions()) : here),
             placeOf(name, Role::Function)};
 }
 

@@ -170,6 +170,9 @@ Outcome PromptCommands::showTables(const QString&) {
                          table ? firstGeometryKinds(*table).join(QStringLiteral(", ")) : QString(),
                          system ? system->taggedString() : QString(), Session::sourceOf(*object)});
     }
+    for (const QString& view : session_.names().views()) {
+        lines.push_back({view, QString(), QString(), QString(), Shell::tr("именованный запрос")});
+    }
     printColumns(lines);
     return Outcome::Done;
 }

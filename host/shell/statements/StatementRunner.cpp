@@ -1,6 +1,7 @@
 #include "host/shell/statements/StatementRunner.h"
 
 #include "host/adaptor/explaining/StatementExplanation.h"
+#include "host/shell/messages/PeerNames.h"
 #include "host/shell/messages/Shell.h"
 #include "host/shell/messages/SqliteErrors.h"
 #include "host/shell/messages/StandardError.h"
@@ -119,6 +120,12 @@ Outcome StatementRunner::run(const StatementText& text, const sql::ScriptStateme
     const bool wasInTransaction = isInTransaction();
     Statement statement{text, part.text, {part.line, part.column, 1}};
     const Outcome outcome = runDialect(statement);
+    const auto& tree = statement.parsed.result().node();
+    if (outcome == Outcome::Done && tree && roundsAsElsewhere(*tree) &&
+        !std::exchange(hasToldOfRound_, true)) {
+        printMessage(
+            Shell::tr("Round(x, 2) округляет до числа, кратного двум; до двух знаков — RoundBy(x, 2)"));
+    }
     if (outcome != Outcome::Done && wasInTransaction && !isInTransaction()) {
         printMessage(Shell::tr("транзакция отменена: её изменения взяты назад"));
     }

@@ -107,6 +107,7 @@ private:
     Output& output_;
     Interrupt& interrupt_;
     bool fileIsTaken_ = false;
+    bool hasToldOfRound_ = false; ///< that its second argument is a step
 };
 
 } // namespace orvane::shell
