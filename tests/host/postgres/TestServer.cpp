@@ -19,15 +19,15 @@ constexpr const char* keeper = R"(
 set -eu
 programs=$1
 directory=$(mktemp -d /tmp/orvane-postgres-XXXXXX)
-trap 'rm -rf "$directory"' EXIT
+server=
+trap 'stop; rm -rf "$directory"' EXIT
+stop() { if [ -n "$server" ]; then kill -QUIT "$server" || true; wait "$server" || true; server=; fi; }
 trap '' INT TERM HUP
 "$programs/initdb" -D "$directory/data" -A trust -U postgres -E UTF8 --locale=C.UTF-8 -N >"$directory/log" 2>&1
 echo "$directory"
-server=
-stop() { if [ -n "$server" ]; then kill -QUIT "$server" || true; wait "$server" || true; server=; fi; }
 while read -r word; do
     case $word in
-    start) "$programs/postgres" -D "$directory/data" -k "$directory" -c listen_addresses= -F <"$directory/log" >>"$directory/log" 2>&1 & server=$! ;;
+    start) setpriv --pdeathsig QUIT "$programs/postgres" -D "$directory/data" -k "$directory" -c listen_addresses= -F <"$directory/log" >>"$directory/log" 2>&1 & server=$! ;;
     kill) stop; echo killed ;;
     esac
 done
