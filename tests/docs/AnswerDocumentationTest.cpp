@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QProcess>
 #include <QRegularExpression>
 
 #include <gtest/gtest.h>
@@ -53,6 +54,46 @@ TEST_P(AnswerDocumentation, AnswersAreWhatTheProgramPrints) {
 INSTANTIATE_TEST_SUITE_P(Documents, AnswerDocumentation,
                          testing::Values(Document{"indices.md", "explain", true},
                                          Document{"analysis.md", "answer", false}));
+
+/// Blocks that begin with "$ orvane" show a command, which goes on until its quotes are closed, and what it
+/// prints.
+TEST(ConsoleDocumentation, CommandsPrintWhatIsShown) {
+    const QDir root(QStringLiteral(ORVANE_DOCUMENTATION "/.."));
+    const QRegularExpression example(
+        QStringLiteral("^```\\n\\$ (orvane [^\"\\n]*(?:\"[^\"]*\"[^\"\\n]*)*)\\n(.*?)^```"),
+        QRegularExpression::MultilineOption | QRegularExpression::DotMatchesEverythingOption);
+    QStringList files{QStringLiteral("README.md")};
+    for (const QString& name :
+         QDir(root.filePath(QStringLiteral("docs"))).entryList({QStringLiteral("*.md")})) {
+        files += QStringLiteral("docs/") + name;
+    }
+    int examples = 0;
+    for (const QString& name : files) {
+        QFile file(root.filePath(name));
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << name.toStdString();
+        const QString text = QString::fromUtf8(file.readAll());
+        for (auto match = example.globalMatch(text); match.hasNext();) {
+            const auto found = match.next();
+            if (found.captured(2).isEmpty()) {
+                continue;
+            }
+            ++examples;
+            QProcess shell;
+            shell.setWorkingDirectory(root.path());
+            auto environment = QProcessEnvironment::systemEnvironment();
+            environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
+            shell.setProcessEnvironment(environment);
+            shell.start(
+                QStringLiteral("/bin/sh"),
+                {QStringLiteral("-c"),
+                 QStringLiteral("orvane() { \"" ORVANE_PROGRAM "\" \"$@\"; }\n") + found.captured(1)});
+            ASSERT_TRUE(shell.waitForFinished(120'000));
+            EXPECT_EQ(shell.readAllStandardOutput().toStdString(), found.captured(2).toStdString())
+                << name.toStdString() << ": " << found.captured(1).toStdString();
+        }
+    }
+    EXPECT_GE(examples, 3);
+}
 
 } // namespace
 } // namespace orvane::shell
