@@ -7,6 +7,7 @@
 #include "host/shell/session/Interrupt.h"
 
 #include <QFile>
+#include <QRegularExpression>
 #include <QStandardPaths>
 
 #include <cstdio>
@@ -15,9 +16,20 @@ namespace orvane::shell {
 
 namespace {
 
+/// Whether a command opens a database with a password in its address.
+bool holdsPassword(const std::string& text) {
+    static const QRegularExpression address(
+        QStringLiteral(R"(\A\s*\..*(postgres(ql)?://[^\s/]*:[^\s]*@|(postgres|PG:).*password\s*=))"),
+        QRegularExpression::CaseInsensitiveOption);
+    return address.match(QString::fromStdString(text)).hasMatch();
+}
+
 /// A statement as the history keeps it: with its line breaks, so that a comment ends where it ended, without
-/// the empty line that it may have ended with.
+/// the empty line that it may have ended with; nothing where it holds a password.
 std::string historyEntry(const std::string& text) {
+    if (holdsPassword(text)) {
+        return {};
+    }
     const std::size_t last = text.find_last_not_of(" \t\n");
     return last == std::string::npos ? std::string() : text.substr(0, last + 1);
 }
