@@ -13,10 +13,6 @@ RowOrder::RowOrder(const std::vector<Key>& keys, const std::shared_ptr<const Loc
     }
 }
 
-void RowOrder::add(std::size_t key, const dp::Cell& value, ByteArena& memory) {
-    keys_[key].codes.push_back(keys_[key].ranks.add(value, memory));
-}
-
 std::size_t RowOrder::bytes() const {
     std::size_t bytes = 0;
     for (const Column& column : keys_) {
@@ -33,10 +29,18 @@ void RowOrder::sortBy(const Column& column) {
         return column.isDescending ? rankEnd - 1 - rank : rank;
     };
     starts_.assign(rankEnd + 1, 0);
+    bool isSorted = true;
+    ValueRanks::Rank last = 0;
     for (const std::uint32_t row : order_) {
-        ++starts_[slot(row) + 1];
+        const ValueRanks::Rank rank = slot(row);
+        isSorted = isSorted && last <= rank;
+        last = rank;
+        ++starts_[rank + 1];
     }
     std::partial_sum(starts_.begin(), starts_.end(), starts_.begin());
+    if (isSorted) {
+        return;
+    }
     std::vector<std::uint32_t> next(starts_.begin(), starts_.end() - 1);
     decltype(order_) sorted(order_.size());
     for (const std::uint32_t row : order_) {

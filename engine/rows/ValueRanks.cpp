@@ -12,6 +12,7 @@
 #include <bit>
 #include <functional>
 #include <iterator>
+#include <numeric>
 
 namespace orvane::engine {
 
@@ -41,15 +42,19 @@ bool isIdentical(const Cell& a, const Cell& b) {
     }
 }
 
-/// Of a value in normal form; all bits of the result depend on all of the value.
+/// All bits of the result depend on all of the number's.
+std::size_t hashOf(std::uint64_t bits) {
+    const std::uint64_t mixed = (bits ^ (bits >> 32)) * 0x9e3779b97f4a7c15U; // 2^64 / golden ratio
+    return mixed ^ (mixed >> 32);
+}
+
+/// Of a value in normal form.
 std::size_t hashOf(const Cell& value) {
     if (!isNumber(value)) {
         return std::hash<std::string_view>()(value.view());
     }
-    const auto bits = value.type() == CellType::Integer ? static_cast<std::uint64_t>(value.integer())
-                                                        : std::bit_cast<std::uint64_t>(value.real());
-    const std::uint64_t mixed = (bits ^ (bits >> 32)) * 0x9e3779b97f4a7c15U; // 2^64 / golden ratio
-    return mixed ^ (mixed >> 32);
+    return hashOf(value.type() == CellType::Integer ? static_cast<std::uint64_t>(value.integer())
+                                                    : std::bit_cast<std::uint64_t>(value.real()));
 }
 
 /// The order of kinds of values; the first byte of a key.
@@ -162,15 +167,11 @@ void ValueRanks::growSlots() {
     }
 }
 
-ValueRanks::Code ValueRanks::add(const Cell& value, ByteArena& texts) {
+ValueRanks::Code ValueRanks::addHashed(const Cell& value, ByteArena& texts) {
     if (isNull(value)) {
         return 0;
     }
     if (areIntegers_) {
-        if (value.type() == CellType::Integer) {
-            integers_.push_back(value.integer());
-            return static_cast<Code>(integers_.size());
-        }
         hashIntegers();
     }
     if (values_.size() * 2 > slots_.size()) {
@@ -278,11 +279,46 @@ std::vector<ValueRanks::Code> ValueRanks::sortedByComparing(std::vector<Code> te
 }
 
 void ValueRanks::finishForLookups(const work::Cancellation& cancellation) {
-    if (areIntegers_ || hasTwins_ || (hasTexts_ && collation_ != dp::TextCollation::Binary)) {
+    if (areIntegers_) {
+        hashRanks(cancellation);
+    } else if (hasTwins_ || (hasTexts_ && collation_ != dp::TextCollation::Binary)) {
         finishInOrder(cancellation);
     } else {
         rankEnd_ = static_cast<Rank>(values_.size());
     }
+}
+
+std::size_t ValueRanks::slotOfInteger(std::int64_t value) const {
+    const std::size_t mask = slots_.size() - 1;
+    std::size_t slot = hashOf(static_cast<std::uint64_t>(value)) & mask;
+    while (slots_[slot] != 0 && integers_[slots_[slot] - 1] != value) {
+        slot = (slot + 1) & mask;
+    }
+    return slot;
+}
+
+void ValueRanks::hashRanks(const work::Cancellation& cancellation) {
+    constexpr std::size_t fewestSlots = 64;
+    slots_.assign(std::max(fewestSlots, std::bit_ceil(integers_.size() * 3 / 2 + 1)), 0);
+    Rank last = 0; // the values of the ranks so far stand in front
+    for (Code code = 1; code <= integers_.size(); ++code) {
+        const std::int64_t value = integers_[code - 1];
+        Code& rank = slots_[slotOfInteger(value)];
+        if (rank == 0) {
+            rank = ++last;
+            integers_[last - 1] = value;
+        }
+        if (rank != code && ranks_.empty()) {
+            ranks_.resize(integers_.size() + 1);
+            std::iota(ranks_.begin(), ranks_.begin() + code, Rank{0});
+        }
+        if (!ranks_.empty()) {
+            ranks_[code] = rank;
+        }
+        checkNowAndThen(code, cancellation);
+    }
+    integers_.resize(last);
+    rankEnd_ = last + 1;
 }
 
 void ValueRanks::rankIntegers(const work::Cancellation& cancellation) {
@@ -335,6 +371,10 @@ std::optional<ValueRanks::Rank> ValueRanks::find(const Cell& operand) const {
         return 0;
     }
     if (areIntegers_) {
+        if (wanted.type() == CellType::Integer && !slots_.empty()) {
+            const Rank rank = slots_[slotOfInteger(wanted.integer())];
+            return rank != 0 ? std::optional(rank) : std::nullopt;
+        }
         const auto found = wanted.type() == CellType::Integer
                                ? std::lower_bound(integers_.begin(), integers_.end(), wanted.integer())
                                : integers_.end();

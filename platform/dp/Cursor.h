@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string_view>
 
 namespace orvane::dp {
@@ -69,6 +70,8 @@ public:
 
     /// The identifier of the current row.
     virtual FeatureId featureId() = 0;
+    /// The same where it is a 64-bit integer, for who takes many of them; a cursor may leave it out.
+    virtual std::optional<std::int64_t> integerId() { return std::nullopt; }
 
     /// Whether an index of the source's own finds the rows: for who wants to know how a query is answered.
     virtual bool isLookedUp() const { return false; }

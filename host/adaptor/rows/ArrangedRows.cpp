@@ -118,7 +118,7 @@ void ArrangedRows::add(dp::Cursor& row) {
     for (const int attribute : plain_) {
         values_.push_back(kept(row.cell(attribute)));
     }
-    ids_.add(row.featureId());
+    ids_.add(row);
 }
 
 Cell ArrangedRows::cell(std::uint32_t place, int attribute) const {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/dp/FeatureId.h"
+#include "platform/dp/Cursor.h"
 #include "platform/utils/LargePages.h"
 
 #include <cstddef>
@@ -14,7 +14,13 @@ namespace orvane::adaptor {
 class RowIds {
 public:
     void reserve(std::size_t rows) { numbers_.reserve(rows); }
-    void add(dp::FeatureId id) {
+    /// The identifier of a cursor's row.
+    void add(dp::Cursor& row) {
+        if (const auto number = row.integerId(); number && others_.empty()) {
+            numbers_.push_back(*number);
+            return;
+        }
+        dp::FeatureId id = row.featureId();
         const QVariant& value = id.value();
         if (others_.empty() && value.userType() == QMetaType::LongLong) {
             numbers_.push_back(*static_cast<const qint64*>(value.constData()));

@@ -66,7 +66,10 @@ bool RepeatedScan::keep(dp::Table& table, const dp::ScanRequest& request,
     dp::ScanRequest whole;
     whole.attributes = request.attributes;
     for (const dp::ScanTerm& term : request.terms) {
-        whole.attributes.push_back(term.attribute);
+        if (std::find(whole.attributes.begin(), whole.attributes.end(), term.attribute) ==
+            whole.attributes.end()) {
+            whole.attributes.push_back(term.attribute);
+        }
         if (isUsable(term)) {
             keys.push_back({term.attribute, term.collation, false});
         }

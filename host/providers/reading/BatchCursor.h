@@ -22,8 +22,9 @@ public:
         return batch_.columns[slot].cell(row_);
     }
     dp::FeatureId featureId() override {
-        return dp::FeatureId(QVariant(static_cast<qlonglong>(batch_.fids.number<std::int64_t>(row_))));
+        return dp::FeatureId(QVariant(static_cast<qlonglong>(*integerId())));
     }
+    std::optional<std::int64_t> integerId() override { return batch_.fids.number<std::int64_t>(row_); }
     std::int64_t run() const override { return run_; }
     bool isLookedUp() const override { return isLookedUp_; }
 

@@ -36,7 +36,9 @@ public:
         }
     }
     /// Appends a row; each of its values by a call, key by key. The memory has to stay.
-    void add(std::size_t key, const dp::Cell& value, ByteArena& memory);
+    void add(std::size_t key, const dp::Cell& value, ByteArena& memory) {
+        keys_[key].codes.push_back(keys_[key].ranks.add(value, memory));
+    }
     std::size_t keyCount() const { return keys_.size(); }
     std::size_t rowCount() const { return keys_.front().codes.size(); }
     /// Bytes taken, about, besides the texts.

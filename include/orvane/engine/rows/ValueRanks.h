@@ -2,6 +2,7 @@
 
 #include "platform/dp/ValueOrder.h"
 #include "platform/work/Cancellation.h"
+#include <orvane/engine/Export.h>
 #include <orvane/engine/LocaleOrder.h>
 #include <orvane/engine/rows/ByteArena.h>
 
@@ -16,9 +17,9 @@ namespace orvane::engine {
 
 /// The different values of a column, and their order as SQLite has it: NULL, numbers, texts, bytes. Each
 /// value gets a code when it is added and, once all are there, a rank, which is the same for values that are
-/// equal under the collation. Values that are equal have one code, found by hashing; integers alone are
-/// sorted, which is faster.
-class ValueRanks {
+/// equal under the collation. Values that are equal have one code, found by hashing; for the order integers
+/// alone are sorted, which is faster.
+class ORVANE_ENGINE_EXPORT ValueRanks {
 public:
     using Code = std::uint32_t;
     using Rank = std::uint32_t;
@@ -34,7 +35,13 @@ public:
         : collation_(collation), locale_(std::move(locale)) {}
 
     /// The code of a value: 0 for NULL, else from 1 on.
-    Code add(const dp::Cell& value, ByteArena& texts);
+    Code add(const dp::Cell& value, ByteArena& texts) {
+        if (areIntegers_ && value.type() == dp::CellType::Integer) {
+            integers_.push_back(value.integer());
+            return static_cast<Code>(integers_.size());
+        }
+        return addHashed(value, texts);
+    }
     /// Gives the ranks, in order; no more values come. Throws work::Cancelled.
     void finishInOrder(const work::Cancellation& cancellation);
     /// The same with ranks that tell only which values are equal; costs less where these have one code.
@@ -63,9 +70,14 @@ private:
     int compareTexts(std::string_view a, std::string_view b) const {
         return dp::compareTexts(a, b, collation_, locale_.get());
     }
+    /// Any value but an integer among integers alone.
+    Code addHashed(const dp::Cell& value, ByteArena& texts);
     /// For a column with other values: hashes the integers as well.
     void hashIntegers();
     void rankIntegers(const work::Cancellation& cancellation);
+    /// Ranks that tell only which integers are equal.
+    void hashRanks(const work::Cancellation& cancellation);
+    std::size_t slotOfInteger(std::int64_t value) const;
     bool appendKey(const dp::Cell& value, std::string& key) const;
     std::vector<Code> sorted(const work::Cancellation& cancellation) const;
     std::vector<Code> sortedByComparing(std::vector<Code> texts,
@@ -77,11 +89,12 @@ private:
     dp::TextCollation collation_;
     std::shared_ptr<const LocaleOrder> locale_;
     bool hasTexts_ = false;
-    bool areIntegers_ = true;                  ///< all values; they have no slots
+    bool areIntegers_ = true;                  ///< all values; they have no slots before they have ranks
     bool hasTwins_ = false;                    ///< codes with equal values
     std::vector<std::int64_t> integers_;       ///< by code, from 1 on; once ranks are given, by rank
     std::vector<dp::Cell> values_{dp::Cell()}; ///< by code
-    std::vector<Code> slots_;  ///< a hash table of the codes by value, 0 for a free slot; a power of two
+    std::vector<Code> slots_;  ///< a hash table of the codes, of integers alone the ranks, by value; 0 for a
+                               ///< free slot; a power of two
     std::vector<Rank> ranks_;  ///< by code; empty when each code is its rank
     std::vector<Code> sorted_; ///< all codes but that of NULL, by rank; empty when each code is its rank
     Rank rankEnd_ = 1;
