@@ -225,6 +225,14 @@ SpatialIndex::SpatialIndex(dp::Table& table, std::shared_ptr<cs::CoordSystem> sy
     work::Progress progress(
         QCoreApplication::translate("orvane::adaptor", "R-дерево таблицы %0").arg(table.name()),
         table.featureCount().value_or(0));
+    // What the bytes of a geometry tell; decoding it is several times dearer.
+    const auto ofBytes = [&](const dp::Cell& cell) -> std::optional<geometry::Envelope> {
+        const auto told = isInPlace && cell.type() == dp::CellType::Wkb ? geometry::envelopeOfWkb(cell.view())
+                                                                        : std::nullopt;
+        const bool mayBulge =
+            told && mayBeDegrees && !told->isEmpty() && geometry::mayBulgeBeyond(bulge_, *told);
+        return mayBulge ? std::nullopt : told;
+    };
     std::vector<Node> nodes;
     for (unsigned row = 1; rows->next(); ++row) {
         if (row % rowsBetweenChecks == 0) {
@@ -237,6 +245,9 @@ SpatialIndex::SpatialIndex(dp::Table& table, std::shared_ptr<cs::CoordSystem> sy
         const bool position = cell.type() == dp::CellType::Wkb && readPosition(cell.view(), x, y);
         if (position && isInPlace) {
             envelope.add(x, y);
+        } else if (const auto told = ofBytes(cell)) {
+            envelope = *told;
+            arePositions_ = false;
         } else if (const GeometryPtr decoded = decode(cell, table)) {
             envelope = decoded->envelope();
             arePositions_ = arePositions_ && position;

@@ -13,6 +13,8 @@ namespace {
 
 /// Coordinate systems that a table is looked at in.
 constexpr std::size_t mostElsewhere = 4;
+/// What a tree may cost that is made at once, in nanoseconds.
+constexpr double smallTree = 2e6;
 
 double rowsOf(const dp::Table& table) {
     return static_cast<double>(table.featureCount().value_or(cost::assumedRows));
@@ -64,8 +66,16 @@ bool SpatialIndexing::looksUpInTable(const dp::Table& table) {
     return true;
 }
 
-bool SpatialIndexing::find(SpatialRelation relation, const geometry::GeometryPtr& b, dp::Table& table,
-                           dp::ScanRequest& request, const work::Cancellation& cancellation) {
+bool SpatialIndexing::scansTable(const dp::Table& table) {
+    const double making = cost::treeRow * rowsOf(table);
+    use_.isScan = !tree_ && !table.usesWindow() && spent_ < making && making > smallTree;
+    spent_ += use_.isScan ? making : 0;
+    return use_.isScan;
+}
+
+bool SpatialIndexing::find(SpatialRelation relation, const geometry::GeometryPtr& b, bool isRepeated,
+                           dp::Table& table, dp::ScanRequest& request,
+                           const work::Cancellation& cancellation) {
     const geometry::Envelope envelope = b->envelope();
     if (envelope.isEmpty()) {
         request.ids.emplace(); // stands in no relation to anything
@@ -73,6 +83,9 @@ bool SpatialIndexing::find(SpatialRelation relation, const geometry::GeometryPtr
     }
     if (looksUpInTable(table)) {
         request.window = envelope;
+        return false;
+    }
+    if (!isRepeated && scansTable(table)) {
         return false;
     }
     makeTree(table, cancellation).search(relation, b, table, request.ids.emplace());

@@ -21,13 +21,15 @@ namespace orvane::adaptor {
 /// them, or by a spatial index of the table's own, which is there already, until the look-ups in that have
 /// cost what making the tree does. So a table that is asked once gives the few rows asked for, one in the
 /// inner loop of a join gets its tree after a moment, and no run of queries costs much more than twice the
-/// better way. A relation that is decided in another coordinate system is looked up in an R-tree of the
-/// geometries as they are there. Used from the thread of the engine.
+/// better way. Where the table has no such index, the first rows asked for are found by testing all. A
+/// relation that is decided in another coordinate system is looked up in an R-tree of the geometries as they
+/// are there. Used from the thread of the engine.
 class SpatialIndexing {
 public:
     /// By what the rows were looked up.
     struct Use {
         bool isOfTable = false;         ///< by the table's own index
+        bool isScan = false;            ///< by testing the envelopes of all
         std::optional<double> makingMs; ///< of the tree, when it was made for this look-up
     };
 
@@ -37,8 +39,9 @@ public:
     SpatialIndex& tree(dp::Table& table, const work::Cancellation& cancellation);
 
     /// Narrows a request to the rows of which relation(row, b) can hold, both in one coordinate system. True
-    /// when it holds of exactly those; false when it has to be tested on each.
-    bool find(SpatialRelation relation, const geometry::GeometryPtr& b, dp::Table& table,
+    /// when it holds of exactly those; false when it has to be tested on each. `isRepeated`: more such
+    /// look-ups are to come.
+    bool find(SpatialRelation relation, const geometry::GeometryPtr& b, bool isRepeated, dp::Table& table,
               dp::ScanRequest& request, const work::Cancellation& cancellation);
     /// The same in the coordinate system of b, which is not the table's. Where it is not `isRepeated`, rows
     /// are tested until that has cost what making an R-tree does.
@@ -74,6 +77,8 @@ private:
     SpatialIndex& makeTree(dp::Table& table, const work::Cancellation& cancellation);
     /// Whether the table's own index answers the next look-up, which is counted then.
     bool looksUpInTable(const dp::Table& table);
+    /// Whether testing all rows answers the next look-up, which is counted as dear as making the tree.
+    bool scansTable(const dp::Table& table);
 
     Use use_;
     std::unique_ptr<SpatialIndex> tree_;

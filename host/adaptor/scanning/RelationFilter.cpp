@@ -2,6 +2,8 @@
 
 #include "host/adaptor/indices/SpatialIndex.h"
 
+#include "platform/geometry/forms/GeometryFactory.h"
+
 #include <algorithm>
 
 namespace orvane::adaptor {
@@ -13,6 +15,10 @@ bool RelationFilter::accepts(const dp::Cell& geometry) const {
     geometry::GeometryPtr own; // decoded once, and not at all where the bytes of a position will do
     return std::all_of(tests_.begin(), tests_.end(), [&](const Test& test) {
         if (test.isInPlace) {
+            if (const auto box = geometry::envelopeOfWkb(geometry.view());
+                box && !box->isEmpty() && !test.envelope.isEmpty() && !box->intersects(test.envelope)) {
+                return false;
+            }
             return holds(test.relation.ofColumn(), geometry.view(), coordSystem_, *test.value);
         }
         own = own ? own : decodeWkb(geometry.view(), coordSystem_);

@@ -20,7 +20,8 @@ public:
     bool isEmpty() const { return tests_.empty(); }
     /// `isInPlace`: the geometry is in the coordinate system of the table, which counts.
     void add(const ScanPlan::Relation& relation, geometry::GeometryPtr value, bool isInPlace) {
-        tests_.push_back({relation, std::move(value), isInPlace});
+        const geometry::Envelope envelope = value->envelope();
+        tests_.push_back({relation, std::move(value), isInPlace, envelope});
     }
     /// Whether a row of that geometry stands in all of them. Throws std::bad_alloc.
     bool accepts(const dp::Cell& geometry) const;
@@ -30,6 +31,7 @@ private:
         ScanPlan::Relation relation;
         geometry::GeometryPtr value;
         bool isInPlace;
+        geometry::Envelope envelope; ///< of the value
     };
 
     std::shared_ptr<cs::CoordSystem> coordSystem_; ///< of the table

@@ -175,8 +175,8 @@ bool VirtualCursor::readRelation(const ScanPlan::Relation& relation, sqlite3_val
             return false; // no relation to anything here
         }
     }
-    if (isLookedUp && table_.spatialIndexing().find(relation.ofColumn(), related, table_.table(), request_,
-                                                    cancellation_)) {
+    if (isLookedUp && table_.spatialIndexing().find(relation.ofColumn(), related, relation.isRepeated,
+                                                    table_.table(), request_, cancellation_)) {
         return !request_.ids->empty();
     }
     relations_.add(relation, related, true);
@@ -427,7 +427,7 @@ void VirtualCursor::report() {
     ScanReport& report = *report_;
     const auto note = [&report](Access access) { ++report.scansBy(access); };
     if (!relations_.isEmpty() && !request_.ids && !request_.window) {
-        note(Access::Relation);
+        note(table_.spatialIndexing().lastUse().isScan ? Access::SourceBoxes : Access::Relation);
     } else if (!rows_ && !request_.ids) {
         ++report.emptyScans;
     } else if (plan_.looksUpRowNumbers()) {

@@ -149,11 +149,29 @@ GeometryFactory::fromSpatialite(std::uint32_t kind, std::string_view content, bo
 std::optional<Envelope> envelopeOfWkb(std::string_view bytes) {
     struct Visitor : GeometryVisitor {
         Envelope envelope;
-        static bool begin(GeometryType type, Dimensions, std::size_t) {
-            return type <= GeometryType::GeometryCollection; // the positions of an arc do not bound it
+        std::optional<GeometryType> part; ///< what alone may stand here
+
+        bool begin(GeometryType type, Dimensions, std::size_t) {
+            // The positions of an arc do not bound it.
+            if (type > GeometryType::GeometryCollection || (part && type != *part)) {
+                return false;
+            }
+            switch (type) {
+            case GeometryType::MultiPoint: part = GeometryType::Point; break;
+            case GeometryType::MultiLineString: part = GeometryType::LineString; break;
+            case GeometryType::MultiPolygon: part = GeometryType::Polygon; break;
+            default: break;
+            }
+            return true;
         }
         bool positions(const PositionRun& run) {
             run.addTo(envelope);
+            return run.count == 1 || run.areNumbers(); // a point without a place is empty
+        }
+        bool end(GeometryType type, Dimensions) {
+            if (type > GeometryType::Polygon) {
+                part.reset();
+            }
             return true;
         }
     } visitor;

@@ -4,6 +4,7 @@
 
 #include <QtEndian>
 
+#include <cmath>
 #include <string_view>
 
 namespace orvane::geometry {
@@ -32,6 +33,15 @@ struct PositionRun {
         const auto size = static_cast<qsizetype>(doubles());
         littleEndian ? qFromLittleEndian<double>(data, size, target)
                      : qFromBigEndian<double>(data, size, target);
+    }
+    /// Whether x and y are numbers in every position.
+    bool areNumbers() const {
+        const std::size_t stride = strideOf(dimensions);
+        bool areNumbers = true;
+        for (std::size_t i = 0; i < count * stride; i += stride) {
+            areNumbers &= !std::isnan(value(i)) & !std::isnan(value(i + 1));
+        }
+        return areNumbers;
     }
     void addTo(Envelope& envelope) const {
         const std::size_t stride = strideOf(dimensions);

@@ -178,6 +178,26 @@ double geodesicBulge(const Geometry& geometry) {
     return bulge;
 }
 
+bool mayBulgeBeyond(double bulge, const Envelope& envelope) {
+    const double turn = envelope.maxX - envelope.minX;
+    if (!(turn <= 180.0)) {
+        return true;
+    }
+    const double half = turn / 2.0 / degreesPerRadian;
+    constexpr double mostOfShort = 1.02 * 1.02; // of the ellipsoid, and of what the square leaves out
+    if (turn <= 20.0 && half * half / 4.0 * mostOfShort * degreesPerRadian <= bulge) {
+        return false; // wherever it lies
+    }
+    const double high = std::max(std::abs(envelope.minY), std::abs(envelope.maxY));
+    const bool isAcross = envelope.minY <= 0.0 && envelope.maxY >= 0.0;
+    const double low = isAcross ? 0.0 : std::min(std::abs(envelope.minY), std::abs(envelope.maxY));
+    // Where the bulges over one turn are the largest.
+    const double worst = std::atan(std::sqrt(std::max(0.0, std::cos(half)))) * degreesPerRadian;
+    const double latitude = std::max(low, std::min(high, worst));
+    constexpr double ofRounding = 1.0 + 1e-6;
+    return bulgeBetween(0.0, latitude, turn, latitude) * ofRounding > bulge;
+}
+
 std::optional<std::vector<Envelope>> neighbourhood(const Geometry& centre, const Nearness& nearness,
                                                    const OthersInPlace& others) try {
     const SystemPtr own = centre.coordSystem() ? centre.coordSystem() : others.coordSystem;

@@ -42,5 +42,7 @@ envelopeIn(const cs::CoordSystem& target, const Envelope& envelope, const cs::Co
 /// By how many degrees the geodesics between the positions of a geometry in degrees can leave its envelope
 /// towards a pole. Infinite where they go round the other side of the Earth.
 ORVANE_PLATFORM_EXPORT double geodesicBulge(const Geometry& geometry);
+/// Whether geodesicBulge of a geometry with that envelope may be more; costs less than to know it.
+ORVANE_PLATFORM_EXPORT bool mayBulgeBeyond(double bulge, const Envelope& envelope);
 
 } // namespace orvane::geometry

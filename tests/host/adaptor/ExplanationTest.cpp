@@ -114,6 +114,22 @@ TEST_F(ExplanationTest, TellsAnIndexThatWasMadeFromOneThatWasThere) {
             .contains(QStringLiteral("индекс по number не годится: он нашёл бы слишком много строк")));
 }
 
+TEST_F(ExplanationTest, TestsTheFirstRowsAskedForByPlaceBeforeItMakesATree) {
+    std::vector<MemoryTable::Row> rows;
+    for (qlonglong i = 0; i < 6000; ++i) {
+        rows.push_back(
+            {i, testing::wkb(geometry::Point(static_cast<double>(i % 100), static_cast<double>(i / 100)))});
+    }
+    open("places", {attribute("id", QMetaType::LongLong), testing::geometryAttribute(4326)}, rows);
+    const char* const sql =
+        "Select Count(*) From places Where Intersects(obj, BuildMbr(9.5, 9.5, 12.5, 11.5, 4326))";
+    const std::string first = explain(sql).toStdString();
+    EXPECT_THAT(first, ::testing::HasSubstr("places: просмотр рамок геометрии\n  строк 6, "));
+    EXPECT_THAT(first, ::testing::HasSubstr("прочитано 6000"));
+    EXPECT_THAT(explain(sql).toStdString(),
+                ::testing::ContainsRegex("R-дерево по геометрии .сделан.*\n  строк 6, "));
+}
+
 TEST_F(ExplanationTest, TellsPatternsThatAnIndexAnswers) {
     const char* sql = "Select Count(*) From items Where word Like 'ИМЯ39%'";
     QString text;

@@ -5,6 +5,7 @@
 
 #include "platform/geometry/measures/Extremes.h"
 #include "platform/geometry/measures/Measures.h"
+#include "platform/geometry/measures/Neighbourhood.h"
 #include "platform/geometry/measures/Units.h"
 
 #include <geodesic.h>
@@ -346,6 +347,28 @@ TEST(Distances, OfLongLines) {
     const LineString a = wander(20, 50), b = wander(60, 20), c = wander(20.5, 50.5);
     EXPECT_NEAR(sphericalObjectDistance(a, b, QString()), sphericalObjectDistance(b, a, QString()), 1e-6);
     EXPECT_EQ(sphericalObjectDistance(a, c, QString()), sphericalObjectDistance(c, a, QString()));
+}
+
+TEST(Measures, EnvelopesBoundTheBulgeOfGeodesics) {
+    std::mt19937 random(static_cast<unsigned>(::testing::UnitTest::GetInstance()->random_seed()));
+    for (int i = 0; i < 3000; ++i) {
+        const double size = std::pow(10.0, std::uniform_real_distribution(-4.0, 2.2)(random));
+        std::uniform_real_distribution aside(-size, size);
+        const double latitude = std::uniform_real_distribution(-90.0, 90.0)(random);
+        const LineString line(CoordinateSequence(Dimensions::XY, 4, [&](double* target) {
+            for (int j = 0; j < 4; ++j) {
+                target[2 * j] = aside(random);
+                target[2 * j + 1] = std::clamp(latitude + aside(random), -90.0, 90.0);
+            }
+        }));
+        const double bulge = geodesicBulge(line);
+        if (bulge > 0.0) {
+            EXPECT_TRUE(mayBulgeBeyond(bulge * (1.0 - 1e-9), line.envelope())) << toWkt(line);
+        }
+        EXPECT_TRUE(size > 80.0 || !mayBulgeBeyond(46.0, line.envelope()));
+    }
+    EXPECT_FALSE(mayBulgeBeyond(1e-9, Envelope{37.0, 55.0, 37.0008, 55.0008}));
+    EXPECT_TRUE(mayBulgeBeyond(1e300, Envelope{-170.0, 0.0, 170.0, 1.0}));
 }
 
 } // namespace

@@ -48,6 +48,25 @@ TEST(Wkb, EnvelopeWithoutObjects) {
     }
 }
 
+TEST(Wkb, EnvelopeOnlyOfWhatCanBeRead) {
+    const char* const point = "01 01000000 000000000000f03f 0000000000000040";
+    const char* const line = "01 02000000 02000000 000000000000f03f 0000000000000040 0000000000000040 %0";
+    const auto told = [](const QString& digits) {
+        const QByteArray wkb = QByteArray::fromHex(digits.toLatin1());
+        return envelopeOfWkb({wkb.constData(), static_cast<std::size_t>(wkb.size())}).has_value();
+    };
+    const QString whole = QString::fromLatin1(line).arg(QStringLiteral("0000000000000840"));
+    const QString gone = QString::fromLatin1(line).arg(QStringLiteral("000000000000f87f")); // not a number
+    const QString ofPoints = QStringLiteral("01 04000000 01000000 ");
+    const QString collection = QStringLiteral("01 07000000 02000000 ");
+    EXPECT_TRUE(told(whole));
+    EXPECT_FALSE(told(gone));
+    EXPECT_TRUE(told(ofPoints + point));
+    EXPECT_FALSE(told(ofPoints + whole)) << "a line among points";
+    EXPECT_TRUE(told(collection + ofPoints + point + whole));
+    EXPECT_FALSE(told(collection + whole + ofPoints + whole));
+}
+
 TEST(Wkb, GoldenBytes) {
     EXPECT_EQ(GeometryFactory::toWkb(std::make_shared<Point>(1, 2), QSysInfo::BigEndian),
               hex("00 00000001 3ff0000000000000 4000000000000000"));
