@@ -49,7 +49,7 @@ TEST(Wkb, EnvelopeWithoutObjects) {
 }
 
 TEST(Wkb, EnvelopeOnlyOfWhatCanBeRead) {
-    const char* const point = "01 01000000 000000000000f03f 0000000000000040";
+    const QString point = QStringLiteral("01 01000000 000000000000f03f 0000000000000040");
     const char* const line = "01 02000000 02000000 000000000000f03f 0000000000000040 0000000000000040 %0";
     const auto told = [](const QString& digits) {
         const QByteArray wkb = QByteArray::fromHex(digits.toLatin1());
