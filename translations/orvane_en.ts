@@ -1218,6 +1218,14 @@ Exit status: 0 done, 1 a statement failed (the rest are not run), 2 wrong usage 
         <translation>division by zero</translation>
     </message>
     <message>
+        <source>именованный запрос «%1» не таблица: строки меняются в таблицах</source>
+        <translation>the view &quot;%1&quot; is no table: rows are changed in tables</translation>
+    </message>
+    <message>
+        <source>нет таблицы «%0», которую читает именованный запрос</source>
+        <translation>there is no table &quot;%0&quot;, which a view reads</translation>
+    </message>
+    <message>
         <source>именованный запрос</source>
         <translation>named query</translation>
     </message>

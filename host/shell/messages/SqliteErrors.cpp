@@ -152,6 +152,9 @@ constexpr PlainMessage plainMessages[] = {
                        "доля для Percentile лежит между 0 и 1: девяносто процентов пишутся 0.9")},
     {"^Percentile: the share differs",
      QT_TRANSLATE_NOOP("orvane::shell::Shell", "доля для Percentile должна быть одной на всю группу")},
+    {"^cannot modify (.*) because it is a view$",
+     QT_TRANSLATE_NOOP("orvane::shell::Shell",
+                       "именованный запрос «%1» не таблица: строки меняются в таблицах")},
     {"^no such view: (.*)$", QT_TRANSLATE_NOOP("orvane::shell::Shell", "нет именованного запроса «%1»")},
     {"^no such savepoint: (.*)$", QT_TRANSLATE_NOOP("orvane::shell::Shell", "нет точки возврата «%1»")},
     {"^cannot start a transaction within a transaction$",
@@ -344,9 +347,12 @@ Problem SqliteErrors::missingTable(const QString& name) const {
     if (tables.isEmpty()) {
         return {Shell::tr("нет таблицы «%0»: ни один файл не открыт").arg(name), placeOf(name, Role::Table)};
     }
-    const auto place = placeOf(name, Role::Table);
-    return {withSuggestion(Shell::tr("нет таблицы «%0»").arg(name), nearestName(name, tables)),
-            place ? place : placeOfQualifier(name)};
+    const auto written = placeOf(name, Role::Table);
+    const auto place = written ? written : placeOfQualifier(name);
+    if (!place && !names_.views().isEmpty()) {
+        return {Shell::tr("нет таблицы «%0», которую читает именованный запрос").arg(name), std::nullopt};
+    }
+    return {withSuggestion(Shell::tr("нет таблицы «%0»").arg(name), nearestName(name, tables)), place};
 }
 
 Problem SqliteErrors::missingColumn(const QString& name) const {
