@@ -107,6 +107,34 @@ TEST_F(ServerConditionTest, ConditionsFindTheRowsThatAPlainTableFinds) {
     }
 }
 
+/// Every comparison that the server takes over, at and beside the values that it compares otherwise.
+TEST_F(ServerConditionTest, ComparisonsFindTheRowsThatAPlainTableFinds) {
+    struct Column {
+        const char* name;
+        std::vector<const char*> operands;
+    };
+    const Column columns[] = {
+        {"i", {"0", "2.5", "12", "-1e300"}},
+        {"big", {"9007199254740992", "9007199254740992.0", "900719925474099", "9223372036854775807"}},
+        {"r", {"0.1", "0", "1e300", "-1e-9", "9e999"}},
+        {"d",
+         {"'2021-03-04'", "'2021-03-04 05:06:07'", "'2021-03-04 05:06:07.000'", "'1999-12-31'", "'2021'"}},
+        {"f", {"0", "1"}},
+        {"s Collate Binary", {"'Ёлка'", "''"}},
+    };
+    for (const Column& column : columns) {
+        for (const char* operation : {" < ", " <= ", " > ", " >= ", " = ", " <> ", " Is ", " Is Not "}) {
+            for (const char* operand : column.operands) {
+                for (const QString& table : names_) {
+                    expectSame("Select a.id From %0" + table.toStdString() + " a Where a." + column.name +
+                                   operation + operand,
+                               0);
+                }
+            }
+        }
+    }
+}
+
 TEST_F(ServerConditionTest, JoinsFindTheRowsThatPlainTablesFind) {
     for (unsigned seed = 0; seed < 90 && !HasFailure(); ++seed) {
         ConditionGenerator generator(seed);
