@@ -156,8 +156,7 @@ std::optional<std::string> ScanQuery::termText(const dp::ScanTerm& term,
     if (!isNullTest && !usesTerm(term.attribute, term.comparison, term.collation)) {
         return std::nullopt;
     }
-    return serverCondition(nameOf(term.attribute), column(term.attribute).kind, dp::Condition(term),
-                           arguments);
+    return serverCondition(nameOf(term.attribute), column(term.attribute).kind, term, arguments);
 }
 
 std::string ScanQuery::windowText(const geometry::Envelope& window) const {

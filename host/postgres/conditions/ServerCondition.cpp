@@ -270,13 +270,16 @@ bool isTestable(ValueKind kind, Comparison comparison, dp::TextCollation collati
     }
     const bool isEquality =
         comparison == Comparison::Equal || comparison == Comparison::Is || comparison == Comparison::In;
-    return isInteger(kind) || isReal(kind) ||
-           (collation == dp::TextCollation::Binary &&
-            (isTemporal(kind) || (kind == ValueKind::Text && isEquality)));
+    return isInteger(kind) || isReal(kind) || isTemporal(kind) ||
+           (collation == dp::TextCollation::Binary && kind == ValueKind::Text && isEquality);
 }
 
-std::optional<std::string> serverCondition(const std::string& name, ValueKind kind,
-                                           const dp::Condition& condition, std::vector<Argument>& arguments) {
+std::optional<std::string> serverCondition(const std::string& name, ValueKind kind, dp::ScanTerm term,
+                                           std::vector<Argument>& arguments) {
+    if (isTemporal(kind)) {
+        term.collation = dp::TextCollation::Binary; // digits in the same places have one order everywhere
+    }
+    const dp::Condition condition(term);
     const std::string null =
         hasNotANumber(kind) ? "(" + name + " Is Null Or " + name + " = 'NaN')" : name + " Is Null";
     if (condition.isNullTest()) {

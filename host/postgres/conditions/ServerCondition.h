@@ -13,11 +13,11 @@ namespace orvane::postgres {
 /// Whether the server can test a condition on such a column so that it leaves out no row that we would take.
 bool isTestable(ValueKind kind, dp::Comparison comparison, dp::TextCollation collation);
 
-/// The condition as SQL, true for every row whose value passes it, perhaps for others; nothing where it would
+/// The term as SQL, true for every row whose value passes it, perhaps for others; nothing where it would
 /// be true for all. `name` is the column as SQL has it; what it is compared with is appended to the
 /// arguments.
-std::optional<std::string> serverCondition(const std::string& name, ValueKind kind,
-                                           const dp::Condition& condition, std::vector<Argument>& arguments);
+std::optional<std::string> serverCondition(const std::string& name, ValueKind kind, dp::ScanTerm term,
+                                           std::vector<Argument>& arguments);
 
 /// Appends an argument and answers how the statement names it.
 std::string placeArgument(std::string value, const char* type, std::vector<Argument>& arguments);
