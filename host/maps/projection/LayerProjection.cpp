@@ -143,6 +143,7 @@ LayerProjection::LayerProjection(std::shared_ptr<const cs::CoordSystem> layer,
         return;
     }
     findVisible();
+    grid_ = ProjectionGrid(window_);
     if (projection_.isLayerGeographic() && window_.maxX - window_.minX < 180 && window_.minX >= -180 &&
         window_.maxX <= 180) {
         visible_ = window_;
@@ -401,16 +402,14 @@ void LayerProjection::addDense(const FlatShape& from, double step, FlatShape& to
 }
 
 /// Degrees to pixels; what has no place is left out.
-void LayerProjection::project(FlatShape& shape) const {
-    projection_.fromDegrees(shape.ordinates.data(), shape.size());
-    const double scale = 1 / view_.unitsPerPixel();
-    const QPointF origin = view_.toPlane({0, 0});
+void LayerProjection::project(FlatShape& shape) {
+    grid_.toPixels(projection_, view_, shape.ordinates.data(), shape.size());
     std::uint32_t kept = 0;
     for (FlatShape::Part& part : shape.parts) {
         const std::uint32_t begin = kept;
         for (std::uint32_t i = part.begin; i < part.begin + part.count; ++i) {
-            const double x = (shape.position(i)[0] - origin.x()) * scale;
-            const double y = (origin.y() - shape.position(i)[1]) * scale;
+            const double x = shape.position(i)[0];
+            const double y = shape.position(i)[1];
             constexpr double farthest = 1e7; // beyond which painters count wrongly
             if (std::abs(x) < farthest && std::abs(y) < farthest) {
                 double* target = shape.position(kept++);

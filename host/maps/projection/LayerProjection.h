@@ -3,6 +3,7 @@
 #include "host/maps/Export.h"
 #include "host/maps/projection/Clipping.h"
 #include "host/maps/projection/MapPlane.h"
+#include "host/maps/projection/ProjectionGrid.h"
 #include "host/maps/projection/View.h"
 #include "platform/cs/Transformer.h"
 
@@ -72,7 +73,7 @@ private:
     void addPoint(const double* position, PartKind kind);
     void addShifted(PartKind kind);
     void addDense(const FlatShape& from, double step, FlatShape& to) const;
-    void project(FlatShape& shape) const;
+    void project(FlatShape& shape);
 
     PlaneProjection projection_;
     View view_;
@@ -83,6 +84,7 @@ private:
     double tolerance_ = 0;
     std::vector<double> unrolled_;
     Clipping clipping_;
+    ProjectionGrid grid_;
     FlatShape cut_, dense_;
 };
 

@@ -7,6 +7,7 @@
 
 #include <cmath>
 #include <numbers>
+#include <random>
 
 namespace orvane::maps {
 namespace {
@@ -157,6 +158,52 @@ TEST(Projection, goesThereAndBack) {
     }
     const LayerProjection world(systemOf("epsg:4326"), systemOf("proj:+proj=eqearth"), worldView());
     EXPECT_FALSE(world.toLayer({2, 2})) << "beyond the globe";
+}
+
+TEST(Projection, isOffByLessThanATenthOfAPixelWhereManyPositionsCome) {
+    struct Case {
+        const char* map;
+        geometry::Envelope extent; ///< in units of the map
+        const char* layer = "epsg:4326";
+    };
+    const geometry::Envelope world{-earth, -earth / 2, earth, earth / 2};
+    std::mt19937 random(20);
+    std::uniform_real_distribution<double> any(0, 1);
+    double largest = 0;
+    for (const Case& each : {Case{"proj:+proj=tmerc +lat_0=55.5 +lon_0=37.5", {-3e4, -6e4, 3e4, 6e4}},
+                             {"proj:+proj=tmerc +lon_0=180", {-1e6, -2e6, 1e6, 2e6}}, // the antimeridian
+                             {"proj:+proj=laea +lat_0=90", {-3e6, -3e6, 3e6, 3e6}},   // a pole
+                             {"proj:+proj=laea +lat_0=90", {-1e3, -1e3, 1e3, 1e3}},
+                             {"proj:+proj=eqearth +lon_0=11", world},
+                             {"proj:+proj=igh", world}, // cut in places
+                             {"proj:+proj=ortho +lat_0=50", {-7e6, -7e6, 7e6, 7e6}},
+                             {"epsg:3857", {-2e7, -2e7, 2e7, 2e7}},
+                             {"epsg:32637", {2e5, 6e6, 8e5, 7e6}, "epsg:3857"}}) {
+        LayerProjection projection(systemOf(each.layer), systemOf(each.map),
+                                   View::fitting(each.extent, {1600, 1200}));
+        FlatShape shape;
+        for (int spot = 0; spot < 6; ++spot) { // an eighth of the view, so that its cells are made
+            const QPointF corner(1400 * any(random), 1050 * any(random));
+            for (int i = 0; i < 4000; ++i) {
+                const auto position =
+                    projection.toLayer(corner + QPointF(200 * any(random), 150 * any(random)));
+                const auto exact = position ? projection.toPixel(*position) : std::nullopt;
+                if (!exact) {
+                    continue; // beyond the globe
+                }
+                shape.clear();
+                shape.add(position->x(), position->y());
+                shape.endPart(PartKind::Point, 0);
+                projection.toPixels(shape);
+                ASSERT_EQ(shape.size(), 1U) << each.map << ' ' << position->x() << ' ' << position->y();
+                const double error =
+                    std::hypot(shape.ordinates[0] - exact->x(), shape.ordinates[1] - exact->y());
+                ASSERT_LT(error, 0.1) << each.map << ' ' << position->x() << ' ' << position->y();
+                largest = std::max(largest, error);
+            }
+        }
+    }
+    EXPECT_GT(largest, 1e-3) << "nothing was interpolated";
 }
 
 TEST(Projection, suitsTheExtent) {
