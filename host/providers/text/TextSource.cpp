@@ -59,9 +59,12 @@ void appendGeometry(const std::string& text, ColumnBuilder& builder) {
 
 class TextReader final : public BatchReader {
 public:
-    /// All rows, or those with these numbers, or some from each of these places on.
+    using Places = std::vector<TextPlace>;
+
+    /// All rows, or those with these numbers, ascending, with some places on the way to them; or some rows
+    /// from each of these places on.
     TextReader(std::shared_ptr<const TextTable> table, std::vector<int> attributes, std::int64_t batchRows,
-               std::optional<std::vector<std::int64_t>> ids, std::vector<TextPlace> places = {})
+               std::optional<std::vector<std::int64_t>> ids, std::shared_ptr<const Places> places = nullptr)
         : table_(std::move(table)), attributes_(std::move(attributes)), batchRows_(batchRows),
           ids_(std::move(ids)), places_(std::move(places)),
           records_(table_->currentPath(), table_->form().encoding, table_->form().separator) {
@@ -94,11 +97,10 @@ private:
     /// Of a sample.
     bool nextOfPlace() {
         while (row_ == endOfPlace_ || !records_.next()) {
-            if (nextPlace_ == places_.size()) {
+            if (nextPlace_ == places_->size()) {
                 return false;
             }
-            records_.jumpTo(places_[nextPlace_].offset);
-            row_ = places_[nextPlace_++].row - 1;
+            jumpTo((*places_)[nextPlace_++]);
             endOfPlace_ = row_ + TextTable::rowsBetweenPlaces;
         }
         ++row_;
@@ -106,26 +108,48 @@ private:
     }
 
     bool nextRecord() {
-        if (!places_.empty()) {
+        if (ids_) {
+            return nextOfIds();
+        }
+        if (places_) {
             return nextOfPlace();
         }
-        if (ids_ && nextId_ == ids_->size()) {
-            return false;
-        }
-        while (records_.next()) {
-            ++row_;
-            if (!ids_) {
-                return true;
+        ++row_;
+        return records_.next();
+    }
+
+    bool nextOfIds() {
+        while (nextId_ < ids_->size()) {
+            const auto wanted = (*ids_)[nextId_];
+            if (wanted <= row_) {
+                ++nextId_; // there is no such row, or it came already
+                continue;
             }
-            while (nextId_ < ids_->size() && (*ids_)[nextId_] < row_) {
-                ++nextId_;
-            }
-            if (nextId_ < ids_->size() && (*ids_)[nextId_] == row_) {
-                ++nextId_;
-                return true;
-            }
+            jumpTowards(wanted);
+            do {
+                if (!records_.next()) {
+                    return false;
+                }
+            } while (++row_ < wanted);
+            ++nextId_;
+            return true;
         }
         return false;
+    }
+
+    /// To the last place before a row, unless that lies behind.
+    void jumpTowards(std::int64_t row) {
+        const auto behind =
+            std::upper_bound(places_->begin(), places_->end(), row,
+                             [](std::int64_t wanted, const TextPlace& place) { return wanted < place.row; });
+        if (behind != places_->begin() && (behind - 1)->row > row_ + 1) {
+            jumpTo(*(behind - 1));
+        }
+    }
+
+    void jumpTo(const TextPlace& place) {
+        records_.jumpTo(place.offset);
+        row_ = place.row - 1;
     }
 
     void append(int attribute, ColumnBuilder& builder) {
@@ -157,7 +181,7 @@ private:
     const std::vector<int> attributes_;
     const std::int64_t batchRows_;
     const std::optional<std::vector<std::int64_t>> ids_;
-    const std::vector<TextPlace> places_;
+    const std::shared_ptr<const Places> places_;
     RecordReader records_;
     std::int64_t row_ = 0;
     std::size_t nextId_ = 0;
@@ -188,26 +212,27 @@ std::unique_ptr<BatchReader> TextSource::scan(const std::vector<int>& attributes
 std::unique_ptr<BatchReader> TextSource::lookUp(const std::vector<int>& attributes,
                                                 std::vector<std::int64_t> ids) {
     table_->rowCount();
-    return std::make_unique<TextReader>(table_, attributes, rowsPerBatch, std::move(ids));
+    return std::make_unique<TextReader>(table_, attributes, rowsPerBatch, std::move(ids), table_->places());
 }
 
 std::unique_ptr<BatchReader> TextSource::sample(const std::vector<int>& attributes, std::int64_t rows) {
     table_->rowCount();
-    auto places = table_->places();
-    if (places.empty()) {
+    const auto places = table_->places();
+    if (places->empty()) {
         return RowSource::sample(attributes, rows);
     }
     const auto wanted = static_cast<double>(rows / TextTable::rowsBetweenPlaces);
-    const double step = std::max(1.0, static_cast<double>(places.size()) / wanted);
+    const double step = std::max(1.0, static_cast<double>(places->size()) / wanted);
     std::vector<TextPlace> chosen;
     std::vector<IdRange> runs;
-    for (double at = 0; at < static_cast<double>(places.size()); at += step) {
-        const auto& place = places[static_cast<std::size_t>(at)];
+    for (double at = 0; at < static_cast<double>(places->size()); at += step) {
+        const auto& place = (*places)[static_cast<std::size_t>(at)];
         chosen.push_back(place);
         runs.push_back({place.row, place.row + TextTable::rowsBetweenPlaces - 1});
     }
     return std::make_unique<RunReader>(
-        std::make_unique<TextReader>(table_, attributes, rowsPerBatch, std::nullopt, std::move(chosen)),
+        std::make_unique<TextReader>(table_, attributes, rowsPerBatch, std::nullopt,
+                                     std::make_shared<const std::vector<TextPlace>>(std::move(chosen))),
         std::move(runs));
 }
 

@@ -16,7 +16,7 @@ public:
 
     std::optional<std::int64_t> rowCount() override { return table_->rowCount(); }
     bool countsExactly() override { return true; }
-    bool findsRows() override { return false; }
+    bool findsRows() override { return !table_->places()->empty(); }
     bool isEdited() const override { return table_->currentPath() != table_->path(); }
     std::unique_ptr<BatchReader> scan(const std::vector<int>& attributes, std::int64_t batchRows,
                                       const std::string& filter) override;

@@ -94,7 +94,7 @@ public:
         if (row % distance_ != 0) {
             return;
         }
-        constexpr std::size_t most = 1024;
+        constexpr std::size_t most = 16'384;
         if (places_.size() == most) {
             for (std::size_t i = 0; i < most / 2; ++i) {
                 places_[i] = places_[2 * i + 1]; // those that the doubled distance would have picked
@@ -136,7 +136,7 @@ TextTable::TextTable(QByteArray path, const QByteArray& encoding)
     Content content = look();
     names_ = content.names;
     rows_ = content.rows;
-    places_ = std::move(content.places);
+    places_ = std::make_shared<const std::vector<TextPlace>>(std::move(content.places));
     declared_.resize(names_.size());
     readTypesBeside();
     for (std::size_t i = 0; i < names_.size(); ++i) {
@@ -227,7 +227,7 @@ TextTable::Content TextTable::look() {
     return content;
 }
 
-std::vector<TextPlace> TextTable::places() {
+std::shared_ptr<const std::vector<TextPlace>> TextTable::places() {
     const std::lock_guard lock(mutex_);
     return places_;
 }
@@ -314,7 +314,7 @@ std::int64_t TextTable::rowCount() {
     stamp_ = now;
     ++revision_;
     rows_ = content.rows;
-    places_ = std::move(content.places);
+    places_ = std::make_shared<const std::vector<TextPlace>>(std::move(content.places));
     return rows_;
 }
 

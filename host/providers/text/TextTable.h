@@ -63,8 +63,8 @@ public:
     /// now, or cannot be read.
     std::int64_t rowCount();
     /// Places all over the file as rowCount() has seen it last, each so many rows behind the one before; none
-    /// where reading from the middle is not possible, or slow.
-    std::vector<TextPlace> places();
+    /// where reading from the middle is not possible, or slow. Never null.
+    std::shared_ptr<const std::vector<TextPlace>> places();
     static constexpr std::int64_t rowsBetweenPlaces = 8; ///< or twice, four times, ... as many
     /// Changes when rowCount() has found another file.
     std::uint64_t revision() const { return revision_; }
@@ -103,7 +103,7 @@ private:
     std::mutex mutex_;
     Stamp stamp_;
     std::int64_t rows_ = 0;
-    std::vector<TextPlace> places_;
+    std::shared_ptr<const std::vector<TextPlace>> places_;
     std::atomic<std::uint64_t> revision_{0};
 };
 

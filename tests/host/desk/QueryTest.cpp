@@ -3,6 +3,7 @@
 #include "host/desk/query/SqlHighlighter.h"
 #include "host/desk/session/QueryFault.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTextBlock>

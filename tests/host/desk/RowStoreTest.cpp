@@ -1,6 +1,7 @@
 #include "host/desk/rows/RowStore.h"
 #include "host/desk/query/ResultModel.h"
 
+#include <QCoreApplication>
 #include <QTableView>
 
 #include <gmock/gmock.h>

@@ -11,7 +11,9 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <algorithm>
 #include <random>
+#include <set>
 
 namespace orvane::files {
 namespace {
@@ -251,6 +253,55 @@ TEST(TextTables, KeepTheirValuesTypesAndBytesWhenEdited) {
                 EXPECT_EQ(raw[row][column], rows[row].raw[column].value_or(raw[row][column])) << row;
             }
         }
+    }
+}
+
+TEST(TextTables, FindRowsByTheirNumbersAsAScanDoes) {
+    QTemporaryDir directory;
+    const QString path = directory.filePath(QStringLiteral("rows.csv"));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    constexpr int count = 40'000;
+    QByteArray text = "n,word\n";
+    for (int n = 1; n <= count; ++n) {
+        text += QByteArray::number(n) + (n % 7 == 0    ? ",\"two\nlines, \"\"Ё\"\"\"\n"
+                                         : n % 11 == 0 ? ",\n\n"
+                                                       : ",а\r\n");
+    }
+    file.write(text);
+    file.close();
+    const auto table = openFile(path).front();
+    std::mt19937 random(11); // NOLINT: the same rows in every run
+    for (int round = 0; round < 60; ++round) {
+        std::set<std::int64_t> wanted;
+        const auto number = [&](int low, int high) {
+            return std::uniform_int_distribution(low, high)(random);
+        };
+        const int start = number(-3, count + 3);
+        for (int i = number(0, 30); i > 0; --i) {
+            wanted.insert(number(0, 1) == 0 ? start + number(0, 40) : number(-2, count + 2));
+        }
+        dp::ScanRequest request;
+        request.attributes = {0, 1};
+        auto& ids = request.ids.emplace();
+        for (const auto id : wanted) {
+            ids.emplace_back(QVariant(qlonglong{id}));
+        }
+        std::shuffle(ids.begin(), ids.end(), random);
+        const auto cursor = table->openCursor(request);
+        std::vector<std::int64_t> found;
+        while (cursor->next()) {
+            const auto n = cursor->cell(0).integer();
+            EXPECT_EQ(cursor->featureId().value().toLongLong(), n);
+            EXPECT_EQ(cursor->cell(1).type() == dp::CellType::Text ? cursor->cell(1).view() : "",
+                      n % 7 == 0    ? "two\nlines, \"Ё\""
+                      : n % 11 == 0 ? ""
+                                    : "а")
+                << n;
+            found.push_back(n);
+        }
+        std::erase_if(wanted, [](std::int64_t id) { return id < 1 || id > count; });
+        EXPECT_EQ(found, std::vector(wanted.begin(), wanted.end()));
     }
 }
 
