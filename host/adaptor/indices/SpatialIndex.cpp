@@ -122,7 +122,8 @@ SpatialIndex::Candidate candidateOf(const Node& node) {
 
 struct SpatialIndex::Tree {
     bg::index::rtree<Node, bg::index::rstar<16>> nodes;
-    std::vector<Node> found; ///< reused from search to search
+    std::vector<Node> found; ///< these two are reused from search to search
+    std::vector<Candidate> candidates;
 };
 
 std::optional<SpatialRelation> spatialRelationOf(const char* functionName) {
@@ -282,20 +283,59 @@ GeometryPtr SpatialIndex::geometryOf(const Candidate& candidate, dp::Table& tabl
     if (geometries_[entry]) {
         return geometries_[entry];
     }
+    if (const auto fetched = fetched_.find(entry); fetched != fetched_.end()) {
+        return fetched->second;
+    }
     const int attribute = table.schema()->geometryIndex();
     dp::ScanRequest request;
     request.attributes = {attribute};
     request.ids.emplace({ids_[entry]});
     const auto rows = table.openCursor(request);
-    if (!rows->next()) {
-        return nullptr;
-    }
-    const GeometryPtr decoded = decode(rows->cell(attribute), table);
+    return rows->next() ? keep(entry, decode(rows->cell(attribute), table)) : nullptr;
+}
+
+/// Keeps a geometry for later searches, up to a bound.
+GeometryPtr SpatialIndex::keep(std::uint32_t entry, GeometryPtr decoded) {
     if (decoded && keptWeight_ + decoded->weight() <= mostWeight) {
         keptWeight_ += decoded->weight();
         geometries_[entry] = decoded;
     }
     return decoded;
+}
+
+/// Reads the geometries of several features at once: there are tables that are read to their end for each
+/// request. One without numbers for identifiers is asked for them one by one, later.
+void SpatialIndex::fetch(std::span<const Candidate> candidates, dp::Table& table) {
+    fetched_.clear();
+    if (geometries_.empty()) {
+        geometries_.resize(ids_.size());
+    }
+    std::unordered_map<std::int64_t, std::uint32_t> wanted;
+    dp::ScanRequest request;
+    auto& ids = request.ids.emplace();
+    for (const Candidate& candidate : candidates) {
+        const std::uint32_t entry = candidate.position;
+        if (isPosition_[entry] || geometries_[entry]) {
+            continue;
+        }
+        if (ids_[entry].value().userType() != QMetaType::LongLong) {
+            return;
+        }
+        wanted.emplace(ids_[entry].value().toLongLong(), entry);
+        ids.push_back(ids_[entry]);
+    }
+    if (wanted.size() < 2) {
+        return;
+    }
+    const int attribute = table.schema()->geometryIndex();
+    request.attributes = {attribute};
+    for (const auto rows = table.openCursor(request); rows->next();) {
+        const auto number = rows->integerId();
+        const auto found = wanted.find(number ? *number : rows->featureId().value().toLongLong());
+        if (found != wanted.end()) {
+            fetched_[found->second] = keep(found->second, decode(rows->cell(attribute), table));
+        }
+    }
 }
 
 bool SpatialIndex::holds(SpatialRelation relation, const Candidate& candidate, const GeometryPtr& b,
@@ -318,12 +358,23 @@ void SpatialIndex::search(SpatialRelation relation, const GeometryPtr& b, dp::Ta
     auto& nodes = tree_->found;
     nodes.clear();
     tree_->nodes.query(bg::index::intersects(boxOf(envelope)), std::back_inserter(nodes));
-    for (const Node& node : nodes) {
-        const Candidate candidate = candidateOf(node);
-        if (relation == SpatialRelation::MayMeet || holds(relation, candidate, b, table)) {
-            found.push_back(id(candidate));
+    constexpr std::size_t mostFetched = 4096;
+    auto& candidates = tree_->candidates;
+    for (auto next = nodes.begin(); next != nodes.end();) {
+        candidates.clear();
+        for (; next != nodes.end() && candidates.size() < mostFetched; ++next) {
+            candidates.push_back(candidateOf(*next));
+        }
+        if (relation != SpatialRelation::MayMeet && !arePositions_ && candidates.size() > 1) {
+            fetch(candidates, table);
+        }
+        for (const Candidate& candidate : candidates) {
+            if (relation == SpatialRelation::MayMeet || holds(relation, candidate, b, table)) {
+                found.push_back(id(candidate));
+            }
         }
     }
+    fetched_.clear();
 }
 
 void SpatialIndex::searchEnvelope(const geometry::Envelope& envelope,

@@ -9,6 +9,8 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
+#include <unordered_map>
 #include <vector>
 
 namespace orvane::adaptor {
@@ -70,6 +72,8 @@ private:
     struct Tree;
 
     geometry::GeometryPtr decode(const dp::Cell& cell, const dp::Table& table) const;
+    geometry::GeometryPtr keep(std::uint32_t entry, geometry::GeometryPtr decoded);
+    void fetch(std::span<const Candidate> candidates, dp::Table& table);
     bool holds(SpatialRelation relation, const Candidate& candidate, const geometry::GeometryPtr& b,
                dp::Table& table);
 
@@ -83,6 +87,7 @@ private:
     std::vector<bool> isPosition_;                  ///< the envelope is the whole geometry
     std::vector<geometry::GeometryPtr> geometries_; ///< decoded so far; empty while none is
     std::uint64_t keptWeight_ = 0;
+    std::unordered_map<std::uint32_t, geometry::GeometryPtr> fetched_; ///< of one search, that are not kept
 };
 
 /// The geometry of a cell; null when the bytes are none.
